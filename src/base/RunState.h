@@ -1,0 +1,12 @@
+#pragma once
+
+namespace kestrune::base {
+
+/// Where the run stands. Every room may read it; the start and the shutdown alone write it.
+struct RunState {
+  bool FormLoading = false;   ///< the load sequence runs: ticks and requests stay empty
+  bool ShuttingDown = false;  ///< set once by the first pass of closing, never cleared
+  bool Quitting = false;      ///< the quit timer drives the update cycle by hand
+};
+
+}  // namespace kestrune::base

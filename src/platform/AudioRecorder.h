@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/PcmFormat.h"
+
+namespace kestrune::platform {
+
+/// The sound-card recorder. All calls and both handlers run on the main thread.
+///
+/// 1. Blocks come through the block handler, each of the block size but the last of a capture, which may be
+///    shorter; the handler reads it with GetBlock.
+/// 2. Stop first hands over everything captured up to the call, the part block last, and then goes quiet. The
+///    device runs on: what it brings until the next Start opens that capture, if device and format stay the
+///    same.
+/// 3. So the blocks of an unbroken row of captures, laid end to end, are the sound that came in. What is lost
+/// all
+///    the same is counted in FramesLost.
+class AudioRecorder {
+ public:
+  virtual ~AudioRecorder() = default;
+
+  [[nodiscard]] virtual std::int16_t DeviceCount() = 0;
+  /// Selects the input device for what follows; an index out of range selects an unusable one.
+  virtual void SetDeviceIndex(std::int16_t index) = 0;
+  [[nodiscard]] virtual bool DeviceUsable() = 0;
+  /// Name of the selected device, empty if there is none.
+  [[nodiscard]] virtual std::string DeviceName() = 0;
+
+  virtual void SetAgcEnabled(bool enabled) = 0;
+  virtual void SetAgcAttackTime(std::int16_t milliseconds) = 0;
+  virtual void SetAgcHighLevel(std::int16_t decibels) = 0;
+  virtual void SetAgcLowLevel(std::int16_t decibels) = 0;
+
+  virtual void SetFormat(const PcmFormat& format) = 0;
+  /// Bytes that the time takes in the set format, whole frames only.
+  [[nodiscard]] virtual std::int32_t TimeToBytes(std::int32_t milliseconds) const = 0;
+  virtual void SetBlockSize(std::int32_t bytes) = 0;
+  virtual void Prepare() = 0;
+  /// 0 or more on success, negative on failure.
+  [[nodiscard]] virtual std::int16_t StartRecording() = 0;
+  virtual void Stop() = 0;
+
+  /// Valid within the block handler.
+  [[nodiscard]] virtual std::span<const std::int16_t> GetBlock() const = 0;
+  /// The newest samples, at most `count`.
+  [[nodiscard]] virtual std::vector<std::int16_t> GetDisplaySamples(std::int32_t count) const = 0;
+
+  /// EndArrayRecord: a block is complete.
+  virtual void SetBlockHandler(std::function<void()> handler) = 0;
+  /// Timer: periodically while recording, for the level display.
+  virtual void SetTimerHandler(std::function<void()> handler) = 0;
+
+  /// Sample frames handed over, and lost on the way (overrun, server gone), since the program started.
+  [[nodiscard]] virtual std::int64_t FramesCaptured() const = 0;
+  [[nodiscard]] virtual std::int64_t FramesLost() const = 0;
+};
+
+}  // namespace kestrune::platform

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace kestrune::platform {
+
+/// A serial line, used by the radio session from the main thread.
+///
+/// 1. Settings are taken over by the next Open; setting them on an open port changes only the threshold.
+/// 2. The receive handler runs from the event loop, never from within a call of this interface, whenever at
+/// least
+///    the threshold of bytes is waiting to be read.
+/// 3. A line that dies (unplugged, the other end closed) reads as closed from then on; writes to it are
+/// dropped.
+class SerialPort {
+ public:
+  virtual ~SerialPort() = default;
+
+  /// Number of the port, 1 to 16; which device that is, is the adapter's matter.
+  virtual void SetCommPort(std::int16_t number) = 0;
+  /// Speed, parity, data bits and stop bits, as "9600,n,8,1".
+  virtual void SetSettings(std::string_view settings) = 0;
+  /// Bytes that trigger the receive handler, at least 1.
+  virtual void SetReceiveThreshold(int bytes) = 0;
+
+  /// Empty on success, else a text for the user: what failed, and what to do about it (the group to join, the
+  /// process that holds the device).
+  [[nodiscard]] virtual std::string Open() = 0;
+  virtual void Close() = 0;
+  [[nodiscard]] virtual bool IsOpen() const = 0;
+
+  virtual void SetDataTerminalReady(bool on) = 0;
+  virtual void SetRequestToSend(bool on) = 0;
+
+  /// All that has been received and not yet read; empty if nothing. Zero bytes are kept.
+  [[nodiscard]] virtual std::string Input() = 0;
+  /// Queues the bytes for sending; false if the port is closed or has died.
+  [[nodiscard]] virtual bool Output(std::string_view bytes) = 0;
+
+  virtual void SetReceiveHandler(std::function<void()> handler) = 0;
+};
+
+}  // namespace kestrune::platform

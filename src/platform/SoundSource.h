@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/PcmFormat.h"
+
+namespace kestrune::platform {
+
+/// Takes samples from a source. Called on the source's own thread, one call at a time; must not block.
+class SampleSink {
+ public:
+  virtual ~SampleSink() = default;
+  virtual void OnSamples(std::span<const std::int16_t> interleaved) = 0;
+  /// Sound that the source knows to have missed, in frames.
+  virtual void OnLost(std::int64_t frames) = 0;
+};
+
+struct SoundDevice {
+  std::string Name;  ///< for people, UTF-8
+  std::string Id;    ///< for the source itself, stable from start to start
+};
+
+/// A place where sound comes from: a sound server, a sound card, a pipe of raw samples. Used from the main
+/// thread.
+///
+/// 1. Devices lists inputs first, then the monitors of outputs, each group in an order that is the same from
+/// start
+///    to start.
+/// 2. Open delivers in the asked format, whatever the device's own is. When the device goes away the source
+///    keeps trying to come back, counts the gap as lost, and stays open.
+/// 3. After Close no further call reaches the sink.
+class SoundSource {
+ public:
+  virtual ~SoundSource() = default;
+
+  [[nodiscard]] virtual std::vector<SoundDevice> Devices() = 0;
+  [[nodiscard]] virtual bool Usable(const std::string& id) = 0;
+  /// Empty on success, else what failed.
+  [[nodiscard]] virtual std::string Open(const std::string& id, const PcmFormat& format,
+                                         SampleSink& sink) = 0;
+  virtual void Close() = 0;
+};
+
+}  // namespace kestrune::platform

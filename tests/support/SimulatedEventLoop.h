@@ -1,0 +1,74 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "base/EventLoop.h"
+
+namespace kestrune::test {
+
+/// Time that moves only when somebody waits: from event to event, each at its own moment, in the order of the
+/// moments and, within one, in the order of asking. Two runs with the same calls are the same.
+///
+/// Two kinds of things happen. Hardware (AtHardware) happens at its moment whatever the program does, also while
+/// it sleeps, and must not run handlers of the program: it moves bytes and posts. Handlers (timers, Post) run only
+/// inside PumpEvents and Run.
+class SimulatedEventLoop final : public base::EventLoop {
+ public:
+  using Duration = std::chrono::milliseconds;
+
+  /// Starts at the given wall time.
+  explicit SimulatedEventLoop(base::DateValue start = base::DateValue::FromSeconds(kDefaultStart));
+  ~SimulatedEventLoop() override;
+
+  [[nodiscard]] base::DateValue Now() const override;
+  [[nodiscard]] Duration TimeOfDay() const override;
+  [[nodiscard]] Duration SteadyNow() const override { return now_; }
+  void Sleep(Duration duration) override;
+  void PumpEvents() override;
+  [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(Duration interval,
+                                                       std::function<void()> handler) override;
+
+  /// Sets the wall clock without touching the steady one.
+  void StepWallClock(Duration by) { wallOffset_ += by; }
+
+  /// Something outside the program happens after the delay, even while the program sleeps.
+  void AtHardware(Duration delay, std::function<void()> happening);
+  /// A handler of the program, due at once.
+  void Post(std::function<void()> handler);
+
+  /// The outer loop: serves all that comes due within the duration, each at its own moment.
+  void Run(Duration duration);
+  /// The same until the condition holds; false if the limit passed first.
+  [[nodiscard]] bool RunUntil(const std::function<bool()>& condition, Duration limit);
+
+  /// How many handlers have run so far.
+  [[nodiscard]] std::uint64_t HandlersRun() const { return handlersRun_; }
+
+ private:
+  class SimulatedTimer;
+  using Moment = std::pair<Duration, std::uint64_t>;
+
+  // Saturday, January 1, 2005, 12:00:00.
+  static constexpr std::int64_t kDefaultStart = 38353LL * 86400 + 43200;
+
+  void AdvanceTo(Duration time);
+  bool RunOneDueHandler();
+  [[nodiscard]] Duration NextMoment() const;
+
+  Duration now_{0};
+  Duration wallOffset_;
+  std::uint64_t order_ = 0;
+  std::uint64_t handlersRun_ = 0;
+  std::multimap<Moment, std::function<void()>> hardware_;
+  std::deque<std::function<void()>> posted_;
+  std::map<Moment, SimulatedTimer*> timers_;
+};
+
+}  // namespace kestrune::test
