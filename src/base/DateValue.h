@@ -17,7 +17,7 @@ class DateValue {
   /// Month 1 to 12, day 1 to 31, hour 0 to 23. Values beyond a month's end run on into the next one.
   [[nodiscard]] static DateValue FromCivil(int year, int month, int day, int hour = 0, int minute = 0,
                                            int second = 0);
-  /// Rounds to the nearest second.
+  /// Rounds to the nearest second. What lies outside the range becomes its first or last second.
   [[nodiscard]] static DateValue FromDays(double days);
   [[nodiscard]] static constexpr DateValue FromSeconds(std::int64_t seconds) {
     DateValue value;
@@ -38,6 +38,7 @@ class DateValue {
   [[nodiscard]] int Second() const;   ///< 0 to 59
   [[nodiscard]] int Weekday() const;  ///< 1 is Sunday, 7 is Saturday
 
+  /// A sum that would leave the range stops at its first or last second.
   [[nodiscard]] DateValue AddSeconds(std::int64_t seconds) const;
   [[nodiscard]] DateValue AddMinutes(std::int64_t minutes) const;
   [[nodiscard]] DateValue AddHours(std::int64_t hours) const;
