@@ -75,6 +75,10 @@ SimulatedEventLoop::Duration SimulatedEventLoop::TimeOfDay() const {
   return (now_ + wallOffset_) % std::chrono::hours(24);
 }
 
+std::unique_ptr<base::Timer> SimulatedEventLoop::MakeTimer(Duration interval, std::function<void()> handler) {
+  return std::make_unique<SimulatedTimer>(*this, interval, std::move(handler));
+}
+
 void SimulatedEventLoop::AtHardware(Duration delay, std::function<void()> happening) {
   hardware_.emplace(Moment{now_ + delay, ++order_}, std::move(happening));
 }
