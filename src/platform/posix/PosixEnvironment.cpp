@@ -1,0 +1,159 @@
+#include "platform/posix/PosixEnvironment.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <utility>
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+#include "platform/posix/FileNames.h"
+#include "platform/posix/PosixFiles.h"
+
+namespace kestrune::platform {
+
+namespace {
+
+constexpr mode_t kPrivate = 0700;
+constexpr mode_t kShared = 0777;
+
+std::string RealPath(const std::string& path) {
+  std::array<char, PATH_MAX> real{};
+  return ::realpath(path.c_str(), real.data()) == nullptr ? std::string() : std::string(real.data());
+}
+
+std::string WithoutEndSeparator(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  return path;
+}
+
+std::string VariableText(const std::string& name) {
+  const char* text = std::getenv(name.c_str());
+  return text == nullptr ? std::string() : std::string(text);
+}
+
+/// A folder that a variable names; the desktop's conventions ignore one that does not begin at the root.
+std::string FolderVariable(const std::string& name) {
+  const std::string path = WithoutEndSeparator(VariableText(name));
+  return path.starts_with('/') ? path : std::string();
+}
+
+std::string FindExecutableFolder(const std::string& path) {
+  const bool namesFolder = path.find('/') != std::string::npos;
+  std::string real = RealPath(namesFolder ? path : "/proc/self/exe");
+  if (real.empty()) real = RealPath("/proc/self/exe");
+  return real.empty() ? "." : FolderOf(real);
+}
+
+/// The music folder by the desktop's list of user folders, whose lines read XDG_MUSIC_DIR="$HOME/Music".
+std::string ListedMusicFolder(const std::string& list, const std::string& home) {
+  constexpr std::string_view kName = "XDG_MUSIC_DIR=\"";
+  constexpr std::string_view kHome = "$HOME";
+  std::string folder;
+  for (const std::string& line : base::Lines(list)) {
+    std::string_view rest = line;
+    rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
+    if (!rest.starts_with(kName)) continue;
+    rest.remove_prefix(kName.size());
+    std::string value;
+    if (rest.starts_with("$HOME/") || rest.starts_with("$HOME\"")) {
+      value = home;
+      rest.remove_prefix(kHome.size());
+    }
+    while (!rest.empty() && rest.front() != '"') {
+      if (rest.front() == '\\' && rest.size() > 1) rest.remove_prefix(1);
+      value += rest.front();
+      rest.remove_prefix(1);
+    }
+    // A line without its closing quotation mark says nothing.
+    if (!rest.empty() && value.starts_with('/')) folder = WithoutEndSeparator(std::move(value));
+  }
+  return folder;
+}
+
+/// Makes the folder if need be and sees that it is a folder, no link, of this user, closed to everybody else.
+bool MakePrivate(const std::string& path) {
+  base::Ignored(::mkdir(path.c_str(), kPrivate));
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return false;
+  if (!S_ISDIR(status.st_mode) || status.st_uid != ::geteuid()) return false;
+  return (status.st_mode & 0777U) == kPrivate || ::chmod(path.c_str(), kPrivate) == 0;
+}
+
+}  // namespace
+
+PosixEnvironment::PosixEnvironment(StartArguments arguments)
+    : executableFolder_(FindExecutableFolder(arguments.ExecutablePath)),
+      commandLine_(std::move(arguments.CommandLine)),
+      profileFolder_(std::move(arguments.ProfileFolder)) {
+  if (!profileFolder_) return;
+  // The whole path, so that a later change of the working folder does not move the profile.
+  base::Ignored(MakeFolders(*profileFolder_, kPrivate));
+  const std::string real = RealPath(*profileFolder_);
+  if (!real.empty()) profileFolder_ = real;
+}
+
+std::string PosixEnvironment::InProfile(std::string_view name) const {
+  std::string path = fmt::format("{}/{}", *profileFolder_, name);
+  // Who uses the folder finds out that it is missing.
+  base::Ignored(MakeFolders(path, kPrivate));
+  return path;
+}
+
+std::string PosixEnvironment::Variable(std::string_view name) const {
+  const bool home = name == "userprofile";
+  const bool temporary = name == "temp" || name == "Temp";
+  if (profileFolder_ && home) return InProfile("home");
+  if (profileFolder_ && temporary) return InProfile("tmp");
+  const auto systemName = SystemPath(name);
+  const std::string value = systemName ? VariableText(*systemName) : std::string();
+  if (home) return value.empty() ? WithoutEndSeparator(VariableText("HOME")) : WithoutEndSeparator(value);
+  if (!temporary) return value;
+  if (!value.empty()) return WithoutEndSeparator(value);
+  const std::string system = FolderVariable("TMPDIR");
+  return system.empty() ? "/tmp" : system;
+}
+
+std::string PosixEnvironment::Home() const {
+  const std::string home = WithoutEndSeparator(VariableText("HOME"));
+  return home.empty() ? executableFolder_ : home;
+}
+
+std::string PosixEnvironment::ConfigurationFolder() const {
+  const std::string folder = FolderVariable("XDG_CONFIG_HOME");
+  return folder.empty() ? Home() + "/.config" : folder;
+}
+
+std::string PosixEnvironment::MusicFolder() const {
+  const auto list = PosixFiles().Read(ConfigurationFolder() + "/user-dirs.dirs");
+  const std::string listed = list ? ListedMusicFolder(*list, Home()) : std::string();
+  return listed.empty() ? Home() + "/Music" : listed;
+}
+
+std::string PosixEnvironment::DefaultRecordingFolder() const {
+  if (profileFolder_) return InProfile("Music/Kestrune");
+  std::string folder = MusicFolder() + "/Kestrune";
+  base::Ignored(MakeFolders(folder, kShared));
+  return folder;
+}
+
+std::string PosixEnvironment::SettingsFolder() const {
+  return profileFolder_ ? InProfile("config") : ConfigurationFolder() + "/kestrune";
+}
+
+std::string PosixEnvironment::RuntimeFolder() const {
+  if (profileFolder_) {
+    std::string folder = InProfile("run");
+    return MakePrivate(folder) ? folder : std::string();
+  }
+  const std::string base = FolderVariable("XDG_RUNTIME_DIR");
+  std::string folder = base.empty() ? fmt::format("/tmp/kestrune-{}", ::geteuid()) : base + "/kestrune";
+  return MakePrivate(folder) ? folder : std::string();
+}
+
+}  // namespace kestrune::platform

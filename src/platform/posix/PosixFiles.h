@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Files.h"
+
+namespace kestrune::platform {
+
+/// The file system of the machine. Names go to it byte for byte; a path with a NUL fails.
+class PosixFiles final : public Files {
+ public:
+  [[nodiscard]] bool Exists(std::string_view path) const override;
+  [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] bool RemoveFolder(std::string_view path) override;
+  /// A link to a plain file counts as one.
+  [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
+                                                  std::string_view pattern) const override;
+  /// Removes a file, never a folder.
+  [[nodiscard]] bool Remove(std::string_view path) override;
+  [[nodiscard]] bool RenameNoReplace(std::string_view from, std::string_view to) override;
+  /// Plain files only; a file of the new name is replaced as a whole.
+  [[nodiscard]] bool Copy(std::string_view from, std::string_view to) override;
+  /// Plain files only, so that a pipe never holds up the caller.
+  [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
+  [[nodiscard]] bool Replace(std::string_view path, std::string_view text) override;
+  [[nodiscard]] bool Append(std::string_view path, std::string_view text) override;
+  [[nodiscard]] std::unique_ptr<OpenTextFile> OpenForWriting(std::string_view path) override;
+  /// A path that does not exist yet counts as lying in the nearest folder above it that does.
+  [[nodiscard]] double FreeBytes(std::string_view path) const override;
+};
+
+}  // namespace kestrune::platform

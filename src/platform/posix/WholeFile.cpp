@@ -1,0 +1,91 @@
+#include "platform/posix/WholeFile.h"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/Ignored.h"
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/FileNames.h"
+
+namespace kestrune::platform {
+
+namespace {
+
+std::string FollowLinks(const std::string& path) {
+  std::array<char, PATH_MAX> target{};
+  return ::realpath(path.c_str(), target.data()) == nullptr ? path : std::string(target.data());
+}
+
+/// A new file under a hidden name that is short, whatever the length of the name it is to take.
+FileDescriptor OpenPrivate(const std::string& folder, std::string& path) {
+  for (int attempt = 0; attempt < 1000; ++attempt) {
+    path = fmt::format("{}/.kestrune-{}-{}", folder, ::getpid(), attempt);
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (file.IsOpen() || errno != EEXIST) return file;
+  }
+  return {};
+}
+
+/// The new name itself must survive a power cut too, as far as the file system can promise it.
+void SyncFolder(const std::string& folder) {
+  const FileDescriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directory.IsOpen()) base::Ignored(::fsync(directory.Number()));
+}
+
+}  // namespace
+
+std::optional<std::string> ReadToEnd(int file) {
+  std::string text;
+  std::array<char, 65536> block{};
+  for (;;) {
+    const ssize_t count = ::read(file, block.data(), block.size());
+    if (count == 0) return text;
+    if (count > 0) {
+      text.append(block.data(), static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      return std::nullopt;
+    }
+  }
+}
+
+bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(file, text.data(), text.size());
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (count == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool ReplaceFile(const std::string& path, const std::function<bool(int file)>& write) {
+  const std::string target = FollowLinks(path);
+  const std::string folder = FolderOf(target);
+  std::string temporary;
+  FileDescriptor file = OpenPrivate(folder, temporary);
+  if (!file.IsOpen()) return false;
+
+  struct stat old {};
+  bool good = ::stat(target.c_str(), &old) != 0 || ::fchmod(file.Number(), old.st_mode & 0777U) == 0;
+  good = good && write(file.Number()) && ::fsync(file.Number()) == 0;
+  good = file.Close() && good;
+  if (!good || std::rename(temporary.c_str(), target.c_str()) != 0) {
+    base::Ignored(::unlink(temporary.c_str()));
+    return false;
+  }
+  SyncFolder(folder);
+  return true;
+}
+
+}  // namespace kestrune::platform

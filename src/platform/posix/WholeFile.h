@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kestrune::platform {
+
+/// Reads an open file from where it stands to its end; nothing if a read fails.
+[[nodiscard]] std::optional<std::string> ReadToEnd(int file);
+
+/// Writes all of the text; false if the system took only part of it.
+[[nodiscard]] bool WriteAll(int file, std::string_view text);
+
+/// Puts a file in place as a whole: `write` fills a private file in the same folder, which is then on disk
+/// before it takes the name. A link is followed, the mode of a file that is replaced stays. On failure the
+/// old file stands.
+[[nodiscard]] bool ReplaceFile(const std::string& path, const std::function<bool(int file)>& write);
+
+}  // namespace kestrune::platform
