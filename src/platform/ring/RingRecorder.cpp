@@ -1,0 +1,170 @@
+#include "platform/ring/RingRecorder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrune::platform {
+
+namespace {
+
+constexpr std::int32_t kBlockMilliseconds = 100;
+constexpr std::int32_t kHighestRate = 192000;
+// Enough for the widest level display.
+constexpr std::size_t kNewestSamples = 16384;
+
+bool Sound(const PcmFormat& format) {
+  return format.SampleRate > 0 && format.SampleRate <= kHighestRate && format.Channels >= 1 &&
+         format.Channels <= 2;
+}
+
+}  // namespace
+
+RingRecorder::RingRecorder(base::EventLoop& loop, SoundSource& source)
+    : source_(source),
+      loop_(loop),
+      pollTimer_(loop.MakeTimer(kPollInterval, [this] { Poll(); })),
+      displayTimer_(loop.MakeTimer(kDisplayInterval, [this] { Display(); })) {}
+
+RingRecorder::~RingRecorder() {
+  CloseSource();
+}
+
+std::int16_t RingRecorder::DeviceCount() {
+  devices_ = source_.Devices();
+  devicesKnown_ = true;
+  return static_cast<std::int16_t>(std::min<std::size_t>(devices_.size(), INT16_MAX));
+}
+
+const SoundDevice* RingRecorder::SelectedDevice() {
+  if (!devicesKnown_) static_cast<void>(DeviceCount());
+  if (deviceIndex_ < 0 || static_cast<std::size_t>(deviceIndex_) >= devices_.size()) return nullptr;
+  return &devices_[static_cast<std::size_t>(deviceIndex_)];
+}
+
+bool RingRecorder::DeviceUsable() {
+  const SoundDevice* device = SelectedDevice();
+  return device != nullptr && source_.Usable(device->Id);
+}
+
+std::string RingRecorder::DeviceName() {
+  const SoundDevice* device = SelectedDevice();
+  return device == nullptr ? std::string() : device->Name;
+}
+
+std::int32_t RingRecorder::TimeToBytes(std::int32_t milliseconds) const {
+  const std::int64_t frames = std::int64_t{milliseconds} * format_.SampleRate / 1000;
+  return static_cast<std::int32_t>(frames * format_.Channels *
+                                   static_cast<std::int64_t>(sizeof(std::int16_t)));
+}
+
+std::int16_t RingRecorder::StartRecording() {
+  if (recording_) Stop();
+  if (!Sound(format_)) return kBadFormat;
+  const SoundDevice* device = SelectedDevice();
+  if (device == nullptr) return kNoSuchDevice;
+  if (!open_ || openId_ != device->Id || openFormat_ != format_) {
+    OpenSource(*device);
+    if (!open_) return kOpenFailed;
+  }
+  const auto channels = static_cast<std::size_t>(format_.Channels);
+  const std::int32_t bytes = blockBytes_ > 0 ? blockBytes_ : TimeToBytes(kBlockMilliseconds);
+  const std::size_t frames = static_cast<std::size_t>(bytes) / sizeof(std::int16_t) / channels;
+  blockSamples_ = std::max<std::size_t>(frames, 1) * channels;
+  block_.reserve(blockSamples_);
+  recording_ = true;
+  pollTimer_->SetEnabled(true);
+  displayTimer_->SetEnabled(true);
+  return kStarted;
+}
+
+void RingRecorder::Stop() {
+  if (!recording_) return;
+  // Only what is there now: the source goes on bringing.
+  const std::size_t captured = ring_->Available();
+  std::size_t handed = 0;
+  while (recording_ && handed < captured) {
+    const std::size_t count = std::min(blockSamples_, captured - handed);
+    handed += count;
+    HandOver(count);
+  }
+  recording_ = false;
+  stoppedAt_ = loop_.SteadyNow();
+  displayTimer_->SetEnabled(false);
+}
+
+void RingRecorder::Poll() {
+  if (!recording_) {
+    if (loop_.SteadyNow() - stoppedAt_ >= kIdleLimit) CloseSource();
+    return;
+  }
+  for (std::size_t blocks = ring_->Available() / blockSamples_; blocks > 0 && recording_; --blocks) {
+    HandOver(blockSamples_);
+  }
+}
+
+void RingRecorder::HandOver(std::size_t samples) {
+  block_.resize(samples);
+  block_.resize(ring_->Pop(block_));
+  gainControl_.Process(block_);
+  framesCaptured_ += static_cast<std::int64_t>(block_.size()) / openFormat_.Channels;
+  newest_.insert(newest_.end(), block_.begin(), block_.end());
+  if (newest_.size() > kNewestSamples) {
+    newest_.erase(newest_.begin(), newest_.end() - static_cast<std::ptrdiff_t>(kNewestSamples));
+  }
+  if (blockHandler_) blockHandler_();
+}
+
+void RingRecorder::Display() {
+  if (timerHandler_) timerHandler_();
+}
+
+std::vector<std::int16_t> RingRecorder::GetDisplaySamples(std::int32_t count) const {
+  const auto wanted = static_cast<std::ptrdiff_t>(std::max(count, 0));
+  const auto there = static_cast<std::ptrdiff_t>(newest_.size());
+  return {newest_.end() - std::min(wanted, there), newest_.end()};
+}
+
+void RingRecorder::OpenSource(const SoundDevice& device) {
+  if (open_) {
+    const std::size_t left = ring_->Available();
+    CloseSource();
+    lostByRings_ += static_cast<std::int64_t>(left) / openFormat_.Channels;
+  }
+  newest_.clear();
+  gainControl_.SetFormat(format_);
+  const auto samples = static_cast<std::size_t>(format_.SampleRate) *
+                       static_cast<std::size_t>(format_.Channels) * static_cast<std::size_t>(kRingSeconds);
+  ring_ = std::make_unique<SampleRing>(samples);
+  openFormat_ = format_;
+  openId_ = device.Id;
+  openError_ = source_.Open(device.Id, format_, *this);
+  open_ = openError_.empty();
+  if (!open_) ring_.reset();
+}
+
+void RingRecorder::CloseSource() {
+  pollTimer_->SetEnabled(false);
+  displayTimer_->SetEnabled(false);
+  recording_ = false;
+  if (!open_) return;
+  source_.Close();
+  open_ = false;
+  lostByRings_ += static_cast<std::int64_t>(ring_->Lost()) / openFormat_.Channels;
+  ring_.reset();
+}
+
+std::int64_t RingRecorder::FramesLost() const {
+  std::int64_t lost = lostBySource_.load(std::memory_order_relaxed) + lostByRings_;
+  if (ring_) lost += static_cast<std::int64_t>(ring_->Lost()) / openFormat_.Channels;
+  return lost;
+}
+
+void RingRecorder::OnSamples(std::span<const std::int16_t> interleaved) {
+  ring_->Push(interleaved);
+}
+
+void RingRecorder::OnLost(std::int64_t frames) {
+  lostBySource_.fetch_add(frames, std::memory_order_relaxed);
+}
+
+}  // namespace kestrune::platform

@@ -1,0 +1,415 @@
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/ring/RingRecorder.h"
+#include "support/SimulatedEventLoop.h"
+#include "support/SimulatedSoundSource.h"
+
+namespace kestrune::platform {
+namespace {
+
+using std::chrono::milliseconds;
+using test::SimulatedEventLoop;
+using test::SimulatedSoundSource;
+
+class RingRecorderTest : public ::testing::Test {
+ protected:
+  RingRecorderTest() {
+    Recorder->SetBlockHandler([this] {
+      const auto block = Recorder->GetBlock();
+      Taken.insert(Taken.end(), block.begin(), block.end());
+      BlockSizes.push_back(block.size());
+    });
+  }
+
+  std::int16_t Start(const PcmFormat& format = {}) {
+    Recorder->SetFormat(format);
+    Recorder->SetBlockSize(Recorder->TimeToBytes(100));
+    Recorder->Prepare();
+    return Recorder->StartRecording();
+  }
+
+  /// Numbers of the frames taken since the last call.
+  std::vector<std::uint32_t> TakeFrames() {
+    auto frames = SimulatedSoundSource::FrameNumbers(Taken);
+    Taken.clear();
+    BlockSizes.clear();
+    return frames;
+  }
+
+  /// Frames that do not follow the one before them.
+  static int Breaks(const std::vector<std::uint32_t>& frames) {
+    int breaks = 0;
+    for (std::size_t at = 1; at < frames.size(); ++at) {
+      if (frames[at] != frames[at - 1] + 1) ++breaks;
+    }
+    return breaks;
+  }
+
+  SimulatedEventLoop Loop;
+  SimulatedSoundSource Source{Loop};
+  std::unique_ptr<RingRecorder> Recorder = std::make_unique<RingRecorder>(Loop, Source);
+  std::vector<std::int16_t> Taken;
+  std::vector<std::size_t> BlockSizes;
+};
+
+TEST_F(RingRecorderTest, BlocksHaveTheSetSizeAndOnlyTheLastMayBeShorter) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(1030));
+  Recorder->Stop();
+  ASSERT_EQ(BlockSizes.size(), 11U);
+  for (std::size_t at = 0; at < 10; ++at) EXPECT_EQ(BlockSizes[at], 8820U);
+  EXPECT_EQ(BlockSizes[10], 2 * 1323U);
+  EXPECT_EQ(Recorder->FramesCaptured(), 45423);
+}
+
+TEST_F(RingRecorderTest, TimeToBytesCountsWholeFrames) {
+  Recorder->SetFormat({44100, 2});
+  EXPECT_EQ(Recorder->TimeToBytes(100), 17640);
+  Recorder->SetFormat({11025, 1});
+  EXPECT_EQ(Recorder->TimeToBytes(100), 2204);
+  Recorder->SetFormat({22050, 2});
+  EXPECT_EQ(Recorder->TimeToBytes(1), 88);
+}
+
+TEST_F(RingRecorderTest, AnOddBlockSizeIsCutToWholeFrames) {
+  Recorder->SetFormat({44100, 2});
+  Recorder->SetBlockSize(4003);
+  ASSERT_EQ(Recorder->StartRecording(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  ASSERT_FALSE(BlockSizes.empty());
+  EXPECT_EQ(BlockSizes[0], 2000U);
+}
+
+TEST_F(RingRecorderTest, WithoutABlockSizeABlockIsATenthOfASecond) {
+  Recorder->SetFormat({8000, 1});
+  ASSERT_EQ(Recorder->StartRecording(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  ASSERT_FALSE(BlockSizes.empty());
+  EXPECT_EQ(BlockSizes[0], 800U);
+}
+
+TEST_F(RingRecorderTest, StopHandsOverAllThatWasCapturedAndThenIsQuiet) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(250));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  ASSERT_EQ(frames.size(), 11025U);
+  EXPECT_EQ(frames.front(), 0U);
+  Loop.Run(milliseconds(2000));
+  EXPECT_TRUE(Taken.empty());
+  Recorder->Stop();
+  EXPECT_TRUE(Taken.empty());
+}
+
+TEST_F(RingRecorderTest, WhatComesBetweenStopAndStartOpensTheNextCapture) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(250));
+  Recorder->Stop();
+  static_cast<void>(TakeFrames());
+  Loop.Sleep(milliseconds(730));
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_TRUE(Taken.empty()) << "blocks come from the loop, not from within StartRecording";
+  Loop.Run(milliseconds(100));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  ASSERT_FALSE(frames.empty());
+  EXPECT_EQ(frames.front(), 11025U);
+  EXPECT_EQ(frames.size(), 44100U * 830 / 1000);
+  EXPECT_EQ(Breaks(frames), 0);
+  EXPECT_EQ(Source.TimesOpened(), 1);
+}
+
+TEST_F(RingRecorderTest, ASleepOfSixHundredMillisecondsBeforeStopBelongsToTheOldCapture) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(3000));
+  Loop.Sleep(milliseconds(600));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  EXPECT_EQ(frames.size(), 44100U * 36 / 10);
+  EXPECT_EQ(Breaks(frames), 0);
+  EXPECT_EQ(Recorder->FramesLost(), 0);
+}
+
+// Songs of random length, each ended by a sleep, a Stop, some work and a Start, as a song change does it.
+// Laid end to end, what the captures hold is what the radio played.
+TEST_F(RingRecorderTest, AThousandCutsLoseDoubleAndMixNothing) {
+  const auto seed = std::random_device{}();
+  std::cout << "seed " << seed << '\n';
+  std::mt19937 random(seed);
+  constexpr int kCuts = 1200;
+  // 8 kHz keeps the run short; that 44.1 frames a millisecond do not come out even is tried above.
+  constexpr PcmFormat kFormat{8000, 2};
+
+  std::uint64_t lost = 0;
+  std::uint64_t doubled = 0;
+  std::uint64_t misplaced = 0;
+  std::uint64_t expected = 0;
+  std::uint64_t captureStart = 0;
+  for (int cut = 0; cut < kCuts; ++cut) {
+    ASSERT_EQ(Start(kFormat), RingRecorder::kStarted);
+    Loop.Run(milliseconds(random() % 4000));
+    if (random() % 4 == 0) Source.Stall(milliseconds(random() % 900));
+    const int pumps = static_cast<int>(random() % 3);
+    for (int pump = 0; pump < pumps; ++pump) {
+      Loop.Sleep(milliseconds(random() % 300));
+      Loop.PumpEvents();
+    }
+    if (random() % 2 == 0) Loop.Sleep(milliseconds(600));
+    const std::int64_t delivered = Source.FramesDelivered();
+    Recorder->Stop();
+    const auto frames = TakeFrames();
+    // The capture holds what had been delivered by its Stop, and begins where the one before it ended.
+    if (captureStart + frames.size() != static_cast<std::uint64_t>(delivered)) ++misplaced;
+    for (const std::uint32_t frame : frames) {
+      if (frame > expected) lost += frame - expected;
+      if (frame < expected) ++doubled;
+      expected = std::uint64_t{frame} + 1;
+    }
+    captureStart += frames.size();
+    if (random() % 3 == 0) Loop.Sleep(milliseconds(random() % 500));
+    if (random() % 5 == 0) Loop.Run(milliseconds(random() % 200));
+  }
+  EXPECT_EQ(lost, 0U);
+  EXPECT_EQ(doubled, 0U);
+  EXPECT_EQ(misplaced, 0U);
+  EXPECT_EQ(Recorder->FramesLost(), 0);
+  EXPECT_EQ(Recorder->FramesCaptured(), static_cast<std::int64_t>(expected));
+  EXPECT_EQ(Source.TimesOpened(), 1);
+}
+
+TEST_F(RingRecorderTest, TheRingHoldsThirtySecondsOfSleep) {
+  ASSERT_EQ(Start({48000, 2}), RingRecorder::kStarted);
+  Loop.Sleep(milliseconds(30000));
+  Loop.PumpEvents();
+  Recorder->Stop();
+  EXPECT_EQ(Recorder->FramesLost(), 0);
+  const auto frames = TakeFrames();
+  EXPECT_EQ(frames.size(), 48000U * 30);
+  EXPECT_EQ(Breaks(frames), 0);
+}
+
+TEST_F(RingRecorderTest, WhatALongerSleepOverrunsIsCounted) {
+  ASSERT_EQ(Start({8000, 2}), RingRecorder::kStarted);
+  Loop.Sleep(milliseconds(35000));
+  EXPECT_EQ(Recorder->FramesLost(), 5 * 8000);
+  Loop.Run(milliseconds(1000));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  EXPECT_EQ(frames.size(), 31U * 8000);
+  EXPECT_EQ(Breaks(frames), 1);
+  EXPECT_EQ(Recorder->FramesLost(), 5 * 8000);
+}
+
+TEST_F(RingRecorderTest, LossesThatTheSourceKnowsOfAreCounted) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  Source.Drop(1000);
+  Loop.Run(milliseconds(500));
+  Source.Die(milliseconds(2000));
+  Loop.Run(milliseconds(4000));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  EXPECT_EQ(Breaks(frames), 2);
+  EXPECT_EQ(Recorder->FramesLost(), 1000 + 2 * 44100);
+  EXPECT_EQ(Recorder->FramesCaptured() + Recorder->FramesLost(), 5 * 44100);
+}
+
+TEST_F(RingRecorderTest, AnotherFormatOpensTheDeviceAnewAndCountsWhatIsLeftOver) {
+  ASSERT_EQ(Start({44100, 2}), RingRecorder::kStarted);
+  Loop.Run(milliseconds(1000));
+  Recorder->Stop();
+  static_cast<void>(TakeFrames());
+  Loop.Sleep(milliseconds(100));
+  ASSERT_EQ(Start({22050, 1}), RingRecorder::kStarted);
+  EXPECT_EQ(Source.TimesOpened(), 2);
+  EXPECT_EQ(Source.TimesClosed(), 1);
+  EXPECT_EQ(Source.OpenFormat(), (PcmFormat{22050, 1}));
+  EXPECT_EQ(Recorder->FramesLost(), 4410);
+  Loop.Run(milliseconds(1000));
+  Recorder->Stop();
+  ASSERT_EQ(Taken.size(), 22050U);
+  const std::uint64_t first = SimulatedSoundSource::FrameAt(milliseconds(1100), 22050);
+  for (std::size_t at = 0; at < Taken.size(); ++at) {
+    ASSERT_EQ(static_cast<std::uint16_t>(Taken[at]), static_cast<std::uint16_t>(first + at));
+  }
+}
+
+TEST_F(RingRecorderTest, AnotherDeviceIsOpenedAtTheNextStart) {
+  Source.SetDevices({{"Radio", "radio"}, {"Other", "other"}});
+  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Recorder->SetDeviceIndex(1);
+  Loop.Run(milliseconds(200));
+  EXPECT_EQ(Source.OpenId(), "radio");
+  Recorder->Stop();
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(Source.OpenId(), "other");
+  EXPECT_EQ(Source.TimesOpened(), 2);
+}
+
+TEST_F(RingRecorderTest, TheDeviceListStaysAsCounted) {
+  Source.SetDevices({{"A", "a"}, {"B", "b"}});
+  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  Source.SetDevices({{"New", "new"}, {"A", "a"}, {"B", "b"}});
+  Recorder->SetDeviceIndex(1);
+  EXPECT_EQ(Recorder->DeviceName(), "B");
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(Source.OpenId(), "b");
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
+  EXPECT_EQ(Recorder->DeviceName(), "A");
+}
+
+TEST_F(RingRecorderTest, AnIndexPastTheLastDeviceIsUnusableAndNameless) {
+  EXPECT_EQ(Recorder->DeviceCount(), 1);
+  for (const std::int16_t index : {std::int16_t{1}, std::int16_t{-1}, std::int16_t{32767}}) {
+    Recorder->SetDeviceIndex(index);
+    EXPECT_FALSE(Recorder->DeviceUsable());
+    EXPECT_EQ(Recorder->DeviceName(), "");
+    EXPECT_EQ(Start(), RingRecorder::kNoSuchDevice);
+  }
+  Recorder->SetDeviceIndex(0);
+  EXPECT_TRUE(Recorder->DeviceUsable());
+  EXPECT_EQ(Recorder->DeviceName(), "Radio");
+  Source.SetUsable("radio", false);
+  EXPECT_FALSE(Recorder->DeviceUsable());
+}
+
+TEST_F(RingRecorderTest, ADeviceThatDoesNotOpenAnswersNegativeAndIsNotTriedAgainByItself) {
+  Source.FailOpening("in use");
+  EXPECT_EQ(Start(), RingRecorder::kOpenFailed);
+  EXPECT_LT(RingRecorder::kOpenFailed, 0);
+  EXPECT_EQ(Recorder->OpenError(), "in use");
+  Source.FailOpening("");
+  Loop.Run(milliseconds(5000));
+  EXPECT_EQ(Source.TimesOpened(), 0);
+  Recorder->Stop();
+  EXPECT_TRUE(Taken.empty());
+  EXPECT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(Recorder->OpenError(), "");
+}
+
+TEST_F(RingRecorderTest, AFormatThatIsNoneIsRefused) {
+  EXPECT_EQ(Start({0, 2}), RingRecorder::kBadFormat);
+  EXPECT_EQ(Start({44100, 0}), RingRecorder::kBadFormat);
+  EXPECT_EQ(Start({44100, 3}), RingRecorder::kBadFormat);
+  EXPECT_EQ(Source.TimesOpened(), 0);
+}
+
+TEST_F(RingRecorderTest, ADeviceThatNobodyRecordsFromIsClosedAndItsSoundForgotten) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  Recorder->Stop();
+  static_cast<void>(TakeFrames());
+  Loop.Run(milliseconds(9900));
+  EXPECT_TRUE(Source.IsOpen());
+  Loop.Run(milliseconds(200));
+  EXPECT_FALSE(Source.IsOpen());
+  EXPECT_EQ(Recorder->FramesLost(), 0);
+  Loop.Run(milliseconds(60000));
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  const std::uint64_t now = SimulatedSoundSource::FrameAt(Loop.SteadyNow(), 44100);
+  Loop.Run(milliseconds(500));
+  const auto frames = TakeFrames();
+  ASSERT_FALSE(frames.empty());
+  EXPECT_EQ(frames.front(), now);
+}
+
+TEST_F(RingRecorderTest, SlowWorkBetweenStopAndStartKeepsTheDeviceOpen) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  Recorder->Stop();
+  Loop.Sleep(milliseconds(15000));
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  EXPECT_EQ(frames.size(), 44100U * 16);
+  EXPECT_EQ(Breaks(frames), 0);
+}
+
+TEST_F(RingRecorderTest, StartWhileRecordingEndsTheCaptureFirst) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(230));
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(BlockSizes.back(), 2 * 1323U);
+  Loop.Run(milliseconds(230));
+  Recorder->Stop();
+  const auto frames = TakeFrames();
+  EXPECT_EQ(frames.size(), 44100U * 460 / 1000);
+  EXPECT_EQ(Breaks(frames), 0);
+}
+
+TEST_F(RingRecorderTest, StopFromWithinTheBlockHandlerEndsTheCapture) {
+  std::size_t blocks = 0;
+  Recorder->SetBlockHandler([&] {
+    if (++blocks == 3) Recorder->Stop();
+  });
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Sleep(milliseconds(1000));
+  Loop.Run(milliseconds(2000));
+  EXPECT_FALSE(Recorder->Recording());
+  EXPECT_EQ(Recorder->FramesCaptured(), 44100);
+  EXPECT_EQ(blocks, 10U);
+}
+
+TEST_F(RingRecorderTest, TheDisplayTimerFiresWhileRecordingOnly) {
+  int fired = 0;
+  Recorder->SetTimerHandler([&] { ++fired; });
+  Loop.Run(milliseconds(1000));
+  EXPECT_EQ(fired, 0);
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(1000));
+  EXPECT_EQ(fired, 10);
+  Recorder->Stop();
+  Loop.Run(milliseconds(1000));
+  EXPECT_EQ(fired, 10);
+}
+
+TEST_F(RingRecorderTest, DisplaySamplesAreTheNewestThatWereHandedOver) {
+  EXPECT_TRUE(Recorder->GetDisplaySamples(100).empty());
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(1000));
+  EXPECT_TRUE(Recorder->GetDisplaySamples(-1).empty());
+  const auto samples = Recorder->GetDisplaySamples(1000);
+  ASSERT_EQ(samples.size(), 1000U);
+  EXPECT_TRUE(std::equal(samples.begin(), samples.end(), Taken.end() - 1000));
+  EXPECT_LE(Recorder->GetDisplaySamples(1 << 30).size(), Taken.size());
+}
+
+TEST_F(RingRecorderTest, TheGainControlWorksOnWhatIsHandedOverWhenItIsOn) {
+  Source.SetSignal(
+      [](std::uint64_t frame, int) { return static_cast<std::int16_t>(frame % 2 == 0 ? 100 : -100); });
+  Recorder->SetAgcEnabled(true);
+  Recorder->SetAgcAttackTime(50);
+  Recorder->SetAgcHighLevel(-10);
+  Recorder->SetAgcLowLevel(-20);
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(2000));
+  EXPECT_NEAR(std::abs(Taken.back()), 3277, 40);
+  Recorder->Stop();
+  Recorder->SetAgcEnabled(false);
+  Taken.clear();
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  EXPECT_EQ(std::abs(Taken.front()), 100);
+  EXPECT_EQ(std::abs(Taken.back()), 100);
+}
+
+TEST_F(RingRecorderTest, DestroyingItClosesTheSource) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(500));
+  Recorder.reset();
+  EXPECT_FALSE(Source.IsOpen());
+  Loop.Run(milliseconds(500));
+}
+
+}  // namespace
+}  // namespace kestrune::platform
