@@ -1,0 +1,312 @@
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/posix/PosixFiles.h"
+#include "platform/posix/TemporaryFolder.h"
+
+namespace kestrune::platform {
+namespace {
+
+using test::CountNames;
+using test::FileMode;
+using test::FileText;
+using test::OrdinaryUser;
+using test::PutFile;
+using test::TemporaryFolder;
+using Names = std::vector<std::string>;
+
+class PosixFilesTest : public testing::Test {
+ protected:
+  TemporaryFolder folder;
+  PosixFiles files;
+};
+
+TEST_F(PosixFilesTest, ExistsSeesFilesAndFolders) {
+  PutFile(folder / "file", "");
+  EXPECT_TRUE(files.Exists(folder / "file"));
+  EXPECT_TRUE(files.Exists(folder.Path()));
+  EXPECT_FALSE(files.Exists(folder / "none"));
+  EXPECT_FALSE(files.Exists(folder / "file/below"));
+  EXPECT_FALSE(files.Exists(""));
+}
+
+TEST_F(PosixFilesTest, APathWithANulFailsEverywhere) {
+  PutFile(folder / "file", "text");
+  const std::string bad = (folder / "file") + '\0' + "x";
+  EXPECT_FALSE(files.Exists(bad));
+  EXPECT_FALSE(files.CreateFolder(bad));
+  EXPECT_FALSE(files.RemoveFolder(bad));
+  EXPECT_TRUE(files.Matching(bad, "*").empty());
+  EXPECT_FALSE(files.Remove(bad));
+  EXPECT_FALSE(files.RenameNoReplace(bad, folder / "to"));
+  EXPECT_FALSE(files.RenameNoReplace(folder / "file", bad));
+  EXPECT_FALSE(files.Copy(bad, folder / "to"));
+  EXPECT_FALSE(files.Copy(folder / "file", bad));
+  EXPECT_EQ(files.Read(bad), std::nullopt);
+  EXPECT_FALSE(files.Replace(bad, "new"));
+  EXPECT_FALSE(files.Append(bad, "new"));
+  EXPECT_EQ(files.OpenForWriting(bad), nullptr);
+  EXPECT_EQ(files.FreeBytes(bad), -1);
+  EXPECT_EQ(FileText(folder / "file"), "text");
+  EXPECT_EQ(CountNames(folder.Path()), 1U);
+}
+
+TEST_F(PosixFilesTest, CreateFolderMakesOneThatIsNotThere) {
+  EXPECT_TRUE(files.CreateFolder(folder / "a"));
+  EXPECT_FALSE(files.CreateFolder(folder / "a"));
+  EXPECT_FALSE(files.CreateFolder(folder / "b/c"));
+}
+
+TEST_F(PosixFilesTest, RemoveFolderTakesOnlyAnEmptyOne) {
+  EXPECT_TRUE(files.CreateFolder(folder / "a"));
+  PutFile(folder / "a/file", "");
+  EXPECT_FALSE(files.RemoveFolder(folder / "a"));
+  EXPECT_FALSE(files.RemoveFolder(folder / "a/file"));
+  EXPECT_TRUE(files.Remove(folder / "a/file"));
+  EXPECT_TRUE(files.RemoveFolder(folder / "a"));
+  EXPECT_FALSE(files.RemoveFolder(folder / "a"));
+}
+
+TEST_F(PosixFilesTest, MatchingGivesPlainFilesSorted) {
+  for (const char* name : {"b.txt", "a.txt", "c.log", "plain", ".hidden.txt", "Ä.txt"})
+    PutFile(folder / name, "");
+  std::filesystem::create_directory(folder / "folder.txt");
+  std::filesystem::create_symlink("c.log", folder / "link.txt");
+  std::filesystem::create_symlink("nowhere", folder / "dangling.txt");
+  EXPECT_EQ(files.Matching(folder.Path(), "*.txt"), Names({"a.txt", "b.txt", "link.txt", "Ä.txt"}));
+  EXPECT_EQ(files.Matching(folder.Path(), "?.log"), Names({"c.log"}));
+  EXPECT_EQ(files.Matching(folder.Path(), "plain"), Names({"plain"}));
+  EXPECT_EQ(files.Matching(folder.Path(), "*").size(), 6U);
+  EXPECT_EQ(files.Matching(folder / "none", "*"), Names());
+}
+
+TEST_F(PosixFilesTest, RemoveTakesFilesNeverFolders) {
+  PutFile(folder / "file", "");
+  std::filesystem::create_directory(folder / "empty");
+  EXPECT_TRUE(files.Remove(folder / "file"));
+  EXPECT_FALSE(files.Remove(folder / "file"));
+  EXPECT_FALSE(files.Remove(folder / "empty"));
+}
+
+TEST_F(PosixFilesTest, RenameNeverReplaces) {
+  PutFile(folder / "from", "new");
+  PutFile(folder / "to", "old");
+  EXPECT_FALSE(files.RenameNoReplace(folder / "from", folder / "to"));
+  EXPECT_EQ(FileText(folder / "to"), "old");
+  EXPECT_TRUE(files.RenameNoReplace(folder / "from", folder / "free"));
+  EXPECT_EQ(FileText(folder / "free"), "new");
+  EXPECT_FALSE(files.Exists(folder / "from"));
+}
+
+TEST_F(PosixFilesTest, CopyTakesAllBytesAndReplaces) {
+  std::string bytes;
+  for (int i = 0; i < 300000; ++i) bytes += static_cast<char>(i * 7);
+  PutFile(folder / "from", bytes);
+  PutFile(folder / "to", "old");
+  EXPECT_TRUE(files.Copy(folder / "from", folder / "to"));
+  EXPECT_EQ(FileText(folder / "to"), bytes);
+  EXPECT_EQ(FileText(folder / "from"), bytes);
+  EXPECT_EQ(CountNames(folder.Path()), 2U);
+}
+
+TEST_F(PosixFilesTest, CopyOfWhatIsNoFileFails) {
+  EXPECT_FALSE(files.Copy(folder / "none", folder / "to"));
+  EXPECT_FALSE(files.Copy(folder.Path(), folder / "to"));
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(files.Copy(folder / "pipe", folder / "to"));
+  EXPECT_FALSE(files.Exists(folder / "to"));
+}
+
+TEST_F(PosixFilesTest, ReadGivesTheWholeFileOrNothing) {
+  const std::string text("a\0b\n\xFF", 5);
+  PutFile(folder / "file", text);
+  PutFile(folder / "empty", "");
+  EXPECT_EQ(files.Read(folder / "file"), text);
+  EXPECT_EQ(files.Read(folder / "empty"), "");
+  EXPECT_EQ(files.Read(folder / "none"), std::nullopt);
+  EXPECT_EQ(files.Read(folder.Path()), std::nullopt);
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  EXPECT_EQ(files.Read(folder / "pipe"), std::nullopt);
+}
+
+TEST_F(PosixFilesTest, ReplacePutsANewFileInPlace) {
+  EXPECT_TRUE(files.Replace(folder / "file", "one"));
+  EXPECT_EQ(FileText(folder / "file"), "one");
+  ASSERT_EQ(::chmod((folder / "file").c_str(), 0640), 0);
+  EXPECT_TRUE(files.Replace(folder / "file", "two"));
+  EXPECT_EQ(FileText(folder / "file"), "two");
+  EXPECT_EQ(FileMode(folder / "file"), 0640U);
+  EXPECT_EQ(CountNames(folder.Path()), 1U);
+}
+
+TEST_F(PosixFilesTest, AReaderWithTheOldFileOpenKeepsTheOldText) {
+  PutFile(folder / "file", "old");
+  std::ifstream reader(folder / "file");
+  EXPECT_TRUE(files.Replace(folder / "file", "new"));
+  std::string text;
+  reader >> text;
+  EXPECT_EQ(text, "old");
+}
+
+TEST_F(PosixFilesTest, ReplaceFollowsALink) {
+  PutFile(folder / "real", "old");
+  std::filesystem::create_symlink("real", folder / "link");
+  EXPECT_TRUE(files.Replace(folder / "link", "new"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+  EXPECT_EQ(FileText(folder / "real"), "new");
+}
+
+TEST_F(PosixFilesTest, ReplaceOfAFolderFailsAndLeavesNothing) {
+  std::filesystem::create_directory(folder / "sub");
+  EXPECT_FALSE(files.Replace(folder / "sub", "x"));
+  EXPECT_FALSE(files.Replace(folder / "none/file", "x"));
+  EXPECT_EQ(CountNames(folder.Path()), 1U);
+}
+
+TEST_F(PosixFilesTest, AppendMakesTheFileAndGoesOnAtItsEnd) {
+  EXPECT_TRUE(files.Append(folder / "log", "one\n"));
+  EXPECT_TRUE(files.Append(folder / "log", "two\n"));
+  EXPECT_TRUE(files.Append(folder / "log", ""));
+  EXPECT_EQ(FileText(folder / "log"), "one\ntwo\n");
+  EXPECT_FALSE(files.Append(folder.Path(), "x"));
+  EXPECT_FALSE(files.Append(folder / "none/log", "x"));
+}
+
+TEST_F(PosixFilesTest, TwoProcessesAppendWholeLines) {
+  const std::string lineOfChild(500, 'c');
+  const std::string lineOfParent(500, 'p');
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  const std::string line = (child == 0 ? lineOfChild : lineOfParent) + "\n";
+  bool good = true;
+  for (int i = 0; i < 200; ++i) good = files.Append(folder / "log", line) && good;
+  if (child == 0) ::_exit(good ? 0 : 1);
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(good);
+  EXPECT_EQ(status, 0);
+  std::ifstream log(folder / "log");
+  int lines = 0;
+  for (std::string each; std::getline(log, each); ++lines) {
+    ASSERT_TRUE(each == lineOfChild || each == lineOfParent) << each;
+  }
+  EXPECT_EQ(lines, 400);
+}
+
+TEST_F(PosixFilesTest, AnOpenFileHasEachLineOnItsWayAtOnce) {
+  PutFile(folder / "trace", "old text");
+  const auto trace = files.OpenForWriting(folder / "trace");
+  ASSERT_NE(trace, nullptr);
+  EXPECT_EQ(FileText(folder / "trace"), "");
+  EXPECT_TRUE(trace->WriteLine("one"));
+  EXPECT_EQ(FileText(folder / "trace"), "one\n");
+  EXPECT_TRUE(trace->WriteLine(""));
+  EXPECT_EQ(FileText(folder / "trace"), "one\n\n");
+  EXPECT_EQ(files.OpenForWriting(folder.Path()), nullptr);
+  EXPECT_EQ(files.OpenForWriting(folder / "none/trace"), nullptr);
+}
+
+TEST_F(PosixFilesTest, FreeBytesAreThoseOfTheVolumeAlsoForAPathToBeMade) {
+  const double free = files.FreeBytes(folder.Path());
+  EXPECT_GT(free, 0);
+  EXPECT_GT(files.FreeBytes(folder / "not/yet/there"), 0);
+  PutFile(folder / "file", "");
+  EXPECT_GT(files.FreeBytes(folder / "file/below"), 0);
+  EXPECT_EQ(files.FreeBytes(""), -1);
+}
+
+TEST_F(PosixFilesTest, NamesOf255BytesWorkAndLongerOnesFail) {
+  const std::string longest = folder / std::string(255, 'n');
+  const std::string tooLong = folder / std::string(256, 'n');
+  EXPECT_TRUE(files.Replace(longest, "one"));
+  EXPECT_TRUE(files.Append(longest, " two"));
+  EXPECT_EQ(files.Read(longest), "one two");
+  EXPECT_TRUE(files.Copy(longest, folder / std::string(255, 'm')));
+  EXPECT_FALSE(files.Exists(tooLong));
+  EXPECT_FALSE(files.CreateFolder(tooLong));
+  EXPECT_FALSE(files.Replace(tooLong, "x"));
+  EXPECT_FALSE(files.Append(tooLong, "x"));
+  EXPECT_FALSE(files.Copy(longest, tooLong));
+  EXPECT_FALSE(files.RenameNoReplace(longest, tooLong));
+  EXPECT_EQ(files.OpenForWriting(tooLong), nullptr);
+  EXPECT_EQ(files.Read(longest), "one two");
+  EXPECT_EQ(CountNames(folder.Path()), 2U);
+}
+
+TEST_F(PosixFilesTest, NamesOfAnyBytesAreTakenAsTheyAre) {
+  for (const char* name :
+       {"Beyoncé – Halo.mp3", "\xE9\xFF", "new\nline", "back\\slash", "-rf", "日本", " "}) {
+    EXPECT_TRUE(files.Replace(folder / name, name));
+    EXPECT_EQ(files.Read(folder / name), name);
+  }
+  EXPECT_EQ(files.Matching(folder.Path(), "*").size(), 7U);
+}
+
+TEST_F(PosixFilesTest, AnUnwritableFolderRefusesAndKeepsWhatItHolds) {
+  PutFile(folder / "file", "text");
+  ASSERT_EQ(::chmod(folder.Path().c_str(), 0555), 0);
+  {
+    const OrdinaryUser user;
+    EXPECT_FALSE(files.CreateFolder(folder / "new"));
+    EXPECT_FALSE(files.Remove(folder / "file"));
+    EXPECT_FALSE(files.RenameNoReplace(folder / "file", folder / "to"));
+    EXPECT_FALSE(files.Replace(folder / "file", "new"));
+    EXPECT_FALSE(files.Copy(folder / "file", folder / "to"));
+    EXPECT_FALSE(files.Append(folder / "new", "x"));
+    EXPECT_EQ(files.OpenForWriting(folder / "new"), nullptr);
+    EXPECT_EQ(files.Read(folder / "file"), "text");
+  }
+  ASSERT_EQ(::chmod(folder.Path().c_str(), 0755), 0);
+  EXPECT_EQ(CountNames(folder.Path()), 1U);
+}
+
+/// A volume of 64 KiB, all of it taken.
+class FullDiskTest : public PosixFilesTest {
+ protected:
+  void SetUp() override {
+    mounted_ = ::mount("tmpfs", folder.Path().c_str(), "tmpfs", 0, "size=64k") == 0;
+    if (!mounted_) GTEST_SKIP() << "a small volume cannot be mounted here: " << std::strerror(errno);
+    PutFile(folder / "log", "one\n");
+    PutFile(folder / "filler", std::string(60000, 'x'));
+  }
+  void TearDown() override {
+    if (!mounted_) return;
+    EXPECT_EQ(::umount(folder.Path().c_str()), 0);
+  }
+
+ private:
+  bool mounted_ = false;
+};
+
+TEST_F(FullDiskTest, AFailedWriteLeavesThingsAsTheyWere) {
+  const std::string large(20000, 'y');
+  EXPECT_LT(files.FreeBytes(folder.Path()), 20000);
+  EXPECT_FALSE(files.Replace(folder / "log", large));
+  EXPECT_EQ(FileText(folder / "log"), "one\n");
+  EXPECT_FALSE(files.Append(folder / "log", large));
+  EXPECT_EQ(FileText(folder / "log"), "one\n");
+  EXPECT_FALSE(files.Copy(folder / "filler", folder / "copy"));
+  EXPECT_EQ(CountNames(folder.Path()), 2U);
+  const auto trace = files.OpenForWriting(folder / "trace");
+  ASSERT_NE(trace, nullptr);
+  EXPECT_FALSE(trace->WriteLine(large));
+}
+
+TEST_F(FullDiskTest, WorksAgainOnceThereIsRoom) {
+  EXPECT_FALSE(files.Replace(folder / "log", std::string(20000, 'y')));
+  EXPECT_TRUE(files.Remove(folder / "filler"));
+  EXPECT_TRUE(files.Replace(folder / "log", std::string(20000, 'y')));
+}
+
+}  // namespace
+}  // namespace kestrune::platform
