@@ -16,9 +16,9 @@ namespace kestrune::test {
 /// Time that moves only when somebody waits: from event to event, each at its own moment, in the order of the
 /// moments and, within one, in the order of asking. Two runs with the same calls are the same.
 ///
-/// Two kinds of things happen. Hardware (AtHardware) happens at its moment whatever the program does, also while
-/// it sleeps, and must not run handlers of the program: it moves bytes and posts. Handlers (timers, Post) run only
-/// inside PumpEvents and Run.
+/// Two kinds of things happen. Hardware (AtHardware) happens at its moment whatever the program does, also
+/// while it sleeps, and must not run handlers of the program: it moves bytes and posts. Handlers (timers,
+/// Post) run only inside PumpEvents and Run.
 class SimulatedEventLoop final : public base::EventLoop {
  public:
   using Duration = std::chrono::milliseconds;

@@ -1,0 +1,145 @@
+#include "control/UnitTarget.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "base/Version.h"
+
+namespace kestrune::control {
+namespace {
+
+CommandResult Done() {
+  return {.Done = true, .Reason = ""};
+}
+CommandResult Refused(std::string reason) {
+  return {.Done = false, .Reason = std::move(reason)};
+}
+
+constexpr const char* kStarting = "the program is still starting";
+constexpr const char* kClosing = "the program is closing";
+
+/// Why the unit takes no command now, as its windows would take no input; empty if it does.
+std::string Unavailable(const recorder::Kestrune& unit) {
+  if (unit.Run().ShuttingDown) return kClosing;
+  if (unit.Run().FormLoading) return kStarting;
+  return {};
+}
+
+}  // namespace
+
+StatusReport UnitTarget::Status() {
+  const recorder::RecordingState& recording = unit_.Recording();
+  const radio::RadioState& radio = unit_.Radio();
+  const radio::ReplyState& replies = unit_.Session().Replies();
+  const radio::ChannelEntry& tuned = unit_.ChannelList().TunedEntry();
+  const config::Settings& settings = unit_.CurrentSettings();
+  const platform::AudioRecorder* recorder = unit_.Recorder();
+  StatusReport report;
+  report.Loading = unit_.Run().FormLoading;
+  report.Unit = unit_.MultiUnit();
+  report.Version = fmt::format("{}.{}.{}", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision);
+  report.Port = unit_.PortNum();
+  report.RadioID = radio.RadioID;
+  report.ChannelNumber = radio.ChannelNumber;
+  report.Station = tuned.Station;
+  report.Genre = tuned.Genre;
+  report.Artist = radio.CurrentArtist;
+  report.Song = radio.CurrentSong;
+  report.Recording = unit_.Window().lblRecording.Caption;
+  report.RecordRequested = recording.RecordRequested;
+  report.WaitingForNextSong = recording.WaitingForNextSong;
+  report.CaptureLengthMs = recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].LengthMs;
+  report.RecordedCount = recording.RecordedCount;
+  report.TooShortCount = recording.TooShortCount;
+  report.TooLongCount = recording.TooLongCount;
+  report.RestrictedCount = recording.RestrictedCount;
+  report.ChannelsLoading = radio.ChannelsLoading;
+  report.ChannelCount = unit_.ChannelList().Table().ChannelCount();
+  report.ActiveSchedule = unit_.Schedule().ActiveSchedule;
+  report.FileFormat = settings.FileFormat;
+  report.FormatDescription = unit_.Format().FileFormatString();
+  report.FileDir = settings.FileDir;
+  report.InputDevice = unit_.InputDeviceName();
+  report.Satellite1 = replies.pcrSat1SignalQuality;
+  report.Satellite2 = replies.pcrSat2SignalQuality;
+  report.Terrestrial = replies.pcrTerSignalQuality;
+  report.SamplesCaptured = recorder != nullptr ? recorder->FramesCaptured() : 0;
+  report.SamplesLost = recorder != nullptr ? recorder->FramesLost() : 0;
+  return report;
+}
+
+std::vector<ChannelReport> UnitTarget::Channels() {
+  std::vector<ChannelReport> reports;
+  const radio::ChannelTable& table = unit_.ChannelList().Table();
+  for (std::int16_t slot = 1; slot <= table.ChannelCount(); ++slot) {
+    const radio::ChannelEntry& entry = table.At(slot);
+    reports.push_back({.Number = entry.Number,
+                       .Station = entry.Station,
+                       .Genre = entry.Genre,
+                       .Artist = entry.Artist,
+                       .Song = entry.Song});
+  }
+  std::stable_sort(reports.begin(), reports.end(),
+                   [](const ChannelReport& a, const ChannelReport& b) { return a.Number < b.Number; });
+  return reports;
+}
+
+CommandResult UnitTarget::Record() {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  if (!unit_.Window().cmdRecord.Enabled) return Refused("recording has been asked for already");
+  unit_.cmdRecord();
+  return Done();
+}
+
+CommandResult UnitTarget::Stop() {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  if (!unit_.Window().cmdStop.Enabled) return Refused("nothing is being recorded");
+  unit_.cmdStop();
+  return Done();
+}
+
+CommandResult UnitTarget::Tune(int channelNumber) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  if (unit_.Recording().GetRecordingStatus()) {
+    return Refused("the channel cannot be changed while recording is under way; stop it first");
+  }
+  unit_.SetChannelNumber(static_cast<std::int16_t>(channelNumber));
+  return Done();
+}
+
+CommandResult UnitTarget::Mute(bool muted) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  if (!unit_.SetMute(muted)) return Refused("the radio cannot be muted while recording is under way");
+  return Done();
+}
+
+std::vector<std::string> UnitTarget::LogLines(std::size_t atMost) {
+  const auto& lines = unit_.LogBook().List().Lines();
+  const std::size_t count = std::min(atMost, lines.size());
+  return {lines.end() - static_cast<std::ptrdiff_t>(count), lines.end()};
+}
+
+SettingResult UnitTarget::Get(std::string_view key) {
+  if (std::optional<std::string> value = unit_.ReadSetting(key)) {
+    return {.Done = true, .Reason = "", .Value = *std::move(value)};
+  }
+  return {.Done = false, .Reason = fmt::format("there is no setting \"{}\"", key), .Value = ""};
+}
+
+CommandResult UnitTarget::Set(std::string_view key, std::string_view value) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  const config::SettingOutcome outcome = unit_.ChangeSetting(key, value);
+  if (!outcome.Done()) return Refused(outcome.Refusal);
+  if (!outcome.Saved)
+    return Refused("the new value holds until the end, but the settings could not be written");
+  return Done();
+}
+
+CommandResult UnitTarget::Quit() {
+  if (unit_.Run().ShuttingDown) return Refused(kClosing);
+  unit_.RequestClose();
+  return Done();
+}
+
+}  // namespace kestrune::control

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "control/ControlTarget.h"
+#include "recorder/Kestrune.h"
+
+namespace kestrune::control {
+
+/// The control socket's hands on a running unit. It goes through the same doors as a person at the windows,
+/// and is refused where a person would be.
+class UnitTarget final : public ControlTarget {
+ public:
+  /// The unit must outlive the target.
+  explicit UnitTarget(recorder::Kestrune& unit) : unit_(unit) {}
+
+  [[nodiscard]] StatusReport Status() override;
+  [[nodiscard]] std::vector<ChannelReport> Channels() override;
+  [[nodiscard]] CommandResult Record() override;
+  [[nodiscard]] CommandResult Stop() override;
+  [[nodiscard]] CommandResult Tune(int channelNumber) override;
+  [[nodiscard]] CommandResult Mute(bool muted) override;
+  [[nodiscard]] std::vector<std::string> LogLines(std::size_t atMost) override;
+  [[nodiscard]] SettingResult Get(std::string_view key) override;
+  [[nodiscard]] CommandResult Set(std::string_view key, std::string_view value) override;
+  [[nodiscard]] CommandResult Quit() override;
+
+ private:
+  recorder::Kestrune& unit_;
+};
+
+}  // namespace kestrune::control

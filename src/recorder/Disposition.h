@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/EventLoop.h"
+#include "base/Journal.h"
+#include "config/FileSpecs.h"
+#include "config/Settings.h"
+#include "platform/Files.h"
+#include "radio/RadioState.h"
+#include "recorder/Modes.h"
+#include "recorder/RecordingState.h"
+#include "schedule/Restrictions.h"
+
+namespace kestrune::recorder {
+
+/// The fate of a finished capture: tested for its length, against the lists and for duplicates, then moved
+/// under its name or deleted, with one line in the log and one counter moved.
+class Disposition {
+ public:
+  Disposition(RecordingState& state, const radio::RadioState& radio, const config::Settings& settings,
+              const config::FileSpecs& fileSpecs, const Modes& modes,
+              const schedule::Restrictions& restrictions, platform::Files& files, base::EventLoop& loop,
+              base::Journal& journal);
+
+  /// Called while the next capture is already running. Clears `Incomplete`.
+  void Dispose(std::int16_t finished);
+
+ private:
+  struct Verdict {
+    bool Keep = true;
+    std::string Suffix;
+    std::int64_t Seconds = 0;
+  };
+
+  void TestLength(const CaptureRecord& capture, Verdict& verdict);
+  void TestLists(const CaptureRecord& capture, Verdict& verdict);
+  void TestDuplicates(CaptureRecord& capture, Verdict& verdict);
+  void Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why);
+  [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,
+                                    const Verdict& verdict, std::string_view tail) const;
+
+  RecordingState& state_;
+  const radio::RadioState& radio_;
+  const config::Settings& settings_;
+  const config::FileSpecs& fileSpecs_;
+  const Modes& modes_;
+  const schedule::Restrictions& restrictions_;
+  platform::Files& files_;
+  base::EventLoop& loop_;
+  base::Journal& journal_;
+};
+
+}  // namespace kestrune::recorder

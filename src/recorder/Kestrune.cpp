@@ -1,0 +1,130 @@
+#include "recorder/Kestrune.h"
+
+#include <chrono>
+#include <optional>
+
+#include "base/Ignored.h"
+
+namespace kestrune::recorder {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kUpdateInterval{200};
+constexpr milliseconds kClockInterval{100};
+constexpr milliseconds kQuitInterval{2000};
+
+}  // namespace
+
+Kestrune::Kestrune(const Outside& outside)
+    : outside_(outside),
+      section_(outside.Settings),
+      tmrUpdate_(outside.Loop.MakeTimer(kUpdateInterval, [this] { updateCycle_.Tick(); })),
+      tmrClock_(outside.Loop.MakeTimer(kClockInterval, [this] { clock_.Tick(); })),
+      tmrQuit_(outside.Loop.MakeTimer(kQuitInterval, [this] { tmrQuit_Timer(); })),
+      tmrClose_(outside.Loop.MakeTimer(milliseconds(0),
+                                       [this] {
+                                         tmrClose_->SetEnabled(false);
+                                         Close();
+                                       })),
+      log_(outside.Files, outside.Environment, outside.Loop),
+      session_(outside.pcrComm, outside.Loop, run_, log_),
+      channels_(radioState_, run_, session_, outside.Files, outside.Loop, log_, *this),
+      modes_(schedule_, settings_, window_),
+      restrictions_(outside.Files, outside.Environment),
+      fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
+                 [] { return std::nullopt; }),
+      capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
+      disposition_(recording_, radioState_, settings_, fileSpecs_, modes_, restrictions_, outside.Files,
+                   outside.Loop, log_),
+      display_(window_, run_, log_),
+      boundary_(recording_, settings_, channels_, radioState_, capture_, disposition_, display_, window_,
+                outside.Files, outside.Loop),
+      commands_(recording_, radioState_, modes_, window_, session_, outside.Loop, *tmrUpdate_),
+      settingChanges_(settings_, section_, [this] { commands_.cmdStop(); }),
+      updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, display_, outside.Loop,
+                   *tmrUpdate_),
+      clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
+             outside.Loop) {
+  session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
+    channels_.pcrChannelInfoReceived(info);
+  };
+  session_.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
+                                      std::int16_t terrestrial) {
+    display_.pcrSignalReceived(satellite1, satellite2, terrestrial);
+  };
+}
+
+Kestrune::~Kestrune() = default;
+
+bool Kestrune::SetMute(bool on) {
+  if (recording_.GetRecordingStatus()) {
+    outside_.Sounds.Play("SystemAsterisk");
+    return false;
+  }
+  window_.mnuMute = on;
+  base::Ignored(session_.pcrMute(on));
+  return true;
+}
+
+std::optional<std::string> Kestrune::ReadSetting(std::string_view key) const {
+  return settingChanges_.Get(key);
+}
+
+config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string_view value) {
+  const std::int16_t device = settings_.InputDevice;
+  config::SettingOutcome outcome = settingChanges_.Set(key, value);
+  if (outcome.FormatChanged) fileSpecs_.SetFileSpecs(-1);
+  if (settings_.InputDevice != device) ReadInputDeviceName();
+  ShowSettings();
+  return outcome;
+}
+
+void Kestrune::ReadInputDeviceName() {
+  if (audio_.AudioRecord == nullptr) return;
+  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";
+}
+
+void Kestrune::ShowSettings() {
+  window_.chkSievanceGrab = settings_.SievanceGrab != 0;
+  window_.chkSievanceKill = settings_.SievanceKill != 0;
+  window_.mnuCheckUpdatesAtStartup = settings_.CheckUpdatesAtStartup;
+  window_.chkIntegrel = settings_.Integrel;
+  window_.chkRadioOnAtExit = settings_.RadioOnAtExit;
+  window_.mnuCleftune = settings_.Cleftune;
+}
+
+void Kestrune::ShowChannel(const radio::ChannelEntry& entry) {
+  display_.ShowChannel(radioState_.ChannelNumber, entry);
+}
+
+void Kestrune::ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) {
+  display_.ShowTunedChannel(number, entry);
+}
+
+void Kestrune::ShowBareTitle() {
+  display_.ShowBareTitle();
+}
+
+void Kestrune::ChannelTuned() {
+  recording_.SongBoundarySeen = false;
+  recording_.SkipSongDelay = true;
+}
+
+void Kestrune::WalkFinished() {
+  recording_.ForceSongChange = true;
+  window_.mnuReload.Enabled = true;
+  if (window_.lblRecording.Caption == status::kWaitingForChannelLoad) {
+    if (settings_.Integrel) {
+      recording_.LastArtist = radioState_.CurrentArtist;
+      recording_.LastSong = radioState_.CurrentSong;
+    }
+    cmdRecord();
+  } else {
+    recording_.LastArtist = kNoSong;
+    recording_.LastSong = kNoSong;
+  }
+}
+
+}  // namespace kestrune::recorder

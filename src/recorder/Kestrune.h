@@ -1,0 +1,162 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "base/EventLoop.h"
+#include "base/RunState.h"
+#include "config/FileSpecs.h"
+#include "config/SettingChanges.h"
+#include "config/Settings.h"
+#include "config/SettingsSection.h"
+#include "radio/Channels.h"
+#include "radio/RadioSession.h"
+#include "radio/RadioState.h"
+#include "recorder/AudioObjects.h"
+#include "recorder/Capture.h"
+#include "recorder/Clock.h"
+#include "recorder/Display.h"
+#include "recorder/Disposition.h"
+#include "recorder/MainWindow.h"
+#include "recorder/Modes.h"
+#include "recorder/Outside.h"
+#include "recorder/RecordCommands.h"
+#include "recorder/RecordingState.h"
+#include "recorder/SongBoundary.h"
+#include "recorder/StartOutcome.h"
+#include "recorder/UpdateCycle.h"
+#include "schedule/Log.h"
+#include "schedule/Restrictions.h"
+#include "schedule/ScheduleState.h"
+
+namespace kestrune::recorder {
+
+/// The run: it owns the state and the parts, in the order in which a song meets them, from the radio's text
+/// to the file on disk. One thread; everything is driven by the loop's timers and the port's notifications.
+class Kestrune final : private radio::ChannelEvents {
+ public:
+  explicit Kestrune(const Outside& outside);
+  ~Kestrune() override;
+  Kestrune(const Kestrune&) = delete;
+  Kestrune& operator=(const Kestrune&) = delete;
+
+  /// The load sequence: from nothing to the first idle tick. Takes as long as the radio's waits take, and
+  /// serves events meanwhile.
+  [[nodiscard]] StartOutcome Load();
+
+  /// A request to close, from wherever it comes. The first pass stops the recorder; two seconds later the
+  /// second half saves and ends, and `closed` is called. Further requests meanwhile change nothing.
+  void Close();
+  /// The same once the caller has returned to the loop.
+  void RequestClose() { tmrClose_->SetEnabled(true); }
+  void SetClosedHandler(std::function<void()> closed) { closed_ = std::move(closed); }
+
+  // What windows and the control socket read.
+  [[nodiscard]] const base::RunState& Run() const { return run_; }
+  [[nodiscard]] const RecordingState& Recording() const { return recording_; }
+  [[nodiscard]] const radio::RadioState& Radio() const { return radioState_; }
+  [[nodiscard]] const schedule::ScheduleState& Schedule() const { return schedule_; }
+  [[nodiscard]] const MainWindow& Window() const { return window_; }
+  [[nodiscard]] const config::Settings& CurrentSettings() const { return settings_; }
+  [[nodiscard]] const radio::Channels& ChannelList() const { return channels_; }
+  [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
+  [[nodiscard]] const schedule::Log& LogBook() const { return log_; }
+  [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
+  [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
+  [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
+  /// Name of the device that the settings ask for, empty if it was not usable at the start.
+  [[nodiscard]] const std::string& InputDeviceName() const { return inputDeviceName_; }
+  /// The usable input devices, each as its name, "#", its index and "%".
+  [[nodiscard]] const std::string& Devices() const { return deviceList_; }
+  /// Null before the load and after the close.
+  [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
+
+  // What they may do: the same doors for a button, a schedule entry and a command.
+  void cmdRecord() { commands_.cmdRecord(); }
+  void cmdStop() { commands_.cmdStop(); }
+  /// Tunes the radio; asking for the tuned channel does nothing.
+  void SetChannelNumber(std::int16_t channel) { channels_.SetChannelNumber(channel); }
+  /// False, with a sound, while recording forbids it.
+  bool SetMute(bool on);
+  /// A setting by its key; nothing if there is no such key.
+  [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
+  /// Changes one setting as a save of the configuration would, and lets it take effect.
+  config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
+
+ private:
+  // The load sequence, told in Startup.cpp.
+  void CreateAudioObjects();
+  void ReadCommandLine();
+  void ReadSettings();
+  [[nodiscard]] bool FindInputDevices();
+  [[nodiscard]] bool Agree();
+  [[nodiscard]] bool FindRadio();
+  void TryKnownPort();
+  void SearchPorts();
+  [[nodiscard]] StartOutcome ReportNoRadio();
+  void FailToStart(const std::string& title, const std::string& text);
+  void ReadRadioID();
+  void TuneStoredChannel();
+  [[nodiscard]] bool FirstRun();
+  void PrepareRecording();
+  void CheckTemporarySpace();
+
+  // The close, told in Shutdown.cpp.
+  void CloseFirstPass();
+  void DeleteLeftovers();
+  void tmrQuit_Timer();
+  void DrainPort();
+  void SaveAtExit();
+  void CloseSecondPass();
+
+  // What the channel table tells.
+  void ShowChannel(const radio::ChannelEntry& entry) override;
+  void ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) override;
+  void ShowBareTitle() override;
+  void ChannelTuned() override;
+  void WalkFinished() override;
+
+  void ShowSettings();
+  void ReadInputDeviceName();
+
+  Outside outside_;
+  std::function<void()> closed_ = [] {};
+
+  base::RunState run_;
+  radio::RadioState radioState_;
+  RecordingState recording_;
+  schedule::ScheduleState schedule_;
+  MainWindow window_;
+  config::SettingsSection section_;
+  config::Settings settings_;
+  std::string multiUnit_;
+  std::string deviceList_;
+  std::string inputDeviceName_;
+  std::int16_t forcedPort_ = 0;
+
+  std::unique_ptr<base::Timer> tmrUpdate_;
+  std::unique_ptr<base::Timer> tmrClock_;
+  std::unique_ptr<base::Timer> tmrQuit_;
+  std::unique_ptr<base::Timer> tmrClose_;
+
+  schedule::Log log_;
+  AudioObjects audio_;
+  radio::RadioSession session_;
+  radio::Channels channels_;
+  Modes modes_;
+  schedule::Restrictions restrictions_;
+  config::FileSpecs fileSpecs_;
+  Capture capture_;
+  Disposition disposition_;
+  Display display_;
+  SongBoundary boundary_;
+  RecordCommands commands_;
+  config::SettingChanges settingChanges_;
+  UpdateCycle updateCycle_;
+  Clock clock_;
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/EventLoop.h"
+#include "platform/AudioLibrary.h"
+#include "platform/Dialogs.h"
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "platform/SerialPort.h"
+#include "platform/SettingsStore.h"
+#include "platform/Sounds.h"
+#include "recorder/Windows.h"
+
+namespace kestrune::recorder {
+
+/// Everything of the outside that the run stands on. All of it must outlive the run.
+struct Outside {
+  base::EventLoop& Loop;
+  platform::SerialPort& pcrComm;
+  platform::AudioLibrary& Audio;
+  platform::Files& Files;
+  platform::Environment& Environment;
+  platform::SettingsStore& Settings;
+  platform::Dialogs& Dialogs;
+  platform::Sounds& Sounds;
+  recorder::Windows& Windows;
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/EventLoop.h"
+#include "radio/RadioSession.h"
+#include "radio/RadioState.h"
+#include "recorder/MainWindow.h"
+#include "recorder/Modes.h"
+#include "recorder/RecordingState.h"
+
+namespace kestrune::recorder {
+
+/// The two commands of recording. A button, a menu entry, a schedule entry and the control socket all come
+/// through here; whoever stands for a person asks first whether the button is enabled.
+class RecordCommands {
+ public:
+  RecordCommands(RecordingState& state, const radio::RadioState& radio, const Modes& modes,
+                 MainWindow& window, radio::RadioSession& session, base::EventLoop& loop,
+                 base::Timer& tmrUpdate);
+
+  void cmdRecord();
+  void cmdStop();
+
+ private:
+  void TakeSession(base::DateValue start);
+  void ShowStatus(std::string_view status);
+
+  RecordingState& state_;
+  const radio::RadioState& radio_;
+  const Modes& modes_;
+  MainWindow& window_;
+  radio::RadioSession& session_;
+  base::EventLoop& loop_;
+  base::Timer& tmrUpdate_;
+};
+
+}  // namespace kestrune::recorder

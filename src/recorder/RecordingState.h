@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "base/DateValue.h"
+
+namespace kestrune::recorder {
+
+/// One capture: where it lies, what it will be called, and what the radio said when it began.
+struct CaptureRecord {
+  std::string FileName;       ///< full path of the final file, without suffix, point and extension
+  std::string Extension;      ///< the format's code in lower case, without a point
+  std::int64_t LengthMs = 0;  ///< milliseconds captured so far
+  std::string Song;
+  std::string Artist;
+  std::string Genre;
+  std::string
+      Folder;  ///< folder of the final file, with a separator at its end; the capture itself lies here too
+};
+
+/// In place of artist and title it means that no song has been acted on, and so forces a difference.
+inline constexpr const char* kNoSong = "xyzzy";
+
+/// The state of recording that the update cycle, the commands and the disposition share.
+struct RecordingState {
+  bool RecordRequested = false;  ///< set and cleared together with RecordArmed by the two commands
+  bool RecordArmed = false;
+  bool WaitingForNextSong = false;  ///< whole songs: armed, the first whole song has not begun
+  bool StartPending = false;        ///< record from now on without waiting for a boundary
+  bool StopPending = false;         ///< finish the capture in hand at the next tick
+  bool Incomplete = false;          ///< the capture in hand did not begin, or will not end, at a boundary
+
+  std::int16_t CaptureSlot = 0;  ///< the slot that is being written, 0 or 1
+  std::array<CaptureRecord, 2> CaptureSlots;
+
+  bool SongBoundarySeen = false;  ///< the capture in hand began exactly at a song boundary
+  base::DateValue SongBoundaryTime;
+  bool SkipSongDelay = false;    ///< the next boundary is taken at once
+  bool ForceSongChange = false;  ///< the next tick takes a boundary even if songs are not split
+  std::int16_t SettleTicks = 0;  ///< ticks that only follow the text, and see no change of song
+
+  std::string LastArtist;  ///< what the cycle last acted on; may be kNoSong
+  std::string LastSong;
+  std::string LastGenre;
+  std::string LastStation;
+  std::int16_t LastChannel = 0;
+
+  base::DateValue SessionStart;
+  base::DateValue RecordStartTime;
+  std::int16_t RecordedCount = 0;
+  std::int16_t TooShortCount = 0;
+  std::int16_t TooLongCount = 0;
+  std::int16_t RestrictedCount = 0;
+
+  /// True while the channel must not be changed by hand.
+  [[nodiscard]] bool GetRecordingStatus() const {
+    return RecordRequested || (RecordArmed && !WaitingForNextSong);
+  }
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,103 @@
+// The close of the run: two passes with two seconds between them, in which the radio and the line finish.
+#include <chrono>
+
+#include "base/Ignored.h"
+#include "recorder/Kestrune.h"
+
+namespace kestrune::recorder {
+namespace {
+
+using std::chrono::milliseconds;
+
+// A line that keeps sending must not hold up the end; the radio's own traffic stops within a second.
+constexpr int kDrainRounds = 50;
+
+}  // namespace
+
+void Kestrune::Close() {
+  if (run_.ShuttingDown) return;
+  CloseFirstPass();
+}
+
+void Kestrune::CloseFirstPass() {
+  capture_.RecordStop(0);
+  capture_.RecordStop(1);
+  DeleteLeftovers();
+  tmrUpdate_->SetEnabled(false);
+  tmrClock_->SetEnabled(false);
+  outside_.Windows.RemoveTrayIcon();
+  run_.ShuttingDown = true;
+  outside_.Windows.HideAll();
+  if (!settings_.RadioOnAtExit) {
+    base::Ignored(session_.pcrMute(true));
+    base::Ignored(session_.pcrPowerOff());
+  }
+  tmrQuit_->SetEnabled(true);
+  audio_.Release();
+}
+
+void Kestrune::DeleteLeftovers() {
+  // The song in hand goes with them: a close does not keep it.
+  for (const int file : {0, 1}) {
+    for (const CaptureRecord& record : recording_.CaptureSlots) {
+      const std::string pattern = Capture::TemporaryName(static_cast<std::int16_t>(file), "*");
+      for (const std::string& name : outside_.Files.Matching(record.Folder, pattern)) {
+        base::Ignored(outside_.Files.Remove(record.Folder + name));
+      }
+    }
+  }
+}
+
+void Kestrune::tmrQuit_Timer() {
+  tmrQuit_->SetEnabled(false);
+  if (window_.ShowsRecording()) {
+    commands_.cmdStop();
+    run_.Quitting = true;
+    updateCycle_.Tick();
+    updateCycle_.Tick();
+    run_.Quitting = false;
+  }
+  tmrUpdate_->SetEnabled(false);
+  channels_.SaveChannels();
+  capture_.RecordStop(0);
+  capture_.RecordStop(1);
+  log_.DoLog("Shutting Down");
+  tmrUpdate_->SetEnabled(false);
+  DrainPort();
+  tmrUpdate_->SetEnabled(false);
+  outside_.Windows.UnloadChannelsAndLog();
+  SaveAtExit();
+  CloseSecondPass();
+}
+
+void Kestrune::DrainPort() {
+  if (!session_.pcrPortOpen()) return;
+  for (int round = 0; round < kDrainRounds && !outside_.pcrComm.Input().empty(); ++round) {
+    outside_.Loop.Sleep(milliseconds(100));
+    outside_.Loop.PumpEvents();
+  }
+  session_.SetPortOpen(false);
+}
+
+void Kestrune::SaveAtExit() {
+  if (window_.State == WindowState::Normal) {
+    base::Ignored(section_.SaveSingle("MainTop", window_.Top));
+    base::Ignored(section_.SaveSingle("MainLeft", window_.Left));
+  }
+  base::Ignored(section_.SaveInt16("Channel", radioState_.ChannelNumber));
+  base::Ignored(section_.SaveInt16("SievanceGrab", window_.chkSievanceGrab ? 1 : 0));
+  base::Ignored(section_.SaveInt16("SievanceKill", window_.chkSievanceKill ? 1 : 0));
+  base::Ignored(section_.SaveInt16("PortNum", settings_.PortNum));
+}
+
+void Kestrune::CloseSecondPass() {
+  outside_.Windows.UnloadAll();
+  run_.FormLoading = true;
+  tmrUpdate_->SetEnabled(false);
+  tmrClock_->SetEnabled(false);
+  log_.CloseTrace();
+  audio_.Release();
+  closed_();
+}
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,119 @@
+#include "recorder/SongBoundary.h"
+
+#include <chrono>
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+#include "recorder/SongName.h"
+
+namespace kestrune::recorder {
+
+SongBoundary::SongBoundary(RecordingState& state, const config::Settings& settings, radio::Channels& channels,
+                           const radio::RadioState& radio, Capture& capture, Disposition& disposition,
+                           Display& display, MainWindow& window, platform::Files& files,
+                           base::EventLoop& loop)
+    : state_(state),
+      settings_(settings),
+      channels_(channels),
+      radio_(radio),
+      capture_(capture),
+      disposition_(disposition),
+      display_(display),
+      window_(window),
+      files_(files),
+      loop_(loop) {}
+
+void SongBoundary::Take(bool split) {
+  const bool natural = split && !state_.StartPending && !state_.StopPending;
+  if (natural && !state_.SkipSongDelay) AwaitSound();
+  state_.SkipSongDelay = false;
+
+  const std::int16_t finished = state_.CaptureSlot;
+  const auto next = static_cast<std::int16_t>(1 - finished);
+  NameNextSong(state_.CaptureSlots[static_cast<std::size_t>(next)]);
+
+  // A start that waits for no boundary keeps the capture in hand: its beginning is what the user wants.
+  const bool cut = !state_.StartPending || state_.ForceSongChange;
+  if (cut) {
+    std::int32_t result = 0;
+    capture_.RecordStop(finished);
+    capture_.RecordStart(next, capture_.TemporaryFile(next), result);
+  }
+  if (state_.StopPending || state_.StartPending) {
+    state_.SongBoundarySeen = false;
+    state_.Incomplete = true;
+  }
+  if (cut) state_.CaptureSlot = next;
+  state_.ForceSongChange = false;
+  channels_.CopyRadioText();
+
+  const bool wanted = state_.RecordRequested || state_.StopPending;
+  const bool armed = state_.RecordArmed || state_.StopPending;
+  if (!wanted || !armed) {
+    base::Ignored(files_.Remove(capture_.TemporaryFile(finished)));
+  } else {
+    loop_.PumpEvents();
+    if (!state_.StopPending) ShowRecording();
+    const bool goesOn = state_.StartPending && !state_.StopPending;
+    if (!goesOn) disposition_.Dispose(finished);
+    if (state_.StopPending) state_.StopPending = state_.SongBoundarySeen = false;
+    state_.WaitingForNextSong = state_.StartPending = false;
+  }
+  FollowCurrentSong();
+  display_.ShowSong(Tuned());
+}
+
+void SongBoundary::AwaitSound() {
+  // The text runs ahead of the sound. The thread blocks, so that nothing moves the boundary meanwhile; the
+  // capture runs on, and what it brings belongs to the old song.
+  loop_.Sleep(std::chrono::milliseconds(settings_.SongDelay));
+  state_.SongBoundarySeen = true;
+  state_.SongBoundaryTime = loop_.Now();
+}
+
+void SongBoundary::NameNextSong(CaptureRecord& next) {
+  const radio::ChannelEntry& tuned = Tuned();
+  next.Extension = base::ToLower(settings_.FileFormat);
+  const SongName name = BuildSongName(settings_.FilenameFormat, settings_.FileDir, next.Extension,
+                                      {.Artist = radio_.CurrentArtist,
+                                       .Song = radio_.CurrentSong,
+                                       .Channel = radio_.ChannelNumber,
+                                       .Station = tuned.Station,
+                                       .Genre = tuned.Genre,
+                                       .SessionStart = state_.SessionStart,
+                                       .Recorded = state_.RecordedCount});
+  CreateFolders(name.Folder);
+  next.FileName = name.FileName;
+  next.Folder = name.Folder;
+  next.Song = radio_.CurrentSong;
+  next.Artist = radio_.CurrentArtist;
+  next.Genre = base::Trim(tuned.Genre);
+}
+
+void SongBoundary::CreateFolders(const std::string& folder) {
+  for (std::size_t end = folder.find('/', 1); end != std::string::npos; end = folder.find('/', end + 1)) {
+    base::Ignored(files_.CreateFolder(std::string_view(folder).substr(0, end)));
+  }
+}
+
+void SongBoundary::ShowRecording() {
+  window_.lblRecording.Caption = status::kRecording;
+  window_.SetTrayTipForSong(radio_.CurrentArtist, radio_.CurrentSong);
+  state_.RecordStartTime = loop_.Now();
+  window_.lblClock.Visible = true;
+}
+
+void SongBoundary::FollowCurrentSong() {
+  const radio::ChannelEntry& tuned = Tuned();
+  state_.LastArtist = radio_.CurrentArtist;
+  state_.LastSong = radio_.CurrentSong;
+  state_.LastGenre = tuned.Genre;
+  state_.LastStation = tuned.Station;
+  state_.LastChannel = radio_.ChannelNumber;
+}
+
+const radio::ChannelEntry& SongBoundary::Tuned() const {
+  return channels_.TunedEntry();
+}
+
+}  // namespace kestrune::recorder

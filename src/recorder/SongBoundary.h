@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/EventLoop.h"
+#include "config/Settings.h"
+#include "platform/Files.h"
+#include "radio/Channels.h"
+#include "radio/RadioState.h"
+#include "recorder/Capture.h"
+#include "recorder/Display.h"
+#include "recorder/Disposition.h"
+#include "recorder/MainWindow.h"
+#include "recorder/RecordingState.h"
+
+namespace kestrune::recorder {
+
+/// The moment at which one song gives way to the next: the capture is cut, the next one begins, and the
+/// finished one meets its fate.
+class SongBoundary {
+ public:
+  SongBoundary(RecordingState& state, const config::Settings& settings, radio::Channels& channels,
+               const radio::RadioState& radio, Capture& capture, Disposition& disposition, Display& display,
+               MainWindow& window, platform::Files& files, base::EventLoop& loop);
+
+  /// `split`: songs are split into files, so that this may be a natural change of song.
+  void Take(bool split);
+
+  /// Brings what the cycle last acted on up to what the radio reports now.
+  void FollowCurrentSong();
+
+ private:
+  void AwaitSound();
+  void NameNextSong(CaptureRecord& next);
+  void CreateFolders(const std::string& folder);
+  void ShowRecording();
+  [[nodiscard]] const radio::ChannelEntry& Tuned() const;
+
+  RecordingState& state_;
+  const config::Settings& settings_;
+  radio::Channels& channels_;
+  const radio::RadioState& radio_;
+  Capture& capture_;
+  Disposition& disposition_;
+  Display& display_;
+  MainWindow& window_;
+  platform::Files& files_;
+  base::EventLoop& loop_;
+};
+
+}  // namespace kestrune::recorder

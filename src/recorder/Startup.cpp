@@ -1,0 +1,234 @@
+// The load sequence of the run, in its order.
+#include <chrono>
+
+#include <fmt/format.h>
+
+#include "base/Ignored.h"
+#include "base/Version.h"
+#include "config/SettingKeys.h"
+#include "config/TransferSettings.h"
+#include "recorder/InputDevices.h"
+#include "recorder/Kestrune.h"
+#include "recorder/SlashOptions.h"
+#include "schedule/UserDataFolder.h"
+
+namespace kestrune::recorder {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr double kWantedTemporaryBytes = 2048000000.0;
+
+}  // namespace
+
+// A close can come from within any wait. The steps behind it would find the radio and the audio objects gone,
+// so the sequence ends at the next wait's end.
+StartOutcome Kestrune::Load() {
+  if (run_.ShuttingDown) {
+    Close();
+    return StartOutcome::Closed;
+  }
+  run_.FormLoading = true;
+  CreateAudioObjects();
+  config::TransferSettings(outside_.Settings, outside_.Files, outside_.Environment, multiUnit_);
+  ReadCommandLine();
+  outside_.Windows.AddTrayIcon();
+  outside_.Windows.PlaceMainWindow();
+  ReadSettings();
+  if (!FindInputDevices()) return StartOutcome::Failed;
+  outside_.Windows.HideAndDisableMainWindow();
+  outside_.Loop.PumpEvents();
+  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (!Agree()) return StartOutcome::NotAgreed;
+  outside_.Windows.ShowPleaseWaitAndSplash();
+  outside_.Windows.LoadPresets();
+  outside_.Windows.GuardSerialPorts();
+  tmrUpdate_->SetEnabled(true);
+
+  const bool found = FindRadio();
+  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (!found) return ReportNoRadio();
+  ReadRadioID();
+  if (run_.ShuttingDown) return StartOutcome::Closed;
+  tmrClock_->SetEnabled(true);
+  base::Ignored(session_.pcrGetSignalLevels());
+  outside_.Windows.ClosePleaseWait();
+  outside_.Windows.ShowMainWindowDisabled();
+  outside_.Loop.PumpEvents();
+  outside_.Windows.LoadChannelsWindow();
+  outside_.Loop.PumpEvents();
+  channels_.LoadChannels();
+  outside_.Loop.PumpEvents();
+  TuneStoredChannel();
+  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (FirstRun()) outside_.Windows.ShowFirstConfiguration();
+  PrepareRecording();
+  outside_.Windows.EnableMainWindow();
+  channels_.StartWalk();
+  CheckTemporarySpace();
+  outside_.Windows.ShowRememberedWindows();
+  if (settings_.CheckUpdatesAtStartup) outside_.Windows.CheckForUpdate();
+  return run_.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
+}
+
+void Kestrune::CreateAudioObjects() {
+  audio_.Create(outside_.Audio);
+  capture_.ConnectRecorder();
+}
+
+void Kestrune::ReadCommandLine() {
+  const std::string commandLine = outside_.Environment.CommandLine();
+  multiUnit_ = MultiUnitOf(commandLine);
+  section_.SetMultiUnit(multiUnit_);
+  log_.SetMultiUnit(multiUnit_);
+  restrictions_.SetMultiUnit(multiUnit_);
+  channels_.SetListPlace(schedule::UserDataFolder(outside_.Environment), multiUnit_);
+  log_.List().DoLog("Load");
+  log_.DoLog(
+      fmt::format("Kestrune {}.{}.{}", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision));
+  if (!multiUnit_.empty()) log_.DoLog("Running as Multi-Unit " + multiUnit_);
+  if (DebugModeOf(commandLine)) {
+    log_.SetDebugMode(true);
+    log_.DoLog("Debug mode enabled");
+    log_.OpenTrace();
+  }
+  if (const ForcedPort forced = ForcedPortOf(commandLine); forced.Present) {
+    forcedPort_ = forced.Value;
+    log_.DoLog(fmt::format("Forced COM port to port {}", forcedPort_));
+  }
+}
+
+void Kestrune::ReadSettings() {
+  config::LoadSettings(section_, outside_.Environment, settings_);
+  radioState_.ChannelNumber = settings_.Channel;
+  ShowSettings();
+}
+
+bool Kestrune::FindInputDevices() {
+  const InputDevices found = EnumerateInputDevices(*audio_.AudioRecord, settings_.InputDevice);
+  deviceList_ = found.DeviceList;
+  inputDeviceName_ = found.Configured;
+  if (!found.Configured.empty()) log_.DoLog("Using input device: " + found.Configured);
+  if (found.Available >= 1) return true;
+  log_.DoLog("No available audio input devices found");
+  FailToStart("Kestrune: Input Device Error",
+              "There are no available audio input devices on this PC. There is no way\n"
+              "for Kestrune to record. Have you configured your sound card correctly?\n"
+              "Is another program currently recording from your sound card?" +
+                  found.Explanation);
+  return false;
+}
+
+bool Kestrune::Agree() {
+  if (settings_.LegalAgreement) return true;
+  if (!outside_.Dialogs.AskForAgreement()) return false;
+  settings_.LegalAgreement = true;
+  base::Ignored(section_.SaveBool("LegalAgreement", true));
+  return true;
+}
+
+bool Kestrune::FindRadio() {
+  if (forcedPort_ != 0) settings_.PortNum = forcedPort_;
+  if (settings_.PortNum != 0) TryKnownPort();
+  if (forcedPort_ == 0 && (!session_.pcrPortOpen() || settings_.PortNum == 0)) SearchPorts();
+  return session_.pcrPortOpen();
+}
+
+void Kestrune::TryKnownPort() {
+  constexpr int kTries = 2;
+  log_.DebugPrint(fmt::format("Trying port {}", settings_.PortNum));
+  for (int attempt = 1; attempt <= kTries; ++attempt) {
+    log_.DebugPrint(fmt::format("Try {}", attempt));
+    session_.SetCOMPort(settings_.PortNum);
+    session_.SetPortOpen(true);
+    if (!session_.pcrPortOpen()) continue;
+    outside_.Loop.Sleep(milliseconds(1500));
+    outside_.Loop.PumpEvents();
+    if (run_.ShuttingDown) return;
+    if (session_.pcrPowerOn(true)) {
+      forcedPort_ = settings_.PortNum;
+      return;
+    }
+    if (run_.ShuttingDown) return;
+  }
+  settings_.PortNum = 0;
+  session_.SetPortOpen(false);
+}
+
+void Kestrune::SearchPorts() {
+  constexpr int kTries = 4;
+  for (int attempt = 1; attempt <= kTries && !run_.ShuttingDown; ++attempt) {
+    log_.DebugPrint(fmt::format("Looking for port try {}", attempt));
+    session_.pcrFindPort();
+    if (session_.pcrPortOpen()) return;
+  }
+}
+
+StartOutcome Kestrune::ReportNoRadio() {
+  outside_.Windows.ClosePleaseWait();
+  FailToStart(
+      "Error connecting to radio",
+      "An error has occurred attempting to connect to your satellite radio. Is it connected? Is it turned "
+      "on? Do you have any other satellite radio applications running at the same time? Check the "
+      "connections and try again.");
+  return StartOutcome::Failed;
+}
+
+void Kestrune::FailToStart(const std::string& title, const std::string& text) {
+  base::Ignored(
+      outside_.Dialogs.Show({.Title = title, .Text = text, .Icon = platform::MessageIcon::Critical}));
+  outside_.Windows.RemoveTrayIcon();
+  Close();
+}
+
+void Kestrune::ReadRadioID() {
+  constexpr int kTries = 10;
+  settings_.PortNum = session_.pcrCOMPort();
+  outside_.Windows.ShowPort(settings_.PortNum);
+  log_.DoLog(fmt::format("Radio found on port {}", settings_.PortNum));
+  outside_.Loop.PumpEvents();
+  for (int attempt = 0; attempt < kTries && !run_.ShuttingDown; ++attempt) {
+    radioState_.RadioID = session_.pcrRadioID();
+    if (!radioState_.RadioID.empty()) break;
+    outside_.Loop.Sleep(milliseconds(200));
+    outside_.Loop.PumpEvents();
+  }
+  log_.DoLog("Radio ID " + radioState_.RadioID);
+}
+
+void Kestrune::TuneStoredChannel() {
+  constexpr int kRounds = 8;
+  base::Ignored(session_.pcrSelectChannel(radioState_.ChannelNumber));
+  recording_.SongBoundarySeen = false;
+  base::Ignored(session_.pcrMute(false));
+  for (int round = 0; round < kRounds && !run_.ShuttingDown; ++round) {
+    outside_.Loop.Sleep(milliseconds(500));
+    outside_.Windows.ShowMainWindowDisabled();
+    outside_.Loop.PumpEvents();
+  }
+}
+
+bool Kestrune::FirstRun() {
+  // The key is written by a clean exit alone.
+  return section_.Single("MainTop", -1.0F) == -1.0F;
+}
+
+void Kestrune::PrepareRecording() {
+  restrictions_.LoadRestrictions();
+  fileSpecs_.SetFileSpecs(0);
+  fileSpecs_.SetFileSpecs(1);
+  log_.DoLog("Using file format: " + audio_.File(1)->FormatDescription());
+}
+
+void Kestrune::CheckTemporarySpace() {
+  if (outside_.Files.FreeBytes(outside_.Environment.Variable("Temp")) >= kWantedTemporaryBytes) return;
+  log_.DoLog("Less than 2 gigabytes free on Temp drive");
+  base::Ignored(outside_.Dialogs.Show(
+      {.Title = "Drive Space",
+       .Text = "You have less than two gigabytes free space on the hard drive containing\n"
+               "your system TEMP directory. It is highly recommended you run with a minimum\n"
+               "of two gigabytes of free space.",
+       .Icon = platform::MessageIcon::Information}));
+}
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+
+#include "base/EventLoop.h"
+#include "base/RunState.h"
+#include "radio/Channels.h"
+#include "radio/RadioState.h"
+#include "recorder/Display.h"
+#include "recorder/Modes.h"
+#include "recorder/RecordingState.h"
+#include "recorder/SongBoundary.h"
+
+namespace kestrune::recorder {
+
+/// The heart: five times a second it asks the radio for a channel, looks for a change of song, and refreshes
+/// what is shown. It turns its timer off while it works and on again at the end.
+class UpdateCycle {
+ public:
+  UpdateCycle(RecordingState& state, const radio::RadioState& radio, const base::RunState& run,
+              radio::Channels& channels, const Modes& modes, SongBoundary& boundary, Display& display,
+              base::EventLoop& loop, base::Timer& tmrUpdate);
+
+  void Tick();
+
+  /// What every twentieth tick ends with, while the cycle is still marked busy and its timer is off.
+  void SetSchedulePass(std::function<void()> pass) { schedulePass_ = std::move(pass); }
+
+ private:
+  [[nodiscard]] bool GateOpen(bool split) const;
+  void EndTick();
+
+  RecordingState& state_;
+  const radio::RadioState& radio_;
+  const base::RunState& run_;
+  radio::Channels& channels_;
+  const Modes& modes_;
+  SongBoundary& boundary_;
+  Display& display_;
+  base::EventLoop& loop_;
+  base::Timer& tmrUpdate_;
+  std::function<void()> schedulePass_ = [] {};
+
+  bool updateBusy_ = false;
+  int updateTick_ = 0;
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kestrune::recorder {
+
+/// The windows that the run opens and closes by itself, at the moments told. A run without windows uses this
+/// class as it is: then every call does nothing. All calls come on the main thread.
+class Windows {
+ public:
+  virtual ~Windows() = default;
+
+  virtual void AddTrayIcon() {}
+  virtual void RemoveTrayIcon() {}
+  virtual void PlaceMainWindow() {}
+  virtual void HideAndDisableMainWindow() {}
+  virtual void ShowPleaseWaitAndSplash() {}
+  virtual void ShowPort(std::int16_t /*port*/) {}
+  virtual void ClosePleaseWait() {}
+  virtual void LoadPresets() {}
+  /// Keeps other users of serial lines away from the radio's.
+  virtual void GuardSerialPorts() {}
+  /// Shows the main window, gives it the focus and lets it take no input.
+  virtual void ShowMainWindowDisabled() {}
+  virtual void LoadChannelsWindow() {}
+  /// The first run here: the configuration, which has to be saved once.
+  virtual void ShowFirstConfiguration() {}
+  virtual void EnableMainWindow() {}
+  virtual void ShowRememberedWindows() {}
+  virtual void CheckForUpdate() {}
+
+  /// The rule that follows the main window's size and state, ten times a second.
+  virtual void ApplyResizeRule() {}
+
+  virtual void HideAll() {}
+  virtual void UnloadChannelsAndLog() {}
+  virtual void UnloadAll() {}
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,298 @@
+#include <optional>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/Ignored.h"
+#include "recorder/Disposition.h"
+#include "support/FakeEnvironment.h"
+#include "support/MemoryFiles.h"
+#include "support/SimulatedEventLoop.h"
+
+namespace kestrune::recorder {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class KeptLog final : public base::Journal {
+ public:
+  void DoLog(std::string_view text) override { Lines.emplace_back(text); }
+  void DebugPrint(std::string_view /*text*/) override {}
+  [[nodiscard]] bool Tracing() const override { return false; }
+  void Trace(std::string_view /*text*/) override {}
+  std::vector<std::string> Lines;
+};
+
+class DispositionTest : public ::testing::Test {
+ protected:
+  DispositionTest() {
+    radio.ChannelNumber = 44;
+    settings.MinSongLength = 45;
+    settings.MaxSongLength = 0;
+    state.RecordRequested = state.RecordArmed = true;
+    state.LastArtist = "Moonlighters";
+    state.LastSong = "Slow Tide";
+    CaptureRecord& capture = state.CaptureSlots[1];
+    capture = {.FileName = "/music/Moonlighters - Slow Tide",
+               .Extension = "mp3",
+               .LengthMs = 200000,
+               .Song = "Slow Tide",
+               .Artist = "Moonlighters",
+               .Genre = "Rock",
+               .Folder = "/music/"};
+    files.Put("/music/Capture1.mp3", "sound");
+    files.MakeFolders("/home/user/Application Data/Kestrune");
+  }
+
+  void Lists(std::string_view text) {
+    files.Put("/home/user/Application Data/Kestrune/Restriction.txt", text);
+    restrictions.LoadRestrictions();
+  }
+  std::vector<std::string> Music() {
+    std::vector<std::string> names;
+    for (const std::string& path : files.AllFiles()) {
+      if (path.starts_with("/music/")) names.push_back(path.substr(7));
+    }
+    return names;
+  }
+
+  test::SimulatedEventLoop loop;
+  test::MemoryFiles files;
+  test::FakeEnvironment environment;
+  KeptLog log;
+  RecordingState state;
+  radio::RadioState radio;
+  config::Settings settings;
+  schedule::ScheduleState schedule;
+  MainWindow window;
+  Modes modes{schedule, settings, window};
+  schedule::Restrictions restrictions{files, environment};
+  config::FileSpecs fileSpecs{[](std::int16_t) { return nullptr; }, settings, state.CaptureSlot,
+                              [] { return std::nullopt; }};
+  Disposition disposition{state, radio, settings, fileSpecs, modes, restrictions, files, loop, log};
+};
+
+TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "sound");
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20 "));
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, ExactlyTheMinimumIsKept) {
+  state.CaptureSlots[1].LengthMs = 45000;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1);
+  EXPECT_EQ(state.TooShortCount, 0);
+}
+
+TEST_F(DispositionTest, TooShortIsDroppedWithTheLengthAndTheLimit) {
+  state.CaptureSlots[1].LengthMs = 44999;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_EQ(state.TooShortCount, 1);
+  EXPECT_EQ(state.RecordedCount, 0);
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 0:44, "
+                          "Minimum length: 0:45"));
+}
+
+TEST_F(DispositionTest, TooLongIsDroppedAndItsLineSaysMinimumToo) {
+  settings.MaxSongLength = 120;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_EQ(state.TooLongCount, 1);
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20, "
+                          "Minimum length: 2:00"));
+}
+
+TEST_F(DispositionTest, ExactlyTheMaximumIsKept) {
+  settings.MaxSongLength = 200;
+  state.CaptureSlots[1].LengthMs = 200999;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, AMaximumOfZeroIsNoLimit) {
+  state.CaptureSlots[1].LengthMs = 10 * 3600 * 1000;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, ACaptureCanBeTooShortAndTooLongAtOnce) {
+  settings.MinSongLength = 300;
+  settings.MaxSongLength = 100;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.TooShortCount, 1);
+  EXPECT_EQ(state.TooLongCount, 1);
+  EXPECT_EQ(log.Lines.size(), 2U);
+}
+
+TEST_F(DispositionTest, NotOnTheGrabListIsDropped) {
+  window.chkSievanceGrab = true;
+  Lists("0Somebody else\n");
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_EQ(state.RestrictedCount, 1);
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20, "
+                          "not found in the grab list"));
+}
+
+TEST_F(DispositionTest, OnTheGrabListIsKept) {
+  window.chkSievanceGrab = true;
+  Lists("0moon\n");
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, OnTheKillListIsDropped) {
+  window.chkSievanceKill = true;
+  Lists("3tide\n");
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RestrictedCount, 1);
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20, "
+                          "found in the kill list"));
+}
+
+TEST_F(DispositionTest, KillBeatsGrabAndCountsOnce) {
+  window.chkSievanceGrab = window.chkSievanceKill = true;
+  Lists("0Moon\n2Moon\n");
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_EQ(state.RestrictedCount, 1);
+  EXPECT_EQ(log.Lines.size(), 1U);
+  EXPECT_TRUE(log.Lines[0].ends_with(", found in the kill list"));
+}
+
+TEST_F(DispositionTest, TheListsSeeTheSongThatEndedAndTheLogTheOneOfTheCapture) {
+  window.chkSievanceKill = true;
+  state.LastArtist = "Other";
+  state.LastSong = "Thing";
+  Lists("2Other\n");
+  disposition.Dispose(1);
+  ASSERT_EQ(log.Lines.size(), 1U);
+  EXPECT_THAT(log.Lines[0], ::testing::HasSubstr("\"Moonlighters - Slow Tide\""));
+}
+
+TEST_F(DispositionTest, GrabDoesNotRescueASongThatIsTooShort) {
+  window.chkSievanceGrab = true;
+  Lists("0Moon\n");
+  state.CaptureSlots[1].LengthMs = 1000;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.TooShortCount, 1);
+  EXPECT_EQ(state.RestrictedCount, 0);
+}
+
+TEST_F(DispositionTest, IncompleteCarriesItsSuffixInTheFileAndInTheLog) {
+  state.Incomplete = true;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
+  EXPECT_THAT(log.Lines, ElementsAre("Recorded: Channel 44  \"Moonlighters - Slow Tide (Incomplete)\"  "
+                                     "Song length: 3:20 "));
+  EXPECT_FALSE(state.Incomplete);
+}
+
+TEST_F(DispositionTest, IncompleteLeavesAnEarlierWholeSongAlone) {
+  files.Put("/music/Moonlighters - Slow Tide.mp3", "whole");
+  state.Incomplete = true;
+  disposition.Dispose(1);
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "whole");
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide (Incomplete).mp3"), "sound");
+}
+
+TEST_F(DispositionTest, DuplicatesGetRisingNames) {
+  settings.SaveDuplicates = true;
+  std::vector<std::string> expected;
+  for (int copy = 0; copy <= 11; ++copy) {
+    state.CaptureSlots[1].FileName = "/music/x";
+    files.Put("/music/Capture1.mp3", std::to_string(copy));
+    disposition.Dispose(1);
+  }
+  EXPECT_THAT(Music(), ElementsAre("x.mp3", "x1.mp3", "x2.mp3", "x3.mp3", "x4.mp3", "x5.mp3", "x6.mp3",
+                                   "x7.mp3", "x8.mp3", "x9.mp3", "x91.mp3", "x92.mp3"));
+  EXPECT_EQ(files.Text("/music/x91.mp3"), "10");
+}
+
+TEST_F(DispositionTest, ADuplicateOfATitleThatEndsInADigitGoesUpByOne) {
+  state.CaptureSlots[1].FileName = "/music/Route 5";
+  files.Put("/music/Route 5.mp3", "first");
+  disposition.Dispose(1);
+  EXPECT_EQ(files.Text("/music/Route 6.mp3"), "sound");
+}
+
+TEST_F(DispositionTest, ADuplicateOfATitleThatEndsInNineGetsAOneBehindIt) {
+  state.CaptureSlots[1].FileName = "/music/Cloud 9";
+  files.Put("/music/Cloud 9.mp3", "first");
+  disposition.Dispose(1);
+  EXPECT_EQ(files.Text("/music/Cloud 91.mp3"), "sound");
+}
+
+TEST_F(DispositionTest, DuplicatesAreSoughtUnderTheNameWithTheSuffix) {
+  files.Put("/music/Moonlighters - Slow Tide (Incomplete).mp3", "first");
+  state.Incomplete = true;
+  disposition.Dispose(1);
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide (Incomplete).mp3"), "first");
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide1 (Incomplete).mp3"), "sound");
+}
+
+TEST_F(DispositionTest, WithoutSavedDuplicatesTheSecondIsDroppedAndNothingIsCounted) {
+  settings.SaveDuplicates = false;
+  files.Put("/music/Moonlighters - Slow Tide.mp3", "first");
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "first");
+  EXPECT_THAT(log.Lines,
+              ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20, "
+                          "duplicate song in output directory"));
+  EXPECT_EQ(state.RecordedCount + state.TooShortCount + state.TooLongCount + state.RestrictedCount, 0);
+}
+
+TEST_F(DispositionTest, WhatWasCutAtItsBeginningGoesWithoutATestOrALine) {
+  state.WaitingForNextSong = true;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_THAT(log.Lines, IsEmpty());
+  EXPECT_EQ(state.RecordedCount, 0);
+}
+
+TEST_F(DispositionTest, AStopWhileWaitingDisposesOfTheCaptureAsIncomplete) {
+  state.WaitingForNextSong = state.StopPending = state.Incomplete = true;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
+}
+
+TEST_F(DispositionTest, AFailedRenameLeavesTheCaptureAndHasBeenCounted) {
+  files.FailNext(test::FileOperation::Rename);
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Capture1.mp3"));
+  EXPECT_EQ(state.RecordedCount, 1);
+  EXPECT_EQ(log.Lines.size(), 1U);
+}
+
+TEST_F(DispositionTest, AMissingCaptureFailsWithoutAWord) {
+  base::Ignored(files.Remove("/music/Capture1.mp3"));
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, ARunningScheduleEntryDecidesWhetherTheListsApply) {
+  window.chkSievanceGrab = true;
+  schedule.ActiveSchedule = 3;
+  schedule.SchedSievanceGrab = false;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1) << "the user's own box must have no say";
+  schedule.SchedSievanceGrab = true;
+  files.Put("/music/Capture1.mp3", "sound");
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RestrictedCount, 1);
+}
+
+}  // namespace
+}  // namespace kestrune::recorder

@@ -1,0 +1,249 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/UnitRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using recorder::StartOutcome;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+/// Keeps the calls, so that a test sees which window had its turn when.
+class CalledWindows final : public recorder::Windows {
+ public:
+  void AddTrayIcon() override { Calls.emplace_back("tray icon"); }
+  void RemoveTrayIcon() override { Calls.emplace_back("no tray icon"); }
+  void PlaceMainWindow() override { Calls.emplace_back("place"); }
+  void HideAndDisableMainWindow() override { Calls.emplace_back("hide"); }
+  void ShowPleaseWaitAndSplash() override { Calls.emplace_back("please wait"); }
+  void ShowPort(std::int16_t port) override { Calls.push_back("port " + std::to_string(port)); }
+  void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
+  void LoadPresets() override { Calls.emplace_back("presets"); }
+  void GuardSerialPorts() override { Calls.emplace_back("guard"); }
+  void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
+  void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
+  void EnableMainWindow() override { Calls.emplace_back("enable"); }
+  void ShowRememberedWindows() override { Calls.emplace_back("remembered windows"); }
+  void CheckForUpdate() override { Calls.emplace_back("update"); }
+  std::vector<std::string> Calls;
+};
+
+class StartupTest : public ::testing::Test {
+ protected:
+  UnitRig rig;
+
+  [[nodiscard]] std::size_t Sent(std::string_view hex) {
+    return static_cast<std::size_t>(std::count(rig.Radio.Commands.begin(), rig.Radio.Commands.end(), hex));
+  }
+};
+
+constexpr std::string_view kPowerOn =
+    "5AA50005001010"
+    "1001EDED";
+
+TEST_F(StartupTest, ARadioOnTheStoredPortIsFoundPoweredIdentifiedAndTuned) {
+  rig.Set("Channel", "51");
+  rig.Start();
+  EXPECT_EQ(rig->PortNum(), 1);
+  EXPECT_EQ(rig->Radio().RadioID, "ABCD1234");
+  EXPECT_EQ(rig.Radio.TunedChannel, 51);
+  EXPECT_THAT(
+      rig.LogTexts(),
+      ElementsAre("Kestrune 3.0.29", "Using input device: " + rig->InputDeviceName(), "Radio found on port 1",
+                  "Radio ID ABCD1234", "Satellite 1 signal quality: 80%", "Satellite 2 signal quality: 99%",
+                  "Terrestrial signal quality: 100%", "Using file format: SetFormatWAV 1000 1 16"));
+}
+
+TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
+  CalledWindows windows;
+  rig.Set("CheckUpdatesAtStartup", "True");
+  recorder::Kestrune unit({.Loop = rig.Loop,
+                           .pcrComm = rig.Radio,
+                           .Audio = rig.Audio,
+                           .Files = rig.Files,
+                           .Environment = rig.Environment,
+                           .Settings = rig.Store,
+                           .Dialogs = rig.Dialogs,
+                           .Sounds = rig.Sounds,
+                           .Windows = windows});
+  EXPECT_EQ(unit.Load(), StartOutcome::Running);
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "presets", "guard",
+                                         "port 1", "no please wait", "channels window", "first configuration",
+                                         "enable", "remembered windows", "update"));
+}
+
+TEST_F(StartupTest, TheConfigurationIsShownOnAFirstRunAlone) {
+  CalledWindows windows;
+  rig.Set("MainTop", "120");
+  recorder::Kestrune unit({.Loop = rig.Loop,
+                           .pcrComm = rig.Radio,
+                           .Audio = rig.Audio,
+                           .Files = rig.Files,
+                           .Environment = rig.Environment,
+                           .Settings = rig.Store,
+                           .Dialogs = rig.Dialogs,
+                           .Sounds = rig.Sounds,
+                           .Windows = windows});
+  EXPECT_EQ(unit.Load(), StartOutcome::Running);
+  EXPECT_THAT(windows.Calls, Not(Contains("first configuration")));
+}
+
+TEST_F(StartupTest, TheAgreementIsAskedForOnceBeforeTheRadioIsSought) {
+  rig.Set("LegalAgreement", "False");
+  rig.Start();
+  EXPECT_EQ(rig.Dialogs.AgreementAsked, 1);
+  EXPECT_EQ(rig.Setting("LegalAgreement"), "True");
+}
+
+TEST_F(StartupTest, ARefusedAgreementEndsTheProgramAtOnce) {
+  rig.Set("LegalAgreement", "False");
+  rig.Dialogs.Agrees = false;
+  rig.Start(StartOutcome::NotAgreed);
+  EXPECT_THAT(rig.Radio.Commands, IsEmpty()) << "the radio has not been spoken to";
+  EXPECT_EQ(rig.Setting("LegalAgreement"), "False");
+}
+
+TEST_F(StartupTest, WithoutAnInputDeviceTheUserIsToldAndTheProgramCloses) {
+  rig.Sound.SetDevices({});
+  rig.Start(StartOutcome::Failed);
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Title, "Kestrune: Input Device Error");
+  EXPECT_EQ(rig.Dialogs.Shown[0].Icon, platform::MessageIcon::Critical);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Text,
+            "There are no available audio input devices on this PC. There is no way\n"
+            "for Kestrune to record. Have you configured your sound card correctly?\n"
+            "Is another program currently recording from your sound card?\n\n"
+            "The following sound cards are capable, but unavailable:\n\nConfigured to use: ");
+  EXPECT_TRUE(rig.Logged("No available audio input devices found"));
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+}
+
+TEST_F(StartupTest, WithoutARadioTheUserIsToldAndTheProgramCloses) {
+  rig.Radio.Answers = false;
+  rig.Start(StartOutcome::Failed);
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Title, "Error connecting to radio");
+  EXPECT_EQ(rig.Dialogs.Shown[0].Text,
+            "An error has occurred attempting to connect to your satellite radio. Is it connected? Is it "
+            "turned on? "
+            "Do you have any other satellite radio applications running at the same time? Check the "
+            "connections and "
+            "try again.");
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+  EXPECT_TRUE(rig.Logged("Shutting Down"));
+  EXPECT_THAT(rig.Recordings(), IsEmpty());
+}
+
+TEST_F(StartupTest, TheStoredPortIsTriedTwiceAndThenAllPortsFourTimes) {
+  rig.Radio.Answers = false;
+  rig.Start(StartOutcome::Failed);
+  EXPECT_EQ(Sent(kPowerOn), 2U + 4U);
+}
+
+TEST_F(StartupTest, WithoutAStoredPortTheSearchFindsTheRadio) {
+  rig.Set("PortNum", "0");
+  rig.Radio.SittingOnPort = 7;
+  rig.Start();
+  EXPECT_EQ(rig->PortNum(), 7);
+  EXPECT_TRUE(rig.Logged("Radio found on port 7"));
+}
+
+TEST_F(StartupTest, AStoredPortWithoutARadioFallsBackToTheSearch) {
+  rig.Set("PortNum", "3");
+  rig.Start();
+  EXPECT_EQ(rig->PortNum(), 1);
+}
+
+TEST_F(StartupTest, AForcedPortIsTakenForTheStoredOne) {
+  rig.Set("PortNum", "3");
+  rig.Environment.Command = "/port 1";
+  rig.Start();
+  EXPECT_EQ(rig->PortNum(), 1);
+  EXPECT_TRUE(rig.Logged("Forced COM port to port 1"));
+}
+
+TEST_F(StartupTest, ARefusedPortIsLoggedAsZeroAndTheStoredOneIsUsed) {
+  rig.Environment.Command = "/port 300";
+  rig.Start();
+  EXPECT_TRUE(rig.Logged("Forced COM port to port 0"));
+  EXPECT_EQ(rig->PortNum(), 1);
+}
+
+TEST_F(StartupTest, AForcedPortWithoutARadioIsNotSearchedFurther) {
+  // The option stays in force, and with it nothing but that port.
+  rig.Environment.Command = "/port 5";
+  rig.Start(StartOutcome::Failed);
+  EXPECT_THAT(rig.Radio.Commands, IsEmpty());
+}
+
+TEST_F(StartupTest, AnEmptyIdentifierIsLoggedAndAccepted) {
+  rig.Radio.Identifier = std::string(8, ' ');
+  rig.Start();
+  EXPECT_TRUE(rig.Logged("Radio ID "));
+}
+
+TEST_F(StartupTest, AUnitHasItsOwnSectionListAndLog) {
+  rig.Environment.Command = "/MULTI 2";
+  rig.Store.Put("Lorimel", "Kestrune2", "PortNum", "1");
+  rig.Store.Put("Lorimel", "Kestrune2", "LegalAgreement", "True");
+  rig.Store.Put("Lorimel", "Kestrune2", "Channel", "47");
+  rig.Start();
+  rig.FinishWalk();
+  EXPECT_EQ(rig->MultiUnit(), "2");
+  EXPECT_EQ(rig.Radio.TunedChannel, 47);
+  EXPECT_TRUE(rig.Logged("Running as Multi-Unit 2"));
+  EXPECT_TRUE(rig.Files.Exists("/home/user/Application Data/Kestrune/Kestrune2.log"));
+  EXPECT_TRUE(rig.Files.Exists("/home/user/Application Data/Kestrune/ChannelList2.txt"));
+  EXPECT_FALSE(rig.Files.Exists("/home/user/Application Data/Kestrune/Kestrune.log"));
+}
+
+TEST_F(StartupTest, DebugModeTracesFramesInAFileOfItsOwn) {
+  rig.Environment.Command = "/debug";
+  rig.Start();
+  const std::string trace =
+      rig.Files.Text("/home/user/Application Data/Kestrune/Kestrune2005-01-01_1200.txt");
+  EXPECT_THAT(trace, ::testing::HasSubstr(" > 5A A5 00 05 00 10 10 10 01 ED ED"));
+  EXPECT_THAT(trace, ::testing::HasSubstr(" !PowerOn"));
+  EXPECT_THAT(trace, ::testing::HasSubstr("Trying port 1"));
+  EXPECT_TRUE(rig.Logged("Debug mode enabled"));
+  EXPECT_TRUE(rig.Logged("Debug: Trying port 1"));
+}
+
+TEST_F(StartupTest, LittleTemporarySpaceIsAWarningAndNoMore) {
+  rig.Files.Free = 2047999999.0;
+  rig.Start();
+  EXPECT_TRUE(rig.Logged("Less than 2 gigabytes free on Temp drive"));
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Title, "Drive Space");
+  EXPECT_EQ(rig.Dialogs.Shown[0].Icon, platform::MessageIcon::Information);
+}
+
+TEST_F(StartupTest, TwoGigabytesOfTemporarySpaceAreEnough) {
+  rig.Files.Free = 2048000000.0;
+  rig.Start();
+  EXPECT_FALSE(rig.Logged("Less than 2 gigabytes free on Temp drive"));
+}
+
+TEST_F(StartupTest, TheChannelLoadEndsWithItsCount) {
+  rig.Start();
+  EXPECT_TRUE(rig->Radio().ChannelsLoading);
+  rig.FinishWalk();
+  EXPECT_TRUE(rig.Logged("Channels loaded: 16"));
+  EXPECT_TRUE(rig->Window().mnuReload.Enabled);
+}
+
+TEST_F(StartupTest, ACloseWithinTheSearchEndsTheStart) {
+  rig.Radio.Answers = false;
+  rig.Loop.AtHardware(3s, [&] { rig.Loop.Post([&] { rig->Close(); }); });
+  EXPECT_EQ(rig->Load(), StartOutcome::Closed);
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+  EXPECT_THAT(rig.Dialogs.Shown, IsEmpty()) << "nobody is to be told of a radio that was not missing";
+}
+
+}  // namespace
+}  // namespace kestrune::test

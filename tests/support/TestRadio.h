@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/SerialPort.h"
+#include "support/SimulatedEventLoop.h"
+
+namespace kestrune::test {
+
+/// A radio at the other end of the line, small enough to be seen through: it answers each command after a
+/// moment with bytes laid out here by hand, and plays what the test tells it to.
+class TestRadio final : public platform::SerialPort {
+ public:
+  struct Playing {
+    std::string Station;
+    std::string Genre;
+    std::string Artist;
+    std::string Song;
+  };
+
+  /// Sits on port 1; the other ports cannot be opened.
+  explicit TestRadio(SimulatedEventLoop& loop);
+
+  // What the test does with it. Channels are answered in rising order.
+  std::map<int, Playing> Channels;
+  void Play(int channel, std::string artist, std::string song);
+  std::int16_t SittingOnPort = 1;
+  bool Answers = true;    ///< false: nothing comes back
+  bool PoweredOn = true;  ///< false: everything but power on is refused
+  bool RefusesTuning = false;
+  bool Chatters = false;  ///< whenever its line is read there is something on it
+  std::string Identifier = "ABCD1234";
+  std::chrono::milliseconds AnswerDelay{40};
+
+  // What the program did to it.
+  int TunedChannel = 0;
+  bool Muted = false;
+  std::vector<std::string> Commands;  ///< every frame written, as hex digits
+
+  // SerialPort.
+  void SetCommPort(std::int16_t number) override { port_ = number; }
+  void SetSettings(std::string_view /*settings*/) override {}
+  void SetReceiveThreshold(int bytes) override { threshold_ = bytes; }
+  [[nodiscard]] std::string Open() override;
+  void Close() override { open_ = false; }
+  [[nodiscard]] bool IsOpen() const override { return open_; }
+  void SetDataTerminalReady(bool /*on*/) override {}
+  void SetRequestToSend(bool /*on*/) override {}
+  [[nodiscard]] std::string Input() override;
+  [[nodiscard]] bool Output(std::string_view bytes) override;
+  void SetReceiveHandler(std::function<void()> handler) override { handler_ = std::move(handler); }
+
+ private:
+  void Answer(std::string_view command);
+  void Send(std::string frame);
+  [[nodiscard]] std::string ChannelInfo(int channel) const;
+
+  SimulatedEventLoop& loop_;
+  std::function<void()> handler_ = [] {};
+  std::string waiting_;
+  std::int16_t port_ = 0;
+  int threshold_ = 1;
+  bool open_ = false;
+};
+
+}  // namespace kestrune::test
