@@ -63,7 +63,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const config::Settings& CurrentSettings() const { return settings_; }
   [[nodiscard]] const radio::Channels& ChannelList() const { return channels_; }
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
-  [[nodiscard]] const schedule::Log& LogBook() const { return log_; }
+  [[nodiscard]] schedule::Log& LogBook() { return log_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
   [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }

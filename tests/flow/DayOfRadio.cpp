@@ -1,0 +1,193 @@
+#include "flow/DayOfRadio.h"
+
+#include <fmt/format.h>
+
+namespace kestrune::test {
+
+using namespace std::chrono_literals;
+
+class DayOfRadio::Audio final : public platform::AudioLibrary {
+ public:
+  explicit Audio(DayOfRadio& day) : day_(day) {}
+  [[nodiscard]] std::unique_ptr<platform::AudioRecorder> MakeAudioRecorder() override {
+    return std::make_unique<platform::RingRecorder>(day_.loop_, day_.sound_);
+  }
+  [[nodiscard]] std::unique_ptr<platform::CaptureFile> MakeCaptureFile() override {
+    return std::make_unique<LedgerCaptureFile>(day_.ledger_, day_.files_);
+  }
+  [[nodiscard]] std::unique_ptr<platform::TagWriter> MakeTagWriter() override {
+    return std::make_unique<KeptTags>(dropped_);
+  }
+  void ForgetTags() { dropped_.clear(); }
+
+ private:
+  DayOfRadio& day_;
+  KeptTags::List dropped_;
+};
+
+DayOfRadio::DayOfRadio(const Plan& plan)
+    : plan_(plan), random_(plan.Seed), line_(radio_, loop_, plan.Seed + 1), audio_(std::make_unique<Audio>(*this)) {
+  for (int channel = 30; channel < 70; ++channel) {
+    radio_.Channels[channel] = {fmt::format("Station {}", channel), "Genre", fmt::format("Artist {}", channel), "A"};
+  }
+  // The numbers fit 16 bits and wrap; a mono sample a millisecond is enough to see every cut.
+  const auto set = [this](std::string_view key, std::string_view value) {
+    store_.Put("Lorimel", "Kestrune", key, value);
+  };
+  set("FileFormat", "WAV");
+  set("WAV_Frequency", "1000");
+  set("WAV_Channels", "1");
+  set("FileDir", "/music/");
+  set("MinSongLength", "45");
+  set("CheckUpdatesAtStartup", "False");
+  set("LegalAgreement", "True");
+  set("PortNum", "1");
+  files_.MakeFolders("/music");
+  files_.Put("/home/user/Application Data/Kestrune/Restriction.txt", "2Artist 7\n0Artist\n");
+  unit_ = std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = loop_,
+                                                                 .pcrComm = line_,
+                                                                 .Audio = *audio_,
+                                                                 .Files = files_,
+                                                                 .Environment = environment_,
+                                                                 .Settings = store_,
+                                                                 .Dialogs = dialogs_,
+                                                                 .Sounds = sounds_,
+                                                                 .Windows = windows_});
+  unit_->SetClosedHandler([this] { closed_ = true; });
+  unit_->LogBook().List().SetChangeHandler([this](schedule::LogList::Change change) {
+    if (change == schedule::LogList::Change::Added) TakeLogLine(unit_->LogBook().List().Lines().back());
+  });
+}
+
+DayOfRadio::~DayOfRadio() = default;
+
+void DayOfRadio::Every(std::chrono::milliseconds least, std::chrono::milliseconds most, std::function<void()> what) {
+  const std::chrono::milliseconds wait(Draw(static_cast<int>(least.count()), static_cast<int>(most.count())));
+  loop_.AtHardware(wait, [this, least, most, what = std::move(what)] {
+    what();
+    Every(least, most, what);
+  });
+}
+
+void DayOfRadio::Run() {
+  Check(unit_->Load() == recorder::StartOutcome::Running, "the start failed");
+  line_.Now = plan_.Faults;
+  Every(1s, 9s, [this] { ChangeSongs(); });
+  // What a user does reaches the program as a handler of its own, in whatever wait it stands.
+  if (plan_.User) {
+    Every(20s, 600s, [this] { loop_.Post([this] { PressSomething(); }); });
+  }
+  if (plan_.BadMoments) Every(1000s, 5000s, [this] { HaveABadMoment(); });
+  for (auto second = 0s; second < plan_.Length; ++second) {
+    loop_.Run(1s);
+    LookOver();
+  }
+  framesLost_ = unit_->Recorder()->FramesLost();
+  line_.Now = {};
+  unit_->Close();
+  Check(loop_.RunUntil([this] { return closed_; }, 1min), "the close did not end");
+  for (const std::string& path : files_.AllFiles()) {
+    Check(path.find("/Capture") == std::string::npos, "left behind: " + path);
+  }
+  Check(ledger_.Open == 0, "a file stayed open");
+  Check(ledger_.MostOpen <= 1, "two files were open at once");
+}
+
+void DayOfRadio::ChangeSongs() {
+  // Forty channels with a song of three minutes each: one of them changes every four or five seconds.
+  const int channel = Draw(30, 69);
+  ++song_;
+  radio_.Play(channel, fmt::format("Artist {}", song_ % 11), fmt::format("Song {}", song_));
+}
+
+void DayOfRadio::PressSomething() {
+  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
+  switch (Draw(0, 9)) {
+    case 0:
+    case 1:
+    case 2:
+      if (unit_->Window().cmdRecord.Enabled) {
+        unit_->cmdRecord();
+        LookOver();
+        keptThisSession_ = refusedThisSession_ = 0;
+      }
+      break;
+    case 3:
+    case 4:
+      if (unit_->Window().cmdStop.Enabled) unit_->cmdStop();
+      break;
+    case 5:
+    case 6:
+      if (!unit_->Recording().GetRecordingStatus()) {
+        unit_->SetChannelNumber(static_cast<std::int16_t>(Draw(30, 69)));
+      }
+      break;
+    case 7:
+      static_cast<void>(unit_->SetMute(Draw(0, 1) == 1));
+      break;
+    case 8:
+      static_cast<void>(unit_->ChangeSetting(Draw(0, 1) == 0 ? "Integrel" : "Cleftune", Draw(0, 2) > 0 ? "1" : "0"));
+      break;
+    default:
+      static_cast<void>(unit_->ChangeSetting(Draw(0, 1) == 0 ? "SievanceGrab" : "SievanceKill",
+                                             Draw(0, 1) == 0 ? "1" : "0"));
+      break;
+  }
+}
+
+void DayOfRadio::HaveABadMoment() {
+  const std::chrono::seconds length(Draw(3, 120));
+  if (Draw(0, 1) == 0) {
+    radio_.Answers = false;
+    loop_.AtHardware(length, [this] { radio_.Answers = true; });
+  } else {
+    radio_.PoweredOn = false;
+    loop_.AtHardware(length, [this] { radio_.PoweredOn = true; });
+  }
+}
+
+void DayOfRadio::Check(bool holds, const std::string& complaint) {
+  if (!holds && complaints_.size() < 20) {
+    complaints_.push_back(fmt::format("{} s: {}", loop_.SteadyNow().count() / 1000, complaint));
+  }
+}
+
+void DayOfRadio::LookOver() {
+  const recorder::MainWindow& window = unit_->Window();
+  const recorder::RecordingState& state = unit_->Recording();
+  const std::string& status = window.lblRecording.Caption;
+  Check(window.cmdRecord.Enabled != window.cmdStop.Enabled, "the buttons do not swap");
+  Check(state.RecordRequested == state.RecordArmed, "requested and armed differ");
+  const bool armedInLoad = status == recorder::status::kWaitingForChannelLoad;
+  Check(window.cmdStop.Enabled == (state.RecordRequested || armedInLoad), "the stop button belies the state");
+  Check(!state.RecordRequested || window.ShowsRecording() || status == recorder::status::kWaitingForNextSong,
+        "recording with the status \"" + status + "\"");
+  Check(state.RecordRequested || armedInLoad || status.empty(), "idle with the status \"" + status + "\"");
+  Check(!state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong || !state.RecordRequested,
+        "waiting with the status \"" + status + "\"");
+  Check(ledger_.Open <= 1, "two files open");
+
+  // The kept files are looked at and taken away: a day of them would only slow the list down.
+  for (const std::string& path : files_.AllFiles()) {
+    if (!path.starts_with("/music/")) continue;
+    const bool temporary = path.find("/Capture") != std::string::npos;
+    if (temporary) continue;
+    Check(files_.Text(path) == LedgerCaptureFile::kWholeText, "not whole under its final name: " + path);
+    ++songsKept_;
+    static_cast<void>(files_.Remove(path));
+  }
+
+  Check(state.RecordedCount == keptThisSession_, "songs kept and the counter differ");
+  Check(state.TooShortCount + state.TooLongCount + state.RestrictedCount == refusedThisSession_,
+        "songs refused and the counters differ");
+}
+
+void DayOfRadio::TakeLogLine(const std::string& line) {
+  std::string text = line.substr(line.find(':') + 7);
+  if (text.starts_with("Recorded: ")) ++keptThisSession_;
+  const bool refused = text.starts_with("Not Recorded: ");
+  if (refused && text.find("duplicate song") == std::string::npos) ++refusedThisSession_;
+  logTexts_.push_back(std::move(text));
+}
+
+}  // namespace kestrune::test

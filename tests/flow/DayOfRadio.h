@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "flow/LedgerCaptureFile.h"
+#include "support/FaultyLine.h"
+#include "support/UnitRig.h"
+
+namespace kestrune::test {
+
+/// A unit left running: songs change on all channels, a user records, stops, tunes and changes options now and
+/// then, and the line and the radio have bad moments. All of it follows from the seed. Once a second the state is
+/// looked over; what does not add up is kept as a complaint.
+class DayOfRadio {
+ public:
+  struct Plan {
+    std::uint32_t Seed = 1;
+    std::chrono::hours Length{24};
+    FaultyLine::Faults Faults{};
+    bool BadMoments = true;  ///< the radio falls silent, is switched off, is unplugged
+    bool User = true;        ///< somebody presses buttons
+  };
+
+  explicit DayOfRadio(const Plan& plan);
+  ~DayOfRadio();
+
+  void Run();
+
+  [[nodiscard]] const std::vector<std::string>& Complaints() const { return complaints_; }
+  [[nodiscard]] const CutLedger& Ledger() const { return ledger_; }
+  /// All lines of the log, without their time stamps.
+  [[nodiscard]] const std::vector<std::string>& LogTexts() const { return logTexts_; }
+  [[nodiscard]] std::uint64_t HandlersRun() const { return loop_.HandlersRun(); }
+  [[nodiscard]] std::int64_t FramesLost() const { return framesLost_; }
+  [[nodiscard]] int SongsKept() const { return songsKept_; }
+
+ private:
+  class Audio;
+
+  void ChangeSongs();
+  void PressSomething();
+  void HaveABadMoment();
+  void LookOver();
+  void TakeLogLine(const std::string& line);
+  void Check(bool holds, const std::string& complaint);
+  [[nodiscard]] int Draw(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
+  void Every(std::chrono::milliseconds least, std::chrono::milliseconds most, std::function<void()> what);
+
+  Plan plan_;
+  std::mt19937 random_;
+  SimulatedEventLoop loop_;
+  TestRadio radio_{loop_};
+  FaultyLine line_;
+  SimulatedSoundSource sound_{loop_, std::chrono::milliseconds(100)};
+  MemoryFiles files_;
+  MemorySettingsStore store_;
+  FakeEnvironment environment_;
+  ScriptedDialogs dialogs_;
+  CountedSounds sounds_;
+  recorder::Windows windows_;
+  CutLedger ledger_;
+  std::unique_ptr<Audio> audio_;
+  std::unique_ptr<recorder::Kestrune> unit_;
+
+  std::vector<std::string> complaints_;
+  bool closed_ = false;
+  int song_ = 0;
+  int songsKept_ = 0;
+  std::int64_t framesLost_ = 0;
+  std::vector<std::string> logTexts_;
+  int keptThisSession_ = 0;
+  int refusedThisSession_ = 0;
+};
+
+}  // namespace kestrune::test

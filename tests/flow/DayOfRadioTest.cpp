@@ -1,0 +1,60 @@
+#include "flow/DayOfRadio.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iostream>
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::IsEmpty;
+
+/// Another seed for each run, printed, or the one of the variable KESTRUNE_SEED.
+std::uint32_t Seed() {
+  const char* asked = std::getenv("KESTRUNE_SEED");
+  const std::uint32_t seed = asked != nullptr ? static_cast<std::uint32_t>(std::atol(asked)) : std::random_device{}();
+  std::cout << "seed " << seed << std::endl;
+  return seed;
+}
+
+constexpr FaultyLine::Faults kBadLine{
+    .LostCommand = 0.01, .NoiseBefore = 0.01, .LostReply = 0.01, .CorruptByte = 0.01, .SplitFrame = 0.05};
+
+TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
+  DayOfRadio day({.Seed = Seed(), .BadMoments = false});
+  day.Run();
+  EXPECT_THAT(day.Complaints(), IsEmpty());
+  EXPECT_EQ(day.Ledger().Breaks, 0) << "every file begins with the sample behind the last one of the file before";
+  EXPECT_EQ(day.FramesLost(), 0);
+  EXPECT_GT(day.Ledger().Captures, 200);
+  EXPECT_GT(day.SongsKept(), 20);
+  EXPECT_GT(day.Ledger().Samples, 23LL * 3600 * 1000);
+}
+
+TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
+  DayOfRadio day({.Seed = Seed(), .Faults = kBadLine});
+  day.Run();
+  EXPECT_THAT(day.Complaints(), IsEmpty());
+  EXPECT_EQ(day.Ledger().Breaks, 0);
+  EXPECT_GT(day.Ledger().Captures, 200);
+}
+
+TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {
+  const std::uint32_t seed = Seed();
+  std::vector<std::string> logs[2];
+  std::uint64_t handlers[2];
+  for (int run = 0; run < 2; ++run) {
+    DayOfRadio day({.Seed = seed, .Length = 2h, .Faults = kBadLine});
+    day.Run();
+    logs[run] = day.LogTexts();
+    handlers[run] = day.HandlersRun();
+  }
+  EXPECT_EQ(logs[0], logs[1]);
+  EXPECT_EQ(handlers[0], handlers[1]);
+}
+
+}  // namespace
+}  // namespace kestrune::test

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/CaptureFile.h"
+#include "platform/Files.h"
+
+namespace kestrune::test {
+
+/// What all captures of a run together have seen of a sound whose mono samples count up by one.
+struct CutLedger {
+  std::int64_t Samples = 0;
+  std::int64_t Captures = 0;
+  std::int64_t Breaks = 0;  ///< places where a sample does not follow the one before it
+  bool Begun = false;
+  std::int16_t Last = 0;
+  int Open = 0;         ///< files open at the moment
+  int MostOpen = 0;
+
+  void Take(std::int16_t sample) {
+    if (Begun && sample != static_cast<std::int16_t>(Last + 1)) ++Breaks;
+    Begun = true;
+    Last = sample;
+    ++Samples;
+  }
+};
+
+/// A capture file that keeps no sound, only what the ledger wants to know. On disk it says whether it is whole.
+class LedgerCaptureFile final : public platform::CaptureFile {
+ public:
+  static constexpr std::string_view kOpenText = "being written";
+  static constexpr std::string_view kWholeText = "whole";
+
+  LedgerCaptureFile(CutLedger& ledger, platform::Files& files) : ledger_(ledger), files_(files) {}
+  ~LedgerCaptureFile() override { Close(); }
+
+  void SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t /*bits*/) override {
+    format_ = {.SampleRate = frequency, .Channels = channels};
+  }
+  void SetFormatRAW(std::int16_t /*compression*/, std::int32_t /*frequency*/, std::int16_t /*channels*/,
+                    std::int16_t /*bits*/) override {}
+  void SetFormatVOX(std::int32_t /*frequency*/) override {}
+  void SetFormatMP3(const platform::Mp3Parameters& /*parameters*/) override {}
+  void SetFormatOgg(std::int32_t /*frequency*/, std::int16_t /*channels*/, std::int16_t /*nominalBitrate*/,
+                    std::int16_t /*minBitrate*/, std::int16_t /*maxBitrate*/, std::int16_t /*quality*/) override {}
+  void SetFormatG726(std::int32_t /*frequency*/, std::int16_t /*bits*/) override {}
+  void Create(std::string_view path) override;
+  [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }
+  [[nodiscard]] platform::PcmFormat FormatValues() const override { return format_; }
+  [[nodiscard]] bool WriteBlock(std::span<const std::int16_t> samples) override;
+  [[nodiscard]] std::int32_t Length() const override {
+    return static_cast<std::int32_t>(samples_ * 1000 / format_.SampleRate);
+  }
+  [[nodiscard]] std::string FormatDescription() const override { return "counted samples"; }
+  void Close() override;
+
+ private:
+  CutLedger& ledger_;
+  platform::Files& files_;
+  platform::PcmFormat format_{.SampleRate = 1000, .Channels = 1};
+  std::string path_;
+  std::int64_t samples_ = 0;
+  std::int16_t lastResult_ = 0;
+};
+
+}  // namespace kestrune::test
