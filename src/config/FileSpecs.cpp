@@ -7,11 +7,9 @@
 
 namespace kestrune::config {
 
-FileSpecs::FileSpecs(platform::CaptureFile& captureFile0, platform::CaptureFile& captureFile1,
-                     const Settings& settings, const std::int16_t& captureSlot,
+FileSpecs::FileSpecs(SlotFile slotFile, const Settings& settings, const std::int16_t& captureSlot,
                      ScheduledBitRate scheduledBitRate)
-    : captureFile0_(captureFile0),
-      captureFile1_(captureFile1),
+    : slotFile_(std::move(slotFile)),
       settings_(settings),
       captureSlot_(captureSlot),
       scheduledBitRate_(std::move(scheduledBitRate)) {}
@@ -21,7 +19,9 @@ void FileSpecs::SetFileSpecs(std::int16_t slot) {
   if (slot == -1) slot = static_cast<std::int16_t>(1 - captureSlot_);
   if (slot != 0 && slot != 1) return;
 
-  platform::CaptureFile& file = slot == 0 ? captureFile0_ : captureFile1_;
+  platform::CaptureFile* const slotFile = slotFile_(slot);
+  if (slotFile == nullptr) return;
+  platform::CaptureFile& file = *slotFile;
   const std::string& format = settings_.FileFormat;
   if (format == "G726") {
     file.SetFormatG726(settings_.Format726.Frequency, settings_.Format726.Bits);

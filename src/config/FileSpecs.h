@@ -18,9 +18,12 @@ class FileSpecs {
   /// The MP3 bit rate text of the running schedule entry, such as "128 Stereo"; nothing while none runs.
   using ScheduledBitRate = std::function<std::optional<std::string>()>;
 
+  /// The capture file of slot 0 or 1; null while there is none, and nothing is prepared then.
+  using SlotFile = std::function<platform::CaptureFile*(std::int16_t slot)>;
+
   /// All references must outlive this object; `captureSlot` is the number of the slot being written, 0 or 1.
-  FileSpecs(platform::CaptureFile& captureFile0, platform::CaptureFile& captureFile1,
-            const Settings& settings, const std::int16_t& captureSlot, ScheduledBitRate scheduledBitRate);
+  FileSpecs(SlotFile slotFile, const Settings& settings, const std::int16_t& captureSlot,
+            ScheduledBitRate scheduledBitRate);
 
   /// Prepares slot 0 or 1; -1 is the slot that is not being written now. Any other slot does nothing. An
   /// unknown format code prepares nothing, and the description is still read.
@@ -33,8 +36,7 @@ class FileSpecs {
   void FillMp3Parameters(const std::optional<std::string>& scheduled);
   void PrepareOgg(platform::CaptureFile& file) const;
 
-  platform::CaptureFile& captureFile0_;
-  platform::CaptureFile& captureFile1_;
+  SlotFile slotFile_;
   const Settings& settings_;
   const std::int16_t& captureSlot_;
   ScheduledBitRate scheduledBitRate_;

@@ -21,7 +21,8 @@ class FileSpecsTest : public ::testing::Test {
   config::Settings settings_;
   std::int16_t captureSlot_ = 0;
   std::optional<std::string> scheduled_;
-  config::FileSpecs specs_{file0_, file1_, settings_, captureSlot_, [this] { return scheduled_; }};
+  config::FileSpecs specs_{[this](std::int16_t slot) { return slot == 0 ? &file0_ : &file1_; }, settings_,
+                           captureSlot_, [this] { return scheduled_; }};
 };
 
 TEST_F(FileSpecsTest, ASlotIsNamedDirectly) {

@@ -107,9 +107,9 @@ void DayOfRadio::PressSomething() {
     case 1:
     case 2:
       if (unit_->Window().cmdRecord.Enabled) {
-        unit_->cmdRecord();
         LookOver();
-        keptThisSession_ = refusedThisSession_ = 0;
+        if (!unit_->Radio().ChannelsLoading) keptThisSession_ = refusedThisSession_ = 0;
+        unit_->cmdRecord();
       }
       break;
     case 3:
