@@ -60,6 +60,11 @@ class Channels {
 
   /// The entry of the tuned channel, null if the table does not have it. Valid until the table changes.
   [[nodiscard]] const ChannelEntry* TunedRow() const;
+  /// The same, with the empty entry for a channel that the table does not have.
+  [[nodiscard]] const ChannelEntry& TunedEntry() const {
+    const ChannelEntry* row = TunedRow();
+    return row != nullptr ? *row : table_.At(0);
+  }
   [[nodiscard]] const ChannelTable& Table() const { return table_; }
   [[nodiscard]] const ChannelGrid& Grid() const { return grid_; }
   [[nodiscard]] ChannelGrid& Grid() { return grid_; }

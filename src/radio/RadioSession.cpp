@@ -86,7 +86,7 @@ void RadioSession::SetPortOpen(bool open) {
 void RadioSession::pcrFindPort() {
   comPort_ = 0;
   replies_.pcrRadioID.clear();
-  for (std::int16_t number = 1; number <= kLastPort; ++number) {
+  for (std::int16_t number = 1; number <= kLastPort && !run_.ShuttingDown; ++number) {
     SetPortOpen(false);
     comPort_ = number;
     SetPortOpen(true);
@@ -106,7 +106,7 @@ void RadioSession::pcrFindPort() {
 }
 
 void RadioSession::DrainInput() {
-  while (!port_.Input().empty()) SleepAndPump(100ms);
+  while (!run_.ShuttingDown && !port_.Input().empty()) SleepAndPump(100ms);
 }
 
 // Operations.

@@ -18,7 +18,7 @@ struct Outside {
   platform::SerialPort& pcrComm;
   platform::AudioLibrary& Audio;
   platform::Files& Files;
-  platform::Environment& Environment;
+  const platform::Environment& Environment;
   platform::SettingsStore& Settings;
   platform::Dialogs& Dialogs;
   platform::Sounds& Sounds;
