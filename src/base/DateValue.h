@@ -44,7 +44,7 @@ class DateValue {
   [[nodiscard]] DateValue AddHours(std::int64_t hours) const;
   [[nodiscard]] DateValue AddDays(std::int64_t days) const;
 
-  auto operator<=>(const DateValue&) const = default;
+  auto operator<=>(const DateValue&) const = default;  // NOLINT(modernize-use-nullptr)
 
  private:
   std::int64_t seconds_ = 0;

@@ -111,7 +111,7 @@ std::string PosixEnvironment::Variable(std::string_view name) const {
   if (profileFolder_ && home) return InProfile("home");
   if (profileFolder_ && temporary) return InProfile("tmp");
   const auto systemName = SystemPath(name);
-  const std::string value = systemName ? VariableText(*systemName) : std::string();
+  std::string value = systemName ? VariableText(*systemName) : std::string();
   if (home) return value.empty() ? WithoutEndSeparator(VariableText("HOME")) : WithoutEndSeparator(value);
   if (!temporary) return value;
   if (!value.empty()) return WithoutEndSeparator(value);
