@@ -64,11 +64,9 @@ bool Receive(const FileDescriptor& socket, std::string& line, Clock::time_point 
       const std::size_t end = text.find('\n');
       line += text.substr(0, end);
       if (end != std::string_view::npos) return true;
-    } else if (got == 0) {
-      return false;
-    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+    } else if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
       if (!WaitFor(socket, POLLIN, deadline)) return false;
-    } else if (errno != EINTR) {
+    } else if (got == 0 || errno != EINTR) {
       return false;
     }
   }

@@ -1,7 +1,6 @@
 #include "platform/qtlocal/LocalControlSocket.h"
 
 #include <QSocketNotifier>
-#include <QTimer>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -26,7 +25,7 @@ namespace {
 constexpr std::size_t kLongestLine = 64UL * 1024;
 constexpr std::size_t kMostUnfetched = 1024UL * 1024;
 constexpr std::size_t kMostClients = 64;
-constexpr std::chrono::milliseconds kPauseWithoutFiles{500};
+constexpr std::chrono::milliseconds kPauseWithoutFiles{100};
 
 }  // namespace
 
@@ -95,6 +94,8 @@ LocalControlSocket::State LocalControlSocket::Open() {
   }
   listening_ = new QSocketNotifier(listener_.Number(), QSocketNotifier::Read, &owner_);
   QObject::connect(listening_, &QSocketNotifier::activated, &owner_, [this] { Accept(); });
+  resume_.setSingleShot(true);
+  QObject::connect(&resume_, &QTimer::timeout, listening_, [this] { listening_->setEnabled(true); });
   return State::Listening;
 }
 
@@ -104,7 +105,7 @@ void LocalControlSocket::Accept() {
     if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
       // The one who waits keeps the notifier firing; it may wait until there are files again.
       listening_->setEnabled(false);
-      QTimer::singleShot(kPauseWithoutFiles, listening_, [this] { listening_->setEnabled(true); });
+      resume_.start(kPauseWithoutFiles);
     }
     return;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 #include <functional>
 #include <map>
 #include <memory>
@@ -62,6 +63,7 @@ class LocalControlSocket {
   std::map<int, std::unique_ptr<Client>> clients_;
   State state_ = State::Failed;
   std::string reason_;
+  QTimer resume_;  ///< lets clients in again after the process ran out of files
   QObject owner_;  ///< of all notifiers, which go before the sockets that they watch
 };
 
