@@ -22,7 +22,7 @@
 #include "control/Utf8.h"
 #include "platform/local/ControlSocketPath.h"
 #include "platform/local/LocalClient.h"
-#include "platform/local/RuntimeFolder.h"
+#include "platform/posix/RuntimeFolder.h"
 
 namespace kestrune {
 namespace {
@@ -148,7 +148,7 @@ ExitCode Run(std::span<const std::string> words) {
   }
 
   const std::string path =
-      platform::ControlSocketPath(platform::RuntimeFolder(invocation.Profile), invocation.Unit);
+      platform::ControlSocketPath(platform::RuntimeFolderPath(invocation.Profile), invocation.Unit);
   const platform::AskResult asked = platform::Ask(path, control::ToLine(invocation.Request), kPatience);
   switch (asked.Outcome) {
     case platform::AskOutcome::Answered:

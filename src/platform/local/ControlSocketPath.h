@@ -5,9 +5,8 @@
 
 namespace kestrune::platform {
 
-/// The socket of a unit: kestrune<unit>.sock in the folder. Of a unit's name, letters and digits stand for
-/// themselves and every other byte for "%" and two hexadecimal digits, so that no unit leads out of the
-/// folder.
+/// The socket of a unit in the runtime folder. The unit's text becomes part of a file name as FileNameFor
+/// says, so that no unit leads out of the folder.
 [[nodiscard]] std::string ControlSocketPath(std::string_view folder, std::string_view unit);
 
 }  // namespace kestrune::platform

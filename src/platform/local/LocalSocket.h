@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/local/FileDescriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 namespace kestrune::platform {
 

@@ -6,18 +6,13 @@
 #include <chrono>
 #include <cstddef>
 #include <cstring>
-#include <filesystem>
 #include <utility>
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/local/LocalSocket.h"
-#include "platform/local/RuntimeFolder.h"
 
 namespace kestrune::platform {
 namespace {
@@ -66,26 +61,11 @@ LocalControlSocket::~LocalControlSocket() {
 }
 
 LocalControlSocket::State LocalControlSocket::Open() {
-  reason_ = EnsureRuntimeFolder(std::filesystem::path(path_).parent_path().string());
-  if (!reason_.empty()) return State::Failed;
-
-  // The lock file stays when the process goes: were it removed, two processes could hold locks on two files
-  // of the same name.
-  const std::string lockPath = path_ + ".lock";
-  FileDescriptor lock(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
-  if (!lock.IsOpen()) {
-    reason_ = fmt::format("{} cannot be opened: {}", lockPath, std::strerror(errno));
-    return State::Failed;
+  // EAGAIN: somebody listens, and too many wait to be let in.
+  if (ConnectLocal(path_).IsOpen() || errno == EAGAIN) {
+    reason_ = fmt::format("another process listens on {}", path_);
+    return State::AnotherListens;
   }
-  if (::flock(lock.Number(), LOCK_EX | LOCK_NB) != 0) {
-    const bool held = errno == EWOULDBLOCK;
-    reason_ = held ? fmt::format("{} is held by another process", path_)
-                   : fmt::format("{} cannot be locked: {}", lockPath, std::strerror(errno));
-    return held ? State::HeldByAnotherProcess : State::Failed;
-  }
-  lock_ = std::move(lock);
-
-  // Whoever made what stands there is dead, or it would hold the lock.
   ::unlink(path_.c_str());
   listener_ = ListenLocal(path_);
   if (!listener_.IsOpen()) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/local/FileDescriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 class QSocketNotifier;
 
@@ -17,10 +17,10 @@ namespace kestrune::platform {
 /// Serves lines on a socket of the file system from Qt's event loop: each line that a client sends is handed
 /// to `answer` without its end, and what that gives goes back as one line.
 ///
-/// 1. Of all processes one alone has a path at a time, by a lock on the file beside the socket, which goes
-/// with
-///    its process however that ends. A socket that a dead process left is replaced.
-/// 2. The folder is made the user's alone, and a process of another user is shown out before it is heard.
+/// 1. A socket that a dead process left is replaced; one that still listens is not. Between two processes
+/// that
+///    start at the same moment the unit's lock decides: its holder alone makes this object.
+/// 2. The path lies in the runtime folder, which must exist. A process of another user is shown out unheard.
 /// 3. A client's lines are answered in their order, one after another. While `answer` lets events run, lines
 /// of
 ///    other clients may be answered inside it.
@@ -33,7 +33,7 @@ class LocalControlSocket {
  public:
   using Answer = std::function<std::string(std::string_view line)>;
 
-  enum class State { Listening, HeldByAnotherProcess, Failed };
+  enum class State { Listening, AnotherListens, Failed };
 
   LocalControlSocket(std::string path, Answer answer);
   LocalControlSocket(const LocalControlSocket&) = delete;
@@ -57,7 +57,6 @@ class LocalControlSocket {
 
   std::string path_;
   Answer answer_;
-  FileDescriptor lock_;
   FileDescriptor listener_;
   QSocketNotifier* listening_ = nullptr;
   std::map<int, std::unique_ptr<Client>> clients_;
