@@ -14,6 +14,7 @@
 #include "base/Text.h"
 #include "platform/posix/FileNames.h"
 #include "platform/posix/PosixFiles.h"
+#include "platform/posix/RuntimeFolder.h"
 
 namespace kestrune::platform {
 
@@ -147,12 +148,8 @@ std::string PosixEnvironment::SettingsFolder() const {
 }
 
 std::string PosixEnvironment::RuntimeFolder() const {
-  if (profileFolder_) {
-    std::string folder = InProfile("run");
-    return MakePrivate(folder) ? folder : std::string();
-  }
-  const std::string base = FolderVariable("XDG_RUNTIME_DIR");
-  std::string folder = base.empty() ? fmt::format("/tmp/kestrune-{}", ::geteuid()) : base + "/kestrune";
+  const std::string folder = RuntimeFolderPath(profileFolder_.value_or(""));
+  if (profileFolder_) base::Ignored(MakeFolders(folder, kPrivate));
   return MakePrivate(folder) ? folder : std::string();
 }
 

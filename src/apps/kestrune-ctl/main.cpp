@@ -1,0 +1,176 @@
+// Talks to a running unit: one command, its answer as columns for people or as JSON for machines.
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "base/Version.h"
+#include "control/CommandTable.h"
+#include "control/ConsoleText.h"
+#include "control/LongOptions.h"
+#include "control/PeopleText.h"
+#include "control/Protocol.h"
+#include "control/Utf8.h"
+#include "platform/local/ControlSocketPath.h"
+#include "platform/local/LocalClient.h"
+#include "platform/posix/RuntimeFolder.h"
+
+namespace kestrune {
+namespace {
+
+using control::ExitCode;
+
+/// A unit that waits for the radio, or sleeps through a song's delay, answers late.
+constexpr std::chrono::seconds kPatience{30};
+
+constexpr std::array kOptions{
+    control::LongOption{"--unit", "U", "talk to unit U (one character); without it, to the single unit"},
+    control::LongOption{"--profile", "DIR", "talk to the unit that runs with this profile"},
+    control::LongOption{"--json", "", "write the result as one line of JSON"},
+    control::LongOption{"--help", "", "show this text"},
+    control::LongOption{"--version", "", "show the version"},
+};
+
+struct Invocation {
+  std::string Unit;
+  std::string Profile;
+  bool Json = false;
+  bool Help = false;
+  bool Version = false;
+  control::Request Request;
+  std::string Error;
+};
+
+std::string UsageText() {
+  return "usage: kestrune-ctl [options] COMMAND\n\ncommands:\n" + control::CommandsHelp() + "\noptions:\n" +
+         control::OptionsHelp(kOptions) +
+         "\nexit status: 0 done, 1 refused, 2 wrong use, 3 no such unit running\n";
+}
+
+void Write(std::FILE* stream, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+/// A reason may quote what a unit or a user typed.
+void Complain(std::string_view reason) {
+  Write(stderr, "kestrune-ctl: " + control::Printable(reason) + '\n');
+}
+
+bool IsOneCharacter(std::string_view text) {
+  const std::optional<control::CodePoint> first = control::FirstCodePoint(text);
+  return first && first->Bytes == text.size();
+}
+
+/// What the unit itself would say against the request, said here first.
+std::string WhatIsWrongWith(const control::Request& request) {
+  for (const std::string& argument : request.Arguments) {
+    if (!control::IsUtf8(argument)) return "an argument is not UTF-8";
+  }
+  const auto read = control::RequestFromLine(control::ToLine(request));
+  if (const auto* error = std::get_if<control::ReadError>(&read)) return error->Reason;
+  return control::WhatIsWrong(request).value_or("");
+}
+
+Invocation Parse(std::span<const std::string> words) {
+  Invocation invocation;
+  const control::OptionsRead read = control::ReadLongOptions(kOptions, words);
+  invocation.Error = read.Error;
+  for (const control::GivenOption& given : read.Given) {
+    if (given.Name == "--json") invocation.Json = true;
+    if (given.Name == "--help") invocation.Help = true;
+    if (given.Name == "--version") invocation.Version = true;
+    if (given.Name == "--unit") {
+      invocation.Unit = given.Value;
+      if (!IsOneCharacter(given.Value)) invocation.Error = "--unit takes one character";
+    }
+    if (given.Name == "--profile") {
+      invocation.Profile = given.Value;
+      if (given.Value.empty()) invocation.Error = "--profile takes a folder, not an empty text";
+    }
+  }
+  if (!invocation.Error.empty() || invocation.Help || invocation.Version) return invocation;
+  if (read.Rest.empty()) {
+    invocation.Error = "no command given";
+    return invocation;
+  }
+  invocation.Request = {read.Rest.front(), {read.Rest.begin() + 1, read.Rest.end()}};
+  invocation.Error = WhatIsWrongWith(invocation.Request);
+  return invocation;
+}
+
+ExitCode Show(const Invocation& invocation, std::string_view line) {
+  const std::optional<control::Reply> reply = control::ReplyFromLine(line);
+  if (!reply) {
+    Complain("the unit's answer makes no sense");
+    return ExitCode::Refused;
+  }
+  if (reply->Exit != ExitCode::Done) {
+    Complain(reply->Reason);
+    return reply->Exit;
+  }
+  if (invocation.Json) {
+    Write(stdout, reply->Result.dump() + '\n');
+    return ExitCode::Done;
+  }
+  const std::optional<std::string> text = control::PeopleText(invocation.Request.Command, reply->Result);
+  if (!text) {
+    Complain("the unit's answer has a shape that is not known here; try --json");
+    return ExitCode::Refused;
+  }
+  Write(stdout, *text);
+  return ExitCode::Done;
+}
+
+ExitCode Run(std::span<const std::string> words) {
+  const Invocation invocation = Parse(words);
+  if (!invocation.Error.empty()) {
+    Complain(invocation.Error);
+    Write(stderr, "try kestrune-ctl --help\n");
+    return ExitCode::WrongUse;
+  }
+  if (invocation.Help) {
+    Write(stdout, UsageText());
+    return ExitCode::Done;
+  }
+  if (invocation.Version) {
+    Write(stdout, fmt::format("kestrune-ctl {}.{}.{}\n", base::kVersionMajor, base::kVersionMinor,
+                              base::kVersionRevision));
+    return ExitCode::Done;
+  }
+
+  const std::string path =
+      platform::ControlSocketPath(platform::RuntimeFolderPath(invocation.Profile), invocation.Unit);
+  const platform::AskResult asked = platform::Ask(path, control::ToLine(invocation.Request), kPatience);
+  switch (asked.Outcome) {
+    case platform::AskOutcome::Answered:
+      return Show(invocation, asked.Answer);
+    case platform::AskOutcome::NobodyListens:
+      Complain(invocation.Unit.empty() ? "no unit is running"
+                                       : fmt::format("no unit {} is running", invocation.Unit));
+      return ExitCode::NoSuchUnit;
+    case platform::AskOutcome::Foreign:
+      Complain(fmt::format("{} belongs to another user", path));
+      return ExitCode::NoSuchUnit;
+    case platform::AskOutcome::NoAnswer:
+      break;
+  }
+  Complain("the unit does not answer");
+  return ExitCode::Refused;
+}
+
+}  // namespace
+}  // namespace kestrune
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
+  return static_cast<int>(kestrune::Run(words));
+}

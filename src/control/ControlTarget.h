@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "control/Reports.h"
+
+namespace kestrune::control {
+
+struct CommandResult {
+  bool Done = false;
+  std::string Reason;  ///< one line for a person, if it was not done
+};
+
+struct SettingResult {
+  bool Done = false;
+  std::string Reason;
+  std::string Value;
+};
+
+/// What the control socket can do to a unit. All calls come on the main thread, also from within an event
+/// pump of a call that waits for the radio, and none throws. Arguments have been checked by the command
+/// table.
+class ControlTarget {
+ public:
+  virtual ~ControlTarget() = default;
+
+  [[nodiscard]] virtual StatusReport Status() = 0;
+  /// In the order of the channel numbers.
+  [[nodiscard]] virtual std::vector<ChannelReport> Channels() = 0;
+  /// The three doors of the user: the two buttons and the channel.
+  [[nodiscard]] virtual CommandResult Record() = 0;
+  [[nodiscard]] virtual CommandResult Stop() = 0;
+  [[nodiscard]] virtual CommandResult Tune(int channelNumber) = 0;  ///< 1 to 255
+  [[nodiscard]] virtual CommandResult Mute(bool muted) = 0;
+  /// The newest lines of the log, oldest first.
+  [[nodiscard]] virtual std::vector<std::string> LogLines(std::size_t atMost) = 0;
+  [[nodiscard]] virtual SettingResult Get(std::string_view key) = 0;
+  [[nodiscard]] virtual CommandResult Set(std::string_view key, std::string_view value) = 0;
+  /// Asks for the end of the program; the end itself comes after the call has returned, so that the reply
+  /// still goes out.
+  [[nodiscard]] virtual CommandResult Quit() = 0;
+};
+
+}  // namespace kestrune::control

@@ -1,0 +1,112 @@
+#include "control/PeopleText.h"
+
+#include <cstdint>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "control/ConsoleText.h"
+
+namespace kestrune::control {
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+std::string Length(std::int64_t milliseconds) {
+  const std::int64_t seconds = milliseconds / 1000;
+  return fmt::format("{}:{:02}", seconds / 60, seconds % 60);
+}
+
+/// The texts that are not empty, with a separator between them.
+std::string Joined(std::initializer_list<std::string_view> parts, std::string_view separator) {
+  std::string text;
+  for (const std::string_view part : parts) {
+    if (part.empty()) continue;
+    if (!text.empty()) text += separator;
+    text += part;
+  }
+  return text;
+}
+
+std::string OrNone(std::string text) {
+  return text.empty() ? "none" : std::move(text);
+}
+
+std::string RadioText(const StatusReport& report) {
+  if (report.Port == 0) return "none found";
+  return Joined({report.RadioID, fmt::format("on port {}", report.Port)}, " ");
+}
+
+std::string RecordingText(const StatusReport& report) {
+  if (report.Recording.empty()) return "no";
+  if (!report.RecordRequested || report.WaitingForNextSong) return report.Recording;
+  return fmt::format("{}, {}", report.Recording, Length(report.CaptureLengthMs));
+}
+
+std::string ProgramText(const StatusReport& report) {
+  return Joined({fmt::format("Kestrune {}", report.Version),
+                 report.Unit.empty() ? std::string() : fmt::format("unit {}", report.Unit),
+                 report.Loading ? "starting" : ""},
+                ", ");
+}
+
+std::string StatusText(const StatusReport& report) {
+  return Columns({
+      {"Program", ProgramText(report)},
+      {"Radio", RadioText(report)},
+      {"Channel", Joined({fmt::format("{}", report.ChannelNumber), report.Station, report.Genre}, ", ")},
+      {"Playing", OrNone(Joined({report.Artist, report.Song}, " - "))},
+      {"Recording", RecordingText(report)},
+      {"Songs", fmt::format("{} recorded, {} too short, {} too long, {} restricted", report.RecordedCount,
+                            report.TooShortCount, report.TooLongCount, report.RestrictedCount)},
+      {"Channels", fmt::format("{}{}", report.ChannelCount, report.ChannelsLoading ? ", loading" : "")},
+      {"Schedule",
+       report.ActiveSchedule == 0 ? "none running" : fmt::format("entry {}", report.ActiveSchedule)},
+      {"Format", Joined({report.FileFormat, report.FormatDescription}, ", ")},
+      {"Folder", report.FileDir},
+      {"Input", OrNone(report.InputDevice)},
+      {"Signal", fmt::format("satellite 1 {}%, satellite 2 {}%, terrestrial {}%", report.Satellite1,
+                             report.Satellite2, report.Terrestrial)},
+      {"Samples", fmt::format("{} captured, {} lost", report.SamplesCaptured, report.SamplesLost)},
+  });
+}
+
+std::string ChannelsText(const std::vector<ChannelReport>& channels) {
+  Rows rows{{"Channel", "Station", "Genre", "Artist", "Song"}};
+  for (const ChannelReport& channel : channels) {
+    rows.push_back(
+        {fmt::format("{:>7}", channel.Number), channel.Station, channel.Genre, channel.Artist, channel.Song});
+  }
+  return Columns(rows);
+}
+
+std::optional<std::string> LinesText(const Json& lines) {
+  if (!lines.is_array()) return std::nullopt;
+  std::string text;
+  for (const Json& line : lines) {
+    if (!line.is_string()) return std::nullopt;
+    text += Printable(line.get_ref<const std::string&>()) + '\n';
+  }
+  return text;
+}
+
+}  // namespace
+
+std::optional<std::string> PeopleText(std::string_view command, const Json& result) {
+  if (command == "status") {
+    const std::optional<StatusReport> report = StatusFromJson(result);
+    return report ? std::optional(StatusText(*report)) : std::nullopt;
+  }
+  if (command == "channels") {
+    const std::optional<std::vector<ChannelReport>> channels = ChannelsFromJson(result);
+    return channels ? std::optional(ChannelsText(*channels)) : std::nullopt;
+  }
+  if (command == "log") return LinesText(result);
+  if (command == "get") {
+    if (!result.is_string()) return std::nullopt;
+    return Printable(result.get_ref<const std::string&>()) + '\n';
+  }
+  return result.is_null() ? std::optional(std::string()) : std::nullopt;
+}
+
+}  // namespace kestrune::control

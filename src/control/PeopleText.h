@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "control/ReportJson.h"
+
+namespace kestrune::control {
+
+/// A command's result as people read it: lines, each with its end; empty if the command has no result.
+/// Nothing if the result does not have the shape that this command's results have.
+[[nodiscard]] std::optional<std::string> PeopleText(std::string_view command, const Json& result);
+
+}  // namespace kestrune::control

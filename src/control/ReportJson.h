@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "control/Reports.h"
+
+namespace kestrune::control {
+
+/// Members keep the order in which they are told.
+using Json = nlohmann::ordered_json;
+
+[[nodiscard]] Json ToJson(const StatusReport& report);
+[[nodiscard]] Json ToJson(const std::vector<ChannelReport>& channels);
+
+/// Nothing if a member is missing or of another type; members that are unknown here are let by.
+[[nodiscard]] std::optional<StatusReport> StatusFromJson(const Json& json);
+[[nodiscard]] std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json);
+
+}  // namespace kestrune::control

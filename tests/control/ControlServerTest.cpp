@@ -1,0 +1,123 @@
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "control/ControlServer.h"
+#include "support/FakeControlTarget.h"
+
+namespace kestrune::control {
+namespace {
+
+using test::FakeControlTarget;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr std::string_view kDone = R"({"exit":0,"reason":"","result":null})";
+
+struct Road {
+  const char* Line;
+  const char* Call;
+};
+
+TEST(ControlServer, EachCommandReachesItsDoor) {
+  constexpr Road kRoads[] = {
+      {R"({"command":"record"})", "Record"},
+      {R"({"command":"stop"})", "Stop"},
+      {R"({"command":"tune","arguments":["44"]})", "Tune 44"},
+      {R"({"command":"tune","arguments":["255"]})", "Tune 255"},
+      {R"({"command":"mute","arguments":["on"]})", "Mute true"},
+      {R"({"command":"mute","arguments":["off"]})", "Mute false"},
+      {R"({"command":"set","arguments":["AGCLowLevel","-10"]})", "Set AGCLowLevel=-10"},
+      {R"({"command":"set","arguments":["FileDir",""]})", "Set FileDir="},
+      {R"({"command":"quit"})", "Quit"},
+  };
+  for (const Road& road : kRoads) {
+    FakeControlTarget target;
+    EXPECT_EQ(Dispatch(target, road.Line), kDone) << road.Line;
+    EXPECT_THAT(target.Calls, ElementsAre(road.Call));
+
+    target.NextResult = {false, "the radio is busy"};
+    EXPECT_EQ(Dispatch(target, road.Line), R"({"exit":1,"reason":"the radio is busy","result":null})");
+  }
+}
+
+TEST(ControlServer, StatusAnswersWithTheReport) {
+  FakeControlTarget target;
+  target.NextStatus.Station = "Fred";
+  const std::string reply = Dispatch(target, R"({"command":"status"})");
+  EXPECT_THAT(reply, StartsWith(R"({"exit":0,"reason":"","result":{"unit":"","version":"",)"));
+  EXPECT_THAT(reply, HasSubstr(R"("station":"Fred")"));
+  EXPECT_THAT(target.Calls, ElementsAre("Status"));
+}
+
+TEST(ControlServer, ChannelsAnswersWithTheRows) {
+  FakeControlTarget target;
+  target.NextChannels = {{8, "80s on 8", "Decades", "a-ha", "Take On Me"}};
+  EXPECT_EQ(Dispatch(target, R"({"command":"channels"})"),
+            R"({"exit":0,"reason":"","result":[{"number":8,"station":"80s on 8","genre":"Decades",)"
+            R"("artist":"a-ha","song":"Take On Me"}]})");
+  EXPECT_THAT(target.Calls, ElementsAre("Channels"));
+}
+
+TEST(ControlServer, LogAsksForTwentyLinesOrTheGivenNumber) {
+  FakeControlTarget target;
+  target.Log = {"one", "two"};
+  EXPECT_EQ(Dispatch(target, R"({"command":"log"})"), R"({"exit":0,"reason":"","result":["one","two"]})");
+  EXPECT_THAT(Dispatch(target, R"({"command":"log","arguments":["5000"]})"), HasSubstr("one"));
+  EXPECT_THAT(target.Calls, ElementsAre("LogLines 20", "LogLines 5000"));
+}
+
+TEST(ControlServer, AnEmptyLogIsAnEmptyArray) {
+  FakeControlTarget target;
+  EXPECT_EQ(Dispatch(target, R"({"command":"log"})"), R"({"exit":0,"reason":"","result":[]})");
+}
+
+TEST(ControlServer, GetAnswersWithTheValueOrIsRefused) {
+  FakeControlTarget target;
+  target.NextSetting = {true, "", "MP3"};
+  EXPECT_EQ(Dispatch(target, R"({"command":"get","arguments":["FileFormat"]})"),
+            R"({"exit":0,"reason":"","result":"MP3"})");
+  target.NextSetting = {false, "there is no setting Foo", "left over"};
+  EXPECT_EQ(Dispatch(target, R"({"command":"get","arguments":["Foo"]})"),
+            R"({"exit":1,"reason":"there is no setting Foo","result":null})");
+  EXPECT_THAT(target.Calls, ElementsAre("Get FileFormat", "Get Foo"));
+}
+
+TEST(ControlServer, AWrongRequestNeverReachesTheTarget) {
+  const std::vector<std::string> lines{
+      "",
+      "quit",
+      R"({"command":"quit","arguments":["now"]})",
+      R"({"command":"quit","command":"quit"})",
+      R"({"command":"tune","arguments":[44]})",
+      R"({"command":"tune","arguments":["256"]})",
+      R"({"command":"schedule"})",
+      R"({"command":"lists"})",
+      R"({"command":"QUIT"})",
+      std::string(70000, 'x'),
+      std::string(50000, '['),
+      "{\"command\":\"quit\",\"arguments\":[\"\xC0\xAF\"]}",
+  };
+  FakeControlTarget target;
+  for (const std::string& line : lines) {
+    const std::string reply = Dispatch(target, line);
+    EXPECT_THAT(reply, StartsWith(R"({"exit":2,"reason":")")) << line;
+    EXPECT_EQ(reply.find('\n'), std::string::npos);
+    EXPECT_LT(reply.size(), 500U);
+  }
+  EXPECT_THAT(target.Calls, IsEmpty());
+}
+
+TEST(ControlServer, StrangeBytesOfAStationGoOutAsOneLineOfUtf8) {
+  FakeControlTarget target;
+  target.NextStatus.Station = "a\nb\xFF\x1B";
+  EXPECT_THAT(Dispatch(target, R"({"command":"status"})"), HasSubstr("\"a\\nb\xEF\xBF\xBD\\u001b\""));
+}
+
+}  // namespace
+}  // namespace kestrune::control

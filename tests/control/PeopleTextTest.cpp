@@ -1,0 +1,130 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "control/PeopleText.h"
+
+namespace kestrune::control {
+namespace {
+
+StatusReport Busy() {
+  StatusReport report;
+  report.Unit = "2";
+  report.Version = "3.0.29";
+  report.Port = 3;
+  report.RadioID = "ABC12345";
+  report.ChannelNumber = 44;
+  report.Station = "Fred";
+  report.Genre = "Rock";
+  report.Artist = "The Cure";
+  report.Song = "Lullaby";
+  report.Recording = "Recording";
+  report.RecordRequested = true;
+  report.CaptureLengthMs = 61'999;
+  report.RecordedCount = 5;
+  report.TooShortCount = 1;
+  report.RestrictedCount = 2;
+  report.ChannelCount = 123;
+  report.FileFormat = "MP3";
+  report.FormatDescription = "160 kbps";
+  report.FileDir = "/music/";
+  report.InputDevice = "Line In";
+  report.Satellite1 = 60;
+  report.Satellite2 = 70;
+  report.Terrestrial = 80;
+  report.SamplesCaptured = 44100;
+  return report;
+}
+
+std::string Status(const StatusReport& report) {
+  return PeopleText("status", ToJson(report)).value_or("none");
+}
+
+TEST(PeopleText, ABusyUnitsStatus) {
+  EXPECT_EQ(Status(Busy()),
+            "Program    Kestrune 3.0.29, unit 2\n"
+            "Radio      ABC12345 on port 3\n"
+            "Channel    44, Fred, Rock\n"
+            "Playing    The Cure - Lullaby\n"
+            "Recording  Recording, 1:01\n"
+            "Songs      5 recorded, 1 too short, 0 too long, 2 restricted\n"
+            "Channels   123\n"
+            "Schedule   none running\n"
+            "Format     MP3, 160 kbps\n"
+            "Folder     /music/\n"
+            "Input      Line In\n"
+            "Signal     satellite 1 60%, satellite 2 70%, terrestrial 80%\n"
+            "Samples    44100 captured, 0 lost\n");
+}
+
+TEST(PeopleText, AStartingUnitsStatus) {
+  StatusReport report;
+  report.Version = "3.0.29";
+  report.Loading = true;
+  report.ChannelsLoading = true;
+  EXPECT_EQ(Status(report),
+            "Program    Kestrune 3.0.29, starting\n"
+            "Radio      none found\n"
+            "Channel    0\n"
+            "Playing    none\n"
+            "Recording  no\n"
+            "Songs      0 recorded, 0 too short, 0 too long, 0 restricted\n"
+            "Channels   0, loading\n"
+            "Schedule   none running\n"
+            "Format\n"
+            "Folder\n"
+            "Input      none\n"
+            "Signal     satellite 1 0%, satellite 2 0%, terrestrial 0%\n"
+            "Samples    0 captured, 0 lost\n");
+}
+
+TEST(PeopleText, NoLengthWhileWaiting) {
+  StatusReport report = Busy();
+  report.Recording = "Waiting for next song";
+  report.WaitingForNextSong = true;
+  EXPECT_NE(Status(report).find("Recording  Waiting for next song\n"), std::string::npos);
+}
+
+TEST(PeopleText, ARunningScheduleIsNamed) {
+  StatusReport report = Busy();
+  report.ActiveSchedule = 10;
+  EXPECT_NE(Status(report).find("Schedule   entry 10\n"), std::string::npos);
+}
+
+TEST(PeopleText, ChannelsStandInColumns) {
+  const std::vector<ChannelReport> channels{{8, "80s on 8", "Decades", "Beyonc\xC3\xA9", "Halo"},
+                                            {144, "Fred", "", "", ""}};
+  EXPECT_EQ(PeopleText("channels", ToJson(channels)),
+            "Channel  Station   Genre    Artist   Song\n"
+            "      8  80s on 8  Decades  Beyonc\xC3\xA9  Halo\n"
+            "    144  Fred\n");
+}
+
+TEST(PeopleText, LogLinesAndValuesStandAsTheyAre) {
+  EXPECT_EQ(PeopleText("log", Json::array({"one", "two"})), "one\ntwo\n");
+  EXPECT_EQ(PeopleText("log", Json::array()), "");
+  EXPECT_EQ(PeopleText("get", Json("MP3")), "MP3\n");
+  EXPECT_EQ(PeopleText("get", Json("a\x1B"
+                                   "b")),
+            "a\xEF\xBF\xBD"
+            "b\n");
+}
+
+TEST(PeopleText, ACommandWithoutResultSaysNothing) {
+  for (const char* command : {"record", "stop", "tune", "mute", "set", "quit"}) {
+    EXPECT_EQ(PeopleText(command, Json()), "") << command;
+  }
+}
+
+TEST(PeopleText, AResultOfAnotherShapeIsNone) {
+  EXPECT_FALSE(PeopleText("status", Json::object()));
+  EXPECT_FALSE(PeopleText("channels", Json::object()));
+  EXPECT_FALSE(PeopleText("log", Json("x")));
+  EXPECT_FALSE(PeopleText("log", Json::array({1})));
+  EXPECT_FALSE(PeopleText("get", Json(1)));
+  EXPECT_FALSE(PeopleText("stop", Json(1)));
+}
+
+}  // namespace
+}  // namespace kestrune::control

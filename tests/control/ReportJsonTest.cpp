@@ -1,0 +1,118 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "control/ReportJson.h"
+
+namespace kestrune::control {
+namespace {
+
+StatusReport FullStatus() {
+  StatusReport report;
+  report.Loading = true;
+  report.Unit = "2";
+  report.Version = "3.0.29";
+  report.Port = 3;
+  report.RadioID = "ABC12345";
+  report.ChannelNumber = 44;
+  report.Station = "Fred";
+  report.Genre = "Rock";
+  report.Artist = "The Cure";
+  report.Song = "Lullaby";
+  report.Recording = "Recording";
+  report.RecordRequested = true;
+  report.WaitingForNextSong = true;
+  report.CaptureLengthMs = 5'000'000'000;
+  report.RecordedCount = 1;
+  report.TooShortCount = 2;
+  report.TooLongCount = 3;
+  report.RestrictedCount = 4;
+  report.ChannelsLoading = true;
+  report.ChannelCount = 123;
+  report.ActiveSchedule = 5;
+  report.FileFormat = "MP3";
+  report.FormatDescription = "160 kbps";
+  report.FileDir = "/music/";
+  report.InputDevice = "Line In";
+  report.Satellite1 = 60;
+  report.Satellite2 = 70;
+  report.Terrestrial = 80;
+  report.SamplesCaptured = 9'000'000'000;
+  report.SamplesLost = 6;
+  return report;
+}
+
+constexpr const char* kFullStatus =
+    R"({"unit":"2","version":"3.0.29","loading":true,"port":3,"radioID":"ABC12345","channelNumber":44,)"
+    R"("station":"Fred","genre":"Rock","artist":"The Cure","song":"Lullaby","recording":"Recording",)"
+    R"("recordRequested":true,"waitingForNextSong":true,"captureLengthMs":5000000000,"recordedCount":1,)"
+    R"("tooShortCount":2,"tooLongCount":3,"restrictedCount":4,"channelsLoading":true,"channelCount":123,)"
+    R"("activeSchedule":5,"fileFormat":"MP3","formatDescription":"160 kbps","fileDir":"/music/",)"
+    R"("inputDevice":"Line In","satellite1":60,"satellite2":70,"terrestrial":80,)"
+    R"("samplesCaptured":9000000000,"samplesLost":6})";
+
+TEST(ReportJson, StatusMembersHaveTheirNames) {
+  EXPECT_EQ(ToJson(FullStatus()).dump(), kFullStatus);
+}
+
+TEST(ReportJson, AStatusComesBackAsItWent) {
+  const auto report = StatusFromJson(Json::parse(kFullStatus));
+  ASSERT_TRUE(report);
+  EXPECT_EQ(ToJson(*report).dump(), kFullStatus);
+  EXPECT_EQ(report->SamplesCaptured, 9'000'000'000);
+  EXPECT_EQ(report->RadioID, "ABC12345");
+}
+
+TEST(ReportJson, AStatusWithoutAnyOneMemberIsNone) {
+  const Json full = Json::parse(kFullStatus);
+  for (const auto& [name, value] : full.items()) {
+    Json without = full;
+    without.erase(name);
+    EXPECT_FALSE(StatusFromJson(without)) << name;
+    Json other = full;
+    other[name] = Json::array();
+    EXPECT_FALSE(StatusFromJson(other)) << name;
+  }
+}
+
+TEST(ReportJson, ANumberOutsideItsWidthIsNone) {
+  Json json = Json::parse(kFullStatus);
+  json["port"] = 5'000'000'000;
+  EXPECT_FALSE(StatusFromJson(json));
+}
+
+TEST(ReportJson, UnknownMembersAreLetBy) {
+  Json json = Json::parse(kFullStatus);
+  json["later"] = 1;
+  EXPECT_TRUE(StatusFromJson(json));
+}
+
+TEST(ReportJson, ChannelMembersHaveTheirNames) {
+  const std::vector<ChannelReport> channels{{8, "80s on 8", "Decades", "a-ha", "Take On Me"},
+                                            {9, "", "", "", ""}};
+  const std::string text =
+      R"([{"number":8,"station":"80s on 8","genre":"Decades","artist":"a-ha","song":"Take On Me"},)"
+      R"({"number":9,"station":"","genre":"","artist":"","song":""}])";
+  EXPECT_EQ(ToJson(channels).dump(), text);
+  const auto back = ChannelsFromJson(Json::parse(text));
+  ASSERT_TRUE(back);
+  EXPECT_EQ(ToJson(*back).dump(), text);
+}
+
+TEST(ReportJson, NoChannelsAreAnEmptyArray) {
+  EXPECT_EQ(ToJson(std::vector<ChannelReport>{}).dump(), "[]");
+  EXPECT_TRUE(ChannelsFromJson(Json::parse("[]"))->empty());
+}
+
+TEST(ReportJson, WhatIsNoChannelListIsNone) {
+  for (const char* text : {"null", "{}", "[1]", "[{}]", R"([{"number":"8"}])", "[[]]"}) {
+    EXPECT_FALSE(ChannelsFromJson(Json::parse(text))) << text;
+  }
+  for (const char* text : {"null", "{}", "[]", "1", "\"\""}) {
+    EXPECT_FALSE(StatusFromJson(Json::parse(text))) << text;
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::control

@@ -1,0 +1,46 @@
+// Whatever comes in on the control socket is answered with one line that is a reply, and a request that the
+// protocol refuses reaches nothing.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "control/ControlServer.h"
+#include "control/PeopleText.h"
+#include "control/Protocol.h"
+#include "support/FakeControlTarget.h"
+
+using namespace kestrune;
+
+namespace {
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string line(reinterpret_cast<const char*>(data), size);
+  test::FakeControlTarget target;
+  target.NextStatus.Station = line;
+  target.NextSetting.Value = line;
+  target.Log = {line};
+  const std::string answer = control::Dispatch(target, line);
+  Require(answer.find('\n') == std::string::npos);
+  const auto reply = control::ReplyFromLine(answer);
+  Require(reply.has_value());
+  Require((reply->Exit == control::ExitCode::WrongUse) == target.Calls.empty());
+
+  // The client's side: any line may come back to it.
+  if (const auto hostile = control::ReplyFromLine(line)) {
+    for (const char* command : {"status", "channels", "log", "get", "stop"}) {
+      if (const auto text = control::PeopleText(command, hostile->Result)) {
+        Require(text->find('\x1B') == std::string::npos);
+      }
+    }
+  }
+  return 0;
+}
