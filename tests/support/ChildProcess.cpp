@@ -23,13 +23,16 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const Variab
     for (const auto& [other, value] : variables) replaced = replaced || other == name;
     if (!replaced) environment.push_back(text);
   }
-  for (const auto& [name, value] : variables) environment.push_back(name + "=" + value);
+  for (const auto& [name, value] : variables)
+    environment.push_back(std::string(name).append("=").append(value));
 
   std::vector<std::string> words = command;
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   std::vector<char*> settings;
+  settings.reserve(environment.size() + 1);
   for (std::string& setting : environment) settings.push_back(setting.data());
   settings.push_back(nullptr);
 

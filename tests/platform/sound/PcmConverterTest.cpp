@@ -58,7 +58,7 @@ TEST(PcmConverter, EveryRateKeepsTheToneAndTheLength) {
       double cosine = 0;
       double power = 0;
       for (std::int32_t at = 0; at < rate; ++at) {
-        const double value = out[static_cast<std::size_t>((at + rate) * channels)];
+        const double value = out[static_cast<std::size_t>(at + rate) * static_cast<std::size_t>(channels)];
         sine += value * std::sin(2 * std::numbers::pi * kHertz * at / rate);
         cosine += value * std::cos(2 * std::numbers::pi * kHertz * at / rate);
         power += value * value;

@@ -34,7 +34,7 @@ class PipeSourceTest : public ::testing::Test {
   ~PipeSourceTest() override { std::filesystem::remove_all(Folder); }
 
   std::filesystem::path Fifo() {
-    const auto path = Folder / "fifo";
+    auto path = Folder / "fifo";
     EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
     return path;
   }

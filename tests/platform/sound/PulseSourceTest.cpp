@@ -35,7 +35,7 @@ class PulseSourceTest : public ::testing::Test {
   }
 
   std::filesystem::path Numbers(std::uint32_t count, std::uint32_t first = 1) {
-    const auto file = Server.Folder() / ("numbers" + std::to_string(first) + ".raw");
+    auto file = Server.Folder() / ("numbers" + std::to_string(first) + ".raw");
     WriteNumberedFrames(file, count, first, PrivatePulse::kLeadIn);
     return file;
   }
