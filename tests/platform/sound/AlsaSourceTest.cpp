@@ -15,6 +15,7 @@
 #include "platform/sound/FrameLedger.h"
 #include "support/PrivatePulse.h"
 #include "support/RealEventLoop.h"
+#include "support/ScopedVariables.h"
 #include "support/SimulatedSoundSource.h"
 
 namespace kestrune::platform {
@@ -31,7 +32,7 @@ class AlsaSourceTest : public ::testing::Test {
   void SetUp() override {
     if (!PrivatePulse::Installed()) GTEST_SKIP() << "no PulseAudio";
     ASSERT_TRUE(Server.Start());
-    const auto file = Server.Folder() / "asound.conf";
+    const auto& file = Configuration;
     const std::string door = "type pulse server \"" + Server.Server() + "\" device \"radio.monitor\"";
     std::ofstream(file) << "</usr/share/alsa/alsa.conf>\n"
                         << "pcm.zradio { " << door << " hint { show on description \"Z radio\" } }\n"
@@ -42,11 +43,12 @@ class AlsaSourceTest : public ::testing::Test {
                         << "pcm.narrow { type multi slaves.a { pcm emulated channels 2 }"
                            " bindings.0 { slave a channel 0 } bindings.1 { slave a channel 1 } }\n"
                         << "pcm.!default { " << door << " hint { show on description \"Default\" } }\n";
-    setenv("ALSA_CONFIG_PATH", file.c_str(), 1);
-    setenv("HOME", Server.Folder().c_str(), 1);
   }
 
   PrivatePulse Server;
+  std::filesystem::path Configuration = Server.Folder() / "asound.conf";
+  test::ScopedVariables Variables{Server.Environment()};
+  test::ScopedVariables AlsaVariables{{{"ALSA_CONFIG_PATH", Configuration.string()}}};
   CollectingSink Sink;
 };
 

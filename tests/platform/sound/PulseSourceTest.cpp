@@ -16,6 +16,7 @@
 #include "platform/sound/FrameLedger.h"
 #include "support/PrivatePulse.h"
 #include "support/RealEventLoop.h"
+#include "support/ScopedVariables.h"
 #include "support/SimulatedSoundSource.h"
 
 namespace kestrune::platform {
@@ -45,10 +46,12 @@ class PulseSourceTest : public ::testing::Test {
                        "module-sine-source source_name=b_input source_properties=device.description=Zither",
                        "module-sine-source source_name=a_input source_properties=device.description=Zither",
                        "module-sine-source source_name=c_input source_properties=device.description=Banjo"}};
+  // The client library keeps files of its own in the home folder.
+  test::ScopedVariables Variables{Server.Environment()};
   RealEventLoop Loop;
 };
 
-TEST(PulseSource, WithoutAServerThereIsNothingAndNothingHangs) {
+TEST_F(PulseSourceTest, WithoutAServerThereIsNothingAndNothingHangs) {
   PulseSource source("unix:/nowhere/native");
   CollectingSink sink;
   EXPECT_FALSE(source.Reachable());
@@ -80,7 +83,6 @@ TEST_F(PulseSourceTest, ADeviceThatTheServerDoesNotHaveIsNotUsable) {
   EXPECT_FALSE(source.Usable("other"));
   const std::string error = source.Open("other", {}, sink);
   EXPECT_NE(error, "");
-  std::cout << "error: " << error << '\n';
   // The stream of the failed opening is not tried again behind the caller's back.
   EXPECT_EQ(source.Open("radio.monitor", {}, sink), "");
   EXPECT_TRUE(sink.WaitFor(44100, milliseconds(5000)));

@@ -5,6 +5,7 @@
 #include "platform/pipe/PipeSource.h"
 #include "platform/pulse/PulseSource.h"
 #include "support/PrivatePulse.h"
+#include "support/ScopedVariables.h"
 
 namespace kestrune::apps {
 namespace {
@@ -34,11 +35,10 @@ TEST(SoundInput, AnEmptyTextTakesTheSoundServerIfOneAnswers) {
   if (!test::PrivatePulse::Installed()) GTEST_SKIP() << "no PulseAudio";
   test::PrivatePulse server;
   ASSERT_TRUE(server.Start());
-  setenv("PULSE_SERVER", server.Server().c_str(), 1);
+  const test::ScopedVariables variables(server.Environment());
   EXPECT_TRUE(Is<platform::PulseSource>(MakeSoundSource("")));
   server.Kill();
   EXPECT_TRUE(Is<platform::AlsaSource>(MakeSoundSource("")));
-  unsetenv("PULSE_SERVER");
 }
 
 }  // namespace
