@@ -134,6 +134,7 @@ TEST(GainControl, NothingEverClips) {
     }
   }
   std::vector<std::int16_t> extremes;
+  extremes.reserve(20000);
   for (int at = 0; at < 20000; ++at) extremes.push_back(random() % 2 == 0 ? INT16_MIN : INT16_MAX);
   const auto original = extremes;
   control.Process(extremes);

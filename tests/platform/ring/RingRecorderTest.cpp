@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <iostream>
 #include <memory>
 #include <random>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -401,6 +404,71 @@ TEST_F(RingRecorderTest, TheGainControlWorksOnWhatIsHandedOverWhenItIsOn) {
   Loop.Run(milliseconds(500));
   EXPECT_EQ(std::abs(Taken.front()), 100);
   EXPECT_EQ(std::abs(Taken.back()), 100);
+}
+
+/// Delivers numbered stereo frames from a thread of its own as fast as it can, fewer than a ring holds, and
+/// then tells of one that it lost.
+class ThreadedSource final : public SoundSource {
+ public:
+  static constexpr std::uint32_t kFrames = 200'000;
+
+  [[nodiscard]] std::vector<SoundDevice> Devices() override { return {{"Thread", "thread"}}; }
+  [[nodiscard]] bool Usable(const std::string& /*id*/) override { return true; }
+  [[nodiscard]] std::string Open(const std::string& /*id*/, const PcmFormat& /*format*/,
+                                 SampleSink& sink) override {
+    thread_ = std::thread([this, &sink] {
+      std::vector<std::int16_t> piece;
+      for (std::uint32_t frame = 0; frame < kFrames && !stop_; frame += 100) {
+        piece.clear();
+        for (std::uint32_t number = frame; number < frame + 100; ++number) {
+          piece.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(number)));
+          piece.push_back(static_cast<std::int16_t>(static_cast<std::uint16_t>(number >> 16)));
+        }
+        sink.OnSamples(piece);
+      }
+      sink.OnLost(1);
+    });
+    return {};
+  }
+  void Close() override {
+    stop_ = true;
+    if (thread_.joinable()) thread_.join();
+    stop_ = false;
+  }
+
+ private:
+  std::atomic<bool> stop_{false};
+  std::thread thread_;
+};
+
+TEST(RingRecorderThreads, CutsWhileTheSourcesThreadDeliversLoseNothing) {
+  const auto seed = std::random_device{}();
+  std::cout << "seed " << seed << '\n';
+  std::mt19937 random(seed);
+  SimulatedEventLoop loop;
+  ThreadedSource source;
+  RingRecorder recorder(loop, source);
+  std::vector<std::int16_t> taken;
+  recorder.SetBlockHandler([&] {
+    const auto block = recorder.GetBlock();
+    taken.insert(taken.end(), block.begin(), block.end());
+  });
+  // Each format opens the source, and with it its thread, anew.
+  for (const std::int32_t rate : {44100, 8000, 44100}) {
+    taken.clear();
+    const std::int64_t lostBefore = recorder.FramesLost();
+    recorder.SetFormat({rate, 2});
+    while (recorder.FramesLost() == lostBefore || taken.size() < 2 * std::size_t{ThreadedSource::kFrames}) {
+      ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+      loop.Run(milliseconds(random() % 150));
+      recorder.Stop();
+    }
+    EXPECT_EQ(recorder.FramesLost(), lostBefore + 1);
+    const auto frames = SimulatedSoundSource::FrameNumbers(taken);
+    ASSERT_EQ(frames.size(), ThreadedSource::kFrames);
+    for (std::uint32_t number = 0; number < ThreadedSource::kFrames; ++number)
+      ASSERT_EQ(frames[number], number);
+  }
 }
 
 TEST_F(RingRecorderTest, DestroyingItClosesTheSource) {

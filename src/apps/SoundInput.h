@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/SoundSource.h"
+
+namespace kestrune::apps {
+
+struct SoundInput {
+  std::unique_ptr<platform::SoundSource> Source;  ///< null if the choice is none
+  std::string Error;                              ///< then what is wrong with it, for people
+};
+
+/// Where sound comes from, by the text of the option --audio: "pulse", "alsa" or "pipe:PATH". An empty text
+/// takes a sound server if one answers, and ALSA if not; that look may take 5 s.
+[[nodiscard]] SoundInput MakeSoundSource(std::string_view choice);
+
+}  // namespace kestrune::apps

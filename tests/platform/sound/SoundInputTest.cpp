@@ -1,0 +1,45 @@
+#include <gtest/gtest.h>
+
+#include "apps/SoundInput.h"
+#include "platform/alsa/AlsaSource.h"
+#include "platform/pipe/PipeSource.h"
+#include "platform/pulse/PulseSource.h"
+#include "support/PrivatePulse.h"
+#include "support/ScopedVariables.h"
+
+namespace kestrune::apps {
+namespace {
+
+template <typename Kind>
+bool Is(const SoundInput& input) {
+  return dynamic_cast<Kind*>(input.Source.get()) != nullptr;
+}
+
+TEST(SoundInput, TheTextNamesTheKind) {
+  EXPECT_TRUE(Is<platform::PulseSource>(MakeSoundSource("pulse")));
+  EXPECT_TRUE(Is<platform::AlsaSource>(MakeSoundSource("alsa")));
+  const SoundInput pipe = MakeSoundSource("pipe:/some/where:else");
+  ASSERT_TRUE(Is<platform::PipeSource>(pipe));
+  EXPECT_EQ(pipe.Source->Devices().at(0).Id, "/some/where:else");
+}
+
+TEST(SoundInput, AnythingElseIsRefusedWithAReason) {
+  for (const char* text : {"Pulse", "pipe", "pipe:", "jack", " "}) {
+    const SoundInput input = MakeSoundSource(text);
+    EXPECT_EQ(input.Source, nullptr) << text;
+    EXPECT_NE(input.Error, "") << text;
+  }
+}
+
+TEST(SoundInput, AnEmptyTextTakesTheSoundServerIfOneAnswers) {
+  if (!test::PrivatePulse::Installed()) GTEST_SKIP() << "no PulseAudio";
+  test::PrivatePulse server;
+  ASSERT_TRUE(server.Start());
+  const test::ScopedVariables variables(server.Environment());
+  EXPECT_TRUE(Is<platform::PulseSource>(MakeSoundSource("")));
+  server.Kill();
+  EXPECT_TRUE(Is<platform::AlsaSource>(MakeSoundSource("")));
+}
+
+}  // namespace
+}  // namespace kestrune::apps

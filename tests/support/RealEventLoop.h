@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "base/EventLoop.h"
+
+namespace kestrune::test {
+
+/// An event loop on the machine's own clocks, for tests against real servers and devices. Its wall clock
+/// shows universal time.
+class RealEventLoop final : public base::EventLoop {
+ public:
+  using Duration = std::chrono::milliseconds;
+
+  ~RealEventLoop() override;
+
+  [[nodiscard]] base::DateValue Now() const override;
+  [[nodiscard]] Duration TimeOfDay() const override;
+  [[nodiscard]] Duration SteadyNow() const override;
+  void Sleep(Duration duration) override;
+  void PumpEvents() override;
+  [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(Duration interval,
+                                                       std::function<void()> handler) override;
+
+  /// Serves what comes due for so long.
+  void Run(Duration duration);
+  /// The same until the condition holds; false if the limit passed first.
+  [[nodiscard]] bool RunUntil(const std::function<bool()>& condition, Duration limit);
+
+ private:
+  class RealTimer;
+  using Moment = std::pair<Duration, std::uint64_t>;
+
+  std::uint64_t order_ = 0;
+  std::map<Moment, RealTimer*> timers_;
+};
+
+}  // namespace kestrune::test
