@@ -126,10 +126,10 @@ std::string Mp3InfoFrame::Frame(const Contents& contents) const {
   frame += "LAME3.100";
   AppendBe(frame, contents.Method, 1);
   AppendBe(frame, static_cast<unsigned>(std::clamp(contents.LowPass / 100, 0, 255)), 1);
-  AppendBe(frame, 0, 4 + 2 + 2 + 1);  // loudness not measured, details of the psychoacoustics not told
+  frame.append(4 + 2 + 2 + 1, '\0');  // loudness not measured, details of the psychoacoustics not told
   AppendBe(frame, contents.Bitrate, 1);
   AppendBe(frame, static_cast<unsigned>(contents.Delay) << 12 | static_cast<unsigned>(contents.Padding), 3);
-  AppendBe(frame, 0, 1 + 1 + 2);  // source, gain and preset not told
+  frame.append(1 + 1 + 2, '\0');  // source, gain and preset not told
   AppendBe(frame, Capped(streamBytes), 4);
   AppendBe(frame, contents.SoundCrc, 2);
   AppendBe(frame, Mp3Crc(0, AsBytes(frame)), 2);

@@ -49,8 +49,11 @@ std::optional<Layout> FindLayout(const DiskFile& file) {
   layout.Long = head->starts_with("RF64");
   if (!layout.Long && !head->starts_with("RIFF")) return std::nullopt;
   std::int64_t longDataBytes = -1;
+  bool soundFound = false;
   std::int64_t at = kLongSizesAt;
-  while (const auto chunk = file.ReadAt(at, kChunkHeader)) {
+  while (!soundFound) {
+    const auto chunk = file.ReadAt(at, kChunkHeader);
+    if (!chunk) return std::nullopt;
     auto bytes = static_cast<std::int64_t>(ReadLe(*chunk, 4, 4));
     const auto name = chunk->substr(0, 4);
     if (name == "ds64") {
@@ -58,11 +61,10 @@ std::optional<Layout> FindLayout(const DiskFile& file) {
       if (!sizes) return std::nullopt;
       longDataBytes = static_cast<std::int64_t>(ReadLe(*sizes, 8, 8));
     }
-    const bool isData = name == "data";
-    if (isData && layout.Long) bytes = longDataBytes;
+    soundFound = name == "data";
+    if (soundFound && layout.Long) bytes = longDataBytes;
     if (bytes < 0 || bytes > file.Size() - at - kChunkHeader) return std::nullopt;
     at += kChunkHeader + bytes + bytes % 2;
-    if (isData) break;
   }
   layout.SoundEnd = at;
   if (at == file.Size()) return layout;
