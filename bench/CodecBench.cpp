@@ -232,7 +232,9 @@ class BenchFolder {
   std::string path_;
 };
 
-void BesideTheLibrary(benchmark::State& state, const Contest& contest) {
+void BesideTheLibrary(benchmark::State& state) {
+  const Contest contest = Contests().at(static_cast<std::size_t>(state.range(0)));
+  state.SetLabel(contest.Name);
   constexpr int kSeconds = 20;
   const BenchFolder folder;
   const Samples samples = MakeSound(kSeconds, contest.Channels);
@@ -256,6 +258,8 @@ void BesideTheLibrary(benchmark::State& state, const Contest& contest) {
   state.counters["ratio"] = ours / bare;
   state.counters["realtime"] = kSeconds * static_cast<double>(state.iterations()) / ours;
 }
+
+BENCHMARK(BesideTheLibrary)->DenseRange(0, 9)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 /// The part of a song boundary in which no sound is written: the old file closed and tagged, the next
 /// created.
@@ -301,18 +305,3 @@ BENCHMARK(Cut)
 
 }  // namespace
 }  // namespace kestrune
-
-int main(int argc, char** argv) {
-  for (const auto& contest : kestrune::Contests()) {
-    benchmark::RegisterBenchmark(("BesideTheLibrary/" + contest.Name).c_str(), kestrune::BesideTheLibrary,
-                                 contest)
-        ->UseManualTime()
-        ->MinTime(2)
-        ->Unit(benchmark::kMillisecond);
-  }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

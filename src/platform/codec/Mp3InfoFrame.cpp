@@ -17,7 +17,7 @@ constexpr std::size_t kMaxPoints = 1000;
 constexpr std::uint8_t kMono = 3;
 
 std::size_t SideInfoBytes(MpegVersion version, std::uint8_t modeBits) {
-  if (version == MpegVersion::kMpeg1) return modeBits == kMono ? 17 : 32;
+  if (version == MpegVersion::Mpeg1) return modeBits == kMono ? 17 : 32;
   return modeBits == kMono ? 9 : 17;
 }
 
@@ -25,9 +25,9 @@ std::size_t SideInfoBytes(MpegVersion version, std::uint8_t modeBits) {
 std::int16_t PreferredBitrate(const Mp3InfoFrame::Stream& stream) {
   if (stream.ConstantBitrate != 0) return stream.ConstantBitrate;
   switch (stream.Rate.Version) {
-    case MpegVersion::kMpeg1:
+    case MpegVersion::Mpeg1:
       return 128;
-    case MpegVersion::kMpeg2:
+    case MpegVersion::Mpeg2:
       return 64;
     default:
       return 32;

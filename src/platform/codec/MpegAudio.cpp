@@ -12,15 +12,15 @@ struct RateRow {
 };
 
 constexpr std::array<RateRow, 9> kRates{{
-    {44100, {MpegVersion::kMpeg1, 0}},
-    {48000, {MpegVersion::kMpeg1, 1}},
-    {32000, {MpegVersion::kMpeg1, 2}},
-    {22050, {MpegVersion::kMpeg2, 0}},
-    {24000, {MpegVersion::kMpeg2, 1}},
-    {16000, {MpegVersion::kMpeg2, 2}},
-    {11025, {MpegVersion::kMpeg25, 0}},
-    {12000, {MpegVersion::kMpeg25, 1}},
-    {8000, {MpegVersion::kMpeg25, 2}},
+    {44100, {MpegVersion::Mpeg1, 0}},
+    {48000, {MpegVersion::Mpeg1, 1}},
+    {32000, {MpegVersion::Mpeg1, 2}},
+    {22050, {MpegVersion::Mpeg2, 0}},
+    {24000, {MpegVersion::Mpeg2, 1}},
+    {16000, {MpegVersion::Mpeg2, 2}},
+    {11025, {MpegVersion::Mpeg25, 0}},
+    {12000, {MpegVersion::Mpeg25, 1}},
+    {8000, {MpegVersion::Mpeg25, 2}},
 }};
 
 constexpr std::array<std::int16_t, 14> kMpeg1Bitrates{32,  40,  48,  56,  64,  80,  96,
@@ -40,9 +40,9 @@ std::optional<MpegRate> FindMpegRate(std::int32_t hertz) {
 
 std::span<const std::int16_t> MpegBitrates(MpegVersion version) {
   switch (version) {
-    case MpegVersion::kMpeg1:
+    case MpegVersion::Mpeg1:
       return kMpeg1Bitrates;
-    case MpegVersion::kMpeg2:
+    case MpegVersion::Mpeg2:
       return kMpeg2Bitrates;
     default:
       return std::span(kMpeg2Bitrates).first(kMpeg25Count);

@@ -10,10 +10,10 @@ namespace kestrune::platform {
 
 /// The three families of sample rates, each half of the one before, by the bits that a frame's header has for
 /// them.
-enum class MpegVersion : std::uint8_t { kMpeg25 = 0, kMpeg2 = 2, kMpeg1 = 3 };
+enum class MpegVersion : std::uint8_t { Mpeg25 = 0, Mpeg2 = 2, Mpeg1 = 3 };
 
 struct MpegRate {
-  MpegVersion Version = MpegVersion::kMpeg1;
+  MpegVersion Version = MpegVersion::Mpeg1;
   std::uint8_t Index = 0;  ///< in a frame's header
 };
 
@@ -26,7 +26,7 @@ struct MpegRate {
 
 /// Sample frames in a frame.
 [[nodiscard]] constexpr std::int32_t MpegFrameSamples(MpegVersion version) {
-  return version == MpegVersion::kMpeg1 ? 1152 : 576;
+  return version == MpegVersion::Mpeg1 ? 1152 : 576;
 }
 
 [[nodiscard]] constexpr std::int64_t MpegFrameBytes(MpegVersion version, std::int32_t hertz,

@@ -8,6 +8,8 @@
 
 namespace kestrune::platform {
 
+struct TagTexts;
+
 /// What the format chunk says.
 struct RiffSound {
   std::uint16_t FormatTag = 1;
@@ -42,7 +44,6 @@ class RiffFile {
 
 /// Writes the INFO list behind the sound of a finished file, in place of one that is there. False, and the
 /// file as it was, if it is no such file or takes no more.
-struct TagTexts;
 [[nodiscard]] bool WriteRiffInfo(DiskFile& file, const TagTexts& texts);
 
 }  // namespace kestrune::platform

@@ -106,7 +106,7 @@ TEST_F(DecodedSound, RawALawAndMuLawKeepEverySampleWithinTheirSteps) {
         const auto decoded = DecodeWithFfmpeg(path, fmt::format("-f {} -ar {} -ac {}", law, rate, channels));
         ASSERT_EQ(decoded.size(), music.size());
         for (std::size_t i = 0; i < music.size(); ++i) {
-          ASSERT_NEAR(decoded[i], music[i], 16 + std::abs(music[i]) / 16) << i;
+          ASSERT_NEAR(decoded[i], music[i], 16 + std::abs(music[i]) / 16.0) << i;
         }
       }
     }

@@ -233,7 +233,7 @@ TEST_F(FileTagWriterTest, FilesThatAreNotOursAreLeftAsTheyAre) {
                                           std::string(5000, '\0'),
                                           std::string(5000, '\xFF'),
                                           std::string("RIFF\x0C\0\0\0WAVEfata\0\0\0\0", 20),
-                                          "RIFF\x10\x00\x00\x00WAVEdata\xFF\xFF\xFF\x7F",
+                                          std::string("RIFF\x0C\0\0\0WAVEdata\xFF\xFF\xFF\x7F", 20),
                                           std::string("ID3\x04\0\0\0\0\x1F\x76", 10)};
   for (const std::string& name : kTagged) {
     for (const std::string& content : contents) {

@@ -70,7 +70,8 @@ std::vector<Row> Formats() {
 /// Writes until the file takes no more; the samples that it took.
 std::size_t FillUp(EncodedFile& file) {
   const auto format = file.FormatValues();
-  const auto sound = MakeNoise(static_cast<std::size_t>(format.SampleRate / 10 * format.Channels), 6);
+  const auto sound = MakeNoise(
+      static_cast<std::size_t>(format.SampleRate / 10) * static_cast<std::size_t>(format.Channels), 6);
   std::size_t taken = 0;
   for (int i = 0; i < 1000 && file.WriteBlock(sound); ++i) taken += sound.size();
   EXPECT_FALSE(file.WriteBlock(sound)) << "what has failed stays failed";

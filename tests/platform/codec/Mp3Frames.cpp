@@ -56,8 +56,8 @@ bool ParseFrame(const std::string& bytes, std::size_t at, Mp3Frame& frame) {
   frame.Bitrate = frame.Version == 3 ? kBitrates1[bitrate] : kBitrates2[bitrate];
   frame.Rate = kRates[rate] / (frame.Version == 3 ? 1 : frame.Version == 2 ? 2 : 4);
   if (frame.Bitrate == 0) return false;
-  frame.Bytes =
-      static_cast<std::size_t>((frame.Version == 3 ? 144000 : 72000) * frame.Bitrate / frame.Rate + padding);
+  const int size = (frame.Version == 3 ? 144000 : 72000) * frame.Bitrate / frame.Rate + padding;
+  frame.Bytes = static_cast<std::size_t>(size);
   const std::size_t sideAt = at + (frame.Crc ? 6U : 4U);
   if (at + frame.Bytes > bytes.size() || sideAt + SideInfoBytes(frame) > bytes.size()) return false;
 

@@ -163,7 +163,7 @@ TEST(MpegFrameWalker, FindsTheSameFramesHoweverTheBytesAreCut) {
   const auto stream = ParseMp3(Encode(Parameters(0), MakeMusic(30000, 44100, 2)));
   const std::string sound = stream.Bytes.substr(stream.Frames[0].At);
   for (const std::size_t piece : {1, 2, 3, 5, 417, 1000, 100000}) {
-    platform::MpegFrameWalker walker(platform::MpegVersion::kMpeg1, 44100);
+    platform::MpegFrameWalker walker(platform::MpegVersion::Mpeg1, 44100);
     for (std::size_t at = 0; at < sound.size(); at += piece) {
       auto bytes = platform::AsBytes(std::string_view(sound).substr(at, piece));
       while (!bytes.empty()) bytes = bytes.subspan(walker.Take(bytes));
@@ -177,7 +177,7 @@ TEST(MpegFrameWalker, DoesNotCountAFrameThatIsCutOff) {
   const auto stream = ParseMp3(Encode(Parameters(-1), MakeMusic(30000, 44100, 2)));
   const std::string sound =
       stream.Bytes.substr(stream.Frames[0].At, stream.Frames[3].At - stream.Frames[0].At - 1);
-  platform::MpegFrameWalker walker(platform::MpegVersion::kMpeg1, 44100);
+  platform::MpegFrameWalker walker(platform::MpegVersion::Mpeg1, 44100);
   auto bytes = platform::AsBytes(sound);
   while (!bytes.empty()) bytes = bytes.subspan(walker.Take(bytes));
   EXPECT_EQ(walker.Frames(), 2);

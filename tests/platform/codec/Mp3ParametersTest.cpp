@@ -313,6 +313,7 @@ class Mp3FiltersTest : public Mp3ParametersTest {
     Encode(sound);
     const auto decoded = DecodeWithFfmpeg(path_);
     std::vector<double> levels;
+    levels.reserve(tones.size());
     for (const double tone : tones)
       levels.push_back(ToneLevel(decoded, 2, 44100, tone) - ToneLevel(sound, 2, 44100, tone));
     return levels;
