@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/codec/DiskFile.h"
+#include "platform/codec/TagText.h"
+
+namespace kestrune::platform {
+
+/// A Vorbis comment packet of exactly kTagRoom bytes: zeros behind the framing bit, which decoders pass over.
+[[nodiscard]] std::string VorbisCommentPacket(const TagTexts& texts);
+
+/// Writes the comment packet of an Ogg Vorbis file of ours, which stands alone on the second page, in place.
+/// False, and the file as it was, if the file has no such page.
+[[nodiscard]] bool WriteVorbisComment(DiskFile& file, const TagTexts& texts);
+
+}  // namespace kestrune::platform

@@ -1,0 +1,58 @@
+// A file of any content under the name of a capture: tagging it does no harm, says what it did, and what it
+// refuses it leaves as it was.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "platform/codec/Bytes.h"
+#include "platform/codec/DiskFile.h"
+#include "platform/codec/Id3Tag.h"
+#include "platform/codec/RiffFile.h"
+#include "platform/codec/VorbisComment.h"
+
+namespace {
+
+using kestrune::platform::DiskFile;
+using kestrune::platform::TagTexts;
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+using WriteTags = bool (*)(DiskFile&, const TagTexts&);
+
+void Tag(WriteTags write, const std::string& content, const TagTexts& texts) {
+  const int memory = ::memfd_create("capture", MFD_CLOEXEC);
+  const std::string path = "/proc/self/fd/" + std::to_string(memory);
+  DiskFile file;
+  Require(file.OpenExisting(path) && file.Append(kestrune::platform::AsBytes(content)));
+  const bool tagged = write(file, texts);
+  const auto after = file.ReadAt(0, static_cast<std::size_t>(file.Size()));
+  Require(after.has_value());
+  if (!tagged) Require(*after == content);
+  if (tagged) {
+    // Once tagged, the same tags change nothing.
+    Require(write(file, texts));
+    Require(file.ReadAt(0, static_cast<std::size_t>(file.Size())) == after);
+  }
+  ::close(memory);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string content(data, data + size);
+  // The same bytes serve as the texts.
+  kestrune::platform::Tags tags;
+  tags.Artist = content.substr(0, size / 2);
+  tags.Title = content.substr(size / 2);
+  const TagTexts texts(tags);
+  Tag(kestrune::platform::WriteId3, content, texts);
+  Tag(kestrune::platform::WriteVorbisComment, content, texts);
+  Tag(kestrune::platform::WriteRiffInfo, content, texts);
+  return 0;
+}

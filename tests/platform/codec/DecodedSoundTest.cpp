@@ -1,0 +1,472 @@
+// Every format and each row of its parameters, written by EncodedFile and judged by decoders that are not
+// ours.
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "platform/codec/Decoders.h"
+#include "platform/codec/EncodedFile.h"
+#include "platform/codec/Mp3Frames.h"
+#include "platform/codec/Signals.h"
+
+namespace kestrune::test {
+namespace {
+
+using platform::EncodedFile;
+using platform::Mp3Parameters;
+
+/// No multiple of any block or frame size.
+constexpr std::size_t kFrames = 40129;
+
+Mp3Parameters Mp3(std::int32_t rate, std::int16_t channels, std::int16_t bitrate) {
+  Mp3Parameters parameters;
+  parameters.Frequency = rate;
+  parameters.Channels = channels;
+  parameters.Bitrate = bitrate;
+  parameters.TypeStereo = 2;
+  parameters.Quality = 5;
+  parameters.ShortBlocks = true;
+  parameters.BitReservoir = true;
+  parameters.VBRHeader = true;
+  return parameters;
+}
+
+class DecodedSound : public testing::Test {
+ protected:
+  /// Writes music of the prepared format into the file.
+  std::vector<std::int16_t> WriteMusic(const std::string& path, std::size_t frames = kFrames) {
+    const auto format = file_.FormatValues();
+    auto music = MakeMusic(frames, format.SampleRate, format.Channels);
+    file_.Create(path);
+    EXPECT_GE(file_.LastResult(), 0);
+    EXPECT_TRUE(WriteBlocks(file_, music));
+    file_.Close();
+    EXPECT_EQ(file_.Length(), static_cast<std::int64_t>(frames) * 1000 / format.SampleRate);
+    return music;
+  }
+
+  void ExpectFacts(const std::string& path, const std::string& codec) {
+    const auto format = file_.FormatValues();
+    auto facts = Probe(path);
+    EXPECT_EQ(facts["codec_name"], codec);
+    EXPECT_EQ(facts["sample_rate"], std::to_string(format.SampleRate));
+    EXPECT_EQ(facts["channels"], std::to_string(format.Channels));
+  }
+
+  TempFolder folder_;
+  EncodedFile file_;
+};
+
+TEST_F(DecodedSound, WavHoldsEverySampleAtEveryRateAndShape) {
+  for (const std::int32_t rate : {8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000}) {
+    for (const std::int16_t channels : {1, 2}) {
+      for (const std::int16_t bits : {8, 16}) {
+        SCOPED_TRACE(fmt::format("{} Hz, {} channels, {} bits", rate, channels, bits));
+        const std::string path = folder_.Path("a.wav");
+        file_.SetFormatWAV(rate, channels, bits);
+        auto expected = WriteMusic(path);
+        ExpectFacts(path, bits == 8 ? "pcm_u8" : "pcm_s16le");
+        if (bits == 8) {
+          for (std::int16_t& sample : expected) sample = static_cast<std::int16_t>(sample & ~0xFF);
+        }
+        EXPECT_EQ(DecodeWithFfmpeg(path), expected);
+        EXPECT_EQ(DecodeWithSox(path), expected);
+      }
+    }
+  }
+}
+
+TEST_F(DecodedSound, RawPcmIsTheSamplesThemselves) {
+  for (const std::int16_t compression : {0, 1}) {
+    for (const std::int16_t channels : {1, 2}) {
+      const std::string path = folder_.Path("a.raw");
+      file_.SetFormatRAW(compression, 44100, channels, 16);
+      const auto music = WriteMusic(path);
+      EXPECT_EQ(DecodeWithFfmpeg(path, fmt::format("-f s16le -ar 44100 -ac {}", channels)), music);
+    }
+  }
+}
+
+TEST_F(DecodedSound, RawALawAndMuLawKeepEverySampleWithinTheirSteps) {
+  const std::vector<std::pair<std::int16_t, std::string>> laws{{std::int16_t{2}, "alaw"},
+                                                               {std::int16_t{3}, "mulaw"}};
+  for (const std::int32_t rate : {6000, 8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000}) {
+    for (const std::int16_t channels : {1, 2}) {
+      for (const auto& [compression, law] : laws) {
+        SCOPED_TRACE(fmt::format("{} {} {}", law, rate, channels));
+        const std::string path = folder_.Path("a.raw");
+        file_.SetFormatRAW(compression, rate, channels, 16);
+        const auto music = WriteMusic(path, 4001);
+        EXPECT_EQ(ReadFile(path).size(), music.size());
+        const auto decoded = DecodeWithFfmpeg(path, fmt::format("-f {} -ar {} -ac {}", law, rate, channels));
+        ASSERT_EQ(decoded.size(), music.size());
+        for (std::size_t i = 0; i < music.size(); ++i) {
+          ASSERT_NEAR(decoded[i], music[i], 16 + std::abs(music[i]) / 16.0) << i;
+        }
+      }
+    }
+  }
+}
+
+TEST_F(DecodedSound, VoxIsFourBitDialogicAdpcmAtEveryRate) {
+  for (const std::int32_t rate : {8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000}) {
+    SCOPED_TRACE(rate);
+    const std::string path = folder_.Path("a.vox");
+    file_.SetFormatVOX(rate);
+    EXPECT_EQ(file_.FormatValues().Channels, 1);
+    const auto music = WriteMusic(path, 40000);
+    EXPECT_EQ(ReadFile(path).size(), 20000U);
+    const auto decoded = DecodeWithSox(path, fmt::format("-t vox -r {} -c 1", rate));
+    ASSERT_EQ(decoded.size(), music.size());
+    EXPECT_GT(SignalToNoise(music, decoded), 12);
+  }
+}
+
+TEST_F(DecodedSound, VoxBlocksOfOddSizesAddNoSample) {
+  const std::string path = folder_.Path("a.vox");
+  file_.SetFormatVOX(8000);
+  const auto music = MakeMusic(8001, 8000, 1);
+  file_.Create(path);
+  for (std::size_t at = 0; at < music.size(); at += 333) {
+    ASSERT_TRUE(
+        file_.WriteBlock(std::span(music).subspan(at, std::min<std::size_t>(333, music.size() - at))));
+  }
+  file_.Close();
+  EXPECT_EQ(ReadFile(path).size(), 4001U);  // the last byte filled up
+  EXPECT_GT(SignalToNoise(music, DecodeWithSox(path, "-t vox -r 8000 -c 1")), 12);
+}
+
+TEST_F(DecodedSound, G726DecodesAtEveryRateAndWidth) {
+  // ffmpeg's predictor forgets twice as fast as the standard's at 5 bits, so that it hears tones coarsely
+  // there; the codes themselves are judged below.
+  const double floors[] = {0, 0, 12, 14, 20, 4};
+  for (const std::int32_t rate : {6000, 8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000}) {
+    for (const std::int16_t bits : {2, 3, 4, 5}) {
+      SCOPED_TRACE(fmt::format("{} Hz, {} bits", rate, bits));
+      const std::string path = folder_.Path("a.g726");
+      file_.SetFormatG726(rate, bits);
+      EXPECT_EQ(file_.FormatValues().Channels, 1);
+      const auto music = WriteMusic(path, 40000);
+      ExpectFacts(path, "adpcm_g726");
+      const auto decoded = DecodeWithFfmpeg(path);
+      ASSERT_EQ(decoded.size(), music.size());
+      EXPECT_GT(SignalToNoise(music, decoded), floors[bits]);
+    }
+  }
+}
+
+/// The codes of a file, first sample in the highest bits, as an AU file has them: in the lowest.
+std::string AsAu(const std::string& g726, unsigned bits, char encoding) {
+  const std::string codes = g726.substr(g726.find("data") + 8);
+  std::string sound;
+  unsigned in = 0, inBits = 0, out = 0, outBits = 0;
+  for (const char byte : codes) {
+    in = in << 8 | static_cast<unsigned char>(byte);
+    for (inBits += 8; inBits >= bits; inBits -= bits) {
+      out |= (in >> (inBits - bits) & ((1U << bits) - 1)) << outBits;
+      for (outBits += bits; outBits >= 8; outBits -= 8, out >>= 8) sound += static_cast<char>(out & 0xFFU);
+    }
+  }
+  std::string au(".snd\0\0\0\x1C\xFF\xFF\xFF\xFF\0\0\0", 15);
+  return au + encoding + std::string("\0\0\x1F\x40\0\0\0\x01\0\0\0\0", 12) + sound;
+}
+
+TEST_F(DecodedSound, G726CodesAreThoseOfTheStandard) {
+  struct Row {
+    std::int16_t Bits;
+    char Encoding;  // in the AU header
+    double Floor;
+  };
+  for (const Row& row : {Row{3, 25, 28}, Row{4, 23, 32}, Row{5, 26, 33}}) {
+    SCOPED_TRACE(row.Bits);
+    const std::string path = folder_.Path("a.g726");
+    file_.SetFormatG726(8000, row.Bits);
+    const auto music = WriteMusic(path, 40000);
+    WriteFile(folder_.Path("a.au"), AsAu(ReadFile(path), static_cast<unsigned>(row.Bits), row.Encoding));
+    const auto decoded = DecodeWithSox(folder_.Path("a.au"));
+    ASSERT_EQ(decoded.size(), music.size());
+    EXPECT_GT(SignalToNoise(music, decoded), row.Floor);
+  }
+}
+
+TEST_F(DecodedSound, G726FactChunkTellsTheLengthThatIsNoWholeByte) {
+  for (const std::int16_t bits : {2, 3, 4, 5}) {
+    const std::string path = folder_.Path("a.g726");
+    file_.SetFormatG726(8000, bits);
+    const auto music = WriteMusic(path, 8003);
+    const std::string bytes = ReadFile(path);
+    const std::size_t fact = bytes.find("fact");
+    ASSERT_NE(fact, std::string::npos);
+    EXPECT_EQ(bytes.substr(fact + 4, 8), std::string("\x04\x00\x00\x00\x43\x1F\x00\x00", 8));
+    const auto decoded = DecodeWithFfmpeg(path);
+    EXPECT_GE(decoded.size(), music.size());
+    EXPECT_LT(decoded.size(), music.size() + 8);
+  }
+}
+
+TEST_F(DecodedSound, G726HeaderSaysBlockAndBytesPerSecond) {
+  const int blocks[] = {0, 0, 1, 3, 1, 5};
+  for (const std::int16_t bits : {2, 3, 4, 5}) {
+    const std::string path = folder_.Path("a.g726");
+    file_.SetFormatG726(44100, bits);
+    WriteMusic(path, 100);
+    const std::string bytes = ReadFile(path);
+    const std::size_t fmtAt = bytes.find("fmt ");
+    ASSERT_NE(fmtAt, std::string::npos);
+    const auto number = [&](std::size_t at, std::size_t count) {
+      unsigned value = 0;
+      for (std::size_t i = count; i > 0; --i)
+        value = value << 8 | static_cast<unsigned char>(bytes[fmtAt + 8 + at + i - 1]);
+      return value;
+    };
+    EXPECT_EQ(number(0, 2), 0x45U);
+    EXPECT_EQ(number(2, 2), 1U);
+    EXPECT_EQ(number(4, 4), 44100U);
+    EXPECT_EQ(number(8, 4), (44100U * static_cast<unsigned>(bits) + 7) / 8);
+    EXPECT_EQ(number(12, 2), static_cast<unsigned>(blocks[bits]));
+    EXPECT_EQ(number(14, 2), static_cast<unsigned>(bits));
+  }
+}
+
+TEST_F(DecodedSound, Mp3IsExactAtEveryRateAndConstantBitrate) {
+  const std::vector<int> rates{8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000};
+  const std::vector<int> high{32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320};
+  const std::vector<int> low{8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
+  for (const int rate : rates) {
+    for (const int bitrate : rate >= 32000 ? high : low) {
+      if (rate < 16000 && bitrate > 64) continue;
+      SCOPED_TRACE(fmt::format("{} Hz, {} kbit/s", rate, bitrate));
+      const std::string path = folder_.Path("a.mp3");
+      file_.SetFormatMP3(Mp3(rate, 2, static_cast<std::int16_t>(bitrate)));
+      const auto music = WriteMusic(path, 12345);
+      const auto stream = ParseMp3(ReadFile(path));
+      EXPECT_FALSE(stream.Broken);
+      for (const auto& frame : stream.Sound()) {
+        ASSERT_EQ(frame.Bitrate, bitrate);
+        ASSERT_EQ(frame.Rate, rate);
+      }
+      const auto decoded = DecodeWithFfmpeg(path);
+      ASSERT_EQ(decoded.size(), music.size());
+      EXPECT_GT(SignalToNoise(music, decoded), bitrate < 32 ? 0 : 8);
+    }
+  }
+}
+
+TEST_F(DecodedSound, Mp3IsExactInMonoAndByEveryVariableMethod) {
+  for (const std::int32_t rate : {8000, 22050, 44100}) {
+    for (const std::int16_t channels : {1, 2}) {
+      for (const std::int16_t method : {-1, 0, 1, 2, 3, 4}) {
+        SCOPED_TRACE(fmt::format("{} Hz, {} channels, method {}", rate, channels, method));
+        const std::string path = folder_.Path("a.mp3");
+        auto parameters = Mp3(rate, channels, 64);
+        parameters.VBRCodingMethod = method;
+        parameters.VBRQuality = 4;
+        parameters.VBRTargetBitrate = 96;
+        file_.SetFormatMP3(parameters);
+        const auto music = WriteMusic(path);
+        ExpectFacts(path, "mp3");
+        const auto decoded = DecodeWithFfmpeg(path);
+        ASSERT_EQ(decoded.size(), music.size());
+        EXPECT_GT(SignalToNoise(music, decoded), 10);
+      }
+    }
+  }
+}
+
+TEST_F(DecodedSound, Mp3OfAnyShortLengthIsExact) {
+  file_.SetFormatMP3(Mp3(44100, 2, 128));
+  for (const std::size_t frames :
+       {1, 2, 47, 575, 576, 577, 1104, 1105, 1106, 1151, 1152, 1153, 2304, 4409, 4410}) {
+    const std::string path = folder_.Path("a.mp3");
+    const auto music = WriteMusic(path, frames);
+    EXPECT_EQ(DecodeWithFfmpeg(path).size(), music.size()) << frames;
+  }
+}
+
+TEST_F(DecodedSound, Mp3IsFoundSoundByAnMpegChecker) {
+  for (const bool crc : {false, true}) {
+    for (const std::int16_t method : {-1, 1, 3, 4}) {
+      const std::string path = folder_.Path("a.mp3");
+      auto parameters = Mp3(44100, 2, 160);
+      parameters.IncludeCRC = crc;
+      parameters.VBRCodingMethod = method;
+      parameters.VBRTargetBitrate = 128;
+      file_.SetFormatMP3(parameters);
+      WriteMusic(path);
+      const auto said = RunProgramAll("mp3val '" + path + "'");
+      EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
+      EXPECT_NE(said.Output.find("MPEG frames"), std::string::npos) << said.Output;
+    }
+  }
+}
+
+TEST_F(DecodedSound, OggIsExactInItsThreeModes) {
+  struct Row {
+    std::int16_t Nominal, Min, Max, Quality;
+  };
+  std::vector<Row> rows;
+  for (std::int16_t quality = 0; quality <= 10; ++quality) rows.push_back({128, 0, 0, quality});
+  for (const std::int16_t bitrate : {112, 128, 160, 192, 256, 320}) {
+    rows.push_back({bitrate, 0, 0, -1});
+    rows.push_back({bitrate, 112, 320, -1});
+  }
+  rows.push_back({160, 128, 192, -1});
+  for (const Row& row : rows) {
+    SCOPED_TRACE(fmt::format("{} {} {} quality {}", row.Nominal, row.Min, row.Max, row.Quality));
+    const std::string path = folder_.Path("a.ogg");
+    file_.SetFormatOgg(44100, 2, row.Nominal, row.Min, row.Max, row.Quality);
+    const auto music = WriteMusic(path);
+    ExpectFacts(path, "vorbis");
+    const auto decoded = DecodeWithOggdec(path);
+    ASSERT_EQ(decoded.size(), music.size());
+    EXPECT_GT(SignalToNoise(music, decoded), 8);
+    // ffmpeg drops up to half a short block at the end, of every encoder's files.
+    EXPECT_NEAR(static_cast<double>(DecodeWithFfmpeg(path).size()), static_cast<double>(music.size()), 256);
+    const auto said = RunProgramAll("ogginfo '" + path + "'");
+    EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
+    EXPECT_EQ(said.Status, 0);
+    if (row.Quality == -1) {
+      EXPECT_NE(said.Output.find(fmt::format("Nominal bitrate: {}.000000 kb/s", row.Nominal)),
+                std::string::npos)
+          << said.Output;
+      const auto limit = [](const char* name, int value) {
+        return value == 0 ? fmt::format("{} bitrate not set", name)
+                          : fmt::format("{} bitrate: {}.000000 kb/s", name, value);
+      };
+      EXPECT_NE(said.Output.find(limit("Lower", row.Min)), std::string::npos) << said.Output;
+      EXPECT_NE(said.Output.find(limit("Upper", row.Max)), std::string::npos) << said.Output;
+    }
+  }
+}
+
+TEST_F(DecodedSound, OggQualityAndBitrateChangeTheSize) {
+  const auto size = [&](std::int16_t nominal, std::int16_t quality) {
+    file_.SetFormatOgg(44100, 2, nominal, 0, 0, quality);
+    const std::string path = folder_.Path("a.ogg");
+    file_.Create(path);
+    EXPECT_TRUE(WriteBlocks(file_, MakeNoise(44100 * 4, 1)));
+    file_.Close();
+    return ReadFile(path).size();
+  };
+  EXPECT_LT(size(128, 0), size(128, 4));
+  EXPECT_LT(size(128, 4), size(128, 10));
+  EXPECT_LT(size(112, -1), size(320, -1));
+  EXPECT_EQ(size(112, 4), size(320, 4)) << "the bitrate plays no part in quality mode";
+}
+
+TEST_F(DecodedSound, OggOfAnyShortLengthAndInMonoIsExact) {
+  for (const std::int16_t channels : {1, 2}) {
+    file_.SetFormatOgg(44100, channels, 128, 0, 0, 4);
+    for (const std::size_t frames : {1, 2, 63, 64, 128, 1000, 1024, 1025, 2048, 5000}) {
+      const std::string path = folder_.Path("a.ogg");
+      const auto music = WriteMusic(path, frames);
+      EXPECT_EQ(DecodeWithOggdec(path).size(), music.size()) << frames;
+    }
+  }
+}
+
+TEST_F(DecodedSound, OggSerialNumbersDiffer) {
+  file_.SetFormatOgg(44100, 2, 128, 0, 0, 4);
+  WriteMusic(folder_.Path("a.ogg"), 100);
+  WriteMusic(folder_.Path("b.ogg"), 100);
+  EXPECT_NE(ReadFile(folder_.Path("a.ogg")).substr(14, 4), ReadFile(folder_.Path("b.ogg")).substr(14, 4));
+}
+
+TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
+  struct Row {
+    std::string Name;
+    std::function<void(EncodedFile&)> Prepare;
+    std::string Options;
+  };
+  const std::vector<Row> rows{
+      {"a.wav", [](EncodedFile& file) { file.SetFormatWAV(44100, 2, 16); }, ""},
+      {"a.raw", [](EncodedFile& file) { file.SetFormatRAW(1, 44100, 2, 16); }, "-f s16le"},
+      {"a.vox", [](EncodedFile& file) { file.SetFormatVOX(8000); }, "-f alaw"},
+      {"a.mp3", [](EncodedFile& file) { file.SetFormatMP3(Mp3(44100, 2, 128)); }, ""},
+      {"a.ogg", [](EncodedFile& file) { file.SetFormatOgg(44100, 2, 128, 0, 0, -1); }, ""},
+      {"a.g726", [](EncodedFile& file) { file.SetFormatG726(8000, 4); }, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.Name);
+    row.Prepare(file_);
+    file_.Create(folder_.Path(row.Name));
+    EXPECT_EQ(file_.LastResult(), 0);
+    EXPECT_TRUE(file_.WriteBlock({}));
+    file_.Close();
+    EXPECT_EQ(file_.Length(), 0);
+    EXPECT_TRUE(DecodeWithFfmpeg(folder_.Path(row.Name), row.Options).empty());
+  }
+}
+
+/// One continuous sound cut into three files: laid end to end, they are that sound again.
+class ThreeFiles : public DecodedSound {
+ protected:
+  void Expect(const std::string& extension,
+              const std::function<std::vector<std::int16_t>(const std::string&)>& decode, double floor) {
+    const auto format = file_.FormatValues();
+    const auto channels = static_cast<std::size_t>(format.Channels);
+    const auto music = MakeMusic(3 * kFrames, format.SampleRate, format.Channels);
+    const std::size_t cuts[] = {0, 30007, 80011, 3 * kFrames};
+    std::vector<std::int16_t> joined;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const std::string path = folder_.Path("song." + extension);
+      file_.Create(path);
+      ASSERT_TRUE(WriteBlocks(
+          file_, std::span(music).subspan(cuts[i] * channels, (cuts[i + 1] - cuts[i]) * channels)));
+      file_.Close();
+      const auto decoded = decode(path);
+      ASSERT_EQ(decoded.size(), (cuts[i + 1] - cuts[i]) * channels);
+      joined.insert(joined.end(), decoded.begin(), decoded.end());
+    }
+    ASSERT_EQ(joined.size(), music.size());
+    if (floor > 200) {
+      EXPECT_EQ(joined, music);
+    } else {
+      EXPECT_GT(SignalToNoise(music, joined), floor);
+    }
+  }
+};
+
+constexpr double kEqual = 1000;
+
+TEST_F(ThreeFiles, WavLaidEndToEndAreTheInput) {
+  file_.SetFormatWAV(44100, 2, 16);
+  Expect(
+      "wav", [](const std::string& path) { return DecodeWithFfmpeg(path); }, kEqual);
+}
+
+TEST_F(ThreeFiles, RawLaidEndToEndAreTheInput) {
+  file_.SetFormatRAW(1, 44100, 2, 16);
+  Expect(
+      "raw", [](const std::string& path) { return DecodeWithFfmpeg(path, "-f s16le -ar 44100 -ac 2"); },
+      kEqual);
+}
+
+TEST_F(ThreeFiles, Mp3LaidEndToEndAreTheInput) {
+  file_.SetFormatMP3(Mp3(44100, 2, 192));
+  Expect(
+      "mp3", [](const std::string& path) { return DecodeWithFfmpeg(path); }, 20);
+}
+
+TEST_F(ThreeFiles, Mp3WithoutASeekTableLaidEndToEndAreTheInput) {
+  auto parameters = Mp3(44100, 2, 0);
+  parameters.VBRCodingMethod = 0;
+  parameters.VBRHeader = false;
+  file_.SetFormatMP3(parameters);
+  Expect(
+      "mp3", [](const std::string& path) { return DecodeWithFfmpeg(path); }, 20);
+}
+
+TEST_F(ThreeFiles, OggLaidEndToEndAreTheInput) {
+  file_.SetFormatOgg(44100, 2, 160, 128, 192, -1);
+  Expect(
+      "ogg", [](const std::string& path) { return DecodeWithOggdec(path); }, 15);
+}
+
+}  // namespace
+}  // namespace kestrune::test

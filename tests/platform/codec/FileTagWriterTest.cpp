@@ -1,0 +1,328 @@
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <taglib/fileref.h>
+#include <taglib/id3v1tag.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mpegfile.h>
+#include <taglib/wavfile.h>
+
+#include "base/Text.h"
+#include "platform/codec/Decoders.h"
+#include "platform/codec/EncodedFile.h"
+#include "platform/codec/FileTagWriter.h"
+#include "platform/codec/Mp3Frames.h"
+#include "platform/codec/Signals.h"
+
+namespace kestrune::test {
+namespace {
+
+using platform::EncodedFile;
+using platform::FileTagWriter;
+using platform::Tags;
+
+Tags SomeTags() {
+  return {"Björk", "Jóga", "Radio ID: ABC12345", "Kestrune 3.0", 1};
+}
+
+class FileTagWriterTest : public testing::Test {
+ protected:
+  /// A capture of the format that the extension says.
+  std::string MakeFile(const std::string& name) {
+    std::string path = folder_.Path(name);
+    const std::string extension = name.substr(name.rfind('.') + 1);
+    EncodedFile file;
+    if (extension == "mp3") {
+      platform::Mp3Parameters parameters;
+      parameters.Bitrate = 128;
+      parameters.TypeStereo = 2;
+      parameters.Quality = 7;
+      parameters.VBRHeader = true;
+      file.SetFormatMP3(parameters);
+    } else if (extension == "ogg") {
+      file.SetFormatOgg(44100, 2, 128, 0, 0, 4);
+    } else if (extension == "g726") {
+      file.SetFormatG726(8000, 5);
+    } else if (extension == "vox") {
+      file.SetFormatVOX(8000);
+    } else if (extension == "raw") {
+      file.SetFormatRAW(1, 44100, 2, 16);
+    } else {
+      file.SetFormatWAV(44100, 1, 8);
+    }
+    const auto format = file.FormatValues();
+    // An odd number of bytes where the format allows it.
+    sound_ = MakeMusic(30001, format.SampleRate, format.Channels);
+    file.Create(path);
+    EXPECT_EQ(file.LastResult(), 0);
+    EXPECT_TRUE(WriteBlocks(file, sound_));
+    file.Close();
+    return path;
+  }
+
+  TempFolder folder_;
+  FileTagWriter writer_;
+  std::vector<std::int16_t> sound_;
+};
+
+const std::vector<std::string> kTagged{"a.mp3", "a.ogg", "a.wav", "a.g726"};
+
+TEST_F(FileTagWriterTest, TagsAreThereAndTheSoundIsUntouched) {
+  for (const std::string& name : kTagged) {
+    SCOPED_TRACE(name);
+    const std::string path = MakeFile(name);
+    const std::string sound = SoundChecksum(path);
+    const auto decoded = DecodeWithFfmpeg(path);
+    EXPECT_TRUE(writer_.Write(path, SomeTags()));
+    EXPECT_EQ(SoundChecksum(path), sound);
+    EXPECT_EQ(DecodeWithFfmpeg(path), decoded);
+    auto facts = Probe(path);
+    EXPECT_EQ(facts["TAG:artist"].empty() ? facts["TAG:ARTIST"] : facts["TAG:artist"], "Björk");
+    EXPECT_EQ(facts["TAG:title"].empty() ? facts["TAG:TITLE"] : facts["TAG:title"], "Jóga");
+    EXPECT_EQ(facts["TAG:comment"].empty() ? facts["TAG:COMMENT"] : facts["TAG:comment"],
+              "Radio ID: ABC12345");
+    if (name == "a.mp3") {
+      EXPECT_EQ(facts["TAG:encoded_by"], "Kestrune 3.0");
+    } else {
+      EXPECT_EQ(facts["TAG:encoder"].empty() ? facts["TAG:ENCODER"] : facts["TAG:encoder"], "Kestrune 3.0");
+    }
+  }
+}
+
+void ExpectSomeTags(const TagLib::Tag& tag) {
+  EXPECT_EQ(tag.artist().to8Bit(true), "Björk");
+  EXPECT_EQ(tag.title().to8Bit(true), "Jóga");
+  EXPECT_EQ(tag.comment().to8Bit(true), "Radio ID: ABC12345");
+}
+
+TEST_F(FileTagWriterTest, AnotherTagLibraryReadsTheSame) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg"}) {
+    SCOPED_TRACE(name);
+    const std::string path = MakeFile(name);
+    ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    const TagLib::FileRef file(path.c_str());
+    ASSERT_FALSE(file.isNull());
+    ExpectSomeTags(*file.tag());
+  }
+  const std::string path = MakeFile("a.wav");
+  ASSERT_TRUE(writer_.Write(path, SomeTags()));
+  const TagLib::RIFF::WAV::File file(path.c_str());
+  ASSERT_TRUE(file.hasInfoTag());
+  ExpectSomeTags(*file.InfoTag());
+}
+
+TEST_F(FileTagWriterTest, TaggingWithinReservedRoomMovesNoByteOfSound) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg"}) {
+    const std::string path = MakeFile(name);
+    const std::string before = ReadFile(path);
+    ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    const std::string after = ReadFile(path);
+    const std::size_t room = name == "a.mp3" ? 4096 : 58 + 27 + 17 + 4096;
+    EXPECT_EQ(after.substr(room, before.size() - room), before.substr(room)) << name;
+    EXPECT_EQ(after.size(), before.size() + (name == "a.mp3" ? 128 : 0));
+  }
+}
+
+TEST_F(FileTagWriterTest, TaggedFilesPassTheCheckers) {
+  const std::string mp3 = MakeFile("a.mp3");
+  ASSERT_TRUE(writer_.Write(mp3, SomeTags()));
+  const auto checked = RunProgramAll("mp3val '" + mp3 + "'");
+  EXPECT_EQ(checked.Output.find("WARNING"), std::string::npos) << checked.Output;
+  EXPECT_NE(checked.Output.find("ID3v1"), std::string::npos) << checked.Output;
+
+  const std::string ogg = MakeFile("a.ogg");
+  ASSERT_TRUE(writer_.Write(ogg, SomeTags()));
+  const auto said = RunProgramAll("ogginfo '" + ogg + "'");
+  EXPECT_EQ(said.Status, 0);
+  EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
+  EXPECT_NE(said.Output.find("ARTIST=Björk"), std::string::npos) << said.Output;
+  EXPECT_EQ(DecodeWithOggdec(ogg).size(), sound_.size());
+
+  const std::string wav = MakeFile("a.wav");
+  ASSERT_TRUE(writer_.Write(wav, SomeTags()));
+  const auto read = RunProgramAll("sox '" + wav + "' -n stat");
+  EXPECT_EQ(read.Status, 0);
+  EXPECT_EQ(read.Output.find("WARN"), std::string::npos) << read.Output;
+}
+
+TEST_F(FileTagWriterTest, RiffSizeIsThatOfTheFile) {
+  for (const std::string& name : std::vector<std::string>{"a.wav", "a.g726"}) {
+    const std::string path = MakeFile(name);
+    for (int round = 0; round < 2; ++round) {
+      const std::string bytes = ReadFile(path);
+      std::size_t size = 0;
+      for (std::size_t i = 8; i > 4; --i) size = size << 8 | static_cast<unsigned char>(bytes[i - 1]);
+      EXPECT_EQ(size, bytes.size() - 8) << name << " " << round;
+      EXPECT_EQ(bytes.size() % 2, 0U);
+      ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    }
+  }
+}
+
+TEST_F(FileTagWriterTest, Mp3HoldsTheShortTagAtItsEnd) {
+  const std::string path = MakeFile("a.mp3");
+  ASSERT_TRUE(writer_.Write(path, SomeTags()));
+  TagLib::MPEG::File file(path.c_str());
+  ASSERT_TRUE(file.hasID3v1Tag());
+  EXPECT_EQ(file.ID3v1Tag()->artist().to8Bit(true), "Björk");
+  EXPECT_EQ(file.ID3v1Tag()->title().to8Bit(true), "Jóga");
+  EXPECT_EQ(file.ID3v1Tag()->comment().to8Bit(true), "Radio ID: ABC12345");
+  ASSERT_TRUE(file.hasID3v2Tag());
+  EXPECT_EQ(file.ID3v2Tag()->header()->majorVersion(), 4U);
+  EXPECT_EQ(file.ID3v2Tag()->frameListMap()["TENC"].front()->toString().to8Bit(true), "Kestrune 3.0");
+}
+
+TEST_F(FileTagWriterTest, TaggingAgainReplacesTheTags) {
+  for (const std::string& name : kTagged) {
+    SCOPED_TRACE(name);
+    const std::string path = MakeFile(name);
+    const std::string sound = SoundChecksum(path);
+    Tags longer = SomeTags();
+    longer.Title = base::ReplaceAll(std::string(70, '-'), "-", "longer.");
+    ASSERT_TRUE(writer_.Write(path, longer));
+    ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    const std::string once = ReadFile(path);
+    ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    EXPECT_EQ(ReadFile(path), once);
+    EXPECT_EQ(once.find("longer"), std::string::npos);
+    EXPECT_EQ(SoundChecksum(path), sound);
+  }
+}
+
+TEST_F(FileTagWriterTest, RawAndVoxFilesAreLeftAsTheyAre) {
+  for (const std::string& name : std::vector<std::string>{"a.raw", "a.vox"}) {
+    const std::string path = MakeFile(name);
+    const std::string before = ReadFile(path);
+    EXPECT_FALSE(writer_.Write(path, SomeTags()));
+    EXPECT_EQ(ReadFile(path), before);
+  }
+}
+
+TEST_F(FileTagWriterTest, SoundThatLooksLikeAnotherFormatIsNotTagged) {
+  const std::string wav = ReadFile(MakeFile("a.wav"));
+  WriteFile(folder_.Path("b.raw"), wav);
+  EXPECT_FALSE(writer_.Write(folder_.Path("b.raw"), SomeTags()));
+  EXPECT_EQ(ReadFile(folder_.Path("b.raw")), wav);
+}
+
+TEST_F(FileTagWriterTest, ExtensionsCountWithoutRegardToCase) {
+  const std::string path = MakeFile("a.mp3");
+  std::filesystem::rename(path, folder_.Path("A.MP3"));
+  EXPECT_TRUE(writer_.Write(folder_.Path("A.MP3"), SomeTags()));
+}
+
+TEST_F(FileTagWriterTest, AMissingFileIsSaidAndNotMade) {
+  for (const std::string& name :
+       std::vector<std::string>{"a.mp3", "a.ogg", "a.wav", "a.g726", "a.raw", "a", ""}) {
+    EXPECT_FALSE(writer_.Write(folder_.Path(name), SomeTags()));
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.Path("")));
+}
+
+TEST_F(FileTagWriterTest, FilesThatAreNotOursAreLeftAsTheyAre) {
+  const std::vector<std::string> contents{"",
+                                          "x",
+                                          "ID3",
+                                          "OggS",
+                                          "RIFF",
+                                          std::string(5000, '\0'),
+                                          std::string(5000, '\xFF'),
+                                          std::string("RIFF\x0C\0\0\0WAVEfata\0\0\0\0", 20),
+                                          std::string("RIFF\x0C\0\0\0WAVEdata\xFF\xFF\xFF\x7F", 20),
+                                          std::string("ID3\x04\0\0\0\0\x1F\x76", 10)};
+  for (const std::string& name : kTagged) {
+    for (const std::string& content : contents) {
+      WriteFile(folder_.Path(name), content);
+      EXPECT_FALSE(writer_.Write(folder_.Path(name), SomeTags()));
+      EXPECT_EQ(ReadFile(folder_.Path(name)), content);
+    }
+  }
+}
+
+TEST_F(FileTagWriterTest, ACutOffFileIsTaggedOrLeftButItsSoundNeverSpoilt) {
+  for (const std::string& name : kTagged) {
+    // What the tags may change of the file: the room in front, or the size in the RIFF header.
+    const std::size_t head = name == "a.mp3" ? 4096 : name == "a.ogg" ? 58 + 27 + 17 + 4096 : 8;
+    const std::string path = MakeFile(name);
+    const std::string whole = ReadFile(path);
+    for (std::size_t size = 0; size < whole.size(); size += 1 + size / 7) {
+      SCOPED_TRACE(fmt::format("{} {}", name, size));
+      const std::string cut = whole.substr(0, size);
+      WriteFile(path, cut);
+      const bool tagged = writer_.Write(path, SomeTags());
+      const std::string after = ReadFile(path);
+      if (tagged) {
+        ASSERT_GE(size, head);
+        EXPECT_EQ(after.substr(head, size - head), cut.substr(head));
+      } else {
+        EXPECT_EQ(after, cut);
+      }
+    }
+  }
+}
+
+TEST_F(FileTagWriterTest, AFileWhoseEndNeverCameHoldsNoInfoList) {
+  EncodedFile file;
+  file.SetFormatWAV(44100, 2, 16);
+  file.Create(folder_.Path("a.wav"));
+  ASSERT_TRUE(file.WriteBlock(MakeMusic(1000, 44100, 2)));
+  const std::string before = ReadFile(folder_.Path("a.wav"));
+  EXPECT_FALSE(writer_.Write(folder_.Path("a.wav"), SomeTags()));
+  EXPECT_EQ(ReadFile(folder_.Path("a.wav")), before);
+}
+
+TEST_F(FileTagWriterTest, OddTextsNeverSpoilAFile) {
+  const std::vector<std::string> texts{"",
+                                       " ",
+                                       std::string("a\0b\r\nc\x1B", 7),
+                                       std::string(100000, 'y'),
+                                       "\xFF\xFE not utf-8 \xC3",
+                                       "日本語 🎵 €",
+                                       "ARTIST=x=y",
+                                       "TAG",
+                                       "OggS LIST RIFF data"};
+  for (const std::string& name : kTagged) {
+    const std::string path = MakeFile(name);
+    const std::string sound = SoundChecksum(path);
+    for (const std::string& text : texts) {
+      SCOPED_TRACE(name + " " + text.substr(0, 20));
+      EXPECT_TRUE(writer_.Write(path, {text, text, text, text, 1}));
+      EXPECT_EQ(SoundChecksum(path), sound);
+    }
+    auto facts = Probe(path);
+    EXPECT_EQ(facts["TAG:artist"].empty() ? facts["TAG:ARTIST"] : facts["TAG:artist"], "OggS LIST RIFF data");
+  }
+}
+
+TEST_F(FileTagWriterTest, ALongTextIsCutAndTheOthersStay) {
+  for (const std::string& name : kTagged) {
+    const std::string path = MakeFile(name);
+    Tags tags = SomeTags();
+    tags.Artist = std::string(5000, 'a');
+    tags.Comment = std::string(5000, 'c');
+    ASSERT_TRUE(writer_.Write(path, tags));
+    auto facts = Probe(path);
+    EXPECT_EQ(facts["TAG:artist"].empty() ? facts["TAG:ARTIST"] : facts["TAG:artist"], std::string(900, 'a'))
+        << name;
+    EXPECT_EQ(facts["TAG:title"].empty() ? facts["TAG:TITLE"] : facts["TAG:title"], "Jóga") << name;
+  }
+}
+
+TEST_F(FileTagWriterTest, EmptyTextsHaveNoField) {
+  for (const std::string& name : kTagged) {
+    const std::string path = MakeFile(name);
+    ASSERT_TRUE(writer_.Write(path, SomeTags()));
+    ASSERT_TRUE(writer_.Write(path, {"", "Jóga", "", "", 1}));
+    const auto facts = Probe(path);
+    EXPECT_EQ(facts.count("TAG:artist") + facts.count("TAG:ARTIST"), 0U) << name;
+    EXPECT_EQ(facts.count("TAG:title") + facts.count("TAG:TITLE"), 1U) << name;
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::test
