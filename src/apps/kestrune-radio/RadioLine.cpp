@@ -32,7 +32,7 @@ std::string RadioLine::Open(const std::string& link) {
     ::tcsetattr(Handle(), TCSANOW, &line);
   }
   // Only an end that was open once reads as closed.
-  const platform::FileDescriptor once(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  platform::FileDescriptor(::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)).Close();
 
   if (link.empty()) return {};
   struct stat status {};

@@ -83,10 +83,10 @@ class Running {
   [[nodiscard]] milliseconds Now() const { return std::chrono::floor<milliseconds>(PreciseNow()); }
 
   void Step() {
-    receiver_.Receive(Now(), line_.Read());
     const bool connected = line_.Connected();
     if (connected != connected_) Log("line", {{"open", connected}});
     connected_ = connected;
+    receiver_.Receive(Now(), line_.Read());
     const std::string bytes = receiver_.Send(PreciseNow());
     if (connected_ && !bytes.empty()) line_.Write(bytes);
     StepSound();
