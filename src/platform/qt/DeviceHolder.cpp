@@ -1,0 +1,49 @@
+#include "platform/qt/DeviceHolder.h"
+
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+
+namespace kestrune::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+int ProcessIdOf(const std::string& name) {
+  int id = 0;
+  const char* const nameEnd = name.data() + name.size();
+  const auto [end, error] = std::from_chars(name.data(), nameEnd, id);
+  return error == std::errc{} && end == nameEnd ? id : 0;
+}
+
+/// Processes come and go while they are looked at, and others' are closed to us: each failure just means
+/// "no".
+bool HasOpen(const fs::path& process, const fs::path& device) {
+  std::error_code error;
+  for (fs::directory_iterator file(process / "fd", error), end; !error && file != end;
+       file.increment(error)) {
+    std::error_code unreadable;
+    if (fs::read_symlink(file->path(), unreadable) == device && !unreadable) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+DeviceHolder FindDeviceHolder(const std::string& path) {
+  std::error_code error;
+  const fs::path device = fs::canonical(path, error);
+  if (error) return {};
+  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
+       process.increment(error)) {
+    const int id = ProcessIdOf(process->path().filename().string());
+    if (id == 0 || !HasOpen(process->path(), device)) continue;
+    DeviceHolder holder{id, {}};
+    std::ifstream comm(process->path() / "comm");
+    std::getline(comm, holder.Name);
+    return holder;
+  }
+  return {};
+}
+
+}  // namespace kestrune::platform

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace kestrune::platform {
+
+/// A process that has a device open.
+struct DeviceHolder {
+  int ProcessId = 0;  ///< 0: nobody, as far as this user may see
+  std::string Name;
+};
+
+/// Looks through the open files of all processes that this user may see. `path` may be a link to the device.
+[[nodiscard]] DeviceHolder FindDeviceHolder(const std::string& path);
+
+}  // namespace kestrune::platform

@@ -1,0 +1,148 @@
+#include "platform/qt/QtEventLoop.h"
+
+#include <QCoreApplication>
+#include <QObject>
+#include <QTimerEvent>
+#include <algorithm>
+#include <ctime>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+
+namespace kestrune::platform {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// The civil fields of a moment, by the time zone as it is now.
+std::tm LocalTime(std::time_t moment) {
+  // localtime_r alone would keep to the zone that was set when the process started.
+  ::tzset();
+  std::tm fields{};
+  ::localtime_r(&moment, &fields);
+  return fields;
+}
+
+}  // namespace
+
+/// The one object that Qt's timer events go to. It outlives each timer, so that a timer may be destroyed
+/// while its own event is served.
+class QtEventLoop::TimerHost final : public QObject {
+ public:
+  [[nodiscard]] int Start(HostedTimer& timer, milliseconds interval);
+  void Stop(int id) {
+    killTimer(id);
+    timers_.erase(id);
+  }
+
+ protected:
+  void timerEvent(QTimerEvent* event) override;
+
+ private:
+  std::unordered_map<int, HostedTimer*> timers_;
+};
+
+/// One Qt timer is one interval. While the handler runs there is none unless the handler has asked for it
+/// anew, which is what keeps the timer from firing within itself.
+class QtEventLoop::HostedTimer final : public base::Timer {
+ public:
+  HostedTimer(TimerHost& host, milliseconds interval, std::function<void()> handler)
+      : host_(host),
+        interval_(interval),
+        handler_(std::make_shared<std::function<void()>>(std::move(handler))) {}
+  ~HostedTimer() override { Cancel(); }
+  HostedTimer(const HostedTimer&) = delete;
+  HostedTimer& operator=(const HostedTimer&) = delete;
+
+  void SetInterval(milliseconds interval) override {
+    interval_ = interval;
+    if (enabled_) Start();
+  }
+  [[nodiscard]] milliseconds Interval() const override { return interval_; }
+  void SetEnabled(bool enabled) override {
+    if (enabled == enabled_) return;
+    enabled_ = enabled;
+    if (enabled) {
+      Start();
+    } else {
+      Cancel();
+    }
+  }
+  [[nodiscard]] bool Enabled() const override { return enabled_; }
+
+  void Fire() {
+    Cancel();
+    const std::weak_ptr<bool> alive = alive_;
+    const auto handler = handler_;
+    (*handler)();
+    if (!alive.expired() && enabled_ && id_ == 0) Start();
+  }
+
+ private:
+  void Start() {
+    Cancel();
+    id_ = host_.Start(*this, std::max(interval_, milliseconds(1)));
+  }
+  void Cancel() {
+    if (id_ != 0) host_.Stop(std::exchange(id_, 0));
+  }
+
+  TimerHost& host_;
+  milliseconds interval_;
+  std::shared_ptr<std::function<void()>> handler_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  bool enabled_ = false;
+  int id_ = 0;  ///< of the Qt timer; 0 is none
+};
+
+int QtEventLoop::TimerHost::Start(HostedTimer& timer, milliseconds interval) {
+  // A coarse timer may also fire too early, which the short ones must not: seconds are counted by them.
+  const auto type = interval <= std::chrono::seconds(1) ? Qt::PreciseTimer : Qt::CoarseTimer;
+  const int id = startTimer(interval, type);
+  timers_.emplace(id, &timer);
+  return id;
+}
+
+void QtEventLoop::TimerHost::timerEvent(QTimerEvent* event) {
+  const auto place = timers_.find(event->timerId());
+  if (place != timers_.end()) place->second->Fire();
+}
+
+QtEventLoop::QtEventLoop() : host_(std::make_unique<TimerHost>()) {}
+
+QtEventLoop::~QtEventLoop() = default;
+
+base::DateValue QtEventLoop::Now() const {
+  const std::tm now = LocalTime(std::time(nullptr));
+  return base::DateValue::FromCivil(now.tm_year + 1900, now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min,
+                                    now.tm_sec);
+}
+
+milliseconds QtEventLoop::TimeOfDay() const {
+  const auto sinceEpoch =
+      std::chrono::floor<milliseconds>(std::chrono::system_clock::now().time_since_epoch());
+  const auto whole = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
+  const std::tm now = LocalTime(whole.count());
+  return std::chrono::hours(now.tm_hour) + std::chrono::minutes(now.tm_min) +
+         std::chrono::seconds(now.tm_sec) + (sinceEpoch - whole);
+}
+
+milliseconds QtEventLoop::SteadyNow() const {
+  return std::chrono::floor<milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void QtEventLoop::Sleep(milliseconds duration) {
+  std::this_thread::sleep_for(duration);
+}
+
+void QtEventLoop::PumpEvents() {
+  QCoreApplication::processEvents();
+  // What the devices posted in this round belongs to it: their bytes were there when the round began.
+  QCoreApplication::sendPostedEvents();
+}
+
+std::unique_ptr<base::Timer> QtEventLoop::MakeTimer(milliseconds interval, std::function<void()> handler) {
+  return std::make_unique<HostedTimer>(*host_, interval, std::move(handler));
+}
+
+}  // namespace kestrune::platform

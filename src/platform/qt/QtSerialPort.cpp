@@ -1,0 +1,174 @@
+#include "platform/qt/QtSerialPort.h"
+
+#include <QMetaObject>
+#include <QString>
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <utility>
+
+#include <fmt/format.h>
+#include <poll.h>
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+#include "platform/qt/SerialDeviceCheck.h"
+
+namespace kestrune::platform {
+namespace {
+
+// Qt does not tell of a line that was hung up: reading it gives nothing, again and again.
+constexpr std::chrono::milliseconds kHangUpCheck{200};
+
+bool HungUp(int handle) {
+  pollfd state{handle, 0, 0};
+  return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
+struct LineSettings {
+  qint32 Speed = 0;
+  QSerialPort::Parity Parity = QSerialPort::NoParity;
+  QSerialPort::DataBits DataBits = QSerialPort::Data8;
+  QSerialPort::StopBits StopBits = QSerialPort::OneStop;
+};
+
+/// From the form "9600,n,8,1".
+bool ReadSettings(std::string_view text, LineSettings& settings) {
+  const std::vector<std::string> parts = base::Split(text, ',');
+  if (parts.size() != 4) return false;
+  const auto [end, error] =
+      std::from_chars(parts[0].data(), parts[0].data() + parts[0].size(), settings.Speed);
+  if (error != std::errc{} || settings.Speed <= 0) return false;
+  const std::string parity = base::ToLower(parts[1]);
+  if (parity == "e") {
+    settings.Parity = QSerialPort::EvenParity;
+  } else if (parity == "o") {
+    settings.Parity = QSerialPort::OddParity;
+  } else if (parity != "n") {
+    return false;
+  }
+  if (parts[2] == "7") {
+    settings.DataBits = QSerialPort::Data7;
+  } else if (parts[2] != "8") {
+    return false;
+  }
+  if (parts[3] == "2") {
+    settings.StopBits = QSerialPort::TwoStop;
+  } else if (parts[3] != "1") {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
+    : ports_(std::move(ports)), hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })) {
+  QObject::connect(&port_, &QSerialPort::readyRead, &context_, [this] { NotifySoon(); });
+  QObject::connect(&port_, &QSerialPort::errorOccurred, &context_,
+                   [this](QSerialPort::SerialPortError error) {
+                     switch (error) {
+                       case QSerialPort::ResourceError:
+                       case QSerialPort::ReadError:
+                       case QSerialPort::WriteError:
+                       case QSerialPort::DeviceNotFoundError:
+                         dead_ = true;
+                         // Closed from here, the port would go away under Qt's own hands.
+                         QMetaObject::invokeMethod(
+                             &context_, [this] { CloseIfDead(); }, Qt::QueuedConnection);
+                         break;
+                       default:
+                         // A pseudo-terminal has no modem lines; the rest tells of calls that return their
+                         // failure themselves.
+                         break;
+                     }
+                   });
+}
+
+QtSerialPort::~QtSerialPort() = default;
+
+void QtSerialPort::SetReceiveThreshold(int bytes) {
+  threshold_ = std::max(bytes, 1);
+  NotifySoon();
+}
+
+bool QtSerialPort::TakeSettings() {
+  LineSettings settings;
+  return ReadSettings(settings_, settings) && port_.setBaudRate(settings.Speed) &&
+         port_.setParity(settings.Parity) && port_.setDataBits(settings.DataBits) &&
+         port_.setStopBits(settings.StopBits) && port_.setFlowControl(QSerialPort::NoFlowControl);
+}
+
+std::string QtSerialPort::Open() {
+  Close();
+  const std::string device = ports_.Device(number_);
+  if (device.empty()) return fmt::format("There is no port {}.", number_);
+  std::string obstacle = WhySerialDeviceCannotOpen(device);
+  if (!obstacle.empty()) return obstacle;
+  dead_ = false;
+  port_.setPortName(QString::fromStdString(device));
+  if (!TakeSettings()) return fmt::format("The line settings \"{}\" cannot be used.", settings_);
+  if (!port_.open(QIODevice::ReadWrite)) {
+    return fmt::format("{} cannot be opened: {}.", device, port_.errorString().toStdString());
+  }
+  dead_ = false;
+  hangUpCheck_->SetEnabled(true);
+  return {};
+}
+
+void QtSerialPort::Close() {
+  hangUpCheck_->SetEnabled(false);
+  port_.close();
+}
+
+bool QtSerialPort::IsOpen() const {
+  return port_.isOpen() && !dead_ && !HungUp(port_.handle());
+}
+
+void QtSerialPort::CloseIfDead() {
+  // The device's number is free for the next plugging-in only when nobody holds it any more.
+  if (port_.isOpen() && !IsOpen()) Close();
+}
+
+void QtSerialPort::SetDataTerminalReady(bool on) {
+  if (IsOpen()) base::Ignored(port_.setDataTerminalReady(on));
+}
+
+void QtSerialPort::SetRequestToSend(bool on) {
+  if (IsOpen()) base::Ignored(port_.setRequestToSend(on));
+}
+
+std::string QtSerialPort::Input() {
+  return port_.isOpen() ? port_.readAll().toStdString() : std::string();
+}
+
+bool QtSerialPort::Output(std::string_view bytes) {
+  if (!IsOpen()) return false;
+  const auto size = static_cast<qint64>(bytes.size());
+  if (port_.write(bytes.data(), size) != size) return false;
+  // The caller may sleep before events run again, and what it wrote must not wait for that.
+  base::Ignored(port_.flush());
+  return !dead_;
+}
+
+void QtSerialPort::SetReceiveHandler(std::function<void()> handler) {
+  handler_ = std::make_shared<std::function<void()>>(std::move(handler));
+}
+
+void QtSerialPort::NotifySoon() {
+  // Qt tells of bytes only once while the one it told is still busy; posted, the handler runs within itself
+  // too.
+  if (notifying_ || !port_.isOpen() || port_.bytesAvailable() < threshold_) return;
+  notifying_ = true;
+  QMetaObject::invokeMethod(
+      &context_, [this] { Notify(); }, Qt::QueuedConnection);
+}
+
+void QtSerialPort::Notify() {
+  notifying_ = false;
+  const auto handler = handler_;
+  const bool enough = port_.isOpen() && port_.bytesAvailable() >= threshold_;
+  if (enough && handler && *handler) (*handler)();
+}
+
+}  // namespace kestrune::platform

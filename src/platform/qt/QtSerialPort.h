@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QObject>
+#include <QSerialPort>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "base/EventLoop.h"
+#include "platform/SerialPort.h"
+#include "platform/qt/PortMap.h"
+
+namespace kestrune::platform {
+
+/// A serial line through Qt: real devices and pseudo-terminals, on which modem lines fail silently. The
+/// device is taken for this program alone. A number whose device is not there costs one look into the file
+/// system.
+class QtSerialPort final : public SerialPort {
+ public:
+  /// The loop must outlive the port, and be Qt's.
+  QtSerialPort(base::EventLoop& loop, PortMap ports);
+  ~QtSerialPort() override;
+  QtSerialPort(const QtSerialPort&) = delete;
+  QtSerialPort& operator=(const QtSerialPort&) = delete;
+
+  void SetCommPort(std::int16_t number) override { number_ = number; }
+  void SetSettings(std::string_view settings) override { settings_ = settings; }
+  void SetReceiveThreshold(int bytes) override;
+  [[nodiscard]] std::string Open() override;
+  void Close() override;
+  [[nodiscard]] bool IsOpen() const override;
+  void SetDataTerminalReady(bool on) override;
+  void SetRequestToSend(bool on) override;
+  [[nodiscard]] std::string Input() override;
+  [[nodiscard]] bool Output(std::string_view bytes) override;
+  void SetReceiveHandler(std::function<void()> handler) override;
+
+ private:
+  [[nodiscard]] bool TakeSettings();
+  void NotifySoon();
+  void Notify();
+  void CloseIfDead();
+
+  PortMap ports_;
+  QSerialPort port_;
+  QObject context_;  ///< what is posted to it goes with this object
+  std::unique_ptr<base::Timer> hangUpCheck_;
+  std::shared_ptr<std::function<void()>> handler_;
+  std::string settings_ = "9600,n,8,1";
+  std::int16_t number_ = 0;
+  int threshold_ = 1;
+  bool dead_ = false;
+  bool notifying_ = false;
+};
+
+}  // namespace kestrune::platform

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace kestrune::platform {
+
+/// What stands in the way of opening a serial device, as a text for the user with what to do about it; empty
+/// if nothing is known to. Opens nothing, so that no modem line moves.
+[[nodiscard]] std::string WhySerialDeviceCannotOpen(const std::string& path);
+
+}  // namespace kestrune::platform

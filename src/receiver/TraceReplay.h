@@ -1,0 +1,33 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrune::receiver {
+
+/// The received lines of a trace file ("<seconds since midnight> < <bytes in hex>"), to be sent again with
+/// the same distances in time. Midnight may lie between two lines.
+class TraceReplay {
+ public:
+  /// Lines of other kinds are passed over; the first line with a time is moment 0.
+  explicit TraceReplay(std::string_view trace);
+
+  /// The frames whose moment has come, each given once, in order.
+  [[nodiscard]] std::vector<std::string> Take(std::chrono::milliseconds sinceStart);
+  /// When the next frame is due, counted from moment 0; nothing behind the last one.
+  [[nodiscard]] std::optional<std::chrono::milliseconds> Next() const;
+  [[nodiscard]] std::size_t Frames() const { return entries_.size(); }
+
+ private:
+  struct Entry {
+    std::chrono::milliseconds At;
+    std::string Bytes;
+  };
+  std::vector<Entry> entries_;
+  std::size_t next_ = 0;
+};
+
+}  // namespace kestrune::receiver

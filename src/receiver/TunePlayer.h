@@ -1,0 +1,36 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+namespace kestrune::receiver {
+
+/// A little melody on a five-note scale, with a bass below it and a soft start to each note: another one for
+/// each seed. A pure function of the position, so that any part of it can be asked for. It never reaches full
+/// scale.
+class TunePlayer {
+ public:
+  TunePlayer(std::uint64_t seed, int sampleRate);
+
+  /// Stereo frames from the position on, counted in frames from the start of the tune.
+  void Render(std::int64_t position, std::span<std::int16_t> interleaved) const;
+
+ private:
+  static constexpr std::size_t kSteps = 64;
+
+  struct Note {
+    double Frequency = 0;  ///< Hz; 0 is a rest
+    double Left = 0;
+    double Right = 0;
+  };
+
+  [[nodiscard]] double Voice(const Note& note, double seconds) const;
+
+  double sampleRate_;
+  double stepSeconds_;
+  std::array<Note, kSteps> melody_;
+  std::array<double, kSteps / 8> bass_{};
+};
+
+}  // namespace kestrune::receiver

@@ -1,0 +1,320 @@
+#include <memory>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "PseudoTerminal.h"
+#include "QtApplication.h"
+#include "platform/qt/QtSerialPort.h"
+
+namespace kestrune::test {
+namespace {
+
+using platform::PortMap;
+using platform::QtSerialPort;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using ::testing::AllOf;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class QtSerialPortTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    PortMap ports;
+    ports.SetDevice(1, Far.Path());
+    ports.SetDevice(2, "/dev/no-such-line");
+    ports.SetDevice(3, "/dev/null");
+    ports.SetDevice(4, "/etc/passwd");
+    Port = std::make_unique<QtSerialPort>(Under.Loop, ports);
+    Port->SetCommPort(1);
+    Port->SetReceiveHandler([this] {
+      ++Notifications;
+      Received += Port->Input();
+    });
+  }
+
+  /// Serves events until so many bytes have been received.
+  [[nodiscard]] bool ReceivedSize(std::size_t size) {
+    return Under.RunUntil([this, size] { return Received.size() >= size; }, seconds(5));
+  }
+
+  QtLoop Under;
+  PseudoTerminal Far;
+  std::unique_ptr<QtSerialPort> Port;
+  std::string Received;
+  int Notifications = 0;
+};
+
+TEST_F(QtSerialPortTest, OpensAPseudoTerminalAlthoughItHasNoModemLines) {
+  EXPECT_FALSE(Port->IsOpen());
+  ASSERT_EQ(Port->Open(), "");
+  EXPECT_TRUE(Port->IsOpen());
+  Port->SetDataTerminalReady(true);
+  Port->SetRequestToSend(true);
+  Under.Run(milliseconds(20));
+  EXPECT_TRUE(Port->IsOpen());
+  Port->Close();
+  EXPECT_FALSE(Port->IsOpen());
+}
+
+TEST_F(QtSerialPortTest, BytesGoBothWaysUnchangedZeroBytesIncluded) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all.push_back(static_cast<char>(byte));
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send(all);
+  ASSERT_TRUE(ReceivedSize(256));
+  EXPECT_EQ(Received, all);
+  EXPECT_TRUE(Port->Output(all));
+  EXPECT_EQ(Far.Receive(), all);
+}
+
+TEST_F(QtSerialPortTest, AWriteIsOnItsWayBeforeEventsRun) {
+  ASSERT_EQ(Port->Open(), "");
+  EXPECT_TRUE(Port->Output("one"));
+  EXPECT_EQ(Far.Receive(), "one");
+  EXPECT_TRUE(Port->Output("two"));
+  EXPECT_EQ(Far.Receive(), "two");
+}
+
+TEST_F(QtSerialPortTest, BytesThatComeSplitAreAllThere) {
+  ASSERT_EQ(Port->Open(), "");
+  for (const char* const piece : {"5", "A", "A5", "00", "06"}) {
+    const std::size_t before = Received.size();
+    Far.Send(piece);
+    ASSERT_TRUE(ReceivedSize(before + 1));
+  }
+  EXPECT_EQ(Received, "5AA50006");
+}
+
+TEST_F(QtSerialPortTest, NotifiesFromTheThresholdOn) {
+  Port->SetReceiveThreshold(5);
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("abcd");
+  Under.Run(milliseconds(60));
+  EXPECT_EQ(Notifications, 0);
+  Far.Send("e");
+  ASSERT_TRUE(ReceivedSize(5));
+  EXPECT_EQ(Notifications, 1);
+  EXPECT_EQ(Received, "abcde");
+}
+
+TEST_F(QtSerialPortTest, BytesBelowTheThresholdCanBeReadAllTheSame) {
+  Port->SetReceiveThreshold(5);
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("abcd");
+  Under.Run(milliseconds(60));
+  EXPECT_EQ(Port->Input(), "abcd");
+  EXPECT_EQ(Port->Input(), "");
+  EXPECT_EQ(Notifications, 0);
+}
+
+TEST_F(QtSerialPortTest, ALowerThresholdOnAnOpenPortNotifiesOfWhatWaits) {
+  Port->SetReceiveThreshold(5);
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("abc");
+  Under.Run(milliseconds(60));
+  Port->SetReceiveThreshold(1);
+  EXPECT_EQ(Notifications, 0) << "never from within a call";
+  ASSERT_TRUE(ReceivedSize(3));
+}
+
+TEST_F(QtSerialPortTest, TheHandlerRunsOnlyFromTheLoop) {
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("abcdef");
+  Under.Loop.Sleep(milliseconds(30));
+  EXPECT_EQ(Notifications, 0);
+  EXPECT_TRUE(Port->Output("x"));
+  EXPECT_EQ(Notifications, 0);
+  Under.Loop.PumpEvents();
+  EXPECT_EQ(Notifications, 1) << "one pump serves what is there";
+}
+
+TEST_F(QtSerialPortTest, BytesThatComeWhileTheHandlerPumpsAreNotifiedWithinIt) {
+  int depth = 0;
+  int deepest = 0;
+  Port->SetReceiveHandler([&] {
+    deepest = std::max(deepest, ++depth);
+    Received += Port->Input();
+    if (Received == "first") {
+      Far.Send("second");
+      static_cast<void>(Under.RunUntil([&] { return Received.size() > 5; }, seconds(5)));
+    }
+    --depth;
+  });
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("first");
+  ASSERT_TRUE(ReceivedSize(11));
+  EXPECT_EQ(deepest, 2);
+}
+
+TEST_F(QtSerialPortTest, TheHandlerMayCloseThePort) {
+  Port->SetReceiveHandler([&] {
+    ++Notifications;
+    Port->Close();
+  });
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("abc");
+  ASSERT_TRUE(Under.RunUntil([this] { return Notifications > 0; }, seconds(5)));
+  Under.Run(milliseconds(20));
+  EXPECT_FALSE(Port->IsOpen());
+  EXPECT_EQ(Notifications, 1);
+}
+
+TEST_F(QtSerialPortTest, ALineWhoseOtherEndClosesReadsAsClosedAndDropsWrites) {
+  ASSERT_EQ(Port->Open(), "");
+  Far.Close();
+  EXPECT_FALSE(Port->IsOpen());
+  EXPECT_FALSE(Port->Output("x"));
+  Under.Run(milliseconds(400));
+  EXPECT_FALSE(Port->IsOpen());
+  EXPECT_EQ(Port->Input(), "");
+}
+
+TEST_F(QtSerialPortTest, ADeadLineIsLetGoSoThatItsDeviceIsFree) {
+  ASSERT_EQ(Port->Open(), "");
+  const int next = ::dup(0);
+  ::close(next);
+  Far.Close();
+  Under.Run(milliseconds(400));
+  const int freed = ::dup(0);
+  ::close(freed);
+  EXPECT_LT(freed, next);
+}
+
+TEST_F(QtSerialPortTest, ADeadLineDoesNotSpinForLong) {
+  ASSERT_EQ(Port->Open(), "");
+  Far.Close();
+  Under.Run(milliseconds(400));
+  const std::clock_t before = std::clock();
+  QEventLoop loop;
+  const auto timer = Under.Loop.MakeTimer(milliseconds(300), [&] { loop.quit(); });
+  timer->SetEnabled(true);
+  loop.exec();
+  EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.1);
+}
+
+TEST_F(QtSerialPortTest, CanBeOpenedAgain) {
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_EQ(Port->Open(), "");
+    Far.Send("hello");
+    ASSERT_TRUE(ReceivedSize(5));
+    Received.clear();
+    Port->Close();
+  }
+}
+
+TEST_F(QtSerialPortTest, OpeningAnOpenPortOpensItAnew) {
+  ASSERT_EQ(Port->Open(), "");
+  ASSERT_EQ(Port->Open(), "");
+  EXPECT_TRUE(Port->IsOpen());
+}
+
+TEST_F(QtSerialPortTest, AClosedPortTakesNothing) {
+  EXPECT_FALSE(Port->Output("x"));
+  EXPECT_EQ(Port->Input(), "");
+  Port->SetDataTerminalReady(true);
+  Port->Close();
+}
+
+TEST_F(QtSerialPortTest, AMissingDeviceIsNamed) {
+  Port->SetCommPort(2);
+  EXPECT_EQ(Port->Open(), "There is no device /dev/no-such-line. Is the radio plugged in?");
+  EXPECT_FALSE(Port->IsOpen());
+}
+
+TEST_F(QtSerialPortTest, ASearchOverPortsWithoutDevicesCostsNothing) {
+  Port->SetCommPort(2);
+  const auto start = Under.Loop.SteadyNow();
+  for (int i = 0; i < 1000; ++i) EXPECT_NE(Port->Open(), "");
+  EXPECT_LT(Under.Loop.SteadyNow() - start, milliseconds(1000));
+}
+
+TEST_F(QtSerialPortTest, ANumberWithoutAPortIsNamed) {
+  for (const std::int16_t number : {0, 17}) {
+    Port->SetCommPort(number);
+    EXPECT_EQ(Port->Open(), "There is no port " + std::to_string(number) + ".");
+  }
+}
+
+TEST_F(QtSerialPortTest, WhatIsNoSerialDeviceIsRefused) {
+  Port->SetCommPort(3);
+  EXPECT_EQ(Port->Open(), "/dev/null is not a serial device.");
+  Port->SetCommPort(4);
+  EXPECT_EQ(Port->Open(), "/etc/passwd is not a serial device.");
+}
+
+TEST_F(QtSerialPortTest, ABusyDeviceNamesTheProcessThatHoldsIt) {
+  const int held = ::open(Far.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_GE(held, 0);
+  EXPECT_EQ(Port->Open(), Far.Path() + " is in use by this program already (platform_qt_tes, process " +
+                              std::to_string(::getpid()) + ").");
+  ::close(held);
+  EXPECT_EQ(Port->Open(), "");
+}
+
+TEST_F(QtSerialPortTest, ASecondPortOnTheSameDeviceIsRefused) {
+  ASSERT_EQ(Port->Open(), "");
+  PortMap ports;
+  ports.SetDevice(1, Far.Path());
+  QtSerialPort second(Under.Loop, ports);
+  second.SetCommPort(1);
+  EXPECT_THAT(second.Open(), StartsWith(Far.Path() + " is in use by "));
+}
+
+TEST_F(QtSerialPortTest, BadSettingsAreRefused) {
+  for (const char* const settings :
+       {"", "9600", "fast,n,8,1", "0,n,8,1", "9600,x,8,1", "9600,n,9,1", "9600,n,8,3"}) {
+    Port->SetSettings(settings);
+    EXPECT_EQ(Port->Open(), "The line settings \"" + std::string(settings) + "\" cannot be used.");
+  }
+  for (const char* const settings : {"9600,n,8,1", "19200,E,7,2"}) {
+    Port->SetSettings(settings);
+    EXPECT_EQ(Port->Open(), "") << settings;
+  }
+}
+
+/// Acts as the user nobody while it lives, if the test runs as root.
+class WithoutPower {
+ public:
+  WithoutPower() {
+    const passwd* const nobody = ::getpwnam("nobody");
+    if (::geteuid() == 0 && nobody != nullptr) acting_ = ::seteuid(nobody->pw_uid) == 0;
+  }
+  ~WithoutPower() {
+    if (acting_ && ::seteuid(0) != 0) ::abort();
+  }
+  WithoutPower(const WithoutPower&) = delete;
+  WithoutPower& operator=(const WithoutPower&) = delete;
+
+ private:
+  bool acting_ = false;
+};
+
+TEST_F(QtSerialPortTest, AMissingPermissionNamesTheGroupToJoin) {
+  const group* const dialout = ::getgrnam("dialout");
+  if (::geteuid() != 0 || dialout == nullptr)
+    GTEST_SKIP() << "only root can give a device to the group dialout";
+  ASSERT_EQ(::chown(Far.Path().c_str(), 0, dialout->gr_gid), 0);
+  ASSERT_EQ(::chmod(Far.Path().c_str(), 0660), 0);
+  const WithoutPower nobody;
+  EXPECT_EQ(Port->Open(),
+            "There is no permission to use " + Far.Path() +
+                ". It belongs to the group dialout: type \"sudo usermod -aG dialout nobody\" in a "
+                "terminal, then log out and in again.");
+}
+
+TEST_F(QtSerialPortTest, APermissionThatNoGroupHasIsSaidSo) {
+  ASSERT_EQ(::chmod(Far.Path().c_str(), 0), 0);
+  const WithoutPower nobody;
+  EXPECT_EQ(Port->Open(), "There is no permission to use " + Far.Path() + ", and no group that has it.");
+}
+
+}  // namespace
+}  // namespace kestrune::test

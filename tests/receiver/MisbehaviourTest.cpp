@@ -1,0 +1,169 @@
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "WireBytes.h"
+#include "receiver/Misbehaviour.h"
+
+namespace kestrune::test {
+namespace {
+
+using receiver::MakeMisbehaviour;
+using receiver::Misbehaviour;
+using receiver::ReceiverModel;
+using receiver::Sending;
+using std::chrono::milliseconds;
+
+const std::string kFrame = Bytes("\x5A\xA5\x00\x04\x93\x01\x00\x01\x01\x98");
+const std::string kSelect3 = Bytes("\x10\x02\x03\x00\x00\x01");
+
+std::string Wire(const std::vector<Sending>& sendings) {
+  std::string bytes;
+  for (const Sending& sending : sendings) bytes += sending.Bytes;
+  return bytes;
+}
+
+std::vector<Sending> Spoil(const std::string& name, std::uint64_t seed = 1) {
+  std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
+  MakeMisbehaviour({name, 1.0}, seed)->AfterAnswer(milliseconds(0), sendings);
+  return sendings;
+}
+
+/// All that a misbehaviour does to a hundred answers.
+std::string History(const std::string& name, double rate, std::uint64_t seed) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {});
+  const auto misbehaviour = MakeMisbehaviour({name, rate}, seed);
+  std::string history;
+  for (int i = 0; i < 100; ++i) {
+    misbehaviour->BeforeAnswer(kSelect3, model);
+    std::vector<Sending> sendings;
+    for (const std::string& frame : model.Answer(milliseconds(0), kSelect3)) {
+      sendings.push_back({frame, milliseconds(0)});
+    }
+    misbehaviour->AfterAnswer(milliseconds(i * 1000), sendings);
+    for (const Sending& sending : sendings) {
+      history += std::to_string(sending.Delay.count()) + ":" + sending.Bytes + "|";
+    }
+    history += "\n";
+  }
+  return history;
+}
+
+TEST(Misbehaviour, EveryNameMakesOneThatStrikesAlwaysAtRate1AndNeverAtRate0) {
+  ASSERT_EQ(receiver::MisbehaviourNames().size(), 10U);
+  for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
+    const std::string text(name);
+    EXPECT_FALSE(meaning.empty());
+    ASSERT_NE(MakeMisbehaviour({text, 0.5}, 1), nullptr) << name;
+    EXPECT_EQ(MakeMisbehaviour({text, 0.5}, 1)->Name(), name);
+    EXPECT_EQ(History(text, 0.0, 1), History("lost", 0.0, 1)) << name;
+    EXPECT_NE(History(text, 1.0, 1), History(text, 0.0, 1)) << name;
+  }
+}
+
+TEST(Misbehaviour, AnUnknownNameMakesNone) {
+  EXPECT_EQ(MakeMisbehaviour({"sulk", 1.0}, 1), nullptr);
+}
+
+TEST(Misbehaviour, TheSameSeedStrikesAlikeAndAnotherOtherwise) {
+  for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
+    const std::string text(name);
+    EXPECT_EQ(History(text, 0.3, 42), History(text, 0.3, 42)) << name;
+    EXPECT_NE(History(text, 0.3, 42), History(text, 0.3, 43)) << name;
+  }
+}
+
+TEST(Misbehaviour, StrikesAboutAsOftenAsItsRate) {
+  const auto lost = MakeMisbehaviour({"lost", 0.25}, 7);
+  for (int i = 0; i < 10000; ++i) {
+    std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
+    lost->AfterAnswer(milliseconds(0), sendings);
+  }
+  EXPECT_NEAR(lost->Strikes(), 2500, 200);
+}
+
+TEST(Misbehaviour, JunkComesInFrontOfTheWholeAnswer) {
+  const std::string wire = Wire(Spoil("junk"));
+  EXPECT_GT(wire.size(), kFrame.size());
+  EXPECT_LE(wire.size(), kFrame.size() + 12);
+  EXPECT_TRUE(wire.ends_with(kFrame));
+}
+
+TEST(Misbehaviour, SplitKeepsEveryByteAndPutsAGapBetweenThem) {
+  const std::vector<Sending> sendings = Spoil("split");
+  ASSERT_EQ(sendings.size(), 2U);
+  EXPECT_EQ(Wire(sendings), kFrame);
+  EXPECT_FALSE(sendings[0].Bytes.empty());
+  EXPECT_FALSE(sendings[1].Bytes.empty());
+  EXPECT_GE(sendings[1].Delay, milliseconds(100));
+  EXPECT_LE(sendings[1].Delay, milliseconds(400));
+}
+
+TEST(Misbehaviour, LostAnswersNeverCome) {
+  EXPECT_EQ(Wire(Spoil("lost")), "");
+}
+
+TEST(Misbehaviour, CorruptChangesExactlyOneByte) {
+  for (std::uint64_t seed = 0; seed < 50; ++seed) {
+    const std::string wire = Wire(Spoil("corrupt", seed));
+    ASSERT_EQ(wire.size(), kFrame.size());
+    int wrong = 0;
+    for (std::size_t i = 0; i < wire.size(); ++i) wrong += wire[i] != kFrame[i] ? 1 : 0;
+    EXPECT_EQ(wrong, 1);
+  }
+}
+
+TEST(Misbehaviour, LateAnswersComeWholeAfterOneToThreeSeconds) {
+  const std::vector<Sending> sendings = Spoil("late");
+  ASSERT_EQ(sendings.size(), 1U);
+  EXPECT_EQ(sendings[0].Bytes, kFrame);
+  EXPECT_GE(sendings[0].Delay, milliseconds(1000));
+  EXPECT_LE(sendings[0].Delay, milliseconds(3000));
+}
+
+TEST(Misbehaviour, SetupIsAskedForBehindTheAnswer) {
+  EXPECT_EQ(Wire(Spoil("setup")), kFrame + Bytes("\x5A\xA5\x00\x03\xF2\x01\x00\x01\xF5"));
+}
+
+TEST(Misbehaviour, ANoticeComesBehindTheAnswer) {
+  EXPECT_EQ(Wire(Spoil("notice")), kFrame + Bytes("\x5A\xA5\x00\x03\xE3\x01\x00\x01\xE6"));
+}
+
+TEST(Misbehaviour, SilenceLastsFiveSeconds) {
+  // A rate that strikes once in a while, so that the end of a silence shows.
+  const auto silence = MakeMisbehaviour({"silence", 0.01}, 3);
+  milliseconds begin{-1};
+  milliseconds end{-1};
+  for (milliseconds now{0}; end.count() < 0 && now < std::chrono::hours(1); now += milliseconds(100)) {
+    std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
+    silence->AfterAnswer(now, sendings);
+    if (sendings.empty() && begin.count() < 0) begin = now;
+    if (!sendings.empty() && begin.count() >= 0) end = now;
+  }
+  EXPECT_EQ(end - begin, milliseconds(5000));
+}
+
+TEST(Misbehaviour, RefuseTouchesOnlyTheChoiceOfAChannel) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {});
+  const auto refuse = MakeMisbehaviour({"refuse", 1.0}, 1);
+  refuse->BeforeAnswer("\x31", model);
+  EXPECT_EQ(refuse->Strikes(), 0);
+  refuse->BeforeAnswer(kSelect3, model);
+  EXPECT_EQ(refuse->Strikes(), 1);
+  EXPECT_EQ(model.Answer(milliseconds(0), kSelect3).front().at(5), '\0');
+  EXPECT_EQ(model.TunedChannel(), 1);
+}
+
+TEST(Misbehaviour, OffTakesThePower) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {});
+  MakeMisbehaviour({"off", 1.0}, 1)->BeforeAnswer("\x31", model);
+  EXPECT_FALSE(model.PoweredOn());
+}
+
+TEST(Misbehaviour, OneStrikesAlikeWithAndWithoutTheOthers) {
+  EXPECT_EQ(Wire(Spoil("junk", 5)), Wire(Spoil("junk", 5)));
+  EXPECT_NE(History("junk", 0.5, 5), History("split", 0.5, 5));
+}
+
+}  // namespace
+}  // namespace kestrune::test
