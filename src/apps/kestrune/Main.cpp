@@ -1,16 +1,13 @@
 // The desktop program. It puts the outside together, loads the run, and lives until the run has closed.
+#include <QCoreApplication>
+#include <QTimer>
+#include <cstdint>
 #include <cstdio>
-#include <filesystem>
-#include <memory>
+#include <iostream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <fmt/format.h>
-#include <sys/stat.h>
-
-#include <QCoreApplication>
-#include <QTimer>
 
 #include "apps/SoundInput.h"
 #include "apps/kestrune/AudioLibrary.h"
@@ -23,6 +20,7 @@
 #include "platform/posix/IniSettingsStore.h"
 #include "platform/posix/PosixEnvironment.h"
 #include "platform/posix/PosixFiles.h"
+#include "platform/posix/UnitLock.h"
 #include "platform/qt/PortMap.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSerialPort.h"
@@ -44,22 +42,48 @@ class Silence final : public platform::Sounds {
   void Play(std::string_view /*name*/) override {}
 };
 
-void Say(const std::string& line) { fmt::print(stderr, "kestrune: {}\n", line); }
+platform::PortMap PortsOf(const control::Options& options) {
+  platform::PortMap ports;
+  for (const auto& [number, path] : options.PortDevices)
+    ports.SetDevice(static_cast<std::int16_t>(number), path);
+  return ports;
+}
+
+std::string SoundChoice(const control::Options& options) {
+  switch (options.Audio) {
+    case control::AudioInput::Pulse:
+      return "pulse";
+    case control::AudioInput::Alsa:
+      return "alsa";
+    case control::AudioInput::Pipe:
+      return "pipe:" + options.AudioPipe;
+    case control::AudioInput::Automatic:
+      break;
+  }
+  return {};
+}
+
+void Say(const std::string& line) {
+  fmt::print(stderr, "kestrune: {}\n", line);
+}
 
 int RunUnit(const control::CommandLine& line, const std::string& executable) {
   const control::Options& options = line.Chosen;
-  const platform::PosixEnvironment environment({.ExecutablePath = executable,
-                                                .CommandLine = line.RemainingText,
-                                                .ProfileFolder = options.Profile});
+  const platform::PosixEnvironment environment(
+      {.ExecutablePath = executable, .CommandLine = line.RemainingText, .ProfileFolder = options.Profile});
   platform::QtEventLoop loop;
   platform::PosixFiles files;
   platform::IniSettingsStore settings(environment.SettingsFolder());
-  platform::QtSerialPort port(platform::PortMap(options.PortDevices));
-  platform::ConsoleDialogs dialogs(options.AcceptAgreement);
+  platform::QtSerialPort port(loop, PortsOf(options));
+  platform::ConsoleDialogs dialogs(std::cerr, options.AcceptAgreement);
   Silence sounds;
   recorder::Windows windows;
-  const std::unique_ptr<platform::SoundSource> source = MakeSoundSource(options);
-  AudioLibrary audio(loop, *source);
+  const SoundInput input = MakeSoundSource(SoundChoice(options));
+  if (input.Source == nullptr) {
+    Say(input.Error);
+    return kFailed;
+  }
+  AudioLibrary audio(loop, *input.Source);
 
   recorder::Kestrune unit({.Loop = loop,
                            .pcrComm = port,
@@ -72,19 +96,20 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
                            .Windows = windows});
   control::UnitTarget target(unit);
   const std::string name = recorder::MultiUnitOf(line.RemainingText);
-  const platform::LocalControlSocket socket(
-      platform::ControlSocketPath(environment.RuntimeFolder(), name),
-      [&target](std::string_view request) { return control::Dispatch(target, request); });
-  if (socket.Status() == platform::LocalControlSocket::State::HeldByAnotherProcess) {
+  platform::UnitLock lock(environment.RuntimeFolder(), name);
+  if (!lock.TryAcquire()) {
     Say(name.empty() ? "is running already" : fmt::format("unit {} is running already", name));
     return kFailed;
   }
-  if (socket.Status() == platform::LocalControlSocket::State::Failed) {
+  const platform::LocalControlSocket socket(
+      platform::ControlSocketPath(environment.RuntimeFolder(), name),
+      [&target](std::string_view request) { return control::Dispatch(target, request); });
+  if (socket.Status() != platform::LocalControlSocket::State::Listening) {
     Say("no control socket: " + socket.Reason());
     return kFailed;
   }
 
-  const platform::SignalWatch signalWatch([&unit] { unit.Close(); });
+  const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.RequestClose(); });
   int status = kDone;
   unit.SetClosedHandler([&status] { QCoreApplication::exit(status); });
   QTimer::singleShot(0, [&] {
@@ -109,7 +134,6 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
 
 int main(int argc, char** argv) {
   using namespace kestrune;
-  // Recordings and settings are the user's own.
   const std::vector<std::string> words(argv + 1, argv + argc);
   const control::CommandLine line = control::ParseCommandLine(words);
   if (!line.Error.empty()) {
