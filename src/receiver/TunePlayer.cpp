@@ -76,12 +76,12 @@ void TunePlayer::Render(std::int64_t position, std::span<std::int16_t> interleav
       left += value * note.Left;
       right += value * note.Right;
     }
-    const double bassStart = static_cast<double>(step / 8 * 8) * stepSeconds_;
+    const std::int64_t bar = step / 8;
+    const double bassStart = static_cast<double>(bar) * 8 * stepSeconds_;
     const double sinceBass = time - bassStart;
     const double swell = std::min(1.0, sinceBass / 0.03) * (1 - sinceBass / (8 * stepSeconds_));
     const double bass =
-        kBassGain * swell *
-        std::sin(kTurn * bass_[static_cast<std::size_t>(step / 8) % bass_.size()] * sinceBass);
+        kBassGain * swell * std::sin(kTurn * bass_[static_cast<std::size_t>(bar) % bass_.size()] * sinceBass);
     interleaved[i] = static_cast<std::int16_t>(std::lround((left + bass) * 32767));
     interleaved[i + 1] = static_cast<std::int16_t>(std::lround((right + bass) * 32767));
   }

@@ -9,7 +9,6 @@ namespace kestrune::test {
 namespace {
 
 using receiver::MakeMisbehaviour;
-using receiver::Misbehaviour;
 using receiver::ReceiverModel;
 using receiver::Sending;
 using std::chrono::milliseconds;

@@ -63,6 +63,7 @@ class Program {
       ::dup2(out[1], STDOUT_FILENO);
       ::dup2(errors[1], STDERR_FILENO);
       std::vector<char*> arguments;
+      arguments.reserve(command.size() + 1);
       for (std::string& argument : command) arguments.push_back(argument.data());
       arguments.push_back(nullptr);
       ::execvp(arguments[0], arguments.data());

@@ -36,12 +36,13 @@ Samples Render(StationSound& sound, int channel, std::int64_t first, std::size_t
 double AmplitudeAt(const Samples& samples, double frequency) {
   double real = 0;
   double imaginary = 0;
-  for (std::size_t i = 0; i < samples.size(); i += 2) {
-    const double turn = 2 * std::numbers::pi * frequency * static_cast<double>(i / 2) / kRate;
-    real += samples[i] * std::cos(turn);
-    imaginary += samples[i] * std::sin(turn);
+  const std::size_t frames = samples.size() / 2;
+  for (std::size_t frame = 0; frame < frames; ++frame) {
+    const double turn = 2 * std::numbers::pi * frequency * static_cast<double>(frame) / kRate;
+    real += samples[2 * frame] * std::cos(turn);
+    imaginary += samples[2 * frame] * std::sin(turn);
   }
-  return 2 * std::hypot(real, imaginary) / static_cast<double>(samples.size() / 2);
+  return 2 * std::hypot(real, imaginary) / static_cast<double>(frames);
 }
 
 TEST(Tones, EachSongHasItsOwnFrequency) {

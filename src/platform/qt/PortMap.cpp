@@ -7,11 +7,10 @@
 
 namespace kestrune::platform {
 
-PortMap::PortMap() {
-  for (int i = 0; i < 8; ++i) devices_.at(static_cast<std::size_t>(i)) = fmt::format("/dev/ttyUSB{}", i);
-  for (int i = 0; i < 4; ++i) devices_.at(static_cast<std::size_t>(8 + i)) = fmt::format("/dev/ttyACM{}", i);
-  for (int i = 0; i < 4; ++i) devices_.at(static_cast<std::size_t>(12 + i)) = fmt::format("/dev/ttyS{}", i);
-}
+PortMap::PortMap()
+    : devices_{"/dev/ttyUSB0", "/dev/ttyUSB1", "/dev/ttyUSB2", "/dev/ttyUSB3", "/dev/ttyUSB4", "/dev/ttyUSB5",
+               "/dev/ttyUSB6", "/dev/ttyUSB7", "/dev/ttyACM0", "/dev/ttyACM1", "/dev/ttyACM2", "/dev/ttyACM3",
+               "/dev/ttyS0",   "/dev/ttyS1",   "/dev/ttyS2",   "/dev/ttyS3"} {}
 
 std::string PortMap::Device(std::int16_t number) const {
   if (number < 1 || number > kPorts) return {};

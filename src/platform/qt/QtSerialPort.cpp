@@ -1,6 +1,8 @@
 #include "platform/qt/QtSerialPort.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
 #include <QString>
 #include <algorithm>
 #include <charconv>
@@ -62,20 +64,36 @@ bool ReadSettings(std::string_view text, LineSettings& settings) {
 
 }  // namespace
 
+/// Turns an event that was posted to it into a notification. With it go the connections and what is posted
+/// still.
+class QtSerialPort::Wakeup final : public QObject {
+ public:
+  explicit Wakeup(QtSerialPort& port) : port_(port) {}
+  /// Qt owns the event from here on.
+  void Post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+
+ protected:
+  void customEvent(QEvent* /*event*/) override { port_.Notify(); }
+
+ private:
+  QtSerialPort& port_;
+};
+
 QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
-    : ports_(std::move(ports)), hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })) {
-  QObject::connect(&port_, &QSerialPort::readyRead, &context_, [this] { NotifySoon(); });
-  QObject::connect(&port_, &QSerialPort::errorOccurred, &context_,
+    : ports_(std::move(ports)),
+      wakeup_(std::make_unique<Wakeup>(*this)),
+      hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })) {
+  QObject::connect(&port_, &QSerialPort::readyRead, wakeup_.get(), [this] { NotifySoon(); });
+  QObject::connect(&port_, &QSerialPort::errorOccurred, wakeup_.get(),
                    [this](QSerialPort::SerialPortError error) {
                      switch (error) {
                        case QSerialPort::ResourceError:
                        case QSerialPort::ReadError:
                        case QSerialPort::WriteError:
                        case QSerialPort::DeviceNotFoundError:
+                         // Closed from here, the port would go away under Qt's own hands; the check closes
+                         // it.
                          dead_ = true;
-                         // Closed from here, the port would go away under Qt's own hands.
-                         QMetaObject::invokeMethod(
-                             &context_, [this] { CloseIfDead(); }, Qt::QueuedConnection);
                          break;
                        default:
                          // A pseudo-terminal has no modem lines; the rest tells of calls that return their
@@ -160,8 +178,7 @@ void QtSerialPort::NotifySoon() {
   // too.
   if (notifying_ || !port_.isOpen() || port_.bytesAvailable() < threshold_) return;
   notifying_ = true;
-  QMetaObject::invokeMethod(
-      &context_, [this] { Notify(); }, Qt::QueuedConnection);
+  wakeup_->Post();
 }
 
 void QtSerialPort::Notify() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QObject>
 #include <QSerialPort>
 #include <cstdint>
 #include <functional>
@@ -38,6 +37,8 @@ class QtSerialPort final : public SerialPort {
   void SetReceiveHandler(std::function<void()> handler) override;
 
  private:
+  class Wakeup;
+
   [[nodiscard]] bool TakeSettings();
   void NotifySoon();
   void Notify();
@@ -45,7 +46,7 @@ class QtSerialPort final : public SerialPort {
 
   PortMap ports_;
   QSerialPort port_;
-  QObject context_;  ///< what is posted to it goes with this object
+  std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
   std::shared_ptr<std::function<void()>> handler_;
   std::string settings_ = "9600,n,8,1";

@@ -19,9 +19,6 @@ using platform::PortMap;
 using platform::QtSerialPort;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-using ::testing::AllOf;
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class QtSerialPortTest : public ::testing::Test {
