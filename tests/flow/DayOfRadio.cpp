@@ -26,9 +26,13 @@ class DayOfRadio::Audio final : public platform::AudioLibrary {
 };
 
 DayOfRadio::DayOfRadio(const Plan& plan)
-    : plan_(plan), random_(plan.Seed), line_(radio_, loop_, plan.Seed + 1), audio_(std::make_unique<Audio>(*this)) {
+    : plan_(plan),
+      random_(plan.Seed),
+      line_(radio_, loop_, plan.Seed + 1),
+      audio_(std::make_unique<Audio>(*this)) {
   for (int channel = 30; channel < 70; ++channel) {
-    radio_.Channels[channel] = {fmt::format("Station {}", channel), "Genre", fmt::format("Artist {}", channel), "A"};
+    radio_.Channels[channel] = {fmt::format("Station {}", channel), "Genre",
+                                fmt::format("Artist {}", channel), "A"};
   }
   // The numbers fit 16 bits and wrap; a mono sample a millisecond is enough to see every cut.
   const auto set = [this](std::string_view key, std::string_view value) {
@@ -61,7 +65,8 @@ DayOfRadio::DayOfRadio(const Plan& plan)
 
 DayOfRadio::~DayOfRadio() = default;
 
-void DayOfRadio::Every(std::chrono::milliseconds least, std::chrono::milliseconds most, std::function<void()> what) {
+void DayOfRadio::Every(std::chrono::milliseconds least, std::chrono::milliseconds most,
+                       std::function<void()> what) {
   const std::chrono::milliseconds wait(Draw(static_cast<int>(least.count()), static_cast<int>(most.count())));
   loop_.AtHardware(wait, [this, least, most, what = std::move(what)] {
     what();
@@ -126,7 +131,8 @@ void DayOfRadio::PressSomething() {
       static_cast<void>(unit_->SetMute(Draw(0, 1) == 1));
       break;
     case 8:
-      static_cast<void>(unit_->ChangeSetting(Draw(0, 1) == 0 ? "Integrel" : "Cleftune", Draw(0, 2) > 0 ? "1" : "0"));
+      static_cast<void>(
+          unit_->ChangeSetting(Draw(0, 1) == 0 ? "Integrel" : "Cleftune", Draw(0, 2) > 0 ? "1" : "0"));
       break;
     default:
       static_cast<void>(unit_->ChangeSetting(Draw(0, 1) == 0 ? "SievanceGrab" : "SievanceKill",
@@ -163,8 +169,9 @@ void DayOfRadio::LookOver() {
   Check(!state.RecordRequested || window.ShowsRecording() || status == recorder::status::kWaitingForNextSong,
         "recording with the status \"" + status + "\"");
   Check(state.RecordRequested || armedInLoad || status.empty(), "idle with the status \"" + status + "\"");
-  Check(!state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong || !state.RecordRequested,
-        "waiting with the status \"" + status + "\"");
+  Check(
+      !state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong || !state.RecordRequested,
+      "waiting with the status \"" + status + "\"");
   Check(ledger_.Open <= 1, "two files open");
 
   // The kept files are looked at and taken away: a day of them would only slow the list down.

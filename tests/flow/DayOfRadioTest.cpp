@@ -1,10 +1,10 @@
-#include "flow/DayOfRadio.h"
+#include <cstdlib>
+#include <iostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <iostream>
+#include "flow/DayOfRadio.h"
 
 namespace kestrune::test {
 namespace {
@@ -15,7 +15,8 @@ using ::testing::IsEmpty;
 /// Another seed for each run, printed, or the one of the variable KESTRUNE_SEED.
 std::uint32_t Seed() {
   const char* asked = std::getenv("KESTRUNE_SEED");
-  const std::uint32_t seed = asked != nullptr ? static_cast<std::uint32_t>(std::atol(asked)) : std::random_device{}();
+  const std::uint32_t seed =
+      asked != nullptr ? static_cast<std::uint32_t>(std::atol(asked)) : std::random_device{}();
   std::cout << "seed " << seed << std::endl;
   return seed;
 }
@@ -27,7 +28,8 @@ TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
   DayOfRadio day({.Seed = Seed(), .BadMoments = false});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
-  EXPECT_EQ(day.Ledger().Breaks, 0) << "every file begins with the sample behind the last one of the file before";
+  EXPECT_EQ(day.Ledger().Breaks, 0)
+      << "every file begins with the sample behind the last one of the file before";
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_GT(day.Ledger().Captures, 200);
   EXPECT_GT(day.SongsKept(), 20);

@@ -16,7 +16,7 @@ struct CutLedger {
   std::int64_t Breaks = 0;  ///< places where a sample does not follow the one before it
   bool Begun = false;
   std::int16_t Last = 0;
-  int Open = 0;         ///< files open at the moment
+  int Open = 0;  ///< files open at the moment
   int MostOpen = 0;
 
   void Take(std::int16_t sample) {
@@ -44,7 +44,8 @@ class LedgerCaptureFile final : public platform::CaptureFile {
   void SetFormatVOX(std::int32_t /*frequency*/) override {}
   void SetFormatMP3(const platform::Mp3Parameters& /*parameters*/) override {}
   void SetFormatOgg(std::int32_t /*frequency*/, std::int16_t /*channels*/, std::int16_t /*nominalBitrate*/,
-                    std::int16_t /*minBitrate*/, std::int16_t /*maxBitrate*/, std::int16_t /*quality*/) override {}
+                    std::int16_t /*minBitrate*/, std::int16_t /*maxBitrate*/,
+                    std::int16_t /*quality*/) override {}
   void SetFormatG726(std::int32_t /*frequency*/, std::int16_t /*bits*/) override {}
   void Create(std::string_view path) override;
   [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }

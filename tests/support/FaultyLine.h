@@ -19,11 +19,11 @@ class FaultyLine final : public platform::SerialPort {
  public:
   /// Chances from 0 to 1: the first two for each command, the others for each time bytes are read.
   struct Faults {
-    double LostCommand = 0;   ///< it never reaches the radio
-    double NoiseBefore = 0;   ///< some bytes of noise come back at once
-    double LostReply = 0;     ///< all that has arrived is gone
-    double CorruptByte = 0;   ///< one of the bytes is another one
-    double SplitFrame = 0;    ///< only the first half comes now, the rest 70 ms later
+    double LostCommand = 0;  ///< it never reaches the radio
+    double NoiseBefore = 0;  ///< some bytes of noise come back at once
+    double LostReply = 0;    ///< all that has arrived is gone
+    double CorruptByte = 0;  ///< one of the bytes is another one
+    double SplitFrame = 0;   ///< only the first half comes now, the rest 70 ms later
   };
 
   FaultyLine(platform::SerialPort& honest, SimulatedEventLoop& loop, std::uint32_t seed)

@@ -1,4 +1,4 @@
-#include "PipeOutput.h"
+#include "apps/kestrune-radio/PipeOutput.h"
 
 #include <cerrno>
 #include <cstring>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "SoundOutput.h"
+#include "apps/kestrune-radio/SoundOutput.h"
 #include "platform/posix/FileDescriptor.h"
 
 namespace kestrune::radio_program {

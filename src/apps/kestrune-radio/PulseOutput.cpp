@@ -1,4 +1,4 @@
-#include "PulseOutput.h"
+#include "apps/kestrune-radio/PulseOutput.h"
 
 #include <utility>
 

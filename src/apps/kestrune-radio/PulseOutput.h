@@ -7,7 +7,7 @@
 
 #include <pulse/pulseaudio.h>
 
-#include "SoundOutput.h"
+#include "apps/kestrune-radio/SoundOutput.h"
 
 namespace kestrune::radio_program {
 

@@ -1,4 +1,4 @@
-#include "RadioLine.h"
+#include "apps/kestrune-radio/RadioLine.h"
 
 #include <array>
 #include <cerrno>

@@ -2,8 +2,8 @@
 #include <string_view>
 #include <vector>
 
-#include "RadioOptions.h"
-#include "RadioRun.h"
+#include "apps/kestrune-radio/RadioOptions.h"
+#include "apps/kestrune-radio/RadioRun.h"
 
 int main(int argumentCount, char** arguments) {
   using namespace kestrune::radio_program;

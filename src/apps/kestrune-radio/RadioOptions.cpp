@@ -1,4 +1,4 @@
-#include "RadioOptions.h"
+#include "apps/kestrune-radio/RadioOptions.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "RadioRun.h"
+#include "apps/kestrune-radio/RadioRun.h"
 
 #include <algorithm>
 #include <chrono>
@@ -12,9 +12,9 @@
 #include <nlohmann/json.hpp>
 #include <poll.h>
 
-#include "PipeOutput.h"
-#include "PulseOutput.h"
-#include "RadioLine.h"
+#include "apps/kestrune-radio/PipeOutput.h"
+#include "apps/kestrune-radio/PulseOutput.h"
+#include "apps/kestrune-radio/RadioLine.h"
 #include "receiver/JsonLines.h"
 #include "receiver/TraceReplay.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RadioOptions.h"
+#include "apps/kestrune-radio/RadioOptions.h"
 
 namespace kestrune::radio_program {
 

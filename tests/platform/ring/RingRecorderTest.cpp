@@ -247,7 +247,7 @@ TEST_F(RingRecorderTest, AnotherFormatOpensTheDeviceAnewAndCountsWhatIsLeftOver)
 
 TEST_F(RingRecorderTest, AnotherDeviceIsOpenedAtTheNextStart) {
   Source.SetDevices({{"Radio", "radio"}, {"Other", "other"}});
-  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   Recorder->SetDeviceIndex(1);
   Loop.Run(milliseconds(200));
@@ -260,19 +260,19 @@ TEST_F(RingRecorderTest, AnotherDeviceIsOpenedAtTheNextStart) {
 
 TEST_F(RingRecorderTest, TheDeviceListStaysAsCounted) {
   Source.SetDevices({{"A", "a"}, {"B", "b"}});
-  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
   Source.SetDevices({{"New", "new"}, {"A", "a"}, {"B", "b"}});
   Recorder->SetDeviceIndex(1);
   EXPECT_EQ(Recorder->DeviceName(), "B");
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   EXPECT_EQ(Source.OpenId(), "b");
-  EXPECT_EQ(Recorder->DeviceCount(), 3);
+  EXPECT_EQ(Recorder->DeviceCount(), 4);
   EXPECT_EQ(Recorder->DeviceName(), "A");
 }
 
 TEST_F(RingRecorderTest, AnIndexPastTheLastDeviceIsUnusableAndNameless) {
-  EXPECT_EQ(Recorder->DeviceCount(), 1);
-  for (const std::int16_t index : {std::int16_t{1}, std::int16_t{-1}, std::int16_t{32767}}) {
+  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  for (const std::int16_t index : {std::int16_t{2}, std::int16_t{-1}, std::int16_t{32767}}) {
     Recorder->SetDeviceIndex(index);
     EXPECT_FALSE(Recorder->DeviceUsable());
     EXPECT_EQ(Recorder->DeviceName(), "");
@@ -283,6 +283,39 @@ TEST_F(RingRecorderTest, AnIndexPastTheLastDeviceIsUnusableAndNameless) {
   EXPECT_EQ(Recorder->DeviceName(), "Radio");
   Source.SetUsable("radio", false);
   EXPECT_FALSE(Recorder->DeviceUsable());
+}
+
+TEST_F(RingRecorderTest, TheMapperBehindTheListIsTheFirstUsableDevice) {
+  Source.SetDevices({{"A", "a"}, {"B", "b"}});
+  Source.SetUsable("a", false);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
+  Recorder->SetDeviceIndex(2);
+  EXPECT_TRUE(Recorder->DeviceUsable());
+  EXPECT_EQ(Recorder->DeviceName(), "Sound Mapper");
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(Source.OpenId(), "b");
+}
+
+TEST_F(RingRecorderTest, WithoutDevicesThereIsNoMapperEither) {
+  Source.SetDevices({});
+  EXPECT_EQ(Recorder->DeviceCount(), 0);
+  Recorder->SetDeviceIndex(0);
+  EXPECT_FALSE(Recorder->DeviceUsable());
+}
+
+TEST_F(RingRecorderTest, WhatCameWhileNothingRecordedDoesNotOpenALaterCapture) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(1000));
+  Recorder->Stop();
+  Loop.Run(milliseconds(5000));
+  Recorder->Stop();
+  Taken.clear();
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  const std::uint64_t now = SimulatedSoundSource::FrameAt(Loop.SteadyNow(), 44100);
+  Loop.Run(milliseconds(500));
+  ASSERT_FALSE(Taken.empty());
+  const std::uint32_t first = SimulatedSoundSource::FrameNumbers(Taken).front();
+  EXPECT_GE(first + 4410U, now) << "not the sound of five seconds ago";
 }
 
 TEST_F(RingRecorderTest, ADeviceThatDoesNotOpenAnswersNegativeAndIsNotTriedAgainByItself) {
