@@ -23,7 +23,7 @@ namespace kestrune::test {
 /// Settings for songs of a few seconds on channel 1, all kept, by title only.
 [[nodiscard]] std::map<std::string, std::string> ShortSongs();
 
-/// A file of raw samples that is short and silent; a program that reads on behind its end hears silence.
+/// A file of raw samples, all of them silence, that no test lives to see the end of.
 [[nodiscard]] std::string QuietFile(const std::string& folder);
 
 }  // namespace kestrune::test

@@ -46,6 +46,14 @@ bool Unit::WaitUntilIdle() {
          process_->Running();
 }
 
+bool Unit::WaitForBoundary() const {
+  std::int64_t before = 0;
+  return WaitForStatus([&before](const Json& status) {
+    const auto now = status.value("captureLengthMs", std::int64_t{0});
+    return now < std::exchange(before, now);
+  });
+}
+
 bool Unit::Record(int songs) {
   if (Ctl({"record"}).Exit != 0) return false;
   return WaitForStatus([songs](const Json& status) { return status.value("recordedCount", 0) >= songs; });

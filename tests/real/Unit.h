@@ -38,6 +38,9 @@ class Unit {
   void Start();
   /// Waits until the channels are loaded.
   [[nodiscard]] bool WaitUntilIdle();
+  /// Waits until one capture gives way to the next. What is recorded from then on is whole; the capture that
+  /// is in hand when the channels are loaded counts as whole too, but began in the middle of a song.
+  [[nodiscard]] bool WaitForBoundary() const;
   /// Presses Record and waits for a count of kept songs.
   [[nodiscard]] bool Record(int songs);
 
@@ -56,7 +59,7 @@ class Unit {
 
   [[nodiscard]] const std::string& Profile() const { return profile_; }
   [[nodiscard]] std::string DataFolder() const { return profile_ + "/home/Application Data/Kestrune"; }
-  [[nodiscard]] std::string SettingsFile() const { return profile_ + "/config/Lorimel.ini"; }
+  [[nodiscard]] std::string SettingsFile() const { return profile_ + "/config/lorimel.ini"; }
   [[nodiscard]] std::string RecordingFolder() const { return profile_ + "/Music/Kestrune"; }
   [[nodiscard]] std::string LogText() const;
   /// Files below the folder of recordings, by path; captures that are not finished are kept apart.
