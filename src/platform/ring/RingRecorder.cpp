@@ -32,11 +32,21 @@ RingRecorder::~RingRecorder() {
 std::int16_t RingRecorder::DeviceCount() {
   devices_ = source_.Devices();
   devicesKnown_ = true;
-  return static_cast<std::int16_t>(std::min<std::size_t>(devices_.size(), INT16_MAX));
+  if (devices_.empty()) return 0;
+  return static_cast<std::int16_t>(std::min<std::size_t>(devices_.size() + 1, INT16_MAX));
+}
+
+bool RingRecorder::MapperSelected() {
+  if (!devicesKnown_) static_cast<void>(DeviceCount());
+  return !devices_.empty() && deviceIndex_ >= 0 && static_cast<std::size_t>(deviceIndex_) == devices_.size();
 }
 
 const SoundDevice* RingRecorder::SelectedDevice() {
-  if (!devicesKnown_) static_cast<void>(DeviceCount());
+  if (MapperSelected()) {
+    const auto usable = std::find_if(devices_.begin(), devices_.end(),
+                                     [this](const SoundDevice& device) { return source_.Usable(device.Id); });
+    return usable == devices_.end() ? nullptr : &*usable;
+  }
   if (deviceIndex_ < 0 || static_cast<std::size_t>(deviceIndex_) >= devices_.size()) return nullptr;
   return &devices_[static_cast<std::size_t>(deviceIndex_)];
 }
@@ -47,6 +57,7 @@ bool RingRecorder::DeviceUsable() {
 }
 
 std::string RingRecorder::DeviceName() {
+  if (MapperSelected()) return kMapperName;
   const SoundDevice* device = SelectedDevice();
   return device == nullptr ? std::string() : device->Name;
 }

@@ -25,6 +25,9 @@ namespace kestrune::platform {
 /// 2. The device list is taken by DeviceCount and stays until it is asked for again, so that an index means
 /// the
 ///    same device from the listing to the recording.
+///    Behind the devices of the source stands one more, the mapper, which is the first usable of them. The
+///    count of available devices at the start is one short of the usable ones, as it takes the mapper for
+///    granted: without it a machine with a single input would be a machine with none.
 /// 3. Between Stop and StartRecording the device runs on. If another device or format is asked for then, it
 /// is
 ///    opened anew, and what the ring still held is counted as lost. If no capture starts for 10 s while the
@@ -38,6 +41,8 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   static constexpr std::int16_t kNoSuchDevice = -1;
   static constexpr std::int16_t kBadFormat = -2;
   static constexpr std::int16_t kOpenFailed = -3;  ///< OpenError says why
+
+  static constexpr const char* kMapperName = "Sound Mapper";
 
   static constexpr int kRingSeconds = 30;
   static constexpr std::chrono::milliseconds kPollInterval{50};
@@ -86,6 +91,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void OnSamples(std::span<const std::int16_t> interleaved) override;
   void OnLost(std::int64_t frames) override;
 
+  [[nodiscard]] bool MapperSelected();
   [[nodiscard]] const SoundDevice* SelectedDevice();
   void OpenSource(const SoundDevice& device);
   void CloseSource();

@@ -244,7 +244,7 @@ TEST_F(RingRecorderTest, AnotherFormatOpensTheDeviceAnewAndCountsWhatIsLeftOver)
 
 TEST_F(RingRecorderTest, AnotherDeviceIsOpenedAtTheNextStart) {
   Source.SetDevices({{"Radio", "radio"}, {"Other", "other"}});
-  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   Recorder->SetDeviceIndex(1);
   Loop.Run(milliseconds(200));
@@ -257,19 +257,40 @@ TEST_F(RingRecorderTest, AnotherDeviceIsOpenedAtTheNextStart) {
 
 TEST_F(RingRecorderTest, TheDeviceListStaysAsCounted) {
   Source.SetDevices({{"A", "a"}, {"B", "b"}});
-  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
   Source.SetDevices({{"New", "new"}, {"A", "a"}, {"B", "b"}});
   Recorder->SetDeviceIndex(1);
   EXPECT_EQ(Recorder->DeviceName(), "B");
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   EXPECT_EQ(Source.OpenId(), "b");
-  EXPECT_EQ(Recorder->DeviceCount(), 3);
+  EXPECT_EQ(Recorder->DeviceCount(), 4);
   EXPECT_EQ(Recorder->DeviceName(), "A");
 }
 
-TEST_F(RingRecorderTest, AnIndexPastTheLastDeviceIsUnusableAndNameless) {
-  EXPECT_EQ(Recorder->DeviceCount(), 1);
-  for (const std::int16_t index : {std::int16_t{1}, std::int16_t{-1}, std::int16_t{32767}}) {
+TEST_F(RingRecorderTest, TheMapperBehindTheDevicesIsTheFirstUsableOne) {
+  Source.SetDevices({{"A", "a"}, {"B", "b"}});
+  Source.SetUsable("a", false);
+  EXPECT_EQ(Recorder->DeviceCount(), 3);
+  Recorder->SetDeviceIndex(2);
+  EXPECT_TRUE(Recorder->DeviceUsable());
+  EXPECT_EQ(Recorder->DeviceName(), "Sound Mapper");
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  EXPECT_EQ(Source.OpenId(), "b");
+  Source.SetUsable("b", false);
+  EXPECT_FALSE(Recorder->DeviceUsable());
+}
+
+TEST_F(RingRecorderTest, WithoutDevicesThereIsNoMapper) {
+  Source.SetDevices({});
+  EXPECT_EQ(Recorder->DeviceCount(), 0);
+  Recorder->SetDeviceIndex(0);
+  EXPECT_FALSE(Recorder->DeviceUsable());
+  EXPECT_EQ(Recorder->DeviceName(), "");
+}
+
+TEST_F(RingRecorderTest, AnIndexPastTheMapperIsUnusableAndNameless) {
+  EXPECT_EQ(Recorder->DeviceCount(), 2);
+  for (const std::int16_t index : {std::int16_t{2}, std::int16_t{-1}, std::int16_t{32767}}) {
     Recorder->SetDeviceIndex(index);
     EXPECT_FALSE(Recorder->DeviceUsable());
     EXPECT_EQ(Recorder->DeviceName(), "");
