@@ -1,6 +1,5 @@
 #include <cmath>
 #include <cstdint>
-#include <fstream>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -23,7 +22,7 @@ std::string WaveOf(const TemporaryFolder& folder, const std::string& name,
     for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(number >> shift & 0xFF);
   }
   PutFile(folder / (name + ".raw"), bytes);
-  const std::string wave = folder / (name + ".wav");
+  std::string wave = folder / (name + ".wav");
   EXPECT_EQ(RunToEnd({"sox",
                       {"-D", "-t", "raw", "-r", "44100", "-e", "signed", "-b", "16", "-c", "2",
                        folder / (name + ".raw"), wave},

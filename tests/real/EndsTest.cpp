@@ -103,15 +103,13 @@ TEST_F(Ends, AQuitClosesCleanly) {
   ExpectRadioOff(track);
 }
 
-TEST_F(Ends, ASongInHandIsLostAtTheEndWithoutALine) {
-  // The log of a unit that has ended, whichever test ended it.
+TEST_F(Ends, ARadioThatIsToStayOnIsLeftAloneAndTheSongInHandIsLost) {
   Track& track = Recording("radio left on");
   const std::size_t kept = track.Recorder->Recordings().size();
   EXPECT_EQ(track.Recorder->Quit(), 0);
   ExpectClosed(track);
   EXPECT_EQ(track.Recorder->Recordings().size(), kept);
   EXPECT_THAT(track.Recorder->LogText(), testing::Not(HasSubstr("Not Recorded")));
-  // This unit was told to leave its radio alone.
   const auto power = track.Radio->Events("power");
   EXPECT_TRUE(power.empty() || power.back()["on"] == true);
   const auto mute = track.Radio->Events("mute");

@@ -26,7 +26,6 @@ namespace kestrune::test {
 namespace {
 
 using Json = Unit::Json;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr double kSongSeconds = 5;

@@ -79,8 +79,9 @@ class Formats : public testing::Test {
   /// The song whose file this is, by its folder and name.
   static int SongOf(const FormatRun& run, const std::string& file, const std::string& extension) {
     for (int i = 0; i < kRoundOfSongs; ++i) {
-      const std::string place = kSongs[static_cast<std::size_t>(i)].Place;
-      if (file == run.Recorder->RecordingFolder() + "/" + place + extension) return i;
+      std::string path = run.Recorder->RecordingFolder();
+      path.append("/").append(kSongs[static_cast<std::size_t>(i)].Place).append(extension);
+      if (file == path) return i;
     }
     return -1;
   }
@@ -91,6 +92,7 @@ class Formats : public testing::Test {
     ASSERT_GT(sound.Samples.size(), 0U) << "nothing could be decoded";
     EXPECT_NEAR(sound.Seconds(), kSongSeconds, kCutTolerance);
     std::vector<double> all;
+    all.reserve(kRoundOfSongs);
     for (int i = 0; i < kRoundOfSongs; ++i) all.push_back(ToneOfSong(i));
     const std::vector<double> windows = TonesOver(sound.Mono(), sound.Rate, all);
     const auto edge = static_cast<std::size_t>(kCutTolerance * 10);

@@ -38,7 +38,7 @@ std::vector<std::string> EnvironmentWith(const std::map<std::string, std::string
     const std::string text = *variable;
     if (added.count(text.substr(0, text.find('='))) == 0) all.push_back(text);
   }
-  for (const auto& [name, value] : added) all.push_back(name + "=" + value);
+  for (const auto& [name, value] : added) all.push_back(std::string(name).append("=").append(value));
   return all;
 }
 
