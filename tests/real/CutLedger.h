@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kestrune::test {
+
+/// What became of a sound whose frames bear their numbers (low half left, high half right), over the files it
+/// was cut into.
+struct CutLedger {
+  int Files = 0;
+  std::int64_t Frames = 0;   ///< with a number that follows the one before
+  std::int64_t Lost = 0;     ///< numbers that are in no file
+  std::int64_t Doubled = 0;  ///< frames whose number has been there
+  std::int64_t Silent = 0;   ///< frames of silence between two that follow one another: the player was late
+};
+
+/// Decodes the files and lays them end to end, in the order of their first numbers.
+[[nodiscard]] CutLedger ReadCutLedger(const std::vector<std::string>& files);
+
+}  // namespace kestrune::test

@@ -1,0 +1,273 @@
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "real/Decoded.h"
+#include "real/LineUps.h"
+#include "real/Receiver.h"
+#include "real/Tone.h"
+#include "real/Unit.h"
+#include "real/Waiting.h"
+#include "support/PrivatePulse.h"
+
+namespace kestrune::test {
+namespace {
+
+using Json = Unit::Json;
+using testing::IsEmpty;
+
+constexpr double kSongSeconds = 5;
+
+/// What breaks while the program runs, or was broken before: it goes on with what is left.
+class Faults : public testing::Test {
+ protected:
+  Receiver::Setup RadioSetup() const { return {ShortLineUp({"One", "Two", "Three"}, kSongSeconds)}; }
+  Unit::Setup UnitSetup(const Receiver& radio) const {
+    return {"pipe:" + QuietFile(folder_.Path()), radio.Link(), ShortSongs()};
+  }
+
+  /// In the middle of a song that is being recorded.
+  static bool WaitForMidSong(const Unit& unit) {
+    return unit.WaitForStatus([](const Json& status) {
+      return status.value("recording", "") == "Recording" && status.value("captureLengthMs", 0) > 1500;
+    });
+  }
+  static bool WaitForSongs(const Unit& unit, int count) {
+    return unit.WaitForStatus(
+        [count](const Json& status) { return status.value("recordedCount", 0) >= count; });
+  }
+
+  TemporaryFolder folder_;
+};
+
+/// A small disk of its own; root alone may make one.
+class SmallDisk {
+ public:
+  SmallDisk(std::string folder, const char* size) : folder_(std::move(folder)) {
+    std::filesystem::create_directories(folder_);
+    const std::string options = std::string("size=") + size;
+    error_ =
+        ::mount("tmpfs", folder_.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()) == 0 ? 0 : errno;
+  }
+  ~SmallDisk() {
+    if (error_ == 0) ::umount2(folder_.c_str(), MNT_DETACH);
+  }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+  [[nodiscard]] std::string Trouble() const { return error_ == 0 ? "" : std::strerror(error_); }
+  [[nodiscard]] bool Full() const { return std::filesystem::space(folder_).available < 8192; }
+
+ private:
+  std::string folder_;
+  int error_ = 0;
+};
+
+TEST_F(Faults, AReceiverThatGoesAwayInMidSongStopsNothing) {
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit unit(folder_ / "profile", UnitSetup(radio));
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_EQ(unit.Ctl({"record"}).Exit, 0);
+  ASSERT_TRUE(WaitForMidSong(unit));
+
+  radio.Kill();
+  const double length = unit.Status().value("captureLengthMs", 0);
+  // Without a radio no song ends: the capture in hand runs on beyond any song of this line-up.
+  EXPECT_TRUE(unit.WaitForStatus([length](const Json& status) {
+    return status.value("captureLengthMs", 0) > length + 1000 * kSongSeconds;
+  }));
+  radio.Start();
+  EXPECT_EQ(unit.Ctl({"stop"}).Exit, 0);
+  EXPECT_TRUE(unit.Program().Running());
+  EXPECT_EQ(unit.Quit(), 0);
+  EXPECT_THAT(unit.Captures(), IsEmpty());
+
+  // The next start finds the radio at its old place.
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  EXPECT_TRUE(unit.Record(1));
+}
+
+TEST_F(Faults, ASoundServerThatComesBackIsRecordedAgainAndItsGapCounted) {
+  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
+  PrivatePulse pulse;
+  ASSERT_TRUE(pulse.Start());
+  const auto variables = pulse.Environment();
+  // The receiver plays no sound here, as its player would go down with the server.
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit::Setup setup = UnitSetup(radio);
+  setup.Audio = "pulse";
+  setup.Environment = {variables.begin(), variables.end()};
+  constexpr double kTone = 480;
+  const std::string tone = folder_ / "tone.raw";
+  ASSERT_EQ(RunToEnd({"sox",
+                      {"-n", "-r", "44100", "-c", "2", "-b", "16", "-e", "signed", "-t", "raw", tone, "synth",
+                       "300", "sine", "480", "gain", "-6"},
+                      {}})
+                .Exit,
+            0);
+  ChildProcess player = pulse.Play(tone);
+
+  Unit unit(folder_ / "profile", setup);
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_EQ(unit.Ctl({"record"}).Exit, 0);
+  ASSERT_TRUE(WaitForMidSong(unit));
+
+  pulse.Kill();
+  // A song ends while there is no server; the gap is known when it is over.
+  EXPECT_TRUE(unit.WaitForBoundary());
+  ASSERT_TRUE(pulse.Start());
+  player = pulse.Play(tone);
+  EXPECT_TRUE(unit.WaitForStatus([](const Json& status) { return status.value("samplesLost", 0) > 0; }));
+  const int before = unit.RecordedCount();
+  // The song that the gap falls into, perhaps one beside it, and then a whole one.
+  EXPECT_TRUE(WaitForSongs(unit, before + 3));
+  EXPECT_EQ(unit.Quit(), 0);
+
+  std::vector<std::string> files = unit.Recordings();
+  std::sort(files.begin(), files.end(), [](const std::string& a, const std::string& b) {
+    return std::filesystem::last_write_time(a) < std::filesystem::last_write_time(b);
+  });
+  ASSERT_FALSE(files.empty());
+  const Decoded last = DecodeWithFfmpeg(files.back());
+  const std::vector<double> heard = TonesOver(last.Mono(), last.Rate, std::vector<double>{kTone});
+  EXPECT_GT(std::count(heard.begin(), heard.end(), kTone), static_cast<int>((kSongSeconds - 2) * 10));
+}
+
+TEST_F(Faults, AFullDiskLosesSongsButNotTheOnesBehindIt) {
+  Receiver radio(folder_ / "radio", RadioSetup());
+  const Unit::Setup setup = UnitSetup(radio);
+  // One song of 5 s takes 0.9 MB.
+  const SmallDisk disk(folder_ / "profile/Music/Kestrune", "1200k");
+  if (!disk.Trouble().empty()) GTEST_SKIP() << "no small disk can be mounted here: " << disk.Trouble();
+  Unit unit(folder_ / "profile", setup);
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_EQ(unit.Ctl({"record"}).Exit, 0);
+  EXPECT_TRUE(WaitUntil(kPatience, [&disk] { return disk.Full(); }));
+  const int count = unit.RecordedCount();
+  EXPECT_TRUE(unit.Program().Running());
+
+  const auto free = [&unit] {
+    for (const std::string& file : unit.Recordings()) std::filesystem::remove(file);
+  };
+  free();
+  // The song in hand while the disk was full may be short; the disk is kept free until a later one is whole.
+  double longest = 0;
+  EXPECT_TRUE(WaitUntil(
+      kPatience,
+      [&] {
+        for (const std::string& file : unit.Recordings()) {
+          const double seconds = DecodeWithFfmpeg(file).Seconds();
+          longest = std::max(longest, seconds);
+          if (seconds > kSongSeconds - 1.5 && unit.RecordedCount() > count + 1) return true;
+          std::filesystem::remove(file);
+        }
+        return false;
+      },
+      300ms))
+      << "longest file behind the full disk: " << longest << " s";
+  EXPECT_EQ(unit.Quit(), 0);
+}
+
+TEST_F(Faults, AFolderThatCannotBeWrittenIsToldAndALaterOneServes) {
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit::Setup setup = UnitSetup(radio);
+  // Even root makes no folder below a file.
+  PutFile(folder_ / "file", "no folder");
+  setup.Settings["FileDir"] = folder_ / "file/below";
+  Unit unit(folder_ / "profile", setup);
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_EQ(unit.Ctl({"record"}).Exit, 0);
+  EXPECT_TRUE(WaitUntil(
+      kPatience, [&unit] { return unit.LogText().find("creating output file") != std::string::npos; }));
+  EXPECT_TRUE(unit.Program().Running());
+
+  const std::string good = folder_ / "good";
+  EXPECT_EQ(unit.Ctl({"set", "FileDir", good}).Exit, 0);
+  EXPECT_TRUE(WaitUntil(kPatience, [&good] { return !Unit::FilesBelow(good, false).empty(); }));
+  EXPECT_EQ(FileText(folder_ / "file"), "no folder");
+  EXPECT_EQ(unit.Quit(), 0);
+}
+
+TEST_F(Faults, FilesFullOfRubbishDoNotKeepTheProgramFromWorking) {
+  const unsigned seed = std::random_device{}();
+  std::cout << "seed " << seed << '\n';
+  std::mt19937 random(seed);
+  const auto rubbish = [&random] {
+    std::string bytes(20000, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+  };
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit::Setup setup = UnitSetup(radio);
+  Unit unit(folder_ / "profile", setup);
+  // The settings stay readable behind the rubbish, so that the songs are short enough for this test.
+  PutFile(unit.SettingsFile(), rubbish() + "\n" + FileText(unit.SettingsFile()));
+  std::filesystem::create_directories(unit.DataFolder());
+  for (const char* name : {"ChannelList.txt", "Restriction.txt", "Kestrune.log"}) {
+    PutFile(unit.DataFolder() + "/" + name, rubbish());
+  }
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  const Json channels = unit.Ask({"channels"});
+  EXPECT_TRUE(std::any_of(channels.begin(), channels.end(), [](const Json& channel) {
+    return channel["number"] == 3 && channel["station"] == "Other";
+  })) << channels.dump();
+  EXPECT_TRUE(unit.Record(1));
+  EXPECT_EQ(unit.Quit(), 0);
+}
+
+TEST_F(Faults, AProgramThatWasKilledStartsAndRecordsAgain) {
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit unit(folder_ / "profile", UnitSetup(radio));
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_EQ(unit.Ctl({"record"}).Exit, 0);
+  ASSERT_TRUE(WaitForMidSong(unit));
+  unit.Program().Signal(SIGKILL);
+  EXPECT_EQ(unit.Program().Wait(kPatience), 128 + SIGKILL);
+  EXPECT_FALSE(unit.Captures().empty()) << "the song in hand is left behind";
+  EXPECT_EQ(unit.Ctl({"status"}).Exit, 3);
+
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  EXPECT_TRUE(unit.Record(2));
+  EXPECT_EQ(unit.Quit(), 0);
+  EXPECT_THAT(unit.Captures(), IsEmpty());
+}
+
+TEST_F(Faults, ALineThatMisbehavesIsLivedWith) {
+  Receiver::Setup setup = RadioSetup();
+  setup.Arguments = {"--misbehave", "junk,split,lost", "--seed", "11"};
+  Receiver radio(folder_ / "radio", setup);
+  Unit unit(folder_ / "profile", UnitSetup(radio));
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  EXPECT_TRUE(unit.Record(3));
+  std::set<std::string> struck;
+  for (const Json& event : radio.Events("misbehaviour")) struck.insert(event.value("name", ""));
+  EXPECT_THAT(struck, testing::ElementsAre("junk", "lost", "split"));
+  EXPECT_EQ(unit.Quit(), 0);
+  for (const std::string& file : unit.Recordings()) {
+    EXPECT_THAT(std::filesystem::path(file).stem().string(), testing::MatchesRegex("(One|Two|Three)[0-9]*"));
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::test
