@@ -42,8 +42,8 @@ Kestrune::Kestrune(const Outside& outside)
                 outside.Files, outside.Loop),
       commands_(recording_, radioState_, modes_, window_, session_, outside.Loop, *tmrUpdate_),
       settingChanges_(settings_, section_, [this] { commands_.cmdStop(); }),
-      updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, display_, outside.Loop,
-                   *tmrUpdate_),
+      updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
+                   outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
              outside.Loop) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {

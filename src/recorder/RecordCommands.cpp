@@ -15,7 +15,22 @@ RecordCommands::RecordCommands(RecordingState& state, const radio::RadioState& r
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
 
+bool RecordCommands::HeldBack(Command command) {
+  if (state_.BoundaryBusy) heldBack_.push_back(command);
+  return state_.BoundaryBusy;
+}
+
+void RecordCommands::RunHeldBack() {
+  std::vector<Command> commands;
+  commands.swap(heldBack_);
+  for (const Command command : commands) {
+    if (command == Command::Record && window_.cmdRecord.Enabled) cmdRecord();
+    if (command == Command::Stop && window_.cmdStop.Enabled) cmdStop();
+  }
+}
+
 void RecordCommands::cmdRecord() {
+  if (HeldBack(Command::Record)) return;
   if (radio_.ChannelsLoading) {
     // The end of the channel load performs the command again.
     ShowStatus(status::kWaitingForChannelLoad);
@@ -57,6 +72,7 @@ void RecordCommands::cmdRecord() {
 }
 
 void RecordCommands::cmdStop() {
+  if (HeldBack(Command::Stop)) return;
   if (window_.lblRecording.Caption == status::kWaitingForChannelLoad) {
     window_.lblRecording = {.Caption = "", .Visible = false};
     window_.cmdRecord.Enabled = true;

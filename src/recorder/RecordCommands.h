@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/EventLoop.h"
 #include "radio/RadioSession.h"
@@ -23,7 +24,14 @@ class RecordCommands {
   void cmdRecord();
   void cmdStop();
 
+  /// Carries out what was asked for within a boundary.
+  void RunHeldBack();
+
  private:
+  enum class Command { Record, Stop };
+  /// True, and the command kept for later, if a boundary is being taken: it is half way between two songs, and
+  /// a command that changed the flags there would be meant for one and hit the other.
+  [[nodiscard]] bool HeldBack(Command command);
   void TakeSession(base::DateValue start);
   void ShowStatus(std::string_view status);
 
@@ -34,6 +42,7 @@ class RecordCommands {
   radio::RadioSession& session_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
+  std::vector<Command> heldBack_;
 };
 
 }  // namespace kestrune::recorder

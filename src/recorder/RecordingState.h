@@ -37,6 +37,7 @@ struct RecordingState {
 
   bool SongBoundarySeen = false;  ///< the capture in hand began exactly at a song boundary
   base::DateValue SongBoundaryTime;
+  bool BoundaryBusy = false;     ///< a boundary is being taken, events run inside it
   bool SkipSongDelay = false;    ///< the next boundary is taken at once
   bool ForceSongChange = false;  ///< the next tick takes a boundary even if songs are not split
   std::int16_t SettleTicks = 0;  ///< ticks that only follow the text, and see no change of song

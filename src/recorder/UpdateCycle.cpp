@@ -9,13 +9,15 @@ constexpr int kTicksPerSchedulePass = 20;
 
 UpdateCycle::UpdateCycle(RecordingState& state, const radio::RadioState& radio, const base::RunState& run,
                          radio::Channels& channels, const Modes& modes, SongBoundary& boundary,
-                         Display& display, base::EventLoop& loop, base::Timer& tmrUpdate)
+                         RecordCommands& commands, Display& display, base::EventLoop& loop,
+                         base::Timer& tmrUpdate)
     : state_(state),
       radio_(radio),
       run_(run),
       channels_(channels),
       modes_(modes),
       boundary_(boundary),
+      commands_(commands),
       display_(display),
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
@@ -38,7 +40,14 @@ void UpdateCycle::Tick() {
     return EndTick();
   }
   const bool split = modes_.CheckCleftune();
-  if (GateOpen(split)) boundary_.Take(split);
+  if (GateOpen(split)) {
+    state_.BoundaryBusy = true;
+    boundary_.Take(split);
+    state_.BoundaryBusy = false;
+    commands_.RunHeldBack();
+    // The commands turn the timer on, and this tick is not over.
+    tmrUpdate_.SetEnabled(false);
+  }
 
   loop_.PumpEvents();
   if (const radio::ChannelEntry* tuned = channels_.TunedRow()) {

@@ -8,6 +8,7 @@
 #include "radio/RadioState.h"
 #include "recorder/Display.h"
 #include "recorder/Modes.h"
+#include "recorder/RecordCommands.h"
 #include "recorder/RecordingState.h"
 #include "recorder/SongBoundary.h"
 
@@ -18,8 +19,8 @@ namespace kestrune::recorder {
 class UpdateCycle {
  public:
   UpdateCycle(RecordingState& state, const radio::RadioState& radio, const base::RunState& run,
-              radio::Channels& channels, const Modes& modes, SongBoundary& boundary, Display& display,
-              base::EventLoop& loop, base::Timer& tmrUpdate);
+              radio::Channels& channels, const Modes& modes, SongBoundary& boundary, RecordCommands& commands,
+              Display& display, base::EventLoop& loop, base::Timer& tmrUpdate);
 
   void Tick();
 
@@ -36,6 +37,7 @@ class UpdateCycle {
   radio::Channels& channels_;
   const Modes& modes_;
   SongBoundary& boundary_;
+  RecordCommands& commands_;
   Display& display_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;

