@@ -1,3 +1,5 @@
+#include <csignal>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -9,6 +11,7 @@
 #include "real/Process.h"
 #include "real/Receiver.h"
 #include "real/Unit.h"
+#include "real/Waiting.h"
 
 namespace kestrune::test {
 namespace {
@@ -72,6 +75,19 @@ TEST_F(Starts, HelpAndVersionAreNoFailure) {
   EXPECT_THAT(version.Output, HasSubstr("3.0.29"));
 }
 
+TEST_F(Starts, WithoutAProfileTheUsersOwnFoldersAreTaken) {
+  const std::string home = folder_ / "home";
+  std::filesystem::create_directories(home);
+  const Outcome outcome = RunToEnd(
+      {"kestrune",
+       WithoutPorts({"--headless", "--accept-agreement", "--audio", "pipe:" + QuietFile(folder_.Path())}),
+       {{"HOME", home}, {"userprofile", ""}, {"XDG_CONFIG_HOME", ""}, {"XDG_RUNTIME_DIR", folder_ / "run"}}},
+      kPatience);
+  EXPECT_EQ(outcome.Exit, 1);
+  EXPECT_TRUE(std::filesystem::exists(home + "/Application Data/Kestrune/Kestrune.log"));
+  EXPECT_TRUE(std::filesystem::exists(home + "/.config/kestrune/lorimel.ini"));
+}
+
 TEST_F(Starts, WithoutARadioTheUserIsToldAndTheProgramEnds) {
   const Outcome outcome =
       RunKestrune(WithoutPorts({"--accept-agreement", "--audio", "pipe:" + QuietFile(folder_.Path())}));
@@ -96,6 +112,15 @@ TEST_F(Starts, AnAgreementThatNobodyAcceptedEndsTheProgram) {
   EXPECT_EQ(outcome.Exit, 1);
   EXPECT_THAT(outcome.Errors, HasSubstr("greement"));
   EXPECT_TRUE(radio.Events("command").empty()) << "the radio was sought before the agreement";
+}
+
+TEST_F(Starts, TheDemonstrationBringsAReceiverOfItsOwn) {
+  Process kestrune(
+      {"kestrune", {"--headless", "--accept-agreement", "--demo", "--profile", folder_ / "profile"}, {}});
+  EXPECT_TRUE(WaitUntil(
+      kPatience, [&] { return RunCtl({"log"}).Output.find("Radio found on port 1") != std::string::npos; }));
+  kestrune.Signal(SIGTERM);
+  EXPECT_EQ(kestrune.Wait(kPatience), 0);
 }
 
 TEST_F(Starts, KestruneCtlWithoutAUnitSaysSo) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 
 #include "apps/SoundInput.h"
 #include "apps/kestrune/AudioLibrary.h"
+#include "apps/kestrune/DemoReceiver.h"
 #include "base/Version.h"
 #include "control/CommandLine.h"
 #include "control/ControlServer.h"
@@ -68,9 +70,22 @@ void Say(const std::string& line) {
 }
 
 int RunUnit(const control::CommandLine& line, const std::string& executable) {
-  const control::Options& options = line.Chosen;
+  control::Options options = line.Chosen;
   const platform::PosixEnvironment environment(
-      {.ExecutablePath = executable, .CommandLine = line.RemainingText, .ProfileFolder = options.Profile});
+      {.ExecutablePath = executable,
+       .CommandLine = line.RemainingText,
+       .ProfileFolder = options.Profile.empty() ? std::nullopt : std::optional(options.Profile)});
+  std::optional<DemoReceiver> demo;
+  if (options.Demo) {
+    demo.emplace(environment.ExecutableFolder());
+    if (!demo->Error().empty()) {
+      Say(demo->Error());
+      return kFailed;
+    }
+    options.PortDevices[1] = demo->LinePath();
+    options.Audio = control::AudioInput::Pipe;
+    options.AudioPipe = demo->SoundPath();
+  }
   platform::QtEventLoop loop;
   platform::PosixFiles files;
   platform::IniSettingsStore settings(environment.SettingsFolder());
