@@ -16,7 +16,7 @@ namespace kestrune::test {
 namespace {
 
 std::vector<std::int16_t> Samples(const Outcome& outcome) {
-  if (outcome.Status != 0) return {};
+  if (outcome.Status != 0 || outcome.Output.size() < 2) return {};
   std::vector<std::int16_t> samples(outcome.Output.size() / 2);
   std::memcpy(samples.data(), outcome.Output.data(), samples.size() * 2);
   return samples;

@@ -52,8 +52,8 @@ class PulseSourceTest : public ::testing::Test {
 };
 
 TEST_F(PulseSourceTest, WithoutAServerThereIsNothingAndNothingHangs) {
-  PulseSource source("unix:/nowhere/native");
   CollectingSink sink;
+  PulseSource source("unix:/nowhere/native");
   EXPECT_FALSE(source.Reachable());
   EXPECT_TRUE(source.Devices().empty());
   EXPECT_FALSE(source.Usable("radio.monitor"));
@@ -76,8 +76,8 @@ TEST_F(PulseSourceTest, InputsComeFirstThenMonitorsEachByDescriptionAndName) {
 }
 
 TEST_F(PulseSourceTest, ADeviceThatTheServerDoesNotHaveIsNotUsable) {
-  PulseSource source(Server.Server());
   CollectingSink sink;
+  PulseSource source(Server.Server());
   EXPECT_TRUE(source.Usable("radio.monitor"));
   EXPECT_TRUE(source.Usable("a_input"));
   EXPECT_FALSE(source.Usable("other"));
@@ -125,7 +125,7 @@ TEST_F(PulseSourceTest, TwoHundredCutsOfARealServersSoundLoseAndDoubleNothing) {
     const auto block = recorder.GetBlock();
     taken.insert(taken.end(), block.begin(), block.end());
   });
-  ASSERT_EQ(recorder.DeviceCount(), 5);
+  ASSERT_EQ(recorder.DeviceCount(), 6);
   recorder.SetDeviceIndex(4);
   recorder.SetFormat({44100, 2});
   recorder.SetBlockSize(recorder.TimeToBytes(100));
@@ -167,7 +167,7 @@ TEST_F(PulseSourceTest, AServerThatIsKilledAndComesBackIsRecordedOn) {
     const auto block = recorder.GetBlock();
     taken.insert(taken.end(), block.begin(), block.end());
   });
-  ASSERT_EQ(recorder.DeviceCount(), 5);
+  ASSERT_EQ(recorder.DeviceCount(), 6);
   recorder.SetDeviceIndex(4);
   recorder.SetFormat({44100, 2});
   ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
@@ -209,8 +209,8 @@ TEST_F(PulseSourceTest, AServerThatIsKilledAndComesBackIsRecordedOn) {
 }
 
 TEST_F(PulseSourceTest, TheStreamStaysAwayFromOtherDevicesWhenItsOwnGoes) {
-  PulseSource source(Server.Server());
   CollectingSink sink;
+  PulseSource source(Server.Server());
   ASSERT_EQ(source.Open("c_input", {44100, 2}, sink), "");
   ASSERT_TRUE(sink.WaitFor(44100, milliseconds(5000)));
   // The rescue module would put orphaned streams on another source.
@@ -227,8 +227,8 @@ TEST_F(PulseSourceTest, TheStreamStaysAwayFromOtherDevicesWhenItsOwnGoes) {
 }
 
 TEST_F(PulseSourceTest, ASuspendedSourceIsCountedAsLostAndGoesOn) {
-  PulseSource source(Server.Server());
   CollectingSink sink;
+  PulseSource source(Server.Server());
   ASSERT_EQ(source.Open("a_input", {44100, 2}, sink), "");
   ASSERT_TRUE(sink.WaitFor(44100, milliseconds(5000)));
   EXPECT_EQ(sink.Lost(), 0);
