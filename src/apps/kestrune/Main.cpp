@@ -1,9 +1,10 @@
 // The desktop program. It puts the outside together, loads the run, and lives until the run has closed.
 #include <QCoreApplication>
-#include <QTimer>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -75,6 +76,17 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
       {.ExecutablePath = executable,
        .CommandLine = line.RemainingText,
        .ProfileFolder = options.Profile.empty() ? std::nullopt : std::optional(options.Profile)});
+  const std::string name = recorder::MultiUnitOf(line.RemainingText);
+  const std::string runtimeFolder = environment.RuntimeFolder();
+  if (runtimeFolder.empty()) {
+    Say("there is no folder of the user's own for the control socket");
+    return kFailed;
+  }
+  platform::UnitLock lock(runtimeFolder, name);
+  if (!lock.TryAcquire()) {
+    Say(name.empty() ? "is running already" : fmt::format("unit {} is running already", name));
+    return kFailed;
+  }
   std::optional<DemoReceiver> demo;
   if (options.Demo) {
     demo.emplace(environment.ExecutableFolder());
@@ -110,14 +122,8 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
                            .Sounds = sounds,
                            .Windows = windows});
   control::UnitTarget target(unit);
-  const std::string name = recorder::MultiUnitOf(line.RemainingText);
-  platform::UnitLock lock(environment.RuntimeFolder(), name);
-  if (!lock.TryAcquire()) {
-    Say(name.empty() ? "is running already" : fmt::format("unit {} is running already", name));
-    return kFailed;
-  }
   const platform::LocalControlSocket socket(
-      platform::ControlSocketPath(environment.RuntimeFolder(), name),
+      platform::ControlSocketPath(runtimeFolder, name),
       [&target](std::string_view request) { return control::Dispatch(target, request); });
   if (socket.Status() != platform::LocalControlSocket::State::Listening) {
     Say("no control socket: " + socket.Reason());
@@ -127,7 +133,9 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
   const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.RequestClose(); });
   int status = kDone;
   unit.SetClosedHandler([&status] { QCoreApplication::exit(status); });
-  QTimer::singleShot(0, [&] {
+  std::unique_ptr<base::Timer> start;
+  start = loop.MakeTimer(std::chrono::milliseconds(0), [&] {
+    start->SetEnabled(false);
     switch (unit.Load()) {
       case recorder::StartOutcome::Failed:
         status = kFailed;
@@ -141,6 +149,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
         break;
     }
   });
+  start->SetEnabled(true);
   return QCoreApplication::exec();
 }
 
