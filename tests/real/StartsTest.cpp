@@ -81,7 +81,7 @@ TEST_F(Starts, WithoutAProfileTheUsersOwnFoldersAreTaken) {
   const Outcome outcome = RunToEnd(
       {"kestrune",
        WithoutPorts({"--headless", "--accept-agreement", "--audio", "pipe:" + QuietFile(folder_.Path())}),
-       {{"HOME", home}, {"userprofile", ""}, {"XDG_CONFIG_HOME", ""}, {"XDG_RUNTIME_DIR", folder_ / "run"}}},
+       {{"HOME", home}, {"userprofile", ""}, {"XDG_CONFIG_HOME", ""}, {"XDG_RUNTIME_DIR", folder_.Path()}}},
       kPatience);
   EXPECT_EQ(outcome.Exit, 1);
   EXPECT_TRUE(std::filesystem::exists(home + "/Application Data/Kestrune/Kestrune.log"));
