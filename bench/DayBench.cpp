@@ -19,8 +19,7 @@ void Day(benchmark::State& state) {
     if (!day.Complaints().empty()) state.SkipWithError(day.Complaints().front().c_str());
   }
 }
-// The heap of a short run beside that of a long one shows what grows; the simulated disk's and the log's own
-// records do.
+// The heap of a short run beside that of a long one shows what grows: the log's lines do, up to their bound.
 BENCHMARK(Day)->Arg(6)->Arg(24)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

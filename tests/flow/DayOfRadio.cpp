@@ -174,6 +174,11 @@ void DayOfRadio::LookOver() {
       "waiting with the status \"" + status + "\"");
   Check(ledger_.Open <= 1, "two files open");
 
+  // What the devices remember of the day would hide what the program keeps.
+  radio_.Commands.clear();
+  files_.Calls.clear();
+  audio_->ForgetTags();
+
   // The kept files are looked at and taken away: a day of them would only slow the list down.
   for (const std::string& path : files_.AllFiles()) {
     if (!path.starts_with("/music/")) continue;
