@@ -1,0 +1,71 @@
+#include "windows/Binding.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <QWidget>
+
+namespace kestrune::windows {
+
+QString ToQt(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+std::string FromQt(const QString& text) {
+  return text.toStdString();
+}
+
+void ShowText(QLabel& label, std::string_view text) {
+  const QString wanted = ToQt(text);
+  if (label.text() != wanted) label.setText(wanted);
+}
+
+void ShowText(QLineEdit& line, std::string_view text) {
+  const QString wanted = ToQt(text);
+  if (line.text() == wanted) return;
+  const QSignalBlocker quiet(line);
+  line.setText(wanted);
+}
+
+void ShowText(QAbstractButton& button, std::string_view text) {
+  const QString wanted = ToQt(text);
+  if (button.text() != wanted) button.setText(wanted);
+}
+
+void ShowChecked(QAbstractButton& button, bool checked) {
+  const QSignalBlocker quiet(button);
+  button.setChecked(checked);
+}
+
+// A menu listens to its actions' change signal, so that one is left alone: a binding acts on `triggered`, which only
+// the user sets off.
+void ShowChecked(QAction& action, bool checked) {
+  if (action.isChecked() != checked) action.setChecked(checked);
+}
+
+void ShowIndex(QComboBox& list, int index) {
+  if (list.currentIndex() == index) return;
+  const QSignalBlocker quiet(list);
+  list.setCurrentIndex(index);
+  list.update();
+}
+
+void ShowEnabled(QWidget& widget, bool enabled) {
+  // Asks for what was set on the widget itself: its window may be disabled as a whole.
+  if (widget.isEnabledTo(widget.parentWidget()) != enabled) widget.setEnabled(enabled);
+}
+
+void ShowVisible(QWidget& widget, bool visible) {
+  if (widget.isHidden() == visible) widget.setVisible(visible);
+}
+
+void Name(QWidget& widget, const char* objectName, std::string_view tip, std::string_view accessible) {
+  widget.setObjectName(QLatin1String(objectName));
+  if (!tip.empty()) widget.setToolTip(ToQt(tip));
+  if (!accessible.empty()) widget.setAccessibleName(ToQt(accessible));
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,48 @@
+#include "windows/Placement.h"
+
+#include <QGuiApplication>
+#include <QPoint>
+#include <QRect>
+#include <QScreen>
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune::windows {
+namespace {
+
+constexpr float kTwipsPerPixel = 15;
+/// Of a window's upper edge this much stays on the screen, so that the user can take hold of it.
+constexpr int kReach = 60;
+
+int Pixels(float twips) {
+  constexpr float kFarOut = 1e6F;  // a settings file may hold anything
+  return static_cast<int>(
+      std::lround(std::clamp(std::isnan(twips) ? 0 : twips / kTwipsPerPixel, -kFarOut, kFarOut)));
+}
+
+}  // namespace
+
+void MoveTo(QWidget& window, Place place) {
+  QPoint wanted(Pixels(place.Left), Pixels(place.Top));
+  const QScreen* screen = QGuiApplication::screenAt(wanted);
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  if (screen != nullptr) {
+    const QRect room = screen->availableGeometry();
+    wanted.setX(
+        std::clamp(wanted.x(), room.left() - std::max(0, window.width() - kReach), room.right() - kReach));
+    wanted.setY(std::clamp(wanted.y(), room.top(), room.bottom() - kReach));
+  }
+  window.move(wanted);
+}
+
+Place PlaceOf(const QWidget& window) {
+  return {.Top = static_cast<float>(window.y()) * kTwipsPerPixel,
+          .Left = static_cast<float>(window.x()) * kTwipsPerPixel};
+}
+
+bool InNormalState(const QWidget& window) {
+  return !window.isMinimized() && !window.isMaximized() && !window.isFullScreen();
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,19 @@
+#pragma once
+
+class QWidget;
+
+/// Where windows stand, in the unit of the settings: 15 twips to a logical pixel.
+namespace kestrune::windows {
+
+struct Place {
+  float Top = 0;   ///< twips
+  float Left = 0;  ///< twips
+};
+
+/// Moves a window there; as far into the nearest screen as is needed for its title bar to be within reach.
+void MoveTo(QWidget& window, Place place);
+[[nodiscard]] Place PlaceOf(const QWidget& window);
+/// Neither minimised nor maximised: the only state in which a place is worth remembering.
+[[nodiscard]] bool InNormalState(const QWidget& window);
+
+}  // namespace kestrune::windows
