@@ -24,10 +24,10 @@ namespace {
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-// Longest and shortest rest of the loop: the first bounds how late a new connection is seen, the second how
-// many small writes there are a second.
+// Longest and shortest rest of the loop: the first bounds how late a new connection is seen. The second hands
+// over at 9600 baud what a serial chip does, which collects about eight bytes before it tells of them.
 constexpr milliseconds kLongestRest{20};
-constexpr milliseconds kShortestRest{2};
+constexpr milliseconds kShortestRest{8};
 constexpr milliseconds kSoundRest{10};
 
 volatile std::sig_atomic_t stopAsked = 0;

@@ -27,7 +27,7 @@ using std::chrono::microseconds;
 using std::chrono::steady_clock;
 
 constexpr std::size_t kFrameBytes = 4;
-constexpr std::size_t kReadBytes = 8192;
+constexpr std::size_t kReadBytes = 65536;  // as much as a pipe holds
 constexpr int kPaceMilliseconds = 20;
 constexpr int kRetryMilliseconds = 1000;
 
@@ -82,7 +82,16 @@ class PipeSource::Reader {
       if (!WaitForFifo()) return;
       const ssize_t count = ReadSome(bytes_.size());
       if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) WaitForNextWriter();
+      if (!Rest()) return;
     }
+  }
+
+  /// Lets a few milliseconds of sound gather, instead of waking for each small write of the other side; a
+  /// writer that goes is noticed at once. False if it is time to end.
+  bool Rest() {
+    pollfd descriptors[] = {{stop_, POLLIN, 0}, {fifo_ ? file_ : -1, 0, 0}};
+    base::Ignored(poll(descriptors, 2, kPaceMilliseconds));
+    return (descriptors[0].revents & POLLIN) == 0;
   }
 
   /// False if it is time to end.
@@ -105,8 +114,7 @@ class PipeSource::Reader {
     const auto start = steady_clock::now();
     std::uint64_t read = 0;
     for (;;) {
-      pollfd stop{stop_, POLLIN, 0};
-      if (poll(&stop, 1, kPaceMilliseconds) > 0) return;
+      if (!Rest()) return;
       const auto passed = std::chrono::duration_cast<microseconds>(steady_clock::now() - start).count();
       const std::uint64_t due = static_cast<std::uint64_t>(passed) *
                                 static_cast<std::uint64_t>(kFileFormat.SampleRate) / 1'000'000 * kFrameBytes;
