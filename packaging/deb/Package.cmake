@@ -9,8 +9,6 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT ${KESTRUNE_MAINTAINER})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "time shifter for XM PCR satellite radio")
 file(READ ${CMAKE_CURRENT_LIST_DIR}/description CPACK_DEBIAN_PACKAGE_DESCRIPTION)
-string(STRIP "${CPACK_DEBIAN_PACKAGE_DESCRIPTION}" CPACK_DEBIAN_PACKAGE_DESCRIPTION)
-string(PREPEND CPACK_DEBIAN_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION_SUMMARY}\n")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/package)
 set(CPACK_STRIP_FILES ON)
@@ -24,6 +22,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pulseaudio | pipewire-pulse, qt6-wayland, xdg-utils")
+if(KESTRUNE_WEB_SITE)
+  set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${KESTRUNE_WEB_SITE})
+endif()
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # Debian's own files of a package. They are the package's alone, no part of `cmake --install`.
@@ -36,6 +37,6 @@ add_custom_command(OUTPUT ${packageFiles}/changelog.Debian.gz ${packageFiles}/ch
   DEPENDS ${CMAKE_CURRENT_LIST_DIR}/changelog ${PROJECT_SOURCE_DIR}/CHANGELOG.md VERBATIM)
 add_custom_target(package_files DEPENDS
   ${packageFiles}/changelog.Debian.gz ${packageFiles}/changelog.gz)
-set(CPACK_INSTALLED_DIRECTORIES ${packageFiles} share/doc/kestrune)
+set(CPACK_INSTALLED_DIRECTORIES ${packageFiles} usr/share/doc/kestrune)
 
 include(CPack)
