@@ -43,6 +43,8 @@ Kestrune::Kestrune(const Outside& outside)
                 outside.Files, outside.Loop),
       commands_(recording_, radioState_, modes_, window_, session_, outside.Loop, *tmrUpdate_),
       settingChanges_(settings_, section_, [this] { commands_.cmdStop(); }),
+      schedulePass_(entries_, schedule_, recording_, radioState_, channels_, commands_, window_, log_,
+                    outside.Loop, *tmrUpdate_),
       updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
                    outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
@@ -54,6 +56,7 @@ Kestrune::Kestrune(const Outside& outside)
                                       std::int16_t terrestrial) {
     display_.pcrSignalReceived(satellite1, satellite2, terrestrial);
   };
+  updateCycle_.SetSchedulePass([this] { schedulePass_.Run(); });
 }
 
 Kestrune::~Kestrune() = default;

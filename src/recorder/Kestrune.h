@@ -25,6 +25,7 @@
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/RecordingState.h"
+#include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/UpdateCycle.h"
@@ -163,6 +164,7 @@ class Kestrune final : private radio::ChannelEvents {
   SongBoundary boundary_;
   RecordCommands commands_;
   config::SettingChanges settingChanges_;
+  SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;
 };

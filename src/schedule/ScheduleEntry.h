@@ -14,12 +14,12 @@ struct ScheduleEntry {
   bool Enabled = false;
   std::int16_t Channel = 0;
   base::DateValue StartDate;
-  base::DateValue EndDate;  ///< start, duration and 59 seconds: the last minute counts whole
-  bool Integrel = false;    ///< whole songs only
-  bool MatchGrab = false;   ///< the Grab lists apply
-  bool MatchKill = false;   ///< the Kill lists apply
-  std::string MP3BitRate;   ///< such as "128 Stereo" or "8 Mono"
-  bool Cleftune = false;    ///< one file a song
+  base::DateValue EndDate;      ///< start, duration and 59 seconds: the last minute counts whole
+  bool Integrel = false;        ///< whole songs only
+  bool MatchGrab = false;       ///< the Grab lists apply
+  bool MatchKill = false;       ///< the Kill lists apply
+  std::string MP3BitRate = {};  ///< such as "128 Stereo" or "8 Mono"
+  bool Cleftune = false;        ///< one file a song
 
   bool operator==(const ScheduleEntry&) const = default;
 };
