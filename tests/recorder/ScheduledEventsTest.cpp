@@ -222,7 +222,8 @@ TEST_F(ScheduledEventsTest, ADisabledRunningEntryEndsAtTheNextPass) {
 
 TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
   Store(1, {.Duration = "0:10", .Integrel = false, .Cleftune = false});
-  StartIdleAt(At(20, 0));
+  StartIdleAt(At(19, 59));
+  RunTo(At(20, 0, 10));
   for (const char* song : {"One", "Two", "Three"}) {
     rig.Run(2min);
     rig.NextSong("Lanterns", song);
@@ -236,6 +237,8 @@ TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
   int recorded = 0;
   for (const std::string& line : rig.LogTexts()) recorded += line.starts_with("Recorded: ") ? 1 : 0;
   EXPECT_EQ(recorded, 1);
+  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Moonlighters - Slow Tide (Incomplete)\""))
+      << "the capture in hand goes on, and keeps the name with which it began on the other channel";
   EXPECT_EQ(rig->Recording().RecordedCount, 1);
 }
 
