@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Ignored.h"
+#include "schedule/ReloadSchedule.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -33,7 +34,7 @@ Kestrune::Kestrune(const Outside& outside)
       modes_(schedule_, settings_, window_),
       restrictions_(outside.Files, outside.Environment),
       fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
-                 [] { return std::nullopt; }),
+                 [this] { return ScheduledBitRate(); }),
       capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
       disposition_(recording_, radioState_, settings_, fileSpecs_, modes_, restrictions_, outside.Files,
                    outside.Loop, log_),
@@ -42,6 +43,8 @@ Kestrune::Kestrune(const Outside& outside)
                 outside.Files, outside.Loop),
       commands_(recording_, radioState_, modes_, window_, session_, outside.Loop, *tmrUpdate_),
       settingChanges_(settings_, section_, [this] { commands_.cmdStop(); }),
+      schedulePass_(entries_, schedule_, recording_, radioState_, channels_, commands_, window_, log_,
+                    outside.Loop, *tmrUpdate_),
       updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
                    outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
@@ -53,6 +56,7 @@ Kestrune::Kestrune(const Outside& outside)
                                       std::int16_t terrestrial) {
     display_.pcrSignalReceived(satellite1, satellite2, terrestrial);
   };
+  updateCycle_.SetSchedulePass([this] { schedulePass_.Run(); });
 }
 
 Kestrune::~Kestrune() = default;
@@ -78,6 +82,17 @@ config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string
   if (settings_.InputDevice != device) ReadInputDeviceName();
   ShowSettings();
   return outcome;
+}
+
+void Kestrune::ReloadSchedule() {
+  schedule::ReloadSchedule(
+      [this](std::string_view key, std::string_view defaultText) { return section_.Text(key, defaultText); },
+      outside_.Loop.Now(), entries_);
+}
+
+std::optional<std::string> Kestrune::ScheduledBitRate() const {
+  if (schedule_.ActiveSchedule == 0) return std::nullopt;
+  return entries_.at(static_cast<std::size_t>(schedule_.ActiveSchedule - 1)).MP3BitRate;
 }
 
 void Kestrune::ReadInputDeviceName() {

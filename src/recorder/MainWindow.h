@@ -54,6 +54,7 @@ struct MainWindow {
   Label lblSong;
   Label lblRecording{.Caption = "", .Visible = false};
   Label lblClock{.Caption = "", .Visible = false};
+  Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own
   Label lblRemaining{.Caption = "", .Visible = false};
   TimerMark pctTimer;
   Label lblRecorded{.Caption = "0"};

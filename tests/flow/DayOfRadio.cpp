@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "base/DatePattern.h"
+
 namespace kestrune::test {
 
 using namespace std::chrono_literals;
@@ -82,6 +84,10 @@ void DayOfRadio::Run() {
   if (plan_.User) {
     Every(20s, 600s, [this] { loop_.Post([this] { PressSomething(); }); });
   }
+  if (plan_.Schedule) {
+    Every(60s, 900s, [this] { loop_.Post([this] { PlanSomething(); }); });
+    Every(1000s, 9000s, [this] { loop_.StepWallClock(std::chrono::minutes(Draw(-120, 120))); });
+  }
   if (plan_.BadMoments) Every(1000s, 5000s, [this] { HaveABadMoment(); });
   for (auto second = 0s; second < plan_.Length; ++second) {
     loop_.Run(1s);
@@ -152,6 +158,30 @@ void DayOfRadio::HaveABadMoment() {
   }
 }
 
+void DayOfRadio::PlanSomething() {
+  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
+  const std::string number = std::to_string(Draw(1, 10));
+  const auto set = [&](const std::string& name, const std::string& value) {
+    store_.Put("Lorimel", "Kestrune", name + number, value);
+  };
+  const base::DateValue start = loop_.Now().AddMinutes(Draw(-30, 30));
+  constexpr int kWeekly = 0;
+  constexpr int kDaily = 1;
+  const int kind = Draw(0, 2);
+  std::string date = base::FormatDate(start, "mmm d, yyyy");
+  if (kind == kWeekly) date = fmt::format("Jan {}, 1967", start.Weekday());
+  if (kind == kDaily) date = "Jan 15, 1967";
+  set("ScheduleEnabled", Draw(0, 3) > 0 ? "1" : "0");
+  set("ScheduleChannel", std::to_string(Draw(30, 70)));
+  set("ScheduleStartDate", date + base::FormatDate(start, " h:nn AM/PM"));
+  set("ScheduleDuration", fmt::format("0:{:02}", Draw(0, 59)));
+  for (const char* mode :
+       {"ScheduleIntegrel", "ScheduleCleftune", "ScheduleMatchGrab", "ScheduleMatchKill"}) {
+    set(mode, Draw(0, 1) == 0 ? "0" : "1");
+  }
+  unit_->ReloadSchedule();
+}
+
 void DayOfRadio::Check(bool holds, const std::string& complaint) {
   if (!holds && complaints_.size() < 20) {
     complaints_.push_back(fmt::format("{} s: {}", loop_.SteadyNow().count() / 1000, complaint));
@@ -162,16 +192,22 @@ void DayOfRadio::LookOver() {
   const recorder::MainWindow& window = unit_->Window();
   const recorder::RecordingState& state = unit_->Recording();
   const std::string& status = window.lblRecording.Caption;
-  Check(window.cmdRecord.Enabled != window.cmdStop.Enabled, "the buttons do not swap");
+  // During an event neither button can be pressed.
+  const bool event = unit_->Schedule().ActiveSchedule != 0;
+  Check(window.cmdRecord.Enabled != window.cmdStop.Enabled || (event && !window.cmdStop.Enabled),
+        "the buttons do not swap");
+  Check(event == window.lblRemaining.Visible, "the time left belies the schedule");
   Check(state.RecordRequested == state.RecordArmed, "requested and armed differ");
   const bool armedInLoad = status == recorder::status::kWaitingForChannelLoad;
-  Check(window.cmdStop.Enabled == (state.RecordRequested || armedInLoad), "the stop button belies the state");
+  Check(
+      window.cmdStop.Enabled == (state.RecordRequested || armedInLoad) || (event && !window.cmdStop.Enabled),
+      "the stop button belies the state");
   Check(!state.RecordRequested || window.ShowsRecording() || status == recorder::status::kWaitingForNextSong,
         "recording with the status \"" + status + "\"");
   Check(state.RecordRequested || armedInLoad || status.empty(), "idle with the status \"" + status + "\"");
-  Check(
-      !state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong || !state.RecordRequested,
-      "waiting with the status \"" + status + "\"");
+  Check(!state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong ||
+            !state.RecordRequested || event,
+        "waiting with the status \"" + status + "\"");
   Check(ledger_.Open <= 1, "two files open");
 
   // What the devices remember of the day would hide what the program keeps.
@@ -199,6 +235,12 @@ void DayOfRadio::TakeLogLine(const std::string& line) {
   if (text.starts_with("Recorded: ")) ++keptThisSession_;
   const bool refused = text.starts_with("Not Recorded: ");
   if (refused && text.find("duplicate song") == std::string::npos) ++refusedThisSession_;
+  // Both are followed by a new recording, with no boundary between.
+  const bool begins = text.starts_with("Scheduled event ") && text.find(" beginning ") != std::string::npos;
+  if (begins || text.starts_with("Schedule changed, now recording channel")) {
+    keptThisSession_ = refusedThisSession_ = 0;
+  }
+  if (begins) ++eventsBegun_;
   logTexts_.push_back(std::move(text));
 }
 

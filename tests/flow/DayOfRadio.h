@@ -24,6 +24,7 @@ class DayOfRadio {
     FaultyLine::Faults Faults{};
     bool BadMoments = true;  ///< the radio falls silent, is switched off, is unplugged
     bool User = true;        ///< somebody presses buttons
+    bool Schedule = false;   ///< and plans events, and the wall clock is set now and then
   };
 
   explicit DayOfRadio(const Plan& plan);
@@ -38,6 +39,7 @@ class DayOfRadio {
   [[nodiscard]] std::uint64_t HandlersRun() const { return loop_.HandlersRun(); }
   [[nodiscard]] std::int64_t FramesLost() const { return framesLost_; }
   [[nodiscard]] int SongsKept() const { return songsKept_; }
+  [[nodiscard]] int EventsBegun() const { return eventsBegun_; }
 
  private:
   class Audio;
@@ -45,6 +47,7 @@ class DayOfRadio {
   void ChangeSongs();
   void PressSomething();
   void HaveABadMoment();
+  void PlanSomething();
   void LookOver();
   void TakeLogLine(const std::string& line);
   void Check(bool holds, const std::string& complaint);
@@ -71,6 +74,7 @@ class DayOfRadio {
   bool closed_ = false;
   int song_ = 0;
   int songsKept_ = 0;
+  int eventsBegun_ = 0;
   std::int64_t framesLost_ = 0;
   std::vector<std::string> logTexts_;
   int keptThisSession_ = 0;

@@ -44,6 +44,14 @@ TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
   EXPECT_GT(day.Ledger().Captures, 20);
 }
 
+TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {
+  DayOfRadio day({.Seed = Seed(), .Length = 8h, .Faults = kBadLine, .Schedule = true});
+  day.Run();
+  EXPECT_THAT(day.Complaints(), IsEmpty());
+  EXPECT_EQ(day.Ledger().Breaks, 0);
+  EXPECT_GT(day.EventsBegun(), 5);
+}
+
 TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {
   const std::uint32_t seed = Seed();
   std::vector<std::string> logs[2];

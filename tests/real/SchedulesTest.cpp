@@ -1,0 +1,102 @@
+#include <csignal>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "real/LineUps.h"
+#include "real/Receiver.h"
+#include "real/Unit.h"
+#include "real/Waiting.h"
+
+namespace kestrune::test {
+namespace {
+
+using Json = Unit::Json;
+using testing::Each;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+std::string Local(std::time_t moment, const char* pattern) {
+  std::tm civil{};
+  localtime_r(&moment, &civil);
+  std::ostringstream text;
+  text << std::put_time(&civil, pattern);
+  return text.str();
+}
+
+/// A moment as the log tells the end of an event: "Nov 2, 8:05:09 pm".
+std::string AsUntil(std::time_t moment) {
+  std::tm civil{};
+  localtime_r(&moment, &civil);
+  const int hour = civil.tm_hour % 12 == 0 ? 12 : civil.tm_hour % 12;
+  return Local(moment, "%b ") + std::to_string(civil.tm_mday) + ", " + std::to_string(hour) +
+         Local(moment, ":%M:%S ") + (civil.tm_hour < 12 ? "am" : "pm");
+}
+
+int Count(const std::string& text, const std::string& part) {
+  int count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
+  const TemporaryFolder folder;
+  const Receiver radio(folder / "radio", Receiver::Setup{TenStations(6)});
+  // The shortest entry that there is: no length, and the 59 seconds. It falls due once the channels are there.
+  const std::time_t begin = std::time(nullptr) + 15;
+  const std::time_t end = begin + 59;
+  Unit unit(folder / "profile", Unit::Setup{"pipe:" + QuietFile(folder.Path()),
+                                            radio.Link(),
+                                            {{"Channel", "25"},
+                                             {"MinSongLength", "2"},
+                                             {"FileFormat", "WAV"},
+                                             {"SaveDuplicates", "True"},
+                                             {"ScheduleEnabled3", "1"},
+                                             {"ScheduleChannel3", "8"},
+                                             {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
+                                             {"ScheduleDuration3", "0:00"},
+                                             {"ScheduleMatchGrab3", "0"},
+                                             {"ScheduleMatchKill3", "0"}}});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
+      << unit.Program().Errors();
+  EXPECT_GE(std::time(nullptr), begin);
+  const std::string beginning = "Scheduled event 3 beginning on channel 8 until " + AsUntil(end);
+  EXPECT_THAT(unit.LogText(), HasSubstr(beginning));
+  EXPECT_THAT(unit.LogText(), HasSubstr("Scheduled event is utilizing Integrel"));
+  EXPECT_TRUE(WaitUntil(kPatience, [&] { return !radio.Events("tuned").empty(); }));
+  EXPECT_EQ(unit.Ctl({"stop"}).Exit, 1) << "only the schedule ends an event";
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["recordedCount"] >= 1; }));
+  EXPECT_THAT(unit.Recordings(), Not(IsEmpty()));
+
+  // The power fails.
+  unit.Program().Signal(SIGKILL);
+  ASSERT_TRUE(unit.Program().Wait(kPatience));
+  ASSERT_LT(std::time(nullptr), end - 15) << "this machine is too slow for an event of a minute";
+  const std::size_t before = unit.Recordings().size();
+  unit.Start();
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
+      << unit.Program().Errors() << unit.LogText() << nlohmann::json(radio.Events()).dump();
+  EXPECT_EQ(Count(unit.LogText(), beginning), 2) << "with the full line and the same end";
+  EXPECT_TRUE(unit.WaitForStatus([](const Json& status) { return status["recordedCount"] >= 1; }));
+
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 0; }));
+  EXPECT_GE(std::time(nullptr), end);
+  EXPECT_LE(std::time(nullptr), end + 15);
+  EXPECT_EQ(Count(unit.LogText(), "Scheduled event 3 completed - "), 1);
+  EXPECT_EQ(unit.Status()["recordRequested"], false);
+  EXPECT_EQ(unit.Status()["channelNumber"], 8) << "the channel is not given back";
+  EXPECT_GT(unit.Recordings().size(), before);
+  EXPECT_THAT(unit.Recordings(), Each(EndsWith(".wav")));
+  EXPECT_EQ(unit.Quit(), 0);
+}
+
+}  // namespace
+}  // namespace kestrune::test
