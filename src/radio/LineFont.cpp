@@ -6,9 +6,11 @@ namespace kestrune::radio {
 
 namespace {
 
-// Twips that a line leaves free at the right edge, and within which it counts as filling the width.
+// Twips that a line leaves free beside it, and within which it counts as filling the width.
 constexpr float kFree = 100;
 constexpr float kNearlyFull = 400;
+// Half of what is free stands at the left.
+constexpr float kEdge = 50;
 
 float Smaller(float points) {
   return std::max(kSmallestFont, points - 1);
@@ -34,7 +36,7 @@ float FitFont(float points, float windowWidth, float height,
       take(Bigger(points));
     }
     // The last step may have led over the window's edge.
-    if (line.Width > windowWidth) take(Smaller(points));
+    if (line.Width > windowWidth - kEdge) take(Smaller(points));
   }
   while (line.Height > height && points > kSmallestFont) take(Smaller(points));
   return points;

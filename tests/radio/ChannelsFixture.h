@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Dialogs.h"
 #include "platform/Sounds.h"
 #include "radio/Channels.h"
 #include "radio/Presets.h"
 #include "radio/SessionFixture.h"
 #include "support/MemoryFiles.h"
+#include "support/ScriptedDialogs.h"
 
 namespace kestrune::test {
 
@@ -19,18 +19,6 @@ class HeardSounds final : public platform::Sounds {
  public:
   void Play(std::string_view name) override { Played.emplace_back(name); }
   std::vector<std::string> Played;
-};
-
-class AnsweredDialogs final : public platform::Dialogs {
- public:
-  [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {
-    Shown.push_back(message);
-    return Answer;
-  }
-  [[nodiscard]] bool AskForAgreement() override { return true; }
-
-  std::vector<platform::Message> Shown;
-  platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
 };
 
 /// A channel table that is filled already, on a radio that confirms nothing, and what the rules of the windows
@@ -84,7 +72,7 @@ class ChannelsFixture : public SessionFixture, private radio::ChannelEvents {
   radio::RadioState state;
   radio::Channels channels{state, run, session, files, loop, journal, *this};
   HeardSounds sounds;
-  AnsweredDialogs dialogs;
+  ScriptedDialogs dialogs;
   bool recording = false;
   std::map<std::string, std::string> stored;
 

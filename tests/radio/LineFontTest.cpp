@@ -48,7 +48,7 @@ TEST(LineFont, AWideLineShrinksUntilItLeavesTheEdgeFree) {
 }
 
 TEST(LineFont, ANarrowLineGrowsOverTheMarginButNotOverTheEdge) {
-  EXPECT_EQ(FitFont(10, 9720, kTall, Text(186)), 52);  // 9672, between margin and edge
+  EXPECT_EQ(FitFont(10, 9720, kTall, Text(179)), 54);  // 9666, between margin and edge
   EXPECT_EQ(FitFont(10, 9720, kTall, Text(380)), 25);  // 9500; one more would be 9880
 }
 
