@@ -33,7 +33,11 @@ void ChannelGridModel::Update() {
   std::vector<Row> rows;
   rows.reserve(static_cast<std::size_t>(grid_.RowCount()));
   for (int row = 1; row <= grid_.RowCount(); ++row) rows.push_back(grid_.At(row));
-  if (const Keys wanted = KeysOf(rows); wanted != KeysOf(rows_)) {
+  const auto sameNumber = [](const Row& a, const Row& b) {
+    return a[radio::ChannelGrid::Number] == b[radio::ChannelGrid::Number];
+  };
+  if (!std::equal(rows.begin(), rows.end(), rows_.begin(), rows_.end(), sameNumber)) {
+    const Keys wanted = KeysOf(rows);
     RemoveAllBut(wanted);
     BringIntoOrder(wanted);
     InsertNew(rows, wanted);

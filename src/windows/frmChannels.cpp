@@ -100,6 +100,13 @@ void frmChannels::ClickTitle(int column) {
   grdChannels_->scrollTo(grdChannels_->currentIndex());
 }
 
+// What came while it was hidden is there at once, and the tuned channel in view.
+void frmChannels::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  Refresh();
+  grdChannels_->scrollTo(grdChannels_->currentIndex());
+}
+
 void frmChannels::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange && isMaximized()) {

@@ -27,6 +27,7 @@ class frmChannels final : public QWidget {
   void Refresh();
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

@@ -113,7 +113,8 @@ void frmKestruneNow::LayOut() {
     cmdPresetStation_.at(static_cast<std::size_t>(i))
         ->move(kMargin + i / kRows * (kButtonWidth + kGap), firstRow + i % kRows * kRowStep);
   }
-  const auto heightLimit = static_cast<float>(firstRow * kTwipsPerPixel / kLines - kLineGapTwips);
+  const int thirdOfTheRoom = firstRow * kTwipsPerPixel / kLines;
+  const auto heightLimit = static_cast<float>(thirdOfTheRoom - kLineGapTwips);
   int top = 0;
   for (QLabel* line : {lblChannel_, lblArtist_, lblSong_}) {
     QFont font = line->font();

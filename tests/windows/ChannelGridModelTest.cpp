@@ -161,7 +161,7 @@ TEST_F(ChannelGridModelTest, FollowsAnyChangesOfTheGrid) {
     return std::uniform_int_distribution<int>(least, most)(random);
   };
   Fill(10);
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < 600; ++round) {
     std::map<std::string, QPersistentModelIndex> watched;
     for (int row = 1; row <= grid.RowCount(); ++row) {
       watched.emplace(grid.At(row)[0], model.index(row - 1, pick(0, 4)));

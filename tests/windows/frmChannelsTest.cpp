@@ -363,6 +363,17 @@ TEST_F(frmChannelsTest, TakesNoInputUntilTheFirstChannelHasCome) {
   EXPECT_TRUE(window->isEnabled());
 }
 
+TEST_F(frmChannelsTest, WhatCameWhileItWasHiddenIsThereAtOnce) {
+  Open();
+  window->hide();
+  Many();
+  Tune(250);
+  window->show();
+  EXPECT_EQ(Shown().size(), 209U);
+  EXPECT_THAT(Selected(), ElementsAre(250));
+  EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+}
+
 // Keys of the main window.
 
 TEST_F(frmChannelsTest, HotKeysGoToTheMainWindowAndNoOthers) {
