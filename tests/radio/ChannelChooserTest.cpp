@@ -268,6 +268,8 @@ TEST_F(ChannelChooserTest, AChangeThatIsPendingAtTheEndIsForgotten) {
   chooser.ClickRow(2);
   chooser.Quit();
   chooser.MoveTo(3);
+  EXPECT_EQ(chooser.PendingChannel(), 45);
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
   chooser.ClickRow(3);
   Wait(1000);
   EXPECT_EQ(channels.ChannelNumber(), 44);
