@@ -48,7 +48,20 @@ Kestrune::Kestrune(const Outside& outside)
       updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
                    outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
-             outside.Loop) {
+             outside.Loop),
+      presets_(channels_, outside.Sounds,
+               {.Read = [this](std::string_view key) { return section_.Text(key, ""); },
+                .Write = [this](std::string_view key,
+                                std::string_view text) { base::Ignored(section_.SaveText(key, text)); }},
+               [this] { return recording_.GetRecordingStatus(); }),
+      presetSetup_(channels_.Grid(), presets_, outside.Dialogs),
+      channelChooser_(channels_, run_, outside.Sounds, outside.Loop, *tmrUpdate_,
+                      [this] { return recording_.GetRecordingStatus(); }),
+      nowScreen_(channels_, presets_, outside.Loop, [this] {
+        return radio::NowLines{.lblChannel = window_.lblChannel.Caption,
+                               .lblArtist = window_.lblArtist.Caption,
+                               .lblSong = window_.lblSong.Caption};
+      }) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
     channels_.pcrChannelInfoReceived(info);
   };

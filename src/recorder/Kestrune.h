@@ -12,7 +12,11 @@
 #include "config/SettingChanges.h"
 #include "config/Settings.h"
 #include "config/SettingsSection.h"
+#include "radio/ChannelChooser.h"
 #include "radio/Channels.h"
+#include "radio/NowScreen.h"
+#include "radio/PresetSetup.h"
+#include "radio/Presets.h"
 #include "radio/RadioSession.h"
 #include "radio/RadioState.h"
 #include "recorder/AudioObjects.h"
@@ -88,10 +92,20 @@ class Kestrune final : private radio::ChannelEvents {
   /// Brings the stored entries into the table; the scheduler window's close calls it, saved or not. A change to
   /// the running entry takes effect at the next schedule pass, within 4 seconds.
   void ReloadSchedule();
+  /// The radio's identifier, asked for if it is not known yet, for 1.5 s at most; may be empty.
+  [[nodiscard]] std::string pcrRadioID() { return session_.pcrRadioID(); }
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
   config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
+
+  // The rules of the windows of channels and presets.
+  [[nodiscard]] radio::Presets& PresetButtons() { return presets_; }
+  [[nodiscard]] radio::PresetSetup& PresetWindow() { return presetSetup_; }
+  [[nodiscard]] radio::ChannelChooser& ChannelsWindow() { return channelChooser_; }
+  [[nodiscard]] radio::NowScreen& NowWindow() { return nowScreen_; }
+  /// The unit's settings, where windows keep their places.
+  [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
 
  private:
   // The load sequence, told in Startup.cpp.
@@ -167,6 +181,10 @@ class Kestrune final : private radio::ChannelEvents {
   SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;
+  radio::Presets presets_;
+  radio::PresetSetup presetSetup_;
+  radio::ChannelChooser channelChooser_;
+  radio::NowScreen nowScreen_;
 };
 
 }  // namespace kestrune::recorder

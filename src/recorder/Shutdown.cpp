@@ -25,6 +25,7 @@ void Kestrune::CloseFirstPass() {
   DeleteLeftovers();
   tmrUpdate_->SetEnabled(false);
   tmrClock_->SetEnabled(false);
+  channelChooser_.Quit();
   outside_.Windows.RemoveTrayIcon();
   run_.ShuttingDown = true;
   outside_.Windows.HideAll();

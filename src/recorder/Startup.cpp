@@ -41,7 +41,7 @@ StartOutcome Kestrune::Load() {
   if (run_.ShuttingDown) return StartOutcome::Closed;
   if (!Agree()) return StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
-  outside_.Windows.LoadPresets();
+  presets_.LoadPresets();
   outside_.Windows.GuardSerialPorts();
   tmrUpdate_->SetEnabled(true);
 
@@ -55,6 +55,7 @@ StartOutcome Kestrune::Load() {
   outside_.Windows.ClosePleaseWait();
   outside_.Windows.ShowMainWindowDisabled();
   outside_.Loop.PumpEvents();
+  channelChooser_.Load();
   outside_.Windows.LoadChannelsWindow();
   outside_.Loop.PumpEvents();
   channels_.LoadChannels();

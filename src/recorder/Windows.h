@@ -17,11 +17,11 @@ class Windows {
   virtual void ShowPleaseWaitAndSplash() {}
   virtual void ShowPort(std::int16_t /*port*/) {}
   virtual void ClosePleaseWait() {}
-  virtual void LoadPresets() {}
   /// Keeps other users of serial lines away from the radio's.
   virtual void GuardSerialPorts() {}
   /// Shows the main window, gives it the focus and lets it take no input.
   virtual void ShowMainWindowDisabled() {}
+  /// The channels window, hidden; its grid has been set up.
   virtual void LoadChannelsWindow() {}
   /// The first run here: the configuration, which has to be saved once.
   virtual void ShowFirstConfiguration() {}

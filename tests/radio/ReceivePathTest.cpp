@@ -101,7 +101,7 @@ TEST_F(ReceivePathTest, RadioIdentifierReply) {
 
 TEST_F(ReceivePathTest, SignalReply) {
   Arrive("5A A5 00 1A C3 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 AA 00 00 00 00 00 00 36 46 ED ED");
-  EXPECT_THAT(signals, ElementsAre("80 99 80"));
+  EXPECT_THAT(signalReplies, ElementsAre("80 99 80"));
   EXPECT_EQ(session.pcrSat1SignalQuality(), 80);
   EXPECT_EQ(session.pcrSat2SignalQuality(), 99);
   EXPECT_EQ(session.pcrTerSignalQuality(), 80);
@@ -144,7 +144,7 @@ TEST_F(ReceivePathTest, EveryOtherTypeIsTracedAsInvalidAndChangesNoField) {
     EXPECT_EQ(session.pcrLastResponse(), frame);
   }
   EXPECT_THAT(infos, IsEmpty());
-  EXPECT_THAT(signals, IsEmpty());
+  EXPECT_THAT(signalReplies, IsEmpty());
   EXPECT_THAT(port.Writes(), IsEmpty());
   EXPECT_FALSE(session.Replies().pcrPowerReplySeen);
 }

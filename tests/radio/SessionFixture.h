@@ -26,8 +26,8 @@ class SessionFixture : public ::testing::Test {
     session.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) { infos.push_back(info); };
     session.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
                                        std::int16_t terrestrial) {
-      signals.push_back(std::to_string(satellite1) + " " + std::to_string(satellite2) + " " +
-                        std::to_string(terrestrial));
+      signalReplies.push_back(std::to_string(satellite1) + " " + std::to_string(satellite2) + " " +
+                              std::to_string(terrestrial));
     };
   }
 
@@ -58,7 +58,7 @@ class SessionFixture : public ::testing::Test {
   RecordingJournal journal;
   radio::RadioSession session{port, loop, run, journal};
   std::vector<radio::ChannelInfo> infos;
-  Strings signals;
+  Strings signalReplies;
 };
 
 }  // namespace kestrune::test

@@ -143,5 +143,17 @@ TEST_F(ShutdownTest, ALineThatKeepsSendingDoesNotHoldUpTheEnd) {
   EXPECT_FALSE(rig.Radio.IsOpen());
 }
 
+TEST_F(ShutdownTest, AChannelThatWasChosenAMomentBeforeIsNotTunedAnyMore) {
+  rig.StartIdle();
+  const int row = rig->ChannelList().Grid().SelectedRow() == 1 ? 2 : 1;
+  rig->ChannelsWindow().ClickRow(row);
+  ASSERT_TRUE(rig->ChannelsWindow().tmrChannelChange().Enabled());
+  const int tuned = rig.Radio.TunedChannel;
+  rig.CloseAndWait();
+  EXPECT_TRUE(rig->ChannelsWindow().QuitFlag());
+  EXPECT_FALSE(rig->ChannelsWindow().tmrChannelChange().Enabled());
+  EXPECT_EQ(rig.Radio.TunedChannel, tuned);
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -23,7 +23,6 @@ class CalledWindows final : public recorder::Windows {
   void ShowPleaseWaitAndSplash() override { Calls.emplace_back("please wait"); }
   void ShowPort(std::int16_t port) override { Calls.push_back("port " + std::to_string(port)); }
   void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
-  void LoadPresets() override { Calls.emplace_back("presets"); }
   void GuardSerialPorts() override { Calls.emplace_back("guard"); }
   void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
   void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
@@ -72,9 +71,44 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
                            .Sounds = rig.Sounds,
                            .Windows = windows});
   EXPECT_EQ(unit.Load(), StartOutcome::Running);
-  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "presets", "guard",
-                                         "port 1", "no please wait", "channels window", "first configuration",
-                                         "enable", "remembered windows", "update"));
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "guard", "port 1",
+                                         "no please wait", "channels window", "first configuration", "enable",
+                                         "remembered windows", "update"));
+}
+
+TEST_F(StartupTest, ThePresetButtonsAreFilledFromTheUnitsSettings) {
+  rig.Set("Preset1", "51 - Fred");
+  rig.Set("Preset12", "44 - Lucy");
+  rig.Start();
+  EXPECT_EQ(rig->PresetButtons().Buttons()[0].Caption, "51 - Fred");
+  EXPECT_EQ(rig->PresetButtons().Buttons()[1].Caption, "");
+  EXPECT_EQ(rig->PresetButtons().Buttons()[11].Caption, "44 - Lucy");
+  rig->PresetButtons().Keys().Write("Preset2", "7 - Saved");
+  EXPECT_EQ(rig.Setting("Preset2"), "7 - Saved");
+}
+
+TEST_F(StartupTest, TheChannelsWindowTakesNoInputBeforeTheFirstChannelHasCome) {
+  rig.Start();
+  EXPECT_FALSE(rig->ChannelList().Grid().Enabled);
+  EXPECT_EQ(rig->ChannelList().Grid().Titles()[1], "Station Name");
+  rig.FinishWalk();
+  EXPECT_TRUE(rig->ChannelList().Grid().Enabled);
+}
+
+TEST_F(StartupTest, TheNowWindowShowsWhatTheMainWindowShows) {
+  rig.StartIdle();
+  rig.NextSong("Queen", "Innuendo");
+  rig->NowWindow().Load();
+  EXPECT_EQ(rig->NowWindow().Lines().lblArtist, "Queen");
+  EXPECT_EQ(rig->NowWindow().Lines().lblSong, "Innuendo");
+  EXPECT_EQ(rig->NowWindow().Lines().lblChannel, rig->Window().lblChannel.Caption);
+}
+
+TEST_F(StartupTest, TheIdentifierIsKnownOnceTheRadioIsFound) {
+  rig.Start();
+  rig.Radio.Commands.clear();
+  EXPECT_EQ(rig->pcrRadioID(), "ABCD1234");
+  EXPECT_THAT(rig.Radio.Commands, IsEmpty());
 }
 
 TEST_F(StartupTest, TheConfigurationIsShownOnAFirstRunAlone) {

@@ -1,0 +1,174 @@
+#include "windows/ChannelGridModel.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "base/OneLine.h"
+#include "windows/Binding.h"
+
+namespace kestrune::windows {
+namespace {
+
+// A cell begins with a blank that keeps it off its neighbour; the view has margins for that.
+QString Shown(std::string_view cell) {
+  if (!cell.empty() && cell.front() == ' ') cell.remove_prefix(1);
+  return ToQt(base::OneLine(cell));
+}
+
+}  // namespace
+
+ChannelGridModel::ChannelGridModel(const radio::ChannelGrid& grid, QObject* parent)
+    : QAbstractTableModel(parent), grid_(grid) {
+  Update();
+}
+
+void ChannelGridModel::Update() {
+  if (revision_ == grid_.Revision()) return;
+  revision_ = grid_.Revision();
+  if (titles_ != grid_.Titles()) {
+    titles_ = grid_.Titles();
+    emit headerDataChanged(Qt::Horizontal, 0, radio::ChannelGrid::kColumns - 1);
+  }
+  std::vector<Row> rows;
+  rows.reserve(static_cast<std::size_t>(grid_.RowCount()));
+  for (int row = 1; row <= grid_.RowCount(); ++row) rows.push_back(grid_.At(row));
+  const auto sameNumber = [](const Row& a, const Row& b) {
+    return a[radio::ChannelGrid::Number] == b[radio::ChannelGrid::Number];
+  };
+  if (!std::equal(rows.begin(), rows.end(), rows_.begin(), rows_.end(), sameNumber)) {
+    const Keys wanted = KeysOf(rows);
+    RemoveAllBut(wanted);
+    BringIntoOrder(wanted);
+    InsertNew(rows, wanted);
+  }
+  WriteChanged(rows);
+}
+
+// A row's number, and which of the rows with that number it is: a malformed list can bring a number twice.
+ChannelGridModel::Keys ChannelGridModel::KeysOf(const std::vector<Row>& rows) {
+  Keys keys;
+  keys.reserve(rows.size());
+  std::map<std::string, int> seen;
+  for (const Row& row : rows) {
+    const std::string& number = row[radio::ChannelGrid::Number];
+    keys.push_back(number + '\n' + std::to_string(++seen[number]));
+  }
+  return keys;
+}
+
+void ChannelGridModel::RemoveAllBut(const Keys& wanted) {
+  const std::set<std::string> kept(wanted.begin(), wanted.end());
+  const Keys present = KeysOf(rows_);
+  for (int row = rowCount() - 1; row >= 0; --row) {
+    if (kept.count(present[static_cast<std::size_t>(row)]) != 0) continue;
+    beginRemoveRows({}, row, row);
+    rows_.erase(rows_.begin() + row);
+    endRemoveRows();
+  }
+}
+
+// All rows that there are come into the order in which they are wanted.
+void ChannelGridModel::BringIntoOrder(const Keys& wanted) {
+  const Keys present = KeysOf(rows_);
+  std::map<std::string, int> places;
+  for (const std::string& key : present) places.emplace(key, 0);
+  int next = 0;
+  for (const std::string& key : wanted) {
+    if (const auto place = places.find(key); place != places.end()) place->second = next++;
+  }
+  std::vector<int> moved;  // the new row of each
+  moved.reserve(present.size());
+  for (const std::string& key : present) moved.push_back(places[key]);
+  if (std::is_sorted(moved.begin(), moved.end())) return;
+
+  emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+  std::vector<Row> sorted(rows_.size());
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    sorted[static_cast<std::size_t>(moved[row])] = std::move(rows_[row]);
+  }
+  rows_ = std::move(sorted);
+  for (const QModelIndex& old : persistentIndexList()) {
+    changePersistentIndex(old, index(moved[static_cast<std::size_t>(old.row())], old.column()));
+  }
+  emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+}
+
+void ChannelGridModel::InsertNew(const std::vector<Row>& rows, const Keys& wanted) {
+  const Keys before = KeysOf(rows_);
+  const std::set<std::string> present(before.begin(), before.end());
+  for (std::size_t first = 0; first < rows.size(); ++first) {
+    if (present.count(wanted[first]) != 0) continue;
+    std::size_t end = first + 1;
+    while (end < rows.size() && present.count(wanted[end]) == 0) ++end;
+    const auto from = static_cast<std::ptrdiff_t>(first);
+    const auto to = static_cast<std::ptrdiff_t>(end);
+    beginInsertRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
+    rows_.insert(rows_.begin() + from, rows.begin() + from, rows.begin() + to);
+    endInsertRows();
+    first = end;
+  }
+}
+
+void ChannelGridModel::WriteChanged(const std::vector<Row>& rows) {
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (rows_[row] == rows[row]) continue;
+    int first = radio::ChannelGrid::kColumns;
+    int last = 0;
+    for (int column = 0; column < radio::ChannelGrid::kColumns; ++column) {
+      const auto cell = static_cast<std::size_t>(column);
+      if (rows_[row].at(cell) == rows[row].at(cell)) continue;
+      first = std::min(first, column);
+      last = column;
+    }
+    rows_[row] = rows[row];
+    emit dataChanged(index(static_cast<int>(row), first), index(static_cast<int>(row), last));
+  }
+}
+
+int ChannelGridModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int ChannelGridModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : radio::ChannelGrid::kColumns;
+}
+
+QVariant ChannelGridModel::data(const QModelIndex& index, int role) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+  const auto text = [&] {
+    return Shown(rows_[static_cast<std::size_t>(index.row())].at(static_cast<std::size_t>(index.column())));
+  };
+  switch (role) {
+    case Qt::DisplayRole:
+      return text();
+    case Qt::ToolTipRole:
+      // Never taken for markup.
+      return QString(QStringLiteral("<span>") + text().toHtmlEscaped() + QStringLiteral("</span>"));
+    case Qt::TextAlignmentRole:
+      return QVariant(index.column() == radio::ChannelGrid::Number ? Qt::AlignRight | Qt::AlignVCenter
+                                                                   : Qt::AlignLeft | Qt::AlignVCenter);
+    default:
+      return {};
+  }
+}
+
+QVariant ChannelGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || section < 0 || section >= radio::ChannelGrid::kColumns) return {};
+  switch (role) {
+    case Qt::DisplayRole:
+      return ToQt(titles_.at(static_cast<std::size_t>(section)));
+    case Qt::AccessibleTextRole:
+      // The title of the numbers is a mark alone.
+      return section == radio::ChannelGrid::Number ? QStringLiteral("Channel")
+                                                   : ToQt(titles_.at(static_cast<std::size_t>(section)));
+    case Qt::ToolTipRole:
+      return QStringLiteral("Sort by this column (Ctrl+%1)").arg(section + 1);
+    case Qt::TextAlignmentRole:
+      return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    default:
+      return {};
+  }
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "radio/ChannelGrid.h"
+
+namespace kestrune::windows {
+
+/// The channels' grid for a view. It keeps its own copy, so that the view never meets a row that is gone, and
+/// brings it up to date in the smallest steps: a reply of the radio touches one row, a new channel inserts one,
+/// a sort moves rows, and what the user has selected stays selected throughout.
+class ChannelGridModel final : public QAbstractTableModel {
+ public:
+  /// The grid must outlive the model.
+  explicit ChannelGridModel(const radio::ChannelGrid& grid, QObject* parent = nullptr);
+
+  /// Costs nothing if the grid has not changed.
+  void Update();
+
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  using Row = radio::ChannelGrid::Row;
+  using Keys = std::vector<std::string>;
+
+  [[nodiscard]] static Keys KeysOf(const std::vector<Row>& rows);
+  void RemoveAllBut(const Keys& wanted);
+  void BringIntoOrder(const Keys& wanted);
+  void InsertNew(const std::vector<Row>& rows, const Keys& wanted);
+  void WriteChanged(const std::vector<Row>& rows);
+
+  const radio::ChannelGrid& grid_;
+  std::optional<std::uint64_t> revision_;
+  Row titles_;
+  std::vector<Row> rows_;
+};
+
+}  // namespace kestrune::windows

@@ -1,0 +1,160 @@
+#include "windows/frmKestruneNow.h"
+
+#include <QCloseEvent>
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QLabel>
+#include <cmath>
+
+#include "base/OneLine.h"
+#include "base/Text.h"
+#include "radio/LineFont.h"
+#include "windows/Binding.h"
+#include "windows/HotKeys.h"
+#include "windows/NowButtonFace.h"
+#include "windows/RememberedPlace.h"
+
+namespace kestrune::windows {
+namespace {
+
+constexpr int kTwipsPerPixel = 15;
+constexpr int kLeastWidth = 9720 / kTwipsPerPixel;
+constexpr int kLeastHeight = 5580 / kTwipsPerPixel;
+constexpr int kDesignedHeight = 560;
+
+// The buttons: three columns of four, at a fixed place from the left and from the bottom.
+constexpr int kRows = 4;
+constexpr int kLastRowFromBottom = 1440 / kTwipsPerPixel;
+constexpr int kRowStep = 1020 / kTwipsPerPixel;
+constexpr int kGap = 4;
+constexpr int kButtonHeight = kRowStep - kGap;
+constexpr int kMargin = 6;
+constexpr int kButtonWidth = (kLeastWidth - 2 * kMargin - 2 * kGap) / 3;
+
+constexpr float kFirstFont = 8.25F;
+constexpr int kLineLeft = 3;
+constexpr int kLines = 3;
+constexpr int kLineGapTwips = 40;
+
+QLabel* MakeLine(QWidget* parent, const char* name, const char* accessible) {
+  auto* label = new QLabel(parent);
+  Name(*label, name, {}, accessible);
+  label->setTextFormat(Qt::PlainText);
+  QFont font(QStringLiteral("Arial"));
+  font.setStyleHint(QFont::SansSerif);
+  font.setPointSizeF(kFirstFont);
+  label->setFont(font);
+  return label;
+}
+
+// True if the label showed something else.
+bool ShowLine(QLabel& label, const std::string& caption) {
+  // A label without a buddy takes no "&" for a mark, so the doubled one would show as two.
+  const QString text = ToQt(base::OneLine(base::ReplaceAll(caption, "&&", "&")));
+  if (label.text() == text) return false;
+  label.setText(text);
+  return true;
+}
+
+}  // namespace
+
+frmKestruneNow::frmKestruneNow(radio::NowScreen& rules, radio::Presets& presets,
+                               const config::SettingsSection& section, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      rules_(rules),
+      section_(section),
+      lblChannel_(MakeLine(this, "lblChannel", "Channel")),
+      lblArtist_(MakeLine(this, "lblArtist", "Artist")),
+      lblSong_(MakeLine(this, "lblSong", "Song")) {
+  setObjectName(QStringLiteral("frmKestruneNow"));
+  setWindowTitle(QStringLiteral("Kestrune Now"));
+  setAttribute(Qt::WA_DeleteOnClose);
+
+  QFont font(QStringLiteral("Arial"));
+  font.setStyleHint(QFont::SansSerif);
+  font.setBold(true);
+  font.setPointSizeF(12);
+  for (int i = 0; i < radio::Presets::kCount; ++i) {
+    auto* button = new NowButtonFace(this);
+    cmdPresetStation_.at(static_cast<std::size_t>(i)) = button;
+    Name(*button, QByteArray("cmdPresetStation_").append(QByteArray::number(i)).constData(),
+         radio::Presets::TipOf(i));
+    button->setFont(font);
+    button->resize(kButtonWidth, kButtonHeight);
+    connect(button, &QPushButton::clicked, this, [&presets, i] { presets.cmdPresetStation_Click(i); });
+  }
+
+  rules_.Load();
+  Refresh();
+  setMinimumSize(kLeastWidth, kLeastHeight);
+  resize(kLeastWidth, kDesignedHeight);
+  RestorePlace(*this, section_, "BigForm", Remembered::PlaceAndSize);
+  LayOut();
+}
+
+void frmKestruneNow::Refresh() {
+  bool changed = ShowLine(*lblChannel_, rules_.Lines().lblChannel);
+  changed = ShowLine(*lblArtist_, rules_.Lines().lblArtist) || changed;
+  changed = ShowLine(*lblSong_, rules_.Lines().lblSong) || changed;
+  for (std::size_t i = 0; i < cmdPresetStation_.size(); ++i) {
+    const radio::NowButton& shown = rules_.Buttons().at(i);
+    NowButtonFace& button = *cmdPresetStation_.at(i);
+    button.ShowTuned(shown.Tuned);
+    ShowText(button, shown.Caption);
+    const QString spoken = shown.Caption.empty() ? QStringLiteral("Preset %1, empty").arg(i + 1) : QString();
+    if (button.accessibleName() != spoken) button.setAccessibleName(spoken);
+  }
+  if (changed) LayOut();
+}
+
+void frmKestruneNow::LayOut() {
+  const int firstRow = height() - kLastRowFromBottom - (kRows - 1) * kRowStep;
+  for (int i = 0; i < radio::Presets::kCount; ++i) {
+    cmdPresetStation_.at(static_cast<std::size_t>(i))
+        ->move(kMargin + i / kRows * (kButtonWidth + kGap), firstRow + i % kRows * kRowStep);
+  }
+  const int thirdOfTheRoom = firstRow * kTwipsPerPixel / kLines;
+  const auto heightLimit = static_cast<float>(thirdOfTheRoom - kLineGapTwips);
+  int top = 0;
+  for (QLabel* line : {lblChannel_, lblArtist_, lblSong_}) {
+    QFont font = line->font();
+    const auto measure = [&](float points) {
+      font.setPointSizeF(points);
+      const QFontMetricsF metrics(font);
+      return radio::LineSize{
+          .Width = static_cast<float>(metrics.horizontalAdvance(line->text())) * kTwipsPerPixel,
+          .Height = static_cast<float>(metrics.height()) * kTwipsPerPixel};
+    };
+    const float points = radio::FitFont(static_cast<float>(line->font().pointSizeF()),
+                                        static_cast<float>(width() * kTwipsPerPixel), heightLimit, measure);
+    const radio::LineSize size = measure(points);
+    if (line->font().pointSizeF() != static_cast<qreal>(points)) line->setFont(font);
+    line->setGeometry(kLineLeft, top, static_cast<int>(std::ceil(size.Width / kTwipsPerPixel)) + 1,
+                      static_cast<int>(std::ceil(size.Height / kTwipsPerPixel)));
+    top += line->height();
+  }
+}
+
+void frmKestruneNow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  LayOut();
+}
+
+void frmKestruneNow::closeEvent(QCloseEvent* event) {
+  rules_.Close();
+  SavePlace(*this, section_, "BigForm", Remembered::PlaceAndSize);
+  event->accept();
+  if (Closed) Closed();
+}
+
+void frmKestruneNow::keyPressEvent(QKeyEvent* event) {
+  if (const int key = HotKeyOf(*event); key != 0) {
+    if (HotKey) HotKey(key);
+  } else if (event->key() == Qt::Key_Escape) {
+    close();
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+#include <functional>
+
+#include "config/SettingsSection.h"
+#include "radio/NowScreen.h"
+#include "radio/Presets.h"
+
+class QLabel;
+
+namespace kestrune::windows {
+
+class NowButtonFace;
+
+/// What plays now, in letters to be read from afar. It is made anew each time it is shown and deletes itself
+/// when it closes, so its owner holds it in a QPointer.
+class frmKestruneNow final : public QWidget {
+ public:
+  /// Loads the rules and places itself. All references must outlive the window.
+  frmKestruneNow(radio::NowScreen& rules, radio::Presets& presets, const config::SettingsSection& section,
+                 QWidget* parent = nullptr);
+
+  /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
+  std::function<void(int)> HotKey;
+  /// It closes: `chkKestruneNow` is to be cleared.
+  std::function<void()> Closed;
+
+  void Refresh();
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void LayOut();
+
+  radio::NowScreen& rules_;
+  const config::SettingsSection& section_;
+  QLabel* lblChannel_;
+  QLabel* lblArtist_;
+  QLabel* lblSong_;
+  std::array<NowButtonFace*, radio::Presets::kCount> cmdPresetStation_{};
+};
+
+}  // namespace kestrune::windows

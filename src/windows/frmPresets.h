@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+#include <array>
+
+#include "config/SettingsSection.h"
+#include "radio/PresetSetup.h"
+
+class QComboBox;
+
+namespace kestrune::windows {
+
+/// Assigns a channel to each preset button. Not modal. It is made anew each time and deletes itself when it
+/// closes, so its owner holds it in a QPointer.
+class frmPresets final : public QDialog {
+ public:
+  /// Loads the rules and places itself. Both references must outlive the window.
+  frmPresets(radio::PresetSetup& rules, const config::SettingsSection& section, QWidget* parent = nullptr);
+
+  void Refresh();
+
+  /// Escape: as the button that leaves without saving.
+  void reject() override { cmdCancel_Click(); }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void cmdSave_Click();
+  void cmdCancel_Click();
+
+  radio::PresetSetup& rules_;
+  const config::SettingsSection& section_;
+  std::array<QComboBox*, radio::Presets::kCount> cboPreset_{};
+};
+
+}  // namespace kestrune::windows

@@ -1,0 +1,438 @@
+#include <QAbstractItemModel>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+#include <memory>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "radio/ChannelChooser.h"
+#include "radio/ChannelsFixture.h"
+#include "support/MemorySettingsStore.h"
+#include "windows/frmChannels.h"
+
+namespace kestrune::test {
+namespace {
+
+using radio::ChannelGrid;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class frmChannelsTest : public ChannelsFixture {
+ protected:
+  frmChannelsTest() {
+    chooser.OfferForList = [this](std::string_view word, std::string_view text) {
+      offered.push_back(std::string(word) + ": " + std::string(text));
+    };
+    chooser.ClearChannelListing = [this] { ++cleared; };
+    tmrUpdate->SetEnabled(true);
+    chooser.Load();
+    channels.Grid().Enabled = true;
+    ThreeChannels();
+    Tune(44);
+  }
+
+  void Open() {
+    window = std::make_unique<windows::frmChannels>(chooser, section);
+    window->HotKey = [this](int key) { keys.push_back(key); };
+    window->show();
+    QCoreApplication::processEvents();
+    view = window->findChild<QTableView*>(QStringLiteral("grdChannels"));
+    ASSERT_NE(view, nullptr);
+  }
+  void Many() {
+    for (int channel = 50; channel <= 255; ++channel) {
+      Plays(static_cast<std::uint8_t>(channel), "Station", "Artist", "Song");
+    }
+  }
+  [[nodiscard]] QPoint Place(int row, int column) const {
+    return view->visualRect(view->model()->index(row - 1, column)).center();
+  }
+  void Click(int row, int column = 1) {
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, Place(row, column));
+  }
+  void DoubleClick(int row, int column) {
+    // As a hand does it: two presses, the second of which is told as a double click.
+    Click(row, column);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, Place(row, column));
+  }
+  void ClickTitle(int column) {
+    const QHeaderView* header = view->horizontalHeader();
+    const QPoint place(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                       header->height() / 2);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+  }
+  [[nodiscard]] std::vector<int> Shown() const {
+    std::vector<int> numbers;
+    for (int row = 0; row < view->model()->rowCount(); ++row) {
+      numbers.push_back(view->model()->index(row, 0).data().toInt());
+    }
+    return numbers;
+  }
+  // The numbers of the rows that are drawn as selected.
+  [[nodiscard]] std::vector<int> Selected() const {
+    std::vector<int> numbers;
+    for (const QModelIndex& row : view->selectionModel()->selectedRows()) {
+      numbers.push_back(row.data().toInt());
+    }
+    return numbers;
+  }
+  void Wait(int milliseconds) { loop.Run(Milliseconds(milliseconds)); }
+  void Setting(const char* key, const char* value) { store.Put("Lorimel", "Kestrune", key, value); }
+  [[nodiscard]] std::string Setting(const char* key) const {
+    return store.Stored("Lorimel", "Kestrune", key);
+  }
+
+  std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(Milliseconds(3600000), [] {});
+  radio::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
+  MemorySettingsStore store;
+  config::SettingsSection section{store};
+  std::unique_ptr<windows::frmChannels> window;
+  QTableView* view = nullptr;
+  Strings offered;
+  int cleared = 0;
+  std::vector<int> keys;
+};
+
+TEST_F(frmChannelsTest, ShowsTheToldTitlesAndWidths) {
+  Open();
+  EXPECT_EQ(window->windowTitle(), QStringLiteral("Kestrune Channels"));
+  struct Column {
+    const char* Title;
+    int Twips;
+  };
+  const Column columns[] = {
+      {"> ", 435}, {"Station Name", 2000}, {"Artist", 2000}, {"Song", 2000}, {"Station Genre", 2000}};
+  ASSERT_EQ(view->model()->columnCount(), 5);
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(view->model()->headerData(i, Qt::Horizontal).toString(), QLatin1String(columns[i].Title));
+    if (i > 0 && i < 4) {
+      EXPECT_EQ(view->columnWidth(i), columns[i].Twips / 15);
+    }
+  }
+  // The number is never cut off, and the last column takes what is left beside the scroll bar.
+  EXPECT_GE(view->columnWidth(0), 435 / 15);
+  EXPECT_EQ(view->horizontalHeader()->length(), view->viewport()->width());
+  EXPECT_FALSE(view->horizontalScrollBar()->isVisible());
+}
+
+// Size.
+
+TEST_F(frmChannelsTest, OnlyTheHeightCanBeChangedAndNotBelow2000Twips) {
+  Open();
+  window->resize(900, 50);
+  EXPECT_EQ(window->width(), 8565 / 15);
+  EXPECT_EQ(window->height(), 134);
+  window->resize(100, 700);
+  EXPECT_EQ(window->width(), 571);
+  EXPECT_EQ(window->height(), 700);
+  EXPECT_EQ(view->height(), 700);
+}
+
+TEST_F(frmChannelsTest, MaximisingIsRefused) {
+  Open();
+  window->showMaximized();
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(window->isMaximized());
+  EXPECT_EQ(window->width(), 571);
+}
+
+TEST_F(frmChannelsTest, StandsWhereItWasClosed) {
+  Setting("ChannelTop", "1500");
+  Setting("ChannelLeft", "3000");
+  Setting("ChannelHeight", "4500");
+  Open();
+  EXPECT_EQ(window->pos(), QPoint(200, 100));
+  EXPECT_EQ(window->height(), 300);
+}
+
+TEST_F(frmChannelsTest, AStoredHeightOfNoSenseIsMadeOne) {
+  for (const char* text : {"-5", "0", "1e30", "tall"}) {
+    Setting("ChannelHeight", text);
+    Open();
+    EXPECT_GE(window->height(), 134) << text;
+    EXPECT_LE(window->height(), 16384) << text;
+  }
+}
+
+// Choosing.
+
+TEST_F(frmChannelsTest, AClickOnARowTunesItsChannelAfter300Milliseconds) {
+  Open();
+  Click(2);
+  EXPECT_THAT(Selected(), ElementsAre(45));
+  EXPECT_TRUE(Wrote({}));
+  Wait(300);
+  EXPECT_EQ(channels.ChannelNumber(), 45);
+  EXPECT_TRUE(Wrote({"5A A5 00 06 10 02 2D 00 00 01 01 19"}));
+}
+
+TEST_F(frmChannelsTest, AClickOnTheSelectedRowChoosesItToo) {
+  Open();
+  Click(1);
+  EXPECT_EQ(chooser.PendingChannel(), 44);
+  EXPECT_TRUE(chooser.tmrChannelChange().Enabled());
+}
+
+TEST_F(frmChannelsTest, AnArrowKeyHeldDownSendsOneFrameAfterTheLastMove) {
+  Open();
+  for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Down, Qt::Key_Up}) {
+    QTest::keyClick(view, key);
+    Wait(100);
+  }
+  EXPECT_EQ(chooser.PendingChannel(), 45);
+  EXPECT_THAT(Selected(), ElementsAre(45));
+  EXPECT_TRUE(Wrote({}));
+  Wait(5000);
+  EXPECT_TRUE(Wrote({"5A A5 00 06 10 02 2D 00 00 01 01 19"}));
+}
+
+TEST_F(frmChannelsTest, AKeyThatMovesNothingChoosesNothing) {
+  Open();
+  for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Left, Qt::Key_Right, Qt::Key_Shift, Qt::Key_Return}) {
+    QTest::keyClick(view, key);
+  }
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+}
+
+TEST_F(frmChannelsTest, AChangeMadeByTheProgramIsNotTakenForTheUsers) {
+  Open();
+  Tune(46);
+  window->Refresh();
+  EXPECT_THAT(Selected(), ElementsAre(46));
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+  Tune(45);
+  // Not shown yet: the key moves from the row that is tuned now.
+  QTest::keyClick(view, Qt::Key_Up);
+  EXPECT_THAT(Selected(), ElementsAre(44));
+}
+
+TEST_F(frmChannelsTest, AClickDuringRecordingIsOneSoundAndTheSelectionJumpsBack) {
+  Open();
+  recording = true;
+  Click(3);
+  EXPECT_THAT(sounds.Played, ElementsAre("SystemAsterisk"));
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  EXPECT_EQ(view->currentIndex().row(), 0);
+  Click(1);
+  EXPECT_EQ(sounds.Played.size(), 2U);
+  Wait(1000);
+  EXPECT_TRUE(Wrote({}));
+}
+
+TEST_F(frmChannelsTest, AnArrowKeyDuringRecordingIsASoundAndTheSelectionJumpsBack) {
+  Open();
+  recording = true;
+  QTest::keyClick(view, Qt::Key_Down);
+  EXPECT_THAT(sounds.Played, ElementsAre("SystemAsterisk"));
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  EXPECT_EQ(view->currentIndex().row(), 0);
+}
+
+TEST_F(frmChannelsTest, TheSelectionCoversExactlyOneRow) {
+  Open();
+  QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+  EXPECT_EQ(Selected().size(), 1U);
+  QTest::keyClick(view, Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(Selected().size(), 1U);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::ControlModifier, Place(3, 1));
+  EXPECT_EQ(Selected().size(), 1U);
+  // The empty room below the rows.
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(50, view->viewport()->height() - 5));
+  window->Refresh();
+  EXPECT_EQ(Selected().size(), 1U);
+}
+
+// Sorting.
+
+TEST_F(frmChannelsTest, AClickOnTheTitleOfTheColumnAlreadySortedTurnsTheOrderRound) {
+  Open();
+  ClickTitle(ChannelGrid::Artist);
+  EXPECT_THAT(Shown(), ElementsAre(45, 44, 46));
+  ClickTitle(ChannelGrid::Artist);
+  EXPECT_THAT(Shown(), ElementsAre(46, 44, 45));
+}
+
+TEST_F(frmChannelsTest, AfterASortByArtistTheSelectionStaysOnTheTunedChannel) {
+  Open();
+  ClickTitle(ChannelGrid::Artist);
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  EXPECT_EQ(view->currentIndex().row(), 1);
+}
+
+TEST_F(frmChannelsTest, AfterASortTheTunedChannelIsInView) {
+  Many();
+  Open();
+  ClickTitle(ChannelGrid::Number);
+  ClickTitle(ChannelGrid::Number);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Shown().front(), 255);
+  EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+}
+
+TEST_F(frmChannelsTest, EveryTitleSortsByClickAndByKey) {
+  Open();
+  for (int column = 0; column < 5; ++column) {
+    ClickTitle(column == 4 ? 0 : column + 1);
+    ClickTitle(column);
+    const std::vector<int> byClick = Shown();
+    ClickTitle(column == 4 ? 0 : column + 1);
+    QTest::keyClick(view, static_cast<Qt::Key>(Qt::Key_1 + column), Qt::ControlModifier);
+    EXPECT_EQ(Shown(), byClick) << column;
+  }
+}
+
+// Double click.
+
+TEST_F(frmChannelsTest, ADoubleClickOffersArtistAndSongAndChangesNoChannel) {
+  Open();
+  DoubleClick(2, ChannelGrid::Artist);
+  DoubleClick(2, ChannelGrid::Song);
+  EXPECT_THAT(offered, ElementsAre("Artist: Abba", "Song: Waterloo"));
+  DoubleClick(3, ChannelGrid::Station);
+  EXPECT_EQ(offered.size(), 2U);
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  Wait(1000);
+  EXPECT_EQ(channels.ChannelNumber(), 44);
+  EXPECT_TRUE(Wrote({}));
+}
+
+// Live.
+
+TEST_F(frmChannelsTest, AReplyTouchesOneRowOf255AndLeavesSelectionAndScrollingAlone) {
+  Many();
+  Open();
+  view->scrollToBottom();
+  const int scrolled = view->verticalScrollBar()->value();
+  ASSERT_GT(scrolled, 0);
+  const QSignalSpy changed(view->model(), &QAbstractItemModel::dataChanged);
+  const QSignalSpy selected(view->selectionModel(), &QItemSelectionModel::selectionChanged);
+  const QSignalSpy current(view->selectionModel(), &QItemSelectionModel::currentChanged);
+  for (int channel = 50; channel <= 255; ++channel) {
+    Plays(static_cast<std::uint8_t>(channel), "Station", "Next", "Title");
+    window->Refresh();
+    ASSERT_EQ(changed.count(), channel - 49);
+  }
+  window->Refresh();
+  EXPECT_EQ(changed.count(), 206);
+  EXPECT_EQ(selected.count() + current.count(), 0);
+  EXPECT_EQ(view->verticalScrollBar()->value(), scrolled);
+}
+
+TEST_F(frmChannelsTest, AChannelThatComesAboveOrBelowKeepsTheSelection) {
+  Open();
+  QTest::keyClick(view, Qt::Key_Down);
+  Plays(47, "New");
+  channels.Grid().Sort(ChannelGrid::Number, ChannelGrid::Order::Descending);
+  window->Refresh();
+  EXPECT_THAT(Shown(), ElementsAre(47, 46, 45, 44));
+  EXPECT_THAT(Selected(), ElementsAre(45));
+}
+
+TEST_F(frmChannelsTest, TheSelectedChannelGoingAwayChoosesNoOther) {
+  Open();
+  Click(2);
+  Wait(1000);
+  port.TakeWrites();
+  channels.Grid().RemoveRow(2);
+  window->Refresh();
+  EXPECT_THAT(Selected(), IsEmpty());
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+  EXPECT_TRUE(Wrote({}));
+}
+
+TEST_F(frmChannelsTest, AnEmptiedGridIsTolerated) {
+  Open();
+  channels.Grid().Clear();
+  window->Refresh();
+  EXPECT_THAT(Shown(), IsEmpty());
+  QTest::keyClick(view, Qt::Key_Down);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(20, 20));
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+}
+
+TEST_F(frmChannelsTest, TakesNoInputUntilTheFirstChannelHasCome) {
+  channels.Grid().Enabled = false;
+  Open();
+  EXPECT_FALSE(window->isEnabled());
+  channels.Grid().Enabled = true;
+  window->Refresh();
+  EXPECT_TRUE(window->isEnabled());
+}
+
+TEST_F(frmChannelsTest, WhatCameWhileItWasHiddenIsThereAtOnce) {
+  Open();
+  window->hide();
+  Many();
+  Tune(250);
+  window->show();
+  EXPECT_EQ(Shown().size(), 209U);
+  EXPECT_THAT(Selected(), ElementsAre(250));
+  EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+}
+
+// Keys of the main window.
+
+TEST_F(frmChannelsTest, HotKeysGoToTheMainWindowAndNoOthers) {
+  Open();
+  std::vector<int> expected;
+  for (int n = 0; n < 12; ++n) {
+    QTest::keyClick(view, static_cast<Qt::Key>(Qt::Key_F1 + n), Qt::ControlModifier);
+    expected.push_back(112 + n);
+  }
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    QTest::keyClick(view, static_cast<Qt::Key>(letter), Qt::ControlModifier);
+    if (std::string_view("BDGHKLQRSTUWY").find(letter) != std::string_view::npos) {
+      expected.push_back(letter);
+    }
+  }
+  QTest::keyClick(view, Qt::Key_F5);
+  QTest::keyClick(view, Qt::Key_R);
+  EXPECT_EQ(keys, expected);
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+}
+
+// Closing.
+
+TEST_F(frmChannelsTest, TheCloseBoxNeverDestroysItItClearsTheCheckBox) {
+  chooser.ClearChannelListing = [this] {
+    ++cleared;
+    window->hide();
+  };
+  Open();
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(cleared, 1);
+  EXPECT_FALSE(window->isVisible());
+  EXPECT_EQ(Setting("ChannelHeight"), "(absent)");
+  window->show();
+  QTest::keyClick(view, Qt::Key_Escape);
+  EXPECT_EQ(cleared, 2);
+}
+
+TEST_F(frmChannelsTest, TheEndOfTheProgramClosesItAndSavesItsPlace) {
+  Open();
+  window->move(200, 100);
+  window->resize(571, 300);
+  chooser.Quit();
+  EXPECT_TRUE(window->close());
+  EXPECT_EQ(cleared, 0);
+  EXPECT_EQ(Setting("ChannelTop"), "1500");
+  EXPECT_EQ(Setting("ChannelLeft"), "3000");
+  EXPECT_EQ(Setting("ChannelHeight"), "4500");
+  EXPECT_EQ(Setting("ChannelWidth"), "(absent)");
+}
+
+TEST_F(frmChannelsTest, AMinimisedWindowSavesNothing) {
+  Open();
+  window->showMinimized();
+  run.ShuttingDown = true;
+  EXPECT_TRUE(window->close());
+  EXPECT_EQ(Setting("ChannelTop"), "(absent)");
+  EXPECT_EQ(Setting("ChannelHeight"), "(absent)");
+}
+
+}  // namespace
+}  // namespace kestrune::test
