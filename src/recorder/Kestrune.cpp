@@ -32,6 +32,8 @@ Kestrune::Kestrune(const Outside& outside)
       channels_(radioState_, run_, session_, outside.Files, outside.Loop, log_, *this),
       modes_(schedule_, settings_, window_),
       restrictions_(outside.Files, outside.Environment),
+      restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs),
+      grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment),
       fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
                  [] { return std::nullopt; }),
       capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
