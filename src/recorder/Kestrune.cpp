@@ -88,6 +88,12 @@ void Kestrune::ReadInputDeviceName() {
   inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";
 }
 
+std::string Kestrune::InputDeviceId() {
+  if (audio_.AudioRecord == nullptr) return {};
+  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  return audio_.AudioRecord->DeviceId();
+}
+
 void Kestrune::ShowSettings() {
   window_.chkSievanceGrab = settings_.SievanceGrab != 0;
   window_.chkSievanceKill = settings_.SievanceKill != 0;

@@ -73,6 +73,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
   [[nodiscard]] const std::string& InputDeviceName() const { return inputDeviceName_; }
+  /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
+  [[nodiscard]] std::string InputDeviceId();
   /// The usable input devices, each as its name, "#", its index and "%".
   [[nodiscard]] const std::string& Devices() const { return deviceList_; }
   /// Null before the load and after the close.

@@ -10,6 +10,8 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QStyle>
+#include <QStyleOptionSlider>
+#include <QStylePainter>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <cstdint>
@@ -33,6 +35,24 @@ class LevelSlider final : public QSlider {
   using QSlider::QSlider;
 
  protected:
+  /// An inverted slider is filled from its loud end. The same one told the other way round is drawn as a level:
+  /// filled from below up to the handle.
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_SliderGroove | QStyle::SC_SliderHandle;
+    if (isSliderDown()) {
+      option.activeSubControls = QStyle::SC_SliderHandle;
+      option.state |= QStyle::State_Sunken;
+    }
+    if (invertedAppearance()) {
+      option.upsideDown = !option.upsideDown;
+      option.sliderValue = minimum() + maximum() - option.sliderValue;
+      option.sliderPosition = minimum() + maximum() - option.sliderPosition;
+    }
+    QStylePainter(this).drawComplexControl(QStyle::CC_Slider, option);
+  }
+
   void wheelEvent(QWheelEvent* event) override {
     const int turned = event->angleDelta().y();
     if (turned != 0)
@@ -122,6 +142,7 @@ void frmMixer::MakeColumn(std::size_t index, QWidget& frame, QGridLayout& grid) 
   column.slVolume = MakeSlider(Qt::Vertical, platform::Mixer::kMaxVolume, 5,
                                (platform::Mixer::kMaxVolume + 1) / 32, &frame);
   Name(*column.slVolume, named("slVolume").c_str());
+  column.slVolume->setMinimumHeight(10 * fontMetrics().lineSpacing());
   column.slVolume->setInvertedAppearance(true);
   column.slVolume->setInvertedControls(true);
   connect(column.slVolume, &QSlider::valueChanged, this, [this, index](int value) {
