@@ -4,12 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Mixer.h"
 #include "platform/SoundSource.h"
 
 namespace kestrune::apps {
 
 struct SoundInput {
   std::unique_ptr<platform::SoundSource> Source;  ///< null if the choice is none
+  std::unique_ptr<platform::Mixer> Mixer;         ///< the mixer that goes with it; null with the source
   std::string Error;                              ///< then what is wrong with it, for people
 };
 

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "apps/SoundInput.h"
+#include "platform/alsa/AlsaMixer.h"
 #include "platform/alsa/AlsaSource.h"
 #include "platform/pipe/PipeSource.h"
+#include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSource.h"
 #include "support/PrivatePulse.h"
 #include "support/ScopedVariables.h"
@@ -21,6 +23,16 @@ TEST(SoundInput, TheTextNamesTheKind) {
   const SoundInput pipe = MakeSoundSource("pipe:/some/where:else");
   ASSERT_TRUE(Is<platform::PipeSource>(pipe));
   EXPECT_EQ(pipe.Source->Devices().at(0).Id, "/some/where:else");
+}
+
+TEST(SoundInput, ItsMixerGoesWithIt) {
+  const auto mixerOf = [](const char* text) { return MakeSoundSource(text).Mixer; };
+  EXPECT_NE(dynamic_cast<platform::PulseMixer*>(mixerOf("pulse").get()), nullptr);
+  EXPECT_NE(dynamic_cast<platform::AlsaMixer*>(mixerOf("alsa").get()), nullptr);
+  const auto none = mixerOf("pipe:/some/where");
+  ASSERT_NE(none, nullptr);
+  none->Open("/some/where");
+  EXPECT_EQ(none->LineCount(), -1);
 }
 
 TEST(SoundInput, AnythingElseIsRefusedWithAReason) {
