@@ -13,6 +13,7 @@
 #include "config/Settings.h"
 #include "config/SettingsSection.h"
 #include "radio/Channels.h"
+#include "radio/Presets.h"
 #include "radio/RadioSession.h"
 #include "radio/RadioState.h"
 #include "recorder/AudioObjects.h"
@@ -20,14 +21,18 @@
 #include "recorder/Clock.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
+#include "recorder/LevelMeter.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
+#include "recorder/OptionRules.h"
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/RecordingState.h"
+#include "recorder/ResizeRule.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/UpdateCycle.h"
+#include "recorder/WindowSwitches.h"
 #include "schedule/Log.h"
 #include "schedule/Restrictions.h"
 #include "schedule/ScheduleState.h"
@@ -81,10 +86,32 @@ class Kestrune final : private radio::ChannelEvents {
   void SetChannelNumber(std::int16_t channel) { channels_.SetChannelNumber(channel); }
   /// False, with a sound, while recording forbids it.
   bool SetMute(bool on);
+  /// The radio's identifier, asked for if it is not known yet, for 1.5 s at most; may be empty.
+  [[nodiscard]] std::string pcrRadioID() { return session_.pcrRadioID(); }
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
   config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
+
+  // The rules of the main window.
+  [[nodiscard]] OptionRules& Options() { return options_; }
+  [[nodiscard]] WindowSwitches& Switches() { return switches_; }
+  [[nodiscard]] ResizeRule& Resize() { return resize_; }
+  [[nodiscard]] LevelMeter& AudioDisplay() { return audioDisplay_; }
+  /// The record of the main window, for what only the window knows: its place, state and visibility, and
+  /// whether there is a tray icon.
+  [[nodiscard]] MainWindow& WindowRecord() { return window_; }
+  /// What becomes of the song that plays, and why.
+  [[nodiscard]] std::string Explanation() const;
+  void mnuRecord_Click();
+  void mnuStop_Click();
+  void mnuMute_Click();
+  void mnuReload_Click();
+
+  // The rules of the windows of channels and presets.
+  [[nodiscard]] radio::Presets& PresetButtons() { return presets_; }
+  /// The unit's settings, where windows keep their places.
+  [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
 
  private:
   // The load sequence, told in Startup.cpp.
@@ -119,6 +146,7 @@ class Kestrune final : private radio::ChannelEvents {
   void ChannelTuned() override;
   void WalkFinished() override;
 
+  void AudioRecord_Timer();
   void ShowSettings();
   void ReadInputDeviceName();
 
@@ -157,6 +185,11 @@ class Kestrune final : private radio::ChannelEvents {
   config::SettingChanges settingChanges_;
   UpdateCycle updateCycle_;
   Clock clock_;
+  LevelMeter audioDisplay_;
+  OptionRules options_;
+  WindowSwitches switches_;
+  ResizeRule resize_;
+  radio::Presets presets_;
 };
 
 }  // namespace kestrune::recorder

@@ -41,7 +41,7 @@ StartOutcome Kestrune::Load() {
   if (run_.ShuttingDown) return StartOutcome::Closed;
   if (!Agree()) return StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
-  outside_.Windows.LoadPresets();
+  presets_.LoadPresets();
   outside_.Windows.GuardSerialPorts();
   tmrUpdate_->SetEnabled(true);
 
@@ -74,6 +74,7 @@ StartOutcome Kestrune::Load() {
 void Kestrune::CreateAudioObjects() {
   audio_.Create(outside_.Audio);
   capture_.ConnectRecorder();
+  audio_.AudioRecord->SetTimerHandler([this] { AudioRecord_Timer(); });
 }
 
 void Kestrune::ReadCommandLine() {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "recorder/WindowName.h"
+
 namespace kestrune::recorder {
 
 /// The windows that the run opens and closes by itself, at the moments told. A run without windows uses this
@@ -17,7 +19,6 @@ class Windows {
   virtual void ShowPleaseWaitAndSplash() {}
   virtual void ShowPort(std::int16_t /*port*/) {}
   virtual void ClosePleaseWait() {}
-  virtual void LoadPresets() {}
   /// Keeps other users of serial lines away from the radio's.
   virtual void GuardSerialPorts() {}
   /// Shows the main window, gives it the focus and lets it take no input.
@@ -31,6 +32,14 @@ class Windows {
 
   /// The rule that follows the main window's size and state, ten times a second.
   virtual void ApplyResizeRule() {}
+
+  /// Opens the window, or brings an open one to the front.
+  virtual void Show(WindowName /*name*/) {}
+  /// As if the user had asked it to close: its own closing rule runs. A window that is only hidden is hidden.
+  virtual void Close(WindowName /*name*/) {}
+  /// Hides a loaded window or shows it again, without giving it the focus.
+  virtual void SetVisible(WindowName /*name*/, bool /*visible*/) {}
+  [[nodiscard]] virtual bool IsLoaded(WindowName /*name*/) const { return false; }
 
   virtual void HideAll() {}
   virtual void UnloadChannelsAndLog() {}

@@ -23,7 +23,6 @@ class CalledWindows final : public recorder::Windows {
   void ShowPleaseWaitAndSplash() override { Calls.emplace_back("please wait"); }
   void ShowPort(std::int16_t port) override { Calls.push_back("port " + std::to_string(port)); }
   void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
-  void LoadPresets() override { Calls.emplace_back("presets"); }
   void GuardSerialPorts() override { Calls.emplace_back("guard"); }
   void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
   void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
@@ -72,7 +71,7 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
                            .Sounds = rig.Sounds,
                            .Windows = windows});
   EXPECT_EQ(unit.Load(), StartOutcome::Running);
-  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "presets", "guard",
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "guard",
                                          "port 1", "no please wait", "channels window", "first configuration",
                                          "enable", "remembered windows", "update"));
 }
