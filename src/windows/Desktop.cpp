@@ -283,8 +283,11 @@ void Desktop::ShowModally(QWidget& window) {
   if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
 }
 
+// Nobody has asked for these just now, so one that is not there is no news.
 void Desktop::ShowRememberedWindows() {
+  quiet_ = true;
   unit_->Switches().ShowRemembered();
+  quiet_ = false;
 }
 
 void Desktop::CheckForUpdate() {
@@ -397,6 +400,7 @@ bool Desktop::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void Desktop::SayLater() {
+  if (quiet_) return;
   base::Ignored(
       outside_.Dialogs.Show({.Title = "Kestrune", .Text = "This comes with a later version of Kestrune."}));
 }

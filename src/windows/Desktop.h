@@ -129,6 +129,7 @@ class Desktop final : public QObject, public recorder::Windows {
   int trayCheck_ = 0;
   bool busyCursor_ = false;
   bool mainShown_ = false;
+  bool quiet_ = false;
   std::unique_ptr<base::Timer> tmrRefresh_;
 };
 

@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
+#include <QPixmap>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -65,6 +67,20 @@ void Enlarge(QWidget& widget, double factor, bool bold) {
   font.setPointSizeF(font.pointSizeF() * factor);
   font.setBold(bold);
   widget.setFont(font);
+}
+
+/// The two marks that everybody knows from a tape deck.
+QIcon MarkIcon(bool round, const QColor& colour) {
+  constexpr int kSize = 64;
+  QPixmap picture(kSize, kSize);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colour);
+  const QRectF room(kSize * 0.15, kSize * 0.15, kSize * 0.7, kSize * 0.7);
+  round ? painter.drawEllipse(room) : painter.drawRect(room);
+  return picture;
 }
 
 QPushButton* MakeButton(const char* name, const char* caption, const char* tip, QWidget* parent) {
@@ -268,6 +284,8 @@ QWidget* frmKestrune::MakeRecording() {
   auto* buttons = new QHBoxLayout;
   cmdRecord_ = MakeButton("cmdRecord", "Record", "Start Recording", group);
   cmdStop_ = MakeButton("cmdStop", "Stop", "Stop Recording", group);
+  cmdRecord_->setIcon(MarkIcon(true, WarningColour(palette())));
+  cmdStop_->setIcon(MarkIcon(false, palette().color(QPalette::ButtonText)));
   connect(cmdRecord_, &QPushButton::clicked, this, [this] {
     unit_.cmdRecord();
     Refresh();
@@ -442,21 +460,32 @@ void frmKestrune::Refresh() {
   ShowText(*lblRestricted_, record.lblRestricted.Caption);
   audioDisplay_->Refresh();
 
+  ShowPresets();
+  ShowMenus(record);
+}
+
+void frmKestrune::ShowPresets() {
   const auto& presets = unit_.PresetButtons().Buttons();
   for (std::size_t i = 0; i < presets.size(); ++i) {
-    const QString whole = ToQt(presets.at(i).Caption);
     QPushButton& button = *presets_[i];
+    const QString stored = ToQt(presets.at(i).Caption);
+    const bool empty = stored.isEmpty();
+    const QString whole = empty ? QStringLiteral("Preset %1").arg(i + 1) : stored;
     const int room = button.width() - button.fontMetrics().averageCharWidth() * 3;
-    QString caption = button.fontMetrics().elidedText(whole, Qt::ElideRight, room);
-    // A button takes "&" for the mark of its key.
-    caption.replace(QLatin1Char('&'), QLatin1String("&&"));
-    if (button.text() != caption) button.setText(caption);
+    const QString shown = button.fontMetrics().elidedText(whole, Qt::ElideRight, room);
     QString tip = ToQt(presets.at(i).Tip);
-    if (!whole.isEmpty()) button.setAccessibleName(whole);
-    if (button.text() != whole && !whole.isEmpty()) tip = PlainTip(whole + QLatin1Char('\n') + tip);
+    if (shown != whole) tip = PlainTip(whole + QLatin1Char('\n') + tip);
     if (button.toolTip() != tip) button.setToolTip(tip);
+    // A button takes "&" for the mark of its key.
+    const QString caption = QString(shown).replace(QLatin1Char('&'), QLatin1String("&&"));
+    if (button.text() == caption && button.accessibleName() == whole) continue;
+    button.setText(caption);
+    button.setAccessibleName(whole);
+    // What is not there yet stands back.
+    QPalette colours = palette();
+    if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
+    button.setPalette(colours);
   }
-  ShowMenus(record);
 }
 
 void frmKestrune::ShowStatus(const MainWindow& record) {

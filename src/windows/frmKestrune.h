@@ -74,6 +74,7 @@ class frmKestrune final : public QMainWindow {
                     bool recorder::MainWindow::*checked, std::function<void(bool)> rule);
   QAction* AddEntry(QMenu& menu, const char* name, const char* caption, std::function<void()> chosen,
                     const char* key = "");
+  void ShowPresets();
   void ShowStatus(const recorder::MainWindow& record);
   void ShowMenus(const recorder::MainWindow& record);
 

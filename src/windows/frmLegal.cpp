@@ -1,7 +1,6 @@
 #include "windows/frmLegal.h"
 
 #include <QCheckBox>
-#include <QDialogButtonBox>
 #include <QFile>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -43,13 +42,11 @@ frmLegal::frmLegal(const std::string& agreementFile, platform::Dialogs& dialogs)
   connect(cmdAgree, &QPushButton::clicked, this, [this] { cmdAgree_Click(); });
   connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
-  auto* buttons = new QDialogButtonBox(this);
-  buttons->addButton(cmdAgree, QDialogButtonBox::AcceptRole);
-  buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
   auto* row = new QHBoxLayout;
   row->addWidget(chkAgree_);
   row->addStretch();
-  row->addWidget(buttons);
+  row->addWidget(cmdAgree);
+  row->addWidget(cmdCancel);
   auto* column = new QVBoxLayout(this);
   column->addWidget(brwAgreement);
   column->addLayout(row);

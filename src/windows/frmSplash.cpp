@@ -33,7 +33,7 @@ QLabel* MakeLink(const char* name, const std::string& shown, QWidget* parent) {
 
 frmSplash::frmSplash(base::EventLoop& loop, platform::Shell& shell, platform::Dialogs& dialogs,
                      const MakerLinks& links)
-    : QWidget(nullptr, Qt::Dialog), shell_(shell), dialogs_(dialogs) {
+    : QWidget(nullptr, Qt::Dialog | Qt::WindowStaysOnTopHint), shell_(shell), dialogs_(dialogs) {
   setObjectName(QStringLiteral("frmSplash"));
   setWindowTitle(QStringLiteral("About Kestrune"));
   setWindowIcon(ProgramIcon());

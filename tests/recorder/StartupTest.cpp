@@ -71,9 +71,9 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
                            .Sounds = rig.Sounds,
                            .Windows = windows});
   EXPECT_EQ(unit.Load(), StartOutcome::Running);
-  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "guard",
-                                         "port 1", "no please wait", "channels window", "first configuration",
-                                         "enable", "remembered windows", "update"));
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "guard", "port 1",
+                                         "no please wait", "channels window", "first configuration", "enable",
+                                         "remembered windows", "update"));
 }
 
 TEST_F(StartupTest, TheConfigurationIsShownOnAFirstRunAlone) {
