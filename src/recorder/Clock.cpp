@@ -2,6 +2,7 @@
 
 #include "base/DatePattern.h"
 #include "base/Ignored.h"
+#include "recorder/ResizeRule.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -53,7 +54,7 @@ void Clock::Blink() {
 
 void Clock::FollowTaskBar() {
   if (window_.State != WindowState::Minimized) return;
-  window_.Visible = settings_.TaskBarMinimized;
+  window_.Visible = StaysInTaskBar(window_, settings_);
 }
 
 void Clock::ShowListStatus() {

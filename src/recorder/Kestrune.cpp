@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Ignored.h"
+#include "recorder/Explanation.h"
 #include "schedule/ReloadSchedule.h"
 
 namespace kestrune::recorder {
@@ -51,6 +52,9 @@ Kestrune::Kestrune(const Outside& outside)
                    outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
              outside.Loop),
+      options_(window_, settings_, section_, run_, outside.Dialogs),
+      switches_(window_, outside.Windows, settings_, section_, run_),
+      resize_(window_, outside.Windows, settings_, run_),
       presets_(channels_, outside.Sounds,
                {.Read = [this](std::string_view key) { return section_.Text(key, ""); },
                 .Write = [this](std::string_view key,
@@ -84,6 +88,35 @@ bool Kestrune::SetMute(bool on) {
   window_.mnuMute = on;
   base::Ignored(session_.pcrMute(on));
   return true;
+}
+
+void Kestrune::mnuRecord_Click() {
+  if (window_.cmdRecord.Enabled) cmdRecord();
+}
+
+void Kestrune::mnuStop_Click() {
+  if (window_.cmdStop.Enabled) cmdStop();
+}
+
+void Kestrune::mnuMute_Click() {
+  base::Ignored(SetMute(!window_.mnuMute));
+}
+
+void Kestrune::mnuReload_Click() {
+  channels_.mnuReload();
+  base::Ignored(outside_.Dialogs.Show({.Title = std::string(radio::Channels::kReloadTitle),
+                                       .Text = std::string(radio::Channels::kReloadText)}));
+}
+
+std::string Kestrune::Explanation() const {
+  return ExplainRecording(window_, recording_, radioState_, modes_, restrictions_);
+}
+
+void Kestrune::AudioRecord_Timer() {
+  const std::int32_t count = audioDisplay_.SampleCount();
+  if (count <= 0) return;
+  audioDisplay_.Draw(audio_.AudioRecord->GetDisplaySamples(count),
+                     audio_.File(recording_.CaptureSlot)->FormatValues());
 }
 
 std::optional<std::string> Kestrune::ReadSetting(std::string_view key) const {

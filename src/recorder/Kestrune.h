@@ -24,15 +24,19 @@
 #include "recorder/Clock.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
+#include "recorder/LevelMeter.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
+#include "recorder/OptionRules.h"
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/RecordingState.h"
+#include "recorder/ResizeRule.h"
 #include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/UpdateCycle.h"
+#include "recorder/WindowSwitches.h"
 #include "schedule/GrabKill.h"
 #include "schedule/Log.h"
 #include "schedule/RestrictListEditor.h"
@@ -109,6 +113,21 @@ class Kestrune final : private radio::ChannelEvents {
   /// Changes one setting as a save of the configuration would, and lets it take effect.
   config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
 
+  // The rules of the main window.
+  [[nodiscard]] OptionRules& Options() { return options_; }
+  [[nodiscard]] WindowSwitches& Switches() { return switches_; }
+  [[nodiscard]] ResizeRule& Resize() { return resize_; }
+  [[nodiscard]] LevelMeter& AudioDisplay() { return audioDisplay_; }
+  /// The record of the main window, for what only the window knows: its place, state and visibility, and
+  /// whether there is a tray icon.
+  [[nodiscard]] MainWindow& WindowRecord() { return window_; }
+  /// What becomes of the song that plays, and why.
+  [[nodiscard]] std::string Explanation() const;
+  void mnuRecord_Click();
+  void mnuStop_Click();
+  void mnuMute_Click();
+  void mnuReload_Click();
+
   // The rules of the windows of channels and presets.
   [[nodiscard]] radio::Presets& PresetButtons() { return presets_; }
   [[nodiscard]] radio::PresetSetup& PresetWindow() { return presetSetup_; }
@@ -150,6 +169,7 @@ class Kestrune final : private radio::ChannelEvents {
   void ChannelTuned() override;
   void WalkFinished() override;
 
+  void AudioRecord_Timer();
   void ShowSettings();
   void ReadInputDeviceName();
   [[nodiscard]] std::optional<std::string> ScheduledBitRate() const;
@@ -193,6 +213,10 @@ class Kestrune final : private radio::ChannelEvents {
   SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;
+  LevelMeter audioDisplay_;
+  OptionRules options_;
+  WindowSwitches switches_;
+  ResizeRule resize_;
   radio::Presets presets_;
   radio::PresetSetup presetSetup_;
   radio::ChannelChooser channelChooser_;

@@ -47,6 +47,7 @@ struct MainWindow {
   float Top = 0;   ///< twips
   float Left = 0;  ///< twips
   bool Visible = false;
+  bool TrayIcon = false;  ///< the desktop shows the program's icon, by which a hidden window comes back
 
   Label lblChannel;
   Label lblGenre;
@@ -75,6 +76,12 @@ struct MainWindow {
   bool mnuCleftune = false;
   bool mnuCheckUpdatesAtStartup = false;
   bool mnuMute = false;
+
+  bool chkChannelListing = false;
+  bool chkRecordLog = false;
+  bool chkSchedule = false;
+  bool chkRestrictList = false;
+  bool chkKestruneNow = false;
 
   /// The status shows one of the three texts that mean a song is being kept.
   [[nodiscard]] bool ShowsRecording() const {

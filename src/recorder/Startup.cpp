@@ -75,6 +75,7 @@ StartOutcome Kestrune::Load() {
 void Kestrune::CreateAudioObjects() {
   audio_.Create(outside_.Audio);
   capture_.ConnectRecorder();
+  audio_.AudioRecord->SetTimerHandler([this] { AudioRecord_Timer(); });
 }
 
 void Kestrune::ReadCommandLine() {

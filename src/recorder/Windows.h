@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "recorder/WindowName.h"
+
 namespace kestrune::recorder {
 
 /// The windows that the run opens and closes by itself, at the moments told. A run without windows uses this
@@ -31,6 +33,14 @@ class Windows {
 
   /// The rule that follows the main window's size and state, ten times a second.
   virtual void ApplyResizeRule() {}
+
+  /// Opens the window, or brings an open one to the front.
+  virtual void Show(WindowName /*name*/) {}
+  /// As if the user had asked it to close: its own closing rule runs. A window that is only hidden is hidden.
+  virtual void Close(WindowName /*name*/) {}
+  /// Hides a loaded window or shows it again, without giving it the focus.
+  virtual void SetVisible(WindowName /*name*/, bool /*visible*/) {}
+  [[nodiscard]] virtual bool IsLoaded(WindowName /*name*/) const { return false; }
 
   virtual void HideAll() {}
   virtual void UnloadChannelsAndLog() {}

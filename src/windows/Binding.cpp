@@ -6,7 +6,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <QTextDocument>
 #include <QWidget>
+
+#include "base/Text.h"
 
 namespace kestrune::windows {
 
@@ -16,6 +19,14 @@ QString ToQt(std::string_view utf8) {
 
 std::string FromQt(const QString& text) {
   return text.toStdString();
+}
+
+std::string Undoubled(std::string_view caption) {
+  return base::ReplaceAll(caption, "&&", "&");
+}
+
+QString PlainTip(const QString& text) {
+  return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 void ShowText(QLabel& label, std::string_view text) {

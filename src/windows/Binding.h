@@ -18,6 +18,11 @@ namespace kestrune::windows {
 [[nodiscard]] QString ToQt(std::string_view utf8);
 [[nodiscard]] std::string FromQt(const QString& text);
 
+/// One "&" for each doubled one: what a caption of a record says.
+[[nodiscard]] std::string Undoubled(std::string_view caption);
+/// A tip that shows a stranger's text letter by letter, also where it looks like markup.
+[[nodiscard]] QString PlainTip(const QString& text);
+
 void ShowText(QLabel& label, std::string_view text);
 void ShowText(QLineEdit& line, std::string_view text);
 void ShowText(QAbstractButton& button, std::string_view text);

@@ -1,156 +1,47 @@
-// The desktop program. It puts the outside together, loads the run, and lives until the run has closed.
+// The desktop program, with windows or without.
+#include <QApplication>
 #include <QCoreApplication>
-#include <chrono>
-#include <cstdint>
-#include <cstdio>
-#include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include "apps/SoundInput.h"
-#include "apps/kestrune/AudioLibrary.h"
-#include "apps/kestrune/DemoReceiver.h"
+#include "apps/kestrune/DesktopFace.h"
+#include "apps/kestrune/HeadlessFace.h"
+#include "apps/kestrune/RunUnit.h"
 #include "base/Version.h"
 #include "control/CommandLine.h"
-#include "control/ControlServer.h"
-#include "control/UnitTarget.h"
-#include "platform/local/ControlSocketPath.h"
-#include "platform/posix/ConsoleDialogs.h"
-#include "platform/posix/IniSettingsStore.h"
-#include "platform/posix/PosixEnvironment.h"
-#include "platform/posix/PosixFiles.h"
-#include "platform/posix/UnitLock.h"
-#include "platform/qt/PortMap.h"
-#include "platform/qt/QtEventLoop.h"
-#include "platform/qt/QtSerialPort.h"
-#include "platform/qt/SignalWatch.h"
-#include "platform/qtlocal/LocalControlSocket.h"
-#include "recorder/Kestrune.h"
-#include "recorder/SlashOptions.h"
+#include "windows/ProgramIcon.h"
 
 namespace kestrune::apps {
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-constexpr int kWrongUse = 2;
-
-/// Without a desktop there is nobody to hear it.
-class Silence final : public platform::Sounds {
- public:
-  void Play(std::string_view /*name*/) override {}
-};
-
-platform::PortMap PortsOf(const control::Options& options) {
-  platform::PortMap ports;
-  for (const auto& [number, path] : options.PortDevices)
-    ports.SetDevice(static_cast<std::int16_t>(number), path);
-  return ports;
-}
-
-std::string SoundChoice(const control::Options& options) {
-  switch (options.Audio) {
-    case control::AudioInput::Pulse:
-      return "pulse";
-    case control::AudioInput::Alsa:
-      return "alsa";
-    case control::AudioInput::Pipe:
-      return "pipe:" + options.AudioPipe;
-    case control::AudioInput::Automatic:
-      break;
-  }
-  return {};
-}
-
-void Say(const std::string& line) {
-  fmt::print(stderr, "kestrune: {}\n", line);
-}
-
-int RunUnit(const control::CommandLine& line, const std::string& executable) {
-  control::Options options = line.Chosen;
-  const platform::PosixEnvironment environment(
-      {.ExecutablePath = executable,
-       .CommandLine = line.RemainingText,
-       .ProfileFolder = options.Profile.empty() ? std::nullopt : std::optional(options.Profile)});
-  const std::string name = recorder::MultiUnitOf(line.RemainingText);
-  const std::string runtimeFolder = environment.RuntimeFolder();
-  if (runtimeFolder.empty()) {
-    Say("there is no folder of the user's own for the control socket");
-    return kFailed;
-  }
-  platform::UnitLock lock(runtimeFolder, name);
-  if (!lock.TryAcquire()) {
-    Say(name.empty() ? "is running already" : fmt::format("unit {} is running already", name));
-    return kFailed;
-  }
-  std::optional<DemoReceiver> demo;
-  if (options.Demo) {
-    demo.emplace(environment.ExecutableFolder());
-    if (!demo->Error().empty()) {
-      Say(demo->Error());
-      return kFailed;
-    }
-    options.PortDevices[1] = demo->LinePath();
-    options.Audio = control::AudioInput::Pipe;
-    options.AudioPipe = demo->SoundPath();
-  }
+int RunHeadless(const control::CommandLine& line, int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
   platform::QtEventLoop loop;
-  platform::PosixFiles files;
-  platform::IniSettingsStore settings(environment.SettingsFolder());
-  platform::QtSerialPort port(loop, PortsOf(options));
-  platform::ConsoleDialogs dialogs(std::cerr, options.AcceptAgreement);
-  Silence sounds;
-  recorder::Windows windows;
-  const SoundInput input = MakeSoundSource(SoundChoice(options));
-  if (input.Source == nullptr) {
-    Say(input.Error);
-    return kFailed;
-  }
-  AudioLibrary audio(loop, *input.Source);
-
-  recorder::Kestrune unit({.Loop = loop,
-                           .pcrComm = port,
-                           .Audio = audio,
-                           .Files = files,
-                           .Environment = environment,
-                           .Settings = settings,
-                           .Dialogs = dialogs,
-                           .Sounds = sounds,
-                           .Windows = windows});
-  control::UnitTarget target(unit);
-  const platform::LocalControlSocket socket(
-      platform::ControlSocketPath(runtimeFolder, name),
-      [&target](std::string_view request) { return control::Dispatch(target, request); });
-  if (socket.Status() != platform::LocalControlSocket::State::Listening) {
-    Say("no control socket: " + socket.Reason());
-    return kFailed;
-  }
-
-  const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.RequestClose(); });
-  int status = kDone;
-  unit.SetClosedHandler([&status] { QCoreApplication::exit(status); });
-  std::unique_ptr<base::Timer> start;
-  start = loop.MakeTimer(std::chrono::milliseconds(0), [&] {
-    start->SetEnabled(false);
-    switch (unit.Load()) {
-      case recorder::StartOutcome::Failed:
-        status = kFailed;
-        if (!unit.Session().pcrLastError().empty()) Say(unit.Session().pcrLastError());
-        break;
-      case recorder::StartOutcome::NotAgreed:
-        QCoreApplication::exit(kFailed);
-        break;
-      case recorder::StartOutcome::Running:
-      case recorder::StartOutcome::Closed:
-        break;
-    }
+  return RunUnit(line, argv[0], loop, [&line](base::EventLoop&, const platform::Environment&) {
+    return std::make_unique<HeadlessFace>(line.Chosen.AcceptAgreement);
   });
-  start->SetEnabled(true);
-  return QCoreApplication::exec();
+}
+
+int RunDesktop(const control::CommandLine& line, int argc, char** argv) {
+  if (const std::string why = WhyNoDisplay(); !why.empty()) {
+    Say(why);
+    return kFailed;
+  }
+  TellFatalFailures();
+  const QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Kestrune"));
+  QApplication::setDesktopFileName(QStringLiteral("kestrune"));
+  QApplication::setWindowIcon(windows::ProgramIcon());
+  // Most of the run has no window, and windows that close are not its end.
+  QApplication::setQuitOnLastWindowClosed(false);
+  platform::QtEventLoop loop(platform::QtEventLoop::WhileAsleep::KeepPainted);
+  return RunUnit(line, argv[0], loop,
+                 [&line](base::EventLoop& own, const platform::Environment& environment) {
+                   return std::make_unique<DesktopFace>(own, environment, line.Chosen.AcceptAgreement);
+                 });
 }
 
 }  // namespace
@@ -172,10 +63,5 @@ int main(int argc, char** argv) {
     fmt::print("kestrune {}.{}.{}\n", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision);
     return apps::kDone;
   }
-  if (!line.Chosen.Headless) {
-    apps::Say("the windows are not part of this version yet; start it with --headless");
-    return apps::kFailed;
-  }
-  const QCoreApplication application(argc, argv);
-  return apps::RunUnit(line, argv[0]);
+  return line.Chosen.Headless ? apps::RunHeadless(line, argc, argv) : apps::RunDesktop(line, argc, argv);
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/QtEventLoop.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QObject>
 #include <QTimerEvent>
 #include <algorithm>
@@ -13,6 +14,11 @@ namespace kestrune::platform {
 namespace {
 
 using std::chrono::milliseconds;
+
+/// How long a window may wait to be painted during a Sleep.
+constexpr milliseconds kPaintPause{20};
+
+bool asleep = false;  // one thread has windows
 
 /// The civil fields of a moment, by the time zone as it is now.
 std::tm LocalTime(std::time_t moment) {
@@ -71,6 +77,12 @@ class QtEventLoop::HostedTimer final : public base::Timer {
   [[nodiscard]] bool Enabled() const override { return enabled_; }
 
   void Fire() {
+    if (asleep) {
+      // Due, and served as soon as events are again.
+      Cancel();
+      id_ = host_.Start(*this, milliseconds(1));
+      return;
+    }
     Cancel();
     const std::weak_ptr<bool> alive = alive_;
     const auto handler = handler_;
@@ -108,7 +120,24 @@ void QtEventLoop::TimerHost::timerEvent(QTimerEvent* event) {
   if (place != timers_.end()) place->second->Fire();
 }
 
-QtEventLoop::QtEventLoop() : host_(std::make_unique<TimerHost>()) {}
+/// While it lives, no notification of a device is delivered. The bytes stay where they are, and Qt notifies
+/// again.
+class QtEventLoop::SleepGuard final : public QObject {
+ public:
+  SleepGuard() {
+    asleep = true;
+    QCoreApplication::instance()->installEventFilter(this);
+  }
+  ~SleepGuard() override { asleep = false; }
+  SleepGuard(const SleepGuard&) = delete;
+  SleepGuard& operator=(const SleepGuard&) = delete;
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override { return event->type() == QEvent::SockAct; }
+};
+
+QtEventLoop::QtEventLoop(WhileAsleep whileAsleep)
+    : whileAsleep_(whileAsleep), host_(std::make_unique<TimerHost>()) {}
 
 QtEventLoop::~QtEventLoop() = default;
 
@@ -132,7 +161,19 @@ milliseconds QtEventLoop::SteadyNow() const {
 }
 
 void QtEventLoop::Sleep(milliseconds duration) {
-  std::this_thread::sleep_for(duration);
+  if (whileAsleep_ == WhileAsleep::Nothing || asleep) return std::this_thread::sleep_for(duration);
+  const SleepGuard guard;
+  const auto end = std::chrono::steady_clock::now() + duration;
+  for (auto left = duration; left.count() > 0;
+       left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now())) {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
+    const auto rest = end - std::chrono::steady_clock::now();
+    if (rest.count() > 0) std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(rest, kPaintPause));
+  }
+}
+
+bool QtEventLoop::Asleep() {
+  return asleep;
 }
 
 void QtEventLoop::PumpEvents() {

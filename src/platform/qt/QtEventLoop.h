@@ -15,7 +15,11 @@ namespace kestrune::platform {
 /// their interval.
 class QtEventLoop final : public base::EventLoop {
  public:
-  QtEventLoop();
+  /// What a Sleep does about windows. `KeepPainted` still serves no timer of this loop, no device and no user:
+  /// what the user does meanwhile waits, but what is on screen stays whole.
+  enum class WhileAsleep { Nothing, KeepPainted };
+
+  explicit QtEventLoop(WhileAsleep whileAsleep = WhileAsleep::Nothing);
   ~QtEventLoop() override;
   QtEventLoop(const QtEventLoop&) = delete;
   QtEventLoop& operator=(const QtEventLoop&) = delete;
@@ -25,13 +29,18 @@ class QtEventLoop final : public base::EventLoop {
   [[nodiscard]] std::chrono::milliseconds SteadyNow() const override;
   void Sleep(std::chrono::milliseconds duration) override;
   void PumpEvents() override;
+  /// True within a Sleep: an adapter that gets an event of its own then keeps it until a timer of the loop
+  /// fires.
+  [[nodiscard]] static bool Asleep();
   [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(std::chrono::milliseconds interval,
                                                        std::function<void()> handler) override;
 
  private:
   class TimerHost;
+  class SleepGuard;
   class HostedTimer;
 
+  WhileAsleep whileAsleep_;
   std::unique_ptr<TimerHost> host_;
 };
 

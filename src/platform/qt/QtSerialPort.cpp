@@ -14,6 +14,7 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
+#include "platform/qt/QtEventLoop.h"
 #include "platform/qt/SerialDeviceCheck.h"
 
 namespace kestrune::platform {
@@ -82,7 +83,11 @@ class QtSerialPort::Wakeup final : public QObject {
 QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
     : ports_(std::move(ports)),
       wakeup_(std::make_unique<Wakeup>(*this)),
-      hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })) {
+      hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })),
+      afterSleep_(loop.MakeTimer(std::chrono::milliseconds(0), [this] {
+        afterSleep_->SetEnabled(false);
+        wakeup_->Post();
+      })) {
   QObject::connect(&port_, &QSerialPort::readyRead, wakeup_.get(), [this] { NotifySoon(); });
   QObject::connect(&port_, &QSerialPort::errorOccurred, wakeup_.get(),
                    [this](QSerialPort::SerialPortError error) {
@@ -182,6 +187,8 @@ void QtSerialPort::NotifySoon() {
 }
 
 void QtSerialPort::Notify() {
+  // A loop that keeps windows painted serves what was posted before it went to sleep.
+  if (QtEventLoop::Asleep()) return afterSleep_->SetEnabled(true);
   notifying_ = false;
   const auto handler = handler_;
   const bool enough = port_.isOpen() && port_.bytesAvailable() >= threshold_;

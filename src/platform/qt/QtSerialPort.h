@@ -48,6 +48,7 @@ class QtSerialPort final : public SerialPort {
   QSerialPort port_;
   std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
+  std::unique_ptr<base::Timer> afterSleep_;
   std::shared_ptr<std::function<void()>> handler_;
   std::string settings_ = "9600,n,8,1";
   std::int16_t number_ = 0;

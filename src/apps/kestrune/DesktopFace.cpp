@@ -1,0 +1,84 @@
+#include "apps/kestrune/DesktopFace.h"
+
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QSessionManager>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+#include <fmt/format.h>
+
+namespace kestrune::apps {
+namespace {
+
+/// The session waits for so long at most; an ordinary close takes a little over two seconds.
+constexpr std::chrono::seconds kSessionPatience{8};
+
+/// A file that comes with the program: beside the executable, as in the build, or in the shared folder of the
+/// installation.
+std::string SideFile(const platform::Environment& environment, const std::string& name) {
+  const std::string beside = environment.ExecutableFolder() + "/" + name;
+  std::error_code gone;
+  if (std::filesystem::exists(beside, gone)) return beside;
+  const std::string shared = environment.ExecutableFolder() + "/../share/kestrune/" + name;
+  return std::filesystem::exists(shared, gone) ? shared : beside;
+}
+
+void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type == QtFatalMsg) {
+    fmt::print(stderr, "kestrune: the windows cannot be shown: {}\n", text.toStdString());
+    std::fflush(stderr);
+    std::_Exit(1);
+  }
+  const QString line = qFormatLogMessage(type, context, text);
+  if (type != QtDebugMsg && type != QtInfoMsg) fmt::print(stderr, "{}\n", line.toStdString());
+}
+
+}  // namespace
+
+DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& environment,
+                         bool agreementAccepted)
+    : dialogs_(SideFile(environment, "Agreement.html"), agreementAccepted),
+      desktop_({.Loop = loop,
+                .Dialogs = dialogs_,
+                .Shell = shell_,
+                .HelpFile = SideFile(environment, "Documentation/Kestrune.html"),
+                .Links = {},
+                .GiveUpDialogs = [this] { dialogs_.GiveUp(); }}) {}
+
+void DesktopFace::Attach(recorder::Kestrune& unit) {
+  desktop_.Attach(unit);
+  // The desktop goes on with its end once this returns, so the whole close belongs in here. The end of the
+  // program ends this wait too.
+  QObject::connect(
+      qGuiApp, &QGuiApplication::commitDataRequest, &session_,
+      [&unit](QSessionManager&) {
+        unit.Close();
+        QEventLoop wait;
+        QTimer::singleShot(kSessionPatience, &wait, &QEventLoop::quit);
+        wait.exec(QEventLoop::ExcludeUserInputEvents);
+      },
+      Qt::DirectConnection);
+}
+
+void DesktopFace::Detach() {
+  desktop_.Detach();
+}
+
+std::string WhyNoDisplay() {
+  for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return {};
+  }
+  return "there is no display to show windows on (neither DISPLAY nor WAYLAND_DISPLAY is set); start it with "
+         "--headless to run without windows";
+}
+
+void TellFatalFailures() {
+  qInstallMessageHandler(ShowQtMessage);
+}
+
+}  // namespace kestrune::apps

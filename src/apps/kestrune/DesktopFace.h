@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <string>
+
+#include "apps/kestrune/Face.h"
+#include "base/EventLoop.h"
+#include "platform/Environment.h"
+#include "platform/qtgui/DesktopShell.h"
+#include "windows/Desktop.h"
+#include "windows/QtDialogs.h"
+#include "windows/QtSounds.h"
+
+namespace kestrune::apps {
+
+/// With windows; a QApplication must exist. The end of the desktop's session closes the unit like its user
+/// does.
+class DesktopFace final : public Face {
+ public:
+  /// The loop must outlive it.
+  DesktopFace(base::EventLoop& loop, const platform::Environment& environment, bool agreementAccepted);
+
+  [[nodiscard]] platform::Dialogs& Dialogs() override { return dialogs_; }
+  [[nodiscard]] platform::Sounds& Sounds() override { return sounds_; }
+  [[nodiscard]] recorder::Windows& Windows() override { return desktop_; }
+  void Attach(recorder::Kestrune& unit) override;
+  void Detach() override;
+
+ private:
+  platform::DesktopShell shell_;
+  windows::QtDialogs dialogs_;
+  windows::QtSounds sounds_;
+  windows::Desktop desktop_;
+  QObject session_;  // owns the connections
+};
+
+/// Why no window can be shown, as far as the environment tells; empty if it can.
+[[nodiscard]] std::string WhyNoDisplay();
+
+/// From now on a failure that Qt takes for fatal, such as a display that does not answer, ends the program
+/// with a line of its own and status 1, not with a memory dump.
+void TellFatalFailures();
+
+}  // namespace kestrune::apps

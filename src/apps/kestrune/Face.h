@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/Dialogs.h"
+#include "platform/Sounds.h"
+#include "recorder/Kestrune.h"
+#include "recorder/Windows.h"
+
+namespace kestrune::apps {
+
+/// How the program meets its user: with windows or without.
+class Face {
+ public:
+  virtual ~Face() = default;
+
+  [[nodiscard]] virtual platform::Dialogs& Dialogs() = 0;
+  [[nodiscard]] virtual platform::Sounds& Sounds() = 0;
+  [[nodiscard]] virtual recorder::Windows& Windows() = 0;
+  /// Before the unit loads, and before it goes.
+  virtual void Attach(recorder::Kestrune& /*unit*/) {}
+  virtual void Detach() {}
+};
+
+}  // namespace kestrune::apps

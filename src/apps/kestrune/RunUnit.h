@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "apps/kestrune/Face.h"
+#include "base/EventLoop.h"
+#include "control/CommandLine.h"
+#include "platform/Environment.h"
+#include "platform/qt/QtEventLoop.h"
+
+namespace kestrune::apps {
+
+// The program's exit statuses.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUse = 2;
+
+using MakeFace = std::function<std::unique_ptr<Face>(base::EventLoop&, const platform::Environment&)>;
+
+/// Puts the outside together, loads a unit and lives until it has closed. The application object must exist.
+/// Gives the exit status.
+[[nodiscard]] int RunUnit(const control::CommandLine& line, const std::string& executable,
+                          platform::QtEventLoop& loop, const MakeFace& makeFace);
+
+/// One line on standard error.
+void Say(const std::string& line);
+
+}  // namespace kestrune::apps

@@ -1,0 +1,32 @@
+#include "recorder/Explanation.h"
+
+namespace kestrune::recorder {
+
+std::string ExplainRecording(const MainWindow& window, const RecordingState& recording,
+                             const radio::RadioState& radio, const Modes& modes,
+                             const schedule::Restrictions& restrictions) {
+  if (window.lblRecording.Caption == status::kWaitingForChannelLoad) {
+    return "Recording begins once the channels are loaded.";
+  }
+  if (radio.ChannelsLoading) return "The radio's channels are being loaded.";
+  if (recording.StopPending) return "Finishing the song in hand.";
+  if (!recording.RecordRequested) return "Not recording.";
+  if (recording.WaitingForNextSong) {
+    return modes.CheckCleftune() ? "Whole songs only: it begins with the next song."
+                                 : "Whole songs only, but songs are not split: press Stop.";
+  }
+  // What the lists are asked about at the end is the song with which the capture began.
+  const bool known = recording.LastArtist != kNoSong || recording.LastSong != kNoSong;
+  if (known && modes.CheckGrab() && !restrictions.IsInGrabList(recording.LastArtist, recording.LastSong)) {
+    return "Not in the Grab list: it will be deleted at its end.";
+  }
+  if (known && modes.CheckKill() && restrictions.IsInKillList(recording.LastArtist, recording.LastSong)) {
+    return "In the Kill list: it will be deleted at its end.";
+  }
+  if (recording.Incomplete || recording.StartPending) {
+    return "Begun within the song: its name will say (Incomplete).";
+  }
+  return modes.CheckCleftune() ? "This song is kept from its beginning." : "All songs go into one file.";
+}
+
+}  // namespace kestrune::recorder

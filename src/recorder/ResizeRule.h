@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/RunState.h"
+#include "config/Settings.h"
+#include "recorder/MainWindow.h"
+#include "recorder/Windows.h"
+
+namespace kestrune::recorder {
+
+/// The other windows follow the main window: minimised, it takes them along, and itself leaves the task bar
+/// if the user wants it in the tray only. It runs at each resize and ten times a second.
+class ResizeRule {
+ public:
+  /// All must outlive the object.
+  ResizeRule(MainWindow& window, Windows& windows, const config::Settings& settings,
+             const base::RunState& run)
+      : window_(window), windows_(windows), settings_(settings), run_(run) {}
+
+  void Apply();
+
+ private:
+  MainWindow& window_;
+  Windows& windows_;
+  const config::Settings& settings_;
+  const base::RunState& run_;
+};
+
+/// Whether a minimised main window keeps its place in the task bar. Without a tray icon it does in any case:
+/// a window that nothing brings back must not be hidden.
+[[nodiscard]] inline bool StaysInTaskBar(const MainWindow& window, const config::Settings& settings) {
+  return settings.TaskBarMinimized || !window.TrayIcon;
+}
+
+}  // namespace kestrune::recorder

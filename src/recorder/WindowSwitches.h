@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/RunState.h"
+#include "config/Settings.h"
+#include "config/SettingsSection.h"
+#include "recorder/MainWindow.h"
+#include "recorder/Windows.h"
+
+namespace kestrune::recorder {
+
+/// The check boxes of the main window that show and hide other windows, with the menu entries of the same
+/// names, whose marks are theirs. Once the program closes they do nothing any more: a window that goes then
+/// leaves its box, and so the next start, as the user had it.
+class WindowSwitches {
+ public:
+  /// All must outlive the object.
+  WindowSwitches(MainWindow& window, Windows& windows, config::Settings& settings,
+                 const config::SettingsSection& section, const base::RunState& run)
+      : window_(window), windows_(windows), settings_(settings), section_(section), run_(run) {}
+
+  // The user, or a window that closes, has set the box.
+  void chkChannelListing_Click(bool checked);
+  void chkRecordLog_Click(bool checked);
+  void chkSchedule_Click(bool checked);
+  void chkRestrictList_Click(bool checked);
+  void chkKestruneNow_Click(bool checked);
+
+  /// Shows the mixer, or closes it if it is open.
+  void cmdMixer_Click();
+
+  /// Sets the remembered boxes as the last run left them; each opens its window through its own rule.
+  void ShowRemembered();
+
+ private:
+  void Follow(WindowName name, bool checked);
+
+  MainWindow& window_;
+  Windows& windows_;
+  config::Settings& settings_;
+  const config::SettingsSection& section_;
+  const base::RunState& run_;
+};
+
+}  // namespace kestrune::recorder

@@ -1,0 +1,197 @@
+#include "windows/AudioDisplay.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace kestrune::windows {
+namespace {
+
+/// A tenth of a second of stereo at the highest usual rate; also enough for the spectrum.
+constexpr std::int32_t kSamples = 9600;
+/// From here upwards (-6 dB) a level is shown as loud.
+constexpr double kLoudFrom = 0.9;
+
+QColor Mixed(const QColor& a, const QColor& b, double partOfB) {
+  const auto mix = [partOfB](int x, int y) { return static_cast<int>(std::lround(x + (y - x) * partOfB)); };
+  return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+}  // namespace
+
+QColor WarningColour(const QPalette& palette) {
+  const bool dark = palette.color(QPalette::Window).lightness() < 128;
+  return QColor::fromHsl(2, 200, dark ? 165 : 100);
+}
+
+AudioDisplay::AudioDisplay(recorder::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  setAccessibleName(QStringLiteral("Level of the sound"));
+  meter_.SetSampleCount(kSamples);
+}
+
+AudioDisplay::~AudioDisplay() {
+  meter_.SetSampleCount(0);
+}
+
+void AudioDisplay::Refresh() {
+  if (drawn_ == meter_.Draws() && shown_ == meter_.Type()) return;
+  drawn_ = meter_.Draws();
+  shown_ = meter_.Type();
+  update();
+}
+
+QSize AudioDisplay::sizeHint() const {
+  return {fontMetrics().averageCharWidth() * 34, fontMetrics().height() * 5};
+}
+
+QSize AudioDisplay::minimumSizeHint() const {
+  return {fontMetrics().averageCharWidth() * 20, fontMetrics().height() * 4};
+}
+
+QColor AudioDisplay::Loud() const {
+  return WarningColour(palette());
+}
+
+QColor AudioDisplay::Faint() const {
+  return Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.18);
+}
+
+void AudioDisplay::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+  painter.setPen(Mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.3));
+  painter.setBrush(palette().base());
+  painter.drawRoundedRect(frame, 3, 3);
+  painter.setPen(Qt::NoPen);
+  const QRectF room = frame.adjusted(6, 5, -6, -5);
+  switch (meter_.Type()) {
+    case recorder::VuType::Bars:
+      return PaintBars(painter, room);
+    case recorder::VuType::Needles:
+      return PaintNeedles(painter, room);
+    case recorder::VuType::Wave:
+      return PaintWave(painter, room);
+    case recorder::VuType::Spectrum:
+      return PaintSpectrum(painter, room);
+    case recorder::VuType::History:
+      return PaintHistory(painter, room);
+  }
+}
+
+void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
+  QFont small = font();
+  small.setPointSizeF(std::max(6.0, font().pointSizeF() * 0.75));
+  painter.setFont(small);
+  const double scaleHeight = QFontMetricsF(small).height();
+  const auto channels = static_cast<double>(meter_.ChannelCount());
+  const double gap = 4;
+  const double height = std::min((room.height() - scaleHeight - gap * channels) / channels, 26.0);
+  const double top = room.top() + (room.height() - scaleHeight - (height + gap) * channels) / 2;
+  for (std::size_t c = 0; c < meter_.ChannelCount(); ++c) {
+    const recorder::LevelMeter::Channel& channel = meter_.Channels().at(c);
+    const QRectF bar(room.left(), top + static_cast<double>(c) * (height + gap), room.width(), height);
+    painter.fillRect(bar, Faint());
+    const auto part = [&bar](double from, double to) {
+      return QRectF(bar.left() + bar.width() * from, bar.top(), bar.width() * std::max(0.0, to - from),
+                    bar.height());
+    };
+    const double level = channel.Peak;
+    painter.fillRect(part(0, std::min(level, kLoudFrom)), palette().color(QPalette::Highlight));
+    painter.fillRect(part(kLoudFrom, level), Loud());
+    if (channel.Hold > 0) {
+      const double hold = channel.Hold * bar.width();
+      painter.fillRect(QRectF(bar.left() + std::max(0.0, hold - 2), bar.top(), 2, bar.height()),
+                       channel.Hold >= kLoudFrom ? Loud() : palette().color(QPalette::Text));
+    }
+  }
+  // The last mark would stand beyond the bar's end in the middle of its text, so it ends there.
+  painter.setPen(Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.7));
+  const double scaleTop = top + channels * (height + gap);
+  for (const int decibels : {-50, -40, -30, -20, -10, 0}) {
+    const double x = room.left() + room.width() * (1 + decibels / 60.0);
+    const QRectF place(x - 20, scaleTop, decibels == 0 ? 20 : 40, scaleHeight);
+    painter.drawText(place, (decibels == 0 ? Qt::AlignRight : Qt::AlignHCenter) | Qt::AlignVCenter,
+                     QString::number(decibels));
+  }
+}
+
+void AudioDisplay::PaintNeedles(QPainter& painter, const QRectF& room) const {
+  const auto channels = static_cast<double>(meter_.ChannelCount());
+  const double width = room.width() / channels;
+  constexpr double kSpread = 50;  // degrees to each side of upright
+  for (std::size_t c = 0; c < meter_.ChannelCount(); ++c) {
+    const QRectF dial(room.left() + width * static_cast<double>(c), room.top(), width, room.height());
+    const QPointF foot(dial.center().x(), dial.bottom());
+    const double reach =
+        std::min(dial.height() * 0.95, dial.width() / 2 / std::sin(kSpread * std::numbers::pi / 180) * 0.95);
+    const auto at = [&](double height, double distance) {
+      const double angle = (height * 2 - 1) * kSpread * std::numbers::pi / 180;
+      return QPointF(foot.x() + std::sin(angle) * distance, foot.y() - std::cos(angle) * distance);
+    };
+    for (int mark = 0; mark <= 6; ++mark) {
+      const double height = mark / 6.0;
+      painter.setPen(QPen(height >= kLoudFrom ? Loud() : palette().color(QPalette::Text), 1.5));
+      painter.drawLine(at(height, reach * 0.88), at(height, reach));
+    }
+    const QRectF circle(foot.x() - reach, foot.y() - reach, reach * 2, reach * 2);
+    painter.setPen(QPen(Faint(), 1.5));
+    painter.drawArc(circle, static_cast<int>((90 - kSpread) * 16), static_cast<int>(kSpread * 2 * 16));
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(foot, at(meter_.Channels().at(c).Needle, reach * 0.92));
+  }
+}
+
+void AudioDisplay::PaintWave(QPainter& painter, const QRectF& room) const {
+  const auto& wave = meter_.Wave();
+  const double middle = room.center().y();
+  const double half = room.height() / 2;
+  painter.fillRect(QRectF(room.left(), middle - 0.5, room.width(), 1), Faint());
+  QPainterPath path;
+  const auto x = [&](std::size_t i) {
+    return room.left() + room.width() * static_cast<double>(i) / static_cast<double>(wave.size() - 1);
+  };
+  path.moveTo(x(0), middle);
+  for (std::size_t i = 0; i < wave.size(); ++i) path.lineTo(x(i), middle - wave.at(i).High * half);
+  for (std::size_t i = wave.size(); i-- > 0;) path.lineTo(x(i), middle - wave.at(i).Low * half);
+  path.closeSubpath();
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
+  painter.setBrush(palette().color(QPalette::Highlight));
+  painter.drawPath(path);
+}
+
+void AudioDisplay::PaintSpectrum(QPainter& painter, const QRectF& room) const {
+  const auto& bands = meter_.Bands();
+  const double width = room.width() / static_cast<double>(bands.size());
+  for (std::size_t i = 0; i < bands.size(); ++i) {
+    const QRectF place(room.left() + width * static_cast<double>(i), room.top(), std::max(1.0, width - 2),
+                       room.height());
+    const double height = bands.at(i) * room.height();
+    painter.fillRect(QRectF(place.left(), room.bottom() - 1, place.width(), 1), Faint());
+    painter.fillRect(QRectF(place.left(), room.bottom() - height, place.width(), height),
+                     palette().color(QPalette::Highlight));
+  }
+}
+
+void AudioDisplay::PaintHistory(QPainter& painter, const QRectF& room) const {
+  const auto history = meter_.History();
+  QPainterPath path;
+  path.moveTo(room.bottomLeft());
+  for (std::size_t i = 0; i < history.size(); ++i) {
+    const double x =
+        room.left() + room.width() * static_cast<double>(i) / static_cast<double>(history.size() - 1);
+    path.lineTo(x, room.bottom() - static_cast<double>(history[i]) * room.height());
+  }
+  path.lineTo(room.bottomRight());
+  path.closeSubpath();
+  for (const double mark : {1 / 3.0, 2 / 3.0}) {  // -40 and -20 dB
+    painter.fillRect(QRectF(room.left(), room.bottom() - mark * room.height(), room.width(), 1), Faint());
+  }
+  painter.setBrush(palette().color(QPalette::Highlight));
+  painter.drawPath(path);
+}
+
+}  // namespace kestrune::windows

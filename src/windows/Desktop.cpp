@@ -1,0 +1,447 @@
+#include "windows/Desktop.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QEventLoop>
+#include <QMenu>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+#include "windows/Binding.h"
+#include "windows/Placement.h"
+#include "windows/ProgramIcon.h"
+
+namespace kestrune::windows {
+namespace {
+
+using recorder::WindowName;
+
+constexpr std::chrono::milliseconds kRefreshInterval{100};
+/// Asking for a tray goes to another program, so it is not asked at each refresh.
+constexpr int kRefreshesPerTrayCheck = 20;
+constexpr qsizetype kTrayTipLetters = 64;
+
+/// These live as long as the program: a close hides them.
+bool IsPermanent(WindowName name) {
+  return name == WindowName::Channels || name == WindowName::Log;
+}
+
+void Raise(QWidget& window) {
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
+recorder::WindowState StateOf(const QWidget& window) {
+  if (window.isMinimized()) return recorder::WindowState::Minimized;
+  return InNormalState(window) ? recorder::WindowState::Normal : recorder::WindowState::Maximized;
+}
+
+}  // namespace
+
+Desktop::Desktop(Outside outside) : outside_(std::move(outside)) {}
+
+Desktop::~Desktop() {
+  Detach();
+}
+
+void Desktop::Attach(recorder::Kestrune& unit) {
+  unit_ = &unit;
+  main_ = std::make_unique<frmKestrune>(unit);
+  main_->Show = [this](WindowName name) { Show(name); };
+  main_->mnuAbout = [this] { ShowAbout(); };
+  main_->mnuHelpWith = [this] { base::Ignored(outside_.Shell.Open(outside_.HelpFile)); };
+  main_->mnuIntent = [this] {
+    base::Ignored(outside_.Dialogs.Show(
+        {.Title = "Kestrune Statement of Intent",
+         .Text = "Kestrune is intended for use as a timeshifting utility for personal use only.\n"
+                 "Distributing or otherwise making available MP3 files created by Kestrune is a crime."}));
+  };
+  main_->mnuCheckUpdate = [this] { CheckUpdate ? CheckUpdate() : SayLater(); };
+  main_->mnuRadioID = [this] { ShowRadioID ? ShowRadioID() : SayLater(); };
+  main_->OfferForList = [this](std::string_view word, const std::string& caption) {
+    if (base::Trim(caption).empty()) return;
+    OfferForList ? OfferForList(word, caption) : SayLater();
+  };
+  main_->CloseAsked = [this] { unit_->RequestClose(); };
+  main_->StateChanged = [this] {
+    ReadMainWindow();
+    ApplyResizeRule();
+    ShowMainWindow();
+  };
+  unit.PresetButtons().ShowPresets = [this] { Show(WindowName::Presets); };
+  ReadMainWindow();
+  tmrRefresh_ = outside_.Loop.MakeTimer(kRefreshInterval, [this] { Refresh(); });
+  tmrRefresh_->SetEnabled(true);
+}
+
+void Desktop::Detach() {
+  tmrRefresh_.reset();
+  SetBusyCursor(false);
+  RemoveTrayIcon();
+  kept_.clear();
+  opened_.clear();
+  splash_.reset();
+  pleaseWait_.reset();
+  main_.reset();
+}
+
+void Desktop::SetMaker(WindowName name, Maker maker) {
+  makers_[name] = std::move(maker);
+}
+
+void Desktop::Refresh() {
+  if (main_ == nullptr) return;
+  ReadMainWindow();
+  ShowMainWindow();
+  ShowTray();
+  DropClosed();
+  main_->Refresh();
+  for (const WindowName name : std::vector(opened_)) {
+    const Kept* kept = Find(name);
+    if (kept != nullptr && kept->Window->Widget()->isVisible()) kept->Window->Refresh();
+  }
+}
+
+// The main window.
+
+void Desktop::ReadMainWindow() {
+  recorder::MainWindow& record = unit_->WindowRecord();
+  record.State = StateOf(*main_);
+  if (record.State != recorder::WindowState::Normal || !main_->isVisible()) return;
+  const Place place = PlaceOf(*main_);
+  record.Top = place.Top;
+  record.Left = place.Left;
+}
+
+void Desktop::ShowMainWindow() {
+  const bool visible = unit_->Window().Visible && !unit_->Run().ShuttingDown;
+  if (visible != main_->isHidden()) return;
+  main_->setVisible(visible);
+}
+
+void Desktop::PlaceMainWindow() {
+  const Place own = PlaceOf(*main_);
+  const config::SettingsSection& section = unit_->Section();
+  const Place stored{.Top = section.Single("MainTop", own.Top), .Left = section.Single("MainLeft", own.Left)};
+  // A window that is not moved goes where the desktop finds room for it.
+  if (stored.Top != own.Top || stored.Left != own.Left) MoveTo(*main_, stored);
+}
+
+void Desktop::HideAndDisableMainWindow() {
+  unit_->WindowRecord().Visible = false;
+  main_->hide();
+  main_->setEnabled(false);
+  SetBusyCursor(true);
+}
+
+void Desktop::ShowMainWindowDisabled() {
+  unit_->WindowRecord().Visible = true;
+  main_->setEnabled(false);
+  main_->Refresh();
+  // The focus is taken once, and then only from the program's own windows: the user may be at work elsewhere.
+  if (!std::exchange(mainShown_, true)) {
+    Raise(*main_);
+  } else if (QApplication::activeWindow() != nullptr) {
+    main_->activateWindow();
+  }
+}
+
+void Desktop::EnableMainWindow() {
+  main_->setEnabled(true);
+  SetBusyCursor(false);
+}
+
+void Desktop::MainWindowToFront() {
+  if (main_ != nullptr && main_->isVisible()) Raise(*main_);
+}
+
+void Desktop::PassKey(int key) {
+  MainWindowToFront();
+  if (main_ != nullptr) main_->PressHotKey(key);
+}
+
+void Desktop::ApplyResizeRule() {
+  unit_->Resize().Apply();
+}
+
+void Desktop::SetBusyCursor(bool busy) {
+  if (std::exchange(busyCursor_, busy) == busy) return;
+  if (busy) {
+    QApplication::setOverrideCursor(Qt::BusyCursor);
+  } else {
+    QApplication::restoreOverrideCursor();
+  }
+}
+
+// The tray.
+
+void Desktop::AddTrayIcon() {
+  tray_ = std::make_unique<QSystemTrayIcon>(ProgramIcon());
+  trayMenu_ = std::make_unique<QMenu>();
+  trayMenu_->addAction(tr("Show Kestrune"), this, [this] { Restore(); });
+  trayMenu_->addSeparator();
+  for (const char* name : {"mnuRecord", "mnuStop"}) trayMenu_->addAction(main_->Entry(name));
+  trayMenu_->addSeparator();
+  trayMenu_->addAction(main_->Entry("mnuExit"));
+  tray_->setContextMenu(trayMenu_.get());
+  connect(tray_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+    if (reason == QSystemTrayIcon::Trigger) Restore();
+  });
+  tray_->show();
+  trayCheck_ = 0;
+  trayTip_.clear();
+  ShowTray();
+}
+
+void Desktop::RemoveTrayIcon() {
+  // The menu may be what this call comes from.
+  if (tray_ != nullptr) tray_.release()->deleteLater();
+  if (trayMenu_ != nullptr) trayMenu_.release()->deleteLater();
+}
+
+void Desktop::ShowTray() {
+  recorder::MainWindow& record = unit_->WindowRecord();
+  if (tray_ == nullptr) {
+    record.TrayIcon = false;
+    return;
+  }
+  if (trayCheck_ == 0) record.TrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
+  trayCheck_ = (trayCheck_ + 1) % kRefreshesPerTrayCheck;
+  if (record.TrayTip == trayTip_) return;
+  trayTip_ = record.TrayTip;
+  tray_->setToolTip(ToQt(trayTip_).left(kTrayTipLetters));
+}
+
+void Desktop::Restore() {
+  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
+  unit_->WindowRecord().Visible = true;
+  main_->setWindowState(main_->windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized));
+  Raise(*main_);
+}
+
+// The windows of the start.
+
+void Desktop::ShowPleaseWaitAndSplash() {
+  SetBusyCursor(true);
+  pleaseWait_ = std::make_unique<frmPleaseWait>();
+  pleaseWait_->show();
+  outside_.Loop.PumpEvents();
+  if (pleaseWait_ == nullptr) return;
+  ShowAbout();
+  outside_.Loop.PumpEvents();
+}
+
+void Desktop::ShowPort(std::int16_t port) {
+  if (pleaseWait_ != nullptr) pleaseWait_->ShowPort(port);
+}
+
+void Desktop::ClosePleaseWait() {
+  pleaseWait_.reset();
+}
+
+void Desktop::ShowAbout() {
+  splash_ = std::make_unique<frmSplash>(outside_.Loop, outside_.Shell, outside_.Dialogs, outside_.Links);
+  splash_->show();
+}
+
+void Desktop::LoadChannelsWindow() {
+  for (const WindowName name : {WindowName::Channels, WindowName::Log}) {
+    if (makers_.contains(name)) base::Ignored(Load(name));
+  }
+}
+
+void Desktop::ShowFirstConfiguration() {
+  if (!makers_.contains(WindowName::Config)) return;
+  Kept* kept = Load(WindowName::Config);
+  if (kept == nullptr) return;
+  auto* cmdCancel = kept->Window->Widget()->findChild<QWidget*>(QStringLiteral("cmdCancel"));
+  if (cmdCancel != nullptr) cmdCancel->hide();
+  ShowModally(*kept->Window->Widget());
+  DropClosed();
+}
+
+void Desktop::ShowModally(QWidget& window) {
+  const QPointer<QWidget> shown = &window;
+  window.setWindowModality(Qt::ApplicationModal);
+  const bool busy = busyCursor_;
+  SetBusyCursor(false);
+  Raise(window);
+  QEventLoop wait;
+  QTimer look;
+  connect(&look, &QTimer::timeout, &wait, [&] {
+    if (shown == nullptr || shown->isHidden() || unit_->Run().ShuttingDown) wait.quit();
+  });
+  look.start(kRefreshInterval);
+  if (window.isVisible()) wait.exec();
+  if (shown != nullptr) shown->setWindowModality(Qt::NonModal);
+  if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
+}
+
+// Nobody has asked for these just now, so one that is not there is no news.
+void Desktop::ShowRememberedWindows() {
+  quiet_ = true;
+  unit_->Switches().ShowRemembered();
+  quiet_ = false;
+}
+
+void Desktop::CheckForUpdate() {
+  if (CheckUpdate) CheckUpdate();
+}
+
+// The other windows.
+
+Desktop::Kept* Desktop::Find(WindowName name) {
+  return const_cast<Kept*>(std::as_const(*this).Find(name));  // NOLINT: the one that is asked is not const
+}
+
+/// A window that was closed waits for the next refresh to be destroyed, and counts no longer.
+const Desktop::Kept* Desktop::Find(WindowName name) const {
+  const auto place = kept_.find(name);
+  if (place == kept_.end()) return nullptr;
+  const QWidget* widget = place->second.Window->Widget();
+  if (widget == nullptr) return nullptr;
+  const bool open = !widget->isHidden() || place->second.Hidden || place->second.Closing;
+  return open || IsPermanent(name) ? &place->second : nullptr;
+}
+
+QWidget* Desktop::WidgetOf(WindowName name) const {
+  const Kept* kept = Find(name);
+  return kept != nullptr ? kept->Window->Widget() : nullptr;
+}
+
+bool Desktop::IsLoaded(WindowName name) const {
+  return Find(name) != nullptr;
+}
+
+Desktop::Kept* Desktop::Load(WindowName name) {
+  if (Kept* kept = Find(name)) return kept;
+  const auto maker = makers_.find(name);
+  if (maker == makers_.end()) return nullptr;
+  std::erase(opened_, name);
+  kept_.erase(name);
+  std::unique_ptr<OpenWindow> made = maker->second();
+  Kept& kept = kept_[name];
+  kept.Window = std::move(made);
+  kept.Hidden = true;
+  opened_.push_back(name);
+  QWidget& widget = *kept.Window->Widget();
+  widget.setWindowIcon(ProgramIcon());
+  widget.installEventFilter(this);
+  return &kept;
+}
+
+void Desktop::DropClosed() {
+  for (auto each = kept_.begin(); each != kept_.end();) {
+    if (Find(each->first) == nullptr) {
+      std::erase(opened_, each->first);
+      each = kept_.erase(each);
+    } else {
+      ++each;
+    }
+  }
+}
+
+void Desktop::Show(WindowName name) {
+  if (unit_->Run().ShuttingDown) return;
+  Kept* kept = Load(name);
+  if (kept == nullptr) return SayLater();
+  kept->Window->Refresh();
+  kept->Hidden = false;
+  Raise(*kept->Window->Widget());
+}
+
+void Desktop::Close(WindowName name) {
+  Kept* kept = Find(name);
+  if (kept == nullptr) return;
+  kept->Hidden = false;
+  const QPointer<QWidget> widget = kept->Window->Widget();
+  if (IsPermanent(name)) widget->hide();
+  if (kept->Closing) return;
+  RunClosingRule(*kept);
+}
+
+void Desktop::RunClosingRule(Kept& kept) {
+  const QPointer<QWidget> widget = kept.Window->Widget();
+  if (widget == nullptr) return;
+  QCloseEvent event;
+  QCoreApplication::sendEvent(widget, &event);
+  if (event.isAccepted() && widget != nullptr) widget->hide();
+}
+
+void Desktop::SetVisible(WindowName name, bool visible) {
+  Kept* kept = Find(name);
+  if (kept == nullptr) return;
+  QWidget& widget = *kept->Window->Widget();
+  if (widget.isHidden() != visible) return;
+  kept->Hidden = !visible;
+  widget.setAttribute(Qt::WA_ShowWithoutActivating, visible);
+  widget.setVisible(visible);
+  widget.setAttribute(Qt::WA_ShowWithoutActivating, false);
+}
+
+// A closing rule may set its check box, whose own rule closes the window again: only the first close counts.
+bool Desktop::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::Close) return QObject::eventFilter(watched, event);
+  const auto place = std::find_if(kept_.begin(), kept_.end(), [watched](const auto& each) {
+    return each.second.Window->Widget() == watched;
+  });
+  if (place == kept_.end() || place->second.Closing) return true;
+  place->second.Closing = true;
+  watched->event(event);
+  place->second.Closing = false;
+  place->second.Hidden = false;
+  return true;
+}
+
+void Desktop::SayLater() {
+  if (quiet_) return;
+  base::Ignored(
+      outside_.Dialogs.Show({.Title = "Kestrune", .Text = "This comes with a later version of Kestrune."}));
+}
+
+// The end.
+
+void Desktop::HideAll() {
+  if (main_ == nullptr) return;
+  outside_.GiveUpDialogs();
+  SetBusyCursor(false);
+  pleaseWait_.reset();
+  splash_.reset();
+  for (auto& [name, kept] : kept_) {
+    kept.Window->Quit();
+    QWidget* widget = kept.Window->Widget();
+    if (widget == nullptr || widget->isHidden()) continue;
+    kept.Hidden = true;
+    widget->hide();
+  }
+  ReadMainWindow();
+  unit_->WindowRecord().Visible = false;
+  main_->hide();
+}
+
+void Desktop::UnloadChannelsAndLog() {
+  for (const WindowName name : {WindowName::Channels, WindowName::Log}) {
+    Kept* kept = Find(name);
+    if (kept == nullptr) continue;
+    kept->Window->Quit();
+    RunClosingRule(*kept);
+  }
+}
+
+// Only the closing rules run here. What they belong to goes with Detach, when nothing of it is in use.
+void Desktop::UnloadAll() {
+  for (const WindowName name : std::vector(opened_.rbegin(), opened_.rend())) {
+    if (IsPermanent(name)) continue;
+    Kept* kept = Find(name);
+    if (kept == nullptr) continue;
+    RunClosingRule(*kept);
+  }
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QSystemTrayIcon>
+#include <QWidget>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/EventLoop.h"
+#include "platform/Dialogs.h"
+#include "platform/Shell.h"
+#include "recorder/Kestrune.h"
+#include "recorder/Windows.h"
+#include "windows/OpenWindow.h"
+#include "windows/frmKestrune.h"
+#include "windows/frmPleaseWait.h"
+#include "windows/frmSplash.h"
+
+namespace kestrune::windows {
+
+/// The windows of the program: it opens and closes them as the run asks for, keeps what is on screen like the
+/// records ten times a second, and carries the wishes of one window to another.
+class Desktop final : public QObject, public recorder::Windows {
+ public:
+  struct Outside {
+    base::EventLoop& Loop;
+    platform::Dialogs& Dialogs;
+    platform::Shell& Shell;
+    std::string HelpFile;  ///< full path of Kestrune.html
+    MakerLinks Links;
+    /// Answers whatever message is open, and all that follow, as if nobody were there.
+    std::function<void()> GiveUpDialogs = [] {};
+  };
+  using Maker = std::function<std::unique_ptr<OpenWindow>()>;
+
+  explicit Desktop(Outside outside);
+  ~Desktop() override;
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  /// Once, before the unit loads.
+  void Attach(recorder::Kestrune& unit);
+  /// Destroys all windows; before the unit goes.
+  void Detach();
+
+  /// How a window comes to be. Without one, the window is announced for a later version.
+  void SetMaker(recorder::WindowName name, Maker maker);
+
+  // Commands of other rooms; without one they are announced for a later version.
+  std::function<void()> CheckUpdate;
+  std::function<void()> ShowRadioID;
+  /// "Artist" or "Song", and the text with "&" doubled.
+  std::function<void(std::string_view word, const std::string& caption)> OfferForList;
+
+  // What other windows ask for.
+  void MainWindowToFront();
+  /// Gives the main window the focus and the key, which is told as HotKeyOf does.
+  void PassKey(int key);
+  [[nodiscard]] frmKestrune* Main() const { return main_.get(); }
+  /// The window while it is loaded, else null.
+  [[nodiscard]] QWidget* WidgetOf(recorder::WindowName name) const;
+  /// Shows a window and waits until it is closed or the program closes; nothing else takes input meanwhile.
+  void ShowModally(QWidget& window);
+
+  /// Shows all records that can be seen.
+  void Refresh();
+
+  // The run's wishes.
+  void AddTrayIcon() override;
+  void RemoveTrayIcon() override;
+  void PlaceMainWindow() override;
+  void HideAndDisableMainWindow() override;
+  void ShowPleaseWaitAndSplash() override;
+  void ShowPort(std::int16_t port) override;
+  void ClosePleaseWait() override;
+  void ShowMainWindowDisabled() override;
+  void LoadChannelsWindow() override;
+  void ShowFirstConfiguration() override;
+  void EnableMainWindow() override;
+  void ShowRememberedWindows() override;
+  void CheckForUpdate() override;
+  void ApplyResizeRule() override;
+  void Show(recorder::WindowName name) override;
+  void Close(recorder::WindowName name) override;
+  void SetVisible(recorder::WindowName name, bool visible) override;
+  [[nodiscard]] bool IsLoaded(recorder::WindowName name) const override;
+  void HideAll() override;
+  void UnloadChannelsAndLog() override;
+  void UnloadAll() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  struct Kept {
+    std::unique_ptr<OpenWindow> Window;
+    bool Hidden = false;   ///< by the program: it is still open
+    bool Closing = false;  ///< its closing rule runs
+  };
+
+  [[nodiscard]] Kept* Find(recorder::WindowName name);
+  [[nodiscard]] const Kept* Find(recorder::WindowName name) const;
+  Kept* Load(recorder::WindowName name);
+  void RunClosingRule(Kept& kept);
+  void DropClosed();
+  void ReadMainWindow();
+  void ShowMainWindow();
+  void ShowTray();
+  void Restore();
+  void ShowAbout();
+  void SayLater();
+  void SetBusyCursor(bool busy);
+
+  Outside outside_;
+  recorder::Kestrune* unit_ = nullptr;
+  std::map<recorder::WindowName, Maker> makers_;
+  std::map<recorder::WindowName, Kept> kept_;
+  std::vector<recorder::WindowName> opened_;  // in this order
+
+  std::unique_ptr<frmKestrune> main_;
+  std::unique_ptr<frmPleaseWait> pleaseWait_;
+  std::unique_ptr<frmSplash> splash_;
+  std::unique_ptr<QSystemTrayIcon> tray_;
+  std::unique_ptr<QMenu> trayMenu_;
+  std::string trayTip_;
+  int trayCheck_ = 0;
+  bool busyCursor_ = false;
+  bool mainShown_ = false;
+  bool quiet_ = false;
+  std::unique_ptr<base::Timer> tmrRefresh_;
+};
+
+}  // namespace kestrune::windows

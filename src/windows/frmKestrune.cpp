@@ -1,0 +1,560 @@
+#include "windows/frmKestrune.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPixmap>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "windows/AudioDisplay.h"
+#include "windows/Binding.h"
+#include "windows/ElidedLabel.h"
+#include "windows/HotKeys.h"
+
+namespace kestrune::windows {
+namespace {
+
+using recorder::MainWindow;
+using recorder::WindowName;
+
+constexpr int kSongLetters = 34;
+constexpr int kPresetColumns = 3;
+constexpr int kBarEnd = 3000;
+constexpr int kHotKeyF1 = 112;
+constexpr int kHotKeyF12 = 123;
+
+QLabel* MakeLabel(const char* name, const char* caption, QWidget* parent) {
+  auto* label = new QLabel(QString::fromUtf8(caption), parent);
+  label->setTextFormat(Qt::PlainText);
+  Name(*label, name);
+  return label;
+}
+
+ElidedLabel* MakeElided(const char* name, int letters, QWidget* parent, const char* tip = "",
+                        const char* accessible = "") {
+  auto* label = new ElidedLabel(letters, parent);
+  Name(*label, name, tip, accessible);
+  return label;
+}
+
+/// A label for a text of a known shape, which keeps its room whatever it shows and while it is hidden.
+QLabel* MakeFixed(const char* name, const char* widest, QWidget* parent) {
+  QLabel* label = MakeLabel(name, "", parent);
+  label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromUtf8(widest)));
+  QSizePolicy policy = label->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  label->setSizePolicy(policy);
+  return label;
+}
+
+void Enlarge(QWidget& widget, double factor, bool bold) {
+  QFont font = widget.font();
+  font.setPointSizeF(font.pointSizeF() * factor);
+  font.setBold(bold);
+  widget.setFont(font);
+}
+
+/// The two marks that everybody knows from a tape deck.
+QIcon MarkIcon(bool round, const QColor& colour) {
+  constexpr int kSize = 64;
+  QPixmap picture(kSize, kSize);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colour);
+  const QRectF room(kSize * 0.15, kSize * 0.15, kSize * 0.7, kSize * 0.7);
+  round ? painter.drawEllipse(room) : painter.drawRect(room);
+  return picture;
+}
+
+QPushButton* MakeButton(const char* name, const char* caption, const char* tip, QWidget* parent) {
+  auto* button = new QPushButton(QString::fromUtf8(caption), parent);
+  Name(*button, name, tip);
+  return button;
+}
+
+}  // namespace
+
+frmKestrune::frmKestrune(recorder::Kestrune& unit) : unit_(unit) {
+  setObjectName(QStringLiteral("frmKestrune"));
+  setContextMenuPolicy(Qt::NoContextMenu);
+  MakeMenus();
+  MakeControls();
+  Refresh();
+}
+
+QAction* frmKestrune::AddEntry(QMenu& menu, const char* name, const char* caption,
+                               std::function<void()> chosen, const char* key) {
+  QAction* action = menu.addAction(QString::fromUtf8(caption));
+  action->setObjectName(QLatin1String(name));
+  action->setShortcut(QKeySequence(QLatin1String(key)));
+  action->setMenuRole(QAction::NoRole);
+  connect(action, &QAction::triggered, this, [this, chosen = std::move(chosen)] {
+    if (chosen) chosen();
+    Refresh();
+  });
+  return action;
+}
+
+void frmKestrune::MakeMenus() {
+  const auto addMenu = [this](const char* name, const char* caption) -> QMenu& {
+    QMenu* menu = menuBar()->addMenu(QString::fromUtf8(caption));
+    menu->setObjectName(QLatin1String(name));
+    menu->menuAction()->setObjectName(QLatin1String(name) + QLatin1String("Action"));
+    return *menu;
+  };
+  /// An entry that flips the check box of the same name, which then does the work.
+  const auto flip = [this](const char* box) {
+    return [this, box] {
+      auto* control = findChild<QCheckBox*>(QLatin1String(box));
+      if (control != nullptr && control->isEnabled()) control->click();
+    };
+  };
+  const auto show = [this](WindowName name) {
+    return [this, name] {
+      if (Show) Show(name);
+    };
+  };
+  // By reference to the member: what leaves the window is set after it has been made.
+  const auto leave = [](std::function<void()>& way) {
+    return [&way] {
+      if (way) way();
+    };
+  };
+
+  QMenu& file = addMenu("mnuFile", "&File");
+  AddEntry(
+      file, "mnuRecord", "&Record", [this] { unit_.mnuRecord_Click(); }, "Ctrl+R");
+  AddEntry(
+      file, "mnuStop", "&Stop", [this] { unit_.mnuStop_Click(); }, "Ctrl+S");
+  AddEntry(file, "mnuExit", "E&xit", leave(CloseAsked), "Ctrl+Q");
+
+  QMenu& options = addMenu("mnuOptions", "&Options");
+  AddEntry(options, "mnuChannels", "&Channel Listing", flip("chkChannelListing"), "Ctrl+H");
+  AddEntry(options, "mnuReload", "&Reload Channel Listing", [this] { unit_.mnuReload_Click(); });
+  AddEntry(options, "mnuLog", "Recording &Log", flip("chkRecordLog"), "Ctrl+L");
+  AddEntry(options, "mnuSchedule", "&Timer Schedule", flip("chkSchedule"), "Ctrl+T");
+  AddEntry(options, "mnuKestruneNow", "Kestrune &Now", flip("chkKestruneNow"), "Ctrl+W");
+  AddEntry(options, "mnuRestrictList", "Grab/Kill &Lists", flip("chkRestrictList"), "Ctrl+B");
+  options.addSeparator()->setObjectName(QStringLiteral("mnuBar1"));
+  AddEntry(options, "mnuIntegrel", "&Integrel On", flip("chkIntegrel"), "Ctrl+Y");
+  AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");
+  AddEntry(options, "mnuSievanceKill", "&Kill List On", flip("chkSievanceKill"), "Ctrl+K");
+  AddEntry(options, "mnuCleftune", "&Cleftune On", [this] {
+    unit_.Options().mnuCleftune_Click();
+  })->setCheckable(true);
+  AddEntry(
+      options, "mnuMute", "Mute Au&dio", [this] { unit_.mnuMute_Click(); }, "Ctrl+D")
+      ->setCheckable(true);
+  AddEntry(options, "mnuRadioOnAtExit", "Radio On At E&xit", flip("chkRadioOnAtExit"));
+  AddEntry(options, "mnuPresets", "Edit &Presets", show(WindowName::Presets));
+  AddEntry(options, "mnuCheckUpdatesAtStartup", "Check for &Updates at Startup", [this] {
+    unit_.Options().mnuCheckUpdatesAtStartup_Click();
+  })->setCheckable(true);
+  AddEntry(options, "mnuPreferences", "&Configuration", show(WindowName::Config));
+
+  QMenu& help = addMenu("mnuHelp", "&Help");
+  AddEntry(help, "mnuHelpWith", "Kestrune &Help", leave(mnuHelpWith));
+  AddEntry(help, "mnuAbout", "&About", leave(mnuAbout));
+  AddEntry(help, "mnuIntent", "&Statement of Intent", leave(mnuIntent));
+  AddEntry(help, "mnuCheckUpdate", "Check for &Update", leave(mnuCheckUpdate), "Ctrl+U");
+  AddEntry(help, "mnuRadioID", "My Radio &ID", leave(mnuRadioID));
+}
+
+void frmKestrune::MakeControls() {
+  auto* page = new QWidget(this);
+  auto* grid = new QGridLayout(page);
+  grid->addWidget(MakeSong(), 0, 0);
+  grid->addWidget(MakeSignal(), 0, 1);
+  grid->addWidget(MakeRecording(), 1, 0);
+  grid->addWidget(MakeLevels(), 1, 1);
+  grid->addWidget(MakePresets(), 2, 0, 1, 2);
+  grid->addWidget(MakeBoxes(), 3, 0, 1, 2);
+  grid->setColumnStretch(0, 3);
+  grid->setColumnStretch(1, 2);
+  grid->setRowStretch(1, 1);
+  setCentralWidget(page);
+  cmdRecord_->setFocus();
+}
+
+QWidget* frmKestrune::MakeSong() {
+  auto* group = new QGroupBox(tr("Now playing"), this);
+  auto* grid = new QGridLayout(group);
+  grid->setColumnStretch(1, 1);
+  int row = 0;
+  const auto add = [&](const char* captionName, const char* caption, ElidedLabel* label) {
+    grid->addWidget(MakeLabel(captionName, caption, group), row, 0, Qt::AlignLeft | Qt::AlignVCenter);
+    grid->addWidget(label, row++, 1);
+    return label;
+  };
+  lblChannel_ = add("lblcChannel", "Channel:", MakeElided("lblChannel", kSongLetters, group));
+  lblGenre_ = add("lblcGenre", "Genre:", MakeElided("lblGenre", kSongLetters, group));
+  lblArtist_ = add("lblcArtist", "Artist:",
+                   MakeElided("lblArtist", kSongLetters, group,
+                              "Click to add this artist to the Grab/Kill list", "Artist"));
+  lblSong_ = add(
+      "lblcSong", "Song:",
+      MakeElided("lblSong", kSongLetters, group, "Click to add this song to the Grab or Kill list", "Song"));
+  for (ElidedLabel* label : {lblArtist_, lblSong_}) Enlarge(*label, 1.3, true);
+  lblArtist_->SetActivated([this] {
+    if (OfferForList) OfferForList("Artist", unit_.Window().lblArtist.Caption);
+  });
+  lblSong_->SetActivated([this] {
+    if (OfferForList) OfferForList("Song", unit_.Window().lblSong.Caption);
+  });
+  return group;
+}
+
+QWidget* frmKestrune::MakeSignal() {
+  auto* group = new QGroupBox(tr("Signal"), this);
+  auto* grid = new QGridLayout(group);
+  struct Row {
+    const char* Label;
+    const char* Caption;
+    const char* Bar;
+  };
+  constexpr Row kRows[] = {{"lblSat_0", "Sat 1:", "pbrSatSignal_0"},
+                           {"lblSat_1", "Sat 2:", "pbrSatSignal_1"},
+                           {"lblGround", "Ground:", "pbrTerSignal"}};
+  int row = 0;
+  for (const Row& each : kRows) {
+    auto* bar = new QProgressBar(group);
+    bar->setRange(0, kBarEnd);
+    bar->setAlignment(Qt::AlignCenter);
+    Name(*bar, each.Bar, {}, each.Caption);
+    grid->addWidget(MakeLabel(each.Label, each.Caption, group), row, 0);
+    grid->addWidget(bar, row++, 1);
+    signals_.push_back(bar);
+  }
+  grid->setColumnStretch(1, 1);
+  grid->setRowStretch(row, 1);
+  return group;
+}
+
+QWidget* frmKestrune::MakeRecording() {
+  auto* group = new QGroupBox(tr("Recording"), this);
+  auto* column = new QVBoxLayout(group);
+
+  auto* status = new QHBoxLayout;
+  lblRecording_ = MakeElided("lblRecording", 22, group, "", "Status");
+  Enlarge(*lblRecording_, 1.3, true);
+  QSizePolicy policy = lblRecording_->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  lblRecording_->setSizePolicy(policy);
+  lblClock_ = MakeLabel("lblClock", "", group);
+  Enlarge(*lblClock_, 1.3, true);
+  lblClock_->setMinimumWidth(lblClock_->fontMetrics().horizontalAdvance(QStringLiteral("00:00:00")));
+  lblClock_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  lblClock_->setAccessibleName(QStringLiteral("Length of the recording"));
+  status->addWidget(lblRecording_, 1);
+  status->addWidget(lblClock_);
+  column->addLayout(status);
+
+  lblExplanation_ = MakeElided("lblExplanation", kSongLetters, group);
+  column->addWidget(lblExplanation_);
+
+  auto* event = new QHBoxLayout;
+  pctTimer_ = MakeFixed("pctTimer", "Recording Scheduled Event", group);
+  pctTimer_->setText(QStringLiteral("Recording Scheduled Event"));
+  lblcRemaining_ = MakeFixed("lblcRemaining", "Time remaining:", group);
+  lblcRemaining_->setText(QStringLiteral("Time remaining:"));
+  lblRemaining_ = MakeFixed("lblRemaining", "00:00:00", group);
+  event->addWidget(pctTimer_);
+  event->addStretch();
+  event->addWidget(lblcRemaining_);
+  event->addWidget(lblRemaining_);
+  column->addLayout(event);
+
+  auto* buttons = new QHBoxLayout;
+  cmdRecord_ = MakeButton("cmdRecord", "Record", "Start Recording", group);
+  cmdStop_ = MakeButton("cmdStop", "Stop", "Stop Recording", group);
+  cmdRecord_->setIcon(MarkIcon(true, WarningColour(palette())));
+  cmdStop_->setIcon(MarkIcon(false, palette().color(QPalette::ButtonText)));
+  connect(cmdRecord_, &QPushButton::clicked, this, [this] {
+    unit_.cmdRecord();
+    Refresh();
+  });
+  connect(cmdStop_, &QPushButton::clicked, this, [this] {
+    unit_.cmdStop();
+    Refresh();
+  });
+  buttons->addWidget(cmdRecord_);
+  buttons->addWidget(cmdStop_);
+  column->addLayout(buttons);
+  column->addWidget(MakeCounters());
+  column->addStretch();
+  return group;
+}
+
+QWidget* frmKestrune::MakeCounters() {
+  auto* counters = new QWidget(this);
+  auto* row = new QHBoxLayout(counters);
+  row->setContentsMargins(0, 0, 0, 0);
+  const auto add = [&](const char* captionName, const char* caption, const char* name) {
+    if (row->count() > 0) row->addStretch();
+    row->addWidget(MakeLabel(captionName, caption, counters));
+    QLabel* label = MakeFixed(name, "000", counters);
+    row->addWidget(label);
+    return label;
+  };
+  lblRecorded_ = add("lblcRecorded", "Recorded:", "lblRecorded");
+  lblTooShort_ = add("lblcTooShort", "Too Short:", "lblTooShort");
+  lblTooLong_ = add("lblcTooLong", "Too Long:", "lblTooLong");
+  lblRestricted_ = add("lblcRestricted", "Restricted:", "lblRestricted");
+  return counters;
+}
+
+QWidget* frmKestrune::MakeLevels() {
+  auto* group = new QGroupBox(tr("Level"), this);
+  auto* column = new QVBoxLayout(group);
+  audioDisplay_ = new AudioDisplay(unit_.AudioDisplay(), group);
+  audioDisplay_->setObjectName(QStringLiteral("AudioDisplay"));
+  column->addWidget(audioDisplay_, 1);
+  auto* buttons = new QHBoxLayout;
+  QPushButton* type = MakeButton("cmdVUType", "VU Type", "Change type of VU meter", group);
+  QPushButton* mixer =
+      MakeButton("cmdMixer", "Record Levels", "Show the recording mixer to adjust recording levels", group);
+  connect(type, &QPushButton::clicked, this, [this] {
+    unit_.AudioDisplay().NextType();
+    audioDisplay_->Refresh();
+  });
+  connect(mixer, &QPushButton::clicked, this, [this] { unit_.Switches().cmdMixer_Click(); });
+  buttons->addWidget(type);
+  buttons->addWidget(mixer);
+  column->addLayout(buttons);
+  return group;
+}
+
+QWidget* frmKestrune::MakePresets() {
+  auto* group = new QGroupBox(tr("Presets"), this);
+  auto* grid = new QGridLayout(group);
+  for (int i = 0; i < radio::Presets::kCount; ++i) {
+    auto* button = new QPushButton(group);
+    Name(*button, ("cmdPresetStation_" + std::to_string(i)).c_str());
+    button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    connect(button, &QPushButton::clicked, this, [this, i] {
+      unit_.PresetButtons().cmdPresetStation_Click(i);
+      Refresh();
+    });
+    // Down the columns, as the now window has them.
+    constexpr int kRows = radio::Presets::kCount / kPresetColumns;
+    grid->addWidget(button, i % kRows, i / kRows);
+    presets_.push_back(button);
+  }
+  for (int c = 0; c < kPresetColumns; ++c) grid->setColumnStretch(c, 1);
+  return group;
+}
+
+QCheckBox* frmKestrune::AddBox(const char* name, const char* caption, const char* tip, const char* entry,
+                               bool MainWindow::*checked, std::function<void(bool)> rule) {
+  auto* box = new QCheckBox(QString::fromUtf8(caption), this);
+  Name(*box, name, tip);
+  connect(box, &QCheckBox::clicked, this, [this, rule = std::move(rule)](bool on) {
+    rule(on);
+    Refresh();
+  });
+  QAction* action = Entry(entry);
+  action->setCheckable(true);
+  boxes_.push_back({box, action, checked});
+  return box;
+}
+
+QWidget* frmKestrune::MakeBoxes() {
+  auto* both = new QWidget(this);
+  auto* row = new QHBoxLayout(both);
+  row->setContentsMargins(0, 0, 0, 0);
+  recorder::OptionRules& rules = unit_.Options();
+  recorder::WindowSwitches& switches = unit_.Switches();
+
+  auto* options = new QGroupBox(tr("Options"), both);
+  auto* left = new QGridLayout(options);
+  left->addWidget(AddBox("chkIntegrel", "Integrel", "Ensure only complete songs are recorded", "mnuIntegrel",
+                         &MainWindow::chkIntegrel, [&rules](bool on) { rules.chkIntegrel_Click(on); }),
+                  0, 0);
+  left->addWidget(AddBox("chkSievanceGrab", "Grab List On",
+                         "Check to cause Kestrune to record only those artists or songs which appear in the "
+                         "grab lists",
+                         "mnuSievanceGrab", &MainWindow::chkSievanceGrab,
+                         [&rules](bool on) { rules.chkSievanceGrab_Click(on); }),
+                  1, 0);
+  left->addWidget(AddBox("chkSievanceKill", "Kill List On",
+                         "Check to cause Kestrune to never record those artists or songs which appear in the "
+                         "kill lists",
+                         "mnuSievanceKill", &MainWindow::chkSievanceKill,
+                         [&rules](bool on) { rules.chkSievanceKill_Click(on); }),
+                  2, 0);
+  left->addWidget(
+      AddBox("chkRadioOnAtExit", "Radio On At Exit",
+             "Check to cause Kestrune to leave the radio on and playing when exiting", "mnuRadioOnAtExit",
+             &MainWindow::chkRadioOnAtExit, [&rules](bool on) { rules.chkRadioOnAtExit_Click(on); }),
+      0, 1);
+
+  auto* windows = new QGroupBox(tr("Windows"), both);
+  auto* right = new QGridLayout(windows);
+  right->addWidget(
+      AddBox("chkChannelListing", "Channel Listing", "Show/Hide channel listing", "mnuChannels",
+             &MainWindow::chkChannelListing, [&switches](bool on) { switches.chkChannelListing_Click(on); }),
+      0, 0);
+  right->addWidget(
+      AddBox("chkRecordLog", "Recording Log", "Show/Hide songs recorded log", "mnuLog",
+             &MainWindow::chkRecordLog, [&switches](bool on) { switches.chkRecordLog_Click(on); }),
+      1, 0);
+  right->addWidget(AddBox("chkSchedule", "Timer Schedule", "Show/Hide timer schedule screen", "mnuSchedule",
+                          &MainWindow::chkSchedule, [&switches](bool on) { switches.chkSchedule_Click(on); }),
+                   2, 0);
+  right->addWidget(
+      AddBox("chkRestrictList", "Grab/Kill Lists", "Show/Hide grab/kill list screen", "mnuRestrictList",
+             &MainWindow::chkRestrictList, [&switches](bool on) { switches.chkRestrictList_Click(on); }),
+      0, 1);
+  right->addWidget(
+      AddBox("chkKestruneNow", "Kestrune Now", "Show/HideKestrune Now Screen", "mnuKestruneNow",
+             &MainWindow::chkKestruneNow, [&switches](bool on) { switches.chkKestruneNow_Click(on); }),
+      1, 1);
+  row->addWidget(options, 1);
+  row->addWidget(windows, 1);
+  return both;
+}
+
+QAction* frmKestrune::Entry(const char* name) const {
+  return findChild<QAction*>(QLatin1String(name));
+}
+
+void frmKestrune::Refresh() {
+  const MainWindow& record = unit_.Window();
+  // In a title "[*]" would stand for unsaved changes, unless it is doubled.
+  const QString title = ToQt(record.Title).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+  if (windowTitle() != title) setWindowTitle(title);
+  ShowText(*lblChannel_, Undoubled(record.lblChannel.Caption));
+  ShowText(*lblGenre_, Undoubled(record.lblGenre.Caption));
+  ShowText(*lblArtist_, Undoubled(record.lblArtist.Caption));
+  ShowText(*lblSong_, Undoubled(record.lblSong.Caption));
+  ShowStatus(record);
+
+  const std::array<const recorder::SignalBar*, 3> bars = {&record.pbrSatSignal[0], &record.pbrSatSignal[1],
+                                                          &record.pbrTerSignal};
+  for (std::size_t i = 0; i < bars.size(); ++i) {
+    const int value = std::clamp(bars.at(i)->Value, 0, kBarEnd);
+    const QString caption = ToQt(bars.at(i)->Caption);
+    if (signals_[i]->value() != value) signals_[i]->setValue(value);
+    if (signals_[i]->format() != caption) signals_[i]->setFormat(caption);
+  }
+  ShowText(*lblRecorded_, record.lblRecorded.Caption);
+  ShowText(*lblTooShort_, record.lblTooShort.Caption);
+  ShowText(*lblTooLong_, record.lblTooLong.Caption);
+  ShowText(*lblRestricted_, record.lblRestricted.Caption);
+  audioDisplay_->Refresh();
+
+  ShowPresets();
+  ShowMenus(record);
+}
+
+void frmKestrune::ShowPresets() {
+  const auto& presets = unit_.PresetButtons().Buttons();
+  for (std::size_t i = 0; i < presets.size(); ++i) {
+    QPushButton& button = *presets_[i];
+    const QString stored = ToQt(presets.at(i).Caption);
+    const bool empty = stored.isEmpty();
+    const QString whole = empty ? QStringLiteral("Preset %1").arg(i + 1) : stored;
+    const int room = button.width() - button.fontMetrics().averageCharWidth() * 3;
+    const QString shown = button.fontMetrics().elidedText(whole, Qt::ElideRight, room);
+    QString tip = ToQt(presets.at(i).Tip);
+    if (shown != whole) tip = PlainTip(whole + QLatin1Char('\n') + tip);
+    if (button.toolTip() != tip) button.setToolTip(tip);
+    // A button takes "&" for the mark of its key.
+    const QString caption = QString(shown).replace(QLatin1Char('&'), QLatin1String("&&"));
+    if (button.text() == caption && button.accessibleName() == whole) continue;
+    button.setText(caption);
+    button.setAccessibleName(whole);
+    // What is not there yet stands back.
+    QPalette colours = palette();
+    if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
+    button.setPalette(colours);
+  }
+}
+
+void frmKestrune::ShowStatus(const MainWindow& record) {
+  ShowText(*lblRecording_, record.lblRecording.Caption);
+  ShowVisible(*lblRecording_, record.lblRecording.Visible);
+  const QColor wanted =
+      record.ShowsRecording() ? WarningColour(palette()) : palette().color(QPalette::WindowText);
+  if (lblRecording_->palette().color(QPalette::WindowText) != wanted) {
+    QPalette colours = lblRecording_->palette();
+    colours.setColor(QPalette::Active, QPalette::WindowText, wanted);
+    colours.setColor(QPalette::Inactive, QPalette::WindowText, wanted);
+    lblRecording_->setPalette(colours);
+  }
+  ShowText(*lblExplanation_, unit_.Explanation());
+  // The room of the clock stays: the text is taken away and not the label.
+  ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
+  ShowVisible(*pctTimer_, record.pctTimer.Visible);
+  ShowVisible(*lblcRemaining_, record.lblRemaining.Visible);
+  ShowVisible(*lblRemaining_, record.lblRemaining.Visible);
+  ShowText(*lblRemaining_, record.lblRemaining.Caption);
+  ShowEnabled(*cmdRecord_, record.cmdRecord.Enabled);
+  ShowEnabled(*cmdStop_, record.cmdStop.Enabled);
+}
+
+void frmKestrune::ShowMenus(const MainWindow& record) {
+  for (const Box& box : boxes_) {
+    ShowChecked(*box.Control, record.*box.Checked);
+    ShowChecked(*box.Entry, record.*box.Checked);
+  }
+  ShowChecked(*Entry("mnuCleftune"), record.mnuCleftune);
+  ShowChecked(*Entry("mnuMute"), record.mnuMute);
+  ShowChecked(*Entry("mnuCheckUpdatesAtStartup"), record.mnuCheckUpdatesAtStartup);
+  Entry("mnuReload")->setEnabled(record.mnuReload.Enabled);
+}
+
+void frmKestrune::PressHotKey(int key) {
+  if (!isEnabled()) return;
+  if (key >= kHotKeyF1 && key <= kHotKeyF12) {
+    unit_.PresetButtons().cmdPresetStation_Click(key - kHotKeyF1);
+    return Refresh();
+  }
+  const QKeySequence wanted(QKeyCombination(Qt::ControlModifier, static_cast<Qt::Key>(key)));
+  for (QAction* action : findChildren<QAction*>()) {
+    if (action->shortcut() == wanted) return action->trigger();
+  }
+}
+
+void frmKestrune::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (CloseAsked) CloseAsked();
+}
+
+void frmKestrune::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange && StateChanged) StateChanged();
+}
+
+void frmKestrune::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  if (StateChanged) StateChanged();
+}
+
+void frmKestrune::keyPressEvent(QKeyEvent* event) {
+  const int key = HotKeyOf(*event);
+  if (key >= kHotKeyF1 && key <= kHotKeyF12) {
+    PressHotKey(key);
+  } else {
+    QMainWindow::keyPressEvent(event);
+  }
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "recorder/Kestrune.h"
+
+class QAction;
+class QCheckBox;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+
+namespace kestrune::windows {
+
+class AudioDisplay;
+class ElidedLabel;
+
+/// The main window: what plays, what becomes of it, how loud it is; the switches, and the way to every other
+/// window.
+class frmKestrune final : public QMainWindow {
+ public:
+  /// The unit must outlive the window.
+  explicit frmKestrune(recorder::Kestrune& unit);
+
+  // What leaves the window.
+  std::function<void(recorder::WindowName)> Show;
+  std::function<void()> mnuAbout;
+  std::function<void()> mnuHelpWith;
+  std::function<void()> mnuIntent;
+  std::function<void()> mnuCheckUpdate;
+  std::function<void()> mnuRadioID;
+  /// The user wants the artist or the song in a list: "Artist" or "Song", and the label's caption.
+  std::function<void(std::string_view word, const std::string& caption)> OfferForList;
+  /// The window was minimised, restored, resized: the record's state is to follow.
+  std::function<void()> StateChanged;
+  /// The close box; the window itself stays.
+  std::function<void()> CloseAsked;
+
+  /// Shows the record.
+  void Refresh();
+  /// A key as HotKeyOf tells it, pressed here or in another window.
+  void PressHotKey(int key);
+
+  [[nodiscard]] QAction* Entry(const char* name) const;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  struct Box {
+    QCheckBox* Control;
+    QAction* Entry;
+    bool recorder::MainWindow::*Checked;
+  };
+
+  void MakeMenus();
+  void MakeControls();
+  [[nodiscard]] QWidget* MakeSong();
+  [[nodiscard]] QWidget* MakeSignal();
+  [[nodiscard]] QWidget* MakeRecording();
+  [[nodiscard]] QWidget* MakeLevels();
+  [[nodiscard]] QWidget* MakeCounters();
+  [[nodiscard]] QWidget* MakePresets();
+  [[nodiscard]] QWidget* MakeBoxes();
+  QCheckBox* AddBox(const char* name, const char* caption, const char* tip, const char* entry,
+                    bool recorder::MainWindow::*checked, std::function<void(bool)> rule);
+  QAction* AddEntry(QMenu& menu, const char* name, const char* caption, std::function<void()> chosen,
+                    const char* key = "");
+  void ShowPresets();
+  void ShowStatus(const recorder::MainWindow& record);
+  void ShowMenus(const recorder::MainWindow& record);
+
+  recorder::Kestrune& unit_;
+
+  ElidedLabel* lblChannel_ = nullptr;
+  ElidedLabel* lblGenre_ = nullptr;
+  ElidedLabel* lblArtist_ = nullptr;
+  ElidedLabel* lblSong_ = nullptr;
+  ElidedLabel* lblRecording_ = nullptr;
+  ElidedLabel* lblExplanation_ = nullptr;
+  QLabel* lblClock_ = nullptr;
+  QLabel* pctTimer_ = nullptr;
+  QLabel* lblcRemaining_ = nullptr;
+  QLabel* lblRemaining_ = nullptr;
+  QLabel* lblRecorded_ = nullptr;
+  QLabel* lblTooShort_ = nullptr;
+  QLabel* lblTooLong_ = nullptr;
+  QLabel* lblRestricted_ = nullptr;
+  std::vector<QProgressBar*> signals_;  // satellite 1, satellite 2, ground
+  AudioDisplay* audioDisplay_ = nullptr;
+  QPushButton* cmdRecord_ = nullptr;
+  QPushButton* cmdStop_ = nullptr;
+  std::vector<QPushButton*> presets_;
+  std::vector<Box> boxes_;
+};
+
+}  // namespace kestrune::windows

@@ -1,0 +1,61 @@
+#include <gtest/gtest.h>
+
+#include "support/UnitRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ExplanationTest : public ::testing::Test {
+ protected:
+  void Lists(const std::string& text) {
+    rig.Files.MakeFolders("/home/user/Application Data/Kestrune");
+    rig.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", text);
+  }
+  UnitRig rig;
+};
+
+TEST_F(ExplanationTest, FollowsAWholeSongFromTheLoadToTheStop) {
+  rig.Start();
+  EXPECT_EQ(rig->Explanation(), "The radio's channels are being loaded.");
+  rig->cmdRecord();
+  EXPECT_EQ(rig->Explanation(), "Recording begins once the channels are loaded.");
+  rig->cmdStop();
+  rig.FinishWalk();
+  rig.Run(5s);
+  EXPECT_EQ(rig->Explanation(), "Not recording.");
+  rig->cmdRecord();
+  EXPECT_EQ(rig->Explanation(), "This song is kept from its beginning.");
+  rig->cmdStop();
+  EXPECT_EQ(rig->Explanation(), "Not recording.");
+}
+
+TEST_F(ExplanationTest, AWaitForTheNextSongSaysWhy) {
+  rig.StartIdle();
+  rig->SetChannelNumber(45);
+  rig->cmdRecord();
+  EXPECT_EQ(rig->Explanation(), "Whole songs only: it begins with the next song.");
+}
+
+TEST_F(ExplanationTest, ASongBegunInItsMiddleWillBeNamedIncomplete) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  rig->SetChannelNumber(45);
+  rig->cmdRecord();
+  EXPECT_EQ(rig->Explanation(), "Begun within the song: its name will say (Incomplete).");
+}
+
+TEST_F(ExplanationTest, ASongThatTheListsWillDeleteSaysSo) {
+  Lists("0Nobody\n2Moonlighters\n");
+  rig.Set("SievanceKill", "1");
+  rig.StartIdle();
+  rig->cmdRecord();
+  EXPECT_EQ(rig->Explanation(), "In the Kill list: it will be deleted at its end.");
+  rig->Options().chkSievanceKill_Click(false);
+  rig->Options().chkSievanceGrab_Click(true);
+  EXPECT_EQ(rig->Explanation(), "Not in the Grab list: it will be deleted at its end.");
+}
+
+}  // namespace
+}  // namespace kestrune::test

@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "recorder/WindowSwitches.h"
+#include "support/MemorySettingsStore.h"
+#include "support/ToldWindows.h"
+
+namespace kestrune::test {
+namespace {
+
+using recorder::MainWindow;
+using recorder::WindowName;
+using recorder::WindowSwitches;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class WindowSwitchesTest : public ::testing::Test {
+ protected:
+  [[nodiscard]] std::string Stored(std::string_view key) const {
+    return store.Stored("Lorimel", "Kestrune", key);
+  }
+
+  MainWindow window;
+  ToldWindows windows;
+  config::Settings settings;
+  MemorySettingsStore store;
+  config::SettingsSection section{store};
+  base::RunState run;
+  WindowSwitches switches{window, windows, settings, section, run};
+};
+
+struct Switch {
+  void (WindowSwitches::*Click)(bool);
+  bool MainWindow::*Box;
+  const char* Window;
+  const char* Key;  ///< null: not stored
+};
+constexpr Switch kSwitches[] = {
+    {&WindowSwitches::chkChannelListing_Click, &MainWindow::chkChannelListing, "channels", "ChannelListing"},
+    {&WindowSwitches::chkRecordLog_Click, &MainWindow::chkRecordLog, "log", "RecordLog"},
+    {&WindowSwitches::chkSchedule_Click, &MainWindow::chkSchedule, "schedule", nullptr},
+    {&WindowSwitches::chkRestrictList_Click, &MainWindow::chkRestrictList, "lists", nullptr},
+    {&WindowSwitches::chkKestruneNow_Click, &MainWindow::chkKestruneNow, "now", "KestruneNow"},
+};
+
+TEST_F(WindowSwitchesTest, EachBoxShowsAndClosesItsWindowAndThreeAreRemembered) {
+  for (const Switch& each : kSwitches) {
+    SCOPED_TRACE(each.Window);
+    windows.Told.clear();
+    (switches.*each.Click)(true);
+    EXPECT_TRUE(window.*each.Box);
+    if (each.Key != nullptr) {
+      EXPECT_EQ(Stored(each.Key), "1");
+    }
+    (switches.*each.Click)(false);
+    EXPECT_FALSE(window.*each.Box);
+    if (each.Key != nullptr) {
+      EXPECT_EQ(Stored(each.Key), "0");
+    }
+    EXPECT_THAT(windows.Told,
+                ElementsAre(std::string("show ") + each.Window, std::string("close ") + each.Window));
+  }
+}
+
+TEST_F(WindowSwitchesTest, TheRememberedWindowsOpenThroughTheirBoxes) {
+  settings.ChannelListing = 1;
+  settings.RecordLog = 0;
+  settings.KestruneNow = 1;
+  switches.ShowRemembered();
+  EXPECT_THAT(windows.Told, ElementsAre("show channels", "show now"));
+  EXPECT_TRUE(window.chkChannelListing);
+  EXPECT_FALSE(window.chkRecordLog);
+  EXPECT_TRUE(window.chkKestruneNow);
+}
+
+TEST_F(WindowSwitchesTest, TheMixersButtonShowsItAndClosesIt) {
+  switches.cmdMixer_Click();
+  switches.cmdMixer_Click();
+  switches.cmdMixer_Click();
+  EXPECT_THAT(windows.Told, ElementsAre("show mixer", "close mixer", "show mixer"));
+}
+
+TEST_F(WindowSwitchesTest, AWindowThatGoesWithTheProgramIsOpenAgainAtTheNextStart) {
+  switches.chkKestruneNow_Click(true);
+  run.ShuttingDown = true;
+  windows.Told.clear();
+  switches.chkKestruneNow_Click(false);
+  EXPECT_EQ(Stored("KestruneNow"), "1");
+  EXPECT_THAT(windows.Told, IsEmpty());
+}
+
+}  // namespace
+}  // namespace kestrune::test

@@ -1,0 +1,334 @@
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QTest>
+#include <QTimer>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "windows/DesktopRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using recorder::StartOutcome;
+using recorder::WindowName;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+struct Diary {
+  std::vector<std::string> Lines;
+  bool RefusesClose = false;
+  std::function<void()> OnClose = [] {};
+};
+
+/// Writes down what happens to it.
+class PlainWindow : public QWidget {
+ public:
+  PlainWindow(Diary& diary, std::string name) : diary_(diary), name_(std::move(name)) { Note("made"); }
+  ~PlainWindow() override { Note("gone"); }
+  PlainWindow(const PlainWindow&) = delete;
+  PlainWindow& operator=(const PlainWindow&) = delete;
+
+  void Refresh() { ++Refreshed; }
+  int Refreshed = 0;
+  bool QuitFlag = false;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    Note(QuitFlag ? "closes for good" : "closes");
+    diary_.OnClose();
+    event->setAccepted(!diary_.RefusesClose || QuitFlag);
+  }
+
+ private:
+  void Note(const char* what) { diary_.Lines.push_back(name_ + " " + what); }
+  Diary& diary_;
+  std::string name_;
+};
+
+class DesktopTest : public ::testing::Test {
+ protected:
+  void Plug(WindowName name, const std::string& told) {
+    rig.Desktop.SetMaker(name, [this, told] {
+      auto window = std::make_unique<PlainWindow>(diary, told);
+      last = window.get();
+      return windows::Opened(std::move(window));
+    });
+  }
+  void Minimise(bool on = true) {
+    rig.Main().setWindowState(on ? Qt::WindowMinimized : Qt::WindowNoState);
+    rig.Run(100ms);
+  }
+
+  Diary diary;
+  PlainWindow* last = nullptr;
+  DesktopRig rig;
+};
+
+TEST_F(DesktopTest, TheMainWindowIsHiddenThenSeenButDeafThenOpen) {
+  EXPECT_TRUE(rig.Main().isHidden());
+  bool seenDisabled = false;
+  rig.Unit.Loop.AtHardware(4s, [&] { seenDisabled = rig.Main().isVisible() && !rig.Main().isEnabled(); });
+  rig.Unit.Start();
+  EXPECT_TRUE(seenDisabled);
+  EXPECT_TRUE(rig.Main().isVisible());
+  EXPECT_TRUE(rig.Main().isEnabled());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the busy pointer is taken off";
+}
+
+TEST_F(DesktopTest, TheWindowStandsWhereItStood) {
+  rig.Unit.Set("MainTop", "1500");
+  rig.Unit.Set("MainLeft", "3000");
+  rig.Unit.Start();
+  EXPECT_EQ(rig.Main().pos(), QPoint(200, 100));
+  rig.Main().move(40, 60);
+  rig.Run(200ms);
+  rig.Unit.CloseAndWait();
+  EXPECT_EQ(rig.Unit.Setting("MainTop"), "900");
+  EXPECT_EQ(rig.Unit.Setting("MainLeft"), "600");
+}
+
+TEST_F(DesktopTest, AMinimisedWindowKeepsTheStoredPlace) {
+  rig.Unit.Set("MainTop", "1500");
+  rig.Unit.Set("MainLeft", "3000");
+  rig.Unit.Start();
+  Minimise();
+  rig.Unit.CloseAndWait();
+  EXPECT_EQ(rig.Unit.Setting("MainTop"), "1500");
+}
+
+TEST_F(DesktopTest, AWindowIsMadeWhenShownAndGoneWhenClosed) {
+  Plug(WindowName::Schedule, "schedule");
+  rig.Unit.StartIdle();
+  EXPECT_THAT(diary.Lines, IsEmpty());
+  rig.Unit->Switches().chkSchedule_Click(true);
+  ASSERT_NE(last, nullptr);
+  EXPECT_TRUE(last->isVisible());
+  rig.Unit->Switches().chkSchedule_Click(false);
+  rig.Run(200ms);
+  EXPECT_THAT(diary.Lines, ElementsAre("schedule made", "schedule closes", "schedule gone"));
+  EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Schedule));
+}
+
+TEST_F(DesktopTest, AWindowThatClearsItsBoxWhileItClosesIsClosedOnce) {
+  Plug(WindowName::KestruneNow, "now");
+  rig.Unit.StartIdle();
+  rig.Unit->Switches().chkKestruneNow_Click(true);
+  diary.OnClose = [this] { rig.Unit->Switches().chkKestruneNow_Click(false); };
+  last->close();
+  rig.Run(200ms);
+  EXPECT_THAT(diary.Lines, ElementsAre("now made", "now closes", "now gone"));
+  EXPECT_FALSE(rig.Record().chkKestruneNow);
+}
+
+TEST_F(DesktopTest, AWindowMayRefuseToClose) {
+  Plug(WindowName::RestrictList, "lists");
+  diary.RefusesClose = true;
+  rig.Unit.StartIdle();
+  rig.Unit->Switches().chkRestrictList_Click(true);
+  last->close();
+  rig.Run(200ms);
+  EXPECT_TRUE(last->isVisible());
+  EXPECT_TRUE(rig.Desktop.IsLoaded(WindowName::RestrictList));
+}
+
+TEST_F(DesktopTest, AWindowClosedAndShownAtOnceIsANewOne) {
+  Plug(WindowName::Presets, "presets");
+  rig.Unit.StartIdle();
+  rig.Desktop.Show(WindowName::Presets);
+  last->close();
+  rig.Desktop.Show(WindowName::Presets);
+  rig.Run(200ms);
+  EXPECT_TRUE(last->isVisible());
+  EXPECT_THAT(diary.Lines, ElementsAre("presets made", "presets closes", "presets gone", "presets made"));
+}
+
+TEST_F(DesktopTest, TheChannelsWindowLivesFromTheLoadAndIsOnlyHidden) {
+  Plug(WindowName::Channels, "channels");
+  diary.RefusesClose = true;
+  rig.Unit.Set("ChannelListing", "0");
+  rig.Unit.Start();
+  ASSERT_NE(last, nullptr);
+  EXPECT_TRUE(last->isHidden());
+  rig.Unit->Switches().chkChannelListing_Click(true);
+  EXPECT_TRUE(last->isVisible());
+  diary.OnClose = [this] { rig.Unit->Switches().chkChannelListing_Click(false); };
+  last->close();
+  EXPECT_TRUE(last->isHidden());
+  EXPECT_FALSE(rig.Record().chkChannelListing);
+  rig.Run(200ms);
+  rig.Unit->Switches().chkChannelListing_Click(true);
+  EXPECT_TRUE(last->isVisible());
+  rig.Unit.CloseAndWait();
+  EXPECT_THAT(diary.Lines, ElementsAre("channels made", "channels closes", "channels closes for good"));
+}
+
+TEST_F(DesktopTest, OnlyVisibleWindowsAreRefreshed) {
+  Plug(WindowName::Schedule, "schedule");
+  Plug(WindowName::Channels, "channels");
+  rig.Unit.Set("ChannelListing", "0");
+  rig.Unit.StartIdle();
+  const PlainWindow* const hidden = last;
+  rig.Desktop.Show(WindowName::Schedule);
+  const int before = last->Refreshed;
+  rig.Run(1s);
+  EXPECT_NEAR(last->Refreshed - before, 10, 1);
+  EXPECT_EQ(hidden->Refreshed, 0);
+}
+
+TEST_F(DesktopTest, TheOthersFollowTheMainWindowDownAndUp) {
+  Plug(WindowName::Schedule, "schedule");
+  rig.Unit.StartIdle();
+  rig.Unit->Switches().chkSchedule_Click(true);
+  Minimise();
+  rig.Run(200ms);
+  EXPECT_TRUE(last->isHidden());
+  EXPECT_TRUE(rig.Desktop.IsLoaded(WindowName::Schedule)) << "hidden, not closed";
+  Minimise(false);
+  rig.Run(200ms);
+  EXPECT_TRUE(last->isVisible());
+  EXPECT_THAT(diary.Lines, ElementsAre("schedule made"));
+}
+
+TEST_F(DesktopTest, WithoutATrayAMinimisedProgramStaysInTheTaskBar) {
+  rig.Unit.Set("TaskBarMinimized", "False");
+  rig.Unit.StartIdle();
+  ASSERT_FALSE(rig.Record().TrayIcon) << "there is none here";
+  Minimise();
+  rig.Run(1s);
+  EXPECT_FALSE(rig.Main().isHidden());
+  EXPECT_TRUE(rig.Main().isMinimized());
+}
+
+TEST_F(DesktopTest, TheFirstConfigurationHasNoCancel) {
+  bool cancelHidden = false;
+  bool modal = false;
+  rig.Desktop.SetMaker(WindowName::Config, [&] {
+    auto window = std::make_unique<PlainWindow>(diary, "config");
+    last = window.get();
+    auto* cmdCancel = new QWidget(last);
+    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    QTimer::singleShot(0, last, [&, cmdCancel] {
+      cancelHidden = cmdCancel->isHidden();
+      modal = last->isModal();
+      last->close();
+    });
+    return windows::Opened(std::move(window));
+  });
+  rig.Unit.Start();
+  EXPECT_TRUE(cancelHidden);
+  EXPECT_TRUE(modal);
+  rig.Run(200ms);
+  EXPECT_THAT(diary.Lines, ElementsAre("config made", "config closes", "config gone"));
+}
+
+TEST_F(DesktopTest, AKeyOfAnotherWindowReachesTheMainWindow) {
+  rig.Unit.Set("Preset2", "51");
+  rig.Unit.StartIdle();
+  rig.Desktop.PassKey(113);
+  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 51);
+  rig.Desktop.PassKey('R');
+  EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
+  rig.Desktop.PassKey('S');
+  EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
+}
+
+TEST_F(DesktopTest, AKeyBeforeTheProgramTakesInputDoesNothing) {
+  rig.Desktop.HideAndDisableMainWindow();
+  rig.Desktop.PassKey('R');
+  EXPECT_FALSE(rig.Record().cmdStop.Enabled);
+  rig.Desktop.EnableMainWindow();
+}
+
+TEST_F(DesktopTest, AnEmptyPresetOpensThePresetsWindow) {
+  Plug(WindowName::Presets, "presets");
+  rig.Unit.StartIdle();
+  rig.Desktop.PassKey(116);
+  EXPECT_THAT(diary.Lines, ElementsAre("presets made"));
+}
+
+TEST_F(DesktopTest, WhatIsNotThereYetIsAnnounced) {
+  rig.Unit.StartIdle();
+  rig.Unit.Dialogs.Shown.clear();
+  rig.Desktop.Show(WindowName::Mixer);
+  rig.Main().mnuCheckUpdate();
+  rig.Main().mnuRadioID();
+  EXPECT_THAT(rig.Unit.Dialogs.Shown, SizeIs(3));
+}
+
+TEST_F(DesktopTest, TheHelpIsOpenedAndAFailureIsNoNews) {
+  rig.Unit.StartIdle();
+  rig.Unit.Dialogs.Shown.clear();
+  rig.Shell.Works = false;
+  rig.Main().mnuHelpWith();
+  EXPECT_THAT(rig.Shell.Opened, ElementsAre("/program/Documentation/Kestrune.html"));
+  EXPECT_THAT(rig.Unit.Dialogs.Shown, IsEmpty());
+}
+
+TEST_F(DesktopTest, TheStatementOfIntentIsShown) {
+  rig.Unit.StartIdle();
+  rig.Unit.Dialogs.Shown.clear();
+  rig.Main().mnuIntent();
+  ASSERT_THAT(rig.Unit.Dialogs.Shown, SizeIs(1));
+  EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Title, "Kestrune Statement of Intent");
+  EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Text,
+            "Kestrune is intended for use as a timeshifting utility for personal use only.\n"
+            "Distributing or otherwise making available MP3 files created by Kestrune is a crime.");
+}
+
+TEST_F(DesktopTest, TheCloseBoxClosesInTwoPasses) {
+  rig.Unit.StartIdle();
+  rig.Main().close();
+  EXPECT_FALSE(rig.Unit->Run().ShuttingDown) << "once the window has returned to the loop";
+  rig.Run(100ms);
+  EXPECT_TRUE(rig.Unit->Run().ShuttingDown);
+  EXPECT_TRUE(rig.Main().isHidden());
+  EXPECT_EQ(rig.GivenUp, 1);
+  EXPECT_FALSE(rig.Unit.Closed);
+  rig.Main().close();
+  EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
+}
+
+TEST_F(DesktopTest, ACloseHidesEveryWindowAndRunsItsClosingRuleAtTheEnd) {
+  Plug(WindowName::Schedule, "schedule");
+  Plug(WindowName::Mixer, "mixer");
+  rig.Unit.StartIdle();
+  rig.Desktop.Show(WindowName::Schedule);
+  rig.Desktop.Show(WindowName::Mixer);
+  rig.Unit->Close();
+  rig.Run(500ms);
+  for (const QWidget* window : QApplication::topLevelWidgets()) EXPECT_FALSE(window->isVisible());
+  EXPECT_THAT(diary.Lines, ElementsAre("schedule made", "mixer made"));
+  EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
+  EXPECT_THAT(diary.Lines, ElementsAre("schedule made", "mixer made", "mixer closes for good",
+                                       "schedule closes for good"));
+  rig.Desktop.Detach();
+  EXPECT_THAT(diary.Lines, Contains("schedule gone"));
+}
+
+TEST_F(DesktopTest, ACloseFromAFailedStartGoesTheSameWay) {
+  rig.Unit.Radio.Answers = false;
+  rig.Unit.Start(StartOutcome::Failed);
+  EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
+  for (const QWidget* window : QApplication::topLevelWidgets()) EXPECT_FALSE(window->isVisible());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(DesktopTest, ACloseWithinTheLoadEndsIt) {
+  rig.Unit.Loop.AtHardware(2s, [this] { rig.Unit->RequestClose(); });
+  rig.Unit.Start(StartOutcome::Closed);
+  EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
+}
+
+}  // namespace
+}  // namespace kestrune::test

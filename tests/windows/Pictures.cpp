@@ -1,0 +1,211 @@
+// Takes a picture of every window with sample records, for people to look at:
+//
+//   windows_pictures FOLDER     short and extreme texts, light and dark, at single and double scale
+//
+// A window joins with a line in kPictures.
+#include <QApplication>
+#include <QDir>
+#include <QFont>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPalette>
+#include <QPixmap>
+#include <QProcess>
+#include <QStyle>
+#include <QTimer>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "windows/DesktopRig.h"
+#include "windows/QtDialogs.h"
+#include "windows/frmLegal.h"
+#include "windows/frmPleaseWait.h"
+#include "windows/frmSplash.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// What a picture is made from: a unit with the desktop's windows, either short or extreme texts in its records.
+struct Stage {
+  DesktopRig Rig;
+  bool Extreme = false;
+  QString Folder;
+  QString Look;
+
+  void Take(QWidget& window, const QString& name) const {
+    window.ensurePolished();
+    if (!window.isVisible()) window.show();
+    QCoreApplication::processEvents();
+    window.grab().save(Folder + QLatin1Char('/') + name + QLatin1Char('-') + Look + QStringLiteral(".png"));
+  }
+};
+
+void Play(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  if (stage.Extreme) {
+    unit.Radio.Channels[44] = {
+        "The Longest Name of Any & All Stations in the Sky", "Rock & Roll & Rhythm & Blues",
+        "W. W. Wolfgang and the Widely Wandering Wailers & Friends",
+        "<b>What Would We Want</b> With Wild & Windy Weather (Live at the Western Wall)"};
+  }
+  for (int i = 1; i <= 12; ++i) {
+    if (i % 4 == 0) continue;
+    unit.Set("Preset" + std::to_string(i),
+             stage.Extreme ? fmt::format("{} - A Station & Its Very Long Name, Number {}", 40 + i, i)
+                           : fmt::format("{} - Station {}", 40 + i, 40 + i));
+  }
+  unit.StartIdle();
+}
+
+void TakeMain(Stage& stage) {
+  Play(stage);
+  recorder::MainWindow& record = stage.Rig.Record();
+  const auto take = [&stage](const char* name) {
+    stage.Rig.Main().Refresh();
+    stage.Take(stage.Rig.Main(), QLatin1String(name));
+  };
+  take("frmKestrune-idle");
+  stage.Rig.Unit->cmdRecord();
+  stage.Rig.Run(12345ms);
+  record.lblRecording.Visible = true;
+  record.pctTimer = {.Visible = true, .Tag = "1"};
+  record.lblRemaining = {.Caption = "01:23:45", .Visible = true};
+  if (stage.Extreme) {
+    record.lblRecording.Caption = "Waiting for channel load";
+    record.lblRecorded.Caption = record.lblTooShort.Caption = "32767";
+    record.lblTooLong.Caption = record.lblRestricted.Caption = "32767";
+    record.pbrTerSignal = {.Value = 7650, .Caption = "255%"};
+  }
+  take("frmKestrune-recording");
+  std::vector<std::int16_t> sound;
+  std::uint32_t noise = 1;
+  for (int step = 0; step < 200; ++step) {
+    sound.clear();
+    for (int i = 0; i < 4800; ++i) {
+      noise = noise * 1664525U + 1013904223U;
+      const double hum = 9000 * std::sin(i * 0.03) + 5000 * std::sin(i * 0.31);
+      sound.push_back(static_cast<std::int16_t>(hum + static_cast<double>(noise >> 20U)));
+      sound.push_back(static_cast<std::int16_t>(hum * 0.4 * std::sin(step * 0.1)));
+    }
+    stage.Rig.Unit->AudioDisplay().Draw(sound, {.SampleRate = 48000, .Channels = 2});
+  }
+  for (const char* type : {"bars", "needles", "wave", "spectrum", "history"}) {
+    stage.Take(*stage.Rig.Main().findChild<QWidget*>(QStringLiteral("AudioDisplay")),
+               QStringLiteral("AudioDisplay-") + QLatin1String(type));
+    stage.Rig.Unit->AudioDisplay().NextType();
+  }
+  for (const char* menu : {"mnuFile", "mnuOptions", "mnuHelp"}) {
+    stage.Take(*stage.Rig.Main().findChild<QMenu*>(QLatin1String(menu)), QLatin1String(menu));
+  }
+}
+
+void TakeLegal(Stage& stage) {
+  windows::frmLegal window(KESTRUNE_AGREEMENT, stage.Rig.Unit.Dialogs);
+  stage.Take(window, QStringLiteral("frmLegal"));
+}
+
+void TakeSplash(Stage& stage) {
+  windows::frmSplash window(stage.Rig.Unit.Loop, stage.Rig.Shell, stage.Rig.Unit.Dialogs,
+                            {.WebSite = "https://radio.example", .Mail = "help@radio.example"});
+  stage.Take(window, QStringLiteral("frmSplash"));
+}
+
+void TakePleaseWait(Stage& stage) {
+  windows::frmPleaseWait window;
+  window.ShowPort(1);
+  stage.Take(window, QStringLiteral("frmPleaseWait"));
+}
+
+void TakeMessage(Stage& stage) {
+  windows::QtDialogs dialogs("", false);
+  QTimer::singleShot(0, qApp, [&stage] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box == nullptr) return;
+    stage.Take(*box, QStringLiteral("message"));
+    box->reject();
+  });
+  static_cast<void>(dialogs.Show({.Title = "Disable Integrel",
+                                  .Text = "Unchecking this option will allow Kestrune to record songs that "
+                                          "are not complete. Are you sure you want to do this?",
+                                  .Icon = platform::MessageIcon::Warning,
+                                  .Buttons = platform::MessageButtons::YesNo}));
+}
+
+constexpr void (*kPictures[])(Stage&) = {
+    TakeMain, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
+};
+
+QPalette DarkPalette() {
+  QPalette dark;
+  const QColor window(45, 45, 48);
+  const QColor base(30, 30, 32);
+  const QColor text(225, 225, 225);
+  for (const auto& [role, colour] : std::initializer_list<std::pair<QPalette::ColorRole, QColor>>{
+           {QPalette::Window, window},
+           {QPalette::WindowText, text},
+           {QPalette::Base, base},
+           {QPalette::AlternateBase, window},
+           {QPalette::Text, text},
+           {QPalette::Button, window},
+           {QPalette::ButtonText, text},
+           {QPalette::BrightText, Qt::white},
+           {QPalette::ToolTipBase, window},
+           {QPalette::ToolTipText, text},
+           {QPalette::Highlight, QColor(42, 130, 218)},
+           {QPalette::HighlightedText, Qt::white},
+           {QPalette::Link, QColor(90, 160, 240)},
+           {QPalette::PlaceholderText, QColor(140, 140, 140)}}) {
+    dark.setColor(role, colour);
+  }
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    dark.setColor(QPalette::Disabled, role, QColor(120, 120, 120));
+  }
+  return dark;
+}
+
+void TakeAll(const QString& folder, const QString& scale) {
+  for (const bool dark : {false, true}) {
+    QApplication::setPalette(dark ? DarkPalette() : QApplication::style()->standardPalette());
+    for (const bool extreme : {false, true}) {
+      for (const auto& picture : kPictures) {
+        Stage stage;
+        stage.Extreme = extreme;
+        stage.Folder = folder;
+        stage.Look = QLatin1String(dark ? "dark" : "light") + QLatin1String(extreme ? "-extreme" : "-plain") +
+                     QLatin1Char('-') + scale + QLatin1Char('x');
+        picture(stage);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::test
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    fmt::print(stderr, "usage: windows_pictures FOLDER\n");
+    return 2;
+  }
+  testing::InitGoogleTest();
+  // A program has one scale, so the second is another program's.
+  const bool first = qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  const QApplication application(argc, argv);
+  const QString folder = QString::fromLocal8Bit(argv[1]);
+  QDir().mkpath(folder);
+  kestrune::test::TakeAll(folder, first ? QStringLiteral("1") : qEnvironmentVariable("QT_SCALE_FACTOR"));
+  if (!first) return 0;
+  qputenv("QT_SCALE_FACTOR", "2");
+  return QProcess::execute(QCoreApplication::applicationFilePath(), {folder});
+}

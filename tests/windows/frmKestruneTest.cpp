@@ -1,0 +1,451 @@
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <chrono>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "windows/AudioDisplay.h"
+#include "windows/Binding.h"
+#include "windows/DesktopRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class frmKestruneTest : public ::testing::Test {
+ protected:
+  void Press(const char* button) { QTest::mouseClick(&rig.Find<QPushButton>(button), Qt::LeftButton); }
+  void Tick(const char* box) {
+    // At the box itself, not in the middle of the row that it may fill.
+    auto& control = rig.Find<QCheckBox>(box);
+    QTest::mouseClick(&control, Qt::LeftButton, {}, QPoint(8, control.height() / 2));
+  }
+  void Choose(const char* entry) { rig.Find<QAction>(entry).trigger(); }
+  [[nodiscard]] std::string Text(const char* label) {
+    return windows::FromQt(rig.Find<QLabel>(label).text());
+  }
+  [[nodiscard]] bool Hidden(const char* control) { return rig.Find<QWidget>(control).isHidden(); }
+
+  DesktopRig rig;
+};
+
+struct Row {
+  const char* Name;
+  const char* Caption;  ///< null: filled at run time
+  const char* Tip;
+};
+
+TEST_F(frmKestruneTest, EveryControlIsThereWithItsCaptionAndTip) {
+  constexpr Row kControls[] = {
+      {"lblcChannel", "Channel:", ""},
+      {"lblChannel", nullptr, ""},
+      {"lblcGenre", "Genre:", ""},
+      {"lblGenre", nullptr, ""},
+      {"lblcArtist", "Artist:", ""},
+      {"lblArtist", nullptr, "Click to add this artist to the Grab/Kill list"},
+      {"lblcSong", "Song:", ""},
+      {"lblSong", nullptr, "Click to add this song to the Grab or Kill list"},
+      {"lblRecording", nullptr, ""},
+      {"lblClock", nullptr, ""},
+      {"lblcRemaining", nullptr, ""},
+      {"lblRemaining", nullptr, ""},
+      {"pctTimer", "Recording Scheduled Event", ""},
+      {"lblcRecorded", "Recorded:", ""},
+      {"lblRecorded", "0", ""},
+      {"lblcTooShort", "Too Short:", ""},
+      {"lblTooShort", "0", ""},
+      {"lblcTooLong", "Too Long:", ""},
+      {"lblTooLong", "0", ""},
+      {"lblcRestricted", "Restricted:", ""},
+      {"lblRestricted", "0", ""},
+      {"lblSat_0", "Sat 1:", ""},
+      {"lblSat_1", "Sat 2:", ""},
+      {"lblGround", "Ground:", ""},
+      {"pbrSatSignal_0", nullptr, ""},
+      {"pbrSatSignal_1", nullptr, ""},
+      {"pbrTerSignal", nullptr, ""},
+      {"AudioDisplay", nullptr, ""},
+      {"cmdRecord", "Record", "Start Recording"},
+      {"cmdStop", "Stop", "Stop Recording"},
+      {"cmdVUType", "VU Type", "Change type of VU meter"},
+      {"cmdMixer", "Record Levels", "Show the recording mixer to adjust recording levels"},
+      {"chkIntegrel", "Integrel", "Ensure only complete songs are recorded"},
+      {"chkSievanceGrab", "Grab List On",
+       "Check to cause Kestrune to record only those artists or songs which appear in the grab lists"},
+      {"chkSievanceKill", "Kill List On",
+       "Check to cause Kestrune to never record those artists or songs which appear in the kill lists"},
+      {"chkRadioOnAtExit", "Radio On At Exit",
+       "Check to cause Kestrune to leave the radio on and playing when exiting"},
+      {"chkChannelListing", "Channel Listing", "Show/Hide channel listing"},
+      {"chkRecordLog", "Recording Log", "Show/Hide songs recorded log"},
+      {"chkSchedule", "Timer Schedule", "Show/Hide timer schedule screen"},
+      {"chkRestrictList", "Grab/Kill Lists", "Show/Hide grab/kill list screen"},
+      {"chkKestruneNow", "Kestrune Now", "Show/HideKestrune Now Screen"},
+  };
+  for (const Row& row : kControls) {
+    SCOPED_TRACE(row.Name);
+    const auto& control = rig.Find<QWidget>(row.Name);
+    EXPECT_EQ(control.toolTip().toStdString(), row.Tip);
+    if (row.Caption == nullptr) continue;
+    EXPECT_EQ(control.property("text").toString().toStdString(), row.Caption);
+  }
+}
+
+TEST_F(frmKestruneTest, TheTwelvePresetButtonsHaveTheirNumbersAndKeysInTheTip) {
+  for (int i = 0; i < 12; ++i) {
+    const std::string number = std::to_string(i + 1);
+    const auto& button = rig.Find<QPushButton>(("cmdPresetStation_" + std::to_string(i)).c_str());
+    EXPECT_EQ(button.text().toStdString(), "Preset " + number);
+    EXPECT_EQ(button.toolTip().toStdString(), "Preset " + number + " (CTRL-F" + number + ")");
+  }
+}
+
+TEST_F(frmKestruneTest, EveryMenuHasItsEntriesInOrder) {
+  using Entries = std::vector<std::pair<std::string, std::string>>;
+  const std::vector<std::pair<std::string, Entries>> kMenus = {
+      {"&File", {{"mnuRecord", "&Record"}, {"mnuStop", "&Stop"}, {"mnuExit", "E&xit"}}},
+      {"&Options",
+       {{"mnuChannels", "&Channel Listing"},
+        {"mnuReload", "&Reload Channel Listing"},
+        {"mnuLog", "Recording &Log"},
+        {"mnuSchedule", "&Timer Schedule"},
+        {"mnuKestruneNow", "Kestrune &Now"},
+        {"mnuRestrictList", "Grab/Kill &Lists"},
+        {"mnuBar1", ""},
+        {"mnuIntegrel", "&Integrel On"},
+        {"mnuSievanceGrab", "&Grab List On"},
+        {"mnuSievanceKill", "&Kill List On"},
+        {"mnuCleftune", "&Cleftune On"},
+        {"mnuMute", "Mute Au&dio"},
+        {"mnuRadioOnAtExit", "Radio On At E&xit"},
+        {"mnuPresets", "Edit &Presets"},
+        {"mnuCheckUpdatesAtStartup", "Check for &Updates at Startup"},
+        {"mnuPreferences", "&Configuration"}}},
+      {"&Help",
+       {{"mnuHelpWith", "Kestrune &Help"},
+        {"mnuAbout", "&About"},
+        {"mnuIntent", "&Statement of Intent"},
+        {"mnuCheckUpdate", "Check for &Update"},
+        {"mnuRadioID", "My Radio &ID"}}},
+  };
+  const auto menus = rig.Main().menuBar()->actions();
+  ASSERT_EQ(static_cast<std::size_t>(menus.size()), kMenus.size());
+  for (std::size_t i = 0; i < kMenus.size(); ++i) {
+    const QAction* menu = menus[static_cast<qsizetype>(i)];
+    EXPECT_EQ(menu->text().toStdString(), kMenus[i].first);
+    Entries found;
+    for (const QAction* entry : menu->menu()->actions()) {
+      found.emplace_back(entry->objectName().toStdString(), entry->text().toStdString());
+    }
+    EXPECT_EQ(found, kMenus[i].second);
+  }
+}
+
+TEST_F(frmKestruneTest, EachLetterThatOtherWindowsPassOnIsAKeyOfOneEntry) {
+  std::multiset<std::string> letters;
+  for (const QAction* entry : rig.Main().findChildren<QAction*>()) {
+    const QString key = entry->shortcut().toString();
+    if (!key.isEmpty()) letters.insert(key.toStdString());
+  }
+  std::multiset<std::string> wanted;
+  for (const char letter : std::string("BDGHKLQRSTUWY")) wanted.insert(std::string("Ctrl+") + letter);
+  EXPECT_EQ(letters, wanted);
+}
+
+TEST_F(frmKestruneTest, ShowsWhatPlaysWithSingleAmpersands) {
+  rig.Unit.Radio.Channels[44] = {"Rock & Roll", "R&B", "Salt & Sand", "You & I"};
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  EXPECT_EQ(Text("lblChannel"), "44: Rock & Roll");
+  EXPECT_EQ(Text("lblGenre"), "R&B");
+  EXPECT_EQ(Text("lblArtist"), "Salt & Sand");
+  EXPECT_EQ(Text("lblSong"), "You & I");
+  EXPECT_EQ(rig.Main().windowTitle(), QStringLiteral("Kestrune: Salt & Sand"));
+}
+
+TEST_F(frmKestruneTest, MarkupFromTheRadioIsShownLetterByLetter) {
+  rig.Unit.Radio.Channels[44] = {"<b>S</b>", "G", "<i>A</i>[*]", "<img src=x>"};
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  EXPECT_EQ(rig.Find<QLabel>("lblArtist").textFormat(), Qt::PlainText);
+  EXPECT_EQ(Text("lblArtist"), "<i>A</i>[*]");
+  EXPECT_EQ(rig.Main().windowTitle(), QStringLiteral("Kestrune: <i>A</i>[*][*]")) << "doubled, it shows once";
+}
+
+TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  const auto places = [this] {
+    std::vector<QRect> all;
+    for (const QWidget* child : rig.Main().findChildren<QWidget*>()) {
+      if (!child->objectName().isEmpty() && !child->isHidden()) all.push_back(child->geometry());
+    }
+    return all;
+  };
+  rig.Record().lblRecording = {.Caption = "x", .Visible = true};
+  rig.Main().Refresh();
+  QCoreApplication::processEvents();
+  const auto before = places();
+  const std::string longText(300, 'W');
+  for (auto* label :
+       {&rig.Record().lblChannel, &rig.Record().lblGenre, &rig.Record().lblArtist, &rig.Record().lblSong}) {
+    label->Caption = longText;
+  }
+  rig.Record().lblRecording.Caption = "Waiting for channel load";
+  rig.Record().lblClock = {.Caption = "00:00:00", .Visible = true};
+  rig.Main().Refresh();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(places(), before);
+  rig.Record().lblRecording.Visible = false;  // the blink
+  rig.Main().Refresh();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(rig.Find<QWidget>("lblClock").geometry().isValid(), true);
+  rig.Record().lblRecording.Visible = true;
+  rig.Main().Refresh();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(places(), before);
+}
+
+TEST_F(frmKestruneTest, TheButtonsSwap) {
+  rig.Unit.StartIdle();
+  EXPECT_TRUE(rig.Find<QPushButton>("cmdRecord").isEnabled());
+  EXPECT_FALSE(rig.Find<QPushButton>("cmdStop").isEnabled());
+  Press("cmdRecord");
+  EXPECT_FALSE(rig.Find<QPushButton>("cmdRecord").isEnabled());
+  EXPECT_TRUE(rig.Find<QPushButton>("cmdStop").isEnabled());
+  EXPECT_EQ(Text("lblRecording"), "Recording");
+  EXPECT_EQ(Text("lblExplanation"), "This song is kept from its beginning.");
+  Press("cmdStop");
+  EXPECT_EQ(Text("lblRecording"), "");
+}
+
+TEST_F(frmKestruneTest, TheStatusBlinksOnceASecondAndTheClockRuns) {
+  rig.Unit.StartIdle();
+  Press("cmdRecord");
+  int changes = 0;
+  bool hidden = Hidden("lblRecording");
+  for (int i = 0; i < 30; ++i) {
+    rig.Run(100ms);
+    changes += std::exchange(hidden, Hidden("lblRecording")) != hidden ? 1 : 0;
+  }
+  EXPECT_NEAR(changes, 6, 1);
+  EXPECT_EQ(Text("lblClock").size(), 8U);
+  EXPECT_NE(Text("lblClock"), "00:00:00");
+}
+
+TEST_F(frmKestruneTest, TheMenusRecordAndStopDoNothingWhereTheirButtonIsDisabled) {
+  rig.Unit.StartIdle();
+  Choose("mnuStop");
+  EXPECT_FALSE(rig.Unit->Recording().StopPending);
+  Choose("mnuRecord");
+  EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
+  Choose("mnuRecord");
+  EXPECT_EQ(Text("lblRecording"), "Recording");
+  Choose("mnuStop");
+  EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
+}
+
+TEST_F(frmKestruneTest, TheSignalBarsTakeThirtyForEachPercent) {
+  rig.Unit.Start();
+  rig.Run(200ms);
+  const auto& bar = rig.Find<QProgressBar>("pbrSatSignal_0");
+  EXPECT_EQ(bar.value(), 80 * 30);
+  EXPECT_EQ(bar.text(), QStringLiteral("80%"));
+  EXPECT_EQ(rig.Find<QProgressBar>("pbrSatSignal_1").text(), QStringLiteral("99%"));
+  EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").value(), 3000);
+}
+
+TEST_F(frmKestruneTest, ASignalBeyondTheBarFillsIt) {
+  rig.Unit.Start();
+  rig.Record().pbrTerSignal = {.Value = 255 * 30, .Caption = "255%"};
+  rig.Main().Refresh();
+  EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").value(), 3000);
+  EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").text(), QStringLiteral("255%"));
+}
+
+TEST_F(frmKestruneTest, ChkIntegrelSetByTheLoadAsksNothing) {
+  rig.Unit.Set("Integrel", "False");
+  rig.Unit.Start();
+  EXPECT_FALSE(rig.Find<QCheckBox>("chkIntegrel").isChecked());
+  EXPECT_FALSE(rig.Find<QAction>("mnuIntegrel").isChecked());
+  EXPECT_THAT(rig.Unit.Dialogs.Shown, IsEmpty());
+}
+
+TEST_F(frmKestruneTest, UncheckingIntegrelAsksAndNoChecksItAgain) {
+  rig.Unit.StartIdle();
+  rig.Unit.Dialogs.Shown.clear();
+  rig.Unit.Dialogs.Answer = platform::MessageAnswer::No;
+  Tick("chkIntegrel");
+  ASSERT_THAT(rig.Unit.Dialogs.Shown, SizeIs(1));
+  EXPECT_TRUE(rig.Find<QCheckBox>("chkIntegrel").isChecked());
+  rig.Unit.Dialogs.Answer = platform::MessageAnswer::Yes;
+  Choose("mnuIntegrel");
+  EXPECT_FALSE(rig.Find<QCheckBox>("chkIntegrel").isChecked());
+  EXPECT_FALSE(rig.Find<QAction>("mnuIntegrel").isChecked());
+  EXPECT_EQ(rig.Unit.Setting("Integrel"), "False");
+}
+
+TEST_F(frmKestruneTest, EachMenuEntryFlipsTheBoxOfItsName) {
+  rig.Unit.StartIdle();
+  rig.Unit.Dialogs.Answer = platform::MessageAnswer::Yes;
+  constexpr std::pair<const char*, const char*> kPairs[] = {
+      {"mnuIntegrel", "chkIntegrel"},         {"mnuSievanceGrab", "chkSievanceGrab"},
+      {"mnuSievanceKill", "chkSievanceKill"}, {"mnuRadioOnAtExit", "chkRadioOnAtExit"},
+      {"mnuChannels", "chkChannelListing"},   {"mnuLog", "chkRecordLog"},
+      {"mnuSchedule", "chkSchedule"},         {"mnuRestrictList", "chkRestrictList"},
+      {"mnuKestruneNow", "chkKestruneNow"},
+  };
+  for (const auto& [entry, box] : kPairs) {
+    SCOPED_TRACE(entry);
+    const bool before = rig.Find<QCheckBox>(box).isChecked();
+    Choose(entry);
+    EXPECT_EQ(rig.Find<QCheckBox>(box).isChecked(), !before);
+    EXPECT_EQ(rig.Find<QAction>(entry).isChecked(), !before);
+    Tick(box);
+    EXPECT_EQ(rig.Find<QCheckBox>(box).isChecked(), before);
+    EXPECT_EQ(rig.Find<QAction>(entry).isChecked(), before);
+  }
+}
+
+TEST_F(frmKestruneTest, TheMarksOfTheMenuAloneFlip) {
+  rig.Unit.StartIdle();
+  Choose("mnuCleftune");
+  EXPECT_FALSE(rig.Find<QAction>("mnuCleftune").isChecked());
+  EXPECT_EQ(rig.Unit.Setting("Cleftune"), "False");
+  Choose("mnuCheckUpdatesAtStartup");
+  EXPECT_TRUE(rig.Find<QAction>("mnuCheckUpdatesAtStartup").isChecked());
+  EXPECT_EQ(rig.Unit.Setting("CheckUpdatesAtStartup"), "True");
+}
+
+TEST_F(frmKestruneTest, AMuteDuringARecordingIsRefusedWithASound) {
+  rig.Unit.StartIdle();
+  Press("cmdRecord");
+  Choose("mnuMute");
+  EXPECT_FALSE(rig.Find<QAction>("mnuMute").isChecked());
+  EXPECT_THAT(rig.Unit.Sounds.Played, ElementsAre("SystemAsterisk"));
+}
+
+TEST_F(frmKestruneTest, AMuteBeforeARecordingIsLiftedByThePressOfRecord) {
+  rig.Unit.StartIdle();
+  Choose("mnuMute");
+  EXPECT_TRUE(rig.Find<QAction>("mnuMute").isChecked());
+  Press("cmdRecord");
+  EXPECT_FALSE(rig.Find<QAction>("mnuMute").isChecked());
+}
+
+TEST_F(frmKestruneTest, ControlWithAFunctionKeyPressesAPreset) {
+  rig.Unit.Set("Preset5", "48 - Harbour");
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  EXPECT_EQ(rig.Find<QPushButton>("cmdPresetStation_4").text(), QStringLiteral("48 - Harbour"));
+  QTest::keyClick(&rig.Main(), Qt::Key_F5, Qt::ShiftModifier | Qt::ControlModifier);
+  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 44) << "Control alone";
+  QTest::keyClick(&rig.Find<QPushButton>("cmdVUType"), Qt::Key_F5, Qt::ControlModifier);
+  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 48);
+}
+
+TEST_F(frmKestruneTest, APresetWithALongNameAndAnAmpersandIsCutOffAndWholeInTheTip) {
+  const std::string whole = "48 - " + std::string(120, 'R') + " & R";
+  rig.Unit.Set("Preset1", whole);
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  const auto& button = rig.Find<QPushButton>("cmdPresetStation_0");
+  EXPECT_LT(button.text().size(), 100);
+  EXPECT_EQ(button.toolTip().toStdString(), whole + "\nPreset 1 (CTRL-F1)");
+  EXPECT_EQ(button.accessibleName().toStdString(), whole);
+}
+
+TEST_F(frmKestruneTest, ADoubleClickOrEnterOffersArtistAndSongForTheLists) {
+  std::vector<std::string> offered;
+  rig.Desktop.OfferForList = [&](std::string_view word, const std::string& caption) {
+    offered.push_back(std::string(word) + " " + caption);
+  };
+  rig.Unit.Radio.Channels[44] = {"Harbour", "Rock", "Salt & Sand", "Tide"};
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  QTest::mouseDClick(&rig.Find<QLabel>("lblArtist"), Qt::LeftButton);
+  QTest::keyClick(&rig.Find<QLabel>("lblSong"), Qt::Key_Return);
+  EXPECT_THAT(offered, ElementsAre("Artist Salt && Sand", "Song Tide"));
+}
+
+TEST_F(frmKestruneTest, AnEmptyTextIsNotOffered) {
+  int offered = 0;
+  rig.Desktop.OfferForList = [&](auto, const auto&) { ++offered; };
+  rig.Unit.Start();
+  rig.Record().lblSong.Caption = "  ";
+  QTest::mouseDClick(&rig.Find<QLabel>("lblSong"), Qt::LeftButton);
+  EXPECT_EQ(offered, 0);
+}
+
+TEST_F(frmKestruneTest, TheLevelDisplayGoesThroughItsFiveTypes) {
+  rig.Unit.StartIdle();
+  std::set<int> types;
+  for (int i = 0; i < 5; ++i) {
+    types.insert(static_cast<int>(rig.Unit->AudioDisplay().Type()));
+    EXPECT_FALSE(rig.Find<QWidget>("AudioDisplay").grab().isNull());
+    Press("cmdVUType");
+  }
+  EXPECT_THAT(types, SizeIs(5));
+  EXPECT_EQ(rig.Unit->AudioDisplay().Type(), recorder::VuType::Bars);
+  EXPECT_GT(rig.Unit->AudioDisplay().Draws(), 10U) << "of the sound that is captured";
+}
+
+TEST_F(frmKestruneTest, TheReloadWaitsForTheEndOfTheChannelLoad) {
+  rig.Unit.Start();
+  rig.Run(200ms);
+  EXPECT_FALSE(rig.Find<QAction>("mnuReload").isEnabled());
+  rig.Unit.FinishWalk();
+  rig.Run(200ms);
+  rig.Unit.Dialogs.Shown.clear();
+  Choose("mnuReload");
+  EXPECT_TRUE(rig.Unit->Radio().PoorChannelList);
+  ASSERT_THAT(rig.Unit.Dialogs.Shown, SizeIs(1));
+  EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Title, "Reload Fresh Listing");
+  EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Text,
+            "Channel listing will be reloaded next time Kestrune is started.");
+}
+
+TEST_F(frmKestruneTest, AScheduledEventShowsItsMarkAndTheTimeLeft) {
+  rig.Unit.StartIdle();
+  EXPECT_TRUE(Hidden("pctTimer"));
+  EXPECT_TRUE(Hidden("lblRemaining"));
+  rig.Record().pctTimer = {.Visible = true, .Tag = "1"};
+  rig.Record().lblRemaining = {.Caption = "01:02:03", .Visible = true};
+  rig.Main().Refresh();
+  EXPECT_FALSE(Hidden("pctTimer"));
+  EXPECT_FALSE(Hidden("lblcRemaining"));
+  EXPECT_EQ(Text("lblRemaining"), "01:02:03");
+}
+
+TEST_F(frmKestruneTest, EveryControlThatTakesInputIsReachedByTheTabKey) {
+  rig.Unit.StartIdle();
+  std::set<std::string> reached;
+  QWidget* at = &rig.Find<QWidget>("cmdRecord");
+  for (int i = 0; i < 60; ++i) {
+    if (at->focusPolicy() & Qt::TabFocus) reached.insert(at->objectName().toStdString());
+    at = at->nextInFocusChain();
+  }
+  for (const char* name : {"lblArtist", "lblSong", "cmdRecord", "cmdStop", "cmdVUType", "cmdMixer",
+                           "cmdPresetStation_0", "cmdPresetStation_11", "chkIntegrel", "chkKestruneNow"}) {
+    EXPECT_TRUE(reached.contains(name)) << name;
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::test
