@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Ignored.h"
+#include "schedule/ReloadSchedule.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -33,7 +34,7 @@ Kestrune::Kestrune(const Outside& outside)
       modes_(schedule_, settings_, window_),
       restrictions_(outside.Files, outside.Environment),
       fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
-                 [] { return std::nullopt; }),
+                 [this] { return ScheduledBitRate(); }),
       capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
       disposition_(recording_, radioState_, settings_, fileSpecs_, modes_, restrictions_, outside.Files,
                    outside.Loop, log_),
@@ -78,6 +79,17 @@ config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string
   if (settings_.InputDevice != device) ReadInputDeviceName();
   ShowSettings();
   return outcome;
+}
+
+void Kestrune::ReloadSchedule() {
+  schedule::ReloadSchedule(
+      [this](std::string_view key, std::string_view defaultText) { return section_.Text(key, defaultText); },
+      outside_.Loop.Now(), entries_);
+}
+
+std::optional<std::string> Kestrune::ScheduledBitRate() const {
+  if (schedule_.ActiveSchedule == 0) return std::nullopt;
+  return entries_.at(static_cast<std::size_t>(schedule_.ActiveSchedule - 1)).MP3BitRate;
 }
 
 void Kestrune::ReadInputDeviceName() {

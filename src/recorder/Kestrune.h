@@ -30,6 +30,7 @@
 #include "recorder/UpdateCycle.h"
 #include "schedule/Log.h"
 #include "schedule/Restrictions.h"
+#include "schedule/ScheduleEntry.h"
 #include "schedule/ScheduleState.h"
 
 namespace kestrune::recorder {
@@ -59,6 +60,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const RecordingState& Recording() const { return recording_; }
   [[nodiscard]] const radio::RadioState& Radio() const { return radioState_; }
   [[nodiscard]] const schedule::ScheduleState& Schedule() const { return schedule_; }
+  /// Entries 1 to 10 at indices 0 to 9, as the last ReloadSchedule left them.
+  [[nodiscard]] const schedule::ScheduleEntries& Entries() const { return entries_; }
   [[nodiscard]] const MainWindow& Window() const { return window_; }
   [[nodiscard]] const config::Settings& CurrentSettings() const { return settings_; }
   [[nodiscard]] const radio::Channels& ChannelList() const { return channels_; }
@@ -81,6 +84,9 @@ class Kestrune final : private radio::ChannelEvents {
   void SetChannelNumber(std::int16_t channel) { channels_.SetChannelNumber(channel); }
   /// False, with a sound, while recording forbids it.
   bool SetMute(bool on);
+  /// Brings the stored entries into the table; the scheduler window's close calls it, saved or not. A change to
+  /// the running entry takes effect at the next schedule pass, within 4 seconds.
+  void ReloadSchedule();
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
@@ -121,6 +127,7 @@ class Kestrune final : private radio::ChannelEvents {
 
   void ShowSettings();
   void ReadInputDeviceName();
+  [[nodiscard]] std::optional<std::string> ScheduledBitRate() const;
 
   Outside outside_;
   std::function<void()> closed_ = [] {};
@@ -129,6 +136,7 @@ class Kestrune final : private radio::ChannelEvents {
   radio::RadioState radioState_;
   RecordingState recording_;
   schedule::ScheduleState schedule_;
+  schedule::ScheduleEntries entries_;
   MainWindow window_;
   config::SettingsSection section_;
   config::Settings settings_;

@@ -214,6 +214,7 @@ bool Kestrune::FirstRun() {
 }
 
 void Kestrune::PrepareRecording() {
+  ReloadSchedule();
   restrictions_.LoadRestrictions();
   fileSpecs_.SetFileSpecs(0);
   fileSpecs_.SetFileSpecs(1);
