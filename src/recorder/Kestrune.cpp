@@ -46,7 +46,9 @@ Kestrune::Kestrune(const Outside& outside)
       updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
                    outside.Loop, *tmrUpdate_),
       clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
-             outside.Loop) {
+             outside.Loop),
+      update_(outside, run_, commands_, [this] { Close(); }),
+      stayAwake_(recording_, schedule_, entries_, outside.SleepInhibitor, outside.Loop) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
     channels_.pcrChannelInfoReceived(info);
   };

@@ -27,6 +27,8 @@
 #include "recorder/RecordingState.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
+#include "recorder/StayAwake.h"
+#include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
 #include "schedule/Log.h"
 #include "schedule/Restrictions.h"
@@ -68,6 +70,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
+  [[nodiscard]] const config::UpdatingWindow& UpdatingWindow() const { return update_.Window(); }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
   [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
@@ -87,6 +90,10 @@ class Kestrune final : private radio::ChannelEvents {
   /// Brings the stored entries into the table; the scheduler window's close calls it, saved or not. A change to
   /// the running entry takes effect at the next schedule pass, within 4 seconds.
   void ReloadSchedule();
+  /// Asks the maker's server for a newer version, and the user what to do about it.
+  void mnuCheckUpdate() { update_.mnuCheckUpdate(); }
+  /// The same without a word to the user; nothing if such a check is under way already.
+  [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
@@ -165,6 +172,8 @@ class Kestrune final : private radio::ChannelEvents {
   config::SettingChanges settingChanges_;
   UpdateCycle updateCycle_;
   Clock clock_;
+  UpdateCommand update_;
+  StayAwake stayAwake_;
 };
 
 }  // namespace kestrune::recorder

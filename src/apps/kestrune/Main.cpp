@@ -23,12 +23,15 @@
 #include "platform/posix/IniSettingsStore.h"
 #include "platform/posix/PosixEnvironment.h"
 #include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixProcesses.h"
 #include "platform/posix/UnitLock.h"
 #include "platform/qt/PortMap.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSerialPort.h"
 #include "platform/qt/SignalWatch.h"
+#include "platform/qtdbus/LoginInhibitor.h"
 #include "platform/qtlocal/LocalControlSocket.h"
+#include "platform/qtweb/QtWeb.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
 
@@ -105,6 +108,10 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
   platform::ConsoleDialogs dialogs(std::cerr, options.AcceptAgreement);
   Silence sounds;
   recorder::Windows windows;
+  platform::SerialEnumerator serialEnumerator;
+  platform::QtWeb web;
+  platform::PosixProcesses processes(loop);
+  platform::LoginInhibitor sleepInhibitor;
   const SoundInput input = MakeSoundSource(SoundChoice(options));
   if (input.Source == nullptr) {
     Say(input.Error);
@@ -120,7 +127,11 @@ int RunUnit(const control::CommandLine& line, const std::string& executable) {
                            .Settings = settings,
                            .Dialogs = dialogs,
                            .Sounds = sounds,
-                           .Windows = windows});
+                           .Windows = windows,
+                           .SerialEnumerator = serialEnumerator,
+                           .Web = web,
+                           .Processes = processes,
+                           .SleepInhibitor = sleepInhibitor});
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(
       platform::ControlSocketPath(runtimeFolder, name),
