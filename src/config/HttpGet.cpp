@@ -46,8 +46,8 @@ void WriteByLines(platform::Socket& socket, std::string_view request) {
 
 }  // namespace
 
-std::string HttpGet(platform::Web& web, base::EventLoop& loop, std::string_view Address) {
-  const Place place = PlaceOf(Address);
+std::string HttpGet(platform::Web& web, base::EventLoop& loop, std::string_view address) {
+  const Place place = PlaceOf(address);
   const std::unique_ptr<platform::Socket> socket = web.MakeSocket();
   if (!socket->Connect(place.Host, kPort, kTimeout)) return {};
   WriteByLines(*socket, RequestFor(place));

@@ -40,29 +40,29 @@ std::string UpdateCheck::FetchVersionFile() const {
   return text;
 }
 
-void UpdateCheck::CheckNewVersion(std::string& DownloadAddress, std::int16_t& Result) const {
+void UpdateCheck::CheckNewVersion(std::string& downloadAddress, std::int16_t& result) const {
   const VersionFile latest = ReadVersionFile(FetchVersionFile());
-  DownloadAddress.clear();
+  downloadAddress.clear();
   if (latest.Version.empty()) {
-    Result = kNotRetrieved;
+    result = kNotRetrieved;
   } else if (!IsNewer(latest.Version, RunningVersionText())) {
-    Result = kUpToDate;
+    result = kUpToDate;
   } else {
-    Result = kNewerVersion;
-    DownloadAddress = latest.DownloadAddress;
+    result = kNewerVersion;
+    downloadAddress = latest.DownloadAddress;
   }
 }
 
-void UpdateCheck::UpdateEXE(std::string_view DownloadAddress, std::string& LocalFile) const {
-  LocalFile.clear();
-  const std::string bytes = web_.FetchBytes(DownloadAddress);
+void UpdateCheck::UpdateEXE(std::string_view downloadAddress, std::string& localFile) const {
+  localFile.clear();
+  const std::string bytes = web_.FetchBytes(downloadAddress);
   if (run_.ShuttingDown) return;
   // A name in the common temporary folder could be taken by anybody before the file is written, or after.
   const std::string folder = files_.CreatePrivateFolder(environment_.Variable("temp"));
   if (folder.empty()) return;
-  LocalFile = folder + "/";
-  LocalFile += FileNameOf(DownloadAddress);
-  if (!files_.CreateProgram(LocalFile, bytes)) base::Ignored(files_.RemoveFolder(folder));
+  localFile = folder + "/";
+  localFile += FileNameOf(downloadAddress);
+  if (!files_.CreateProgram(localFile, bytes)) base::Ignored(files_.RemoveFolder(folder));
 }
 
 }  // namespace kestrune::config

@@ -27,11 +27,11 @@ class UpdateCheck {
   /// Whether there is a server to ask.
   [[nodiscard]] bool HasServer() const;
 
-  /// `DownloadAddress` is that of the installer if there is a newer version, else empty.
-  void CheckNewVersion(std::string& DownloadAddress, std::int16_t& Result) const;
-  /// Downloads a file into a new folder that is closed to other users, inside the temporary one. `LocalFile` is
+  /// `downloadAddress` is that of the installer if there is a newer version, else empty.
+  void CheckNewVersion(std::string& downloadAddress, std::int16_t& result) const;
+  /// Downloads a file into a new folder that is closed to other users, inside the temporary one. `localFile` is
   /// the path it was to have, whether or not it is there; empty if the folder could not be made or the program closes.
-  void UpdateEXE(std::string_view DownloadAddress, std::string& LocalFile) const;
+  void UpdateEXE(std::string_view downloadAddress, std::string& localFile) const;
 
  private:
   [[nodiscard]] std::string FetchVersionFile() const;

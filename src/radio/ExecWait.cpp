@@ -23,17 +23,17 @@ std::int16_t NumberOf(platform::WaitEnd end) {
 
 }  // namespace
 
-std::int32_t ExecWait(platform::Processes& processes, std::string_view CommandLine, bool Hidden,
-                      std::int32_t TimeoutMs, std::int16_t& WaitResult, bool NoWait) {
-  const std::int32_t process = processes.Start(CommandLine, Hidden);
-  if (NoWait) return process;
+std::int32_t ExecWait(platform::Processes& processes, std::string_view commandLine, bool hidden,
+                      std::int32_t timeoutMs, std::int16_t& waitResult, bool noWait) {
+  const std::int32_t process = processes.Start(commandLine, hidden);
+  if (noWait) return process;
   if (process == 0) {
     // Nothing is there to be waited for. Nor to be killed: to "kill" the number 0 means this program itself.
-    WaitResult = kWaitFailed;
+    waitResult = kWaitFailed;
     return process;
   }
-  WaitResult = NumberOf(processes.Wait(process, static_cast<std::uint32_t>(TimeoutMs)));
-  if (WaitResult != kWaitEnded && WaitResult != kWaitGivenUp) {
+  waitResult = NumberOf(processes.Wait(process, static_cast<std::uint32_t>(timeoutMs)));
+  if (waitResult != kWaitEnded && waitResult != kWaitGivenUp) {
     base::Ignored(processes.Start(fmt::format("kill {}", process), true));
   }
   return process;

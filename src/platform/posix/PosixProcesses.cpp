@@ -71,6 +71,7 @@ std::int32_t PosixProcesses::Start(std::string_view commandLine, bool hidden) {
   std::vector<std::string> words = base::SplitWords(commandLine);
   if (words.empty() || commandLine.find('\0') != std::string_view::npos) return 0;
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const FileActions files(hidden);
