@@ -102,6 +102,11 @@ Reply RunGet(ControlTarget& target, Arguments arguments) {
 Reply RunSet(ControlTarget& target, Arguments arguments) {
   return From(target.Set(arguments[0], arguments[1]));
 }
+Reply RunUpdate(ControlTarget& target, Arguments /*none*/) {
+  UpdateResult update = target.Update();
+  if (!update.Done) return {ExitCode::Refused, std::move(update.Reason), nullptr};
+  return Done(ToJson(update.Report));
+}
 
 constexpr std::array kCommands{
     Command{"status", {}, "show what the unit does", RunStatus},
@@ -113,6 +118,7 @@ constexpr std::array kCommands{
     Command{"log", kLog, "show the newest lines of the log, 20 if no number is given", RunLog},
     Command{"get", kGet, "show a setting", RunGet},
     Command{"set", kSet, "change a setting", RunSet},
+    Command{"update", {}, "ask whether there is a newer version", RunUpdate},
     Command{"quit", {}, "end the program", RunQuit},
 };
 

@@ -20,6 +20,12 @@ struct SettingResult {
   std::string Value;
 };
 
+struct UpdateResult {
+  bool Done = false;
+  std::string Reason;
+  UpdateReport Report;
+};
+
 /// What the control socket can do to a unit. All calls come on the main thread, also from within an event
 /// pump of a call that waits for the radio, and none throws. Arguments have been checked by the command
 /// table.
@@ -39,6 +45,9 @@ class ControlTarget {
   [[nodiscard]] virtual std::vector<std::string> LogLines(std::size_t atMost) = 0;
   [[nodiscard]] virtual SettingResult Get(std::string_view key) = 0;
   [[nodiscard]] virtual CommandResult Set(std::string_view key, std::string_view value) = 0;
+  /// Asks the maker's server for a newer version; installs nothing. Takes as long as the server, and serves
+  /// events meanwhile.
+  [[nodiscard]] virtual UpdateResult Update() = 0;
   /// Asks for the end of the program; the end itself comes after the call has returned, so that the reply
   /// still goes out.
   [[nodiscard]] virtual CommandResult Quit() = 0;

@@ -80,6 +80,13 @@ std::string ChannelsText(const std::vector<ChannelReport>& channels) {
   return Columns(rows);
 }
 
+std::string UpdateText(const UpdateReport& report) {
+  if (!report.Newer) return "You are running the current, most up-to-date version of Kestrune.\n";
+  std::string text = "There is an updated version of Kestrune available.\n";
+  if (!report.DownloadAddress.empty()) text += Printable(report.DownloadAddress) + '\n';
+  return text;
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -100,6 +107,10 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
   if (command == "channels") {
     const std::optional<std::vector<ChannelReport>> channels = ChannelsFromJson(result);
     return channels ? std::optional(ChannelsText(*channels)) : std::nullopt;
+  }
+  if (command == "update") {
+    const std::optional<UpdateReport> report = UpdateFromJson(result);
+    return report ? std::optional(UpdateText(*report)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

@@ -52,6 +52,13 @@ void ForEachChannelMember(Report& report, Visitor&& visit) {
   visit("song", report.Song);
 }
 
+template <typename Report, typename Visitor>
+void ForEachUpdateMember(Report& report, Visitor&& visit) {
+  visit("running", report.Running);
+  visit("newer", report.Newer);
+  visit("downloadAddress", report.DownloadAddress);
+}
+
 /// Puts each member into an object.
 struct Writer {
   Json Object = Json::object();
@@ -117,6 +124,21 @@ Json ToJson(const std::vector<ChannelReport>& channels) {
     rows.push_back(std::move(writer.Object));
   }
   return rows;
+}
+
+Json ToJson(const UpdateReport& report) {
+  Writer writer;
+  ForEachUpdateMember(report, writer);
+  return std::move(writer.Object);
+}
+
+std::optional<UpdateReport> UpdateFromJson(const Json& json) {
+  UpdateReport report;
+  if (!json.is_object()) return std::nullopt;
+  Reader reader{json};
+  ForEachUpdateMember(report, reader);
+  if (!reader.Complete) return std::nullopt;
+  return report;
 }
 
 std::optional<StatusReport> StatusFromJson(const Json& json) {

@@ -39,6 +39,13 @@ struct StatusReport {
   std::int64_t SamplesLost = 0;
 };
 
+/// What the maker's server said of the latest version.
+struct UpdateReport {
+  std::string Running;          ///< such as "003.000.029"
+  bool Newer = false;           ///< there is a newer version
+  std::string DownloadAddress;  ///< of its installer; empty if the server told none
+};
+
 /// One row of the channel table.
 struct ChannelReport {
   int Number = 0;

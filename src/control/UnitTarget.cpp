@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "base/Version.h"
+#include "config/VersionFile.h"
 
 namespace kestrune::control {
 namespace {
@@ -134,6 +135,24 @@ CommandResult UnitTarget::Set(std::string_view key, std::string_view value) {
   if (!outcome.Saved)
     return Refused("the new value holds until the end, but the settings could not be written");
   return Done();
+}
+
+UpdateResult UnitTarget::Update() {
+  const auto refused = [](std::string reason) {
+    return UpdateResult{.Done = false, .Reason = std::move(reason), .Report = {}};
+  };
+  if (std::string why = Unavailable(unit_); !why.empty()) return refused(std::move(why));
+  const std::optional<recorder::UpdateAnswer> answer = unit_.AskForUpdate();
+  if (!answer) return refused("an update check is under way already");
+  if (unit_.Run().ShuttingDown) return refused(kClosing);
+  if (answer->Result == config::kNotRetrieved) {
+    return refused("Unable to retrieve current version number from the web.");
+  }
+  return {.Done = true,
+          .Reason = "",
+          .Report = {.Running = config::RunningVersionText(),
+                     .Newer = answer->Result == config::kNewerVersion,
+                     .DownloadAddress = answer->DownloadAddress}};
 }
 
 CommandResult UnitTarget::Quit() {

@@ -21,6 +21,7 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] std::vector<std::string> LogLines(std::size_t atMost) override;
   [[nodiscard]] SettingResult Get(std::string_view key) override;
   [[nodiscard]] CommandResult Set(std::string_view key, std::string_view value) override;
+  [[nodiscard]] UpdateResult Update() override;
   [[nodiscard]] CommandResult Quit() override;
 
  private:

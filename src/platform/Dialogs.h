@@ -5,7 +5,7 @@
 
 namespace kestrune::platform {
 
-enum class MessageIcon { Information, Warning, Critical, Question };
+enum class MessageIcon { Information, Warning, Critical, Question, None };
 enum class MessageButtons { Ok, YesNo, YesNoCancel };
 enum class MessageAnswer { Ok, Yes, No, Cancel };
 

@@ -25,6 +25,8 @@ class Files {
   [[nodiscard]] virtual bool Exists(std::string_view path) const = 0;
   /// Creates one folder, not its parents; false if it exists already.
   [[nodiscard]] virtual bool CreateFolder(std::string_view path) = 0;
+  /// Makes a folder of a name of its own in another one, closed to other users; its path, or empty.
+  [[nodiscard]] virtual std::string CreatePrivateFolder(std::string_view parent) = 0;
   /// Removes an empty folder.
   [[nodiscard]] virtual bool RemoveFolder(std::string_view path) = 0;
   /// Names of the plain, not hidden files of a folder that match a pattern with "*" and "?", sorted.
@@ -42,6 +44,8 @@ class Files {
   [[nodiscard]] virtual bool Replace(std::string_view path, std::string_view text) = 0;
   /// Appends with one write, creating the file if need be.
   [[nodiscard]] virtual bool Append(std::string_view path, std::string_view text) = 0;
+  /// Makes a file that was not there before and that this user can run as a program. On failure none is left.
+  [[nodiscard]] virtual bool CreateProgram(std::string_view path, std::string_view bytes) = 0;
   /// Opens for writing, truncating; null on failure.
   [[nodiscard]] virtual std::unique_ptr<OpenTextFile> OpenForWriting(std::string_view path) = 0;
 

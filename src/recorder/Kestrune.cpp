@@ -67,7 +67,9 @@ Kestrune::Kestrune(const Outside& outside)
         return radio::NowLines{.lblChannel = window_.lblChannel.Caption,
                                .lblArtist = window_.lblArtist.Caption,
                                .lblSong = window_.lblSong.Caption};
-      }) {
+      }),
+      update_(outside, run_, commands_, [this] { Close(); }),
+      stayAwake_(recording_, schedule_, entries_, outside.SleepInhibitor, outside.Loop) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
     channels_.pcrChannelInfoReceived(info);
   };

@@ -35,6 +35,8 @@
 #include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
+#include "recorder/StayAwake.h"
+#include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
 #include "recorder/WindowSwitches.h"
 #include "schedule/GrabKill.h"
@@ -79,8 +81,10 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
   [[nodiscard]] const schedule::Restrictions& Restrictions() const { return restrictions_; }
+  /// The unit's settings, where windows keep their places.
   [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
+  [[nodiscard]] const config::UpdatingWindow& UpdatingWindow() const { return update_.Window(); }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
   [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
@@ -108,6 +112,10 @@ class Kestrune final : private radio::ChannelEvents {
   void ReloadSchedule();
   /// The radio's identifier, asked for if it is not known yet, for 1.5 s at most; may be empty.
   [[nodiscard]] std::string pcrRadioID() { return session_.pcrRadioID(); }
+  /// Asks the maker's server for a newer version, and the user what to do about it.
+  void mnuCheckUpdate() { update_.mnuCheckUpdate(); }
+  /// The same without a word to the user; nothing if such a check is under way already.
+  [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
@@ -133,8 +141,6 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] radio::PresetSetup& PresetWindow() { return presetSetup_; }
   [[nodiscard]] radio::ChannelChooser& ChannelsWindow() { return channelChooser_; }
   [[nodiscard]] radio::NowScreen& NowWindow() { return nowScreen_; }
-  /// The unit's settings, where windows keep their places.
-  [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
 
  private:
   // The load sequence, told in Startup.cpp.
@@ -221,6 +227,8 @@ class Kestrune final : private radio::ChannelEvents {
   radio::PresetSetup presetSetup_;
   radio::ChannelChooser channelChooser_;
   radio::NowScreen nowScreen_;
+  UpdateCommand update_;
+  StayAwake stayAwake_;
 };
 
 }  // namespace kestrune::recorder

@@ -5,9 +5,13 @@
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
+#include "platform/Processes.h"
+#include "platform/SerialEnumerator.h"
 #include "platform/SerialPort.h"
 #include "platform/SettingsStore.h"
+#include "platform/SleepInhibitor.h"
 #include "platform/Sounds.h"
+#include "platform/Web.h"
 #include "recorder/Windows.h"
 
 namespace kestrune::recorder {
@@ -23,6 +27,10 @@ struct Outside {
   platform::Dialogs& Dialogs;
   platform::Sounds& Sounds;
   recorder::Windows& Windows;
+  platform::SerialEnumerator& SerialEnumerator;
+  platform::Web& Web;
+  platform::Processes& Processes;
+  platform::SleepInhibitor& SleepInhibitor;
 };
 
 }  // namespace kestrune::recorder

@@ -20,6 +20,8 @@ void Kestrune::Close() {
 }
 
 void Kestrune::CloseFirstPass() {
+  update_.StopWaiting();
+  stayAwake_.Stop();
   capture_.RecordStop(0);
   capture_.RecordStop(1);
   DeleteLeftovers();

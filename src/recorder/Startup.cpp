@@ -7,6 +7,7 @@
 #include "base/Version.h"
 #include "config/SettingKeys.h"
 #include "config/TransferSettings.h"
+#include "radio/SerMouseKill.h"
 #include "recorder/InputDevices.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
@@ -42,7 +43,7 @@ StartOutcome Kestrune::Load() {
   if (!Agree()) return StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
   presets_.LoadPresets();
-  outside_.Windows.GuardSerialPorts();
+  radio::DisableSerialMouse(outside_.SerialEnumerator);
   tmrUpdate_->SetEnabled(true);
 
   const bool found = FindRadio();
@@ -66,9 +67,11 @@ StartOutcome Kestrune::Load() {
   PrepareRecording();
   outside_.Windows.EnableMainWindow();
   channels_.StartWalk();
+  stayAwake_.Start();
   CheckTemporarySpace();
   outside_.Windows.ShowRememberedWindows();
-  if (settings_.CheckUpdatesAtStartup) outside_.Windows.CheckForUpdate();
+  // A build that was told of no server has nobody to ask, and no user is to hear so at every start.
+  if (settings_.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
   return run_.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }
 

@@ -19,8 +19,6 @@ class Windows {
   virtual void ShowPleaseWaitAndSplash() {}
   virtual void ShowPort(std::int16_t /*port*/) {}
   virtual void ClosePleaseWait() {}
-  /// Keeps other users of serial lines away from the radio's.
-  virtual void GuardSerialPorts() {}
   /// Shows the main window, gives it the focus and lets it take no input.
   virtual void ShowMainWindowDisabled() {}
   /// The channels window, hidden; its grid has been set up.
@@ -29,7 +27,11 @@ class Windows {
   virtual void ShowFirstConfiguration() {}
   virtual void EnableMainWindow() {}
   virtual void ShowRememberedWindows() {}
-  virtual void CheckForUpdate() {}
+  /// The wait cursor over the main window, and the normal one again.
+  virtual void ShowWaitCursor(bool /*wait*/) {}
+  /// The window of a download, which does not hold up the caller.
+  virtual void ShowUpdating() {}
+  virtual void CloseUpdating() {}
 
   /// The rule that follows the main window's size and state, ten times a second.
   virtual void ApplyResizeRule() {}

@@ -62,7 +62,7 @@ void Desktop::Attach(recorder::Kestrune& unit) {
          .Text = "Kestrune is intended for use as a timeshifting utility for personal use only.\n"
                  "Distributing or otherwise making available MP3 files created by Kestrune is a crime."}));
   };
-  main_->mnuCheckUpdate = [this] { CheckUpdate ? CheckUpdate() : SayLater(); };
+  main_->mnuCheckUpdate = [this] { unit_->mnuCheckUpdate(); };
   main_->mnuRadioID = [this] { ShowRadioID ? ShowRadioID() : SayLater(); };
   main_->OfferForList = [this](std::string_view word, const std::string& caption) {
     if (base::Trim(caption).empty()) return;
@@ -86,6 +86,7 @@ void Desktop::Detach() {
   RemoveTrayIcon();
   kept_.clear();
   opened_.clear();
+  updating_.reset();
   splash_.reset();
   pleaseWait_.reset();
   main_.reset();
@@ -290,8 +291,18 @@ void Desktop::ShowRememberedWindows() {
   quiet_ = false;
 }
 
-void Desktop::CheckForUpdate() {
-  if (CheckUpdate) CheckUpdate();
+void Desktop::ShowWaitCursor(bool wait) {
+  SetBusyCursor(wait);
+}
+
+void Desktop::ShowUpdating() {
+  updating_ = std::make_unique<frmUpdating>(unit_->UpdatingWindow());
+  updating_->setWindowIcon(ProgramIcon());
+  updating_->show();
+}
+
+void Desktop::CloseUpdating() {
+  updating_.reset();
 }
 
 // The other windows.
@@ -413,6 +424,7 @@ void Desktop::HideAll() {
   SetBusyCursor(false);
   pleaseWait_.reset();
   splash_.reset();
+  updating_.reset();
   for (auto& [name, kept] : kept_) {
     kept.Window->Quit();
     QWidget* widget = kept.Window->Widget();

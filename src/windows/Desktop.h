@@ -18,6 +18,7 @@
 #include "windows/frmKestrune.h"
 #include "windows/frmPleaseWait.h"
 #include "windows/frmSplash.h"
+#include "windows/frmUpdating.h"
 
 namespace kestrune::windows {
 
@@ -50,7 +51,6 @@ class Desktop final : public QObject, public recorder::Windows {
   void SetMaker(recorder::WindowName name, Maker maker);
 
   // Commands of other rooms; without one they are announced for a later version.
-  std::function<void()> CheckUpdate;
   std::function<void()> ShowRadioID;
   /// "Artist" or "Song", and the text with "&" doubled.
   std::function<void(std::string_view word, const std::string& caption)> OfferForList;
@@ -81,7 +81,9 @@ class Desktop final : public QObject, public recorder::Windows {
   void ShowFirstConfiguration() override;
   void EnableMainWindow() override;
   void ShowRememberedWindows() override;
-  void CheckForUpdate() override;
+  void ShowWaitCursor(bool wait) override;
+  void ShowUpdating() override;
+  void CloseUpdating() override;
   void ApplyResizeRule() override;
   void Show(recorder::WindowName name) override;
   void Close(recorder::WindowName name) override;
@@ -123,6 +125,7 @@ class Desktop final : public QObject, public recorder::Windows {
   std::unique_ptr<frmKestrune> main_;
   std::unique_ptr<frmPleaseWait> pleaseWait_;
   std::unique_ptr<frmSplash> splash_;
+  std::unique_ptr<frmUpdating> updating_;
   std::unique_ptr<QSystemTrayIcon> tray_;
   std::unique_ptr<QMenu> trayMenu_;
   std::string trayTip_;

@@ -12,7 +12,7 @@ TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
   std::vector<std::string> usages;
   for (const Command& command : CommandTable()) usages.push_back(Usage(command));
   EXPECT_EQ(usages, (std::vector<std::string>{"status", "channels", "record", "stop", "tune N", "mute on|off",
-                                              "log [N]", "get KEY", "set KEY VALUE", "quit"}));
+                                              "log [N]", "get KEY", "set KEY VALUE", "update", "quit"}));
 }
 
 TEST(CommandTable, EveryRowIsComplete) {
@@ -55,6 +55,8 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"channels", {}}, nullptr},
       {{"record", {}}, nullptr},
       {{"stop", {}}, nullptr},
+      {{"update", {}}, nullptr},
+      {{"update", {"now"}}, R"(update: too many arguments, "now" is not expected; usage: update)"},
       {{"quit", {}}, nullptr},
       {{"quit", {""}}, R"(quit: too many arguments, "" is not expected; usage: quit)"},
       {{"tune", {"1"}}, nullptr},
@@ -103,9 +105,9 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, update, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, update, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);

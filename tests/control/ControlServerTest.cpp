@@ -55,6 +55,17 @@ TEST(ControlServer, StatusAnswersWithTheReport) {
   EXPECT_THAT(target.Calls, ElementsAre("Status"));
 }
 
+TEST(ControlServer, UpdateAnswersWithWhatTheServerSaid) {
+  FakeControlTarget target;
+  target.NextUpdate.Report = {.Running = "003.000.029", .Newer = true, .DownloadAddress = "https://h/a"};
+  EXPECT_EQ(
+      Dispatch(target, R"({"command":"update"})"),
+      R"({"exit":0,"reason":"","result":{"running":"003.000.029","newer":true,"downloadAddress":"https://h/a"}})");
+  EXPECT_THAT(target.Calls, ElementsAre("Update"));
+  target.NextUpdate = {.Done = false, .Reason = "no server", .Report = {}};
+  EXPECT_EQ(Dispatch(target, R"({"command":"update"})"), R"({"exit":1,"reason":"no server","result":null})");
+}
+
 TEST(ControlServer, ChannelsAnswersWithTheRows) {
   FakeControlTarget target;
   target.NextChannels = {{8, "80s on 8", "Decades", "a-ha", "Take On Me"}};

@@ -117,9 +117,23 @@ TEST(PeopleText, ACommandWithoutResultSaysNothing) {
   }
 }
 
+TEST(PeopleText, AnUpdateIsToldInASentence) {
+  EXPECT_EQ(PeopleText("update",
+                       ToJson(UpdateReport{.Running = "003.000.029", .Newer = false, .DownloadAddress = ""})),
+            "You are running the current, most up-to-date version of Kestrune.\n");
+  EXPECT_EQ(PeopleText("update",
+                       ToJson(UpdateReport{.Running = "003.000.029", .Newer = true, .DownloadAddress = ""})),
+            "There is an updated version of Kestrune available.\n");
+  EXPECT_EQ(PeopleText("update", ToJson(UpdateReport{.Running = "003.000.029",
+                                                     .Newer = true,
+                                                     .DownloadAddress = "https://h/a\x1B.bin"})),
+            "There is an updated version of Kestrune available.\nhttps://h/a\xEF\xBF\xBD.bin\n");
+}
+
 TEST(PeopleText, AResultOfAnotherShapeIsNone) {
   EXPECT_FALSE(PeopleText("status", Json::object()));
   EXPECT_FALSE(PeopleText("channels", Json::object()));
+  EXPECT_FALSE(PeopleText("update", Json::object()));
   EXPECT_FALSE(PeopleText("log", Json("x")));
   EXPECT_FALSE(PeopleText("log", Json::array({1})));
   EXPECT_FALSE(PeopleText("get", Json(1)));

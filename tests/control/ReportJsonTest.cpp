@@ -100,6 +100,19 @@ TEST(ReportJson, ChannelMembersHaveTheirNames) {
   EXPECT_EQ(ToJson(*back).dump(), text);
 }
 
+TEST(ReportJson, AnUpdateComesBackAsItWentAndNoMemberMayLack) {
+  const Json json = ToJson(UpdateReport{.Running = "003.000.029", .Newer = true, .DownloadAddress = "x"});
+  const auto back = UpdateFromJson(json);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(ToJson(*back).dump(), R"({"running":"003.000.029","newer":true,"downloadAddress":"x"})");
+  for (const char* name : {"running", "newer", "downloadAddress"}) {
+    Json without = json;
+    without.erase(name);
+    EXPECT_FALSE(UpdateFromJson(without)) << name;
+  }
+  EXPECT_FALSE(UpdateFromJson(Json::array()));
+}
+
 TEST(ReportJson, NoChannelsAreAnEmptyArray) {
   EXPECT_EQ(ToJson(std::vector<ChannelReport>{}).dump(), "[]");
   EXPECT_TRUE(ChannelsFromJson(Json::parse("[]"))->empty());

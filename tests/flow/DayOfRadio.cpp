@@ -58,7 +58,11 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .Settings = store_,
                                                                  .Dialogs = dialogs_,
                                                                  .Sounds = sounds_,
-                                                                 .Windows = windows_});
+                                                                 .Windows = windows_,
+                                                                 .SerialEnumerator = serialEnumerator_,
+                                                                 .Web = web_,
+                                                                 .Processes = processes_,
+                                                                 .SleepInhibitor = sleepInhibitor_});
   unit_->SetClosedHandler([this] { closed_ = true; });
   unit_->LogBook().List().SetChangeHandler([this](schedule::LogList::Change change) {
     if (change == schedule::LogList::Change::Added) TakeLogLine(unit_->LogBook().List().Lines().back());

@@ -66,6 +66,10 @@ class DayOfRadio {
   ScriptedDialogs dialogs_;
   CountedSounds sounds_;
   recorder::Windows windows_;
+  platform::SerialEnumerator serialEnumerator_;
+  FakeWeb web_;
+  FakeProcesses processes_;
+  FakeSleepInhibitor sleepInhibitor_;
   CutLedger ledger_;
   std::unique_ptr<Audio> audio_;
   std::unique_ptr<recorder::Kestrune> unit_;

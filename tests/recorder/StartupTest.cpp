@@ -23,12 +23,11 @@ class CalledWindows final : public recorder::Windows {
   void ShowPleaseWaitAndSplash() override { Calls.emplace_back("please wait"); }
   void ShowPort(std::int16_t port) override { Calls.push_back("port " + std::to_string(port)); }
   void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
-  void GuardSerialPorts() override { Calls.emplace_back("guard"); }
   void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
   void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
   void EnableMainWindow() override { Calls.emplace_back("enable"); }
   void ShowRememberedWindows() override { Calls.emplace_back("remembered windows"); }
-  void CheckForUpdate() override { Calls.emplace_back("update"); }
+  void ShowWaitCursor(bool wait) override { Calls.emplace_back(wait ? "wait cursor" : "normal cursor"); }
   std::vector<std::string> Calls;
 };
 
@@ -61,6 +60,7 @@ TEST_F(StartupTest, ARadioOnTheStoredPortIsFoundPoweredIdentifiedAndTuned) {
 TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
   CalledWindows windows;
   rig.Set("CheckUpdatesAtStartup", "True");
+  rig.Environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "https://updates.invalid/NewVersion.txt";
   recorder::Kestrune unit({.Loop = rig.Loop,
                            .pcrComm = rig.Radio,
                            .Audio = rig.Audio,
@@ -69,11 +69,15 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
                            .Settings = rig.Store,
                            .Dialogs = rig.Dialogs,
                            .Sounds = rig.Sounds,
-                           .Windows = windows});
+                           .Windows = windows,
+                           .SerialEnumerator = rig.SerialEnumerator,
+                           .Web = rig.Web,
+                           .Processes = rig.Processes,
+                           .SleepInhibitor = rig.SleepInhibitor});
   EXPECT_EQ(unit.Load(), StartOutcome::Running);
-  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "guard", "port 1",
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "port 1",
                                          "no please wait", "channels window", "first configuration", "enable",
-                                         "remembered windows", "update"));
+                                         "remembered windows", "wait cursor", "normal cursor"));
 }
 
 TEST_F(StartupTest, ThePresetButtonsAreFilledFromTheUnitsSettings) {
@@ -122,7 +126,11 @@ TEST_F(StartupTest, TheConfigurationIsShownOnAFirstRunAlone) {
                            .Settings = rig.Store,
                            .Dialogs = rig.Dialogs,
                            .Sounds = rig.Sounds,
-                           .Windows = windows});
+                           .Windows = windows,
+                           .SerialEnumerator = rig.SerialEnumerator,
+                           .Web = rig.Web,
+                           .Processes = rig.Processes,
+                           .SleepInhibitor = rig.SleepInhibitor});
   EXPECT_EQ(unit.Load(), StartOutcome::Running);
   EXPECT_THAT(windows.Calls, Not(Contains("first configuration")));
 }

@@ -18,6 +18,7 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<control::ChannelReport> NextChannels;
   control::CommandResult NextResult{true, ""};
   control::SettingResult NextSetting{true, "", ""};
+  control::UpdateResult NextUpdate{true, "", {}};
   std::vector<std::string> Log;
 
   control::StatusReport Status() override {
@@ -44,6 +45,10 @@ class FakeControlTarget : public control::ControlTarget {
   }
   control::CommandResult Set(std::string_view key, std::string_view value) override {
     return Note(fmt::format("Set {}={}", key, value));
+  }
+  control::UpdateResult Update() override {
+    Calls.emplace_back("Update");
+    return NextUpdate;
   }
   control::CommandResult Quit() override { return Note("Quit"); }
 

@@ -78,6 +78,15 @@ bool MemoryFiles::CreateFolder(std::string_view path) {
   return true;
 }
 
+std::string MemoryFiles::CreatePrivateFolder(std::string_view parent) {
+  Calls.push_back(fmt::format("CreatePrivateFolder {}", parent));
+  const std::string clean = fmt::format("{}/private{}", Clean(parent), privateFolders_ + 1);
+  if (Fails(FileOperation::CreatePrivateFolder) || DiskFull || !Writable(clean)) return {};
+  ++privateFolders_;
+  folders_.insert(clean);
+  return clean;
+}
+
 bool MemoryFiles::RemoveFolder(std::string_view path) {
   Calls.push_back(fmt::format("RemoveFolder {}", path));
   const std::string clean = Clean(path);
@@ -148,6 +157,13 @@ bool MemoryFiles::Append(std::string_view path, std::string_view text) {
   if (Fails(FileOperation::Append) || DiskFull || !Writable(clean) || folders_.contains(clean)) return false;
   files_[clean].append(text);
   return true;
+}
+
+bool MemoryFiles::CreateProgram(std::string_view path, std::string_view bytes) {
+  Calls.push_back(fmt::format("CreateProgram {}", path));
+  const std::string clean = Clean(path);
+  if (Fails(FileOperation::CreateProgram) || Exists(clean) || path.ends_with('/')) return false;
+  return Write(clean, std::string(bytes));
 }
 
 std::unique_ptr<platform::OpenTextFile> MemoryFiles::OpenForWriting(std::string_view path) {

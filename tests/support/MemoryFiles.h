@@ -16,6 +16,8 @@ namespace kestrune::test {
 
 enum class FileOperation {
   CreateFolder,
+  CreatePrivateFolder,
+  CreateProgram,
   RemoveFolder,
   Remove,
   Rename,
@@ -33,6 +35,8 @@ class MemoryFiles final : public platform::Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
   [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  /// Named "private" and a number that counts up.
+  [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
   [[nodiscard]] bool RemoveFolder(std::string_view path) override;
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
                                                   std::string_view pattern) const override;
@@ -42,6 +46,7 @@ class MemoryFiles final : public platform::Files {
   [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
   [[nodiscard]] bool Replace(std::string_view path, std::string_view text) override;
   [[nodiscard]] bool Append(std::string_view path, std::string_view text) override;
+  [[nodiscard]] bool CreateProgram(std::string_view path, std::string_view bytes) override;
   [[nodiscard]] std::unique_ptr<platform::OpenTextFile> OpenForWriting(std::string_view path) override;
   [[nodiscard]] double FreeBytes(std::string_view path) const override;
 
@@ -84,6 +89,7 @@ class MemoryFiles final : public platform::Files {
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
   std::set<std::string> unwritable_;
+  int privateFolders_ = 0;
   mutable std::map<FileOperation, int> failures_;
 };
 

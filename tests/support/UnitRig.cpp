@@ -34,7 +34,11 @@ UnitRig::UnitRig() {
                                                                 .Settings = Store,
                                                                 .Dialogs = Dialogs,
                                                                 .Sounds = Sounds,
-                                                                .Windows = Windows});
+                                                                .Windows = Windows,
+                                                                .SerialEnumerator = SerialEnumerator,
+                                                                .Web = Web,
+                                                                .Processes = Processes,
+                                                                .SleepInhibitor = SleepInhibitor});
   Unit->SetClosedHandler([this] { Closed = true; });
 }
 

@@ -9,6 +9,9 @@
 #include "platform/ring/RingRecorder.h"
 #include "recorder/Kestrune.h"
 #include "support/FakeEnvironment.h"
+#include "support/FakeProcesses.h"
+#include "support/FakeSleepInhibitor.h"
+#include "support/FakeWeb.h"
 #include "support/MemoryFiles.h"
 #include "support/MemorySettingsStore.h"
 #include "support/RecordingCaptureFile.h"
@@ -106,6 +109,10 @@ class UnitRig {
   ScriptedDialogs Dialogs;
   CountedSounds Sounds;
   recorder::Windows Windows;
+  platform::SerialEnumerator SerialEnumerator;
+  FakeWeb Web;
+  FakeProcesses Processes;
+  FakeSleepInhibitor SleepInhibitor;
   RigAudio Audio{Loop, Sound, Files};
   std::unique_ptr<recorder::Kestrune> Unit;
   bool Closed = false;

@@ -30,7 +30,7 @@ namespace {
 using control::ExitCode;
 
 /// A unit that waits for the radio, or sleeps through a song's delay, answers late.
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::seconds kPatience{45};
 
 constexpr std::array kOptions{
     control::LongOption{"--unit", "U", "talk to unit U (one character); without it, to the single unit"},

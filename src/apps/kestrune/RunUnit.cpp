@@ -19,11 +19,14 @@
 #include "platform/posix/IniSettingsStore.h"
 #include "platform/posix/PosixEnvironment.h"
 #include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixProcesses.h"
 #include "platform/posix/UnitLock.h"
 #include "platform/qt/PortMap.h"
 #include "platform/qt/QtSerialPort.h"
 #include "platform/qt/SignalWatch.h"
+#include "platform/qtdbus/LoginInhibitor.h"
 #include "platform/qtlocal/LocalControlSocket.h"
+#include "platform/qtweb/QtWeb.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
 
@@ -89,6 +92,10 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   platform::PosixFiles files;
   platform::IniSettingsStore settings(environment.SettingsFolder());
   platform::QtSerialPort port(loop, PortsOf(options));
+  platform::SerialEnumerator serialEnumerator;
+  platform::QtWeb web;
+  platform::PosixProcesses processes(loop);
+  platform::LoginInhibitor sleepInhibitor;
   const std::unique_ptr<Face> face = makeFace(loop, environment);
   const SoundInput input = MakeSoundSource(SoundChoice(options));
   if (input.Source == nullptr) {
@@ -105,7 +112,11 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                            .Settings = settings,
                            .Dialogs = face->Dialogs(),
                            .Sounds = face->Sounds(),
-                           .Windows = face->Windows()});
+                           .Windows = face->Windows(),
+                           .SerialEnumerator = serialEnumerator,
+                           .Web = web,
+                           .Processes = processes,
+                           .SleepInhibitor = sleepInhibitor});
   face->Attach(unit);
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(

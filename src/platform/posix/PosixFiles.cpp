@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 #include <dirent.h>
@@ -86,6 +87,13 @@ bool PosixFiles::CreateFolder(std::string_view path) {
   return name && ::mkdir(name->c_str(), 0777) == 0;
 }
 
+std::string PosixFiles::CreatePrivateFolder(std::string_view parent) {
+  auto name = SystemPath(parent);
+  if (!name || name->empty()) return {};
+  *name += "/kestrune-XXXXXX";
+  return ::mkdtemp(name->data()) == nullptr ? std::string() : *name;
+}
+
 bool PosixFiles::RemoveFolder(std::string_view path) {
   const auto name = SystemPath(path);
   return name && ::rmdir(name->c_str()) == 0;
@@ -148,6 +156,17 @@ bool PosixFiles::Append(std::string_view path, std::string_view text) {
   if (!file.IsOpen()) return false;
   const bool written = AppendOnce(file.Number(), text);
   return file.Close() && written;
+}
+
+bool PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
+  const auto name = SystemPath(path);
+  if (!name) return false;
+  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0700));
+  if (!file.IsOpen()) return false;
+  const bool written = WriteAll(file.Number(), bytes);
+  if (file.Close() && written) return true;
+  base::Ignored(::unlink(name->c_str()));
+  return false;
 }
 
 std::unique_ptr<OpenTextFile> PosixFiles::OpenForWriting(std::string_view path) {

@@ -15,6 +15,7 @@ class PosixFiles final : public Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
   [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
   [[nodiscard]] bool RemoveFolder(std::string_view path) override;
   /// A link to a plain file counts as one.
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
@@ -28,6 +29,8 @@ class PosixFiles final : public Files {
   [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
   [[nodiscard]] bool Replace(std::string_view path, std::string_view text) override;
   [[nodiscard]] bool Append(std::string_view path, std::string_view text) override;
+  /// A link of that name counts as a file that was there.
+  [[nodiscard]] bool CreateProgram(std::string_view path, std::string_view bytes) override;
   [[nodiscard]] std::unique_ptr<OpenTextFile> OpenForWriting(std::string_view path) override;
   /// A path that does not exist yet counts as lying in the nearest folder above it that does.
   [[nodiscard]] double FreeBytes(std::string_view path) const override;

@@ -1,8 +1,11 @@
 #include "platform/qt/DeviceHolder.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
 namespace kestrune::platform {
 namespace {
@@ -28,6 +31,13 @@ bool HasOpen(const fs::path& process, const fs::path& device) {
   return false;
 }
 
+std::string NameOf(const fs::path& process) {
+  std::string name;
+  std::ifstream comm(process / "comm");
+  std::getline(comm, name);
+  return name;
+}
+
 }  // namespace
 
 DeviceHolder FindDeviceHolder(const std::string& path) {
@@ -38,12 +48,26 @@ DeviceHolder FindDeviceHolder(const std::string& path) {
        process.increment(error)) {
     const int id = ProcessIdOf(process->path().filename().string());
     if (id == 0 || !HasOpen(process->path(), device)) continue;
-    DeviceHolder holder{id, {}};
-    std::ifstream comm(process->path() / "comm");
-    std::getline(comm, holder.Name);
-    return holder;
+    return {id, NameOf(process->path())};
   }
   return {};
+}
+
+std::vector<std::string> RunningLineServices() {
+  constexpr std::array<std::string_view, 3> kServices{"ModemManager", "brltty", "gpsd"};
+  std::vector<std::string> running;
+  std::error_code error;
+  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
+       process.increment(error)) {
+    if (ProcessIdOf(process->path().filename().string()) == 0) continue;
+    std::string name = NameOf(process->path());
+    const bool counts = std::find(kServices.begin(), kServices.end(), name) != kServices.end();
+    if (counts && std::find(running.begin(), running.end(), name) == running.end()) {
+      running.push_back(std::move(name));
+    }
+  }
+  std::sort(running.begin(), running.end());
+  return running;
 }
 
 }  // namespace kestrune::platform

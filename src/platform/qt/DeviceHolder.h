@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace kestrune::platform {
 
@@ -12,5 +13,9 @@ struct DeviceHolder {
 
 /// Looks through the open files of all processes that this user may see. `path` may be a link to the device.
 [[nodiscard]] DeviceHolder FindDeviceHolder(const std::string& path);
+
+/// The names of those services that look into every serial line they find and that run now. They belong to the
+/// system, so that an ordinary user sees them run but not what they hold.
+[[nodiscard]] std::vector<std::string> RunningLineServices();
 
 }  // namespace kestrune::platform

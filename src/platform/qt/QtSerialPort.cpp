@@ -132,7 +132,8 @@ std::string QtSerialPort::Open() {
   port_.setPortName(QString::fromStdString(device));
   if (!TakeSettings()) return fmt::format("The line settings \"{}\" cannot be used.", settings_);
   if (!port_.open(QIODevice::ReadWrite)) {
-    return fmt::format("{} cannot be opened: {}.", device, port_.errorString().toStdString());
+    return fmt::format("{} cannot be opened: {}.{}", device, port_.errorString().toStdString(),
+                       WhoMayHoldSerialDevice());
   }
   dead_ = false;
   hangUpCheck_->SetEnabled(true);

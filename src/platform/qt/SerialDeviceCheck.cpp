@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -76,6 +77,13 @@ std::string WhySerialDeviceCannotOpen(const std::string& path) {
   }
   return fmt::format("{} is in use by {} (process {}). Close that program first.", path, holder.Name,
                      holder.ProcessId);
+}
+
+std::string WhoMayHoldSerialDevice() {
+  const std::vector<std::string> services = RunningLineServices();
+  if (services.empty()) return {};
+  return fmt::format(" {} {} here, and may hold it; docs/headless.md tells how to keep such services away.",
+                     fmt::join(services, " and "), services.size() == 1 ? "runs" : "run");
 }
 
 }  // namespace kestrune::platform

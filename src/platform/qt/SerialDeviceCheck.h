@@ -8,4 +8,8 @@ namespace kestrune::platform {
 /// if nothing is known to. Opens nothing, so that no modem line moves.
 [[nodiscard]] std::string WhySerialDeviceCannotOpen(const std::string& path);
 
+/// A sentence with a blank before it that names the services of the system that may hold a serial line unseen; empty
+/// if none of them runs.
+[[nodiscard]] std::string WhoMayHoldSerialDevice();
+
 }  // namespace kestrune::platform

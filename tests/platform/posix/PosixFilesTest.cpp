@@ -225,6 +225,37 @@ TEST_F(PosixFilesTest, FreeBytesAreThoseOfTheVolumeAlsoForAPathToBeMade) {
   EXPECT_EQ(files.FreeBytes(""), -1);
 }
 
+TEST_F(PosixFilesTest, APrivateFolderIsNewEachTimeAndClosedToOthers) {
+  const std::string one = files.CreatePrivateFolder(folder.Path());
+  const std::string two = files.CreatePrivateFolder(folder.Path());
+  EXPECT_TRUE(one.starts_with(folder.Path() + "/")) << one;
+  EXPECT_NE(one, two);
+  EXPECT_EQ(FileMode(one), 0700U);
+  EXPECT_TRUE(std::filesystem::is_directory(one));
+  EXPECT_EQ(files.CreatePrivateFolder(folder / "none"), "");
+  EXPECT_EQ(files.CreatePrivateFolder(""), "");
+}
+
+TEST_F(PosixFilesTest, AProgramIsMadeForItsUserAlone) {
+  EXPECT_TRUE(files.CreateProgram(folder / "program", std::string("a\0b", 3)));
+  EXPECT_EQ(FileText(folder / "program"), std::string("a\0b", 3));
+  EXPECT_EQ(FileMode(folder / "program"), 0700U);
+  EXPECT_TRUE(files.CreateProgram(folder / "empty", ""));
+}
+
+TEST_F(PosixFilesTest, AProgramNeverTakesANameThatIsThere) {
+  PutFile(folder / "file", "old");
+  std::filesystem::create_symlink(folder / "target", folder / "link");
+  std::filesystem::create_directory(folder / "folder");
+  EXPECT_FALSE(files.CreateProgram(folder / "file", "new"));
+  EXPECT_FALSE(files.CreateProgram(folder / "link", "new"));
+  EXPECT_FALSE(files.CreateProgram(folder / "folder", "new"));
+  EXPECT_FALSE(files.CreateProgram(folder / "folder/", "new"));
+  EXPECT_FALSE(files.CreateProgram(folder / "folder/..", "new"));
+  EXPECT_EQ(FileText(folder / "file"), "old");
+  EXPECT_FALSE(files.Exists(folder / "target"));
+}
+
 TEST_F(PosixFilesTest, NamesOf255BytesWorkAndLongerOnesFail) {
   const std::string longest = folder / std::string(255, 'n');
   const std::string tooLong = folder / std::string(256, 'n');
@@ -300,6 +331,11 @@ TEST_F(FullDiskTest, AFailedWriteLeavesThingsAsTheyWere) {
   const auto trace = files.OpenForWriting(folder / "trace");
   ASSERT_NE(trace, nullptr);
   EXPECT_FALSE(trace->WriteLine(large));
+}
+
+TEST_F(FullDiskTest, AProgramThatDoesNotFitLeavesNothing) {
+  EXPECT_FALSE(files.CreateProgram(folder / "program", std::string(20000, 'y')));
+  EXPECT_FALSE(files.Exists(folder / "program"));
 }
 
 TEST_F(FullDiskTest, WorksAgainOnceThereIsRoom) {

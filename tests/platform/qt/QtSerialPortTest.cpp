@@ -1,3 +1,4 @@
+#include <csignal>
 #include <memory>
 
 #include <fcntl.h>
@@ -5,7 +6,10 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "PseudoTerminal.h"
@@ -293,6 +297,55 @@ class WithoutPower {
  private:
   bool acting_ = false;
 };
+
+/// A process of this name that keeps a device open for itself while it lives.
+class Service {
+ public:
+  Service(const char* name, const std::string& device) {
+    int ready[2];
+    if (::pipe(&ready[0]) != 0) return;
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::prctl(PR_SET_NAME, name);
+      const int line = ::open(device.c_str(), O_RDWR | O_NOCTTY);
+      ::ioctl(line, TIOCEXCL);
+      static_cast<void>(!::write(ready[1], "x", 1));
+      for (;;) ::pause();
+    }
+    char sign = 0;
+    static_cast<void>(!::read(ready[0], &sign, 1));
+    ::close(ready[0]);
+    ::close(ready[1]);
+  }
+  ~Service() {
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+  Service(const Service&) = delete;
+  Service& operator=(const Service&) = delete;
+  [[nodiscard]] pid_t Process() const { return process_; }
+
+ private:
+  pid_t process_ = -1;
+};
+
+TEST_F(QtSerialPortTest, AServiceThatHoldsTheDeviceIsNamed) {
+  const Service modems("ModemManager", Far.Path());
+  EXPECT_EQ(Port->Open(), Far.Path() + " is in use by ModemManager (process " +
+                              std::to_string(modems.Process()) + "). Close that program first.");
+}
+
+TEST_F(QtSerialPortTest, AServiceOfTheSystemThatMayHoldTheDeviceUnseenIsNamed) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can have what an ordinary user cannot see";
+  ASSERT_EQ(::chmod(Far.Path().c_str(), 0666), 0);
+  const Service braille("brltty", Far.Path());
+  const WithoutPower nobody;
+  const std::string reason = Port->Open();
+  EXPECT_THAT(reason, StartsWith(Far.Path() + " cannot be opened: "));
+  EXPECT_THAT(reason, testing::HasSubstr("brltty"));
+  EXPECT_THAT(reason, testing::EndsWith(
+                          " here, and may hold it; docs/headless.md tells how to keep such services away."));
+}
 
 TEST_F(QtSerialPortTest, AMissingPermissionNamesTheGroupToJoin) {
   const group* const dialout = ::getgrnam("dialout");

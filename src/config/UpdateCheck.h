@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/EventLoop.h"
+#include "base/RunState.h"
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "platform/Web.h"
+
+namespace kestrune::config {
+
+/// What CheckNewVersion found.
+inline constexpr std::int16_t kUpToDate = 0;
+inline constexpr std::int16_t kNewerVersion = 1;
+inline constexpr std::int16_t kNotRetrieved = 2;
+
+/// Asks the maker's server for the latest version, and fetches its installer. Both serve events while they wait,
+/// and wait no more once the program closes. Failures are seen in what comes out, and nowhere else.
+class UpdateCheck {
+ public:
+  UpdateCheck(platform::Web& web, platform::Files& files, const platform::Environment& environment,
+              base::EventLoop& loop, const base::RunState& run);
+
+  /// Whether there is a server to ask.
+  [[nodiscard]] bool HasServer() const;
+
+  /// `downloadAddress` is that of the installer if there is a newer version, else empty.
+  void CheckNewVersion(std::string& downloadAddress, std::int16_t& result) const;
+  /// Downloads a file into a new folder that is closed to other users, inside the temporary one. `localFile` is
+  /// the path it was to have, whether or not it is there; empty if the folder could not be made or the program closes.
+  void UpdateEXE(std::string_view downloadAddress, std::string& localFile) const;
+
+ private:
+  [[nodiscard]] std::string FetchVersionFile() const;
+
+  platform::Web& web_;
+  platform::Files& files_;
+  const platform::Environment& environment_;
+  base::EventLoop& loop_;
+  const base::RunState& run_;
+};
+
+}  // namespace kestrune::config

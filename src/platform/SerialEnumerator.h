@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kestrune::platform {
+
+/// What the system's enumerator of serial lines says of mice. This class as it is stands for a system without
+/// such an enumerator, and so for Linux: no driver takes a serial line for a mouse there unless it is told to.
+class SerialEnumerator {
+ public:
+  virtual ~SerialEnumerator() = default;
+
+  /// The answer to the question whether a mouse has been found on a serial line, as text; it contains "No
+  /// matching" if none has. Nothing if there was no answer.
+  [[nodiscard]] virtual std::optional<std::string> MouseStatus() { return "No matching devices found."; }
+  /// Disables the mice found; they stay disabled when the program has ended.
+  virtual void DisableMouse() {}
+};
+
+}  // namespace kestrune::platform

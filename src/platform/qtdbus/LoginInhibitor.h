@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
+#include <QDBusUnixFileDescriptor>
+#include <QString>
+#include <memory>
+
+#include "platform/SleepInhibitor.h"
+
+namespace kestrune::platform {
+
+/// Asks the system's login service (org.freedesktop.login1) to keep the machine awake. Where it may not keep it
+/// from sleeping altogether, it keeps it from sleeping because nobody is at it. The answer is awaited by the
+/// program's loop, never by the caller.
+class LoginInhibitor final : public SleepInhibitor {
+ public:
+  explicit LoginInhibitor(QDBusConnection bus = QDBusConnection::systemBus());
+
+  void Hold(std::string_view why) override;
+  void Release() override;
+
+ private:
+  void Ask(const QString& what);
+  void Answered(const QString& what);
+
+  QDBusConnection bus_;
+  QString why_;
+  bool wanted_ = false;
+  std::unique_ptr<QDBusPendingCallWatcher> asked_;
+  QDBusUnixFileDescriptor lock_;  ///< as long as it is open the machine stays awake
+};
+
+}  // namespace kestrune::platform

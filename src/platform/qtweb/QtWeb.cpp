@@ -1,0 +1,82 @@
+#include "platform/qtweb/QtWeb.h"
+
+#include <QEventLoop>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QUrl>
+#include <memory>
+
+#include "platform/qtweb/QtSocket.h"
+
+namespace kestrune::platform {
+namespace {
+
+constexpr int kMostRedirections = 5;
+constexpr qint64 kReadBuffer = 65536;
+
+QNetworkRequest RequestFor(const QUrl& url, std::chrono::milliseconds silence) {
+  QNetworkRequest request(url);
+  request.setTransferTimeout(static_cast<int>(silence.count()));
+  request.setMaximumRedirectsAllowed(kMostRedirections);
+  request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+  request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+  request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+  request.setHeader(QNetworkRequest::UserAgentHeader, "Kestrune");
+  // The bytes as they lie on the server, so that their number is theirs.
+  request.setRawHeader("Accept-Encoding", "identity");
+  return request;
+}
+
+/// The server has answered, whatever its status says, and its answer has come whole.
+bool IsWhole(const QNetworkReply& reply) {
+  const auto error = reply.error();
+  if (error == QNetworkReply::NoError) return true;
+  const bool hasStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+  // From here on the codes stand for what a server's status says.
+  return hasStatus && error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ProtocolFailure;
+}
+
+}  // namespace
+
+QtWeb::QtWeb(WebLimits limits) : limits_(limits) {}
+
+std::string QtWeb::FetchText(std::string_view address) {
+  return Fetch(address, limits_.Text, limits_.TextSize);
+}
+
+std::string QtWeb::FetchBytes(std::string_view address) {
+  return Fetch(address, limits_.Bytes, limits_.BytesSize);
+}
+
+std::unique_ptr<Socket> QtWeb::MakeSocket() {
+  return std::make_unique<QtSocket>(waits_);
+}
+
+std::string QtWeb::Fetch(std::string_view address, std::chrono::milliseconds limit, std::size_t mostBytes) {
+  const QUrl url(QString::fromUtf8(address.data(), static_cast<qsizetype>(address.size())));
+  const bool ofTheWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+  if (!url.isValid() || !ofTheWeb || waits_.Ended()) return {};
+
+  std::string body;
+  bool tooMuch = false;
+  QEventLoop end;
+  const std::unique_ptr<QNetworkReply> reply(manager_.get(RequestFor(url, limits_.Silence)));
+  reply->setReadBufferSize(kReadBuffer);
+  const auto take = [&] {
+    const QByteArray piece = reply->readAll();
+    if (body.size() + static_cast<std::size_t>(piece.size()) > mostBytes) {
+      tooMuch = true;
+      end.quit();
+      return;
+    }
+    body.append(piece.constData(), static_cast<std::size_t>(piece.size()));
+  };
+  QObject::connect(reply.get(), &QNetworkReply::readyRead, &end, take);
+  QObject::connect(reply.get(), &QNetworkReply::finished, &end, &QEventLoop::quit);
+  waits_.Run(end, limit);
+  if (!tooMuch) take();
+  if (tooMuch || !reply->isFinished() || !IsWhole(*reply)) return {};
+  return body;
+}
+
+}  // namespace kestrune::platform

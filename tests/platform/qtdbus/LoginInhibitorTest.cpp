@@ -1,0 +1,206 @@
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
+#include <QDBusVirtualObject>
+#include <QElapsedTimer>
+#include <QThread>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include "../posix/TemporaryFolder.h"
+#include "platform/qtdbus/LoginInhibitor.h"
+#include "support/ChildProcess.h"
+
+namespace kestrune::test {
+namespace {
+
+using platform::LoginInhibitor;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+QCoreApplication& Application() {
+  static int count = 1;
+  static char name[] = "desktop_bus_test";
+  static char* arguments[] = {name, nullptr};
+  static QCoreApplication application(count, arguments);
+  return application;
+}
+
+bool Until(const std::function<bool()>& condition, int milliseconds = 10000) {
+  QElapsedTimer timer;
+  timer.start();
+  while (!condition()) {
+    if (timer.elapsed() > milliseconds) return false;
+    QCoreApplication::processEvents();
+    QThread::msleep(2);
+  }
+  return true;
+}
+
+/// The login service, as far as it hands out locks: each is one end of a pipe, and the other end tells when it has
+/// been let go.
+class FakeLogin final : public QDBusVirtualObject {
+ public:
+  explicit FakeLogin(const QString& address)
+      : bus_(QDBusConnection::connectToBus(address, QStringLiteral("login"))) {
+    EXPECT_TRUE(bus_.registerVirtualObject(QStringLiteral("/org/freedesktop/login1"), this));
+    EXPECT_TRUE(bus_.registerService(QStringLiteral("org.freedesktop.login1")));
+  }
+  ~FakeLogin() override {
+    for (const int lock : locks_) ::close(lock);
+    QDBusConnection::disconnectFromBus(QStringLiteral("login"));
+  }
+  FakeLogin(const FakeLogin&) = delete;
+  FakeLogin& operator=(const FakeLogin&) = delete;
+
+  [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    if (message.interface() != QLatin1String("org.freedesktop.login1.Manager") ||
+        message.member() != QLatin1String("Inhibit")) {
+      return false;
+    }
+    std::string call;
+    for (const QVariant& argument : message.arguments()) call += argument.toString().toStdString() + "|";
+    Calls.push_back(call);
+    if (message.arguments().value(0).toString().startsWith(QString::fromStdString(Refused)) &&
+        !Refused.empty()) {
+      connection.send(message.createErrorReply(QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"),
+                                               QStringLiteral("not allowed")));
+      return true;
+    }
+    int ends[2];
+    EXPECT_EQ(::pipe2(&ends[0], O_CLOEXEC), 0);
+    locks_.push_back(ends[0]);
+    const QDBusUnixFileDescriptor lock(ends[1]);
+    ::close(ends[1]);
+    connection.send(message.createReply(QVariant::fromValue(lock)));
+    return true;
+  }
+
+  /// Locks that somebody has open.
+  [[nodiscard]] int Held() const {
+    int held = 0;
+    for (const int lock : locks_) {
+      pollfd state{lock, POLLIN, 0};
+      if (::poll(&state, 1, 0) == 0) ++held;
+    }
+    return held;
+  }
+
+  std::vector<std::string> Calls;
+  std::string Refused;  ///< the beginning of what is refused; empty: nothing is
+
+ private:
+  QDBusConnection bus_;
+  std::vector<int> locks_;
+};
+
+class LoginInhibitorTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!ChildProcess::Installed("dbus-daemon")) GTEST_SKIP() << "no message bus here";
+    Application();
+    address_ = "unix:path=" + (folder_ / "bus");
+    daemon_ = ChildProcess({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address_},
+                           {}, folder_ / "output");
+    ASSERT_TRUE(Until([this] { return Connect().isConnected(); })) << FileText(folder_ / "output");
+  }
+  void TearDown() override { QDBusConnection::disconnectFromBus(QStringLiteral("client")); }
+
+  [[nodiscard]] QString Address() const { return QString::fromStdString(address_); }
+  [[nodiscard]] QDBusConnection Connect() const {
+    QDBusConnection bus = QDBusConnection::connectToBus(Address(), QStringLiteral("client"));
+    if (!bus.isConnected()) QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+    return bus;
+  }
+
+  TemporaryFolder folder_;
+  std::string address_;
+  ChildProcess daemon_;
+};
+
+TEST_F(LoginInhibitorTest, HoldsALockUntilItIsReleased) {
+  FakeLogin login(Address());
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("Recording from the radio");
+  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  EXPECT_THAT(login.Calls, ElementsAre("sleep:idle|Kestrune|Recording from the radio|block|"));
+  inhibitor.Release();
+  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+}
+
+TEST_F(LoginInhibitorTest, HoldingTwiceIsHoldingOnce) {
+  FakeLogin login(Address());
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("a");
+  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  inhibitor.Hold("b");
+  EXPECT_FALSE(Until([&] { return login.Calls.size() != 1; }, 200));
+  inhibitor.Release();
+  inhibitor.Hold("c");
+  EXPECT_TRUE(Until([&] { return login.Calls.size() == 2; }));
+}
+
+TEST_F(LoginInhibitorTest, TheEndOfTheProgramReleasesToo) {
+  FakeLogin login(Address());
+  {
+    LoginInhibitor inhibitor(Connect());
+    inhibitor.Hold("a");
+    ASSERT_TRUE(Until([&] { return login.Held() == 1; }));
+  }
+  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+}
+
+TEST_F(LoginInhibitorTest, WhoMayNotForbidSleepForbidsIdleness) {
+  FakeLogin login(Address());
+  login.Refused = "sleep";
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("a");
+  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  EXPECT_THAT(login.Calls, ElementsAre("sleep:idle|Kestrune|a|block|", "idle|Kestrune|a|block|"));
+}
+
+TEST_F(LoginInhibitorTest, ARefusalIsTakenAndNotRepeated) {
+  FakeLogin login(Address());
+  login.Refused = "";
+  login.Refused = "sleep:idle";
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("a");
+  EXPECT_TRUE(Until([&] { return login.Calls.size() == 2; }));
+  EXPECT_FALSE(Until([&] { return login.Calls.size() > 2; }, 200));
+}
+
+TEST_F(LoginInhibitorTest, AReleaseBeforeTheAnswerLeavesNoLock) {
+  FakeLogin login(Address());
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("a");
+  inhibitor.Release();
+  EXPECT_TRUE(Until([&] { return login.Calls.size() == 1; }));
+  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+}
+
+TEST_F(LoginInhibitorTest, WithoutTheServiceHoldingDoesNothing) {
+  LoginInhibitor inhibitor(Connect());
+  inhibitor.Hold("a");
+  EXPECT_FALSE(Until([] { return false; }, 200));
+  inhibitor.Release();
+}
+
+TEST_F(LoginInhibitorTest, WithoutABusHoldingDoesNothing) {
+  LoginInhibitor inhibitor(
+      QDBusConnection::connectToBus(QStringLiteral("unix:path=/nowhere/bus"), QStringLiteral("none")));
+  inhibitor.Hold("a");
+  inhibitor.Release();
+  QDBusConnection::disconnectFromBus(QStringLiteral("none"));
+}
+
+}  // namespace
+}  // namespace kestrune::test

@@ -1,0 +1,210 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/UnitRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::MessageAnswer;
+using platform::MessageButtons;
+using platform::MessageIcon;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+class UpdateCommandTest : public ::testing::Test {
+ protected:
+  UpdateCommandTest() {
+    rig.Environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "https://h/NewVersion.txt";
+    rig.Environment.Variables["KESTRUNE_WEB_SITE"] = "https://site.invalid";
+  }
+  /// A newer version, and a user who wants it.
+  void OfferUpdate() {
+    rig.Web.Text = "003.000.030\nhttp://h/My Setup.bin\n";
+    rig.Web.Bytes = "installer";
+    rig.Dialogs.Answer = MessageAnswer::Yes;
+  }
+  [[nodiscard]] const platform::Message& OnlyMessage() {
+    EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
+    return rig.Dialogs.Shown.front();
+  }
+
+  UnitRig rig;
+};
+
+TEST_F(UpdateCommandTest, UpToDateIsTold) {
+  rig.StartIdle();
+  rig.Web.Text = "003.000.029";
+  rig->mnuCheckUpdate();
+  EXPECT_EQ(OnlyMessage().Text, "You are running the current, most up-to-date version of Kestrune.");
+  EXPECT_EQ(OnlyMessage().Title, "Current Version");
+  EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
+  EXPECT_EQ(OnlyMessage().Buttons, MessageButtons::Ok);
+}
+
+TEST_F(UpdateCommandTest, AVersionThatCannotBeRetrievedIsTold) {
+  rig.StartIdle();
+  rig->mnuCheckUpdate();
+  EXPECT_EQ(OnlyMessage().Text, "Unable to retrieve current version number from the web.");
+  EXPECT_EQ(OnlyMessage().Title, "Error");
+  EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
+  EXPECT_EQ(OnlyMessage().Buttons, MessageButtons::Ok);
+}
+
+TEST_F(UpdateCommandTest, ANewerVersionIsAskedAboutAndNoChangesNothing) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Dialogs.Answer = MessageAnswer::No;
+  rig->cmdRecord();
+  rig->mnuCheckUpdate();
+  EXPECT_EQ(OnlyMessage().Text,
+            "There is an updated version of Kestrune available. Do you want to install it?");
+  EXPECT_EQ(OnlyMessage().Title, "New Version Available");
+  EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
+  EXPECT_EQ(OnlyMessage().Buttons, MessageButtons::YesNo);
+  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_THAT(rig.Web.Calls, Not(Contains("FetchBytes http://h/My Setup.bin")));
+  EXPECT_THAT(rig.Processes.Calls, IsEmpty());
+}
+
+TEST_F(UpdateCommandTest, YesStopsRecordingDownloadsRunsAndCloses) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig->cmdRecord();
+  bool recordingAtDownload = true;
+  rig.Processes.During = [&] { recordingAtDownload = rig->Recording().RecordRequested; };
+  rig->mnuCheckUpdate();
+  EXPECT_FALSE(recordingAtDownload);
+  EXPECT_EQ(rig.Files.Text("/tmp/private1/My Setup.bin"), "installer");
+  EXPECT_THAT(rig.Processes.Calls,
+              ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "wait 4711 0", "stop waiting"));
+  EXPECT_TRUE(rig->Run().ShuttingDown);
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 1min));
+}
+
+TEST_F(UpdateCommandTest, TheWindowOfTheDownloadIsOpenWhileItLasts) {
+  rig.StartIdle();
+  OfferUpdate();
+  bool openWithin = false;
+  int barWithin = 0;
+  rig.Web.During = [&] {
+    rig.Loop.Run(50ms);
+    openWithin = rig->UpdatingWindow().Visible;
+    barWithin = rig->UpdatingWindow().pbrDownload;
+  };
+  rig->mnuCheckUpdate();
+  EXPECT_TRUE(openWithin);
+  EXPECT_EQ(barWithin, 10);
+  EXPECT_FALSE(rig->UpdatingWindow().Visible);
+}
+
+TEST_F(UpdateCommandTest, AFailedDownloadIsRunAsAnEmptyFileAndTheProgramCloses) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Web.Bytes.clear();
+  rig.Processes.Starts = false;
+  rig->mnuCheckUpdate();
+  EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "stop waiting"));
+  EXPECT_TRUE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, WithoutAPlaceForTheFileTheUserIsSentToTheWebSite) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Files.MakeUnwritable("/tmp");
+  rig->mnuCheckUpdate();
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 2U);
+  EXPECT_EQ(rig.Dialogs.Shown[1].Title, "Download Error");
+  EXPECT_EQ(rig.Dialogs.Shown[1].Text,
+            "An error occurred downloading the update.\nPlease visit Kestrune at https://site.invalid");
+  EXPECT_EQ(rig.Dialogs.Shown[1].Icon, MessageIcon::None);
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, AFileThatIsNotThereIsPassedOver) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Files.FailNext(FileOperation::CreateProgram);
+  rig->mnuCheckUpdate();
+  EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_THAT(rig.Processes.Calls, IsEmpty());
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, AVersionWithoutAnAddressInstallsNothing) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Web.Text = "003.000.030";
+  rig->mnuCheckUpdate();
+  EXPECT_THAT(rig.Processes.Calls, IsEmpty());
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, WithoutANetworkEveryStartEndsWithTheErrorBox) {
+  rig.Set("CheckUpdatesAtStartup", "True");
+  rig.Start();
+  EXPECT_EQ(OnlyMessage().Text, "Unable to retrieve current version number from the web.");
+}
+
+TEST_F(UpdateCommandTest, AStartWithAServerThatHasNothingNewSaysSoToo) {
+  rig.Set("CheckUpdatesAtStartup", "True");
+  rig.Web.Text = "003.000.029";
+  rig.Start();
+  EXPECT_EQ(OnlyMessage().Title, "Current Version");
+}
+
+TEST_F(UpdateCommandTest, AStartThatIsNotToCheckAsksNobody) {
+  rig.Start();
+  EXPECT_THAT(rig.Web.Calls, IsEmpty());
+}
+
+TEST_F(UpdateCommandTest, OneCheckAtATime) {
+  rig.StartIdle();
+  rig.Web.Text = "003.000.029";
+  bool refused = false;
+  rig.Web.During = [&] {
+    rig->mnuCheckUpdate();
+    refused = !rig->AskForUpdate();
+  };
+  rig->mnuCheckUpdate();
+  EXPECT_TRUE(refused);
+  EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_THAT(rig.Web.Calls, ElementsAre("FetchText https://h/NewVersion.txt"));
+}
+
+TEST_F(UpdateCommandTest, AskingAloneTellsTheUserNothing) {
+  rig.StartIdle();
+  OfferUpdate();
+  const auto answer = rig->AskForUpdate();
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(answer->Result, 1);
+  EXPECT_EQ(answer->DownloadAddress, "http://h/My Setup.bin");
+  EXPECT_THAT(rig.Dialogs.Shown, IsEmpty());
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, ACloseWithinTheCheckEndsItWithoutAWord) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Web.During = [&] { rig->Close(); };
+  rig->mnuCheckUpdate();
+  EXPECT_THAT(rig.Dialogs.Shown, IsEmpty());
+  EXPECT_THAT(rig.Web.Calls, ElementsAre("FetchText https://h/NewVersion.txt", "StopWaiting"));
+}
+
+TEST_F(UpdateCommandTest, ACloseWithinTheDownloadRunsNothing) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Web.During = [&] {
+    if (rig->UpdatingWindow().Visible) rig->Close();
+  };
+  rig->mnuCheckUpdate();
+  EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_THAT(rig.Processes.Calls, ElementsAre("stop waiting"));
+}
+
+}  // namespace
+}  // namespace kestrune::test
