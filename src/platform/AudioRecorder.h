@@ -30,6 +30,8 @@ class AudioRecorder {
   [[nodiscard]] virtual bool DeviceUsable() = 0;
   /// Name of the selected device, empty if there is none.
   [[nodiscard]] virtual std::string DeviceName() = 0;
+  /// The same device for other parts of the sound system, as the mixer; empty if there is none.
+  [[nodiscard]] virtual std::string DeviceId() = 0;
 
   virtual void SetAgcEnabled(bool enabled) = 0;
   virtual void SetAgcAttackTime(std::int16_t milliseconds) = 0;

@@ -33,6 +33,8 @@ Kestrune::Kestrune(const Outside& outside)
       channels_(radioState_, run_, session_, outside.Files, outside.Loop, log_, *this),
       modes_(schedule_, settings_, window_),
       restrictions_(outside.Files, outside.Environment),
+      restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs),
+      grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment),
       fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
                  [this] { return ScheduledBitRate(); }),
       capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
@@ -99,6 +101,12 @@ void Kestrune::ReadInputDeviceName() {
   if (audio_.AudioRecord == nullptr) return;
   audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
   inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";
+}
+
+std::string Kestrune::InputDeviceId() {
+  if (audio_.AudioRecord == nullptr) return {};
+  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  return audio_.AudioRecord->DeviceId();
 }
 
 void Kestrune::ShowSettings() {

@@ -29,7 +29,9 @@
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/UpdateCycle.h"
+#include "schedule/GrabKill.h"
 #include "schedule/Log.h"
+#include "schedule/RestrictListEditor.h"
 #include "schedule/Restrictions.h"
 #include "schedule/ScheduleEntry.h"
 #include "schedule/ScheduleState.h"
@@ -68,15 +70,23 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const radio::Channels& ChannelList() const { return channels_; }
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
+  [[nodiscard]] const schedule::Restrictions& Restrictions() const { return restrictions_; }
+  [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
   [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
   [[nodiscard]] const std::string& InputDeviceName() const { return inputDeviceName_; }
+  /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
+  [[nodiscard]] std::string InputDeviceId();
   /// The usable input devices, each as its name, "#", its index and "%".
   [[nodiscard]] const std::string& Devices() const { return deviceList_; }
   /// Null before the load and after the close.
   [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
+
+  // The rules of the windows of the lists.
+  [[nodiscard]] schedule::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
+  [[nodiscard]] schedule::GrabKill& GrabKill() { return grabKill_; }
 
   // What they may do: the same doors for a button, a schedule entry and a command.
   void cmdRecord() { commands_.cmdRecord(); }
@@ -157,6 +167,8 @@ class Kestrune final : private radio::ChannelEvents {
   radio::Channels channels_;
   Modes modes_;
   schedule::Restrictions restrictions_;
+  schedule::RestrictListEditor restrictListEditor_;
+  schedule::GrabKill grabKill_;
   config::FileSpecs fileSpecs_;
   Capture capture_;
   Disposition disposition_;

@@ -21,6 +21,7 @@ class CalledRecorder final : public platform::AudioRecorder {
   void SetDeviceIndex(std::int16_t index) override { Called("device", index); }
   [[nodiscard]] bool DeviceUsable() override { return true; }
   [[nodiscard]] std::string DeviceName() override { return "Line"; }
+  [[nodiscard]] std::string DeviceId() override { return "line"; }
   void SetAgcEnabled(bool enabled) override { Called("agc", enabled ? 1 : 0); }
   void SetAgcAttackTime(std::int16_t milliseconds) override { Called("attack", milliseconds); }
   void SetAgcHighLevel(std::int16_t decibels) override { Called("high", decibels); }

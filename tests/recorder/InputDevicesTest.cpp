@@ -23,6 +23,7 @@ class ListedRecorder final : public platform::AudioRecorder {
   }
   [[nodiscard]] bool DeviceUsable() override { return index_ < devices_.size() && devices_[index_].Usable; }
   [[nodiscard]] std::string DeviceName() override { return devices_.at(index_).Name; }
+  [[nodiscard]] std::string DeviceId() override { return {}; }
   void SetAgcEnabled(bool /*enabled*/) override {}
   void SetAgcAttackTime(std::int16_t /*milliseconds*/) override {}
   void SetAgcHighLevel(std::int16_t /*decibels*/) override {}

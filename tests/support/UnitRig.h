@@ -12,29 +12,12 @@
 #include "support/MemoryFiles.h"
 #include "support/MemorySettingsStore.h"
 #include "support/RecordingCaptureFile.h"
+#include "support/ScriptedDialogs.h"
 #include "support/SimulatedEventLoop.h"
 #include "support/SimulatedSoundSource.h"
 #include "support/TestRadio.h"
 
 namespace kestrune::test {
-
-/// Answers as told and keeps what was asked.
-class ScriptedDialogs final : public platform::Dialogs {
- public:
-  [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {
-    Shown.push_back(message);
-    return Answer;
-  }
-  [[nodiscard]] bool AskForAgreement() override {
-    ++AgreementAsked;
-    return Agrees;
-  }
-
-  std::vector<platform::Message> Shown;
-  platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
-  int AgreementAsked = 0;
-  bool Agrees = true;
-};
 
 class CountedSounds final : public platform::Sounds {
  public:

@@ -62,6 +62,11 @@ std::string RingRecorder::DeviceName() {
   return device == nullptr ? std::string() : device->Name;
 }
 
+std::string RingRecorder::DeviceId() {
+  const SoundDevice* device = SelectedDevice();
+  return device == nullptr ? std::string() : device->Id;
+}
+
 std::int32_t RingRecorder::TimeToBytes(std::int32_t milliseconds) const {
   const std::int64_t frames = std::int64_t{milliseconds} * format_.SampleRate / 1000;
   return static_cast<std::int32_t>(frames * format_.Channels *

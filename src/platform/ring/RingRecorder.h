@@ -58,6 +58,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void SetDeviceIndex(std::int16_t index) override { deviceIndex_ = index; }
   [[nodiscard]] bool DeviceUsable() override;
   [[nodiscard]] std::string DeviceName() override;
+  [[nodiscard]] std::string DeviceId() override;
 
   void SetAgcEnabled(bool enabled) override { gainControl_.SetEnabled(enabled); }
   void SetAgcAttackTime(std::int16_t milliseconds) override { gainControl_.SetAttackTime(milliseconds); }

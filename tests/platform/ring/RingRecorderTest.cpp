@@ -276,6 +276,7 @@ TEST_F(RingRecorderTest, AnIndexPastTheLastDeviceIsUnusableAndNameless) {
     Recorder->SetDeviceIndex(index);
     EXPECT_FALSE(Recorder->DeviceUsable());
     EXPECT_EQ(Recorder->DeviceName(), "");
+    EXPECT_EQ(Recorder->DeviceId(), "");
     EXPECT_EQ(Start(), RingRecorder::kNoSuchDevice);
   }
   Recorder->SetDeviceIndex(0);
@@ -292,6 +293,7 @@ TEST_F(RingRecorderTest, TheMapperBehindTheListIsTheFirstUsableDevice) {
   Recorder->SetDeviceIndex(2);
   EXPECT_TRUE(Recorder->DeviceUsable());
   EXPECT_EQ(Recorder->DeviceName(), "Sound Mapper");
+  EXPECT_EQ(Recorder->DeviceId(), "b");
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   EXPECT_EQ(Source.OpenId(), "b");
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QDialog>
+
+#include "schedule/GrabKill.h"
+
+namespace kestrune::windows {
+
+/// The question of the quick addition. Shown blocking, by exec(); closed without a button it answers nothing.
+class frmGrabKill final : public QDialog {
+ public:
+  /// Shows the question as it stands in the rules, which must outlive the window.
+  explicit frmGrabKill(schedule::GrabKill& rules, QWidget* parent = nullptr);
+};
+
+}  // namespace kestrune::windows
