@@ -39,6 +39,13 @@ class ControlTarget {
   [[nodiscard]] virtual std::vector<std::string> LogLines(std::size_t atMost) = 0;
   [[nodiscard]] virtual SettingResult Get(std::string_view key) = 0;
   [[nodiscard]] virtual CommandResult Set(std::string_view key, std::string_view value) = 0;
+  /// All ten entries, in their order.
+  [[nodiscard]] virtual std::vector<ScheduleReport> Schedule() = 0;
+  /// The scheduler's doors; entries are numbered 1 to 10. A refusal that the scheduler has words for comes with
+  /// those words.
+  [[nodiscard]] virtual CommandResult SetSchedule(const ScheduleChange& change) = 0;
+  [[nodiscard]] virtual CommandResult EnableSchedule(int number, bool enabled) = 0;
+  [[nodiscard]] virtual CommandResult ClearSchedule(int number) = 0;
   /// Asks for the end of the program; the end itself comes after the call has returned, so that the reply
   /// still goes out.
   [[nodiscard]] virtual CommandResult Quit() = 0;

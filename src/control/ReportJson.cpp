@@ -52,6 +52,25 @@ void ForEachChannelMember(Report& report, Visitor&& visit) {
   visit("song", report.Song);
 }
 
+template <typename Report, typename Visitor>
+void ForEachScheduleMember(Report& report, Visitor&& visit) {
+  visit("number", report.Number);
+  visit("enabled", report.Enabled);
+  visit("on", report.On);
+  visit("at", report.At);
+  visit("minutes", report.Minutes);
+  visit("channel", report.Channel);
+  visit("station", report.Station);
+  visit("integrel", report.Integrel);
+  visit("cleftune", report.Cleftune);
+  visit("grab", report.Grab);
+  visit("kill", report.Kill);
+  visit("bitrate", report.BitRate);
+  visit("nextRun", report.NextRun);
+  visit("running", report.Running);
+  visit("secondsLeft", report.SecondsLeft);
+}
+
 /// Puts each member into an object.
 struct Writer {
   Json Object = Json::object();
@@ -119,6 +138,16 @@ Json ToJson(const std::vector<ChannelReport>& channels) {
   return rows;
 }
 
+Json ToJson(const std::vector<ScheduleReport>& entries) {
+  Json rows = Json::array();
+  for (const ScheduleReport& entry : entries) {
+    Writer writer;
+    ForEachScheduleMember(entry, writer);
+    rows.push_back(std::move(writer.Object));
+  }
+  return rows;
+}
+
 std::optional<StatusReport> StatusFromJson(const Json& json) {
   StatusReport report;
   if (!json.is_object()) return std::nullopt;
@@ -138,6 +167,18 @@ std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json) {
     if (!reader.Complete) return std::nullopt;
   }
   return channels;
+}
+
+std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json) {
+  if (!json.is_array()) return std::nullopt;
+  std::vector<ScheduleReport> entries;
+  for (const Json& row : json) {
+    if (!row.is_object()) return std::nullopt;
+    Reader reader{row};
+    ForEachScheduleMember(entries.emplace_back(), reader);
+    if (!reader.Complete) return std::nullopt;
+  }
+  return entries;
 }
 
 }  // namespace kestrune::control

@@ -15,8 +15,11 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json ToJson(const StatusReport& report);
 [[nodiscard]] Json ToJson(const std::vector<ChannelReport>& channels);
 
+[[nodiscard]] Json ToJson(const std::vector<ScheduleReport>& entries);
+
 /// Nothing if a member is missing or of another type; members that are unknown here are let by.
 [[nodiscard]] std::optional<StatusReport> StatusFromJson(const Json& json);
 [[nodiscard]] std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json);
+[[nodiscard]] std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json);
 
 }  // namespace kestrune::control

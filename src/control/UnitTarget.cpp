@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "base/Version.h"
+#include "control/ScheduleCommands.h"
 
 namespace kestrune::control {
 namespace {
@@ -134,6 +135,37 @@ CommandResult UnitTarget::Set(std::string_view key, std::string_view value) {
   if (!outcome.Saved)
     return Refused("the new value holds until the end, but the settings could not be written");
   return Done();
+}
+
+std::vector<ScheduleReport> UnitTarget::Schedule() {
+  const radio::ChannelTable& table = unit_.ChannelList().Table();
+  return ReportSchedule(unit_.Entries(), unit_.Schedule(), unit_.Now(), [&table](std::int16_t channel) {
+    const std::int16_t slot = table.ChannelIndex(channel);
+    return slot == 0 ? std::string() : table.At(slot).Station;
+  });
+}
+
+CommandResult UnitTarget::AtTheScheduler(
+    const std::function<std::optional<std::string>(schedule::Scheduler&)>& change) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  schedule::Scheduler scheduler = unit_.OpenScheduler();
+  if (std::optional<std::string> why = change(scheduler)) return Refused(*std::move(why));
+  unit_.ReloadSchedule();
+  return Done();
+}
+
+CommandResult UnitTarget::SetSchedule(const ScheduleChange& change) {
+  return AtTheScheduler(
+      [&](schedule::Scheduler& scheduler) { return SetEntry(scheduler, change, unit_.Now()); });
+}
+
+CommandResult UnitTarget::EnableSchedule(int number, bool enabled) {
+  return AtTheScheduler(
+      [&](schedule::Scheduler& scheduler) { return EnableEntry(scheduler, number, enabled, unit_.Now()); });
+}
+
+CommandResult UnitTarget::ClearSchedule(int number) {
+  return AtTheScheduler([&](schedule::Scheduler& scheduler) { return ClearEntry(scheduler, number); });
 }
 
 CommandResult UnitTarget::Quit() {

@@ -35,6 +35,7 @@
 #include "schedule/Restrictions.h"
 #include "schedule/ScheduleEntry.h"
 #include "schedule/ScheduleState.h"
+#include "schedule/Scheduler.h"
 
 namespace kestrune::recorder {
 
@@ -84,6 +85,8 @@ class Kestrune final : private radio::ChannelEvents {
   /// Null before the load and after the close.
   [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
 
+  [[nodiscard]] base::DateValue Now() const { return outside_.Loop.Now(); }
+
   // The rules of the windows of the lists.
   [[nodiscard]] schedule::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
   [[nodiscard]] schedule::GrabKill& GrabKill() { return grabKill_; }
@@ -98,6 +101,8 @@ class Kestrune final : private radio::ChannelEvents {
   /// Brings the stored entries into the table; the scheduler window's close calls it, saved or not. A change to
   /// the running entry takes effect at the next schedule pass, within 4 seconds.
   void ReloadSchedule();
+  /// The scheduler, newly loaded, its channels as the channels window lists them.
+  [[nodiscard]] schedule::Scheduler OpenScheduler();
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.

@@ -140,6 +140,10 @@ void Scheduler::CalculateDuration(int index) {
   calculating_ = false;
 }
 
+bool Scheduler::IsStored(int index) const {
+  return !ports_.Settings.Read("ScheduleStartDate" + std::to_string(index + 1), {}).empty();
+}
+
 std::optional<std::string> Scheduler::SaveRow(int index) {
   if (auto conflict = WhatConflicts(rows_)) return conflict;
   if (SaveSchedulerRow(ports_.Settings, index + 1, channels_, RowAt(index))) return std::nullopt;

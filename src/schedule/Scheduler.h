@@ -68,6 +68,8 @@ class Scheduler {
   /// Moves the duration of a row after its end, and the end to where that duration leads.
   void CalculateDuration(int index);
 
+  /// Whether the row's entry has ever been saved.
+  [[nodiscard]] bool IsStored(int index) const;
   /// Saves one row if the rows go together. Otherwise nothing is written, and the text is why.
   [[nodiscard]] std::optional<std::string> SaveRow(int index);
 

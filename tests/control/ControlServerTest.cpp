@@ -34,6 +34,10 @@ TEST(ControlServer, EachCommandReachesItsDoor) {
       {R"({"command":"mute","arguments":["off"]})", "Mute false"},
       {R"({"command":"set","arguments":["AGCLowLevel","-10"]})", "Set AGCLowLevel=-10"},
       {R"({"command":"set","arguments":["FileDir",""]})", "Set FileDir="},
+      {R"({"command":"schedule","arguments":["set","3","--at","20:00"]})", "SetSchedule 3"},
+      {R"({"command":"schedule","arguments":["enable","1"]})", "EnableSchedule 1 true"},
+      {R"({"command":"schedule","arguments":["disable","10"]})", "EnableSchedule 10 false"},
+      {R"({"command":"schedule","arguments":["clear","2"]})", "ClearSchedule 2"},
       {R"({"command":"quit"})", "Quit"},
   };
   for (const Road& road : kRoads) {
@@ -96,7 +100,9 @@ TEST(ControlServer, AWrongRequestNeverReachesTheTarget) {
       R"({"command":"quit","command":"quit"})",
       R"({"command":"tune","arguments":[44]})",
       R"({"command":"tune","arguments":["256"]})",
-      R"({"command":"schedule"})",
+      R"({"command":"schedule","arguments":["set","3"]})",
+      R"({"command":"schedule","arguments":["set","3","--at"]})",
+      R"({"command":"schedule set","arguments":["3","--at","20:00"]})",
       R"({"command":"lists"})",
       R"({"command":"QUIT"})",
       std::string(70000, 'x'),

@@ -13,22 +13,10 @@
 #include "schedule/Scheduler.h"
 #include "schedule/SchedulerCalculations.h"
 #include "support/MemorySettingsStore.h"
+#include "support/ScriptedDialogs.h"
 #include "support/SimulatedEventLoop.h"
 
 namespace kestrune::test {
-
-/// Answers as told and keeps what was asked.
-class SchedulerDialogs final : public platform::Dialogs {
- public:
-  [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {
-    Shown.push_back(message);
-    return Answer;
-  }
-  [[nodiscard]] bool AskForAgreement() override { return true; }
-
-  std::vector<platform::Message> Shown;
-  platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
-};
 
 /// What stands around a scheduler: settings in memory, a clock, two channels out of their order.
 struct SchedulerWorld {
@@ -59,7 +47,7 @@ struct SchedulerWorld {
 
   SimulatedEventLoop Loop;
   MemorySettingsStore Store;
-  SchedulerDialogs Dialogs;
+  ScriptedDialogs Dialogs;
   std::vector<schedule::SchedulerChannel> Channels{{.Number = 44, .Station = "Fred"},
                                                    {.Number = 8, .Station = "Neon 80s"}};
   int Reloads = 0;

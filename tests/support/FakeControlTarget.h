@@ -19,6 +19,8 @@ class FakeControlTarget : public control::ControlTarget {
   control::CommandResult NextResult{true, ""};
   control::SettingResult NextSetting{true, "", ""};
   std::vector<std::string> Log;
+  std::vector<control::ScheduleReport> NextSchedule;
+  control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
     Calls.emplace_back("Status");
@@ -44,6 +46,20 @@ class FakeControlTarget : public control::ControlTarget {
   }
   control::CommandResult Set(std::string_view key, std::string_view value) override {
     return Note(fmt::format("Set {}={}", key, value));
+  }
+  std::vector<control::ScheduleReport> Schedule() override {
+    Calls.emplace_back("Schedule");
+    return NextSchedule;
+  }
+  control::CommandResult SetSchedule(const control::ScheduleChange& change) override {
+    Change = change;
+    return Note(fmt::format("SetSchedule {}", change.Number));
+  }
+  control::CommandResult EnableSchedule(int number, bool enabled) override {
+    return Note(fmt::format("EnableSchedule {} {}", number, enabled));
+  }
+  control::CommandResult ClearSchedule(int number) override {
+    return Note(fmt::format("ClearSchedule {}", number));
   }
   control::CommandResult Quit() override { return Note("Quit"); }
 
