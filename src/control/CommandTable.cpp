@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "base/Text.h"
 #include "control/ConsoleText.h"
 #include "control/ScheduleWords.h"
 
@@ -62,6 +63,14 @@ bool IsFor(std::string_view text) {
 bool IsBitRate(std::string_view text) {
   return ReadBitRate(text).has_value();
 }
+constexpr std::array<std::string_view, 4> kListNames{"grab-artist", "grab-song", "kill-artist", "kill-song"};
+
+bool IsListName(std::string_view text) {
+  return std::find(kListNames.begin(), kListNames.end(), text) != kListNames.end();
+}
+bool IsSomething(std::string_view text) {
+  return !base::Trim(text).empty();
+}
 bool IsAnything(std::string_view /*text*/) {
   return true;
 }
@@ -78,6 +87,9 @@ constexpr Argument kKey{"KEY", "the name of a setting: letters, digits and under
 constexpr std::array kGet{kKey};
 constexpr std::array kSet{kKey, Argument{"VALUE", "a text", IsAnything}};
 constexpr std::array kEntry{Argument{"N", "a schedule entry from 1 to 10", IsEntryNumber}};
+constexpr std::array kListEntry{
+    Argument{"LIST", "one of grab-artist, grab-song, kill-artist, kill-song", IsListName},
+    Argument{"TEXT", "a text that is not blank", IsSomething}};
 
 constexpr std::array kScheduleOptions{
     CommandOption{"--on", "DAY", R"("Every Day", "Every Saturday" or a date such as 2026-12-24)", IsOn,
@@ -153,6 +165,20 @@ Reply RunScheduleClear(ControlTarget& target, Arguments arguments) {
   return From(target.ClearSchedule(WholeNumber(arguments[0]).value_or(0)));
 }
 
+schedule::RestrictList ListOf(std::string_view name) {
+  const auto* found = std::find(kListNames.begin(), kListNames.end(), name);
+  return static_cast<schedule::RestrictList>(found - kListNames.begin());
+}
+Reply RunLists(ControlTarget& target, Arguments /*none*/) {
+  return Done(ToJson(target.Lists()));
+}
+Reply RunListsAdd(ControlTarget& target, Arguments arguments) {
+  return From(target.AddToList(ListOf(arguments[0]), arguments[1]));
+}
+Reply RunListsRemove(ControlTarget& target, Arguments arguments) {
+  return From(target.RemoveFromList(ListOf(arguments[0]), arguments[1]));
+}
+
 constexpr std::array kCommands{
     Command{"status", {}, "show what the unit does", RunStatus},
     Command{"channels", {}, "list the channels and what they play", RunChannels},
@@ -168,6 +194,10 @@ constexpr std::array kCommands{
     Command{"schedule enable", kEntry, "let an entry run", RunScheduleEnable},
     Command{"schedule disable", kEntry, "let an entry rest", RunScheduleDisable},
     Command{"schedule clear", kEntry, "empty an entry", RunScheduleClear},
+    Command{"lists", {}, "show the Grab and Kill lists", RunLists},
+    Command{"lists add", kListEntry, "add to a list: grab-artist, grab-song, kill-artist or kill-song",
+            RunListsAdd},
+    Command{"lists remove", kListEntry, "take an entry off a list", RunListsRemove},
     Command{"quit", {}, "end the program", RunQuit},
 };
 

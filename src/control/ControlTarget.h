@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "control/Reports.h"
+#include "schedule/Restrictions.h"
 
 namespace kestrune::control {
 
@@ -46,6 +47,10 @@ class ControlTarget {
   [[nodiscard]] virtual CommandResult SetSchedule(const ScheduleChange& change) = 0;
   [[nodiscard]] virtual CommandResult EnableSchedule(int number, bool enabled) = 0;
   [[nodiscard]] virtual CommandResult ClearSchedule(int number) = 0;
+  [[nodiscard]] virtual ListsReport Lists() = 0;
+  /// One entry more, or less, in the list file; it takes effect at once. The text is not blank.
+  [[nodiscard]] virtual CommandResult AddToList(schedule::RestrictList list, std::string_view text) = 0;
+  [[nodiscard]] virtual CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) = 0;
   /// Asks for the end of the program; the end itself comes after the call has returned, so that the reply
   /// still goes out.
   [[nodiscard]] virtual CommandResult Quit() = 0;

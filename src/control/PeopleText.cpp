@@ -104,6 +104,17 @@ std::string ScheduleText(const std::vector<ScheduleReport>& entries) {
   return Columns(rows);
 }
 
+std::string ListsText(const ListsReport& lists) {
+  const auto listText = [](std::string_view title, const std::vector<std::string>& fragments) {
+    std::string text = fmt::format("{}\n", title);
+    if (fragments.empty()) text += "  none\n";
+    for (const std::string& fragment : fragments) text += "  " + Printable(fragment) + '\n';
+    return text;
+  };
+  return listText("Grab artists", lists.GrabArtists) + listText("Grab songs", lists.GrabSongs) +
+         listText("Kill artists", lists.KillArtists) + listText("Kill songs", lists.KillSongs);
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -128,6 +139,10 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
   if (command == "schedule") {
     const std::optional<std::vector<ScheduleReport>> entries = ScheduleFromJson(result);
     return entries ? std::optional(ScheduleText(*entries)) : std::nullopt;
+  }
+  if (command == "lists") {
+    const std::optional<ListsReport> lists = ListsFromJson(result);
+    return lists ? std::optional(ListsText(*lists)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

@@ -71,6 +71,14 @@ void ForEachScheduleMember(Report& report, Visitor&& visit) {
   visit("secondsLeft", report.SecondsLeft);
 }
 
+template <typename Report, typename Visitor>
+void ForEachList(Report& report, Visitor&& visit) {
+  visit("grabArtists", report.GrabArtists);
+  visit("grabSongs", report.GrabSongs);
+  visit("killArtists", report.KillArtists);
+  visit("killSongs", report.KillSongs);
+}
+
 /// Puts each member into an object.
 struct Writer {
   Json Object = Json::object();
@@ -92,6 +100,15 @@ struct Reader {
       value = member->get_ref<const std::string&>();
     } else {
       Complete = false;
+    }
+  }
+  void operator()(const char* name, std::vector<std::string>& value) {
+    const Json* member = Member(name);
+    Complete = Complete && member != nullptr && member->is_array();
+    if (!Complete) return;
+    for (const Json& text : *member) {
+      Complete = Complete && text.is_string();
+      if (Complete) value.push_back(text.get<std::string>());
     }
   }
   void operator()(const char* name, bool& value) {
@@ -148,6 +165,12 @@ Json ToJson(const std::vector<ScheduleReport>& entries) {
   return rows;
 }
 
+Json ToJson(const ListsReport& lists) {
+  Writer writer;
+  ForEachList(lists, writer);
+  return std::move(writer.Object);
+}
+
 std::optional<StatusReport> StatusFromJson(const Json& json) {
   StatusReport report;
   if (!json.is_object()) return std::nullopt;
@@ -179,6 +202,15 @@ std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json) {
     if (!reader.Complete) return std::nullopt;
   }
   return entries;
+}
+
+std::optional<ListsReport> ListsFromJson(const Json& json) {
+  if (!json.is_object()) return std::nullopt;
+  ListsReport lists;
+  Reader reader{json};
+  ForEachList(lists, reader);
+  if (!reader.Complete) return std::nullopt;
+  return lists;
 }
 
 }  // namespace kestrune::control

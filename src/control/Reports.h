@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/DateValue.h"
 
@@ -68,6 +69,14 @@ struct ScheduleReport {
   std::string NextRun;  ///< such as "2026-12-24 20:00"; empty if it never comes
   bool Running = false;
   int SecondsLeft = 0;  ///< of a running entry
+};
+
+/// The Grab and Kill lists, in the order of the list file.
+struct ListsReport {
+  std::vector<std::string> GrabArtists;
+  std::vector<std::string> GrabSongs;
+  std::vector<std::string> KillArtists;
+  std::vector<std::string> KillSongs;
 };
 
 /// What `schedule set` is to change; what is not given stays.

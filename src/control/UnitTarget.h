@@ -29,6 +29,9 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] CommandResult SetSchedule(const ScheduleChange& change) override;
   [[nodiscard]] CommandResult EnableSchedule(int number, bool enabled) override;
   [[nodiscard]] CommandResult ClearSchedule(int number) override;
+  [[nodiscard]] ListsReport Lists() override;
+  [[nodiscard]] CommandResult AddToList(schedule::RestrictList list, std::string_view text) override;
+  [[nodiscard]] CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override;
   [[nodiscard]] CommandResult Quit() override;
 
  private:

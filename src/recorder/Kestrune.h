@@ -72,6 +72,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
   [[nodiscard]] const schedule::Restrictions& Restrictions() const { return restrictions_; }
+  [[nodiscard]] schedule::Restrictions& Restrictions() { return restrictions_; }
   [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }

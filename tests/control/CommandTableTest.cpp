@@ -15,7 +15,8 @@ TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
   EXPECT_EQ(usages, (std::vector<std::string>{"status", "channels", "record", "stop", "tune N", "mute on|off",
                                               "log [N]", "get KEY", "set KEY VALUE", "schedule",
                                               "schedule set N OPTION...", "schedule enable N",
-                                              "schedule disable N", "schedule clear N", "quit"}));
+                                              "schedule disable N", "schedule clear N", "lists",
+                                              "lists add LIST TEXT", "lists remove LIST TEXT", "quit"}));
 }
 
 /// The request that names a command and gives it nothing else.
@@ -119,9 +120,9 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);
@@ -171,6 +172,25 @@ TEST(CommandTable, EachScheduleWordAtItsEdges) {
                      "2:00",   "--channel", "44",     "--integrel", "on",        "--cleftune", "off",
                      "--grab", "off",       "--kill", "on",         "--bitrate", "128 Stereo"}},
        nullptr},
+  };
+  for (const Case& one : kCases) {
+    const auto wrong = WhatIsWrong(one.Asked);
+    EXPECT_EQ(wrong.value_or("nothing"), one.Wrong == nullptr ? "nothing" : one.Wrong);
+  }
+}
+
+TEST(CommandTable, EachWordOfTheListsAtItsEdges) {
+  const Case kCases[] = {
+      {{"lists", {}}, nullptr},
+      {{"lists", {"clear"}}, R"(lists: "clear" is wrong, expected nothing or one of add, remove)"},
+      {{"lists", {"add", "kill-song", "--"}}, nullptr},
+      {{"lists", {"remove", "grab-artist", "{Blank}"}}, nullptr},
+      {{"lists", {"add", "0", "Moon"}},
+       R"(lists add: "0" is wrong, expected one of grab-artist, grab-song, kill-artist, kill-song; usage: lists add LIST TEXT)"},
+      {{"lists", {"add", "grab-artist"}},
+       "lists add: TEXT is missing, expected a text that is not blank; usage: lists add LIST TEXT"},
+      {{"lists", {"remove", "grab-artist", " "}},
+       R"(lists remove: " " is wrong, expected a text that is not blank; usage: lists remove LIST TEXT)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);

@@ -38,6 +38,10 @@ TEST(ControlServer, EachCommandReachesItsDoor) {
       {R"({"command":"schedule","arguments":["enable","1"]})", "EnableSchedule 1 true"},
       {R"({"command":"schedule","arguments":["disable","10"]})", "EnableSchedule 10 false"},
       {R"({"command":"schedule","arguments":["clear","2"]})", "ClearSchedule 2"},
+      {R"({"command":"lists","arguments":["add","grab-artist","Moon"]})", "AddToList 0 Moon"},
+      {R"({"command":"lists","arguments":["add","grab-song","Moon"]})", "AddToList 1 Moon"},
+      {R"({"command":"lists","arguments":["add","kill-artist","Moon"]})", "AddToList 2 Moon"},
+      {R"({"command":"lists","arguments":["remove","kill-song","Moon"]})", "RemoveFromList 3 Moon"},
       {R"({"command":"quit"})", "Quit"},
   };
   for (const Road& road : kRoads) {
@@ -103,7 +107,8 @@ TEST(ControlServer, AWrongRequestNeverReachesTheTarget) {
       R"({"command":"schedule","arguments":["set","3"]})",
       R"({"command":"schedule","arguments":["set","3","--at"]})",
       R"({"command":"schedule set","arguments":["3","--at","20:00"]})",
-      R"({"command":"lists"})",
+      R"({"command":"lists","arguments":["add","grab","Moon"]})",
+      R"({"command":"lists","arguments":["add","grab-artist","  "]})",
       R"({"command":"QUIT"})",
       std::string(70000, 'x'),
       std::string(50000, '['),

@@ -140,6 +140,17 @@ TEST(PeopleText, TheScheduleStandsInColumns) {
       "   10  Nov 1, 2026      8:00 AM   1:00  144             Grab                      -           off\n");
 }
 
+TEST(PeopleText, TheListsStandUnderTheirNames) {
+  ListsReport lists;
+  lists.GrabArtists = {"Moon", "{Blank}"};
+  lists.KillSongs = {"a\x1B"};
+  EXPECT_EQ(PeopleText("lists", ToJson(lists)),
+            "Grab artists\n  Moon\n  {Blank}\n"
+            "Grab songs\n  none\n"
+            "Kill artists\n  none\n"
+            "Kill songs\n  a\xEF\xBF\xBD\n");
+}
+
 TEST(PeopleText, LogLinesAndValuesStandAsTheyAre) {
   EXPECT_EQ(PeopleText("log", Json::array({"one", "two"})), "one\ntwo\n");
   EXPECT_EQ(PeopleText("log", Json::array()), "");
@@ -152,7 +163,7 @@ TEST(PeopleText, LogLinesAndValuesStandAsTheyAre) {
 
 TEST(PeopleText, ACommandWithoutResultSaysNothing) {
   for (const char* command :
-       {"record", "stop", "tune", "mute", "set", "schedule set", "schedule clear", "quit"}) {
+       {"record", "stop", "tune", "mute", "set", "schedule set", "schedule clear", "lists add", "quit"}) {
     EXPECT_EQ(PeopleText(command, Json()), "") << command;
   }
 }
@@ -161,6 +172,7 @@ TEST(PeopleText, AResultOfAnotherShapeIsNone) {
   EXPECT_FALSE(PeopleText("status", Json::object()));
   EXPECT_FALSE(PeopleText("channels", Json::object()));
   EXPECT_FALSE(PeopleText("schedule", Json()));
+  EXPECT_FALSE(PeopleText("lists", Json()));
   EXPECT_FALSE(PeopleText("schedule set", Json(1)));
   EXPECT_FALSE(PeopleText("log", Json("x")));
   EXPECT_FALSE(PeopleText("log", Json::array({1})));

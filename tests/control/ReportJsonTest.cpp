@@ -119,6 +119,19 @@ TEST(ReportJson, ScheduleMembersHaveTheirNamesAndComeBackAsTheyWent) {
   EXPECT_FALSE(ScheduleFromJson(Json::array({1})));
 }
 
+TEST(ReportJson, TheListsHaveTheirNamesAndComeBackAsTheyWent) {
+  const std::string text =
+      R"({"grabArtists":["Moon","Sun"],"grabSongs":[],"killArtists":["Rain"],"killSongs":["Wind"]})";
+  const auto lists = ListsFromJson(Json::parse(text));
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(ToJson(*lists).dump(), text);
+  for (const char* wrong :
+       {"null", "[]", "{}", R"({"grabArtists":[1],"grabSongs":[],"killArtists":[],"killSongs":[]})",
+        R"({"grabArtists":[],"grabSongs":{},"killArtists":[],"killSongs":[]})"}) {
+    EXPECT_FALSE(ListsFromJson(Json::parse(wrong))) << wrong;
+  }
+}
+
 TEST(ReportJson, NoChannelsAreAnEmptyArray) {
   EXPECT_EQ(ToJson(std::vector<ChannelReport>{}).dump(), "[]");
   EXPECT_TRUE(ChannelsFromJson(Json::parse("[]"))->empty());

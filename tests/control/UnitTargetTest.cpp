@@ -63,5 +63,46 @@ TEST(UnitTarget, NothingIsScheduledBeforeTheStartIsOver) {
   EXPECT_TRUE(asked);
 }
 
+using schedule::RestrictList;
+
+TEST(UnitTarget, WhatIsAddedToAListCountsAtOnceAndIsInTheFile) {
+  UnitRig rig;
+  rig.StartIdle();
+  UnitTarget target(*rig);
+  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, " Moon ").Done);
+  EXPECT_TRUE(target.AddToList(RestrictList::KillSongs, "Rain & Sun").Done);
+  EXPECT_TRUE(rig->Restrictions().IsInGrabList("The Moonlighters", ""));
+  EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moon"});
+  EXPECT_EQ(target.Lists().KillSongs, std::vector<std::string>{"Rain & Sun"});
+  EXPECT_EQ(rig.Files.Read(rig->Restrictions().RestrictionFile()), "0Moon\n3Rain & Sun\n");
+  EXPECT_EQ(target.AddToList(RestrictList::GrabArtists, "moon").Reason, R"("moon" is on the list already)");
+}
+
+TEST(UnitTarget, WhatIsRemovedFromAListIsGoneFromThatListAlone) {
+  UnitRig rig;
+  rig.StartIdle();
+  UnitTarget target(*rig);
+  for (const auto list : {RestrictList::GrabArtists, RestrictList::KillArtists})
+    EXPECT_TRUE(target.AddToList(list, "Moon").Done);
+  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, "Moonlight").Done);
+  EXPECT_TRUE(target.RemoveFromList(RestrictList::GrabArtists, "MOON").Done);
+  EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moonlight"});
+  EXPECT_EQ(target.Lists().KillArtists, std::vector<std::string>{"Moon"});
+  EXPECT_EQ(target.RemoveFromList(RestrictList::GrabArtists, "Moon").Reason, R"("Moon" is not on the list)");
+  rig->RestrictListEditor().Load();
+  EXPECT_EQ(target.RemoveFromList(RestrictList::KillArtists, "Moon").Reason,
+            "the lists are being edited in their window; close it first");
+}
+
+TEST(UnitTarget, AFullListTakesNoMore) {
+  UnitRig rig;
+  rig.StartIdle();
+  UnitTarget target(*rig);
+  for (int row = 0; row < schedule::Restrictions::kMaxRows; ++row)
+    EXPECT_TRUE(rig->GrabKill().Append(RestrictList::GrabSongs, std::to_string(row)));
+  EXPECT_EQ(target.AddToList(RestrictList::GrabSongs, "Moon").Reason, "the list is full");
+  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, "Moon").Done);
+}
+
 }  // namespace
 }  // namespace kestrune::control

@@ -20,6 +20,7 @@ class FakeControlTarget : public control::ControlTarget {
   control::SettingResult NextSetting{true, "", ""};
   std::vector<std::string> Log;
   std::vector<control::ScheduleReport> NextSchedule;
+  control::ListsReport NextLists;
   control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
@@ -60,6 +61,16 @@ class FakeControlTarget : public control::ControlTarget {
   }
   control::CommandResult ClearSchedule(int number) override {
     return Note(fmt::format("ClearSchedule {}", number));
+  }
+  control::ListsReport Lists() override {
+    Calls.emplace_back("Lists");
+    return NextLists;
+  }
+  control::CommandResult AddToList(schedule::RestrictList list, std::string_view text) override {
+    return Note(fmt::format("AddToList {} {}", static_cast<int>(list), text));
+  }
+  control::CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override {
+    return Note(fmt::format("RemoveFromList {} {}", static_cast<int>(list), text));
   }
   control::CommandResult Quit() override { return Note("Quit"); }
 
