@@ -21,6 +21,10 @@ DateValue Midnight(DateValue date) {
 DateSelect::DateSelect(const base::EventLoop& loop, DateValue& selDate)
     : loop_(loop), selDate_(selDate), calendar_(Midnight(std::max(selDate, loop.Now()))) {}
 
+DateValue DateSelect::Today() const {
+  return Midnight(loop_.Now());
+}
+
 void DateSelect::MoveCalendar(DateValue date) {
   calendar_ = Midnight(date);
 }

@@ -15,6 +15,7 @@ class DateSelect {
 
   /// The day that the calendar shows and has selected, at midnight.
   [[nodiscard]] base::DateValue Calendar() const { return calendar_; }
+  [[nodiscard]] base::DateValue Today() const;
   /// The user has moved the calendar's selection, without choosing yet.
   void MoveCalendar(base::DateValue date);
   /// By one calendar month; a day that the month does not have becomes its last.
