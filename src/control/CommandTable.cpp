@@ -6,10 +6,14 @@
 #include <cstddef>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include "base/Text.h"
 #include "control/ConsoleText.h"
+#include "control/ScheduleWords.h"
 
 namespace kestrune::control {
 namespace {
@@ -20,6 +24,7 @@ constexpr std::size_t kLongestKey = 64;
 constexpr std::size_t kUsualLogLines = 20;
 constexpr int kMostLogLines = 5000;
 constexpr int kLastChannel = 255;
+constexpr int kScheduleEntries = 10;
 
 std::optional<int> WholeNumber(std::string_view text) {
   int number = 0;
@@ -43,6 +48,29 @@ bool IsLineCount(std::string_view text) {
 bool IsSwitch(std::string_view text) {
   return text == "on" || text == "off";
 }
+bool IsEntryNumber(std::string_view text) {
+  return IsWithin(text, 1, kScheduleEntries);
+}
+bool IsOn(std::string_view text) {
+  return ReadOn(text).has_value();
+}
+bool IsAt(std::string_view text) {
+  return ReadAt(text).has_value();
+}
+bool IsFor(std::string_view text) {
+  return ReadFor(text).has_value();
+}
+bool IsBitRate(std::string_view text) {
+  return ReadBitRate(text).has_value();
+}
+constexpr std::array<std::string_view, 4> kListNames{"grab-artist", "grab-song", "kill-artist", "kill-song"};
+
+bool IsListName(std::string_view text) {
+  return std::find(kListNames.begin(), kListNames.end(), text) != kListNames.end();
+}
+bool IsSomething(std::string_view text) {
+  return !base::Trim(text).empty();
+}
 bool IsAnything(std::string_view /*text*/) {
   return true;
 }
@@ -58,6 +86,24 @@ constexpr std::array kLog{Argument{"N", "a number of lines from 1 to 5000", IsLi
 constexpr Argument kKey{"KEY", "the name of a setting: letters, digits and underscores", IsKey};
 constexpr std::array kGet{kKey};
 constexpr std::array kSet{kKey, Argument{"VALUE", "a text", IsAnything}};
+constexpr std::array kEntry{Argument{"N", "a schedule entry from 1 to 10", IsEntryNumber}};
+constexpr std::array kListEntry{
+    Argument{"LIST", "one of grab-artist, grab-song, kill-artist, kill-song", IsListName},
+    Argument{"TEXT", "a text that is not blank", IsSomething}};
+
+constexpr std::array kScheduleOptions{
+    CommandOption{"--on", "DAY", R"("Every Day", "Every Saturday" or a date such as 2026-12-24)", IsOn,
+                  "when it runs: \"Every Day\", \"Every Saturday\" or a date"},
+    CommandOption{"--at", "TIME", R"(a time such as "8:00 PM" or 20:00)", IsAt, "the time of its start"},
+    CommandOption{"--for", "H:MM", "a length from 0:01 to 47:59", IsFor, "how long it runs"},
+    CommandOption{"--channel", "N", "a channel number from 1 to 255", IsChannelNumber, "what it records"},
+    CommandOption{"--integrel", "on|off", "on or off", IsSwitch, "whole songs only"},
+    CommandOption{"--cleftune", "on|off", "on or off", IsSwitch, "one file a song"},
+    CommandOption{"--grab", "on|off", "on or off", IsSwitch, "nothing but what is on the Grab lists"},
+    CommandOption{"--kill", "on|off", "on or off", IsSwitch, "nothing that is on the Kill lists"},
+    CommandOption{"--bitrate", "RATE", R"(a bit rate such as "128 Stereo" or "64 Mono")", IsBitRate,
+                  "of MP3 files, such as \"128 Stereo\""},
+};
 
 Reply Done(Json result = nullptr) {
   return {ExitCode::Done, {}, std::move(result)};
@@ -108,6 +154,36 @@ Reply RunUpdate(ControlTarget& target, Arguments /*none*/) {
   return Done(ToJson(update.Report));
 }
 
+Reply RunSchedule(ControlTarget& target, Arguments /*none*/) {
+  return Done(ToJson(target.Schedule()));
+}
+Reply RunScheduleSet(ControlTarget& target, Arguments arguments) {
+  return From(target.SetSchedule(ReadScheduleChange(arguments)));
+}
+Reply RunScheduleEnable(ControlTarget& target, Arguments arguments) {
+  return From(target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), true));
+}
+Reply RunScheduleDisable(ControlTarget& target, Arguments arguments) {
+  return From(target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), false));
+}
+Reply RunScheduleClear(ControlTarget& target, Arguments arguments) {
+  return From(target.ClearSchedule(WholeNumber(arguments[0]).value_or(0)));
+}
+
+schedule::RestrictList ListOf(std::string_view name) {
+  const auto* found = std::find(kListNames.begin(), kListNames.end(), name);
+  return static_cast<schedule::RestrictList>(found - kListNames.begin());
+}
+Reply RunLists(ControlTarget& target, Arguments /*none*/) {
+  return Done(ToJson(target.Lists()));
+}
+Reply RunListsAdd(ControlTarget& target, Arguments arguments) {
+  return From(target.AddToList(ListOf(arguments[0]), arguments[1]));
+}
+Reply RunListsRemove(ControlTarget& target, Arguments arguments) {
+  return From(target.RemoveFromList(ListOf(arguments[0]), arguments[1]));
+}
+
 constexpr std::array kCommands{
     Command{"status", {}, "show what the unit does", RunStatus},
     Command{"channels", {}, "list the channels and what they play", RunChannels},
@@ -118,17 +194,72 @@ constexpr std::array kCommands{
     Command{"log", kLog, "show the newest lines of the log, 20 if no number is given", RunLog},
     Command{"get", kGet, "show a setting", RunGet},
     Command{"set", kSet, "change a setting", RunSet},
+    Command{"schedule", {}, "list the ten entries of the schedule", RunSchedule},
+    Command{"schedule set", kEntry, "change an entry and enable it", RunScheduleSet, kScheduleOptions},
+    Command{"schedule enable", kEntry, "let an entry run", RunScheduleEnable},
+    Command{"schedule disable", kEntry, "let an entry rest", RunScheduleDisable},
+    Command{"schedule clear", kEntry, "empty an entry", RunScheduleClear},
+    Command{"lists", {}, "show the Grab and Kill lists", RunLists},
+    Command{"lists add", kListEntry, "add to a list: grab-artist, grab-song, kill-artist or kill-song",
+            RunListsAdd},
+    Command{"lists remove", kListEntry, "take an entry off a list", RunListsRemove},
     Command{"update", {}, "ask whether there is a newer version", RunUpdate},
     Command{"quit", {}, "end the program", RunQuit},
 };
 
+std::string_view FirstWord(const Command& command) {
+  return command.Name.substr(0, command.Name.find(' '));
+}
+/// Empty if the name is one word.
+std::string_view SecondWord(const Command& command) {
+  const std::string_view first = FirstWord(command);
+  return first.size() == command.Name.size() ? std::string_view() : command.Name.substr(first.size() + 1);
+}
+
 std::string CommandNames() {
-  std::string names;
-  for (const Command& command : kCommands) {
-    if (!names.empty()) names += ", ";
-    names += command.Name;
+  std::vector<std::string_view> names;
+  for (const Command& command : kCommands)
+    if (names.empty() || names.back() != FirstWord(command)) names.push_back(FirstWord(command));
+  return fmt::format("{}", fmt::join(names, ", "));
+}
+
+/// What stands behind the command's name.
+Arguments ArgumentsOf(const Command& command, const Request& request) {
+  const Arguments all = request.Arguments;
+  return SecondWord(command).empty() ? all : all.subspan(1);
+}
+
+/// The second words that the first one of a command can have behind it.
+std::string SecondWords(const Command& command) {
+  std::vector<std::string_view> words;
+  for (const Command& other : kCommands)
+    if (FirstWord(other) == command.Name && !SecondWord(other).empty()) words.push_back(SecondWord(other));
+  return fmt::format("{}", fmt::join(words, ", "));
+}
+
+const CommandOption* FindOption(const Command& command, std::string_view name) {
+  const auto found = std::find_if(command.Options.begin(), command.Options.end(),
+                                  [name](const CommandOption& option) { return option.Name == name; });
+  return found == command.Options.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> WhatIsWrongWithOptions(const Command& command, Arguments given) {
+  const auto wrong = [&command](std::string_view what) {
+    return fmt::format("{}: {}; usage: {}", command.Name, what, Usage(command));
+  };
+  if (given.empty()) return wrong("no option is given");
+  for (std::size_t i = 0; i < given.size(); i += 2) {
+    const CommandOption* option = FindOption(command, given[i]);
+    if (option == nullptr) return wrong(fmt::format("unknown option {}", Quoted(given[i])));
+    for (std::size_t before = 0; before < i; before += 2)
+      if (given[before] == given[i]) return wrong(fmt::format("{} is given twice", option->Name));
+    if (i + 1 == given.size()) return wrong(fmt::format("{} needs {}", option->Name, option->Allowed));
+    if (!option->Fits(given[i + 1])) {
+      return fmt::format("{}: {} is wrong for {}, expected {}", command.Name, Quoted(given[i + 1]),
+                         option->Name, option->Allowed);
+    }
   }
-  return names;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -137,10 +268,18 @@ std::span<const Command> CommandTable() {
   return kCommands;
 }
 
-const Command* FindCommand(std::string_view name) {
-  const auto* found = std::find_if(kCommands.begin(), kCommands.end(),
-                                   [name](const Command& command) { return command.Name == name; });
-  return found == kCommands.end() ? nullptr : found;
+const Command* FindCommand(const Request& request) {
+  const Command* found = nullptr;
+  for (const Command& command : kCommands) {
+    if (FirstWord(command) != request.Command) continue;
+    const std::string_view second = SecondWord(command);
+    if (second.empty()) {
+      found = &command;
+    } else if (!request.Arguments.empty() && request.Arguments.front() == second) {
+      return &command;
+    }
+  }
+  return found;
 }
 
 std::string Usage(const Command& command) {
@@ -148,38 +287,68 @@ std::string Usage(const Command& command) {
   for (const Argument& argument : command.Arguments) {
     usage += fmt::format(fmt::runtime(argument.Optional ? " [{}]" : " {}"), argument.Name);
   }
+  if (!command.Options.empty()) usage += " OPTION...";
   return usage;
 }
 
 std::string CommandsHelp() {
+  std::size_t width = 0;
+  for (const Command& command : kCommands) width = std::max(width, Usage(command).size());
   std::string help;
-  for (const Command& command : kCommands) help += fmt::format("  {:<15} {}\n", Usage(command), command.Help);
+  for (const Command& command : kCommands)
+    help += fmt::format("  {:<{}}  {}\n", Usage(command), width, command.Help);
+  return help;
+}
+
+std::string CommandOptionsHelp() {
+  constexpr int kWidth = 19;
+  std::string help;
+  for (const Command& command : kCommands) {
+    if (command.Options.empty()) continue;
+    help += fmt::format("options of {}:\n", command.Name);
+    for (const CommandOption& option : command.Options)
+      help += fmt::format("  {:<{}}  {}\n", fmt::format("{} {}", option.Name, option.ValueName), kWidth,
+                          option.Help);
+  }
   return help;
 }
 
 std::optional<std::string> WhatIsWrong(const Request& request) {
-  const Command* command = FindCommand(request.Command);
+  const Command* command = FindCommand(request);
   if (command == nullptr) {
     return fmt::format("unknown command {}; allowed: {}", Quoted(request.Command), CommandNames());
   }
   const std::span<const Argument> allowed = command->Arguments;
+  const Arguments all = ArgumentsOf(*command, request);
+  const Arguments given = command->Options.empty() ? all : all.first(std::min(all.size(), allowed.size()));
   const auto needed = static_cast<std::size_t>(std::count_if(
       allowed.begin(), allowed.end(), [](const Argument& argument) { return !argument.Optional; }));
-  if (request.Arguments.size() < needed) {
-    const Argument& missing = allowed[request.Arguments.size()];
+  if (given.size() < needed) {
+    const Argument& missing = allowed[given.size()];
     return fmt::format("{}: {} is missing, expected {}; usage: {}", command->Name, missing.Name,
                        missing.Allowed, Usage(*command));
   }
-  if (request.Arguments.size() > allowed.size()) {
+  if (given.size() > allowed.size()) {
+    const std::string words = SecondWords(*command);
+    if (!words.empty()) {
+      return fmt::format("{}: {} is wrong, expected nothing or one of {}", command->Name, Quoted(given[0]),
+                         words);
+    }
     return fmt::format("{}: too many arguments, {} is not expected; usage: {}", command->Name,
-                       Quoted(request.Arguments[allowed.size()]), Usage(*command));
+                       Quoted(given[allowed.size()]), Usage(*command));
   }
-  for (std::size_t i = 0; i < request.Arguments.size(); ++i) {
-    if (allowed[i].Fits(request.Arguments[i])) continue;
-    return fmt::format("{}: {} is wrong, expected {}; usage: {}", command->Name, Quoted(request.Arguments[i]),
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    if (allowed[i].Fits(given[i])) continue;
+    return fmt::format("{}: {} is wrong, expected {}; usage: {}", command->Name, Quoted(given[i]),
                        allowed[i].Allowed, Usage(*command));
   }
-  return std::nullopt;
+  if (command->Options.empty()) return std::nullopt;
+  return WhatIsWrongWithOptions(*command, all.subspan(given.size()));
+}
+
+Reply RunCommand(ControlTarget& target, const Request& request) {
+  const Command* command = FindCommand(request);
+  return command->Run(target, ArgumentsOf(*command, request));
 }
 
 }  // namespace kestrune::control

@@ -18,26 +18,43 @@ struct Argument {
   bool Optional = false;  ///< only behind all that must be given
 };
 
+/// One option of a command, with a value behind it; all options may be left out.
+struct CommandOption {
+  std::string_view Name;       ///< with its two dashes
+  std::string_view ValueName;  ///< as the usage shows it
+  std::string_view Allowed;    ///< completes "expected ..."
+  bool (*Fits)(std::string_view text) = nullptr;
+  std::string_view Help;
+};
+
 /// One command: what it takes, what it says of itself, and what it does. A new command is a new row.
 struct Command {
-  std::string_view Name;
+  std::string_view Name;  ///< one word, or two: "schedule", "schedule set"
   std::span<const Argument> Arguments;
   std::string_view Help;
+  /// The arguments are those of the table, without the second word of the name.
   Reply (*Run)(ControlTarget& target, std::span<const std::string> arguments) = nullptr;
+  /// If a command has options, at least one is to be given, behind its arguments.
+  std::span<const CommandOption> Options = {};
 };
 
 /// All commands, in the order of the usage text.
 [[nodiscard]] std::span<const Command> CommandTable();
 
-/// Null if there is none of that name; case counts.
-[[nodiscard]] const Command* FindCommand(std::string_view name);
+/// The command that a request asks for; null if there is none of that name. Case counts. The second word of
+/// a name stands as the first argument of the request.
+[[nodiscard]] const Command* FindCommand(const Request& request);
 
 /// The command and its arguments as they are typed: "log [N]".
 [[nodiscard]] std::string Usage(const Command& command);
 /// One aligned line a command, for a usage text.
 [[nodiscard]] std::string CommandsHelp();
+/// The options of the commands that have any, in the same manner, each group under its command's name.
+[[nodiscard]] std::string CommandOptionsHelp();
 
 /// One line that names what is wrong with a request and what is allowed; nothing if it can be run.
 [[nodiscard]] std::optional<std::string> WhatIsWrong(const Request& request);
+/// Runs a request of which nothing is wrong.
+[[nodiscard]] Reply RunCommand(ControlTarget& target, const Request& request);
 
 }  // namespace kestrune::control

@@ -17,7 +17,7 @@ std::string Dispatch(ControlTarget& target, std::string_view line) {
   if (const std::optional<std::string> wrong = WhatIsWrong(request)) {
     return ToLine(Reply{ExitCode::WrongUse, *wrong, nullptr});
   }
-  return ToLine(FindCommand(request.Command)->Run(target, request.Arguments));
+  return ToLine(RunCommand(target, request));
 }
 
 }  // namespace kestrune::control

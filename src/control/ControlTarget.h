@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "control/Reports.h"
+#include "schedule/Restrictions.h"
 
 namespace kestrune::control {
 
@@ -45,6 +46,17 @@ class ControlTarget {
   [[nodiscard]] virtual std::vector<std::string> LogLines(std::size_t atMost) = 0;
   [[nodiscard]] virtual SettingResult Get(std::string_view key) = 0;
   [[nodiscard]] virtual CommandResult Set(std::string_view key, std::string_view value) = 0;
+  /// All ten entries, in their order.
+  [[nodiscard]] virtual std::vector<ScheduleReport> Schedule() = 0;
+  /// The scheduler's doors; entries are numbered 1 to 10. A refusal that the scheduler has words for comes with
+  /// those words.
+  [[nodiscard]] virtual CommandResult SetSchedule(const ScheduleChange& change) = 0;
+  [[nodiscard]] virtual CommandResult EnableSchedule(int number, bool enabled) = 0;
+  [[nodiscard]] virtual CommandResult ClearSchedule(int number) = 0;
+  [[nodiscard]] virtual ListsReport Lists() = 0;
+  /// One entry more, or less, in the list file; it takes effect at once. The text is not blank.
+  [[nodiscard]] virtual CommandResult AddToList(schedule::RestrictList list, std::string_view text) = 0;
+  [[nodiscard]] virtual CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) = 0;
   /// Asks the maker's server for a newer version; installs nothing. Takes as long as the server, and serves
   /// events meanwhile.
   [[nodiscard]] virtual UpdateResult Update() = 0;

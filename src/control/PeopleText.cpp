@@ -87,6 +87,41 @@ std::string UpdateText(const UpdateReport& report) {
   return text;
 }
 
+/// What stands in the last column: whether the entry runs, and when it will.
+std::string ScheduleState(const ScheduleReport& entry) {
+  if (entry.Running) {
+    return fmt::format("running, {}:{:02}:{:02} left", entry.SecondsLeft / 3600, entry.SecondsLeft / 60 % 60,
+                       entry.SecondsLeft % 60);
+  }
+  if (!entry.Enabled) return "off";
+  return entry.NextRun.empty() ? "over" : entry.NextRun;
+}
+
+std::string ScheduleText(const std::vector<ScheduleReport>& entries) {
+  Rows rows{{"Entry", "On", "At", "For", "Channel", "Modes", "MP3", "Next run"}};
+  for (const ScheduleReport& entry : entries) {
+    rows.push_back({fmt::format("{:>5}", entry.Number), entry.On, fmt::format("{:>8}", entry.At),
+                    fmt::format("{:>2}:{:02}", entry.Minutes / 60, entry.Minutes % 60),
+                    Joined({fmt::format("{:>3}", entry.Channel), entry.Station}, " - "),
+                    OrNone(Joined({entry.Integrel ? "Integrel" : "", entry.Cleftune ? "Cleftune" : "",
+                                   entry.Grab ? "Grab" : "", entry.Kill ? "Kill" : ""},
+                                  ", ")),
+                    entry.BitRate.empty() ? "-" : entry.BitRate, ScheduleState(entry)});
+  }
+  return Columns(rows);
+}
+
+std::string ListsText(const ListsReport& lists) {
+  const auto listText = [](std::string_view title, const std::vector<std::string>& fragments) {
+    std::string text = fmt::format("{}\n", title);
+    if (fragments.empty()) text += "  none\n";
+    for (const std::string& fragment : fragments) text += "  " + Printable(fragment) + '\n';
+    return text;
+  };
+  return listText("Grab artists", lists.GrabArtists) + listText("Grab songs", lists.GrabSongs) +
+         listText("Kill artists", lists.KillArtists) + listText("Kill songs", lists.KillSongs);
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -111,6 +146,14 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
   if (command == "update") {
     const std::optional<UpdateReport> report = UpdateFromJson(result);
     return report ? std::optional(UpdateText(*report)) : std::nullopt;
+  }
+  if (command == "schedule") {
+    const std::optional<std::vector<ScheduleReport>> entries = ScheduleFromJson(result);
+    return entries ? std::optional(ScheduleText(*entries)) : std::nullopt;
+  }
+  if (command == "lists") {
+    const std::optional<ListsReport> lists = ListsFromJson(result);
+    return lists ? std::optional(ListsText(*lists)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

@@ -59,6 +59,33 @@ void ForEachUpdateMember(Report& report, Visitor&& visit) {
   visit("downloadAddress", report.DownloadAddress);
 }
 
+template <typename Report, typename Visitor>
+void ForEachScheduleMember(Report& report, Visitor&& visit) {
+  visit("number", report.Number);
+  visit("enabled", report.Enabled);
+  visit("on", report.On);
+  visit("at", report.At);
+  visit("minutes", report.Minutes);
+  visit("channel", report.Channel);
+  visit("station", report.Station);
+  visit("integrel", report.Integrel);
+  visit("cleftune", report.Cleftune);
+  visit("grab", report.Grab);
+  visit("kill", report.Kill);
+  visit("bitrate", report.BitRate);
+  visit("nextRun", report.NextRun);
+  visit("running", report.Running);
+  visit("secondsLeft", report.SecondsLeft);
+}
+
+template <typename Report, typename Visitor>
+void ForEachList(Report& report, Visitor&& visit) {
+  visit("grabArtists", report.GrabArtists);
+  visit("grabSongs", report.GrabSongs);
+  visit("killArtists", report.KillArtists);
+  visit("killSongs", report.KillSongs);
+}
+
 /// Puts each member into an object.
 struct Writer {
   Json Object = Json::object();
@@ -80,6 +107,15 @@ struct Reader {
       value = member->get_ref<const std::string&>();
     } else {
       Complete = false;
+    }
+  }
+  void operator()(const char* name, std::vector<std::string>& value) {
+    const Json* member = Member(name);
+    Complete = Complete && member != nullptr && member->is_array();
+    if (!Complete) return;
+    for (const Json& text : *member) {
+      Complete = Complete && text.is_string();
+      if (Complete) value.push_back(text.get<std::string>());
     }
   }
   void operator()(const char* name, bool& value) {
@@ -141,6 +177,22 @@ std::optional<UpdateReport> UpdateFromJson(const Json& json) {
   return report;
 }
 
+Json ToJson(const std::vector<ScheduleReport>& entries) {
+  Json rows = Json::array();
+  for (const ScheduleReport& entry : entries) {
+    Writer writer;
+    ForEachScheduleMember(entry, writer);
+    rows.push_back(std::move(writer.Object));
+  }
+  return rows;
+}
+
+Json ToJson(const ListsReport& lists) {
+  Writer writer;
+  ForEachList(lists, writer);
+  return std::move(writer.Object);
+}
+
 std::optional<StatusReport> StatusFromJson(const Json& json) {
   StatusReport report;
   if (!json.is_object()) return std::nullopt;
@@ -160,6 +212,27 @@ std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json) {
     if (!reader.Complete) return std::nullopt;
   }
   return channels;
+}
+
+std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json) {
+  if (!json.is_array()) return std::nullopt;
+  std::vector<ScheduleReport> entries;
+  for (const Json& row : json) {
+    if (!row.is_object()) return std::nullopt;
+    Reader reader{row};
+    ForEachScheduleMember(entries.emplace_back(), reader);
+    if (!reader.Complete) return std::nullopt;
+  }
+  return entries;
+}
+
+std::optional<ListsReport> ListsFromJson(const Json& json) {
+  if (!json.is_object()) return std::nullopt;
+  ListsReport lists;
+  Reader reader{json};
+  ForEachList(lists, reader);
+  if (!reader.Complete) return std::nullopt;
+  return lists;
 }
 
 }  // namespace kestrune::control

@@ -16,9 +16,15 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json ToJson(const std::vector<ChannelReport>& channels);
 [[nodiscard]] Json ToJson(const UpdateReport& report);
 
+[[nodiscard]] Json ToJson(const std::vector<ScheduleReport>& entries);
+
+[[nodiscard]] Json ToJson(const ListsReport& lists);
+
 /// Nothing if a member is missing or of another type; members that are unknown here are let by.
 [[nodiscard]] std::optional<StatusReport> StatusFromJson(const Json& json);
 [[nodiscard]] std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json);
 [[nodiscard]] std::optional<UpdateReport> UpdateFromJson(const Json& json);
+[[nodiscard]] std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json);
+[[nodiscard]] std::optional<ListsReport> ListsFromJson(const Json& json);
 
 }  // namespace kestrune::control

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
+
+#include "base/DateValue.h"
 
 namespace kestrune::control {
 
@@ -53,6 +57,48 @@ struct ChannelReport {
   std::string Genre;
   std::string Artist;
   std::string Song;
+};
+
+/// One of the ten entries of the schedule, as it counts now.
+struct ScheduleReport {
+  int Number = 0;  ///< 1 to 10
+  bool Enabled = false;
+  std::string On;  ///< "Every Day", "Every Saturday" or "Dec 24, 2026"
+  std::string At;  ///< "8:00 PM"
+  int Minutes = 0;
+  int Channel = 0;
+  std::string Station;  ///< empty if the channel is not known
+  bool Integrel = false;
+  bool Cleftune = false;
+  bool Grab = false;
+  bool Kill = false;
+  std::string BitRate;  ///< empty if none was chosen
+  std::string NextRun;  ///< such as "2026-12-24 20:00"; empty if it never comes
+  bool Running = false;
+  int SecondsLeft = 0;  ///< of a running entry
+};
+
+/// The Grab and Kill lists, in the order of the list file.
+struct ListsReport {
+  std::vector<std::string> GrabArtists;
+  std::vector<std::string> GrabSongs;
+  std::vector<std::string> KillArtists;
+  std::vector<std::string> KillSongs;
+};
+
+/// What `schedule set` is to change; what is not given stays.
+struct ScheduleChange {
+  int Number = 0;  ///< 1 to 10
+  /// A date, or as a coded day of January 1967 what recurs.
+  std::optional<base::DateValue> On;
+  std::optional<int> At;       ///< minutes since midnight
+  std::optional<int> For;      ///< minutes, 1 to 2879
+  std::optional<int> Channel;  ///< 1 to 255
+  std::optional<bool> Integrel;
+  std::optional<bool> Cleftune;
+  std::optional<bool> Grab;
+  std::optional<bool> Kill;
+  std::optional<std::string> BitRate;  ///< an item of the scheduler's list
 };
 
 }  // namespace kestrune::control

@@ -4,8 +4,11 @@
 
 #include <fmt/format.h>
 
+#include "base/Text.h"
 #include "base/Version.h"
 #include "config/VersionFile.h"
+#include "control/ConsoleText.h"
+#include "control/ScheduleCommands.h"
 
 namespace kestrune::control {
 namespace {
@@ -153,6 +156,82 @@ UpdateResult UnitTarget::Update() {
           .Report = {.Running = config::RunningVersionText(),
                      .Newer = answer->Result == config::kNewerVersion,
                      .DownloadAddress = answer->DownloadAddress}};
+}
+
+std::vector<ScheduleReport> UnitTarget::Schedule() {
+  const radio::ChannelTable& table = unit_.ChannelList().Table();
+  return ReportSchedule(unit_.Entries(), unit_.Schedule(), unit_.Now(), [&table](std::int16_t channel) {
+    const std::int16_t slot = table.ChannelIndex(channel);
+    return slot == 0 ? std::string() : table.At(slot).Station;
+  });
+}
+
+CommandResult UnitTarget::AtTheScheduler(
+    const std::function<std::optional<std::string>(schedule::Scheduler&)>& change) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  schedule::Scheduler scheduler = unit_.OpenScheduler();
+  if (std::optional<std::string> why = change(scheduler)) return Refused(*std::move(why));
+  unit_.ReloadSchedule();
+  return Done();
+}
+
+CommandResult UnitTarget::SetSchedule(const ScheduleChange& change) {
+  return AtTheScheduler(
+      [&](schedule::Scheduler& scheduler) { return SetEntry(scheduler, change, unit_.Now()); });
+}
+
+CommandResult UnitTarget::EnableSchedule(int number, bool enabled) {
+  return AtTheScheduler(
+      [&](schedule::Scheduler& scheduler) { return EnableEntry(scheduler, number, enabled, unit_.Now()); });
+}
+
+CommandResult UnitTarget::ClearSchedule(int number) {
+  return AtTheScheduler([&](schedule::Scheduler& scheduler) { return ClearEntry(scheduler, number); });
+}
+
+namespace {
+
+std::vector<std::string> Fragments(const schedule::Restrictions& lists, schedule::RestrictList list) {
+  std::vector<std::string> fragments;
+  for (std::int16_t row = 1; row <= lists.RestrictCount(list); ++row)
+    fragments.emplace_back(lists.Fragment(list, row));
+  return fragments;
+}
+
+constexpr const char* kListsNotWritten = "the file of the lists could not be written";
+
+}  // namespace
+
+ListsReport UnitTarget::Lists() {
+  using enum schedule::RestrictList;
+  const schedule::Restrictions& lists = unit_.Restrictions();
+  return {.GrabArtists = Fragments(lists, GrabArtists),
+          .GrabSongs = Fragments(lists, GrabSongs),
+          .KillArtists = Fragments(lists, KillArtists),
+          .KillSongs = Fragments(lists, KillSongs)};
+}
+
+CommandResult UnitTarget::AddToList(schedule::RestrictList list, std::string_view text) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  const std::string_view fragment = base::Trim(text);
+  const std::vector<std::string> present = Fragments(unit_.Restrictions(), list);
+  if (present.size() >= schedule::Restrictions::kMaxRows) return Refused("the list is full");
+  if (std::any_of(present.begin(), present.end(),
+                  [fragment](const std::string& one) { return base::EqualsNoCase(one, fragment); })) {
+    return Refused(fmt::format("{} is on the list already", Quoted(fragment)));
+  }
+  return unit_.GrabKill().Append(list, fragment) ? Done() : Refused(kListsNotWritten);
+}
+
+CommandResult UnitTarget::RemoveFromList(schedule::RestrictList list, std::string_view text) {
+  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
+  // The editor holds all lists as they were when it opened, and its save would bring the entry back.
+  if (unit_.RestrictListEditor().IsLoaded()) {
+    return Refused("the lists are being edited in their window; close it first");
+  }
+  const std::optional<int> removed = unit_.Restrictions().Remove(list, text);
+  if (!removed) return Refused(kListsNotWritten);
+  return *removed > 0 ? Done() : Refused(fmt::format("{} is not on the list", Quoted(base::Trim(text))));
 }
 
 CommandResult UnitTarget::Quit() {

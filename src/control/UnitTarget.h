@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <optional>
+#include <string>
+
 #include "control/ControlTarget.h"
 #include "recorder/Kestrune.h"
 
@@ -21,10 +25,21 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] std::vector<std::string> LogLines(std::size_t atMost) override;
   [[nodiscard]] SettingResult Get(std::string_view key) override;
   [[nodiscard]] CommandResult Set(std::string_view key, std::string_view value) override;
+  [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
+  [[nodiscard]] CommandResult SetSchedule(const ScheduleChange& change) override;
+  [[nodiscard]] CommandResult EnableSchedule(int number, bool enabled) override;
+  [[nodiscard]] CommandResult ClearSchedule(int number) override;
+  [[nodiscard]] ListsReport Lists() override;
+  [[nodiscard]] CommandResult AddToList(schedule::RestrictList list, std::string_view text) override;
+  [[nodiscard]] CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override;
   [[nodiscard]] UpdateResult Update() override;
   [[nodiscard]] CommandResult Quit() override;
 
  private:
+  /// Opens the scheduler for one change; the schedule is reloaded behind it.
+  [[nodiscard]] CommandResult AtTheScheduler(
+      const std::function<std::optional<std::string>(schedule::Scheduler&)>& change);
+
   recorder::Kestrune& unit_;
 };
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Ignored.h"
+#include "base/Text.h"
 #include "recorder/Explanation.h"
 #include "schedule/ReloadSchedule.h"
 
@@ -138,6 +139,23 @@ void Kestrune::ReloadSchedule() {
   schedule::ReloadSchedule(
       [this](std::string_view key, std::string_view defaultText) { return section_.Text(key, defaultText); },
       outside_.Loop.Now(), entries_);
+}
+
+schedule::Scheduler Kestrune::OpenScheduler() {
+  std::vector<schedule::SchedulerChannel> channels;
+  const radio::ChannelGrid& grid = channels_.Grid();
+  for (int row = 1; row <= grid.RowCount(); ++row) {
+    channels.push_back({.Number = grid.NumberAt(row),
+                        .Station = std::string(base::Trim(grid.At(row).at(radio::ChannelGrid::Station)))});
+  }
+  return {{.Loop = outside_.Loop,
+           .Dialogs = outside_.Dialogs,
+           .Settings = {.Read = [this](std::string_view key,
+                                       std::string_view text) { return section_.Text(key, text); },
+                        .Save = [this](std::string_view key,
+                                       std::string_view text) { return section_.SaveText(key, text); }},
+           .ReloadSchedule = [this] { ReloadSchedule(); }},
+          std::move(channels)};
 }
 
 std::optional<std::string> Kestrune::ScheduledBitRate() const {

@@ -45,6 +45,7 @@
 #include "schedule/Restrictions.h"
 #include "schedule/ScheduleEntry.h"
 #include "schedule/ScheduleState.h"
+#include "schedule/Scheduler.h"
 
 namespace kestrune::recorder {
 
@@ -81,6 +82,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
   [[nodiscard]] const schedule::Restrictions& Restrictions() const { return restrictions_; }
+  [[nodiscard]] schedule::Restrictions& Restrictions() { return restrictions_; }
   /// The unit's settings, where windows keep their places.
   [[nodiscard]] const config::SettingsSection& Section() const { return section_; }
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
@@ -95,6 +97,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const std::string& Devices() const { return deviceList_; }
   /// Null before the load and after the close.
   [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
+
+  [[nodiscard]] base::DateValue Now() const { return outside_.Loop.Now(); }
 
   // The rules of the windows of the lists.
   [[nodiscard]] schedule::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
@@ -116,6 +120,8 @@ class Kestrune final : private radio::ChannelEvents {
   void mnuCheckUpdate() { update_.mnuCheckUpdate(); }
   /// The same without a word to the user; nothing if such a check is under way already.
   [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
+  /// The scheduler, newly loaded, its channels as the channels window lists them.
+  [[nodiscard]] schedule::Scheduler OpenScheduler();
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.

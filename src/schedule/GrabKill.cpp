@@ -27,10 +27,10 @@ void GrabKill::DblClick(Field field, std::string_view caption) {
   RestrictList list = kill ? RestrictList::KillArtists : RestrictList::GrabArtists;
   if (field == Field::Song) list = kill ? RestrictList::KillSongs : RestrictList::GrabSongs;
   const std::string single = base::OneLine(base::ReplaceAll(text, "&&", "&"));
-  Append(list, base::Trim(single));
+  base::Ignored(Append(list, base::Trim(single)));
 }
 
-void GrabKill::Append(RestrictList list, std::string_view fragment) {
+bool GrabKill::Append(RestrictList list, std::string_view fragment) {
   base::Ignored(MakeUserDataFolder(files_, environment_));
   const std::string path = restrictions_.RestrictionFile();
   const auto before = files_.Read(path);
@@ -38,9 +38,10 @@ void GrabKill::Append(RestrictList list, std::string_view fragment) {
   std::string line = before && !before->empty() && !before->ends_with('\n') ? "\n" : "";
   line += static_cast<char>('0' + static_cast<int>(list));
   line.append(fragment).append("\n");
-  base::Ignored(files_.Append(path, line));
+  const bool written = files_.Append(path, line);
   restrictions_.LoadRestrictions();
   editor_.AddItem(list, fragment);
+  return written;
 }
 
 }  // namespace kestrune::schedule

@@ -34,9 +34,10 @@ class GrabKill {
   void cmdResult(std::int16_t index) { grabMode_ = index; }
   [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
 
- private:
-  void Append(RestrictList list, std::string_view fragment);
+  /// Adds without a question; an open editor shows the entry as well. False if the file could not be written.
+  [[nodiscard]] bool Append(RestrictList list, std::string_view fragment);
 
+ private:
   Restrictions& restrictions_;
   RestrictListEditor& editor_;
   platform::Files& files_;

@@ -25,6 +25,25 @@ void Restrictions::LoadRestrictions() {
   });
 }
 
+std::optional<int> Restrictions::Remove(RestrictList list, std::string_view text) {
+  const auto before = files_.Read(RestrictionFile());
+  if (!before) return 0;
+  std::string after;
+  int removed = 0;
+  EachLine(*before, [&](std::string_view line) {
+    const bool ofList = !line.empty() && line.front() == static_cast<char>('0' + static_cast<int>(list));
+    if (ofList && base::EqualsNoCase(base::Trim(line.substr(1)), base::Trim(text))) {
+      ++removed;
+    } else {
+      after.append(line).append("\n");
+    }
+  });
+  if (removed == 0) return 0;
+  if (!files_.Replace(RestrictionFile(), after)) return std::nullopt;
+  LoadRestrictions();
+  return removed;
+}
+
 bool Restrictions::Matches(const Rows& rows, std::string_view text) {
   const std::string lower = base::ToLower(text);
   const bool blank = base::Trim(text).empty();

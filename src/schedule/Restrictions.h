@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,10 @@ class Restrictions {
   /// Replaces all lists by those of the file. A missing file means empty lists; lines that are no entries,
   /// and those behind the last row of a full list, are passed over.
   void LoadRestrictions();
+
+  /// Takes each entry that equals the text, case and blanks around it aside, out of one list of the file, and
+  /// loads it. How many there were; nothing if the file could not be written.
+  [[nodiscard]] std::optional<int> Remove(RestrictList list, std::string_view text);
 
   /// Whether a fragment of the list of artists occurs in the artist, without regard to case, or one of the
   /// list of songs in the song. An empty fragment occurs in every text that is not empty.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/Text.h"
 #include "control/CommandTable.h"
 
 namespace kestrune::control {
@@ -12,14 +13,23 @@ TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
   std::vector<std::string> usages;
   for (const Command& command : CommandTable()) usages.push_back(Usage(command));
   EXPECT_EQ(usages, (std::vector<std::string>{"status", "channels", "record", "stop", "tune N", "mute on|off",
-                                              "log [N]", "get KEY", "set KEY VALUE", "update", "quit"}));
+                                              "log [N]", "get KEY", "set KEY VALUE", "schedule",
+                                              "schedule set N OPTION...", "schedule enable N",
+                                              "schedule disable N", "schedule clear N", "lists",
+                                              "lists add LIST TEXT", "lists remove LIST TEXT", "update", "quit"}));
+}
+
+/// The request that names a command and gives it nothing else.
+Request Named(const Command& command) {
+  const std::vector<std::string> words = base::Split(command.Name, ' ');
+  return {words.front(), {words.begin() + 1, words.end()}};
 }
 
 TEST(CommandTable, EveryRowIsComplete) {
   for (const Command& command : CommandTable()) {
     EXPECT_FALSE(command.Help.empty()) << command.Name;
     EXPECT_NE(command.Run, nullptr) << command.Name;
-    EXPECT_EQ(FindCommand(command.Name), &command);
+    EXPECT_EQ(FindCommand(Named(command)), &command);
     bool optionalSeen = false;
     for (const Argument& argument : command.Arguments) {
       EXPECT_FALSE(argument.Name.empty()) << command.Name;
@@ -28,18 +38,25 @@ TEST(CommandTable, EveryRowIsComplete) {
       EXPECT_TRUE(argument.Optional || !optionalSeen) << command.Name;
       optionalSeen = argument.Optional;
     }
+    for (const CommandOption& option : command.Options) {
+      EXPECT_TRUE(option.Name.starts_with("--")) << command.Name;
+      EXPECT_FALSE(option.ValueName.empty() || option.Allowed.empty() || option.Help.empty()) << option.Name;
+      EXPECT_NE(option.Fits, nullptr) << option.Name;
+    }
   }
 }
 
 TEST(CommandTable, NamesCountCase) {
-  EXPECT_EQ(FindCommand("Status"), nullptr);
-  EXPECT_EQ(FindCommand(""), nullptr);
+  EXPECT_EQ(FindCommand({"Status", {}}), nullptr);
+  EXPECT_EQ(FindCommand({"", {}}), nullptr);
+  EXPECT_EQ(FindCommand({"schedule set", {}}), nullptr);
+  EXPECT_EQ(FindCommand({"schedule", {"Set"}})->Name, "schedule");
 }
 
 TEST(CommandTable, HelpHasOneAlignedLineACommand) {
   const std::string help = CommandsHelp();
-  EXPECT_NE(help.find("  tune N          tune to a channel\n"), std::string::npos) << help;
-  EXPECT_NE(help.find("  quit            end the program\n"), std::string::npos) << help;
+  EXPECT_NE(help.find("  tune N                    tune to a channel\n"), std::string::npos) << help;
+  EXPECT_NE(help.find("  quit                      end the program\n"), std::string::npos) << help;
 }
 
 struct Case {
@@ -105,14 +122,89 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, update, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, update, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, update, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, update, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);
     EXPECT_EQ(wrong.value_or("nothing"), one.Wrong == nullptr ? "nothing" : one.Wrong);
   }
+}
+
+TEST(CommandTable, EachScheduleWordAtItsEdges) {
+  const Case kCases[] = {
+      {{"schedule", {}}, nullptr},
+      {{"schedule", {"run"}},
+       R"(schedule: "run" is wrong, expected nothing or one of set, enable, disable, clear)"},
+      {{"schedule", {"enable", "1"}}, nullptr},
+      {{"schedule", {"disable", "10"}}, nullptr},
+      {{"schedule", {"clear", "0"}},
+       R"(schedule clear: "0" is wrong, expected a schedule entry from 1 to 10; usage: schedule clear N)"},
+      {{"schedule", {"enable", "11"}},
+       R"(schedule enable: "11" is wrong, expected a schedule entry from 1 to 10; usage: schedule enable N)"},
+      {{"schedule", {"enable"}},
+       "schedule enable: N is missing, expected a schedule entry from 1 to 10; usage: schedule enable N"},
+      {{"schedule", {"enable", "1", "2"}},
+       R"(schedule enable: too many arguments, "2" is not expected; usage: schedule enable N)"},
+      {{"schedule", {"set"}},
+       "schedule set: N is missing, expected a schedule entry from 1 to 10; usage: schedule set N OPTION..."},
+      {{"schedule", {"set", "1"}}, "schedule set: no option is given; usage: schedule set N OPTION..."},
+      {{"schedule", {"set", "--at", "20:00"}},
+       R"(schedule set: "--at" is wrong, expected a schedule entry from 1 to 10; usage: schedule set N OPTION...)"},
+      {{"schedule", {"set", "1", "now"}},
+       R"(schedule set: unknown option "now"; usage: schedule set N OPTION...)"},
+      {{"schedule", {"set", "1", "--until", "9:00"}},
+       R"(schedule set: unknown option "--until"; usage: schedule set N OPTION...)"},
+      {{"schedule", {"set", "1", "--at"}},
+       R"(schedule set: --at needs a time such as "8:00 PM" or 20:00; usage: schedule set N OPTION...)"},
+      {{"schedule", {"set", "1", "--at", "25:00"}},
+       R"(schedule set: "25:00" is wrong for --at, expected a time such as "8:00 PM" or 20:00)"},
+      {{"schedule", {"set", "1", "--at", "9:00", "--at", "9:00"}},
+       "schedule set: --at is given twice; usage: schedule set N OPTION..."},
+      {{"schedule", {"set", "1", "--for", "48:00"}},
+       R"(schedule set: "48:00" is wrong for --for, expected a length from 0:01 to 47:59)"},
+      {{"schedule", {"set", "1", "--on", "Someday"}},
+       R"(schedule set: "Someday" is wrong for --on, expected "Every Day", "Every Saturday" or a date such as 2026-12-24)"},
+      {{"schedule", {"set", "1", "--grab", "yes"}},
+       R"(schedule set: "yes" is wrong for --grab, expected on or off)"},
+      {{"schedule", {"set", "1", "--bitrate", "128"}},
+       R"(schedule set: "128" is wrong for --bitrate, expected a bit rate such as "128 Stereo" or "64 Mono")"},
+      {{"schedule", {"set",    "1",         "--on",   "Every Day",  "--at",      "8:00 PM",    "--for",
+                     "2:00",   "--channel", "44",     "--integrel", "on",        "--cleftune", "off",
+                     "--grab", "off",       "--kill", "on",         "--bitrate", "128 Stereo"}},
+       nullptr},
+  };
+  for (const Case& one : kCases) {
+    const auto wrong = WhatIsWrong(one.Asked);
+    EXPECT_EQ(wrong.value_or("nothing"), one.Wrong == nullptr ? "nothing" : one.Wrong);
+  }
+}
+
+TEST(CommandTable, EachWordOfTheListsAtItsEdges) {
+  const Case kCases[] = {
+      {{"lists", {}}, nullptr},
+      {{"lists", {"clear"}}, R"(lists: "clear" is wrong, expected nothing or one of add, remove)"},
+      {{"lists", {"add", "kill-song", "--"}}, nullptr},
+      {{"lists", {"remove", "grab-artist", "{Blank}"}}, nullptr},
+      {{"lists", {"add", "0", "Moon"}},
+       R"(lists add: "0" is wrong, expected one of grab-artist, grab-song, kill-artist, kill-song; usage: lists add LIST TEXT)"},
+      {{"lists", {"add", "grab-artist"}},
+       "lists add: TEXT is missing, expected a text that is not blank; usage: lists add LIST TEXT"},
+      {{"lists", {"remove", "grab-artist", " "}},
+       R"(lists remove: " " is wrong, expected a text that is not blank; usage: lists remove LIST TEXT)"},
+  };
+  for (const Case& one : kCases) {
+    const auto wrong = WhatIsWrong(one.Asked);
+    EXPECT_EQ(wrong.value_or("nothing"), one.Wrong == nullptr ? "nothing" : one.Wrong);
+  }
+}
+
+TEST(CommandTable, OptionsHaveAnAlignedLineEach) {
+  const std::string help = CommandOptionsHelp();
+  EXPECT_EQ(help.find("options of schedule set:\n  --on DAY             when it runs"), 0U) << help;
+  EXPECT_NE(help.find("\n  --kill on|off        nothing that is on the Kill lists\n"), std::string::npos)
+      << help;
 }
 
 TEST(CommandTable, AKeyIsAtMost64Characters) {

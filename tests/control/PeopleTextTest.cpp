@@ -101,6 +101,56 @@ TEST(PeopleText, ChannelsStandInColumns) {
             "    144  Fred\n");
 }
 
+TEST(PeopleText, TheScheduleStandsInColumns) {
+  ScheduleReport saturday;
+  saturday.Number = 1;
+  saturday.Enabled = true;
+  saturday.On = "Every Saturday";
+  saturday.At = "11:00 PM";
+  saturday.Minutes = 125;
+  saturday.Channel = 8;
+  saturday.Station = "80s on 8";
+  saturday.Integrel = saturday.Cleftune = saturday.Kill = true;
+  saturday.BitRate = "128 Stereo";
+  saturday.NextRun = "2026-11-21 23:00";
+  ScheduleReport running = saturday;
+  running.Number = 2;
+  running.Running = true;
+  running.SecondsLeft = 2 * 3600 + 61;
+  ScheduleReport over;
+  over.Number = 9;
+  over.Enabled = true;
+  over.On = "Nov 1, 2026";
+  over.At = "8:00 AM";
+  over.Minutes = 60;
+  over.Channel = 144;
+  ScheduleReport off = over;
+  off.Number = 10;
+  off.Enabled = false;
+  off.Grab = true;
+  EXPECT_EQ(
+      PeopleText("schedule", ToJson(std::vector{saturday, running, over, off})),
+      "Entry  On              At        For    Channel         Modes                     MP3         Next "
+      "run\n"
+      "    1  Every Saturday  11:00 PM   2:05    8 - 80s on 8  Integrel, Cleftune, Kill  128 Stereo  "
+      "2026-11-21 23:00\n"
+      "    2  Every Saturday  11:00 PM   2:05    8 - 80s on 8  Integrel, Cleftune, Kill  128 Stereo  "
+      "running, 2:01:01 left\n"
+      "    9  Nov 1, 2026      8:00 AM   1:00  144             none                      -           over\n"
+      "   10  Nov 1, 2026      8:00 AM   1:00  144             Grab                      -           off\n");
+}
+
+TEST(PeopleText, TheListsStandUnderTheirNames) {
+  ListsReport lists;
+  lists.GrabArtists = {"Moon", "{Blank}"};
+  lists.KillSongs = {"a\x1B"};
+  EXPECT_EQ(PeopleText("lists", ToJson(lists)),
+            "Grab artists\n  Moon\n  {Blank}\n"
+            "Grab songs\n  none\n"
+            "Kill artists\n  none\n"
+            "Kill songs\n  a\xEF\xBF\xBD\n");
+}
+
 TEST(PeopleText, LogLinesAndValuesStandAsTheyAre) {
   EXPECT_EQ(PeopleText("log", Json::array({"one", "two"})), "one\ntwo\n");
   EXPECT_EQ(PeopleText("log", Json::array()), "");
@@ -112,7 +162,8 @@ TEST(PeopleText, LogLinesAndValuesStandAsTheyAre) {
 }
 
 TEST(PeopleText, ACommandWithoutResultSaysNothing) {
-  for (const char* command : {"record", "stop", "tune", "mute", "set", "quit"}) {
+  for (const char* command :
+       {"record", "stop", "tune", "mute", "set", "schedule set", "schedule clear", "lists add", "quit"}) {
     EXPECT_EQ(PeopleText(command, Json()), "") << command;
   }
 }
@@ -134,6 +185,9 @@ TEST(PeopleText, AResultOfAnotherShapeIsNone) {
   EXPECT_FALSE(PeopleText("status", Json::object()));
   EXPECT_FALSE(PeopleText("channels", Json::object()));
   EXPECT_FALSE(PeopleText("update", Json::object()));
+  EXPECT_FALSE(PeopleText("schedule", Json()));
+  EXPECT_FALSE(PeopleText("lists", Json()));
+  EXPECT_FALSE(PeopleText("schedule set", Json(1)));
   EXPECT_FALSE(PeopleText("log", Json("x")));
   EXPECT_FALSE(PeopleText("log", Json::array({1})));
   EXPECT_FALSE(PeopleText("get", Json(1)));

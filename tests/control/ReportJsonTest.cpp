@@ -113,6 +113,38 @@ TEST(ReportJson, AnUpdateComesBackAsItWentAndNoMemberMayLack) {
   EXPECT_FALSE(UpdateFromJson(Json::array()));
 }
 
+TEST(ReportJson, ScheduleMembersHaveTheirNamesAndComeBackAsTheyWent) {
+  const std::string text =
+      R"([{"number":3,"enabled":true,"on":"Every Day","at":"8:00 PM","minutes":61,"channel":44,"station":"Fred",)"
+      R"("integrel":true,"cleftune":false,"grab":true,"kill":false,"bitrate":"64 Mono",)"
+      R"("nextRun":"2026-11-21 20:00","running":true,"secondsLeft":12}])";
+  const auto entries = ScheduleFromJson(Json::parse(text));
+  ASSERT_TRUE(entries);
+  EXPECT_EQ(entries->at(0).Minutes, 61);
+  EXPECT_EQ(ToJson(*entries).dump(), text);
+  const Json row = Json::parse(text)[0];
+  for (const auto& [name, value] : row.items()) {
+    Json without = row;
+    without.erase(name);
+    EXPECT_FALSE(ScheduleFromJson(Json::array({without}))) << name;
+  }
+  EXPECT_FALSE(ScheduleFromJson(Json()));
+  EXPECT_FALSE(ScheduleFromJson(Json::array({1})));
+}
+
+TEST(ReportJson, TheListsHaveTheirNamesAndComeBackAsTheyWent) {
+  const std::string text =
+      R"({"grabArtists":["Moon","Sun"],"grabSongs":[],"killArtists":["Rain"],"killSongs":["Wind"]})";
+  const auto lists = ListsFromJson(Json::parse(text));
+  ASSERT_TRUE(lists);
+  EXPECT_EQ(ToJson(*lists).dump(), text);
+  for (const char* wrong :
+       {"null", "[]", "{}", R"({"grabArtists":[1],"grabSongs":[],"killArtists":[],"killSongs":[]})",
+        R"({"grabArtists":[],"grabSongs":{},"killArtists":[],"killSongs":[]})"}) {
+    EXPECT_FALSE(ListsFromJson(Json::parse(wrong))) << wrong;
+  }
+}
+
 TEST(ReportJson, NoChannelsAreAnEmptyArray) {
   EXPECT_EQ(ToJson(std::vector<ChannelReport>{}).dump(), "[]");
   EXPECT_TRUE(ChannelsFromJson(Json::parse("[]"))->empty());

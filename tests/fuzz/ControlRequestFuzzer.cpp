@@ -28,6 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   target.NextStatus.Station = line;
   target.NextSetting.Value = line;
   target.Log = {line};
+  target.NextLists.KillSongs = {line};
+  target.NextSchedule.emplace_back().Station = line;
   const std::string answer = control::Dispatch(target, line);
   Require(answer.find('\n') == std::string::npos);
   const auto reply = control::ReplyFromLine(answer);
@@ -36,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // The client's side: any line may come back to it.
   if (const auto hostile = control::ReplyFromLine(line)) {
-    for (const char* command : {"status", "channels", "log", "get", "stop"}) {
+    for (const char* command : {"status", "channels", "log", "get", "schedule", "lists", "stop"}) {
       if (const auto text = control::PeopleText(command, hostile->Result)) {
         Require(text->find('\x1B') == std::string::npos);
       }

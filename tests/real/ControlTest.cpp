@@ -186,6 +186,49 @@ TEST_F(Control, LogShowsTheNewestLines) {
   EXPECT_EQ(Recorder().Ask({"log", "1"}).size(), 1U);
 }
 
+TEST_F(Control, AScheduleEntryIsSetListedAndCleared) {
+  EXPECT_EQ(Recorder()
+                .Ctl({"schedule", "set", "3", "--on", "2099-12-24", "--at", "8:00 PM", "--for=2:05",
+                      "--channel", "25", "--integrel", "off", "--bitrate", "64 mono"})
+                .Exit,
+            0);
+  const Json entry = Recorder().Ask({"schedule"}).at(2);
+  EXPECT_EQ(entry["on"], "Dec 24, 2099");
+  EXPECT_EQ(entry["at"], "8:00 PM");
+  EXPECT_EQ(entry["minutes"], 125);
+  EXPECT_EQ(entry["station"], "Station 25");
+  EXPECT_EQ(entry["integrel"], false);
+  EXPECT_EQ(entry["nextRun"], "2099-12-24 20:00");
+  EXPECT_EQ(entry["running"], false);
+  EXPECT_THAT(Recorder().Ctl({"schedule"}).Output,
+              HasSubstr("    3  Dec 24, 2099   8:00 PM   2:05   25 - Station 25"));
+  EXPECT_THAT(FileText(Recorder().SettingsFile()), HasSubstr("ScheduleStartDate3=Dec 24, 2099 8:00 PM"));
+
+  const Outcome conflict = Recorder().Ctl(
+      {"schedule", "set", "2", "--on", "Dec 24, 2099", "--at", "21:00", "--for", "0:30", "--channel", "8"});
+  EXPECT_EQ(conflict.Exit, 1);
+  EXPECT_EQ(conflict.Errors, "kestrune-ctl: Item 2 conflicts with item 3. Please correct before saving.\n");
+
+  EXPECT_EQ(Recorder().Ctl({"schedule", "disable", "3"}).Exit, 0);
+  EXPECT_EQ(Recorder().Ask({"schedule"}).at(2)["enabled"], false);
+  EXPECT_EQ(Recorder().Ctl({"schedule", "clear", "3"}).Exit, 0);
+  const Outcome wrong = Recorder().Ctl({"schedule", "set", "3", "--at", "soon"});
+  EXPECT_EQ(wrong.Exit, 2);
+  EXPECT_THAT(wrong.Errors, HasSubstr("--at"));
+  EXPECT_EQ(Recorder().Ctl({"status", "--at", "8:00 PM"}).Exit, 2);
+}
+
+TEST_F(Control, ListsAreShownAndChanged) {
+  EXPECT_EQ(Recorder().Ctl({"lists", "add", "grab-artist", "Moön & Co"}).Exit, 0);
+  EXPECT_EQ(Recorder().Ask({"lists"})["grabArtists"], Json::array({"Moön & Co"}));
+  EXPECT_EQ(FileText(Recorder().DataFolder() + "/Restriction.txt"), "0Moön & Co\n");
+  EXPECT_THAT(Recorder().Ctl({"lists"}).Output, HasSubstr("Grab artists\n  Moön & Co\nGrab songs\n  none\n"));
+  EXPECT_EQ(Recorder().Ctl({"lists", "add", "grab-artist", "moön & co"}).Exit, 1);
+  EXPECT_EQ(Recorder().Ctl({"lists", "remove", "grab-artist", "Moön & Co"}).Exit, 0);
+  EXPECT_EQ(Recorder().Ctl({"lists", "remove", "grab-artist", "Moön & Co"}).Exit, 1);
+  EXPECT_EQ(Recorder().Ask({"lists"})["grabArtists"], Json::array());
+}
+
 TEST_F(Control, TheSameUnitIsNotStartedTwice) {
   const Outcome second = RunToEnd({"kestrune",
                                    {"--headless", "--accept-agreement", "--profile", Recorder().Profile(),

@@ -210,5 +210,27 @@ TEST_F(RestrictionsTest, AnswersAsASearchWithoutRegardToCase) {
   }
 }
 
+TEST_F(RestrictionsTest, ARemovalTakesEachEqualEntryOfOneListAndLeavesAllOtherLines) {
+  Load("0Moon\r\nrubbish\n0moon \n2Moon\n0Moonlight\n\n0Moon");
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, " MOON "), 3);
+  EXPECT_EQ(files_.Read(kPath), "rubbish\n2Moon\n0Moonlight\n\n");
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::KillArtists), 1);
+}
+
+TEST_F(RestrictionsTest, WhatIsNotThereIsNotRemoved) {
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon"), 0) << "without a file";
+  Load("0Moon");
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabSongs, "Moon"), 0);
+  EXPECT_EQ(files_.Read(kPath), "0Moon") << "the file is not touched";
+}
+
+TEST_F(RestrictionsTest, ARemovalThatCannotBeWrittenChangesNothing) {
+  Load("0Moon\n");
+  files_.FailAlways(FileOperation::Replace);
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon"), std::nullopt);
+  EXPECT_TRUE(lists_.IsInGrabList("Moon", ""));
+}
+
 }  // namespace
 }  // namespace kestrune::test

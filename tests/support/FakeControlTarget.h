@@ -20,6 +20,9 @@ class FakeControlTarget : public control::ControlTarget {
   control::SettingResult NextSetting{true, "", ""};
   control::UpdateResult NextUpdate{true, "", {}};
   std::vector<std::string> Log;
+  std::vector<control::ScheduleReport> NextSchedule;
+  control::ListsReport NextLists;
+  control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
     Calls.emplace_back("Status");
@@ -45,6 +48,30 @@ class FakeControlTarget : public control::ControlTarget {
   }
   control::CommandResult Set(std::string_view key, std::string_view value) override {
     return Note(fmt::format("Set {}={}", key, value));
+  }
+  std::vector<control::ScheduleReport> Schedule() override {
+    Calls.emplace_back("Schedule");
+    return NextSchedule;
+  }
+  control::CommandResult SetSchedule(const control::ScheduleChange& change) override {
+    Change = change;
+    return Note(fmt::format("SetSchedule {}", change.Number));
+  }
+  control::CommandResult EnableSchedule(int number, bool enabled) override {
+    return Note(fmt::format("EnableSchedule {} {}", number, enabled));
+  }
+  control::CommandResult ClearSchedule(int number) override {
+    return Note(fmt::format("ClearSchedule {}", number));
+  }
+  control::ListsReport Lists() override {
+    Calls.emplace_back("Lists");
+    return NextLists;
+  }
+  control::CommandResult AddToList(schedule::RestrictList list, std::string_view text) override {
+    return Note(fmt::format("AddToList {} {}", static_cast<int>(list), text));
+  }
+  control::CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override {
+    return Note(fmt::format("RemoveFromList {} {}", static_cast<int>(list), text));
   }
   control::UpdateResult Update() override {
     Calls.emplace_back("Update");

@@ -1,5 +1,6 @@
 // Talks to a running unit: one command, its answer as columns for people or as JSON for machines.
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -52,7 +53,7 @@ struct Invocation {
 
 std::string UsageText() {
   return "usage: kestrune-ctl [options] COMMAND\n\ncommands:\n" + control::CommandsHelp() + "\noptions:\n" +
-         control::OptionsHelp(kOptions) +
+         control::OptionsHelp(kOptions) + '\n' + control::CommandOptionsHelp() +
          "\nexit status: 0 done, 1 refused, 2 wrong use, 3 no such unit running\n";
 }
 
@@ -80,11 +81,26 @@ std::string WhatIsWrongWith(const control::Request& request) {
   return control::WhatIsWrong(request).value_or("");
 }
 
+/// The program's own options, and those that the commands have.
+std::vector<control::LongOption> AllOptions() {
+  std::vector<control::LongOption> all(kOptions.begin(), kOptions.end());
+  for (const control::Command& command : control::CommandTable())
+    for (const control::CommandOption& option : command.Options)
+      all.push_back({option.Name, option.ValueName, option.Help});
+  return all;
+}
+
 Invocation Parse(std::span<const std::string> words) {
   Invocation invocation;
-  const control::OptionsRead read = control::ReadLongOptions(kOptions, words);
+  const std::vector<control::LongOption> allowed = AllOptions();
+  const control::OptionsRead read = control::ReadLongOptions(allowed, words);
   invocation.Error = read.Error;
+  std::vector<std::string> ofCommand;
   for (const control::GivenOption& given : read.Given) {
+    const bool own =
+        std::any_of(kOptions.begin(), kOptions.end(),
+                    [&given](const control::LongOption& option) { return option.Name == given.Name; });
+    if (!own) ofCommand.insert(ofCommand.end(), {std::string(given.Name), given.Value});
     if (given.Name == "--json") invocation.Json = true;
     if (given.Name == "--help") invocation.Help = true;
     if (given.Name == "--version") invocation.Version = true;
@@ -103,6 +119,8 @@ Invocation Parse(std::span<const std::string> words) {
     return invocation;
   }
   invocation.Request = {read.Rest.front(), {read.Rest.begin() + 1, read.Rest.end()}};
+  std::vector<std::string>& arguments = invocation.Request.Arguments;
+  arguments.insert(arguments.end(), ofCommand.begin(), ofCommand.end());
   invocation.Error = WhatIsWrongWith(invocation.Request);
   return invocation;
 }
@@ -121,7 +139,8 @@ ExitCode Show(const Invocation& invocation, std::string_view line) {
     Write(stdout, reply->Result.dump() + '\n');
     return ExitCode::Done;
   }
-  const std::optional<std::string> text = control::PeopleText(invocation.Request.Command, reply->Result);
+  const std::optional<std::string> text =
+      control::PeopleText(control::FindCommand(invocation.Request)->Name, reply->Result);
   if (!text) {
     Complain("the unit's answer has a shape that is not known here; try --json");
     return ExitCode::Refused;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QDialog>
+
+#include "config/SettingsSection.h"
+#include "schedule/DateSelect.h"
+
+class QCalendarWidget;
+class QDate;
+class QLabel;
+
+namespace kestrune::windows {
+
+/// The date picker of the scheduler. Shown blocking, by exec(); any choice closes it, and closed without one it
+/// leaves the date as it came.
+class frmDateSelect final : public QDialog {
+ public:
+  /// Both references must outlive the window.
+  frmDateSelect(schedule::DateSelect& rules, const config::SettingsSection& section,
+                QWidget* parent = nullptr);
+
+  void Refresh();
+  void done(int result) override;
+
+ private:
+  [[nodiscard]] QWidget* MakeCalendar();
+  void ChooseDate(QDate date);
+  void ShowPage();
+
+  schedule::DateSelect& rules_;
+  const config::SettingsSection& section_;
+  QCalendarWidget* cldDateSelect_ = nullptr;
+  QLabel* lblMonth_ = nullptr;
+};
+
+}  // namespace kestrune::windows
