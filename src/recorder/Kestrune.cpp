@@ -80,6 +80,17 @@ config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string
   return outcome;
 }
 
+config::ConfigurationAccess Kestrune::ConfigurationAccess() {
+  return {.Settings = settings_,
+          .Section = section_,
+          .FileSpecs = fileSpecs_,
+          .Dialogs = outside_.Dialogs,
+          .Environment = outside_.Environment,
+          .Devices = [this] { return deviceList_; },
+          .cmdStop = [this] { commands_.cmdStop(); },
+          .DeviceChanged = [this] { ReadInputDeviceName(); }};
+}
+
 void Kestrune::ReadInputDeviceName() {
   if (audio_.AudioRecord == nullptr) return;
   audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
