@@ -51,7 +51,7 @@ std::int16_t Held(std::int16_t value, const SpinRange& range) {
 
 void TakeTyped(std::int16_t& field, const SpinRange& range, std::string_view text) {
   const std::optional<std::int16_t> value = base::ToInt16(text);
-  if (value && *value >= range.Least && *value <= range.Most) field = *value;
+  if (value) field = Held(*value, range);
 }
 
 template <typename Field>

@@ -88,7 +88,7 @@ class Mp3Options {
   void CurrentBitrate(int position);
   void EncoderQuality(int value);
   void MaxVBRBitrate(int position);
-  /// What is typed counts once it is a number of the range; until then the last one does.
+  /// A number that is typed counts, held within the range; any other text leaves the last number counting.
   void txtVbrQ(std::string_view text);
   void txtABR(std::string_view text);
   /// The user leaves the text box: it shows the number that counts.

@@ -274,16 +274,19 @@ TEST_F(Mp3OptionsTest, TheSpinsStepByOneAndTheFiltersByTen) {
   EXPECT_EQ(Filter(FilterNumber::LFiltF).Text, "48000");
 }
 
-TEST_F(Mp3OptionsTest, WhatIsTypedBesideASpinCountsOnceItIsANumberOfTheRange) {
-  for (const char* text : {"", "x", "10", "-1", "99999"}) {
+TEST_F(Mp3OptionsTest, WhatIsTypedBesideASpinCountsIfItIsANumberAndWithinTheRange) {
+  const std::vector<std::pair<const char*, std::int16_t>> rows{{"7", 7},  {"", 7},   {"x", 7},
+                                                               {"99", 9}, {"-1", 0}, {"99999", 0}};
+  for (const auto& [text, counts] : rows) {
     options_.txtVbrQ(text);
     EXPECT_EQ(Shown().txtVbrQ.Text, text) << "nothing is taken out of the user's hands";
+    EXPECT_TRUE(options_.cmdOK());
+    EXPECT_EQ(record_.VBRQuality, counts) << text;
   }
-  EXPECT_TRUE(options_.cmdOK());
-  EXPECT_EQ(record_.VBRQuality, 4);
-  options_.txtVbrQ("x");
+  options_.txtABR("400");
   options_.ShowSpinValues();
-  EXPECT_EQ(Shown().txtVbrQ.Text, "4");
+  EXPECT_EQ(Shown().txtVbrQ.Text, "0");
+  EXPECT_EQ(Shown().txtABR.Text, "320");
 }
 
 TEST_F(Mp3OptionsTest, WithoutAVariableBitrateAllOfItIsHiddenAndStillSaved) {
