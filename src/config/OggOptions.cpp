@@ -54,30 +54,30 @@ OggOptions::OggOptions(Settings& settings, const SettingsSection& section)
 void OggOptions::Load() {
   const FormatOGG& record = settings_.FormatOGG;
   controls_ = {};
-  LoadSlider(controls_.sldrBitrate, kNominal, record.Bitrate);
-  LoadSlider(controls_.sldrMaxBitrate, kMax, record.MaxBitrate);
-  LoadSlider(controls_.sldrMinBitrate, kMin, record.MinBitrate);
+  LoadSlider(controls_.NominalBitrate, kNominal, record.Bitrate);
+  LoadSlider(controls_.MaxBitrate, kMax, record.MaxBitrate);
+  LoadSlider(controls_.MinBitrate, kMin, record.MinBitrate);
   chkVbr(record.VbrEnabled);
   chkQuality(record.QualityEnabled);
   // The field as it stands, though cmdOK divides by 100: a stored 4 opens at 4 of 1000.
-  sldrQuality(record.Quality);
+  Quality(record.Quality);
 }
 
-void OggOptions::sldrBitrate(int position) {
-  MoveSlider(controls_.sldrBitrate, kNominal, position);
+void OggOptions::NominalBitrate(int position) {
+  MoveSlider(controls_.NominalBitrate, kNominal, position);
 }
 
-void OggOptions::sldrMinBitrate(int position) {
-  MoveSlider(controls_.sldrMinBitrate, kMin, position);
+void OggOptions::MinBitrate(int position) {
+  MoveSlider(controls_.MinBitrate, kMin, position);
 }
 
-void OggOptions::sldrMaxBitrate(int position) {
-  MoveSlider(controls_.sldrMaxBitrate, kMax, position);
+void OggOptions::MaxBitrate(int position) {
+  MoveSlider(controls_.MaxBitrate, kMax, position);
 }
 
-void OggOptions::sldrQuality(int value) {
-  controls_.sldrQuality = std::clamp(value, 0, kMostQuality);
-  controls_.QualityTip = QualityText(controls_.sldrQuality);
+void OggOptions::Quality(int value) {
+  controls_.Quality = std::clamp(value, 0, kMostQuality);
+  controls_.QualityTip = QualityText(controls_.Quality);
 }
 
 void OggOptions::chkVbr(bool checked) {
@@ -93,18 +93,18 @@ void OggOptions::chkQuality(bool checked) {
 // Without variable bitrate the sliders go, and their frame stays as it is.
 void OggOptions::ShowVbr() {
   if (controls_.chkVbr) controls_.frmVbrVisible = true;
-  controls_.sldrMinBitrate.Visible = controls_.chkVbr;
-  controls_.sldrMaxBitrate.Visible = controls_.chkVbr;
+  controls_.MinBitrate.Visible = controls_.chkVbr;
+  controls_.MaxBitrate.Visible = controls_.chkVbr;
 }
 
 void OggOptions::ShowQuality() {
   controls_.frmQualityVisible = controls_.chkQuality;
   controls_.chkVbrVisible = !controls_.chkQuality;
-  controls_.sldrBitrate.Visible = !controls_.chkQuality;
+  controls_.NominalBitrate.Visible = !controls_.chkQuality;
   if (controls_.chkQuality) {
     controls_.frmVbrVisible = false;
-    controls_.sldrMinBitrate.Visible = false;
-    controls_.sldrMaxBitrate.Visible = false;
+    controls_.MinBitrate.Visible = false;
+    controls_.MaxBitrate.Visible = false;
   } else {
     ShowVbr();
   }
@@ -112,12 +112,12 @@ void OggOptions::ShowQuality() {
 
 void OggOptions::cmdOK() {
   FormatOGG record = settings_.FormatOGG;
-  record.Bitrate = kBitrates.Bitrate(controls_.sldrBitrate.Position);
-  record.MaxBitrate = kBitrates.Bitrate(controls_.sldrMaxBitrate.Position);
-  record.MinBitrate = kBitrates.Bitrate(controls_.sldrMinBitrate.Position);
+  record.Bitrate = kBitrates.Bitrate(controls_.NominalBitrate.Position);
+  record.MaxBitrate = kBitrates.Bitrate(controls_.MaxBitrate.Position);
+  record.MinBitrate = kBitrates.Bitrate(controls_.MinBitrate.Position);
   record.QualityEnabled = controls_.chkQuality;
   record.Quality =
-      base::ToInt16(static_cast<double>(controls_.sldrQuality) / kQualityUnit).value_or(record.Quality);
+      base::ToInt16(static_cast<double>(controls_.Quality) / kQualityUnit).value_or(record.Quality);
   record.VbrEnabled = controls_.chkVbr;
   settings_.FormatOGG = record;
   base::Ignored(SaveSettings(section_, settings_, FormatKeys("OGG")));

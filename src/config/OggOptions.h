@@ -21,10 +21,10 @@ struct BitrateSlider {
 
 /// What the Ogg Vorbis option window shows.
 struct OggControls {
-  BitrateSlider sldrBitrate;
-  BitrateSlider sldrMinBitrate;
-  BitrateSlider sldrMaxBitrate;
-  int sldrQuality = 0;  ///< 0 to 1000
+  BitrateSlider NominalBitrate;  ///< sldrBitrate, lblBitrate
+  BitrateSlider MinBitrate;      ///< sldrMinBitrate, lblMinBitrate
+  BitrateSlider MaxBitrate;      ///< sldrMaxBitrate, lblMaxBitrate
+  int Quality = 0;               ///< sldrQuality, 0 to 1000
   std::string QualityTip;
   bool chkVbr = false;
   bool chkQuality = false;
@@ -42,10 +42,11 @@ class OggOptions {
   [[nodiscard]] const OggControls& Controls() const { return controls_; }
   /// Copies the record of the running program.
   void Load();
-  void sldrBitrate(int position);
-  void sldrMinBitrate(int position);
-  void sldrMaxBitrate(int position);
-  void sldrQuality(int value);
+  // The four sliders.
+  void NominalBitrate(int position);
+  void MinBitrate(int position);
+  void MaxBitrate(int position);
+  void Quality(int value);
   void chkVbr(bool checked);
   void chkQuality(bool checked);
   /// Takes the choices over into the running program and saves the format's keys.

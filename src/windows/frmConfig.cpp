@@ -289,7 +289,7 @@ void frmConfig::Load() {
   cboMinLength_->setFocus();
 }
 
-void frmConfig::Open() {
+void frmConfig::ShowModeless() {
   if (!isVisible()) {
     Load();
     show();

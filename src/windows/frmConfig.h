@@ -29,7 +29,7 @@ class frmConfig final : public QDialog {
   std::function<void()> FocusMainWindow = [] {};
 
   /// Loads and shows it beside the main window; one that is open already just comes to the front.
-  void Open();
+  void ShowModeless();
   /// The first run: modal, and without its cancel. Returns once it has closed.
   void ShowFirst();
   /// Shows the rules' record.

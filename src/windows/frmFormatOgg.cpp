@@ -72,20 +72,20 @@ frmFormatOgg::frmFormatOgg(config::OggOptions& options, QWidget* parent)
 
 void frmFormatOgg::AddBitrates(QVBoxLayout& column) {
   nominal_ =
-      AddBitrate("sldrBitrate", "lblBitrate", "Select encoding bitrate", &config::OggOptions::sldrBitrate);
+      AddBitrate("sldrBitrate", "lblBitrate", "Select encoding bitrate", &config::OggOptions::NominalBitrate);
   least_ = AddBitrate("sldrMinBitrate", "lblMinBitrate", "Select minimum VBR bitrate",
-                      &config::OggOptions::sldrMinBitrate);
+                      &config::OggOptions::MinBitrate);
   most_ = AddBitrate("sldrMaxBitrate", "lblMaxBitrate", "Select maximum VBR bitrate",
-                     &config::OggOptions::sldrMaxBitrate);
+                     &config::OggOptions::MaxBitrate);
   column.addWidget(nominal_.Label);
   column.addWidget(nominal_.Slider);
   Name(*frmVbr_, "frmVbr");
   KeepRoom(*frmVbr_);
   auto* limits = new QVBoxLayout(frmVbr_);
-  for (const Bitrate& controls : {least_, most_}) {
-    limits->addWidget(controls.Label);
-    limits->addWidget(controls.Slider);
-  }
+  limits->addWidget(least_.Label);
+  limits->addWidget(least_.Slider);
+  limits->addWidget(most_.Label);
+  limits->addWidget(most_.Slider);
   column.addWidget(frmVbr_);
 }
 
@@ -120,7 +120,7 @@ void frmFormatOgg::AddQuality() {
   sldrQuality_->setTickInterval(kQualityTick);
   sldrQuality_->setTickPosition(QSlider::TicksBelow);
   OnMoved(*sldrQuality_, [this](int value) {
-    options_.sldrQuality(value);
+    options_.Quality(value);
     Refresh();
     ShowTip(*sldrQuality_, options_.Controls().QualityTip);
   });
@@ -137,10 +137,10 @@ void frmFormatOgg::Show(const Bitrate& controls, const config::BitrateSlider& sl
 
 void frmFormatOgg::Refresh() {
   const config::OggControls& controls = options_.Controls();
-  Show(nominal_, controls.sldrBitrate);
-  Show(least_, controls.sldrMinBitrate);
-  Show(most_, controls.sldrMaxBitrate);
-  ShowPosition(*sldrQuality_, controls.sldrQuality);
+  Show(nominal_, controls.NominalBitrate);
+  Show(least_, controls.MinBitrate);
+  Show(most_, controls.MaxBitrate);
+  ShowPosition(*sldrQuality_, controls.Quality);
   sldrQuality_->setAccessibleDescription(ToQt(controls.QualityTip));
   ShowChecked(*chkVbr_, controls.chkVbr);
   ShowChecked(*chkQuality_, controls.chkQuality);

@@ -43,15 +43,15 @@ TEST_F(OggOptionsTest, TheBitrateTable) {
 }
 
 TEST_F(OggOptionsTest, LoadShowsTheRecord) {
-  EXPECT_EQ(Shown().sldrBitrate.Position, 3);
-  EXPECT_EQ(Shown().sldrMinBitrate.Position, 2);
-  EXPECT_EQ(Shown().sldrMaxBitrate.Position, 4);
-  EXPECT_EQ(Shown().sldrBitrate.Label, "Current nominal bitrate: 160 kbit");
-  EXPECT_EQ(Shown().sldrMinBitrate.Label, "Current min bitrate: 128 kbit");
-  EXPECT_EQ(Shown().sldrMaxBitrate.Label, "Current max bitrate: 192 kbit");
-  EXPECT_EQ(Shown().sldrBitrate.Tip, "160");
-  EXPECT_EQ(Shown().sldrMinBitrate.Tip, "128");
-  EXPECT_EQ(Shown().sldrMaxBitrate.Tip, "192");
+  EXPECT_EQ(Shown().NominalBitrate.Position, 3);
+  EXPECT_EQ(Shown().MinBitrate.Position, 2);
+  EXPECT_EQ(Shown().MaxBitrate.Position, 4);
+  EXPECT_EQ(Shown().NominalBitrate.Label, "Current nominal bitrate: 160 kbit");
+  EXPECT_EQ(Shown().MinBitrate.Label, "Current min bitrate: 128 kbit");
+  EXPECT_EQ(Shown().MaxBitrate.Label, "Current max bitrate: 192 kbit");
+  EXPECT_EQ(Shown().NominalBitrate.Tip, "160");
+  EXPECT_EQ(Shown().MinBitrate.Tip, "128");
+  EXPECT_EQ(Shown().MaxBitrate.Tip, "192");
   EXPECT_FALSE(Shown().chkVbr);
   EXPECT_FALSE(Shown().chkQuality);
 }
@@ -59,8 +59,8 @@ TEST_F(OggOptionsTest, LoadShowsTheRecord) {
 TEST_F(OggOptionsTest, ABitrateThatIsNotOnTheTableShowsBelowTheSlidersLeast) {
   record_.Bitrate = 96;
   options_.Load();
-  EXPECT_EQ(Shown().sldrBitrate.Position, 0);
-  EXPECT_EQ(Shown().sldrBitrate.Label, "Current nominal bitrate: 96 kbit");
+  EXPECT_EQ(Shown().NominalBitrate.Position, 0);
+  EXPECT_EQ(Shown().NominalBitrate.Label, "Current nominal bitrate: 96 kbit");
   options_.cmdOK();
   EXPECT_EQ(record_.Bitrate, 0);
 }
@@ -68,15 +68,15 @@ TEST_F(OggOptionsTest, ABitrateThatIsNotOnTheTableShowsBelowTheSlidersLeast) {
 TEST_F(OggOptionsTest, EveryPositionOfEverySliderReachesTheEncoder) {
   options_.chkVbr(true);
   for (int position = 1; position <= 6; ++position) {
-    options_.sldrBitrate(position);
-    options_.sldrMinBitrate(7 - position);
-    options_.sldrMaxBitrate(position);
+    options_.NominalBitrate(position);
+    options_.MinBitrate(7 - position);
+    options_.MaxBitrate(position);
     const std::string kbit = std::to_string(config::OggBitrates().Bitrate(position));
     const std::string mirrored = std::to_string(config::OggBitrates().Bitrate(7 - position));
-    EXPECT_EQ(Shown().sldrBitrate.Label, "Current nominal bitrate: " + kbit + " kbit");
-    EXPECT_EQ(Shown().sldrMinBitrate.Label, "Current min bitrate: " + mirrored + " kbit");
-    EXPECT_EQ(Shown().sldrMaxBitrate.Label, "Current max bitrate: " + kbit + " kbit");
-    EXPECT_EQ(Shown().sldrMinBitrate.Tip, mirrored);
+    EXPECT_EQ(Shown().NominalBitrate.Label, "Current nominal bitrate: " + kbit + " kbit");
+    EXPECT_EQ(Shown().MinBitrate.Label, "Current min bitrate: " + mirrored + " kbit");
+    EXPECT_EQ(Shown().MaxBitrate.Label, "Current max bitrate: " + kbit + " kbit");
+    EXPECT_EQ(Shown().MinBitrate.Tip, mirrored);
     options_.cmdOK();
     EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 " + kbit + " " + mirrored + " " + kbit + " -1")
         << "the minimum is not held below the maximum";
@@ -87,11 +87,11 @@ TEST_F(OggOptionsTest, EveryPositionOfEverySliderReachesTheEncoder) {
 }
 
 TEST_F(OggOptionsTest, TheQualityOpensAsStoredAndIsSavedDividedByAHundred) {
-  EXPECT_EQ(Shown().sldrQuality, 4);
+  EXPECT_EQ(Shown().Quality, 4);
   options_.chkQuality(true);
   options_.cmdOK();
   EXPECT_EQ(record_.Quality, 0) << "OK without moving it";
-  options_.sldrQuality(400);
+  options_.Quality(400);
   EXPECT_EQ(Shown().QualityTip, "4");
   options_.cmdOK();
   EXPECT_EQ(record_.Quality, 4);
@@ -102,41 +102,41 @@ TEST_F(OggOptionsTest, TheQualityRoundsHalvesToEven) {
   const std::vector<std::pair<int, std::int16_t>> rows{{0, 0},   {49, 0},  {50, 0},  {51, 1},   {149, 1},
                                                        {150, 2}, {450, 4}, {550, 6}, {999, 10}, {1000, 10}};
   for (const auto& [value, quality] : rows) {
-    options_.sldrQuality(value);
+    options_.Quality(value);
     options_.cmdOK();
     EXPECT_EQ(record_.Quality, quality) << value;
   }
 }
 
 TEST_F(OggOptionsTest, TheQualityTipIsTheHundredth) {
-  options_.sldrQuality(455);
+  options_.Quality(455);
   EXPECT_EQ(Shown().QualityTip, "4.55");
-  options_.sldrQuality(1000);
+  options_.Quality(1000);
   EXPECT_EQ(Shown().QualityTip, "10");
-  options_.sldrQuality(0);
+  options_.Quality(0);
   EXPECT_EQ(Shown().QualityTip, "0");
 }
 
 TEST_F(OggOptionsTest, AQualityOutsideTheSliderStaysAtItsEnd) {
   record_.Quality = 2000;
   options_.Load();
-  EXPECT_EQ(Shown().sldrQuality, 1000);
+  EXPECT_EQ(Shown().Quality, 1000);
   record_.Quality = -5;
   options_.Load();
-  EXPECT_EQ(Shown().sldrQuality, 0);
+  EXPECT_EQ(Shown().Quality, 0);
 }
 
 TEST_F(OggOptionsTest, VbrShowsItsSlidersAndWithoutItTheFrameStays) {
-  EXPECT_FALSE(Shown().sldrMinBitrate.Visible);
-  EXPECT_FALSE(Shown().sldrMaxBitrate.Visible);
+  EXPECT_FALSE(Shown().MinBitrate.Visible);
+  EXPECT_FALSE(Shown().MaxBitrate.Visible);
   EXPECT_TRUE(Shown().frmVbrVisible);
-  EXPECT_TRUE(Shown().sldrBitrate.Visible);
+  EXPECT_TRUE(Shown().NominalBitrate.Visible);
   options_.chkVbr(true);
-  EXPECT_TRUE(Shown().sldrMinBitrate.Visible);
-  EXPECT_TRUE(Shown().sldrMaxBitrate.Visible);
+  EXPECT_TRUE(Shown().MinBitrate.Visible);
+  EXPECT_TRUE(Shown().MaxBitrate.Visible);
   EXPECT_TRUE(Shown().frmVbrVisible);
   options_.chkVbr(false);
-  EXPECT_FALSE(Shown().sldrMinBitrate.Visible);
+  EXPECT_FALSE(Shown().MinBitrate.Visible);
   EXPECT_TRUE(Shown().frmVbrVisible);
 }
 
@@ -146,16 +146,16 @@ TEST_F(OggOptionsTest, QualityHidesAllOfTheBitratesAndBringsThemBackAsTheyWere) 
   EXPECT_TRUE(Shown().frmQualityVisible);
   EXPECT_FALSE(Shown().chkVbrVisible);
   EXPECT_FALSE(Shown().frmVbrVisible);
-  EXPECT_FALSE(Shown().sldrBitrate.Visible);
-  EXPECT_FALSE(Shown().sldrMinBitrate.Visible);
-  EXPECT_FALSE(Shown().sldrMaxBitrate.Visible);
+  EXPECT_FALSE(Shown().NominalBitrate.Visible);
+  EXPECT_FALSE(Shown().MinBitrate.Visible);
+  EXPECT_FALSE(Shown().MaxBitrate.Visible);
   EXPECT_TRUE(Shown().chkVbr);
   options_.chkQuality(false);
   EXPECT_FALSE(Shown().frmQualityVisible);
   EXPECT_TRUE(Shown().chkVbrVisible);
   EXPECT_TRUE(Shown().frmVbrVisible);
-  EXPECT_TRUE(Shown().sldrBitrate.Visible);
-  EXPECT_TRUE(Shown().sldrMinBitrate.Visible);
+  EXPECT_TRUE(Shown().NominalBitrate.Visible);
+  EXPECT_TRUE(Shown().MinBitrate.Visible);
 }
 
 TEST_F(OggOptionsTest, AfterQualityTheFrameOfVbrComesBackOnlyWithVbr) {
@@ -169,21 +169,21 @@ TEST_F(OggOptionsTest, AfterQualityTheFrameOfVbrComesBackOnlyWithVbr) {
 TEST_F(OggOptionsTest, WithBothBoxesOnQualityWins) {
   options_.chkVbr(true);
   options_.chkQuality(true);
-  options_.sldrQuality(700);
+  options_.Quality(700);
   options_.cmdOK();
   EXPECT_TRUE(record_.VbrEnabled);
   EXPECT_TRUE(record_.QualityEnabled);
   EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 128 0 0 7");
   options_.Load();
   EXPECT_FALSE(Shown().frmVbrVisible);
-  EXPECT_FALSE(Shown().sldrMinBitrate.Visible);
+  EXPECT_FALSE(Shown().MinBitrate.Visible);
 }
 
 TEST_F(OggOptionsTest, TheKeysAreSavedInTheirOrder) {
-  options_.sldrBitrate(1);
-  options_.sldrMinBitrate(2);
-  options_.sldrMaxBitrate(3);
-  options_.sldrQuality(800);
+  options_.NominalBitrate(1);
+  options_.MinBitrate(2);
+  options_.MaxBitrate(3);
+  options_.Quality(800);
   options_.chkVbr(true);
   options_.cmdOK();
   EXPECT_THAT(rig_.Saves(), ElementsAre("OGG_Bitrate=112", "OGG_MaxBitrate=160", "OGG_MinBitrate=128",
@@ -191,10 +191,10 @@ TEST_F(OggOptionsTest, TheKeysAreSavedInTheirOrder) {
 }
 
 TEST_F(OggOptionsTest, ACancelKeepsNothing) {
-  options_.sldrBitrate(1);
+  options_.NominalBitrate(1);
   options_.chkVbr(true);
   options_.Load();
-  EXPECT_EQ(Shown().sldrBitrate.Position, 3);
+  EXPECT_EQ(Shown().NominalBitrate.Position, 3);
   EXPECT_FALSE(Shown().chkVbr);
   EXPECT_EQ(record_, config::FormatOGG());
   EXPECT_THAT(rig_.Saves(), IsEmpty());

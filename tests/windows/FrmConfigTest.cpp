@@ -86,7 +86,7 @@ TEST_F(FrmConfigTest, EveryControlReadsAsTold) {
       {"cmdSave", "&Save", "Save changes and exit"},
       {"cmdCancel", "&Cancel", "Cancel without saving changes"},
   };
-  window_.Open();
+  window_.ShowModeless();
   EXPECT_EQ(window_.windowTitle(), "Kestrune Configuration");
   for (const Row& row : rows) {
     auto& control = Find<QWidget>(window_, row.Name);
@@ -105,7 +105,7 @@ TEST_F(FrmConfigTest, EveryControlReadsAsTold) {
 }
 
 TEST_F(FrmConfigTest, TheListsShowTheRulesRows) {
-  window_.Open();
+  window_.ShowModeless();
   const config::ConfigurationControls& shown = rig_.Window.Controls();
   const std::vector<std::pair<const char*, const config::ChoiceList*>> lists{
       {"cboMinLength", &shown.cboMinLength}, {"cboMaxLength", &shown.cboMaxLength},
@@ -125,7 +125,7 @@ TEST_F(FrmConfigTest, TheListsShowTheRulesRows) {
 }
 
 TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
-  window_.Open();
+  window_.ShowModeless();
   ChooseRow(Find<QComboBox>(window_, "cboMinLength"), 1);
   ChooseRow(Find<QComboBox>(window_, "cboMaxLength"), 30);
   ChooseRow(Find<QComboBox>(window_, "cboSongDelay"), 7);
@@ -161,29 +161,29 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
 }
 
 TEST_F(FrmConfigTest, OpensWhereItWasClosed) {
-  window_.Open();
+  window_.ShowModeless();
   window_.move(120, 80);
   Press(window_, "cmdCancel");
   EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "ConfigTop"), "1200");
   EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "ConfigLeft"), "1800");
   window_.move(5, 5);
-  window_.Open();
+  window_.ShowModeless();
   EXPECT_EQ(window_.pos(), QPoint(120, 80));
 }
 
 TEST_F(FrmConfigTest, AMaximisedWindowsPlaceIsNotSaved) {
-  window_.Open();
+  window_.ShowModeless();
   window_.showMaximized();
   Press(window_, "cmdCancel");
   EXPECT_FALSE(PlaceSaved());
 }
 
 TEST_F(FrmConfigTest, CancelAndEscapeCloseWithoutAQuestion) {
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "chkDuplicates");
   Press(window_, "cmdCancel");
   EXPECT_FALSE(window_.isVisible());
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "chkDuplicates");
   QTest::keyClick(&window_, Qt::Key_Escape);
   EXPECT_FALSE(window_.isVisible());
@@ -192,7 +192,7 @@ TEST_F(FrmConfigTest, CancelAndEscapeCloseWithoutAQuestion) {
 }
 
 TEST_F(FrmConfigTest, TheCloseBoxAsksAfterAChange) {
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "chkDuplicates");
   rig_.Dialogs.Answer = platform::MessageAnswer::Cancel;
   EXPECT_FALSE(ClickCloseBox(window_));
@@ -207,14 +207,14 @@ TEST_F(FrmConfigTest, TheCloseBoxAsksAfterAChange) {
 }
 
 TEST_F(FrmConfigTest, TheCloseBoxOfAnUnchangedWindowCloses) {
-  window_.Open();
+  window_.ShowModeless();
   EXPECT_TRUE(ClickCloseBox(window_));
   EXPECT_FALSE(window_.isVisible());
   EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
 }
 
 TEST_F(FrmConfigTest, ACloseByTheProgramAsksNothingAndTakesOpenedWindowsAlong) {
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "chkDuplicates");
   Press(window_, "cmdChangeFormatSpecs");
   ASSERT_NE(Opened(), nullptr);
@@ -227,7 +227,7 @@ TEST_F(FrmConfigTest, ACloseByTheProgramAsksNothingAndTakesOpenedWindowsAlong) {
 }
 
 TEST_F(FrmConfigTest, ARefusedLengthKeepsItOpen) {
-  window_.Open();
+  window_.ShowModeless();
   ChooseRow(Find<QComboBox>(window_, "cboMinLength"), 35);
   ChooseRow(Find<QComboBox>(window_, "cboMaxLength"), 4);
   Press(window_, "cmdSave");
@@ -237,7 +237,7 @@ TEST_F(FrmConfigTest, ARefusedLengthKeepsItOpen) {
 }
 
 TEST_F(FrmConfigTest, AGainTextThatIsNoNumberGetsTheFocus) {
-  window_.Open();
+  window_.ShowModeless();
   auto& attack = Find<QLineEdit>(window_, "txtAGCAttackTime");
   attack.selectAll();
   QTest::keyClicks(&attack, "soon");
@@ -248,7 +248,7 @@ TEST_F(FrmConfigTest, AGainTextThatIsNoNumberGetsTheFocus) {
 }
 
 TEST_F(FrmConfigTest, TheGainBoxHidesSpinsAndLabelsAndNotTheTexts) {
-  window_.Open();
+  window_.ShowModeless();
   for (const bool on : {true, false}) {
     Press(window_, "chkAGCEnabled");
     for (const char* name : {"udAGCLowLevel", "udAGCHighLevel", "udAGCAttackTime"}) {
@@ -262,7 +262,7 @@ TEST_F(FrmConfigTest, TheGainBoxHidesSpinsAndLabelsAndNotTheTexts) {
 }
 
 TEST_F(FrmConfigTest, NothingMovesWhenTheGainBoxIsClicked) {
-  window_.Open();
+  window_.ShowModeless();
   const QPoint before = Find<QWidget>(window_, "txtAGCHighLevel").pos();
   const QSize size = window_.sizeHint();
   Press(window_, "chkAGCEnabled");
@@ -272,7 +272,7 @@ TEST_F(FrmConfigTest, NothingMovesWhenTheGainBoxIsClicked) {
 }
 
 TEST_F(FrmConfigTest, AFormatIsDescribedOnceChosen) {
-  window_.Open();
+  window_.ShowModeless();
   ChooseRow(Find<QComboBox>(window_, "cboFileFormat"), 1);
   EXPECT_EQ(Find<QLabel>(window_, "lblFormatSpecifications").text(), "SetFormatWAV 44100 2 16");
   EXPECT_EQ(rig_.Settings.FileFormat, "WAV");
@@ -294,7 +294,7 @@ TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
       {"OGG", "frmFormatOgg", "chkQuality", "SetFormatOgg 44100 2 128 0 0 0"},
   };
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    window_.Open();
+    window_.ShowModeless();
     ChooseRow(Find<QComboBox>(window_, "cboFileFormat"), static_cast<int>(i));
     Press(window_, "cmdChangeFormatSpecs");
     QDialog* opened = Opened();
@@ -312,7 +312,7 @@ TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
 }
 
 TEST_F(FrmConfigTest, AReadyMadeFormatComesIntoTheText) {
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "cmdFilenameFormat");
   QDialog* opened = Opened();
   ASSERT_NE(opened, nullptr);
@@ -328,7 +328,7 @@ TEST_F(FrmConfigTest, TheFolderChooserStartsWhereTheTextPoints) {
   const QTemporaryDir folder;
   ASSERT_TRUE(QDir(folder.path()).mkdir("songs"));
   rig_.Settings.FileDir = folder.path().toStdString() + "/songs/";
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "cmdBrowse");
   auto* chooser = qobject_cast<QFileDialog*>(Opened());
   ASSERT_NE(chooser, nullptr);
@@ -345,7 +345,7 @@ TEST_F(FrmConfigTest, TheFolderChooserStartsWhereTheTextPoints) {
 TEST_F(FrmConfigTest, AFolderThatIsNotThereStartsTheChooserAtTheNearestAbove) {
   const QTemporaryDir folder;
   rig_.Settings.FileDir = folder.path().toStdString() + "/not/there/";
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "cmdBrowse");
   auto* chooser = qobject_cast<QFileDialog*>(Opened());
   ASSERT_NE(chooser, nullptr);
@@ -358,7 +358,7 @@ TEST_F(FrmConfigTest, AFolderThatIsNotThereStartsTheChooserAtTheNearestAbove) {
 TEST_F(FrmConfigTest, OddFolderTextsStillOpenTheChooser) {
   for (const char* text : {"", "/", "relative/nowhere", "~", "//", "\xC3\xA9\xFF", "%s"}) {
     rig_.Settings.FileDir = text;
-    window_.Open();
+    window_.ShowModeless();
     Press(window_, "cmdBrowse");
     ASSERT_NE(Opened(), nullptr) << text;
     Opened()->reject();
@@ -381,7 +381,7 @@ TEST_F(FrmConfigTest, TheFirstRunHasNoCancelAndReturnsOnceItIsSaved) {
   EXPECT_TRUE(looked);
   EXPECT_FALSE(window_.isVisible());
   EXPECT_THAT(rig_.Saves(), Not(IsEmpty()));
-  window_.Open();
+  window_.ShowModeless();
   EXPECT_TRUE(Find<QWidget>(window_, "cmdCancel").isVisible());
   EXPECT_FALSE(window_.isModal());
 }
@@ -393,16 +393,16 @@ TEST_F(FrmConfigTest, TheFirstRunEndsWithTheProgram) {
 }
 
 TEST_F(FrmConfigTest, ASecondOpeningBringsTheOpenWindowToTheFrontAndKeepsWhatWasTyped) {
-  window_.Open();
+  window_.ShowModeless();
   QTest::keyClicks(&Find<QLineEdit>(window_, "txtFileDir"), "x");
-  window_.Open();
+  window_.ShowModeless();
   EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text(), "/music/x");
 }
 
 TEST_F(FrmConfigTest, DefaultsAreShown) {
   rig_.Settings.SaveDuplicates = false;
   rig_.Settings.FileFormat = "WAV";
-  window_.Open();
+  window_.ShowModeless();
   Press(window_, "cmdDefault");
   EXPECT_TRUE(Find<QCheckBox>(window_, "chkDuplicates").isChecked());
   EXPECT_EQ(Find<QComboBox>(window_, "cboFileFormat").currentText(), "MP3");
@@ -410,7 +410,7 @@ TEST_F(FrmConfigTest, DefaultsAreShown) {
 }
 
 TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
-  window_.Open();
+  window_.ShowModeless();
   const std::vector<const char*> order{
       "cboMinLength",        "cboMaxLength",      "cboSongDelay",   "txtFileDir",      "cmdBrowse",
       "txtFilenameFormat",   "cmdFilenameFormat", "chkDuplicates",  "cboFileFormat",   "cmdChangeFormatSpecs",
@@ -425,7 +425,7 @@ TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
 }
 
 TEST_F(FrmConfigTest, TheWheelTurnsNoListThatHasNoFocus) {
-  window_.Open();
+  window_.ShowModeless();
   auto& format = Find<QComboBox>(window_, "cboFileFormat");
   QWheelEvent wheel({5, 5}, format.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
                     Qt::NoScrollPhase, false);
@@ -436,7 +436,7 @@ TEST_F(FrmConfigTest, TheWheelTurnsNoListThatHasNoFocus) {
 
 TEST_F(FrmConfigTest, OpenedAndClosedAThousandTimesNothingGrows) {
   const auto round = [this] {
-    window_.Open();
+    window_.ShowModeless();
     Press(window_, "cmdChangeFormatSpecs");
     Press(*Opened(), "cmdOK");
     Press(window_, "cmdFilenameFormat");
