@@ -163,6 +163,17 @@ std::optional<std::string> Kestrune::ScheduledBitRate() const {
   return entries_.at(static_cast<std::size_t>(schedule_.ActiveSchedule - 1)).MP3BitRate;
 }
 
+config::ConfigurationAccess Kestrune::ConfigurationAccess() {
+  return {.Settings = settings_,
+          .Section = section_,
+          .FileSpecs = fileSpecs_,
+          .Dialogs = outside_.Dialogs,
+          .Environment = outside_.Environment,
+          .Devices = [this] { return deviceList_; },
+          .cmdStop = [this] { commands_.cmdStop(); },
+          .DeviceChanged = [this] { ReadInputDeviceName(); }};
+}
+
 void Kestrune::ReadInputDeviceName() {
   if (audio_.AudioRecord == nullptr) return;
   audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);

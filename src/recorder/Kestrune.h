@@ -8,6 +8,7 @@
 
 #include "base/EventLoop.h"
 #include "base/RunState.h"
+#include "config/ConfigurationAccess.h"
 #include "config/FileSpecs.h"
 #include "config/SettingChanges.h"
 #include "config/Settings.h"
@@ -126,6 +127,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
   config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
+  /// For the configuration window. What is built on it must not outlive this object.
+  [[nodiscard]] config::ConfigurationAccess ConfigurationAccess();
 
   // The rules of the main window.
   [[nodiscard]] OptionRules& Options() { return options_; }

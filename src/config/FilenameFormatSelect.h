@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kestrune::config {
+
+/// A ready-made filename format. The ".mp3" of the description follows no file format.
+struct FilenameFormatRow {
+  std::string_view Format;
+  std::string_view Description;
+};
+
+/// The eight of them, in the order in which they are shown.
+[[nodiscard]] std::span<const FilenameFormatRow> FilenameFormats();
+
+/// The rules of the window that offers them. Choosing saves nothing: the configuration does, when it is saved.
+class FilenameFormatSelect {
+ public:
+  /// Writes into `txtFilenameFormat`, the text of the configuration window, which must outlive this object.
+  explicit FilenameFormatSelect(std::string& txtFilenameFormat) : txtFilenameFormat_(txtFilenameFormat) {}
+
+  /// What the button of the row says: "Select", or that the row is the present format. The last row is never
+  /// marked.
+  [[nodiscard]] std::string_view Caption(std::size_t row) const;
+  void cmdSelect(std::size_t row);
+
+ private:
+  std::string& txtFilenameFormat_;
+};
+
+}  // namespace kestrune::config

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <vector>
+
+#include "config/FormatOptions.h"
+#include "windows/OptionDialog.h"
+
+class QRadioButton;
+
+namespace kestrune::windows {
+
+/// An option window that is made of groups of option buttons, as its rules' design tells them.
+class OptionButtons : public OptionDialog {
+ public:
+  /// `options` must outlive the window; the constructor loads them.
+  OptionButtons(const char* objectName, config::FormatOptions& options, QWidget* parent);
+
+  void Refresh();
+
+ protected:
+  bool cmdOK() override;
+
+ private:
+  void AddGroups();
+
+  config::FormatOptions& options_;
+  std::vector<std::vector<QRadioButton*>> buttons_;  ///< by group
+};
+
+}  // namespace kestrune::windows

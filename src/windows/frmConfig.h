@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "config/Configuration.h"
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace kestrune::windows {
+
+class UpDown;
+
+/// The configuration. It is one window that is shown and hidden; the windows that open from it are made anew
+/// each time, are modal, and go with it.
+class frmConfig final : public QDialog {
+ public:
+  /// `configuration` must outlive the window.
+  explicit frmConfig(config::Configuration& configuration, QWidget* parent = nullptr);
+
+  /// Called when a save is done, to give the main window the focus.
+  std::function<void()> FocusMainWindow = [] {};
+
+  /// Loads and shows it beside the main window; one that is open already just comes to the front.
+  void ShowModeless();
+  /// The first run: modal, and without its cancel. Returns once it has closed.
+  void ShowFirst();
+  /// Shows the rules' record.
+  void Refresh();
+
+  /// Escape: the same as the cancel button, and nothing while that is hidden.
+  void reject() override;
+
+ protected:
+  /// The user's close box asks, a close by the program does not.
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  using Choose = void (config::Configuration::*)(int row);
+  using Type = void (config::Configuration::*)(std::string_view text);
+  using Check = void (config::Configuration::*)(bool checked);
+  struct GainNumber {
+    QLabel* Label = nullptr;
+    QLineEdit* Line = nullptr;
+    UpDown* Arrows = nullptr;
+  };
+
+  QGridLayout& AddGroup(const char* title);
+  QLabel* AddLabel(QGridLayout& grid, int row, const char* caption);
+  QComboBox* AddList(const char* name, std::string_view tip, int characters, Choose choose);
+  QLineEdit* AddText(const char* name, std::string_view tip, Type type);
+  QCheckBox* AddBox(const char* name, const char* caption, std::string_view tip, Check check);
+  QPushButton* AddButton(const char* name, const char* caption, std::string_view tip,
+                         void (frmConfig::*press)());
+  GainNumber AddGainNumber(const char* line, const char* arrows, const char* caption, std::string_view tip,
+                           Type type, Choose step);
+  void FillSongs();
+  void FillFiles();
+  void FillFormat();
+  void FillRecording();
+  void FillWindow();
+  void AddButtons();
+  void AlignLabels();
+
+  void cmdBrowse();
+  void cmdFilenameFormat();
+  void cmdChangeFormatSpecs();
+  void cmdDefault();
+  void cmdSave();
+  void cmdCancel();
+
+  void Load();
+  void OpenModal(QDialog& window, const std::function<void()>& closed);
+  [[nodiscard]] QDialog* MakeOptionWindow();
+  void FocusFieldToMend();
+  void SavePlace();
+  void CloseWindow();
+  void CloseOpened();
+
+  config::Configuration& configuration_;
+  std::vector<QLabel*> labels_;
+  bool asking_ = false;
+
+  QComboBox* cboMinLength_ = nullptr;
+  QComboBox* cboMaxLength_ = nullptr;
+  QComboBox* cboSongDelay_ = nullptr;
+  QLineEdit* txtFileDir_ = nullptr;
+  QLineEdit* txtFilenameFormat_ = nullptr;
+  QCheckBox* chkDuplicates_ = nullptr;
+  QComboBox* cboFileFormat_ = nullptr;
+  QLabel* lblFormatSpecifications_ = nullptr;
+  QComboBox* cboDevice_ = nullptr;
+  QCheckBox* chkAGCEnabled_ = nullptr;
+  GainNumber lowLevel_;
+  GainNumber highLevel_;
+  GainNumber attackTime_;
+  QCheckBox* chkTaskBarMinimized_ = nullptr;
+  QPushButton* cmdCancel_ = nullptr;
+};
+
+}  // namespace kestrune::windows

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDialog>
+#include <vector>
+
+#include "config/FilenameFormatSelect.h"
+#include "config/SettingsSection.h"
+
+class QPushButton;
+
+namespace kestrune::windows {
+
+/// The ready-made filename formats. It closes by a choice (accepted) or without one.
+class frmFilenameFormatSelect final : public QDialog {
+ public:
+  /// The references must outlive the window.
+  frmFilenameFormatSelect(config::FilenameFormatSelect& formats, const config::SettingsSection& section,
+                          QWidget* parent = nullptr);
+
+  void done(int result) override;
+
+ private:
+  config::FilenameFormatSelect& formats_;
+  const config::SettingsSection& section_;
+};
+
+}  // namespace kestrune::windows

@@ -1,0 +1,8 @@
+#include "windows/frmFormatG726.h"
+
+namespace kestrune::windows {
+
+frmFormatG726::frmFormatG726(config::FormatOptions& options, QWidget* parent)
+    : OptionButtons("frmFormatG726", options, parent) {}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,8 @@
+#include "windows/frmFormatRAW.h"
+
+namespace kestrune::windows {
+
+frmFormatRAW::frmFormatRAW(config::FormatOptions& options, QWidget* parent)
+    : OptionButtons("frmFormatRAW", options, parent) {}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "windows/OptionButtons.h"
+
+namespace kestrune::windows {
+
+/// The options of the format RAW.
+class frmFormatRAW final : public OptionButtons {
+ public:
+  /// `options` are those of this format; they must outlive the window.
+  explicit frmFormatRAW(config::FormatOptions& options, QWidget* parent = nullptr);
+};
+
+}  // namespace kestrune::windows

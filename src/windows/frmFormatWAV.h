@@ -1,0 +1,14 @@
+#pragma once
+
+#include "windows/OptionButtons.h"
+
+namespace kestrune::windows {
+
+/// The options of the format WAV.
+class frmFormatWAV final : public OptionButtons {
+ public:
+  /// `options` are those of this format; they must outlive the window.
+  explicit frmFormatWAV(config::FormatOptions& options, QWidget* parent = nullptr);
+};
+
+}  // namespace kestrune::windows

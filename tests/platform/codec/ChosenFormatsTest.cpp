@@ -1,0 +1,284 @@
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "config/FileSpecs.h"
+#include "config/FormatOptions.h"
+#include "config/Mp3Options.h"
+#include "config/OggOptions.h"
+#include "platform/codec/Decoders.h"
+#include "platform/codec/EncodedFile.h"
+#include "platform/codec/Mp3Frames.h"
+#include "platform/codec/Signals.h"
+#include "support/MemorySettingsStore.h"
+
+namespace kestrune::test {
+namespace {
+
+/// From what the user chooses in an option window to a file that programs of others have read.
+class ChosenFormats : public testing::Test {
+ protected:
+  /// Records with what the settings say now, and gives the file's path.
+  std::string Record(std::string_view format) {
+    settings_.FileFormat = format;
+    specs_.SetFileSpecs(0);
+    const std::string path = folder_.Path("song." + std::string(format));
+    file_.Create(path);
+    EXPECT_EQ(file_.LastResult(), 0) << specs_.FileFormatString();
+    const auto shape = file_.FormatValues();
+    frames_ = static_cast<std::size_t>(shape.SampleRate);
+    EXPECT_TRUE(WriteBlocks(file_, MakeMusic(frames_, shape.SampleRate, shape.Channels)));
+    file_.Close();
+    return path;
+  }
+
+  void ExpectFacts(const std::string& path, const std::string& codec, std::int32_t rate, int channels) {
+    auto facts = Probe(path);
+    EXPECT_EQ(facts["codec_name"], codec);
+    EXPECT_EQ(facts["sample_rate"], std::to_string(rate));
+    EXPECT_EQ(facts["channels"], std::to_string(channels));
+  }
+
+  Mp3Stream RecordMp3() {
+    EXPECT_TRUE(mp3_.cmdOK());
+    Mp3Stream stream = ParseMp3(ReadFile(Record("MP3")));
+    EXPECT_FALSE(stream.Broken);
+    EXPECT_GT(stream.Sound().size(), 5U);
+    return stream;
+  }
+
+  TempFolder folder_;
+  MemorySettingsStore store_;
+  config::SettingsSection section_{store_};
+  config::Settings settings_;
+  platform::EncodedFile file_;
+  std::int16_t captureSlot_ = 1;
+  config::FileSpecs specs_{[this](std::int16_t) { return &file_; }, settings_, captureSlot_,
+                           [] { return std::nullopt; }};
+  config::Mp3Options mp3_{settings_, section_};
+  std::size_t frames_ = 0;
+};
+
+TEST_F(ChosenFormats, EveryWavButton) {
+  config::FormatOptions options("WAV", settings_, section_);
+  const auto groups = options.Design().Groups;
+  for (std::size_t group = 0; group < groups.size(); ++group) {
+    for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
+      options.Choose(group, button);
+      options.cmdOK();
+      const config::FormatWAV& wav = settings_.FormatWAV;
+      const std::string path = Record("WAV");
+      ExpectFacts(path, wav.Bits == 8 ? "pcm_u8" : "pcm_s16le", wav.Frequency, wav.Channels);
+      EXPECT_EQ(Probe(path)["bits_per_sample"], std::to_string(wav.Bits));
+      EXPECT_EQ(DecodeWithFfmpeg(path).size(), frames_ * static_cast<std::size_t>(wav.Channels));
+    }
+  }
+}
+
+TEST_F(ChosenFormats, EveryRawButton) {
+  config::FormatOptions options("RAW", settings_, section_);
+  const auto groups = options.Design().Groups;
+  for (std::size_t group = 0; group < groups.size(); ++group) {
+    for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
+      options.Choose(group, button);
+      options.cmdOK();
+      const config::FormatRAW& raw = settings_.FormatRAW;
+      SCOPED_TRACE(fmt::format("{} {} {}", raw.Compression, raw.Frequency, raw.Channels));
+      const std::string path = Record("RAW");
+      const std::string kind = raw.Compression == 3 ? "mulaw" : raw.Compression == 2 ? "alaw" : "s16le";
+      const auto decoded =
+          DecodeWithFfmpeg(path, fmt::format("-f {} -ar {} -ac {}", kind, raw.Frequency, raw.Channels));
+      const auto music = MakeMusic(frames_, raw.Frequency, raw.Channels);
+      ASSERT_EQ(decoded.size(), music.size());
+      EXPECT_GT(SignalToNoise(music, decoded), 25);
+    }
+  }
+}
+
+TEST_F(ChosenFormats, EveryVoxButton) {
+  config::FormatOptions options("VOX", settings_, section_);
+  for (std::size_t button = 0; button < options.Design().Groups[0].Buttons.size(); ++button) {
+    options.Choose(0, button);
+    options.cmdOK();
+    const std::int32_t rate = settings_.FormatVOX.Frequency;
+    const auto decoded = DecodeWithSox(Record("VOX"), fmt::format("-t vox -r {} -c 1", rate));
+    EXPECT_NEAR(static_cast<double>(decoded.size()), rate, 1) << "the last byte is filled up";
+    const auto music = MakeMusic(frames_, rate, 1);
+    EXPECT_GT(SignalToNoise(std::span(music).first(std::min(music.size(), decoded.size())), decoded), 10)
+        << rate;
+  }
+}
+
+TEST_F(ChosenFormats, EveryG726Button) {
+  config::FormatOptions options("G726", settings_, section_);
+  const auto groups = options.Design().Groups;
+  for (std::size_t group = 0; group < groups.size(); ++group) {
+    for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
+      options.Choose(group, button);
+      options.cmdOK();
+      const config::Format726& g726 = settings_.Format726;
+      const std::string path = Record("G726");
+      ExpectFacts(path, "adpcm_g726", g726.Frequency, 1);
+      // As many samples as came, but for those that fill the last byte up, only if both agree on their bits.
+      EXPECT_NEAR(static_cast<double>(DecodeWithFfmpeg(path).size()), static_cast<double>(frames_), 8);
+      EXPECT_NEAR(static_cast<double>(ReadFile(path).size()), static_cast<double>(frames_) * g726.Bits / 8,
+                  4200);
+    }
+  }
+}
+
+TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
+  config::OggOptions options(settings_, section_);
+  const auto record = [&] {
+    options.cmdOK();
+    const std::string path = Record("OGG");
+    ExpectFacts(path, "vorbis", 44100, 2);
+    return path;
+  };
+  for (int position = config::OggBitrates().First(); position <= config::OggBitrates().Last(); ++position) {
+    options.NominalBitrate(position);
+    const std::string told = fmt::format("Nominal bitrate: {}", config::OggBitrates().Bitrate(position));
+    EXPECT_NE(RunProgramAll("ogginfo '" + record() + "'").Output.find(told), std::string::npos) << told;
+  }
+  options.NominalBitrate(3);
+  options.MinBitrate(2);
+  options.MaxBitrate(5);
+  options.chkVbr(true);
+  const std::string info = RunProgramAll("ogginfo '" + record() + "'").Output;
+  EXPECT_NE(info.find("Nominal bitrate: 160"), std::string::npos) << info;
+  EXPECT_NE(info.find("Upper bitrate: 256"), std::string::npos) << info;
+  EXPECT_NE(info.find("Lower bitrate: 128"), std::string::npos) << info;
+
+  options.chkQuality(true);
+  std::size_t smaller = 0;
+  for (int quality = 0; quality <= 1000; quality += 200) {
+    options.Quality(quality);
+    const std::size_t size = ReadFile(record()).size();
+    EXPECT_GT(size, smaller) << quality;
+    smaller = size;
+  }
+}
+
+TEST_F(ChosenFormats, EveryMp3RateWithBothChannelCounts) {
+  for (int row = 0; row < 9; ++row) {
+    mp3_.cboFrequency(row);
+    for (const int channels : {1, 2}) {
+      mp3_.cboChannels(channels - 1);
+      mp3_.CurrentBitrate(6);
+      const Mp3Stream stream = RecordMp3();
+      const std::int32_t rate = settings_.FormatMP3.Frequency;
+      ExpectFacts(folder_.Path("song.MP3"), "mp3", rate, channels);
+      for (const Mp3Frame& frame : stream.Sound()) {
+        ASSERT_EQ(frame.Rate, rate);
+        ASSERT_EQ(frame.Bitrate, 64);
+        ASSERT_EQ(frame.Mode == 3, channels == 1);
+      }
+    }
+  }
+}
+
+TEST_F(ChosenFormats, EveryMp3Bitrate) {
+  for (int position = 0; position <= config::Mp3Bitrates().Last(); ++position) {
+    const std::int16_t bitrate = config::Mp3Bitrates().Bitrate(position);
+    mp3_.CurrentBitrate(position);
+    mp3_.cboFrequency(bitrate < 32 ? 0 : 7);
+    for (const Mp3Frame& frame : RecordMp3().Sound()) ASSERT_EQ(frame.Bitrate, bitrate);
+  }
+}
+
+TEST_F(ChosenFormats, EveryMp3TypeOfStereo) {
+  const std::vector<int> modes{0, 1, 1, 2};
+  for (int row = 0; row < 4; ++row) {
+    mp3_.cboTypeStereo(row);
+    for (const Mp3Frame& frame : RecordMp3().Sound()) {
+      ASSERT_EQ(frame.Mode, modes[static_cast<std::size_t>(row)]) << row;
+      if (row == 2) {
+        ASSERT_EQ(frame.ModeExtension, 2) << "forced: the sum and the difference";
+      }
+    }
+  }
+}
+
+TEST_F(ChosenFormats, EveryMp3CodingMethod) {
+  const auto bitrates = [](const Mp3Stream& stream) {
+    std::vector<int> all;
+    for (const Mp3Frame& frame : stream.Sound()) all.push_back(frame.Bitrate);
+    return all;
+  };
+  mp3_.MaxVBRBitrate(11);
+  mp3_.txtVbrQ("2");
+  for (int row = 1; row <= 4; ++row) {
+    mp3_.cboCodingMethod(row);
+    const Mp3Stream stream = RecordMp3();
+    const std::vector<int> all = bitrates(stream);
+    EXPECT_LE(*std::ranges::max_element(all), 192) << row;
+    EXPECT_LT(*std::ranges::min_element(all), *std::ranges::max_element(all)) << row;
+    EXPECT_EQ(ParseInfo(stream).Name, "Xing") << row;
+  }
+  mp3_.cboCodingMethod(5);
+  mp3_.txtABR("112");
+  const std::vector<int> all = bitrates(RecordMp3());
+  double sum = 0;
+  for (const int bitrate : all) sum += bitrate;
+  EXPECT_NEAR(sum / static_cast<double>(all.size()), 112, 20);
+
+  mp3_.chkEnforceVBRMinBitrate(true);
+  mp3_.CurrentBitrate(8);
+  for (const int bitrate : bitrates(RecordMp3())) EXPECT_GE(bitrate, 112);
+}
+
+TEST_F(ChosenFormats, TheMp3BoxesReachTheFrames) {
+  mp3_.chkCRCChecksums(true);
+  mp3_.cboDeEmphasis(1);
+  for (const Mp3Frame& frame : RecordMp3().Sound()) {
+    ASSERT_TRUE(frame.Crc);
+    ASSERT_EQ(frame.Emphasis, 1);
+    ASSERT_EQ(frame.MainDataBegin, 0) << "no reservoir";
+  }
+  mp3_.chkCRCChecksums(false);
+  mp3_.cboDeEmphasis(2);
+  mp3_.chkBitReservoir(true);
+  bool reservoir = false;
+  for (const Mp3Frame& frame : RecordMp3().Sound()) {
+    ASSERT_FALSE(frame.Crc);
+    ASSERT_EQ(frame.Emphasis, 3);
+    reservoir = reservoir || frame.MainDataBegin > 0;
+  }
+  EXPECT_TRUE(reservoir);
+}
+
+TEST_F(ChosenFormats, TheMp3FiltersTakeTheirBandAway) {
+  const double tones[] = {100.0, 1000.0, 12000.0};
+  const auto levels = [&] {
+    EXPECT_TRUE(mp3_.cmdOK());
+    settings_.FileFormat = "MP3";
+    specs_.SetFileSpecs(0);
+    const std::string path = folder_.Path("tones.mp3");
+    file_.Create(path);
+    EXPECT_TRUE(WriteBlocks(file_, MakeTones(44100, 44100, 2, tones)));
+    file_.Close();
+    const auto decoded = DecodeWithFfmpeg(path);
+    std::vector<double> found;
+    for (const double tone : tones) found.push_back(ToneLevel(decoded, 2, 44100, tone));
+    return found;
+  };
+  const std::vector<double> open = levels();
+  mp3_.chkHFilt(true);
+  mp3_.txtFilter(config::FilterNumber::HFiltF, "500");
+  mp3_.txtFilter(config::FilterNumber::HFiltW, "100");
+  mp3_.chkLFilt(true);
+  mp3_.txtFilter(config::FilterNumber::LFiltF, "5000");
+  mp3_.txtFilter(config::FilterNumber::LFiltW, "500");
+  const std::vector<double> filtered = levels();
+  EXPECT_LT(filtered[0], open[0] - 20);
+  EXPECT_NEAR(filtered[1], open[1], 1);
+  EXPECT_LT(filtered[2], open[2] - 20);
+}
+
+}  // namespace
+}  // namespace kestrune::test

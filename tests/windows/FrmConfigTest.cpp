@@ -1,0 +1,460 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolButton>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include "config/ConfigurationRig.h"
+#include "windows/Controls.h"
+#include "windows/frmConfig.h"
+
+namespace kestrune::test {
+namespace {
+
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+class FrmConfigTest : public ::testing::Test {
+ protected:
+  FrmConfigTest() {
+    rig_.Settings.FileDir = "/music/";
+    window_.FocusMainWindow = [this] { ++focused_; };
+  }
+
+  [[nodiscard]] QDialog* Opened() {
+    const QList<QDialog*> dialogs = window_.findChildren<QDialog*>(Qt::FindDirectChildrenOnly);
+    return dialogs.isEmpty() ? nullptr : dialogs.constFirst();
+  }
+  /// Lets closed windows go.
+  static void Settle() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+  }
+  [[nodiscard]] bool PlaceSaved() const {
+    return rig_.Store.Stored("Lorimel", "Kestrune", "ConfigTop") != "(absent)" &&
+           rig_.Store.Stored("Lorimel", "Kestrune", "ConfigLeft") != "(absent)";
+  }
+
+  ConfigurationRig rig_;
+  windows::frmConfig window_{rig_.Window};
+  int focused_ = 0;
+};
+
+TEST_F(FrmConfigTest, EveryControlReadsAsTold) {
+  struct Row {
+    const char* Name;
+    const char* Caption;
+    const char* Tip;
+  };
+  const std::vector<Row> rows{
+      {"cboMinLength", "", "Do not record any songs shorter than this"},
+      {"cboMaxLength", "", "Do not record any songs longer than this"},
+      {"cboSongDelay", "",
+       "Wait this many milliseconds after song changes before stopping recording (recommended=600)"},
+      {"lblMS", "ms   (1000 ms = 1 second)", ""},
+      {"txtFileDir", "", ""},
+      {"cmdBrowse", "&Browse", "Click to select folder files are saved into"},
+      {"txtFilenameFormat", "", "Format to use when writing filenames of recorded files"},
+      {"cmdFilenameFormat", "&Select", "Click for preset filename formats"},
+      {"lblFileExplanation",
+       "Artist: %a   Song: %s   Channel: %c   Station: %t   Genre: %g   Datestamp: %d  Counter: %n", ""},
+      {"cboFileFormat", "", "Select raw, uncompressed WAV files or encoded MP3 files"},
+      {"lblFormatSpecifications", "SetFormatMP3 44100 2 160", ""},
+      {"cmdChangeFormatSpecs", "Change Format Specifications", ""},
+      {"cboDevice", "", "Select device to record XM PCR audio from (usually your sound card)"},
+      {"chkAGCEnabled", "Enabled", "Click to enable or disable the automatic gain control"},
+      {"txtAGCLowLevel", "", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db."},
+      {"udAGCLowLevel", "", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db."},
+      {"txtAGCHighLevel", "", "Maximum allowable value, in db. Range from 0 to -92 db. Default is -10 db."},
+      {"udAGCHighLevel", "", "Maximum allowable value, in db. Range from 0 to -92 db. Default is -10 db."},
+      {"txtAGCAttackTime", "", "The amount of time in ms to change levels 20 db (from 50 to 200 ms)"},
+      {"udAGCAttackTime", "", "The amount of time in ms to change levels 20 db (from 50 to 200 ms)"},
+      {"chkDuplicates", "Save duplicate files",
+       "When checked, duplicate songs will be renamed so as to avoid conflict. When unchecked, duplicate "
+       "songs will not be saved. "},
+      {"chkTaskBarMinimized", "Show when minimized",
+       "When checked, Kestrune will show in the taskbar when minimized. When unchecked, Kestrune will show "
+       "only as an icon in the task tray (near the clock)."},
+      {"cmdDefault", "&Default Settings", "Return all values to default settings"},
+      {"cmdSave", "&Save", "Save changes and exit"},
+      {"cmdCancel", "&Cancel", "Cancel without saving changes"},
+  };
+  window_.ShowModeless();
+  EXPECT_EQ(window_.windowTitle(), "Kestrune Configuration");
+  for (const Row& row : rows) {
+    auto& control = Find<QWidget>(window_, row.Name);
+    EXPECT_EQ(control.toolTip(), row.Tip) << row.Name;
+    if (*row.Caption != '\0') {
+      EXPECT_EQ(control.property("text").toString(), row.Caption) << row.Name;
+    }
+  }
+  for (const char* caption :
+       {"Minimum Song Length:", "Maximum Song Length:", "Song Change Delay:", "File Save Folder:",
+        "Filename Format:", "File Format:", "Format Specifications:", "Recording Device:",
+        "Automatic Gain Control:", "Low Level:", "High Level:", "AttackTime:", "Duplicate Files:",
+        "Show in Taskbar:"}) {
+    EXPECT_TRUE(HasLabel(window_, caption)) << caption;
+  }
+}
+
+TEST_F(FrmConfigTest, TheListsShowTheRulesRows) {
+  window_.ShowModeless();
+  const config::ConfigurationControls& shown = rig_.Window.Controls();
+  const std::vector<std::pair<const char*, const config::ChoiceList*>> lists{
+      {"cboMinLength", &shown.cboMinLength}, {"cboMaxLength", &shown.cboMaxLength},
+      {"cboSongDelay", &shown.cboSongDelay}, {"cboFileFormat", &shown.cboFileFormat},
+      {"cboDevice", &shown.cboDevice},
+  };
+  for (const auto& [name, list] : lists) {
+    const auto& box = Find<QComboBox>(window_, name);
+    ASSERT_EQ(static_cast<std::size_t>(box.count()), list->Rows.size()) << name;
+    EXPECT_GT(box.count(), 1) << name;
+    for (int row = 0; row < box.count(); ++row) {
+      EXPECT_EQ(box.itemText(row).toStdString(), list->Rows[static_cast<std::size_t>(row)].Text);
+    }
+    EXPECT_EQ(box.currentIndex(), list->Row) << name;
+    EXPECT_FALSE(box.isEditable()) << name;
+  }
+}
+
+TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
+  window_.ShowModeless();
+  ChooseRow(Find<QComboBox>(window_, "cboMinLength"), 1);
+  ChooseRow(Find<QComboBox>(window_, "cboMaxLength"), 30);
+  ChooseRow(Find<QComboBox>(window_, "cboSongDelay"), 7);
+  ChooseRow(Find<QComboBox>(window_, "cboDevice"), 1);
+  auto& folder = Find<QLineEdit>(window_, "txtFileDir");
+  folder.selectAll();
+  QTest::keyClicks(&folder, "/data/Lieder");
+  auto& format = Find<QLineEdit>(window_, "txtFilenameFormat");
+  format.selectAll();
+  QTest::keyClicks(&format, "%a/%s");
+  Press(window_, "chkAGCEnabled");
+  auto& low = Find<QLineEdit>(window_, "txtAGCLowLevel");
+  QTest::keyClick(&low, Qt::Key_Down);
+  Find<QWidget>(window_, "udAGCHighLevel").findChildren<QToolButton*>().constFirst()->click();
+  Press(window_, "chkDuplicates");
+  Press(window_, "chkTaskBarMinimized");
+  Press(window_, "cmdSave");
+  const config::Settings& saved = rig_.Settings;
+  EXPECT_EQ(saved.MinSongLength, 2);
+  EXPECT_EQ(saved.MaxSongLength, 900);
+  EXPECT_EQ(saved.SongDelay, 700);
+  EXPECT_EQ(saved.InputDevice, 3);
+  EXPECT_EQ(saved.FileDir, "/data/Lieder/");
+  EXPECT_EQ(saved.FilenameFormat, "%a\\%s");
+  EXPECT_TRUE(saved.AGCEnabled);
+  EXPECT_EQ(saved.AGCLowLevel, -11);
+  EXPECT_EQ(saved.AGCHighLevel, -39);
+  EXPECT_FALSE(saved.SaveDuplicates);
+  EXPECT_FALSE(saved.TaskBarMinimized);
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(focused_, 1);
+  EXPECT_TRUE(PlaceSaved());
+}
+
+TEST_F(FrmConfigTest, OpensWhereItWasClosed) {
+  window_.ShowModeless();
+  window_.move(120, 80);
+  Press(window_, "cmdCancel");
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "ConfigTop"), "1200");
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "ConfigLeft"), "1800");
+  window_.move(5, 5);
+  window_.ShowModeless();
+  EXPECT_EQ(window_.pos(), QPoint(120, 80));
+}
+
+TEST_F(FrmConfigTest, AMaximisedWindowsPlaceIsNotSaved) {
+  window_.ShowModeless();
+  window_.showMaximized();
+  Press(window_, "cmdCancel");
+  EXPECT_FALSE(PlaceSaved());
+}
+
+TEST_F(FrmConfigTest, CancelAndEscapeCloseWithoutAQuestion) {
+  window_.ShowModeless();
+  Press(window_, "chkDuplicates");
+  Press(window_, "cmdCancel");
+  EXPECT_FALSE(window_.isVisible());
+  window_.ShowModeless();
+  Press(window_, "chkDuplicates");
+  QTest::keyClick(&window_, Qt::Key_Escape);
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+  EXPECT_TRUE(rig_.Settings.SaveDuplicates);
+}
+
+TEST_F(FrmConfigTest, TheCloseBoxAsksAfterAChange) {
+  window_.ShowModeless();
+  Press(window_, "chkDuplicates");
+  rig_.Dialogs.Answer = platform::MessageAnswer::Cancel;
+  EXPECT_FALSE(ClickCloseBox(window_));
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_TRUE(PlaceSaved()) << "the place is saved before the question";
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_TRUE(ClickCloseBox(window_));
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(rig_.Dialogs.Shown.size(), 2U);
+  EXPECT_FALSE(rig_.Settings.SaveDuplicates);
+  EXPECT_EQ(focused_, 1);
+}
+
+TEST_F(FrmConfigTest, TheCloseBoxOfAnUnchangedWindowCloses) {
+  window_.ShowModeless();
+  EXPECT_TRUE(ClickCloseBox(window_));
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+}
+
+TEST_F(FrmConfigTest, ACloseByTheProgramAsksNothingAndTakesOpenedWindowsAlong) {
+  window_.ShowModeless();
+  Press(window_, "chkDuplicates");
+  Press(window_, "cmdChangeFormatSpecs");
+  ASSERT_NE(Opened(), nullptr);
+  window_.close();
+  Settle();
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(Opened(), nullptr);
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+  EXPECT_TRUE(PlaceSaved());
+}
+
+TEST_F(FrmConfigTest, ARefusedLengthKeepsItOpen) {
+  window_.ShowModeless();
+  ChooseRow(Find<QComboBox>(window_, "cboMinLength"), 35);
+  ChooseRow(Find<QComboBox>(window_, "cboMaxLength"), 4);
+  Press(window_, "cmdSave");
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(focused_, 0);
+}
+
+TEST_F(FrmConfigTest, AGainTextThatIsNoNumberGetsTheFocus) {
+  window_.ShowModeless();
+  auto& attack = Find<QLineEdit>(window_, "txtAGCAttackTime");
+  attack.selectAll();
+  QTest::keyClicks(&attack, "soon");
+  Press(window_, "cmdSave");
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_EQ(window_.focusWidget(), &attack);
+  EXPECT_EQ(attack.text(), "soon");
+}
+
+TEST_F(FrmConfigTest, TheGainBoxHidesSpinsAndLabelsAndNotTheTexts) {
+  window_.ShowModeless();
+  for (const bool on : {true, false}) {
+    Press(window_, "chkAGCEnabled");
+    for (const char* name : {"udAGCLowLevel", "udAGCHighLevel", "udAGCAttackTime"}) {
+      EXPECT_EQ(Find<QWidget>(window_, name).isVisible(), on) << name;
+    }
+    for (const char* name : {"txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime"}) {
+      EXPECT_TRUE(Find<QWidget>(window_, name).isVisible()) << name;
+      EXPECT_TRUE(Find<QWidget>(window_, name).isEnabled()) << name;
+    }
+  }
+}
+
+TEST_F(FrmConfigTest, NothingMovesWhenTheGainBoxIsClicked) {
+  window_.ShowModeless();
+  const QPoint before = Find<QWidget>(window_, "txtAGCHighLevel").pos();
+  const QSize size = window_.sizeHint();
+  Press(window_, "chkAGCEnabled");
+  Settle();
+  EXPECT_EQ(Find<QWidget>(window_, "txtAGCHighLevel").pos(), before);
+  EXPECT_EQ(window_.sizeHint(), size);
+}
+
+TEST_F(FrmConfigTest, AFormatIsDescribedOnceChosen) {
+  window_.ShowModeless();
+  ChooseRow(Find<QComboBox>(window_, "cboFileFormat"), 1);
+  EXPECT_EQ(Find<QLabel>(window_, "lblFormatSpecifications").text(), "SetFormatWAV 44100 2 16");
+  EXPECT_EQ(rig_.Settings.FileFormat, "WAV");
+}
+
+TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
+  struct Row {
+    const char* Code;
+    const char* Window;
+    const char* Change;
+    const char* Description;
+  };
+  const std::vector<Row> rows{
+      {"MP3", "frmFormatMP3", nullptr, "SetFormatMP3 44100 2 160"},
+      {"WAV", "frmFormatWAV", "optBits_1", "SetFormatWAV 44100 2 8"},
+      {"VOX", "frmFormatVOX", "optFrequency_0", "SetFormatVOX 8000"},
+      {"RAW", "frmFormatRAW", "optCompression_0", "SetFormatRAW 3 44100 2 16"},
+      {"G726", "frmFormatG726", "optADPCM_3", "SetFormatG726 44100 5"},
+      {"OGG", "frmFormatOgg", "chkQuality", "SetFormatOgg 44100 2 128 0 0 0"},
+  };
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    window_.ShowModeless();
+    ChooseRow(Find<QComboBox>(window_, "cboFileFormat"), static_cast<int>(i));
+    Press(window_, "cmdChangeFormatSpecs");
+    QDialog* opened = Opened();
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->objectName(), rows[i].Window);
+    EXPECT_TRUE(opened->isModal());
+    EXPECT_TRUE(opened->isVisible());
+    if (rows[i].Change != nullptr) Press(*opened, rows[i].Change);
+    Press(*opened, "cmdOK");
+    Settle();
+    EXPECT_EQ(Opened(), nullptr);
+    EXPECT_EQ(Find<QLabel>(window_, "lblFormatSpecifications").text(), rows[i].Description);
+    Press(window_, "cmdCancel");
+  }
+}
+
+TEST_F(FrmConfigTest, AReadyMadeFormatComesIntoTheText) {
+  window_.ShowModeless();
+  Press(window_, "cmdFilenameFormat");
+  QDialog* opened = Opened();
+  ASSERT_NE(opened, nullptr);
+  EXPECT_TRUE(opened->isModal());
+  EXPECT_EQ(Find<QAbstractButton>(*opened, "cmdSelect_6").text(), "== Selected ==");
+  Press(*opened, "cmdSelect_3");
+  Settle();
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtFilenameFormat").text(), "%g\\%a - %s");
+  EXPECT_FALSE(rig_.Window.Dirty());
+}
+
+TEST_F(FrmConfigTest, TheFolderChooserStartsWhereTheTextPoints) {
+  const QTemporaryDir folder;
+  ASSERT_TRUE(QDir(folder.path()).mkdir("songs"));
+  rig_.Settings.FileDir = folder.path().toStdString() + "/songs/";
+  window_.ShowModeless();
+  Press(window_, "cmdBrowse");
+  auto* chooser = qobject_cast<QFileDialog*>(Opened());
+  ASSERT_NE(chooser, nullptr);
+  EXPECT_EQ(chooser->windowTitle(), "Pre-selecting folder using the folder's string.");
+  EXPECT_EQ(chooser->directory().canonicalPath(), QDir(folder.path() + "/songs").canonicalPath());
+  EXPECT_TRUE(rig_.Window.Dirty());
+  chooser->setDirectory(folder.path());
+  chooser->findChild<QLineEdit*>()->setText(folder.path());
+  static_cast<QDialog*>(chooser)->accept();
+  Settle();
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text(), folder.path());
+}
+
+TEST_F(FrmConfigTest, AFolderThatIsNotThereStartsTheChooserAtTheNearestAbove) {
+  const QTemporaryDir folder;
+  rig_.Settings.FileDir = folder.path().toStdString() + "/not/there/";
+  window_.ShowModeless();
+  Press(window_, "cmdBrowse");
+  auto* chooser = qobject_cast<QFileDialog*>(Opened());
+  ASSERT_NE(chooser, nullptr);
+  EXPECT_EQ(chooser->directory().canonicalPath(), QDir(folder.path()).canonicalPath());
+  chooser->reject();
+  Settle();
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text().toStdString(), rig_.Settings.FileDir);
+}
+
+TEST_F(FrmConfigTest, OddFolderTextsStillOpenTheChooser) {
+  for (const char* text : {"", "/", "relative/nowhere", "~", "//", "\xC3\xA9\xFF", "%s"}) {
+    rig_.Settings.FileDir = text;
+    window_.ShowModeless();
+    Press(window_, "cmdBrowse");
+    ASSERT_NE(Opened(), nullptr) << text;
+    Opened()->reject();
+    Settle();
+    Press(window_, "cmdCancel");
+  }
+}
+
+TEST_F(FrmConfigTest, TheFirstRunHasNoCancelAndReturnsOnceItIsSaved) {
+  bool looked = false;
+  QTimer::singleShot(0, &window_, [&] {
+    looked = true;
+    EXPECT_TRUE(window_.isModal());
+    EXPECT_FALSE(Find<QWidget>(window_, "cmdCancel").isVisible());
+    QTest::keyClick(&window_, Qt::Key_Escape);
+    EXPECT_TRUE(window_.isVisible()) << "Escape is the cancel button's";
+    Press(window_, "cmdSave");
+  });
+  window_.ShowFirst();
+  EXPECT_TRUE(looked);
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_THAT(rig_.Saves(), Not(IsEmpty()));
+  window_.ShowModeless();
+  EXPECT_TRUE(Find<QWidget>(window_, "cmdCancel").isVisible());
+  EXPECT_FALSE(window_.isModal());
+}
+
+TEST_F(FrmConfigTest, TheFirstRunEndsWithTheProgram) {
+  QTimer::singleShot(0, &window_, [&] { window_.close(); });
+  window_.ShowFirst();
+  EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(FrmConfigTest, ASecondOpeningBringsTheOpenWindowToTheFrontAndKeepsWhatWasTyped) {
+  window_.ShowModeless();
+  QTest::keyClicks(&Find<QLineEdit>(window_, "txtFileDir"), "x");
+  window_.ShowModeless();
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text(), "/music/x");
+}
+
+TEST_F(FrmConfigTest, DefaultsAreShown) {
+  rig_.Settings.SaveDuplicates = false;
+  rig_.Settings.FileFormat = "WAV";
+  window_.ShowModeless();
+  Press(window_, "cmdDefault");
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkDuplicates").isChecked());
+  EXPECT_EQ(Find<QComboBox>(window_, "cboFileFormat").currentText(), "MP3");
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
+  window_.ShowModeless();
+  const std::vector<const char*> order{
+      "cboMinLength",        "cboMaxLength",      "cboSongDelay",   "txtFileDir",      "cmdBrowse",
+      "txtFilenameFormat",   "cmdFilenameFormat", "chkDuplicates",  "cboFileFormat",   "cmdChangeFormatSpecs",
+      "cboDevice",           "chkAGCEnabled",     "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime",
+      "chkTaskBarMinimized", "cmdDefault",        "cmdSave",        "cmdCancel"};
+  EXPECT_EQ(window_.focusWidget()->objectName(), order.front());
+  for (std::size_t i = 1; i < order.size(); ++i) {
+    QTest::keyClick(window_.focusWidget(), Qt::Key_Tab);
+    ASSERT_NE(window_.focusWidget(), nullptr);
+    EXPECT_EQ(window_.focusWidget()->objectName(), order[i]);
+  }
+}
+
+TEST_F(FrmConfigTest, TheWheelTurnsNoListThatHasNoFocus) {
+  window_.ShowModeless();
+  auto& format = Find<QComboBox>(window_, "cboFileFormat");
+  QWheelEvent wheel({5, 5}, format.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                    Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(&format, &wheel);
+  EXPECT_EQ(rig_.Settings.FileFormat, "MP3");
+  EXPECT_EQ(rig_.Stops, 0);
+}
+
+TEST_F(FrmConfigTest, OpenedAndClosedAThousandTimesNothingGrows) {
+  const auto round = [this] {
+    window_.ShowModeless();
+    Press(window_, "cmdChangeFormatSpecs");
+    Press(*Opened(), "cmdOK");
+    Press(window_, "cmdFilenameFormat");
+    Opened()->reject();
+    Press(window_, "cmdSave");
+    Settle();
+    rig_.Store.Calls.clear();
+    rig_.Idle.Calls.clear();
+  };
+  for (int i = 0; i < 20; ++i) round();
+  const auto children = window_.findChildren<QObject*>().size();
+  const auto tops = QApplication::topLevelWidgets().size();
+  const std::size_t held = mallinfo2().uordblks;
+  for (int i = 0; i < 1000; ++i) round();
+  EXPECT_EQ(window_.findChildren<QObject*>().size(), children);
+  EXPECT_EQ(QApplication::topLevelWidgets().size(), tops);
+  EXPECT_LT(mallinfo2().uordblks, held + 200000);
+}
+
+}  // namespace
+}  // namespace kestrune::test
