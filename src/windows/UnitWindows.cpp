@@ -1,0 +1,108 @@
+#include "windows/UnitWindows.h"
+
+#include "base/Text.h"
+#include "windows/frmChannels.h"
+#include "windows/frmConfig.h"
+#include "windows/frmGrabKill.h"
+#include "windows/frmKestruneNow.h"
+#include "windows/frmLog.h"
+#include "windows/frmMixer.h"
+#include "windows/frmPresets.h"
+#include "windows/frmRadioID.h"
+#include "windows/frmRestrictList.h"
+#include "windows/frmSchedule.h"
+
+namespace kestrune::windows {
+
+using recorder::WindowName;
+
+UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outside& outside)
+    : desktop_(desktop),
+      unit_(unit),
+      loop_(outside.Loop),
+      log_(unit.LogBook().List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
+      mixer_(outside.Mixer),
+      configuration_(unit.ConfigurationAccess()) {
+  desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
+  desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
+  desktop.SetMaker(WindowName::Schedule, [this] { return MakeSchedule(); });
+  desktop.SetMaker(WindowName::RestrictList, [this] { return MakeRestrictList(); });
+  desktop.SetMaker(WindowName::KestruneNow, [this] { return MakeKestruneNow(); });
+  desktop.SetMaker(WindowName::Presets, [this] { return MakePresets(); });
+  desktop.SetMaker(WindowName::Config, [this] { return MakeConfig(); });
+  desktop.SetMaker(WindowName::Mixer, [this] { return MakeMixer(); });
+
+  desktop.ShowRadioID = [this] { ShowRadioID(); };
+  desktop.OfferForList = [this](std::string_view word, const std::string& caption) {
+    using Field = schedule::GrabKill::Field;
+    unit_.GrabKill().DblClick(word == "Artist" ? Field::Artist : Field::Song, caption);
+  };
+  unit.GrabKill().SetWindow([this] { AskForList(); });
+  // A cell of the channels window is no caption of a label, so its ampersands are single.
+  unit.ChannelsWindow().OfferForList = [this](std::string_view word, std::string_view text) {
+    desktop_.OfferForList(word, base::DoubleAmpersands(text));
+  };
+  unit.ChannelsWindow().ClearChannelListing = [this] { unit_.Switches().chkChannelListing_Click(false); };
+  unit.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeChannels() {
+  auto window = std::make_unique<frmChannels>(unit_.ChannelsWindow(), unit_.Section());
+  window->HotKey = [this](int key) { desktop_.PassKey(key); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeLog() {
+  auto window = std::make_unique<frmLog>(log_, unit_.Section());
+  window->Hidden = [this] { unit_.Switches().chkRecordLog_Click(false); };
+  window->HotKey = [this](int key) { desktop_.PassKey(key); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeSchedule() {
+  auto window = std::make_unique<frmSchedule>(unit_.OpenScheduler(), loop_, unit_.Run(), unit_.Section());
+  window->CloseEnded = [this](bool refused) { unit_.Switches().ScheduleClosed(refused); };
+  window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeRestrictList() {
+  auto window = std::make_unique<frmRestrictList>(unit_.RestrictListEditor(), unit_.Run(), unit_.Section());
+  window->CloseEnded = [this](bool refused) { unit_.Switches().RestrictListClosed(refused); };
+  window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeKestruneNow() {
+  auto window =
+      std::make_unique<frmKestruneNow>(unit_.NowWindow(), unit_.PresetButtons(), unit_.Section());
+  window->HotKey = [this](int key) { desktop_.PassKey(key); };
+  window->Closed = [this] { unit_.Switches().chkKestruneNow_Click(false); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakePresets() {
+  return Opened(std::make_unique<frmPresets>(unit_.PresetWindow(), unit_.Section()));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
+  auto window = std::make_unique<frmConfig>(configuration_);
+  window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeMixer() {
+  return Opened(std::make_unique<frmMixer>(mixer_, unit_.Section(), unit_.InputDeviceId()));
+}
+
+void UnitWindows::ShowRadioID() {
+  frmRadioID window(unit_.pcrRadioID());
+  desktop_.ShowModally(window);
+}
+
+void UnitWindows::AskForList() {
+  frmGrabKill window(unit_.GrabKill());
+  desktop_.ShowModally(window);
+}
+
+}  // namespace kestrune::windows

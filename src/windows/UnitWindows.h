@@ -1,0 +1,55 @@
+#pragma once
+
+#include "config/Configuration.h"
+#include "config/MixerWindow.h"
+#include "platform/Dialogs.h"
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "platform/Mixer.h"
+#include "platform/Shell.h"
+#include "recorder/Kestrune.h"
+#include "schedule/LogWindow.h"
+#include "windows/Desktop.h"
+
+namespace kestrune::windows {
+
+/// What opens from the main window: how each window comes to be, and what it asks of the others. It owns the
+/// rules that only a window needs.
+class UnitWindows {
+ public:
+  struct Outside {
+    base::EventLoop& Loop;
+    platform::Files& Files;
+    const platform::Environment& Environment;
+    platform::Dialogs& Dialogs;
+    platform::Shell& Shell;
+    platform::Mixer& Mixer;
+  };
+
+  /// The desktop is attached to the unit. All must outlive the object, but for the windows themselves, which
+  /// must be gone before it: see Desktop::Detach.
+  UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outside& outside);
+  UnitWindows(const UnitWindows&) = delete;
+  UnitWindows& operator=(const UnitWindows&) = delete;
+
+ private:
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeChannels();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeLog();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeSchedule();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeRestrictList();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeKestruneNow();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakePresets();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeConfig();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeMixer();
+  void ShowRadioID();
+  void AskForList();
+
+  Desktop& desktop_;
+  recorder::Kestrune& unit_;
+  base::EventLoop& loop_;
+  schedule::LogWindow log_;
+  config::MixerWindow mixer_;
+  config::Configuration configuration_;
+};
+
+}  // namespace kestrune::windows
