@@ -309,7 +309,7 @@ QWidget* frmKestrune::MakeCounters() {
   const auto add = [&](const char* captionName, const char* caption, const char* name) {
     if (row->count() > 0) row->addStretch();
     row->addWidget(MakeLabel(captionName, caption, counters));
-    QLabel* label = MakeFixed(name, "000", counters);
+    QLabel* label = MakeFixed(name, "00000", counters);
     row->addWidget(label);
     return label;
   };

@@ -30,7 +30,7 @@ frmLegal::frmLegal(const std::string& agreementFile, platform::Dialogs& dialogs)
         QStringLiteral("The file Agreement.html of this installation is missing.\n\n"
                        "Kestrune is intended for use as a timeshifting utility for personal use only."));
   }
-  chkAgree_ = new QCheckBox(QStringLiteral("I Agree"), this);
+  chkAgree_ = new QCheckBox(QStringLiteral("&I Agree"), this);
   Name(*chkAgree_, "chkAgree");
   auto* cmdAgree = new QPushButton(QStringLiteral("&Continue"), this);
   Name(*cmdAgree, "cmdAgree");

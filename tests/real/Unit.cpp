@@ -26,9 +26,11 @@ Unit::Unit(std::string profile, Setup setup) : profile_(std::move(profile)), set
 
 void Unit::Start() {
   Command command{"kestrune",
-                  {"--headless", "--accept-agreement", "--profile", profile_, "--port-device",
-                   "1=" + setup_.Port, "--audio", setup_.Audio},
+                  {"--profile", profile_, "--port-device", "1=" + setup_.Port, "--audio", setup_.Audio},
                   setup_.Environment};
+  if (!setup_.Windows) {
+    command.Arguments.insert(command.Arguments.begin(), {"--headless", "--accept-agreement"});
+  }
   command.Arguments.insert(command.Arguments.end(), setup_.Arguments.begin(), setup_.Arguments.end());
   process_ = std::make_unique<Process>(command);
 }

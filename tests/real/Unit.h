@@ -18,7 +18,7 @@ namespace kestrune::test {
 /// failure.
 inline constexpr std::chrono::seconds kPatience{90};
 
-/// A kestrune without windows in a profile of its own, and its kestrune-ctl.
+/// A kestrune, without windows unless told, in a profile of its own, and its kestrune-ctl.
 class Unit {
  public:
   using Json = nlohmann::json;
@@ -30,6 +30,7 @@ class Unit {
     std::vector<std::string> Arguments{};  ///< further ones
     std::map<std::string, std::string> Environment{};
     bool WritesSettings = true;  ///< false: the profile is taken as it stands
+    bool Windows = false;        ///< with windows, on the display of the environment; nobody has agreed yet
   };
 
   Unit(std::string profile, Setup setup);

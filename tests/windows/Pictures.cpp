@@ -51,12 +51,6 @@ struct Stage {
 
 void Play(Stage& stage) {
   UnitRig& unit = stage.Rig.Unit;
-  if (stage.Extreme) {
-    unit.Radio.Channels[44] = {
-        "The Longest Name of Any & All Stations in the Sky", "Rock & Roll & Rhythm & Blues",
-        "W. W. Wolfgang and the Widely Wandering Wailers & Friends",
-        "<b>What Would We Want</b> With Wild & Windy Weather (Live at the Western Wall)"};
-  }
   for (int i = 1; i <= 12; ++i) {
     if (i % 4 == 0) continue;
     unit.Set("Preset" + std::to_string(i),
@@ -69,7 +63,14 @@ void Play(Stage& stage) {
 void TakeMain(Stage& stage) {
   Play(stage);
   recorder::MainWindow& record = stage.Rig.Record();
-  const auto take = [&stage](const char* name) {
+  const auto take = [&stage, &record](const char* name) {
+    // Longer than any radio sends them.
+    if (stage.Extreme) {
+      record.lblChannel.Caption = "255: The Longest Name of Any && All Stations in the Sky";
+      record.lblGenre.Caption = "Rock && Roll && Rhythm && Blues && Everything Else Under the Sun";
+      record.lblArtist.Caption = "W. W. Wolfgang and the Widely Wandering Wailers && Friends";
+      record.lblSong.Caption = "<b>What Would We Want</b> With Wild && Windy Weather (Live)";
+    }
     stage.Rig.Main().Refresh();
     stage.Take(stage.Rig.Main(), QLatin1String(name));
   };

@@ -1,0 +1,140 @@
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "real/LineUps.h"
+#include "real/Receiver.h"
+#include "real/Screen.h"
+#include "real/Unit.h"
+#include "real/Waiting.h"
+
+namespace kestrune::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+// Titles as regular expressions; the main window's carries the artist once one plays.
+constexpr const char* kMain = "^Kestrune(: .*)?$";
+constexpr const char* kAgreement = "^Kestrune Agreement$";
+
+TEST(Desktop, APersonAgreesRecordsChangesTheChannelAndClosesByKeysAlone) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two", "Three"}, 8)});
+  auto settings = ShortSongs();
+  // Not the first run here, and no window but the main one.
+  settings.insert(
+      {{"MainTop", "600"}, {"MainLeft", "600"}, {"ChannelListing", "0"}, {"Preset1", "3 - Other"}});
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = screen.Environment(),
+                                 .Windows = true});
+  unit.Start();
+
+  // Without the check nobody agrees; the radio waits.
+  ASSERT_TRUE(screen.WaitFor(kAgreement)) << unit.Program().Errors();
+  screen.Press(kAgreement, {"alt+c"});
+  ASSERT_TRUE(screen.WaitFor("^Checkbox Not Checked$"));
+  screen.Press("^Checkbox Not Checked$", {"Return"});
+  ASSERT_TRUE(screen.WaitUntilGone("^Checkbox Not Checked$"));
+  EXPECT_THAT(radio.Events("command"), IsEmpty());
+  screen.Press(kAgreement, {"alt+i", "alt+c"});
+  ASSERT_TRUE(screen.WaitUntilGone(kAgreement));
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_TRUE(screen.WaitFor(kMain));
+
+  // One whole song.
+  ASSERT_TRUE(unit.WaitForBoundary());
+  screen.Press(kMain, {"ctrl+r"});
+  ASSERT_TRUE(
+      unit.WaitForStatus([](const Unit::Json& status) { return status["recording"] == "Recording"; }));
+  ASSERT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recordedCount"] >= 1; }));
+
+  // A preset changes no channel while it records, and does behind a stop.
+  screen.Press(kMain, {"ctrl+F1"});
+  EXPECT_EQ(unit.Status()["channelNumber"], 1);
+  screen.Press(kMain, {"ctrl+s"});
+  ASSERT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recording"] == ""; }));
+  screen.Press(kMain, {"ctrl+F1"});
+  EXPECT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["channelNumber"] == 3; }));
+
+  // Minimised, it works on, and comes back.
+  screen.Minimise(kMain);
+  EXPECT_TRUE(screen.WaitUntilGone(kMain));
+  const auto before = unit.Status()["captureLengthMs"];
+  EXPECT_TRUE(
+      unit.WaitForStatus([&](const Unit::Json& status) { return status["captureLengthMs"] != before; }));
+  screen.Activate("Kestrune");
+  EXPECT_TRUE(screen.WaitFor(kMain));
+
+  screen.Close(kMain);
+  EXPECT_TRUE(screen.WaitUntilGone(kMain));
+  EXPECT_EQ(unit.Program().Wait(kPatience), 0) << unit.Program().Errors();
+  EXPECT_THAT(unit.Recordings(), Not(IsEmpty()));
+  EXPECT_THAT(unit.Captures(), IsEmpty());
+  EXPECT_THAT(unit.LogText(), AllOf(HasSubstr("Radio found on port 1"), HasSubstr("Recorded: Channel 1"),
+                                    HasSubstr("Shutting Down")));
+  EXPECT_THAT(unit.Program().Errors(), Not(HasSubstr("QObject")));
+}
+
+TEST(Desktop, ARefusedAgreementEndsTheProgramAtOnce) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  Receiver radio(folder / "radio", {ShortLineUp({"One"}, 60)});
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Environment = screen.Environment(),
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(screen.WaitFor(kAgreement)) << unit.Program().Errors();
+  screen.Press(kAgreement, {"Escape"});
+  EXPECT_EQ(unit.Program().Wait(kPatience), 1);
+  EXPECT_THAT(radio.Events("command"), IsEmpty()) << "the radio was sought before the agreement";
+}
+
+TEST(Desktop, AMessageThatIsOpenDoesNotHoldUpTheEnd) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two"}, 8)});
+  auto settings = ShortSongs();
+  settings.insert({{"MainTop", "600"}, {"ChannelListing", "0"}, {"LegalAgreement", "True"}});
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = screen.Environment(),
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  screen.Press(kMain, {"ctrl+y"});
+  ASSERT_TRUE(screen.WaitFor("^Disable Integrel$"));
+  EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
+  EXPECT_THAT(unit.LogText(), HasSubstr("Shutting Down"));
+}
+
+TEST(Desktop, WithoutADisplayTheReasonIsToldInALine) {
+  const TemporaryFolder folder;
+  const std::map<std::string, std::string> nothing{
+      {"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
+  const Outcome none = RunToEnd({"kestrune", {"--profile", folder / "profile"}, nothing}, kPatience);
+  EXPECT_EQ(none.Exit, 1);
+  EXPECT_THAT(none.Errors, AllOf(HasSubstr("there is no display"), HasSubstr("--headless")));
+  auto dead = nothing;
+  dead["DISPLAY"] = ":65000";
+  const Outcome refused = RunToEnd({"kestrune", {"--profile", folder / "profile"}, dead}, kPatience);
+  EXPECT_EQ(refused.Exit, 1);
+  EXPECT_THAT(refused.Errors, HasSubstr("kestrune: the windows cannot be shown"));
+}
+
+}  // namespace
+}  // namespace kestrune::test

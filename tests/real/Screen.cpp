@@ -1,0 +1,81 @@
+#include "real/Screen.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "base/Ignored.h"
+#include "real/Waiting.h"
+
+namespace kestrune::test {
+namespace {
+
+constexpr std::chrono::seconds kWindowPatience{60};
+
+}  // namespace
+
+Screen::Screen() {
+  try {
+    server_ = std::make_unique<Process>(
+        Command{"Xvfb", {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"}});
+    base::Ignored(WaitUntil(
+        20s, [this] { return !server_->Running() || server_->Output().find('\n') != std::string::npos; }));
+    const std::string number = server_->Output();
+    const std::size_t end = number.find('\n');
+    if (end == std::string::npos || !server_->Running()) return;
+    name_ = ":" + number.substr(0, end);
+    manager_ = std::make_unique<Process>(Command{"openbox", {"--sm-disable"}, Environment()});
+    const bool managed = WaitUntil(
+        20s, [this] { return Run("wmctrl", {"-m"}).Exit == 0; }, 100ms);
+    if (!managed || Run("xdotool", {"version"}).Exit != 0) name_.clear();
+  } catch (const std::runtime_error&) {
+    name_.clear();
+  }
+}
+
+std::map<std::string, std::string> Screen::Environment() const {
+  return {{"DISPLAY", name_},       {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", "xcb"},
+          {"QT_SCALE_FACTOR", "1"}, {"SESSION_MANAGER", ""}, {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}};
+}
+
+Outcome Screen::Run(const std::string& program, std::vector<std::string> arguments) const {
+  return RunToEnd({program, std::move(arguments), Environment()});
+}
+
+std::string Screen::Find(const std::string& title) const {
+  const std::string found = Run("xdotool", {"search", "--onlyvisible", "--name", title}).Output;
+  return found.substr(0, found.find('\n'));
+}
+
+bool Screen::Shows(const std::string& title) const {
+  return !Find(title).empty();
+}
+
+bool Screen::WaitFor(const std::string& title) const {
+  return WaitUntil(
+      kWindowPatience, [&] { return Shows(title); }, 100ms);
+}
+
+bool Screen::WaitUntilGone(const std::string& title) const {
+  return WaitUntil(
+      kWindowPatience, [&] { return !Shows(title); }, 100ms);
+}
+
+void Screen::Press(const std::string& title, const std::vector<std::string>& keys) const {
+  const std::string window = Find(title);
+  base::Ignored(Run("xdotool", {"windowactivate", "--sync", window}));
+  for (const std::string& key : keys) base::Ignored(Run("xdotool", {"key", "--clearmodifiers", key}));
+}
+
+void Screen::Minimise(const std::string& title) const {
+  base::Ignored(Run("xdotool", {"windowminimize", "--sync", Find(title)}));
+}
+
+void Screen::Activate(const std::string& part) const {
+  base::Ignored(Run("wmctrl", {"-a", part}));
+}
+
+void Screen::Close(const std::string& title) const {
+  base::Ignored(Run("wmctrl", {"-i", "-c", Find(title)}));
+}
+
+}  // namespace kestrune::test
