@@ -261,9 +261,11 @@ void Desktop::ShowFirstConfiguration() {
   if (!makers_.contains(WindowName::Config)) return;
   Kept* kept = Load(WindowName::Config);
   if (kept == nullptr) return;
-  auto* cmdCancel = kept->Window->Widget()->findChild<QWidget*>(QStringLiteral("cmdCancel"));
-  if (cmdCancel != nullptr) cmdCancel->hide();
-  ShowModally(*kept->Window->Widget());
+  kept->Hidden = false;
+  const bool busy = busyCursor_;
+  SetBusyCursor(false);
+  kept->Window->OpenFirst();
+  if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
   DropClosed();
 }
 
@@ -364,7 +366,7 @@ void Desktop::Show(WindowName name) {
   if (kept == nullptr) return SayLater();
   kept->Window->Refresh();
   kept->Hidden = false;
-  Raise(*kept->Window->Widget());
+  kept->Window->Open();
 }
 
 void Desktop::Close(WindowName name) {

@@ -19,6 +19,10 @@ class OpenWindow {
   /// Null if the window has destroyed itself.
   [[nodiscard]] virtual QWidget* Widget() const = 0;
   virtual void Refresh() = 0;
+  /// Shows it before all others.
+  virtual void Open() = 0;
+  /// The first run of the program: shows it in a way of its own, if it has one, and returns once it has closed.
+  virtual void OpenFirst() = 0;
   /// The program ends: the next close is for good.
   virtual void Quit() = 0;
 };
@@ -34,6 +38,18 @@ class OpenWindowOf final : public OpenWindow {
   [[nodiscard]] QWidget* Widget() const override { return window_.data(); }
   void Refresh() override {
     if constexpr (requires(Window & window) { window.Refresh(); }) window_->Refresh();
+  }
+  void Open() override {
+    if constexpr (requires(Window & window) { window.ShowModeless(); }) {
+      window_->ShowModeless();
+    } else {
+      window_->show();
+      window_->raise();
+      window_->activateWindow();
+    }
+  }
+  void OpenFirst() override {
+    if constexpr (requires(Window & window) { window.ShowFirst(); }) window_->ShowFirst();
   }
   void Quit() override {
     if constexpr (requires(Window & window) { window.QuitFlag = true; }) window_->QuitFlag = true;

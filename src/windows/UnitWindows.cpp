@@ -61,21 +61,20 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeLog() {
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeSchedule() {
   auto window = std::make_unique<frmSchedule>(unit_.OpenScheduler(), loop_, unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().ScheduleClosed(refused); };
+  window->CloseEnded = [this](bool refused) { unit_.Switches().chkSchedule_Click(refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeRestrictList() {
   auto window = std::make_unique<frmRestrictList>(unit_.RestrictListEditor(), unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().RestrictListClosed(refused); };
+  window->CloseEnded = [this](bool refused) { unit_.Switches().chkRestrictList_Click(refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeKestruneNow() {
-  auto window =
-      std::make_unique<frmKestruneNow>(unit_.NowWindow(), unit_.PresetButtons(), unit_.Section());
+  auto window = std::make_unique<frmKestruneNow>(unit_.NowWindow(), unit_.PresetButtons(), unit_.Section());
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   window->Closed = [this] { unit_.Switches().chkKestruneNow_Click(false); };
   return Opened(std::move(window));

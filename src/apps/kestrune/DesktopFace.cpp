@@ -7,25 +7,16 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 #include <fmt/format.h>
+
+#include "platform/posix/SideFiles.h"
 
 namespace kestrune::apps {
 namespace {
 
 /// The session waits for so long at most; an ordinary close takes a little over two seconds.
 constexpr std::chrono::seconds kSessionPatience{8};
-
-/// A file that comes with the program: beside the executable, as in the build, or in the shared folder of the
-/// installation.
-std::string SideFile(const platform::Environment& environment, const std::string& name) {
-  const std::string beside = environment.ExecutableFolder() + "/" + name;
-  std::error_code gone;
-  if (std::filesystem::exists(beside, gone)) return beside;
-  const std::string shared = environment.ExecutableFolder() + "/../share/kestrune/" + name;
-  return std::filesystem::exists(shared, gone) ? shared : beside;
-}
 
 void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   if (type == QtFatalMsg) {
@@ -41,16 +32,26 @@ void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 
 DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& environment,
                          bool agreementAccepted)
-    : dialogs_(SideFile(environment, "Agreement.html"), agreementAccepted),
-      desktop_({.Loop = loop,
-                .Dialogs = dialogs_,
-                .Shell = shell_,
-                .HelpFile = SideFile(environment, "Documentation/Kestrune.html"),
-                .Links = {},
-                .GiveUpDialogs = [this] { dialogs_.GiveUp(); }}) {}
+    : loop_(loop),
+      dialogs_(platform::SideFile(environment.ExecutableFolder(), "Agreement.html"), agreementAccepted),
+      desktop_(
+          {.Loop = loop,
+           .Dialogs = dialogs_,
+           .Shell = shell_,
+           .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
+           .Links = {},
+           .GiveUpDialogs = [this] { dialogs_.GiveUp(); }}) {}
 
-void DesktopFace::Attach(recorder::Kestrune& unit) {
+void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
   desktop_.Attach(unit);
+  unitWindows_ =
+      std::make_unique<windows::UnitWindows>(desktop_, unit,
+                                             windows::UnitWindows::Outside{.Loop = loop_,
+                                                                           .Files = parts.Files,
+                                                                           .Environment = parts.Environment,
+                                                                           .Dialogs = dialogs_,
+                                                                           .Shell = shell_,
+                                                                           .Mixer = parts.Mixer});
   // The desktop goes on with its end once this returns, so the whole close belongs in here. The end of the
   // program ends this wait too.
   QObject::connect(
@@ -66,6 +67,7 @@ void DesktopFace::Attach(recorder::Kestrune& unit) {
 
 void DesktopFace::Detach() {
   desktop_.Detach();
+  unitWindows_.reset();
 }
 
 std::string WhyNoDisplay() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
 #include <string>
 
 #include "apps/kestrune/Face.h"
@@ -10,6 +11,7 @@
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
 #include "windows/QtSounds.h"
+#include "windows/UnitWindows.h"
 
 namespace kestrune::apps {
 
@@ -23,14 +25,16 @@ class DesktopFace final : public Face {
   [[nodiscard]] platform::Dialogs& Dialogs() override { return dialogs_; }
   [[nodiscard]] platform::Sounds& Sounds() override { return sounds_; }
   [[nodiscard]] recorder::Windows& Windows() override { return desktop_; }
-  void Attach(recorder::Kestrune& unit) override;
+  void Attach(recorder::Kestrune& unit, const Parts& parts) override;
   void Detach() override;
 
  private:
+  base::EventLoop& loop_;
   platform::DesktopShell shell_;
   windows::QtDialogs dialogs_;
   windows::QtSounds sounds_;
   windows::Desktop desktop_;
+  std::unique_ptr<windows::UnitWindows> unitWindows_;
   QObject session_;  // owns the connections
 };
 

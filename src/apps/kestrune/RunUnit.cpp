@@ -117,7 +117,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                            .Web = web,
                            .Processes = processes,
                            .SleepInhibitor = sleepInhibitor});
-  face->Attach(unit);
+  face->Attach(unit, {.Files = files, .Environment = environment, .Mixer = *input.Mixer});
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(
       platform::ControlSocketPath(runtimeFolder, name),
