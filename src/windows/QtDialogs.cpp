@@ -48,6 +48,8 @@ QMessageBox::Icon IconOf(MessageIcon icon) {
       return QMessageBox::Question;
     case MessageIcon::Information:
       return QMessageBox::Information;
+    case MessageIcon::None:
+      break;
   }
   return QMessageBox::NoIcon;
 }

@@ -157,7 +157,11 @@ class ScheduledFortnight : public ::testing::Test {
                                                                   .Settings = store,
                                                                   .Dialogs = dialogs,
                                                                   .Sounds = sounds,
-                                                                  .Windows = windows});
+                                                                  .Windows = windows,
+                                                                  .SerialEnumerator = serialEnumerator,
+                                                                  .Web = web,
+                                                                  .Processes = processes,
+                                                                  .SleepInhibitor = sleepInhibitor});
   }
 
   void Set(std::string_view key, std::string_view value) { store.Put("Lorimel", "Kestrune", key, value); }
@@ -255,6 +259,10 @@ class ScheduledFortnight : public ::testing::Test {
   ScriptedDialogs dialogs;
   CountedSounds sounds;
   recorder::Windows windows;
+  platform::SerialEnumerator serialEnumerator;
+  FakeWeb web;
+  FakeProcesses processes;
+  FakeSleepInhibitor sleepInhibitor;
   CutLedger ledger;
   Audio audio{*this};
   std::unique_ptr<recorder::Kestrune> unit;

@@ -1,6 +1,7 @@
 #include "platform/qtweb/QtWeb.h"
 
 #include <QEventLoop>
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QUrl>
@@ -12,7 +13,6 @@ namespace kestrune::platform {
 namespace {
 
 constexpr int kMostRedirections = 5;
-constexpr qint64 kReadBuffer = 65536;
 
 QNetworkRequest RequestFor(const QUrl& url, std::chrono::milliseconds silence) {
   QNetworkRequest request(url);
@@ -24,6 +24,7 @@ QNetworkRequest RequestFor(const QUrl& url, std::chrono::milliseconds silence) {
   request.setHeader(QNetworkRequest::UserAgentHeader, "Kestrune");
   // The bytes as they lie on the server, so that their number is theirs.
   request.setRawHeader("Accept-Encoding", "identity");
+  request.setRawHeader("Connection", "close");
   return request;
 }
 
@@ -60,8 +61,9 @@ std::string QtWeb::Fetch(std::string_view address, std::chrono::milliseconds lim
   std::string body;
   bool tooMuch = false;
   QEventLoop end;
-  const std::unique_ptr<QNetworkReply> reply(manager_.get(RequestFor(url, limits_.Silence)));
-  reply->setReadBufferSize(kReadBuffer);
+  // A client of its own for each fetch: between two of them lie hours, and nothing is to be kept open meanwhile.
+  QNetworkAccessManager client;
+  const std::unique_ptr<QNetworkReply> reply(client.get(RequestFor(url, limits_.Silence)));
   const auto take = [&] {
     const QByteArray piece = reply->readAll();
     if (body.size() + static_cast<std::size_t>(piece.size()) > mostBytes) {

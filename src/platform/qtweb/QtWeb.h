@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QNetworkAccessManager>
 #include <chrono>
 #include <cstddef>
 #include <string>
@@ -37,7 +36,6 @@ class QtWeb final : public Web {
 
   WebLimits limits_;
   Waits waits_;
-  QNetworkAccessManager manager_;
 };
 
 }  // namespace kestrune::platform

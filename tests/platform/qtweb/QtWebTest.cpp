@@ -164,6 +164,16 @@ TEST_F(QtWebTest, OnlyAddressesOfTheWebAreFetched) {
   }
 }
 
+TEST_F(QtWebTest, EachFetchIsOneRequestOnAConnectionOfItsOwn) {
+  const auto answer = [](const std::string& body) {
+    return Answer{
+        {{"HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body}}};
+  };
+  LoopbackServer server({answer("one"), answer("two"), answer("three"), answer("four")});
+  for (const char* body : {"one", "two", "three", "four"}) EXPECT_EQ(Text(server), body);
+  EXPECT_EQ(server.Requests().size(), 4U) << testing::PrintToString(server.Requests());
+}
+
 TEST_F(QtWebTest, EventsAreServedWhileAFetchWaits) {
   LoopbackServer server({{{{"HTTP/1.0 200 OK\r\n\r\n"}, {"x", 300ms}}}});
   int ticks = 0;
