@@ -13,6 +13,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <utility>
 
 #include <fmt/core.h>
 
@@ -99,27 +101,27 @@ QWidget* frmDateSelect::MakeCalendar() {
   frame->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
 
   const auto mover = [&](const char* name, Qt::ArrowType arrow, const char* tip,
-                         void (schedule::DateSelect::*moved)()) {
+                         std::function<void()> moved) {
     auto* button = new QToolButton(frame);
     Name(*button, name, tip, tip);
     button->setArrowType(arrow);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::StrongFocus);
-    connect(button, &QToolButton::clicked, this, [this, moved] {
-      (rules_.*moved)();
+    connect(button, &QToolButton::clicked, this, [this, moved = std::move(moved)] {
+      moved();
       Refresh();
     });
     return button;
   };
   QToolButton* down =
-      mover("cmdMonthDown", Qt::LeftArrow, "One month back", &schedule::DateSelect::cmdMonthDown);
+      mover("cmdMonthDown", Qt::LeftArrow, "One month back", [this] { rules_.cmdMonthDown(); });
   lblMonth_ = new QLabel(frame);
   lblMonth_->setObjectName(QStringLiteral("lblMonth"));
   lblMonth_->setAlignment(Qt::AlignCenter);
   QFont bold = lblMonth_->font();
   bold.setBold(true);
   lblMonth_->setFont(bold);
-  QToolButton* up = mover("cmdMonthUp", Qt::RightArrow, "One month on", &schedule::DateSelect::cmdMonthUp);
+  QToolButton* up = mover("cmdMonthUp", Qt::RightArrow, "One month on", [this] { rules_.cmdMonthUp(); });
 
   cldDateSelect_ = new QCalendarWidget(frame);
   Name(*cldDateSelect_, "cldDateSelect", {}, "Date");

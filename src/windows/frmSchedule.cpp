@@ -181,10 +181,10 @@ void frmSchedule::MakeHeadings(QGridLayout& grid) {
   };
   heading("Channel", Channel, 1);
   heading("Start", StartDate, 4);
-  heading("Length", Duration, 2);
+  heading("Duration", Duration, 2);
   heading("End", EndDate, 4);
   heading("Modes", Modes, 4);
-  heading("MP3", BitRate, 1);
+  heading("Bit rate", BitRate, 1);
 }
 
 void frmSchedule::MakeRow(int index, QGridLayout& grid, QWidget* page) {

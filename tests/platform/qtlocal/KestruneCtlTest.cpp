@@ -83,14 +83,20 @@ TEST_F(KestruneCtlTest, EachCommandReachesTheUnit) {
                                              {"mute", "on"},
                                              {"mute", "off"},
                                              {"set", "AGCLowLevel", "-10"},
+                                             {"schedule", "--at=8:00 PM", "set", "3", "--kill", "on"},
+                                             {"schedule", "clear", "3"},
+                                             {"lists", "add", "kill-song", "--", "--odd"},
                                              {"quit"}}) {
     const Ended ended = Run(words);
     EXPECT_EQ(ended.Status, 0) << words.front();
     EXPECT_EQ(ended.Out, "");
     EXPECT_EQ(ended.Err, "");
   }
-  EXPECT_THAT(target_.Calls, ElementsAre("Record", "Stop", "Tune 44", "Mute true", "Mute false",
-                                         "Set AGCLowLevel=-10", "Quit"));
+  EXPECT_THAT(target_.Calls,
+              ElementsAre("Record", "Stop", "Tune 44", "Mute true", "Mute false", "Set AGCLowLevel=-10",
+                          "SetSchedule 3", "ClearSchedule 3", "AddToList 3 --odd", "Quit"));
+  EXPECT_EQ(target_.Change.At, 20 * 60);
+  EXPECT_EQ(target_.Change.Kill, true);
 }
 
 TEST_F(KestruneCtlTest, StatusForPeopleIsATable) {
@@ -162,8 +168,13 @@ TEST_F(KestruneCtlTest, WrongUseIsExitTwoAndReachesNoUnit) {
   const Wrong kWrong[] = {
       {{}, "no command given"},
       {{"dance"}, "unknown command \"dance\"; allowed: status, channels"},
-      {{"schedule"}, "unknown command \"schedule\""},
-      {{"lists"}, "unknown command \"lists\""},
+      {{"schedule", "run"}, "expected nothing or one of set, enable, disable, clear"},
+      {{"schedule", "set", "1"}, "schedule set: no option is given"},
+      {{"schedule", "set", "1", "--at"}, "--at needs a value: --at TIME"},
+      {{"schedule", "enable", "1", "--at", "20:00"},
+       "schedule enable: too many arguments, \"--at\" is not expected"},
+      {{"lists", "add", "grab", "Moon"}, "expected one of grab-artist"},
+      {{"status", "--at", "20:00"}, "status: too many arguments, \"--at\" is not expected"},
       {{"tune"}, "tune: N is missing"},
       {{"tune", "256"}, "expected a channel number from 1 to 255"},
       {{"mute", "maybe"}, "expected on or off"},
