@@ -27,7 +27,14 @@ namespace {
 constexpr int kNameLines = 3;
 constexpr int kColumnLetters = 16;
 
-enum Row : int { kName, kVolumeCaption, kVolume, kBalanceCaption, kBalance, kSelect, kAdvanced };
+// Rows of the grid.
+constexpr int kName = 0;
+constexpr int kVolumeCaption = 1;
+constexpr int kVolume = 2;
+constexpr int kBalanceCaption = 3;
+constexpr int kBalance = 4;
+constexpr int kSelect = 5;
+constexpr int kAdvanced = 6;
 
 /// A turn of the wheel by one notch is a step that can be heard.
 class LevelSlider final : public QSlider {
