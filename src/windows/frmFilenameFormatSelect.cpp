@@ -41,6 +41,8 @@ frmFilenameFormatSelect::frmFilenameFormatSelect(config::FilenameFormatSelect& f
     label->setProperty("tag", ToQt(rows[row].Format));
     label->setWordWrap(true);
     label->setMinimumWidth(label->fontMetrics().averageCharWidth() * kDescriptionCharacters);
+    // On a small screen a window is first made too low for labels that wrap, unless they insist.
+    label->setMinimumHeight(label->heightForWidth(label->minimumWidth()));
     grid->addWidget(button, static_cast<int>(row), 0);
     grid->addWidget(label, static_cast<int>(row), 1);
   }

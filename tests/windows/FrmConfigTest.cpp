@@ -311,6 +311,14 @@ TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
   }
 }
 
+TEST_F(FrmConfigTest, WithoutAChosenFormatThereAreNoOptions) {
+  rig_.Settings.FileFormat = "mp3";
+  window_.ShowModeless();
+  EXPECT_EQ(Find<QComboBox>(window_, "cboFileFormat").currentIndex(), -1);
+  Press(window_, "cmdChangeFormatSpecs");
+  EXPECT_EQ(Opened(), nullptr);
+}
+
 TEST_F(FrmConfigTest, AReadyMadeFormatComesIntoTheText) {
   window_.ShowModeless();
   Press(window_, "cmdFilenameFormat");

@@ -460,6 +460,17 @@ TEST_F(FrmFormatTest, FilenameFormatsReadAsTheirRulesSay) {
   EXPECT_EQ(cancel.toolTip(), "Exit without making any changes");
 }
 
+TEST_F(FrmFormatTest, NoDescriptionOfAFilenameFormatIsCutOffInTheSmallestWindow) {
+  windows::frmFilenameFormatSelect window(rig_.Window.FilenameFormats(), rig_.Section);
+  window.show();
+  window.resize(1, 1);
+  QCoreApplication::processEvents();
+  for (int row = 0; row < 8; ++row) {
+    const auto& label = Find<QLabel>(window, ("lblDescription_" + std::to_string(row)).c_str());
+    EXPECT_GE(label.height(), label.heightForWidth(label.width())) << row;
+  }
+}
+
 TEST_F(FrmFormatTest, AFilenameFormatIsWrittenByItsButtonAndNotByCancel) {
   for (std::size_t row = 0; row < 8; ++row) {
     windows::frmFilenameFormatSelect window(rig_.Window.FilenameFormats(), rig_.Section);
