@@ -37,7 +37,9 @@ class OpenWindowOf final : public OpenWindow {
 
   [[nodiscard]] QWidget* Widget() const override { return window_.data(); }
   void Refresh() override {
-    if constexpr (requires(Window & window) { window.Refresh(); }) window_->Refresh();
+    if constexpr (requires(Window & window) { window.Refresh(); }) {
+      if (window_ != nullptr) window_->Refresh();
+    }
   }
   void Open() override {
     if constexpr (requires(Window & window) { window.ShowModeless(); }) {
@@ -52,7 +54,9 @@ class OpenWindowOf final : public OpenWindow {
     if constexpr (requires(Window & window) { window.ShowFirst(); }) window_->ShowFirst();
   }
   void Quit() override {
-    if constexpr (requires(Window & window) { window.QuitFlag = true; }) window_->QuitFlag = true;
+    if constexpr (requires(Window & window) { window.QuitFlag = true; }) {
+      if (window_ != nullptr) window_->QuitFlag = true;
+    }
   }
 
  private:

@@ -24,6 +24,9 @@ int Pixels(float twips) {
 }  // namespace
 
 void MoveTo(QWidget& window, Place place) {
+  // A window that takes its size only when it is shown is put there without its frame, and would move up by its
+  // title bar from start to start.
+  if (!window.testAttribute(Qt::WA_Resized)) window.adjustSize();
   QPoint wanted(Pixels(place.Left), Pixels(place.Top));
   const QScreen* screen = QGuiApplication::screenAt(wanted);
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();

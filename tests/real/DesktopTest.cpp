@@ -1,4 +1,6 @@
-#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -80,6 +82,10 @@ TEST(Desktop, APersonAgreesRecordsChangesTheChannelAndClosesByKeysAlone) {
   EXPECT_TRUE(screen.WaitUntilGone(kMain));
   EXPECT_EQ(unit.Program().Wait(kPatience), 0) << unit.Program().Errors();
   EXPECT_THAT(unit.Recordings(), Not(IsEmpty()));
+  std::ifstream stored(unit.SettingsFile());
+  EXPECT_THAT(std::string(std::istreambuf_iterator<char>(stored), {}),
+              AllOf(HasSubstr("MainTop=600\n"), HasSubstr("MainLeft=600\n")))
+      << "a window that nobody moved has moved";
   EXPECT_THAT(unit.Captures(), IsEmpty());
   EXPECT_THAT(unit.LogText(), AllOf(HasSubstr("Radio found on port 1"), HasSubstr("Recorded: Channel 1"),
                                     HasSubstr("Shutting Down")));

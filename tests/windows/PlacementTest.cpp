@@ -1,4 +1,5 @@
 #include <QGuiApplication>
+#include <QLabel>
 #include <QRect>
 #include <QScreen>
 #include <QWidget>
@@ -21,6 +22,12 @@ TEST(Placement, FifteenTwipsAreAPixel) {
   EXPECT_EQ(window.pos(), QPoint(200, 100));
   EXPECT_EQ(PlaceOf(window).Top, 1500);
   EXPECT_EQ(PlaceOf(window).Left, 3000);
+}
+
+TEST(Placement, AWindowHasItsSizeBeforeItsPlace) {
+  QLabel window(QStringLiteral("Its text gives it a size."));
+  MoveTo(window, {.Top = 1500, .Left = 3000});
+  EXPECT_TRUE(window.testAttribute(Qt::WA_Resized)) << "else its frame is not counted in";
 }
 
 TEST(Placement, AWindowOfALostScreenStaysWithinReach) {

@@ -220,11 +220,12 @@ TEST(QtDialogs, EscapeIsTheAnswerThatChangesLeast) {
       {MessageButtons::Ok, MessageAnswer::Ok},
       {MessageButtons::YesNo, MessageAnswer::No},
       {MessageButtons::YesNoCancel, MessageAnswer::Cancel}};
-  for (const auto& [buttons, wanted] : kRows) {
+  for (const auto& row : kRows) {
+    const MessageButtons buttons = row.first;
     MessageAnswer answer{};
     ASSERT_TRUE(AnswerNext([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); },
                            [&] { answer = dialogs.Show({.Title = "T", .Text = "?", .Buttons = buttons}); }));
-    EXPECT_EQ(answer, wanted);
+    EXPECT_EQ(answer, row.second);
   }
 }
 
