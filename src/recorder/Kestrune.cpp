@@ -64,11 +64,12 @@ Kestrune::Kestrune(const Outside& outside)
       presetSetup_(channels_.Grid(), presets_, outside.Dialogs),
       channelChooser_(channels_, run_, outside.Sounds, outside.Loop, *tmrUpdate_,
                       [this] { return recording_.GetRecordingStatus(); }),
-      nowScreen_(channels_, presets_, outside.Loop, [this] {
-        return radio::NowLines{.lblChannel = window_.lblChannel.Caption,
-                               .lblArtist = window_.lblArtist.Caption,
-                               .lblSong = window_.lblSong.Caption};
-      }),
+      nowScreen_(channels_, presets_, outside.Loop,
+                 [this] {
+                   return radio::NowLines{.lblChannel = window_.lblChannel.Caption,
+                                          .lblArtist = window_.lblArtist.Caption,
+                                          .lblSong = window_.lblSong.Caption};
+                 }),
       update_(outside, run_, commands_, [this] { Close(); }),
       stayAwake_(recording_, schedule_, entries_, outside.SleepInhibitor, outside.Loop) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {

@@ -12,11 +12,11 @@ namespace {
 TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
   std::vector<std::string> usages;
   for (const Command& command : CommandTable()) usages.push_back(Usage(command));
-  EXPECT_EQ(usages, (std::vector<std::string>{"status", "channels", "record", "stop", "tune N", "mute on|off",
-                                              "log [N]", "get KEY", "set KEY VALUE", "schedule",
-                                              "schedule set N OPTION...", "schedule enable N",
-                                              "schedule disable N", "schedule clear N", "lists",
-                                              "lists add LIST TEXT", "lists remove LIST TEXT", "update", "quit"}));
+  EXPECT_EQ(usages, (std::vector<std::string>{
+                        "status", "channels", "record", "stop", "tune N", "mute on|off", "log [N]", "get KEY",
+                        "set KEY VALUE", "schedule", "schedule set N OPTION...", "schedule enable N",
+                        "schedule disable N", "schedule clear N", "lists", "lists add LIST TEXT",
+                        "lists remove LIST TEXT", "update", "quit"}));
 }
 
 /// The request that names a command and gives it nothing else.
