@@ -10,6 +10,7 @@
 
 #include <fmt/format.h>
 
+#include "config/Endpoints.h"
 #include "platform/posix/SideFiles.h"
 
 namespace kestrune::apps {
@@ -39,7 +40,7 @@ DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& env
            .Dialogs = dialogs_,
            .Shell = shell_,
            .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
-           .Links = {},
+           .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""},
            .GiveUpDialogs = [this] { dialogs_.GiveUp(); }}) {}
 
 void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
