@@ -123,8 +123,8 @@ void DayOfRadio::PressSomething() {
     case 2:
       if (unit_->Window().cmdRecord.Enabled) {
         LookOver();
-        if (!unit_->Radio().ChannelsLoading) keptThisSession_ = refusedThisSession_ = 0;
         unit_->cmdRecord();
+        FollowSession();
       }
       break;
     case 3:
@@ -192,7 +192,21 @@ void DayOfRadio::Check(bool holds, const std::string& complaint) {
   }
 }
 
+void DayOfRadio::FollowSession() {
+  // The command that zeroes the counters is the one that asks for the recording. It may come later than what
+  // led to it: a press is held back while a song is put away, an event tunes first.
+  const bool requested = unit_->Recording().RecordRequested;
+  if (requested && !requested_) BeginSession();
+  requested_ = requested;
+}
+
+void DayOfRadio::BeginSession() {
+  keptThisSession_ = refusedThisSession_ = 0;
+  sessionAnnounced_ = false;
+}
+
 void DayOfRadio::LookOver() {
+  FollowSession();
   const recorder::MainWindow& window = unit_->Window();
   const recorder::RecordingState& state = unit_->Recording();
   const std::string& status = window.lblRecording.Caption;
@@ -235,15 +249,18 @@ void DayOfRadio::LookOver() {
 }
 
 void DayOfRadio::TakeLogLine(const std::string& line) {
+  FollowSession();
   std::string text = line.substr(line.find(':') + 7);
+  const bool ofEvent = text.starts_with("Scheduled event ");
+  // In a long wait an event can come and go between two looks.
+  const bool ends = ofEvent && text.find(" completed ") != std::string::npos;
+  if (ends && sessionAnnounced_) BeginSession();
   if (text.starts_with("Recorded: ")) ++keptThisSession_;
   const bool refused = text.starts_with("Not Recorded: ");
   if (refused && text.find("duplicate song") == std::string::npos) ++refusedThisSession_;
   // Both are followed by a new recording, with no boundary between.
-  const bool begins = text.starts_with("Scheduled event ") && text.find(" beginning ") != std::string::npos;
-  if (begins || text.starts_with("Schedule changed, now recording channel")) {
-    keptThisSession_ = refusedThisSession_ = 0;
-  }
+  const bool begins = ofEvent && text.find(" beginning ") != std::string::npos;
+  if (begins || text.starts_with("Schedule changed, now recording channel")) sessionAnnounced_ = true;
   if (begins) ++eventsBegun_;
   logTexts_.push_back(std::move(text));
 }

@@ -49,6 +49,8 @@ class DayOfRadio {
   void HaveABadMoment();
   void PlanSomething();
   void LookOver();
+  void FollowSession();
+  void BeginSession();
   void TakeLogLine(const std::string& line);
   void Check(bool holds, const std::string& complaint);
   [[nodiscard]] int Draw(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
@@ -81,6 +83,8 @@ class DayOfRadio {
   int eventsBegun_ = 0;
   std::int64_t framesLost_ = 0;
   std::vector<std::string> logTexts_;
+  bool requested_ = false;         ///< whether recording was asked for at the last look
+  bool sessionAnnounced_ = false;  ///< the log told of a recording that has not been seen to begin
   int keptThisSession_ = 0;
   int refusedThisSession_ = 0;
 };

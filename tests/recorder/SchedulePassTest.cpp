@@ -411,6 +411,39 @@ TEST_F(SchedulePassTest, ARecordPressedWhileTheEventTunesDoesNotGetInItsWay) {
   EXPECT_FALSE(window.cmdStop.Enabled);
 }
 
+TEST_F(SchedulePassTest, TheCountersBeforeAnEventStandUntilItHasTuned) {
+  entries[0] = Once(20, 0, 60, 46);
+  state.RecordedCount = 2;
+  state.TooShortCount = 3;
+  int kept = -1;
+  int tooShort = -1;
+  bool told = false;
+  whileTuning = [&] {
+    told = !journal.Log.empty();
+    kept = state.RecordedCount;
+    tooShort = state.TooShortCount;
+  };
+  PassAt(20, 0);
+  EXPECT_TRUE(told) << "the line of the beginning comes first";
+  EXPECT_EQ(kept, 2);
+  EXPECT_EQ(tooShort, 3);
+  EXPECT_EQ(state.RecordedCount, 0);
+  EXPECT_EQ(state.TooShortCount, 0);
+}
+
+TEST_F(SchedulePassTest, ARecordPressedWhileTheEventTunesBeginsTheCountEarly) {
+  entries[0] = Once(20, 0, 60, 46);
+  state.RecordedCount = 2;
+  int kept = -1;
+  whileTuning = [&] {
+    Press(true);
+    kept = state.RecordedCount;
+  };
+  PassAt(20, 0);
+  EXPECT_EQ(kept, 0);
+  EXPECT_EQ(state.RecordedCount, 0);
+}
+
 TEST_F(SchedulePassTest, AStopBesideTheScheduleLeavesTheEventRunningWithoutARecording) {
   // A change of the file format stops every recording; the event does not begin it again.
   entries[0] = Once(20, 0, 60, 46);

@@ -135,6 +135,9 @@ std::string QtSerialPort::Open() {
     return fmt::format("{} cannot be opened: {}.{}", device, port_.errorString().toStdString(),
                        WhoMayHoldSerialDevice());
   }
+  // A pseudo-terminal outlives who had it open, and keeps what was not read. A header alone from there makes
+  // the next frame's own header its length, and no reply is seen any more.
+  base::Ignored(port_.clear(QSerialPort::Input));
   dead_ = false;
   hangUpCheck_->SetEnabled(true);
   return {};

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pwd.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
@@ -209,6 +210,19 @@ TEST_F(QtSerialPortTest, CanBeOpenedAgain) {
     Received.clear();
     Port->Close();
   }
+}
+
+TEST_F(QtSerialPortTest, WhatAnEarlierProgramLeftUnreadIsDropped) {
+  const int earlier = ::open(Far.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_GE(earlier, 0);
+  Far.Send("\x5A\xA5");
+  pollfd arrived{earlier, POLLIN, 0};
+  ASSERT_EQ(::poll(&arrived, 1, 5000), 1);
+  ::close(earlier);
+  ASSERT_EQ(Port->Open(), "");
+  Far.Send("hello");
+  ASSERT_TRUE(ReceivedSize(5));
+  EXPECT_EQ(Received, "hello");
 }
 
 TEST_F(QtSerialPortTest, OpeningAnOpenPortOpensItAnew) {
