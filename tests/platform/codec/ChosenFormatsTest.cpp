@@ -143,13 +143,14 @@ TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   for (int position = config::OggBitrates().First(); position <= config::OggBitrates().Last(); ++position) {
     options.NominalBitrate(position);
     const std::string told = fmt::format("Nominal bitrate: {}", config::OggBitrates().Bitrate(position));
-    EXPECT_NE(RunProgramAll("ogginfo '" + record() + "'").Output.find(told), std::string::npos) << told;
+    EXPECT_NE(RunProgramAll("LC_ALL=C.UTF-8 ogginfo '" + record() + "'").Output.find(told), std::string::npos)
+        << told;
   }
   options.NominalBitrate(3);
   options.MinBitrate(2);
   options.MaxBitrate(5);
   options.chkVbr(true);
-  const std::string info = RunProgramAll("ogginfo '" + record() + "'").Output;
+  const std::string info = RunProgramAll("LC_ALL=C.UTF-8 ogginfo '" + record() + "'").Output;
   EXPECT_NE(info.find("Nominal bitrate: 160"), std::string::npos) << info;
   EXPECT_NE(info.find("Upper bitrate: 256"), std::string::npos) << info;
   EXPECT_NE(info.find("Lower bitrate: 128"), std::string::npos) << info;

@@ -24,8 +24,8 @@ class EncryptedServer {
  public:
   explicit EncryptedServer(QByteArray answer) : answer_(std::move(answer)) {
     ChildProcess maker({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
-                        "/CN=localhost", "-addext", "subjectAltName=DNS:localhost", "-keyout",
-                        folder_ / "key", "-out", folder_ / "certificate"},
+                        "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", folder_ / "key",
+                        "-out", folder_ / "certificate"},
                        {}, folder_ / "output");
     EXPECT_EQ(maker.Wait(60s), 0) << FileText(folder_ / "output");
     QFile key(QString::fromStdString(folder_ / "key"));
@@ -36,7 +36,7 @@ class EncryptedServer {
     configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
     configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
     server_.setSslConfiguration(configuration);
-    EXPECT_TRUE(server_.listen(QHostAddress::LocalHost));
+    EXPECT_TRUE(server_.listen(QHostAddress::AnyIPv4));
     QObject::connect(&server_, &QTcpServer::pendingConnectionAvailable, &server_, [this] {
       QTcpSocket* const connection = server_.nextPendingConnection();
       QObject::connect(connection, &QTcpSocket::readyRead, connection, [this, connection] {
@@ -48,7 +48,7 @@ class EncryptedServer {
   }
 
   [[nodiscard]] std::string Address() const {
-    return fmt::format("https://localhost:{}/NewVersion.txt", server_.serverPort());
+    return fmt::format("https://127.0.0.1:{}/NewVersion.txt", server_.serverPort());
   }
   [[nodiscard]] const QSslCertificate& Certificate() const { return certificate_; }
 
@@ -105,7 +105,7 @@ TEST_F(EncryptedWebTest, AnotherHostsCertificateIsRefused) {
   const Trusted trusted(server.Certificate());
   platform::QtWeb web;
   std::string address = server.Address();
-  address.replace(address.find("localhost"), 9, "127.0.0.1");
+  address.replace(address.find("127.0.0.1"), 9, "127.0.0.2");
   EXPECT_EQ(web.FetchText(address), "");
 }
 
