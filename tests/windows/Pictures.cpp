@@ -251,13 +251,13 @@ void TakeConfig(Stage& stage) {
       for (int page = 0; page < tabs->count(); ++page) {
         tabs->setCurrentIndex(page);
         for (auto* box : tabs->currentWidget()->findChildren<QCheckBox*>()) {
-          if (stage.Extreme && box->isEnabled() && !box->isChecked()) box->click();
+          if (stage.Extreme && box->isVisible() && box->isEnabled() && !box->isChecked()) box->click();
         }
         stage.Take(options, options.objectName() + QString::number(page));
       }
     } else {
       for (auto* box : options.findChildren<QCheckBox*>()) {
-        if (stage.Extreme && box->isEnabled()) box->click();
+        if (stage.Extreme && box->isVisible() && box->isEnabled()) box->click();
       }
       stage.Take(options, options.objectName());
     }
