@@ -37,6 +37,9 @@ using schedule::SchedulerMoment;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 
+/// What the desktop draws around the window, at most, and keeps for itself.
+constexpr QSize kFrame(8, 48);
+
 /// The columns of the grid, from the left; narrow empty ones set the groups apart.
 enum Column : int {
   Number,
@@ -168,7 +171,7 @@ frmSchedule::frmSchedule(Scheduler rules, const base::EventLoop& loop, const bas
                 QSize(margins.left() + margins.right(),
                       margins.top() + margins.bottom() + layout->spacing() + ends->sizeHint().height());
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-    const QSize room = screen->availableSize() * 0.95;
+    const QSize room = screen->availableSize() - kFrame;
     // The bar under the rows is to hide none of them.
     if (whole.width() > room.width()) whole.rheight() += scroll->horizontalScrollBar()->sizeHint().height();
     whole = whole.boundedTo(room);
