@@ -123,6 +123,7 @@ void Desktop::ReadMainWindow() {
 void Desktop::ShowMainWindow() {
   const bool visible = unit_->Window().Visible && !unit_->Run().ShuttingDown;
   if (visible != main_->isHidden()) return;
+  if (!visible) KeepPlace(*main_);
   main_->setVisible(visible);
 }
 
@@ -400,6 +401,7 @@ void Desktop::SetVisible(WindowName name, bool visible) {
 
 // A closing rule may set its check box, whose own rule closes the window again: only the first close counts.
 bool Desktop::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Hide && !event->spontaneous()) KeepPlace(*static_cast<QWidget*>(watched));
   if (event->type() != QEvent::Close) return QObject::eventFilter(watched, event);
   const auto place = std::find_if(kept_.begin(), kept_.end(), [watched](const auto& each) {
     return each.second.Window->Widget() == watched;

@@ -5,6 +5,7 @@
 #include <QRect>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 #include <algorithm>
 #include <cmath>
 
@@ -42,6 +43,10 @@ void MoveTo(QWidget& window, Place place) {
 Place PlaceOf(const QWidget& window) {
   return {.Top = static_cast<float>(window.y()) * kTwipsPerPixel,
           .Left = static_cast<float>(window.x()) * kTwipsPerPixel};
+}
+
+void KeepPlace(const QWidget& window) {
+  if (QWindow* handle = window.windowHandle()) handle->setPosition(handle->position());
 }
 
 bool InNormalState(const QWidget& window) {

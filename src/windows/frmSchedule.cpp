@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
@@ -35,6 +36,9 @@ using schedule::Scheduler;
 using schedule::SchedulerMoment;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
+
+/// What the desktop draws around the window, at most, and keeps for itself.
+constexpr QSize kFrame(8, 48);
 
 /// The columns of the grid, from the left; narrow empty ones set the groups apart.
 enum Column : int {
@@ -163,11 +167,16 @@ frmSchedule::frmSchedule(Scheduler rules, const base::EventLoop& loop, const bas
   Refresh();
   // All of it where the screen is large enough; bars where it is not.
   const QMargins margins = layout->contentsMargins();
-  const QSize whole = page->sizeHint() +
-                      QSize(margins.left() + margins.right(),
-                            margins.top() + margins.bottom() + layout->spacing() + ends->sizeHint().height());
-  const QScreen* screen = QGuiApplication::primaryScreen();
-  resize(screen == nullptr ? whole : whole.boundedTo(screen->availableSize() * 0.95));
+  QSize whole = page->sizeHint() +
+                QSize(margins.left() + margins.right(),
+                      margins.top() + margins.bottom() + layout->spacing() + ends->sizeHint().height());
+  if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+    const QSize room = screen->availableSize() - kFrame;
+    // The bar under the rows is to hide none of them.
+    if (whole.width() > room.width()) whole.rheight() += scroll->horizontalScrollBar()->sizeHint().height();
+    whole = whole.boundedTo(room);
+  }
+  resize(whole);
   RestorePlace(*this, section_, "Schedule");
 }
 

@@ -4,6 +4,9 @@
 //
 // A window joins with a line in kPictures.
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
 #include <QDir>
 #include <QFont>
 #include <QMenu>
@@ -11,7 +14,9 @@
 #include <QPalette>
 #include <QPixmap>
 #include <QProcess>
+#include <QPushButton>
 #include <QStyle>
+#include <QTabWidget>
 #include <QTimer>
 #include <chrono>
 #include <cmath>
@@ -23,20 +28,40 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "support/FakeMixer.h"
+#include "windows/Controls.h"
 #include "windows/DesktopRig.h"
 #include "windows/QtDialogs.h"
+#include "windows/UnitWindows.h"
 #include "windows/frmLegal.h"
 #include "windows/frmPleaseWait.h"
 #include "windows/frmSplash.h"
+#include "windows/frmUpdating.h"
 
 namespace kestrune::test {
 namespace {
 
 using namespace std::chrono_literals;
 
+using recorder::WindowName;
+
 /// What a picture is made from: a unit with the desktop's windows, either short or extreme texts in its records.
 struct Stage {
+  Stage() = default;
+  ~Stage() { Rig.Desktop.Detach(); }
+  Stage(const Stage&) = delete;
+  Stage& operator=(const Stage&) = delete;
+
   DesktopRig Rig;
+  FakeMixer Mixer;
+  windows::UnitWindows Windows{Rig.Desktop,
+                               *Rig.Unit,
+                               {.Loop = Rig.Unit.Loop,
+                                .Files = Rig.Unit.Files,
+                                .Environment = Rig.Unit.Environment,
+                                .Dialogs = Rig.Unit.Dialogs,
+                                .Shell = Rig.Shell,
+                                .Mixer = Mixer}};
   bool Extreme = false;
   QString Folder;
   QString Look;
@@ -47,10 +72,44 @@ struct Stage {
     QCoreApplication::processEvents();
     window.grab().save(Folder + QLatin1Char('/') + name + QLatin1Char('-') + Look + QStringLiteral(".png"));
   }
+
+  /// Opens a window as the program does.
+  QWidget& Open(WindowName name) {
+    Rig.Desktop.Show(name);
+    Rig.Run(200ms);
+    return *Rig.Desktop.WidgetOf(name);
+  }
+  void TakeOpened(WindowName name, const QString& picture) { Take(Open(name), picture); }
+  /// Of a window that blocks whoever opens it: `open` returns once the picture is taken.
+  void TakeBlocking(const std::function<void()>& open, const QString& name) {
+    QTimer::singleShot(0, qApp, [this, name] {
+      QWidget* window = QApplication::activeModalWidget();
+      if (window == nullptr) return;
+      Take(*window, name);
+      window->close();
+    });
+    open();
+  }
 };
+
+/// As a user does who picks the item.
+void Choose(QComboBox& list, int row) {
+  list.setCurrentIndex(row);
+  emit list.activated(row);
+}
 
 void Play(Stage& stage) {
   UnitRig& unit = stage.Rig.Unit;
+  unit.Set("MainTop", "0");  // or it would be the first run
+  if (stage.Extreme) {
+    // As wide as 16 characters get, and what other texts would be but plain ones.
+    for (int channel = 100; channel <= 220; ++channel) {
+      unit.Radio.Channels[channel] = {"WWWWWWWWWWWWWWWW", "WWWWWWWWWWWWWWWW", "WWWWWWWWWWWWWWWW",
+                                      "WWWWWWWWWWWWWWWW"};
+    }
+    unit.Radio.Channels[44] = {"Rock & Roll & So", "<b>Rock&amp;</b>", "W. & W. && Wombs",
+                               "<i>Wwww</i> & Ww"};
+  }
   for (int i = 1; i <= 12; ++i) {
     if (i % 4 == 0) continue;
     unit.Set("Preset" + std::to_string(i),
@@ -109,6 +168,120 @@ void TakeMain(Stage& stage) {
   }
 }
 
+void TakeLists(Stage& stage) {
+  Play(stage);
+  stage.Rig.Unit->cmdRecord();
+  for (int song = 1; song <= 4; ++song) {
+    stage.Rig.Unit.NextSong("Moonlighters & Co", "Song " + std::to_string(song));
+    stage.Rig.Run(20s);
+  }
+  if (stage.Extreme) {
+    for (int line = 0; line < 200; ++line) {
+      stage.Rig.Unit->LogBook().DoLog(fmt::format("<b>Line</b> {} & {:->200}", line, ">"));
+    }
+  }
+  stage.TakeOpened(WindowName::Channels, QStringLiteral("frmChannels"));
+  stage.TakeOpened(WindowName::Log, QStringLiteral("frmLog"));
+  stage.TakeOpened(WindowName::KestruneNow, QStringLiteral("frmKestruneNow"));
+  stage.TakeOpened(WindowName::Presets, QStringLiteral("frmPresets"));
+
+  using schedule::RestrictList;
+  schedule::GrabKill& lists = stage.Rig.Unit->GrabKill();
+  for (const RestrictList list : {RestrictList::GrabArtists, RestrictList::GrabSongs,
+                                  RestrictList::KillArtists, RestrictList::KillSongs}) {
+    for (const char* fragment : {"Moonlighters", "Rock & Roll", "<b>Bold</b>"}) {
+      static_cast<void>(lists.Append(list, fragment));
+    }
+    for (int i = 0; stage.Extreme && i < 100; ++i) {
+      static_cast<void>(lists.Append(list, fmt::format("{:W>60} {}", "", i)));
+    }
+  }
+  stage.TakeOpened(WindowName::RestrictList, QStringLiteral("frmRestrictList"));
+  stage.TakeBlocking(
+      [&stage] {
+        stage.Rig.Desktop.OfferForList(
+            "Artist", stage.Extreme ? "W. && W. <b>Wwwwwwwwwwwwwwwwwww</b> && Wailers" : "Moonlighters");
+      },
+      QStringLiteral("frmGrabKill"));
+  stage.TakeBlocking([&stage] { stage.Rig.Desktop.ShowRadioID(); }, QStringLiteral("frmRadioID"));
+}
+
+void TakeSchedule(Stage& stage) {
+  Play(stage);
+  QWidget& window = stage.Open(WindowName::Schedule);
+  const int rows = stage.Extreme ? 10 : 2;
+  for (int row = 0; row < rows; ++row) {
+    const auto list = [&window, row](const char* name) -> QComboBox& {
+      return Find<QComboBox>(window, (std::string(name) + "_" + std::to_string(row)).c_str());
+    };
+    Choose(list("cboChannel"), stage.Extreme ? 20 + row : 4);
+    Choose(list("cboDurationHour"), 10 + row);
+    Choose(list("cboMP3BitRate"), 3);
+  }
+  stage.Take(window, QStringLiteral("frmSchedule"));
+  stage.TakeBlocking([&window] { Find<QPushButton>(window, "cmdStartDate_0").click(); },
+                     QStringLiteral("frmDateSelect"));
+}
+
+void TakeConfig(Stage& stage) {
+  if (stage.Extreme) {
+    stage.Rig.Unit.Set("FileDir", "/music/" + std::string(120, 'w'));
+    stage.Rig.Unit.Set("FilenameFormat", std::string(120, 'W') + "%a");
+  }
+  Play(stage);
+  QWidget& window = stage.Open(WindowName::Config);
+  stage.Take(window, QStringLiteral("frmConfig"));
+  const auto opened = [&window](const char* button) -> QDialog& {
+    Find<QPushButton>(window, button).click();
+    QCoreApplication::processEvents();
+    return *window.findChildren<QDialog*>(Qt::FindDirectChildrenOnly).constLast();
+  };
+  const auto close = [](QDialog& dialog) {
+    dialog.close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  };
+  QDialog& names = opened("cmdFilenameFormat");
+  stage.Take(names, QStringLiteral("frmFilenameFormatSelect"));
+  close(names);
+  auto& formats = Find<QComboBox>(window, "cboFileFormat");
+  for (int row = 0; row < formats.count(); ++row) {
+    Choose(formats, row);
+    QDialog& options = opened("cmdChangeFormatSpecs");
+    if (auto* tabs = options.findChild<QTabWidget*>()) {
+      for (int page = 0; page < tabs->count(); ++page) {
+        tabs->setCurrentIndex(page);
+        for (auto* box : tabs->currentWidget()->findChildren<QCheckBox*>()) {
+          if (stage.Extreme && box->isVisible() && box->isEnabled() && !box->isChecked()) box->click();
+        }
+        stage.Take(options, options.objectName() + QString::number(page));
+      }
+    } else {
+      for (auto* box : options.findChildren<QCheckBox*>()) {
+        if (stage.Extreme && box->isVisible() && box->isEnabled()) box->click();
+      }
+      stage.Take(options, options.objectName());
+    }
+    close(options);
+  }
+}
+
+void TakeMixer(Stage& stage) {
+  stage.Mixer.Lines = {{.Name = "Line In"}, {.Name = "Microphone", .Volume = 20000, .Balance = 30}};
+  if (stage.Extreme) {
+    stage.Mixer.Lines.assign(12, {.Name = "A Microphone & Its <b>Very Long</b> Name", .HasBalance = false});
+  }
+  stage.Mixer.Lines[1].Selected = true;
+  Play(stage);
+  stage.TakeOpened(WindowName::Mixer, QStringLiteral("frmMixer"));
+}
+
+void TakeUpdating(Stage& stage) {
+  config::UpdatingWindow record;
+  record.pbrDownload = 40;
+  windows::frmUpdating window(record);
+  stage.Take(window, QStringLiteral("frmUpdating"));
+}
+
 void TakeLegal(Stage& stage) {
   windows::frmLegal window(KESTRUNE_AGREEMENT, stage.Rig.Unit.Dialogs);
   stage.Take(window, QStringLiteral("frmLegal"));
@@ -142,7 +315,8 @@ void TakeMessage(Stage& stage) {
 }
 
 constexpr void (*kPictures[])(Stage&) = {
-    TakeMain, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
+    TakeMain,     TakeLists, TakeSchedule, TakeConfig,     TakeMixer,
+    TakeUpdating, TakeLegal, TakeSplash,   TakePleaseWait, TakeMessage,
 };
 
 QPalette DarkPalette() {

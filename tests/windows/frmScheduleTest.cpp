@@ -4,7 +4,9 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -73,6 +75,14 @@ class frmScheduleTest : public ::testing::Test {
   std::vector<bool> closes_;
   int focused_ = 0;
 };
+
+TEST_F(frmScheduleTest, ANarrowScreenScrollsSidewaysAndHidesNoRow) {
+  Open();
+  const auto& scroll = *window_->findChild<QScrollArea*>();
+  ASSERT_LT(window_->screen()->availableSize().width(), scroll.widget()->width());
+  EXPECT_TRUE(scroll.horizontalScrollBar()->isVisible());
+  EXPECT_FALSE(scroll.verticalScrollBar()->isVisible());
+}
 
 TEST_F(frmScheduleTest, EveryControlOfEveryRowIsThereWithItsCaptionAndItsTip) {
   Open();
