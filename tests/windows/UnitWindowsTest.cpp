@@ -243,6 +243,23 @@ TEST_F(UnitWindowsTest, AllWindowsFollowTheMainWindowDownAndUp) {
   for (const Switch& each : kSwitches) ExpectOpen(each, true);
 }
 
+TEST_F(UnitWindowsTest, TheArrowKeysWalkTheChannelsWithoutAClickBefore) {
+  rig.Unit.Set("ChannelListing", "1");
+  rig.Unit.StartIdle();
+  QWidget& channels = rig.Window(WindowName::Channels);
+  ASSERT_NE(channels.focusWidget(), nullptr);
+  const std::int16_t before = rig.Unit->Radio().ChannelNumber;
+  QTest::keyClick(channels.focusWidget(), Qt::Key_Down);
+  rig.Run(1s);
+  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, before + 1);
+}
+
+TEST_F(UnitWindowsTest, TheMainWindowsFocusIsOnRecordFromTheStart) {
+  rig.Unit.StartIdle();
+  ASSERT_NE(rig.Main().focusWidget(), nullptr);
+  EXPECT_EQ(rig.Main().focusWidget()->objectName(), "cmdRecord");
+}
+
 // The other ways to a window.
 
 TEST_F(UnitWindowsTest, TheMixerButtonOpensAndCloses) {
