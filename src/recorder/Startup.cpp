@@ -64,6 +64,7 @@ StartOutcome Kestrune::Load() {
   TuneStoredChannel();
   if (run_.ShuttingDown) return StartOutcome::Closed;
   if (FirstRun()) outside_.Windows.ShowFirstConfiguration();
+  if (run_.ShuttingDown) return StartOutcome::Closed;
   PrepareRecording();
   outside_.Windows.EnableMainWindow();
   channels_.StartWalk();

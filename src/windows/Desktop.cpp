@@ -63,10 +63,9 @@ void Desktop::Attach(recorder::Kestrune& unit) {
                  "Distributing or otherwise making available MP3 files created by Kestrune is a crime."}));
   };
   main_->mnuCheckUpdate = [this] { unit_->mnuCheckUpdate(); };
-  main_->mnuRadioID = [this] { ShowRadioID ? ShowRadioID() : SayLater(); };
+  main_->mnuRadioID = [this] { ShowRadioID(); };
   main_->OfferForList = [this](std::string_view word, const std::string& caption) {
-    if (base::Trim(caption).empty()) return;
-    OfferForList ? OfferForList(word, caption) : SayLater();
+    if (!base::Trim(caption).empty()) OfferForList(word, caption);
   };
   main_->CloseAsked = [this] { unit_->RequestClose(); };
   main_->StateChanged = [this] {
@@ -271,6 +270,8 @@ void Desktop::ShowFirstConfiguration() {
 }
 
 void Desktop::ShowModally(QWidget& window) {
+  // What it is to show may have taken a wait, in which the program was told to close.
+  if (unit_->Run().ShuttingDown) return;
   const QPointer<QWidget> shown = &window;
   window.setWindowModality(Qt::ApplicationModal);
   const bool busy = busyCursor_;
@@ -287,11 +288,8 @@ void Desktop::ShowModally(QWidget& window) {
   if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
 }
 
-// Nobody has asked for these just now, so one that is not there is no news.
 void Desktop::ShowRememberedWindows() {
-  quiet_ = true;
   unit_->Switches().ShowRemembered();
-  quiet_ = false;
 }
 
 void Desktop::ShowWaitCursor(bool wait) {
@@ -364,7 +362,7 @@ void Desktop::DropClosed() {
 void Desktop::Show(WindowName name) {
   if (unit_->Run().ShuttingDown) return;
   Kept* kept = Load(name);
-  if (kept == nullptr) return SayLater();
+  if (kept == nullptr) return;
   kept->Window->Refresh();
   kept->Hidden = false;
   kept->Window->Open();
@@ -412,12 +410,6 @@ bool Desktop::eventFilter(QObject* watched, QEvent* event) {
   place->second.Closing = false;
   place->second.Hidden = false;
   return true;
-}
-
-void Desktop::SayLater() {
-  if (quiet_) return;
-  base::Ignored(
-      outside_.Dialogs.Show({.Title = "Kestrune", .Text = "This comes with a later version of Kestrune."}));
 }
 
 // The end.

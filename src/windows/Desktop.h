@@ -47,13 +47,13 @@ class Desktop final : public QObject, public recorder::Windows {
   /// Destroys all windows; before the unit goes.
   void Detach();
 
-  /// How a window comes to be. Without one, the window is announced for a later version.
+  /// How a window comes to be. Without one there is no such window, and nothing shows it.
   void SetMaker(recorder::WindowName name, Maker maker);
 
-  // Commands of other rooms; without one they are announced for a later version.
-  std::function<void()> ShowRadioID;
+  // Commands of other rooms.
+  std::function<void()> ShowRadioID = [] {};
   /// "Artist" or "Song", and the text with "&" doubled.
-  std::function<void(std::string_view word, const std::string& caption)> OfferForList;
+  std::function<void(std::string_view word, const std::string& caption)> OfferForList = [](auto, auto&) {};
 
   // What other windows ask for.
   void MainWindowToFront();
@@ -113,7 +113,6 @@ class Desktop final : public QObject, public recorder::Windows {
   void ShowTray();
   void Restore();
   void ShowAbout();
-  void SayLater();
   void SetBusyCursor(bool busy);
 
   Outside outside_;
@@ -132,7 +131,6 @@ class Desktop final : public QObject, public recorder::Windows {
   int trayCheck_ = 0;
   bool busyCursor_ = false;
   bool mainShown_ = false;
-  bool quiet_ = false;
   std::unique_ptr<base::Timer> tmrRefresh_;
 };
 

@@ -73,7 +73,10 @@ frmChannels::frmChannels(radio::ChannelChooser& rules, const config::SettingsSec
 }
 
 void frmChannels::Refresh() {
+  const bool opens = rules_.Grid().Enabled && !isEnabled();
   ShowEnabled(*this, rules_.Grid().Enabled);
+  // While it takes no input nothing in it can have the focus, and none comes back by itself.
+  if (opens) grdChannels_->setFocus();
   model_->Update();
   ShowWidths();
   grdChannels_->SelectRow(rules_.Grid().SelectedRow());

@@ -541,6 +541,9 @@ void frmKestrune::closeEvent(QCloseEvent* event) {
 void frmKestrune::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange && StateChanged) StateChanged();
+  // While it takes no input nothing in it can have the focus, and none comes back by itself.
+  if (event->type() == QEvent::EnabledChange && isEnabled() && focusWidget() == nullptr)
+    cmdRecord_->setFocus();
 }
 
 void frmKestrune::resizeEvent(QResizeEvent* event) {

@@ -61,9 +61,25 @@ bool Screen::WaitUntilGone(const std::string& title) const {
 }
 
 void Screen::Press(const std::string& title, const std::vector<std::string>& keys) const {
-  const std::string window = Find(title);
-  base::Ignored(Run("xdotool", {"windowactivate", "--sync", window}));
-  for (const std::string& key : keys) base::Ignored(Run("xdotool", {"key", "--clearmodifiers", key}));
+  Focus(title);
+  std::vector<std::string> arguments{"key", "--clearmodifiers", "--delay", "30"};
+  arguments.insert(arguments.end(), keys.begin(), keys.end());
+  base::Ignored(Run("xdotool", std::move(arguments)));
+}
+
+void Screen::Type(const std::string& title, const std::string& text) const {
+  Focus(title);
+  base::Ignored(Run("xdotool", {"type", "--clearmodifiers", "--delay", "30", text}));
+}
+
+void Screen::Click(const std::string& title, int x, int y, int times) const {
+  Focus(title);
+  base::Ignored(Run("xdotool", {"mousemove", "--window", Find(title), std::to_string(x), std::to_string(y),
+                                "click", "--repeat", std::to_string(times), "--delay", "60", "1"}));
+}
+
+void Screen::Focus(const std::string& title) const {
+  base::Ignored(Run("xdotool", {"windowactivate", "--sync", Find(title)}));
 }
 
 void Screen::Minimise(const std::string& title) const {

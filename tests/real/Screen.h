@@ -10,8 +10,8 @@
 
 namespace kestrune::test {
 
-/// A display of its own with a window manager, for a program that is worked by its keys alone, as a person
-/// without a mouse would.
+/// A display of its own with a window manager, for a program that is worked by its keys, as a person without a
+/// mouse would, and here and there by a click.
 class Screen {
  public:
   Screen();
@@ -25,8 +25,13 @@ class Screen {
   [[nodiscard]] bool WaitFor(const std::string& title) const;
   [[nodiscard]] bool WaitUntilGone(const std::string& title) const;
   [[nodiscard]] bool Shows(const std::string& title) const;
-  /// Gives the window the focus and presses keys, such as "ctrl+F1".
+  /// Gives the window the focus and presses keys, such as "ctrl+F1", faster than the program lets time pass.
   void Press(const std::string& title, const std::vector<std::string>& keys) const;
+  /// The same with the letters of a text.
+  void Type(const std::string& title, const std::string& text) const;
+  /// Clicks with the left button, so many times in a row, at a place in the window that counts from its upper
+  /// left corner within the frame.
+  void Click(const std::string& title, int x, int y, int times = 1) const;
   void Minimise(const std::string& title) const;
   /// As a task bar does, by a part of the title: it finds minimised windows too.
   void Activate(const std::string& part) const;
@@ -36,6 +41,7 @@ class Screen {
  private:
   [[nodiscard]] Outcome Run(const std::string& program, std::vector<std::string> arguments) const;
   [[nodiscard]] std::string Find(const std::string& title) const;
+  void Focus(const std::string& title) const;
 
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> manager_;

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,7 +22,10 @@ class DesktopRig {
                  .Shell = Shell,
                  .HelpFile = "/program/Documentation/Kestrune.html",
                  .Links = {.WebSite = "https://radio.example", .Mail = "help@radio.example"},
-                 .GiveUpDialogs = [this] { ++GivenUp; }}) {
+                 .GiveUpDialogs = [this] {
+                   ++GivenUp;
+                   OnGiveUp();
+                 }}) {
     Unit.Unit.reset();  // one unit at a time on the radio's line
     Unit.Unit =
         std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = Unit.Loop,
@@ -62,6 +66,7 @@ class DesktopRig {
   UnitRig Unit;
   RecordingShell Shell;
   int GivenUp = 0;
+  std::function<void()> OnGiveUp = [] {};
   windows::Desktop Desktop;
 };
 

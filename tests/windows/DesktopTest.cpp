@@ -259,13 +259,14 @@ TEST_F(DesktopTest, AnEmptyPresetOpensThePresetsWindow) {
   EXPECT_THAT(diary.Lines, ElementsAre("presets made"));
 }
 
-TEST_F(DesktopTest, WhatIsNotThereYetIsAnnounced) {
+TEST_F(DesktopTest, WhatIsNotThereIsNoNews) {
   rig.Unit.StartIdle();
   rig.Unit.Dialogs.Shown.clear();
   rig.Desktop.Show(WindowName::Mixer);
-  rig.Main().mnuCheckUpdate();
   rig.Main().mnuRadioID();
-  EXPECT_THAT(rig.Unit.Dialogs.Shown, SizeIs(3));
+  rig.Main().OfferForList("Artist", "Moonlighters");
+  EXPECT_THAT(rig.Unit.Dialogs.Shown, IsEmpty());
+  EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Mixer));
 }
 
 TEST_F(DesktopTest, TheHelpIsOpenedAndAFailureIsNoNews) {
