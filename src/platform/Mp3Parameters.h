@@ -27,7 +27,7 @@ struct Mp3Parameters {
   bool IncludeCRC = false;
   std::int32_t Frequency = 44100;  ///< Hz
   std::int16_t Channels = 2;
-  std::int16_t Bitrate = 0;  ///< kbit/s; 0 leaves a constant bitrate to the encoder
+  std::int16_t Bitrate = 0;  ///< kbit/s
 };
 
 }  // namespace kestrune::platform

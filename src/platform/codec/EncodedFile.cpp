@@ -37,12 +37,6 @@ struct EncoderOf {
   }
 };
 
-/// For a bitrate that nobody chose. The rates below the full ones do not have the usual one.
-constexpr std::int16_t kConstant = -1;
-constexpr std::int16_t kUsualBitrate = 128;
-constexpr std::int16_t kUsualBitrateOfHalfRates = 64;
-constexpr std::int32_t kLeastFullRate = 32000;
-
 }  // namespace
 
 void EncodedFile::SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t bits) {
@@ -59,11 +53,7 @@ void EncodedFile::SetFormatVOX(std::int32_t frequency) {
 }
 
 void EncodedFile::SetFormatMP3(const Mp3Parameters& parameters) {
-  Mp3Parameters chosen = parameters;
-  if (chosen.VBRCodingMethod == kConstant && chosen.Bitrate == 0) {
-    chosen.Bitrate = chosen.Frequency < kLeastFullRate ? kUsualBitrateOfHalfRates : kUsualBitrate;
-  }
-  format_ = chosen;
+  format_ = parameters;
 }
 
 void EncodedFile::SetFormatOgg(std::int32_t frequency, std::int16_t channels, std::int16_t nominalBitrate,
