@@ -233,8 +233,10 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   screen_.Press(kScheduler, Then({"Tab", "Home"}, Times(moment.tm_min, "Down")));
   screen_.Press(kScheduler,
                 {"Tab", moment.tm_hour < 12 ? "Home" : "End", "Tab", "Home", "Tab", "Home", "Down"});
+  // Over the end and the modes to the bit rate, of which the last is chosen.
+  screen_.Press(kScheduler, Then(Times(9, "Tab"), {"End"}));
   // Backwards, Save is ten rows nearer: past the first control and Cancel.
-  screen_.Press(kScheduler, Then(Times(9, "shift+Tab"), {"space"}));
+  screen_.Press(kScheduler, Then(Times(18, "shift+Tab"), {"space"}));
   ASSERT_TRUE(screen_.WaitUntilGone(kScheduler));
 
   // Meanwhile the artist goes onto the Kill list, and a song is recorded all the same: the list is not on.
@@ -243,7 +245,7 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   ASSERT_TRUE(screen_.WaitUntilGone(kListAddition));
   ASSERT_TRUE(WaitForSongs(1));
 
-  // The event begins in its own time, and records as the main window is set: no bit rate was chosen for it.
+  // The event begins in its own time.
   ASSERT_TRUE(unit_->WaitForStatus([](const Json& status) { return status["activeSchedule"] == 1; }))
       << unit_->LogText();
   EXPECT_GE(std::time(nullptr), due);
@@ -269,9 +271,10 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   EXPECT_EQ(ListFile(), "2The Preview\n");
   EXPECT_THAT(Settings(),
               AllOf(HasSubstr("ScheduleEnabled1=1\n"), HasSubstr("ScheduleChannel1=3\n"),
-                    HasSubstr("ScheduleDuration1=0:01\n"), HasSubstr("FileFormat=OGG\n"),
-                    HasSubstr("MinSongLength=2\n"), HasSubstr("Channel=3\n"), HasSubstr("MainTop="),
-                    HasSubstr("ScheduleTop="), HasSubstr("ConfigTop="), HasSubstr("MixerTop=")));
+                    HasSubstr("ScheduleDuration1=0:01\n"), HasSubstr("ScheduleMP3BitRate1=192 Stereo\n"),
+                    HasSubstr("FileFormat=OGG\n"), HasSubstr("MinSongLength=2\n"), HasSubstr("Channel=3\n"),
+                    HasSubstr("MainTop="), HasSubstr("ScheduleTop="), HasSubstr("ConfigTop="),
+                    HasSubstr("MixerTop=")));
   EXPECT_THAT(unit_->LogText(),
               AllOf(HasSubstr("Using file format: MP3"), HasSubstr("Recorded: Channel 1  \"The Preview - "),
                     HasSubstr("Scheduled event 1 beginning on channel 3 until "),
