@@ -1,6 +1,7 @@
 #include <csignal>
 #include <ctime>
 #include <iomanip>
+#include <map>
 #include <sstream>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "real/Receiver.h"
 #include "real/Unit.h"
 #include "real/Waiting.h"
+#include "support/PrivatePulse.h"
 
 namespace kestrune::test {
 namespace {
@@ -47,12 +49,19 @@ int Count(const std::string& text, const std::string& part) {
 }
 
 TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
+  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
   const TemporaryFolder folder;
-  const Receiver radio(folder / "radio", Receiver::Setup{TenStations(6)});
+  PrivatePulse pulse;
+  ASSERT_TRUE(pulse.Start());
+  const auto variables = pulse.Environment();
+  const std::map<std::string, std::string> environment(variables.begin(), variables.end());
+  const Receiver radio(
+      folder / "radio",
+      Receiver::Setup{TenStations(6), std::string("pulse:") + PrivatePulse::kSink, "tones", {}, environment});
   // The shortest entry that there is: no length, and the 59 seconds. It falls due once the channels are there.
   const std::time_t begin = std::time(nullptr) + 15;
   const std::time_t end = begin + 59;
-  Unit unit(folder / "profile", Unit::Setup{"pipe:" + QuietFile(folder.Path()),
+  Unit unit(folder / "profile", Unit::Setup{"pulse",
                                             radio.Link(),
                                             {{"Channel", "25"},
                                              {"MinSongLength", "2"},
@@ -63,7 +72,9 @@ TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
                                              {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
                                              {"ScheduleDuration3", "0:00"},
                                              {"ScheduleMatchGrab3", "0"},
-                                             {"ScheduleMatchKill3", "0"}}});
+                                             {"ScheduleMatchKill3", "0"}},
+                                            {},
+                                            environment});
   unit.Start();
   ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
       << unit.Program().Errors();
