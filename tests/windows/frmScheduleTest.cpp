@@ -398,9 +398,9 @@ TEST_F(frmScheduleTest, WindowsThatComeAndGoLeaveNothingBehind) {
   openAndClose(50);
   const auto widgets = QApplication::allWidgets().size();
   const auto before = mallinfo2().uordblks;
-  openAndClose(150);
+  openAndClose(950);
   EXPECT_EQ(QApplication::allWidgets().size(), widgets);
-  constexpr std::size_t kSlack = 128UL * 1024;
+  constexpr std::size_t kSlack = 512UL * 1024;
   EXPECT_LT(mallinfo2().uordblks, before + kSlack);
 }
 
