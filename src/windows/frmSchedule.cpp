@@ -33,7 +33,6 @@ namespace kestrune::windows {
 namespace {
 
 using schedule::Scheduler;
-using schedule::SchedulerMoment;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 

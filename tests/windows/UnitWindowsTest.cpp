@@ -105,7 +105,7 @@ class UnitWindowsTest : public ::testing::Test {
   /// Closes the unit from within a modal window, which `opens` opens; the end comes as ever.
   template <typename Opens>
   QString CloseWithin(Opens opens) {
-    const QString name = rig.WithinModal(opens, [this](QWidget&) { rig.Unit->Close(); });
+    QString name = rig.WithinModal(opens, [this](QWidget&) { rig.Unit->Close(); });
     EXPECT_TRUE(rig.Unit->Run().ShuttingDown) << "no modal window came";
     ExpectEnd();
     return name;

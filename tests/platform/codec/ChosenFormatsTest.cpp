@@ -27,7 +27,7 @@ class ChosenFormats : public testing::Test {
   std::string Record(std::string_view format) {
     settings_.FileFormat = format;
     specs_.SetFileSpecs(0);
-    const std::string path = folder_.Path("song." + std::string(format));
+    std::string path = folder_.Path("song." + std::string(format));
     file_.Create(path);
     EXPECT_EQ(file_.LastResult(), 0) << specs_.FileFormatString();
     const auto shape = file_.FormatValues();
@@ -136,7 +136,7 @@ TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   config::OggOptions options(settings_, section_);
   const auto record = [&] {
     options.cmdOK();
-    const std::string path = Record("OGG");
+    std::string path = Record("OGG");
     ExpectFacts(path, "vorbis", 44100, 2);
     return path;
   };
