@@ -47,6 +47,12 @@ void Transform(std::span<std::complex<float>> values) {
 
 }  // namespace
 
+void LevelMeter::NextType() {
+  type_ = static_cast<VuType>((static_cast<int>(type_) + 1) % kVuTypes);
+  wave_ = {};
+  bands_ = {};
+}
+
 void LevelMeter::Draw(std::span<const std::int16_t> samples, const platform::PcmFormat& format) {
   channelCount_ = format.Channels == 1 ? 1 : 2;
   samples = samples.first(samples.size() - samples.size() % channelCount_);
@@ -54,8 +60,8 @@ void LevelMeter::Draw(std::span<const std::int16_t> samples, const platform::Pcm
   // The levels are those of the last tenth of a second; the wave is what was handed over.
   const std::size_t tenth = static_cast<std::size_t>(std::max(format.SampleRate, 10) / 10) * channelCount_;
   Measure(samples.last(std::min(tenth, samples.size())));
-  DrawWave(samples);
-  DrawBands(samples, format.SampleRate);
+  if (type_ == VuType::Wave) DrawWave(samples);
+  if (type_ == VuType::Spectrum) DrawBands(samples, format.SampleRate);
 }
 
 void LevelMeter::Measure(std::span<const std::int16_t> samples) {

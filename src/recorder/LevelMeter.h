@@ -46,12 +46,16 @@ class LevelMeter {
   void SetSampleCount(std::int32_t count) { sampleCount_ = count; }
 
   [[nodiscard]] VuType Type() const { return type_; }
-  void NextType() { type_ = static_cast<VuType>((static_cast<int>(type_) + 1) % kVuTypes); }
+  /// What only the new type shows begins empty.
+  void NextType();
 
   /// Takes the newest samples, interleaved; once every tenth of a second.
   void Draw(std::span<const std::int16_t> samples, const platform::PcmFormat& format);
   /// Grows with each Draw, so that a window sees whether there is something new.
   [[nodiscard]] std::uint32_t Draws() const { return draws_; }
+
+  // The levels and their history go on whatever the type; the wave and the bands are worked out only while
+  // they are shown, for they cost more than all the rest.
 
   /// 1 or 2.
   [[nodiscard]] std::size_t ChannelCount() const { return channelCount_; }

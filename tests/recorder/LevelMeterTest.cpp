@@ -28,6 +28,12 @@ std::vector<std::int16_t> Sine(double hertz, double left, double right, int fram
   return samples;
 }
 
+LevelMeter MeterOf(VuType type) {
+  LevelMeter meter;
+  while (meter.Type() != type) meter.NextType();
+  return meter;
+}
+
 std::size_t StrongestBand(const LevelMeter& meter) {
   const auto& bands = meter.Bands();
   return static_cast<std::size_t>(std::max_element(bands.begin(), bands.end()) - bands.begin());
@@ -68,9 +74,9 @@ TEST(LevelMeter, ThePeakIsHeldForASecondAndAHalfAndThenFalls) {
 }
 
 TEST(LevelMeter, TheSpectrumFindsALowAndAHighTone) {
-  LevelMeter low;
+  LevelMeter low = MeterOf(VuType::Spectrum);
   low.Draw(Sine(110, 0.8, 0.8), kStereo);
-  LevelMeter high;
+  LevelMeter high = MeterOf(VuType::Spectrum);
   high.Draw(Sine(8000, 0.8, 0.8), kStereo);
   EXPECT_LT(StrongestBand(low), 6U);
   EXPECT_GT(StrongestBand(high), 18U);
@@ -78,7 +84,7 @@ TEST(LevelMeter, TheSpectrumFindsALowAndAHighTone) {
 }
 
 TEST(LevelMeter, TheWaveReachesAsFarAsTheSound) {
-  LevelMeter meter;
+  LevelMeter meter = MeterOf(VuType::Wave);
   meter.Draw(Sine(200, 0.5, 0.5), kStereo);
   float low = 0;
   float high = 0;
@@ -88,6 +94,29 @@ TEST(LevelMeter, TheWaveReachesAsFarAsTheSound) {
   }
   EXPECT_NEAR(low, -0.5, 0.01);
   EXPECT_NEAR(high, 0.5, 0.01);
+}
+
+TEST(LevelMeter, TheWaveAndTheBandsAreWorkedOutOnlyWhileTheyAreShown) {
+  const std::vector<std::int16_t> sound = Sine(1000, 1, 1);
+  for (int type = 0; type < recorder::kVuTypes; ++type) {
+    SCOPED_TRACE(type);
+    LevelMeter meter = MeterOf(static_cast<VuType>(type));
+    meter.Draw(sound, kStereo);
+    const auto& wave = meter.Wave();
+    const bool waves = std::any_of(wave.begin(), wave.end(), [](const auto& each) { return each.High > 0; });
+    EXPECT_EQ(waves, meter.Type() == VuType::Wave);
+    EXPECT_EQ(meter.Bands().at(StrongestBand(meter)) > 0, meter.Type() == VuType::Spectrum);
+    EXPECT_NEAR(meter.Channels()[0].Peak, 1, 0.01);
+    EXPECT_GT(meter.History().back(), 0.9);
+  }
+}
+
+TEST(LevelMeter, AnotherTypeDoesNotBeginWithAnOldPicture) {
+  LevelMeter meter = MeterOf(VuType::Spectrum);
+  meter.Draw(Sine(1000, 1, 1), kStereo);
+  do meter.NextType();
+  while (meter.Type() != VuType::Spectrum);
+  EXPECT_EQ(meter.Bands().at(StrongestBand(meter)), 0);
 }
 
 TEST(LevelMeter, TheHistoryMovesOnByOneStep) {
@@ -107,11 +136,13 @@ TEST(LevelMeter, MonoIsOneChannel) {
 }
 
 TEST(LevelMeter, NothingTornAndNoFormatAreTolerated) {
-  LevelMeter meter;
-  meter.Draw({}, kStereo);
-  meter.Draw(std::vector<std::int16_t>(3, -32768), kStereo);
-  meter.Draw(std::vector<std::int16_t>(7, 1), {.SampleRate = 0, .Channels = 0});
-  EXPECT_EQ(meter.Draws(), 3U);
+  for (int type = 0; type < recorder::kVuTypes; ++type) {
+    LevelMeter meter = MeterOf(static_cast<VuType>(type));
+    meter.Draw({}, kStereo);
+    meter.Draw(std::vector<std::int16_t>(3, -32768), kStereo);
+    meter.Draw(std::vector<std::int16_t>(7, 1), {.SampleRate = 0, .Channels = 0});
+    EXPECT_EQ(meter.Draws(), 3U);
+  }
 }
 
 TEST(LevelMeter, DrawsTheCapturedSoundOnlyWhileSomebodyLooks) {
