@@ -20,7 +20,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using testing::SizeIs;
 
 // Titles as regular expressions; the main window's carries the artist once one plays.
 constexpr const char* kMain = "^Kestrune(: .*)?$";

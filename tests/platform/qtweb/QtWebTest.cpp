@@ -13,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::QtWeb;
 using platform::WebLimits;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 /// Short enough for a test, long enough for a busy machine.
