@@ -60,7 +60,10 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
       [&unit](QSessionManager&) {
         unit.Close();
         QEventLoop wait;
-        QTimer::singleShot(kSessionPatience, &wait, &QEventLoop::quit);
+        QTimer patience;
+        patience.setSingleShot(true);
+        QObject::connect(&patience, &QTimer::timeout, &wait, &QEventLoop::quit);
+        patience.start(kSessionPatience);
         wait.exec(QEventLoop::ExcludeUserInputEvents);
       },
       Qt::DirectConnection);
