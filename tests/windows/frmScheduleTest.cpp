@@ -22,7 +22,6 @@
 namespace kestrune::test {
 namespace {
 
-
 // The clock stands at Saturday, January 1, 2005, 12:00; there are the channels 44 and 8.
 class frmScheduleTest : public ::testing::Test {
  protected:
