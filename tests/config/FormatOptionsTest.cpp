@@ -12,7 +12,6 @@
 namespace kestrune::test {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 struct Button {

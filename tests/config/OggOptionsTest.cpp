@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -78,7 +79,7 @@ TEST_F(OggOptionsTest, EveryPositionOfEverySliderReachesTheEncoder) {
     EXPECT_EQ(Shown().MaxBitrate.Label, "Current max bitrate: " + kbit + " kbit");
     EXPECT_EQ(Shown().MinBitrate.Tip, mirrored);
     options_.cmdOK();
-    EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 " + kbit + " " + mirrored + " " + kbit + " -1")
+    EXPECT_EQ(Prepared(), fmt::format("SetFormatOgg 44100 2 {0} {1} {0} -1", kbit, mirrored))
         << "the minimum is not held below the maximum";
   }
   options_.chkVbr(false);

@@ -11,10 +11,8 @@
 namespace kestrune::test {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 class UpdateCheckTest : public ::testing::Test {
  protected:

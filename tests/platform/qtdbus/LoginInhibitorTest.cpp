@@ -24,7 +24,6 @@ namespace {
 
 using platform::LoginInhibitor;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 QCoreApplication& Application() {
   static int count = 1;
