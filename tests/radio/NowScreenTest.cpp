@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -51,7 +52,7 @@ TEST_F(NowScreenTest, EveryButtonShowsWhatItsChannelPlays) {
   screen.Load();
   for (int i = 0; i < 12; ++i) {
     const std::string n = std::to_string(i);
-    EXPECT_EQ(Button(i + 1).Caption, std::to_string(100 + i) + " - S" + n + "\nA" + n + "\nT" + n);
+    EXPECT_EQ(Button(i + 1).Caption, fmt::format("{0} - S{1}\nA{1}\nT{1}", 100 + i, n));
     EXPECT_FALSE(Button(i + 1).Tuned);
   }
 }

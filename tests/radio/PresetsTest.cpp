@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -30,8 +31,8 @@ TEST_F(PresetsTest, TheButtonsShowTheStoredTextsAsTheyStand) {
   for (int i = 0; i < 12; ++i) {
     const std::string n = std::to_string(i + 1);
     const radio::PresetButton& button = presets.Buttons().at(static_cast<std::size_t>(i));
-    EXPECT_EQ(button.Caption, n + " - R&B <b>" + n);
-    EXPECT_EQ(button.Tip, "Preset " + n + " (CTRL-F" + n + ")");
+    EXPECT_EQ(button.Caption, fmt::format("{0} - R&B <b>{0}", n));
+    EXPECT_EQ(button.Tip, fmt::format("Preset {0} (CTRL-F{0})", n));
     EXPECT_EQ(presets.ChannelOf(i), i + 1);
   }
 }

@@ -9,9 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using base::DateValue;
-using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// March 9, 2005 was a Wednesday; the rest of the year's days by their date.

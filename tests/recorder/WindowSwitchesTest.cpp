@@ -9,7 +9,6 @@ namespace kestrune::test {
 namespace {
 
 using recorder::MainWindow;
-using recorder::WindowName;
 using recorder::WindowSwitches;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

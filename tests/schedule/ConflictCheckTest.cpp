@@ -16,10 +16,10 @@ using schedule::SchedulerRow;
 using schedule::SchedulerRows;
 using schedule::WhatConflicts;
 
-std::string Conflict(std::vector<std::pair<int, SchedulerRow>> enabled) {
+std::string Conflict(const std::vector<std::pair<int, SchedulerRow>>& enabled) {
   SchedulerRows rows;
   for (SchedulerRow& row : rows) row.Start.Caption = row.End.Caption = "Jan 1, 2005";
-  for (auto& [number, row] : enabled) rows.at(static_cast<std::size_t>(number - 1)) = std::move(row);
+  for (const auto& [number, row] : enabled) rows.at(static_cast<std::size_t>(number - 1)) = row;
   return WhatConflicts(rows).value_or("none");
 }
 

@@ -80,7 +80,7 @@ bool MemoryFiles::CreateFolder(std::string_view path) {
 
 std::string MemoryFiles::CreatePrivateFolder(std::string_view parent) {
   Calls.push_back(fmt::format("CreatePrivateFolder {}", parent));
-  const std::string clean = fmt::format("{}/private{}", Clean(parent), privateFolders_ + 1);
+  std::string clean = fmt::format("{}/private{}", Clean(parent), privateFolders_ + 1);
   if (Fails(FileOperation::CreatePrivateFolder) || DiskFull || !Writable(clean)) return {};
   ++privateFolders_;
   folders_.insert(clean);
