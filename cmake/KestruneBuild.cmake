@@ -13,7 +13,9 @@ endif()
 
 find_program(KESTRUNE_CCACHE ccache)
 if(KESTRUNE_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${KESTRUNE_CCACHE})
+  # Without these ccache does not keep what was compiled with a precompiled header.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${KESTRUNE_CCACHE})
 endif()
 
 add_library(kestrune_flags INTERFACE)
@@ -33,12 +35,38 @@ if(KESTRUNE_SANITIZE)
   target_link_options(kestrune_flags INTERFACE -fsanitize=${KESTRUNE_SANITIZE})
 endif()
 
+# kestrune_precompile(TARGET header...): what nearly every file of a target includes is parsed once, if the
+# target is large enough to gain by it; a build from nothing takes half the time. The linter goes without, so that
+# no file lives on an include that it does not have.
+function(kestrune_precompile target)
+  get_target_property(sources ${target} SOURCES)
+  list(LENGTH sources count)
+  if(count GREATER_EQUAL 4)
+    target_precompile_headers(${target} PRIVATE
+      <algorithm> <array> <chrono> <cstdint> <functional> <map> <memory> <optional> <string> <string_view> <utility>
+      <vector> <fmt/format.h> ${ARGN})
+  endif()
+endfunction()
+
+set(KESTRUNE_WIDGET_HEADERS
+  <QApplication> <QBoxLayout> <QCheckBox> <QComboBox> <QDialog> <QGridLayout> <QGroupBox> <QKeyEvent> <QLabel>
+  <QLineEdit> <QPushButton> <QTimer>)
+
+# kestrune_test_code(TARGET): what the code of every test program shares. It is not optimised: the tested code is,
+# and compiling the tests is most of a build.
+function(kestrune_test_code target)
+  target_link_libraries(${target} PRIVATE GTest::gmock GTest::gtest_main)
+  target_compile_options(${target} PRIVATE -O0)
+  kestrune_precompile(${target} <filesystem> <gmock/gmock.h> <gtest/gtest.h>)
+endfunction()
+
 # kestrune_test(NAME source... [LIBS lib...]): one GoogleTest program of a room. Its cases are known to ctest,
 # which asks for them when it runs; `ctest -L NAME` runs this program's alone.
 function(kestrune_test name)
   cmake_parse_arguments(TEST "" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS} GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
+  kestrune_test_code(${name})
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()
