@@ -12,6 +12,7 @@
 #include "real/Screen.h"
 #include "real/Unit.h"
 #include "real/Waiting.h"
+#include "support/PrivateSession.h"
 
 namespace kestrune::test {
 namespace {
@@ -125,6 +126,45 @@ TEST(Desktop, AMessageThatIsOpenDoesNotHoldUpTheEnd) {
   ASSERT_TRUE(screen.WaitFor("^Disable Integrel$"));
   EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
   EXPECT_THAT(unit.LogText(), HasSubstr("Shutting Down"));
+}
+
+TEST(Desktop, TheEndOfTheSessionWaitsForTheWholeClose) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  const PrivateSession session;
+  ASSERT_NE(session.Address(), "");
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two"}, 6)});
+  auto settings = ShortSongs();
+  settings.insert({{"MainTop", "600"}, {"ChannelListing", "0"}, {"LegalAgreement", "True"}});
+  auto environment = screen.Environment();
+  environment["SESSION_MANAGER"] = session.Address();
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = environment,
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_TRUE(unit.WaitForBoundary());
+  screen.Press(kMain, {"ctrl+r"});
+  ASSERT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recordedCount"] >= 1; }));
+
+  // A session that is only saved is no reason to stop.
+  session.Tell("save");
+  ASSERT_TRUE(session.WaitToHear("1 saved", 2));
+  ASSERT_TRUE(session.WaitToHear("2 saved", 2));
+  EXPECT_EQ(unit.Status()["recording"], "Recording");
+
+  session.Tell("end");
+  EXPECT_EQ(unit.Program().Wait(kPatience), 0) << unit.Program().Errors();
+  EXPECT_TRUE(session.WaitToHear("2 closed"));
+  EXPECT_THAT(unit.Recordings(), Not(IsEmpty()));
+  EXPECT_THAT(unit.Captures(), IsEmpty());
+  EXPECT_THAT(unit.LogText(), HasSubstr("Shutting Down"));
+  const auto power = radio.Events("power");
+  ASSERT_THAT(power, Not(IsEmpty()));
+  EXPECT_EQ(power.back()["on"], false);
 }
 
 TEST(Desktop, WithoutADisplayTheReasonIsToldInALine) {

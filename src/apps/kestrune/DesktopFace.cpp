@@ -1,10 +1,6 @@
 #include "apps/kestrune/DesktopFace.h"
 
-#include <QEventLoop>
-#include <QGuiApplication>
-#include <QSessionManager>
-#include <QTimer>
-#include <chrono>
+#include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,9 +11,6 @@
 
 namespace kestrune::apps {
 namespace {
-
-/// The session waits for so long at most; an ordinary close takes a little over two seconds.
-constexpr std::chrono::seconds kSessionPatience{8};
 
 void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   if (type == QtFatalMsg) {
@@ -53,25 +46,14 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
                                                                            .Mixer = parts.Mixer});
-  // The desktop goes on with its end once this returns, so the whole close belongs in here. The end of the
-  // program ends this wait too.
-  QObject::connect(
-      qGuiApp, &QGuiApplication::commitDataRequest, &session_,
-      [&unit](QSessionManager&) {
-        unit.Close();
-        QEventLoop wait;
-        QTimer patience;
-        patience.setSingleShot(true);
-        QObject::connect(&patience, &QTimer::timeout, &wait, &QEventLoop::quit);
-        patience.start(kSessionPatience);
-        wait.exec(QEventLoop::ExcludeUserInputEvents);
-      },
-      Qt::DirectConnection);
+  sessionEnd_.emplace(QCoreApplication::applicationFilePath().toStdString(),
+                      [&unit] { unit.RequestClose(); });
 }
 
 void DesktopFace::Detach() {
   desktop_.Detach();
   unitWindows_.reset();
+  sessionEnd_.reset();
 }
 
 std::string WhyNoDisplay() {

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QObject>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "apps/kestrune/Face.h"
 #include "base/EventLoop.h"
 #include "platform/Environment.h"
 #include "platform/qtgui/DesktopShell.h"
+#include "platform/xsmp/SessionEnd.h"
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
 #include "windows/QtSounds.h"
@@ -35,7 +36,7 @@ class DesktopFace final : public Face {
   windows::QtSounds sounds_;
   windows::Desktop desktop_;
   std::unique_ptr<windows::UnitWindows> unitWindows_;
-  QObject session_;  // owns the connections
+  std::optional<platform::SessionEnd> sessionEnd_;
 };
 
 /// Why no window can be shown, as far as the environment tells; empty if it can.

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class QSocketNotifier;
+
+namespace kestrune::platform {
+
+/// Tells when the desktop's session ends, and keeps the session waiting until this object goes.
+///
+/// It is a client of its own of the session manager (SESSION_MANAGER in the environment). Qt's client is no help:
+/// it cannot tell the end of a session from a session that is only saved, it wants all work done within one call,
+/// and it is there on X11 alone. Bringing the program back with the next session stays with Qt's.
+///
+/// Without a session manager nothing ever happens, nor behind one that has gone. All on the thread of the Qt loop.
+class SessionEnd {
+ public:
+  /// The handler is called from the loop, once at most, and must leave this object alone. `program` is the path
+  /// that the session manager is told.
+  SessionEnd(std::string program, std::function<void()> handler);
+  ~SessionEnd();
+  SessionEnd(const SessionEnd&) = delete;
+  SessionEnd& operator=(const SessionEnd&) = delete;
+
+  /// Whether a session manager knows of this program.
+  [[nodiscard]] bool Connected() const { return connection_ != nullptr; }
+
+ private:
+  struct Connection;  // keeps the macros of the protocol's headers out of this one
+
+  void Open();
+  void Introduce();
+  void Read();
+  void Ending();
+  void Disconnect();
+
+  std::string program_;
+  std::function<void()> handler_;
+  bool told_ = false;
+  bool kept_ = false;  ///< the session manager waits for an answer
+  bool over_ = false;  ///< the session manager has gone, or lets go of its clients
+  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+}  // namespace kestrune::platform
