@@ -1,6 +1,5 @@
-// What EncodedFile costs beside the bare libraries on the same samples, and what a cut costs: Close, tag,
-// Create. "ratio" is our processor time over the library's; both are taken in turn, so that a busy machine
-// shifts both.
+// What EncodedFile costs beside the bare libraries on the same samples. "ratio" is our processor time over the
+// library's; both are taken in turn, so that a busy machine shifts both.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -25,7 +24,6 @@
 
 #include "base/Ignored.h"
 #include "platform/codec/EncodedFile.h"
-#include "platform/codec/FileTagWriter.h"
 #include "platform/codec/LameSettings.h"
 
 namespace kestrune {
@@ -38,9 +36,9 @@ using Samples = std::vector<std::int16_t>;
 constexpr int kRate = 44100;
 constexpr std::size_t kBlockFrames = kRate / 10;
 
-double Seconds(clockid_t clock) {
+double ProcessorSeconds() {
   timespec now{};
-  clock_gettime(clock, &now);
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
@@ -242,15 +240,15 @@ void BesideTheLibrary(benchmark::State& state) {
   double bare = 0;
   for (auto step : state) {
     static_cast<void>(step);
-    const double start = Seconds(CLOCK_PROCESS_CPUTIME_ID);
+    const double start = ProcessorSeconds();
     EncodedFile file;
     contest.Prepare(file);
     file.Create(folder.Path("ours"));
     InBlocks(samples, contest.Channels, [&](auto block) { base::Ignored(file.WriteBlock(block)); });
     file.Close();
-    const double middle = Seconds(CLOCK_PROCESS_CPUTIME_ID);
+    const double middle = ProcessorSeconds();
     contest.Bare(folder.Path("bare"), samples);
-    const double end = Seconds(CLOCK_PROCESS_CPUTIME_ID);
+    const double end = ProcessorSeconds();
     state.SetIterationTime(middle - start);
     ours += middle - start;
     bare += end - middle;
@@ -260,48 +258,6 @@ void BesideTheLibrary(benchmark::State& state) {
 }
 
 BENCHMARK(BesideTheLibrary)->DenseRange(0, 9)->UseManualTime()->Unit(benchmark::kMillisecond);
-
-/// The part of a song boundary in which no sound is written: the old file closed and tagged, the next
-/// created.
-void Cut(benchmark::State& state) {
-  const auto seconds = static_cast<int>(state.range(0));
-  const auto cuts = static_cast<int>(state.range(1));
-  const BenchFolder folder;
-  const Samples second = MakeSound(1, 2);
-  std::vector<double> costs;
-  for (auto step : state) {
-    static_cast<void>(step);
-    EncodedFile slots[2];
-    platform::FileTagWriter tags;
-    for (auto& slot : slots) slot.SetFormatMP3(Mp3(-1));
-    std::string path = folder.Path("Capture0.mp3");
-    slots[0].Create(path);
-    for (int cut = 0; cut < cuts; ++cut) {
-      EncodedFile& old = slots[cut % 2];
-      for (int i = 0; i < seconds; ++i) {
-        InBlocks(second, 2, [&](auto block) { base::Ignored(old.WriteBlock(block)); });
-      }
-      const std::string next = folder.Path("Capture" + std::to_string(cut + 1) + ".mp3");
-      const double start = Seconds(CLOCK_MONOTONIC);
-      old.Close();
-      base::Ignored(tags.Write(path, {"Artist", "Title", "Radio ID: ABC12345", "Kestrune 3.0", 1}));
-      slots[(cut + 1) % 2].Create(next);
-      costs.push_back((Seconds(CLOCK_MONOTONIC) - start) * 1000);
-      std::filesystem::remove(path);
-      path = next;
-    }
-  }
-  std::sort(costs.begin(), costs.end());
-  state.counters["median_ms"] = costs[costs.size() / 2];
-  state.counters["p99_ms"] = costs[costs.size() * 99 / 100];
-  state.counters["max_ms"] = costs.back();
-}
-BENCHMARK(Cut)
-    ->Args({300, 20})
-    ->Args({2, 500})
-    ->ArgNames({"seconds", "cuts"})
-    ->Iterations(1)
-    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kestrune

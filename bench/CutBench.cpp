@@ -1,0 +1,156 @@
+// What a cut between two songs costs in MP3 with the settings of a fresh installation, on the wall clock, from
+// RecordStop to the end of RecordStart: what came in while the thread slept through the song's delay is encoded, the
+// old file is closed and tagged, the next one created. "backlog" tells how long that sleep was; 0 leaves it out.
+// KESTRUNE_BENCH_CUTS=500 takes so many cuts of five minutes (about half an hour), not twenty.
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include "platform/codec/EncodedFile.h"
+#include "platform/codec/FileTagWriter.h"
+#include "platform/posix/PosixFiles.h"
+#include "platform/ring/RingRecorder.h"
+#include "recorder/Capture.h"
+#include "support/SimulatedEventLoop.h"
+#include "support/SimulatedSoundSource.h"
+
+namespace kestrune::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+class NoJournal final : public base::Journal {
+ public:
+  void DoLog(std::string_view /*text*/) override {}
+  void DebugPrint(std::string_view /*text*/) override {}
+  [[nodiscard]] bool Tracing() const override { return false; }
+  void Trace(std::string_view /*text*/) override {}
+};
+
+/// Ten seconds of chords and noise, over and over: enough for an encoder to work on.
+SimulatedSoundSource::Signal Music() {
+  constexpr std::size_t kFrames = 441000;
+  auto samples = std::make_shared<std::vector<std::int16_t>>();
+  std::uint32_t noise = 1;
+  for (std::size_t i = 0; i < kFrames; ++i) {
+    noise = noise * 1664525U + 1013904223U;
+    const auto at = static_cast<double>(i);
+    const double tone = 9000 * std::sin(at * 0.05) * std::sin(at * 0.00007) + 5000 * std::sin(at * 0.31);
+    for (const double share : {1.0, 0.7}) {
+      samples->push_back(static_cast<std::int16_t>(tone * share + (noise >> 20)));
+    }
+  }
+  return [samples](std::uint64_t frame, int channel) {
+    return (*samples)[frame % kFrames * 2 + static_cast<std::size_t>(channel)];
+  };
+}
+
+/// The real recorder, encoder and tag writer under the capture of the program, in a folder of its own.
+class Rig {
+ public:
+  Rig() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "cut-bench-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) != nullptr) folder_ = pattern;
+    sound_.SetSignal(Music());
+    audio_.AudioRecord = std::make_unique<platform::RingRecorder>(loop_, sound_);
+    for (auto& file : audio_.CaptureFiles) file = std::make_unique<platform::EncodedFile>();
+    audio_.AudioInformation = std::make_unique<platform::FileTagWriter>();
+    radio_.RadioID = "ABCD1234";
+    for (auto& record : state_.CaptureSlots) {
+      record.Extension = "mp3";
+      record.Song = "Slow Tide";
+      record.Artist = "Moonlighters";
+      record.Folder = folder_ + "/";
+    }
+    capture_.ConnectRecorder();
+    Begin(0);
+  }
+  ~Rig() {
+    capture_.RecordStop(state_.CaptureSlot);
+    audio_.Release();
+    std::error_code ignored;
+    if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
+  }
+  Rig(const Rig&) = delete;
+  Rig& operator=(const Rig&) = delete;
+
+  [[nodiscard]] bool Works() const { return result_ >= 0; }
+
+  /// A song of that length, and the cut behind it.
+  [[nodiscard]] Milliseconds Cut(std::chrono::milliseconds length, std::chrono::milliseconds backlog) {
+    loop_.Run(length - backlog);
+    loop_.Sleep(backlog);
+    const std::int16_t finished = state_.CaptureSlot;
+    const auto start = std::chrono::steady_clock::now();
+    capture_.RecordStop(finished);
+    Begin(static_cast<std::int16_t>(1 - finished));
+    const Milliseconds cost = std::chrono::steady_clock::now() - start;
+    if (!files_.Remove(capture_.TemporaryFile(finished))) result_ = -1;
+    return cost;
+  }
+
+ private:
+  void Begin(std::int16_t slot) {
+    capture_.RecordStart(slot, capture_.TemporaryFile(slot), result_);
+    state_.CaptureSlot = slot;
+  }
+
+  SimulatedEventLoop loop_;
+  SimulatedSoundSource sound_{loop_, 50ms};
+  std::string folder_;
+  platform::PosixFiles files_;
+  NoJournal journal_;
+  recorder::AudioObjects audio_;
+  recorder::RecordingState state_;
+  radio::RadioState radio_;
+  config::Settings settings_;
+  config::FileSpecs fileSpecs_{[this](std::int16_t slot) { return audio_.File(slot); }, settings_,
+                               state_.CaptureSlot, [] { return std::nullopt; }};
+  recorder::Capture capture_{audio_, state_, fileSpecs_, settings_, radio_, files_, journal_};
+  std::int32_t result_ = 0;
+};
+
+int WantedCuts() {
+  const char* wanted = std::getenv("KESTRUNE_BENCH_CUTS");
+  return wanted == nullptr ? 20 : std::max(1, std::atoi(wanted));
+}
+
+void Cut(benchmark::State& state) {
+  Rig rig;
+  std::vector<double> costs;
+  for (auto step : state) {
+    static_cast<void>(step);
+    for (int cut = 0; cut < state.range(2); ++cut) {
+      costs.push_back(
+          rig.Cut(std::chrono::seconds(state.range(0)), std::chrono::milliseconds(state.range(1))).count());
+    }
+  }
+  if (!rig.Works()) state.SkipWithError("a capture could not be written");
+  std::sort(costs.begin(), costs.end());
+  state.counters["median_ms"] = costs[costs.size() / 2];
+  state.counters["p99_ms"] = costs[costs.size() * 99 / 100];
+  state.counters["max_ms"] = costs.back();
+}
+
+void Arguments(benchmark::internal::Benchmark* cut) {
+  cut->ArgNames({"seconds", "backlog", "cuts"});
+  for (const int backlog : {0, 600}) {
+    cut->Args({2, backlog, 500});
+    cut->Args({300, backlog, WantedCuts()});
+  }
+}
+BENCHMARK(Cut)->Apply(Arguments)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace kestrune::test
