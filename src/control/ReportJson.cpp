@@ -1,16 +1,20 @@
 #include "control/ReportJson.h"
 
+#include <concepts>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace kestrune::control {
 namespace {
 
+template <typename Type, typename Report>
+concept EitherConst = std::same_as<std::remove_const_t<Type>, Report>;
+
 // Each report's members are told once; the visitor writes them or reads them.
 
-template <typename Report, typename Visitor>
-void ForEachStatusMember(Report& report, Visitor&& visit) {
+void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("unit", report.Unit);
   visit("version", report.Version);
   visit("loading", report.Loading);
@@ -43,8 +47,7 @@ void ForEachStatusMember(Report& report, Visitor&& visit) {
   visit("samplesLost", report.SamplesLost);
 }
 
-template <typename Report, typename Visitor>
-void ForEachChannelMember(Report& report, Visitor&& visit) {
+void ForEachMember(EitherConst<ChannelReport> auto& report, auto& visit) {
   visit("number", report.Number);
   visit("station", report.Station);
   visit("genre", report.Genre);
@@ -52,15 +55,13 @@ void ForEachChannelMember(Report& report, Visitor&& visit) {
   visit("song", report.Song);
 }
 
-template <typename Report, typename Visitor>
-void ForEachUpdateMember(Report& report, Visitor&& visit) {
+void ForEachMember(EitherConst<UpdateReport> auto& report, auto& visit) {
   visit("running", report.Running);
   visit("newer", report.Newer);
   visit("downloadAddress", report.DownloadAddress);
 }
 
-template <typename Report, typename Visitor>
-void ForEachScheduleMember(Report& report, Visitor&& visit) {
+void ForEachMember(EitherConst<ScheduleReport> auto& report, auto& visit) {
   visit("number", report.Number);
   visit("enabled", report.Enabled);
   visit("on", report.On);
@@ -78,8 +79,7 @@ void ForEachScheduleMember(Report& report, Visitor&& visit) {
   visit("secondsLeft", report.SecondsLeft);
 }
 
-template <typename Report, typename Visitor>
-void ForEachList(Report& report, Visitor&& visit) {
+void ForEachMember(EitherConst<ListsReport> auto& report, auto& visit) {
   visit("grabArtists", report.GrabArtists);
   visit("grabSongs", report.GrabSongs);
   visit("killArtists", report.KillArtists);
@@ -144,95 +144,82 @@ struct Reader {
   }
 };
 
+template <typename Report>
+Json Object(const Report& report) {
+  Writer writer;
+  ForEachMember(report, writer);
+  return std::move(writer.Object);
+}
+
+template <typename Report>
+Json Array(const std::vector<Report>& reports) {
+  Json rows = Json::array();
+  for (const Report& report : reports) rows.push_back(Object(report));
+  return rows;
+}
+
+template <typename Report>
+std::optional<Report> FromObject(const Json& json) {
+  if (!json.is_object()) return std::nullopt;
+  Report report;
+  Reader reader{json};
+  ForEachMember(report, reader);
+  if (!reader.Complete) return std::nullopt;
+  return report;
+}
+
+template <typename Report>
+std::optional<std::vector<Report>> FromArray(const Json& json) {
+  if (!json.is_array()) return std::nullopt;
+  std::vector<Report> reports;
+  for (const Json& row : json) {
+    std::optional<Report> report = FromObject<Report>(row);
+    if (!report) return std::nullopt;
+    reports.push_back(*std::move(report));
+  }
+  return reports;
+}
+
 }  // namespace
 
 Json ToJson(const StatusReport& report) {
-  Writer writer;
-  ForEachStatusMember(report, writer);
-  return std::move(writer.Object);
+  return Object(report);
 }
 
 Json ToJson(const std::vector<ChannelReport>& channels) {
-  Json rows = Json::array();
-  for (const ChannelReport& channel : channels) {
-    Writer writer;
-    ForEachChannelMember(channel, writer);
-    rows.push_back(std::move(writer.Object));
-  }
-  return rows;
+  return Array(channels);
 }
 
 Json ToJson(const UpdateReport& report) {
-  Writer writer;
-  ForEachUpdateMember(report, writer);
-  return std::move(writer.Object);
-}
-
-std::optional<UpdateReport> UpdateFromJson(const Json& json) {
-  UpdateReport report;
-  if (!json.is_object()) return std::nullopt;
-  Reader reader{json};
-  ForEachUpdateMember(report, reader);
-  if (!reader.Complete) return std::nullopt;
-  return report;
+  return Object(report);
 }
 
 Json ToJson(const std::vector<ScheduleReport>& entries) {
-  Json rows = Json::array();
-  for (const ScheduleReport& entry : entries) {
-    Writer writer;
-    ForEachScheduleMember(entry, writer);
-    rows.push_back(std::move(writer.Object));
-  }
-  return rows;
+  return Array(entries);
 }
 
 Json ToJson(const ListsReport& lists) {
-  Writer writer;
-  ForEachList(lists, writer);
-  return std::move(writer.Object);
+  return Object(lists);
 }
 
 std::optional<StatusReport> StatusFromJson(const Json& json) {
-  StatusReport report;
-  if (!json.is_object()) return std::nullopt;
-  Reader reader{json};
-  ForEachStatusMember(report, reader);
-  if (!reader.Complete) return std::nullopt;
-  return report;
+  return FromObject<StatusReport>(json);
 }
 
 std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json) {
-  if (!json.is_array()) return std::nullopt;
-  std::vector<ChannelReport> channels;
-  for (const Json& row : json) {
-    if (!row.is_object()) return std::nullopt;
-    Reader reader{row};
-    ForEachChannelMember(channels.emplace_back(), reader);
-    if (!reader.Complete) return std::nullopt;
-  }
-  return channels;
+  return FromArray<ChannelReport>(json);
+}
+
+std::optional<UpdateReport> UpdateFromJson(const Json& json) {
+  return FromObject<UpdateReport>(json);
 }
 
 std::optional<std::vector<ScheduleReport>> ScheduleFromJson(const Json& json) {
-  if (!json.is_array()) return std::nullopt;
-  std::vector<ScheduleReport> entries;
-  for (const Json& row : json) {
-    if (!row.is_object()) return std::nullopt;
-    Reader reader{row};
-    ForEachScheduleMember(entries.emplace_back(), reader);
-    if (!reader.Complete) return std::nullopt;
-  }
-  return entries;
+  return FromArray<ScheduleReport>(json);
 }
 
 std::optional<ListsReport> ListsFromJson(const Json& json) {
-  if (!json.is_object()) return std::nullopt;
-  ListsReport lists;
-  Reader reader{json};
-  ForEachList(lists, reader);
-  if (!reader.Complete) return std::nullopt;
-  return lists;
+  return FromObject<ListsReport>(json);
 }
 
 }  // namespace kestrune::control

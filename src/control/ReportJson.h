@@ -15,9 +15,7 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json ToJson(const StatusReport& report);
 [[nodiscard]] Json ToJson(const std::vector<ChannelReport>& channels);
 [[nodiscard]] Json ToJson(const UpdateReport& report);
-
 [[nodiscard]] Json ToJson(const std::vector<ScheduleReport>& entries);
-
 [[nodiscard]] Json ToJson(const ListsReport& lists);
 
 /// Nothing if a member is missing or of another type; members that are unknown here are let by.
