@@ -9,6 +9,19 @@ enum class MessageIcon { Information, Warning, Critical, Question, None };
 enum class MessageButtons { Ok, YesNo, YesNoCancel };
 enum class MessageAnswer { Ok, Yes, No, Cancel };
 
+/// The answer of a user who is not there, or who closes the message: the one that changes least.
+[[nodiscard]] constexpr MessageAnswer SafeAnswer(MessageButtons buttons) {
+  switch (buttons) {
+    case MessageButtons::YesNoCancel:
+      return MessageAnswer::Cancel;
+    case MessageButtons::YesNo:
+      return MessageAnswer::No;
+    case MessageButtons::Ok:
+      break;
+  }
+  return MessageAnswer::Ok;
+}
+
 struct Message {
   std::string Title;
   std::string Text;

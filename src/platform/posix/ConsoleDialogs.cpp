@@ -3,18 +3,6 @@
 namespace kestrune::platform {
 namespace {
 
-MessageAnswer SafeAnswer(MessageButtons buttons) {
-  switch (buttons) {
-    case MessageButtons::YesNoCancel:
-      return MessageAnswer::Cancel;
-    case MessageButtons::YesNo:
-      return MessageAnswer::No;
-    case MessageButtons::Ok:
-      break;
-  }
-  return MessageAnswer::Ok;
-}
-
 const char* NameOf(MessageAnswer answer) {
   switch (answer) {
     case MessageAnswer::Cancel:
