@@ -33,6 +33,7 @@ class CalledWindows final : public recorder::Windows {
 
 class StartupTest : public ::testing::Test {
  protected:
+  CalledWindows windows;
   UnitRig rig;
 
   [[nodiscard]] std::size_t Sent(std::string_view hex) {
@@ -58,23 +59,10 @@ TEST_F(StartupTest, ARadioOnTheStoredPortIsFoundPoweredIdentifiedAndTuned) {
 }
 
 TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
-  CalledWindows windows;
   rig.Set("CheckUpdatesAtStartup", "True");
   rig.Environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "https://updates.invalid/NewVersion.txt";
-  recorder::Kestrune unit({.Loop = rig.Loop,
-                           .pcrComm = rig.Radio,
-                           .Audio = rig.Audio,
-                           .Files = rig.Files,
-                           .Environment = rig.Environment,
-                           .Settings = rig.Store,
-                           .Dialogs = rig.Dialogs,
-                           .Sounds = rig.Sounds,
-                           .Windows = windows,
-                           .SerialEnumerator = rig.SerialEnumerator,
-                           .Web = rig.Web,
-                           .Processes = rig.Processes,
-                           .SleepInhibitor = rig.SleepInhibitor});
-  EXPECT_EQ(unit.Load(), StartOutcome::Running);
+  rig.MeetWindows(windows);
+  rig.Start();
   EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "port 1",
                                          "no please wait", "channels window", "first configuration", "enable",
                                          "remembered windows", "wait cursor", "normal cursor"));
@@ -116,22 +104,9 @@ TEST_F(StartupTest, TheIdentifierIsKnownOnceTheRadioIsFound) {
 }
 
 TEST_F(StartupTest, TheConfigurationIsShownOnAFirstRunAlone) {
-  CalledWindows windows;
   rig.Set("MainTop", "120");
-  recorder::Kestrune unit({.Loop = rig.Loop,
-                           .pcrComm = rig.Radio,
-                           .Audio = rig.Audio,
-                           .Files = rig.Files,
-                           .Environment = rig.Environment,
-                           .Settings = rig.Store,
-                           .Dialogs = rig.Dialogs,
-                           .Sounds = rig.Sounds,
-                           .Windows = windows,
-                           .SerialEnumerator = rig.SerialEnumerator,
-                           .Web = rig.Web,
-                           .Processes = rig.Processes,
-                           .SleepInhibitor = rig.SleepInhibitor});
-  EXPECT_EQ(unit.Load(), StartOutcome::Running);
+  rig.MeetWindows(windows);
+  rig.Start();
   EXPECT_THAT(windows.Calls, Not(Contains("first configuration")));
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
-#include <utility>
 
 #include "base/EventLoop.h"
+#include "support/TimerTable.h"
 
 namespace kestrune::test {
 
@@ -16,8 +14,6 @@ namespace kestrune::test {
 class RealEventLoop final : public base::EventLoop {
  public:
   using Duration = std::chrono::milliseconds;
-
-  ~RealEventLoop() override;
 
   [[nodiscard]] base::DateValue Now() const override;
   [[nodiscard]] Duration TimeOfDay() const override;
@@ -33,11 +29,7 @@ class RealEventLoop final : public base::EventLoop {
   [[nodiscard]] bool RunUntil(const std::function<bool()>& condition, Duration limit);
 
  private:
-  class RealTimer;
-  using Moment = std::pair<Duration, std::uint64_t>;
-
-  std::uint64_t order_ = 0;
-  std::map<Moment, RealTimer*> timers_;
+  TimerTable timers_{[this] { return SteadyNow(); }};
 };
 
 }  // namespace kestrune::test

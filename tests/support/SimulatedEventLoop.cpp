@@ -5,63 +5,6 @@
 
 namespace kestrune::test {
 
-/// While enabled it stands in the loop's table under its next moment; while its handler runs it stands there
-/// only if the handler has asked for it anew, which is what keeps it from firing within itself.
-class SimulatedEventLoop::SimulatedTimer final : public base::Timer {
- public:
-  SimulatedTimer(SimulatedEventLoop& loop, Duration interval, std::function<void()> handler)
-      : loop_(loop),
-        interval_(interval),
-        handler_(std::make_shared<std::function<void()>>(std::move(handler))) {}
-  ~SimulatedTimer() override { Cancel(); }
-  SimulatedTimer(const SimulatedTimer&) = delete;
-  SimulatedTimer& operator=(const SimulatedTimer&) = delete;
-
-  void SetInterval(Duration interval) override {
-    interval_ = interval;
-    if (enabled_) Schedule();
-  }
-  [[nodiscard]] Duration Interval() const override { return interval_; }
-  void SetEnabled(bool enabled) override {
-    if (enabled == enabled_) return;
-    enabled_ = enabled;
-    if (enabled) {
-      Schedule();
-    } else {
-      Cancel();
-    }
-  }
-  [[nodiscard]] bool Enabled() const override { return enabled_; }
-
-  void Fire() {
-    scheduled_ = false;
-    const std::weak_ptr<bool> alive = alive_;
-    const auto handler = handler_;
-    (*handler)();
-    if (!alive.expired() && enabled_ && !scheduled_) Schedule();
-  }
-
- private:
-  void Schedule() {
-    Cancel();
-    moment_ = {loop_.now_ + std::max(interval_, Duration(1)), ++loop_.order_};
-    loop_.timers_.emplace(moment_, this);
-    scheduled_ = true;
-  }
-  void Cancel() {
-    if (scheduled_) loop_.timers_.erase(moment_);
-    scheduled_ = false;
-  }
-
-  SimulatedEventLoop& loop_;
-  Duration interval_;
-  std::shared_ptr<std::function<void()>> handler_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
-  Moment moment_;
-  bool enabled_ = false;
-  bool scheduled_ = false;
-};
-
 SimulatedEventLoop::SimulatedEventLoop(base::DateValue start)
     : wallOffset_(std::chrono::seconds(start.Seconds())) {}
 
@@ -76,7 +19,7 @@ SimulatedEventLoop::Duration SimulatedEventLoop::TimeOfDay() const {
 }
 
 std::unique_ptr<base::Timer> SimulatedEventLoop::MakeTimer(Duration interval, std::function<void()> handler) {
-  return std::make_unique<SimulatedTimer>(*this, interval, std::move(handler));
+  return timers_.MakeTimer(interval, std::move(handler));
 }
 
 void SimulatedEventLoop::AtHardware(Duration delay, std::function<void()> happening) {
@@ -109,14 +52,13 @@ bool SimulatedEventLoop::RunOneDueHandler() {
     handler();
     return true;
   }
-  if (!timers_.empty() && timers_.begin()->first.first <= now_) {
-    SimulatedTimer* timer = timers_.begin()->second;
-    timers_.erase(timers_.begin());
-    ++handlersRun_;
-    timer->Fire();
-    return true;
-  }
-  return false;
+  return FireOneTimer(now_);
+}
+
+bool SimulatedEventLoop::FireOneTimer(Duration until) {
+  if (timers_.NextMoment() > until) return false;
+  ++handlersRun_;
+  return timers_.FireOne(until);
 }
 
 void SimulatedEventLoop::PumpEvents() {
@@ -130,18 +72,13 @@ void SimulatedEventLoop::PumpEvents() {
       RunOneDueHandler();
       continue;
     }
-    if (timers_.empty() || timers_.begin()->first.first > until) return;
-    SimulatedTimer* timer = timers_.begin()->second;
-    timers_.erase(timers_.begin());
-    ++handlersRun_;
-    timer->Fire();
+    if (!FireOneTimer(until)) return;
   }
 }
 
 SimulatedEventLoop::Duration SimulatedEventLoop::NextMoment() const {
   if (!posted_.empty()) return now_;
-  Duration next = Duration::max();
-  if (!timers_.empty()) next = std::min(next, timers_.begin()->first.first);
+  Duration next = timers_.NextMoment();
   if (!hardware_.empty()) next = std::min(next, hardware_.begin()->first.first);
   return std::max(next, now_);
 }

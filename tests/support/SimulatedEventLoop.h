@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/EventLoop.h"
+#include "support/TimerTable.h"
 
 namespace kestrune::test {
 
@@ -52,7 +53,6 @@ class SimulatedEventLoop final : public base::EventLoop {
   [[nodiscard]] std::uint64_t HandlersRun() const { return handlersRun_; }
 
  private:
-  class SimulatedTimer;
   using Moment = std::pair<Duration, std::uint64_t>;
 
   // Saturday, January 1, 2005, 12:00:00.
@@ -60,6 +60,7 @@ class SimulatedEventLoop final : public base::EventLoop {
 
   void AdvanceTo(Duration time);
   bool RunOneDueHandler();
+  bool FireOneTimer(Duration until);
   [[nodiscard]] Duration NextMoment() const;
 
   Duration now_{0};
@@ -68,7 +69,7 @@ class SimulatedEventLoop final : public base::EventLoop {
   std::uint64_t handlersRun_ = 0;
   std::multimap<Moment, std::function<void()>> hardware_;
   std::deque<std::function<void()>> posted_;
-  std::map<Moment, SimulatedTimer*> timers_;
+  TimerTable timers_{[this] { return now_; }};
 };
 
 }  // namespace kestrune::test

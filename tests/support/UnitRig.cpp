@@ -26,6 +26,11 @@ UnitRig::UnitRig() {
   Files.MakeFolders("/music");
   Files.MakeFolders("/home/user");
   Files.MakeFolders("/tmp");
+  MeetWindows(Windows);
+}
+
+void UnitRig::MeetWindows(recorder::Windows& windows) {
+  Unit.reset();  // one unit at a time on the radio's line
   Unit = std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = Loop,
                                                                 .pcrComm = Radio,
                                                                 .Audio = Audio,
@@ -34,7 +39,7 @@ UnitRig::UnitRig() {
                                                                 .Settings = Store,
                                                                 .Dialogs = Dialogs,
                                                                 .Sounds = Sounds,
-                                                                .Windows = Windows,
+                                                                .Windows = windows,
                                                                 .SerialEnumerator = SerialEnumerator,
                                                                 .Web = Web,
                                                                 .Processes = Processes,

@@ -76,6 +76,8 @@ class UnitRig {
  public:
   UnitRig();
 
+  /// Makes the unit anew, with other windows than none; they must outlive it.
+  void MeetWindows(recorder::Windows& windows);
   /// Loads, and fails the test if that ends otherwise than told.
   void Start(recorder::StartOutcome expected = recorder::StartOutcome::Running);
   /// Lets the walk through the channels end.

@@ -26,22 +26,7 @@ class DesktopRig {
                    ++GivenUp;
                    OnGiveUp();
                  }}) {
-    Unit.Unit.reset();  // one unit at a time on the radio's line
-    Unit.Unit =
-        std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = Unit.Loop,
-                                                               .pcrComm = Unit.Radio,
-                                                               .Audio = Unit.Audio,
-                                                               .Files = Unit.Files,
-                                                               .Environment = Unit.Environment,
-                                                               .Settings = Unit.Store,
-                                                               .Dialogs = Unit.Dialogs,
-                                                               .Sounds = Unit.Sounds,
-                                                               .Windows = Desktop,
-                                                               .SerialEnumerator = Unit.SerialEnumerator,
-                                                               .Web = Unit.Web,
-                                                               .Processes = Unit.Processes,
-                                                               .SleepInhibitor = Unit.SleepInhibitor});
-    Unit.Unit->SetClosedHandler([this] { Unit.Closed = true; });
+    Unit.MeetWindows(Desktop);
     Desktop.Attach(*Unit);
   }
   ~DesktopRig() { Desktop.Detach(); }
