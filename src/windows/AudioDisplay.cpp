@@ -29,6 +29,8 @@ QColor WarningColour(const QPalette& palette) {
 AudioDisplay::AudioDisplay(recorder::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   setAccessibleName(QStringLiteral("Level of the sound"));
+  // Ten times a second; what lies behind need not be painted for it.
+  setAttribute(Qt::WA_OpaquePaintEvent);
   meter_.SetSampleCount(kSamples);
 }
 
@@ -65,7 +67,7 @@ void AudioDisplay::paintEvent(QPaintEvent* /*event*/) {
   const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
   painter.setPen(Mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.3));
   painter.setBrush(palette().base());
-  painter.drawRoundedRect(frame, 3, 3);
+  painter.drawRect(frame);
   painter.setPen(Qt::NoPen);
   const QRectF room = frame.adjusted(6, 5, -6, -5);
   switch (meter_.Type()) {

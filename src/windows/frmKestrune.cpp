@@ -17,8 +17,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <algorithm>
-#include <array>
 #include <utility>
 
 #include "windows/AudioDisplay.h"
@@ -467,25 +465,26 @@ void frmKestrune::Refresh() {
 void frmKestrune::ShowPresets() {
   const auto& presets = unit_.PresetButtons().Buttons();
   for (std::size_t i = 0; i < presets.size(); ++i) {
-    QPushButton& button = *presets_[i];
-    const QString stored = ToQt(presets.at(i).Caption);
-    const bool empty = stored.isEmpty();
-    const QString whole = empty ? QStringLiteral("Preset %1").arg(i + 1) : stored;
-    const int room = button.width() - button.fontMetrics().averageCharWidth() * 3;
-    const QString shown = button.fontMetrics().elidedText(whole, Qt::ElideRight, room);
-    QString tip = ToQt(presets.at(i).Tip);
-    if (shown != whole) tip = PlainTip(whole + QLatin1Char('\n') + tip);
-    if (button.toolTip() != tip) button.setToolTip(tip);
-    // A button takes "&" for the mark of its key.
-    const QString caption = QString(shown).replace(QLatin1Char('&'), QLatin1String("&&"));
-    if (button.text() == caption && button.accessibleName() == whole) continue;
-    button.setText(caption);
-    button.setAccessibleName(whole);
-    // What is not there yet stands back.
-    QPalette colours = palette();
-    if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
-    button.setPalette(colours);
+    const int room = presets_[i]->width() - presets_[i]->fontMetrics().averageCharWidth() * 3;
+    const PresetFace face{presets.at(i).Caption, presets.at(i).Tip, room, palette().cacheKey()};
+    if (std::exchange(presetFaces_.at(i), face) == face) continue;
+    ShowPreset(*presets_[i], i + 1, face);
   }
+}
+
+void frmKestrune::ShowPreset(QPushButton& button, std::size_t number, const PresetFace& face) const {
+  const bool empty = face.Caption.empty();
+  const QString whole = empty ? QStringLiteral("Preset %1").arg(number) : ToQt(face.Caption);
+  const QString shown = button.fontMetrics().elidedText(whole, Qt::ElideRight, face.Room);
+  const QString tip = ToQt(face.Tip);
+  button.setToolTip(shown == whole ? tip : PlainTip(whole + QLatin1Char('\n') + tip));
+  // A button takes "&" for the mark of its key.
+  button.setText(QString(shown).replace(QLatin1Char('&'), QLatin1String("&&")));
+  button.setAccessibleName(whole);
+  // What is not there yet stands back.
+  QPalette colours = palette();
+  if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
+  button.setPalette(colours);
 }
 
 void frmKestrune::ShowStatus(const MainWindow& record) {

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QMainWindow>
+#include <array>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "radio/Presets.h"
 #include "recorder/Kestrune.h"
 
 class QAction;
@@ -61,6 +64,15 @@ class frmKestrune final : public QMainWindow {
     bool recorder::MainWindow::*Checked;
   };
 
+  /// What a preset button looks like depends on these; to cut its text to its width takes long.
+  struct PresetFace {
+    std::string Caption;
+    std::string Tip;
+    int Room = -1;  ///< pixels for the text
+    qint64 Colours = 0;
+    bool operator==(const PresetFace&) const = default;
+  };
+
   void MakeMenus();
   void MakeControls();
   [[nodiscard]] QWidget* MakeSong();
@@ -75,6 +87,7 @@ class frmKestrune final : public QMainWindow {
   QAction* AddEntry(QMenu& menu, const char* name, const char* caption, std::function<void()> chosen,
                     const char* key = "");
   void ShowPresets();
+  void ShowPreset(QPushButton& button, std::size_t number, const PresetFace& face) const;
   void ShowStatus(const recorder::MainWindow& record);
   void ShowMenus(const recorder::MainWindow& record);
 
@@ -99,6 +112,7 @@ class frmKestrune final : public QMainWindow {
   QPushButton* cmdRecord_ = nullptr;
   QPushButton* cmdStop_ = nullptr;
   std::vector<QPushButton*> presets_;
+  std::array<PresetFace, radio::Presets::kCount> presetFaces_;
   std::vector<Box> boxes_;
 };
 
