@@ -3,9 +3,6 @@
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
-#include <QElapsedTimer>
-#include <QThread>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,31 +15,14 @@
 #include "../posix/TemporaryFolder.h"
 #include "platform/qtdbus/LoginInhibitor.h"
 #include "support/ChildProcess.h"
+#include "support/Pump.h"
 
 namespace kestrune::test {
 namespace {
 
+using namespace std::chrono_literals;
 using platform::LoginInhibitor;
 using ::testing::ElementsAre;
-
-QCoreApplication& Application() {
-  static int count = 1;
-  static char name[] = "desktop_bus_test";
-  static char* arguments[] = {name, nullptr};
-  static QCoreApplication application(count, arguments);
-  return application;
-}
-
-bool Until(const std::function<bool()>& condition, int milliseconds = 10000) {
-  QElapsedTimer timer;
-  timer.start();
-  while (!condition()) {
-    if (timer.elapsed() > milliseconds) return false;
-    QCoreApplication::processEvents();
-    QThread::msleep(2);
-  }
-  return true;
-}
 
 /// The login service, as far as it hands out locks: each is one end of a pipe, and the other end tells when it has
 /// been let go.
@@ -110,7 +90,7 @@ class LoginInhibitorTest : public ::testing::Test {
     address_ = "unix:path=" + (folder_ / "bus");
     daemon_ = ChildProcess({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address_},
                            {}, folder_ / "output");
-    ASSERT_TRUE(Until([this] { return Connect().isConnected(); })) << FileText(folder_ / "output");
+    ASSERT_TRUE(PumpUntil([this] { return Connect().isConnected(); })) << FileText(folder_ / "output");
   }
   void TearDown() override { QDBusConnection::disconnectFromBus(QStringLiteral("client")); }
 
@@ -130,22 +110,22 @@ TEST_F(LoginInhibitorTest, HoldsALockUntilItIsReleased) {
   FakeLogin login(Address());
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("Recording from the radio");
-  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 1; }));
   EXPECT_THAT(login.Calls, ElementsAre("sleep:idle|Kestrune|Recording from the radio|block|"));
   inhibitor.Release();
-  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 0; }));
 }
 
 TEST_F(LoginInhibitorTest, HoldingTwiceIsHoldingOnce) {
   FakeLogin login(Address());
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("a");
-  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 1; }));
   inhibitor.Hold("b");
-  EXPECT_FALSE(Until([&] { return login.Calls.size() != 1; }, 200));
+  EXPECT_FALSE(PumpUntil([&] { return login.Calls.size() != 1; }, 200ms));
   inhibitor.Release();
   inhibitor.Hold("c");
-  EXPECT_TRUE(Until([&] { return login.Calls.size() == 2; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Calls.size() == 2; }));
 }
 
 TEST_F(LoginInhibitorTest, TheEndOfTheProgramReleasesToo) {
@@ -153,9 +133,9 @@ TEST_F(LoginInhibitorTest, TheEndOfTheProgramReleasesToo) {
   {
     LoginInhibitor inhibitor(Connect());
     inhibitor.Hold("a");
-    ASSERT_TRUE(Until([&] { return login.Held() == 1; }));
+    ASSERT_TRUE(PumpUntil([&] { return login.Held() == 1; }));
   }
-  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 0; }));
 }
 
 TEST_F(LoginInhibitorTest, WhoMayNotForbidSleepForbidsIdleness) {
@@ -163,7 +143,7 @@ TEST_F(LoginInhibitorTest, WhoMayNotForbidSleepForbidsIdleness) {
   login.Refused = "sleep";
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("a");
-  EXPECT_TRUE(Until([&] { return login.Held() == 1; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 1; }));
   EXPECT_THAT(login.Calls, ElementsAre("sleep:idle|Kestrune|a|block|", "idle|Kestrune|a|block|"));
 }
 
@@ -173,8 +153,8 @@ TEST_F(LoginInhibitorTest, ARefusalIsTakenAndNotRepeated) {
   login.Refused = "sleep:idle";
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("a");
-  EXPECT_TRUE(Until([&] { return login.Calls.size() == 2; }));
-  EXPECT_FALSE(Until([&] { return login.Calls.size() > 2; }, 200));
+  EXPECT_TRUE(PumpUntil([&] { return login.Calls.size() == 2; }));
+  EXPECT_FALSE(PumpUntil([&] { return login.Calls.size() > 2; }, 200ms));
 }
 
 TEST_F(LoginInhibitorTest, AReleaseBeforeTheAnswerLeavesNoLock) {
@@ -182,14 +162,14 @@ TEST_F(LoginInhibitorTest, AReleaseBeforeTheAnswerLeavesNoLock) {
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("a");
   inhibitor.Release();
-  EXPECT_TRUE(Until([&] { return login.Calls.size() == 1; }));
-  EXPECT_TRUE(Until([&] { return login.Held() == 0; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Calls.size() == 1; }));
+  EXPECT_TRUE(PumpUntil([&] { return login.Held() == 0; }));
 }
 
 TEST_F(LoginInhibitorTest, WithoutTheServiceHoldingDoesNothing) {
   LoginInhibitor inhibitor(Connect());
   inhibitor.Hold("a");
-  EXPECT_FALSE(Until([] { return false; }, 200));
+  EXPECT_FALSE(PumpUntil([] { return false; }, 200ms));
   inhibitor.Release();
 }
 

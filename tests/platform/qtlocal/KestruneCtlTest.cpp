@@ -17,8 +17,8 @@
 #include "platform/posix/RuntimeFolder.h"
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/qtlocal/LocalControlSocket.h"
-#include "platform/qtlocal/Pump.h"
 #include "support/FakeControlTarget.h"
+#include "support/Pump.h"
 
 namespace kestrune::platform {
 namespace {

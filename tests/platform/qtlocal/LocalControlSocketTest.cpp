@@ -21,8 +21,8 @@
 #include "platform/local/LocalSocket.h"
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/qtlocal/LocalControlSocket.h"
-#include "platform/qtlocal/Pump.h"
 #include "support/FakeControlTarget.h"
+#include "support/Pump.h"
 
 namespace kestrune::platform {
 namespace {

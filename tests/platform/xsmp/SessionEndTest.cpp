@@ -1,7 +1,4 @@
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QThread>
-#include <functional>
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -10,6 +7,7 @@
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/xsmp/SessionEnd.h"
 #include "support/PrivateSession.h"
+#include "support/Pump.h"
 
 namespace kestrune::test {
 namespace {
@@ -18,6 +16,7 @@ using platform::SessionEnd;
 
 class SessionEndTest : public testing::Test {
  protected:
+  SessionEndTest() { Application(); }
   void SetUp() override { ASSERT_NE(session_.Address(), "") << "no session manager could be started"; }
 
   [[nodiscard]] SessionEnd& Connect() {
@@ -25,29 +24,14 @@ class SessionEndTest : public testing::Test {
     return client_.emplace("/usr/bin/kestrune", [this] { ++endings_; });
   }
 
-  /// Serves the loop until then; false if it takes too long.
-  [[nodiscard]] static bool Until(const std::function<bool()>& condition, int milliseconds = 20000) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-      if (timer.elapsed() > milliseconds) return false;
-      QCoreApplication::processEvents();
-      QThread::msleep(2);
-    }
-    return true;
-  }
   [[nodiscard]] bool UntilHeard(const std::string& line, int times = 1) const {
-    return Until([&] { return session_.Heard(line) >= times; });
+    return PumpUntil([&] { return session_.Heard(line) >= times; });
   }
   /// What comes by now is served.
   static void Settle() {
-    EXPECT_FALSE(Until([] { return false; }, 200));
+    EXPECT_FALSE(PumpUntil([] { return false; }, std::chrono::milliseconds(200)));
   }
 
-  static inline int wordCount_ = 1;
-  static inline char name_[] = "session_end_test";
-  static inline char* words_[] = {name_, nullptr};
-  QCoreApplication application_{wordCount_, words_};
   PrivateSession session_;
   int endings_ = 0;
   std::optional<SessionEnd> client_;
@@ -77,7 +61,7 @@ TEST_F(SessionEndTest, ASessionThatEndsWaitsUntilTheProgramIsDone) {
   ASSERT_TRUE(Connect().Connected());
   ASSERT_TRUE(UntilHeard("1 saved"));
   session_.Tell("end");
-  ASSERT_TRUE(Until([this] { return endings_ == 1; }));
+  ASSERT_TRUE(PumpUntil([this] { return endings_ == 1; }));
   Settle();
   EXPECT_EQ(session_.Heard("1 saved"), 1) << "the session would go on with its end";
   client_.reset();
@@ -98,7 +82,7 @@ TEST_F(SessionEndTest, AnEndThatIsTakenBackIsAnsweredAndDoesNotStopTheClose) {
   ASSERT_TRUE(Connect().Connected());
   ASSERT_TRUE(UntilHeard("1 saved"));
   session_.Tell("end");
-  ASSERT_TRUE(Until([this] { return endings_ == 1; }));
+  ASSERT_TRUE(PumpUntil([this] { return endings_ == 1; }));
   session_.Tell("cancel");
   EXPECT_TRUE(UntilHeard("1 saved", 2));
   session_.Tell("end");
@@ -119,7 +103,7 @@ TEST_F(SessionEndTest, ASessionManagerThatDiesTakesNothingWithIt) {
   ASSERT_TRUE(Connect().Connected());
   ASSERT_TRUE(UntilHeard("1 saved"));
   session_.Kill();
-  EXPECT_TRUE(Until([this] { return !client_->Connected(); }));
+  EXPECT_TRUE(PumpUntil([this] { return !client_->Connected(); }));
   EXPECT_EQ(endings_, 0);
 }
 
@@ -127,7 +111,7 @@ TEST_F(SessionEndTest, ASessionManagerThatDiesBehindItsQuestionTakesNothingWithI
   ASSERT_TRUE(Connect().Connected());
   ASSERT_TRUE(UntilHeard("1 saved"));
   session_.Tell("end");
-  ASSERT_TRUE(Until([this] { return endings_ == 1; }));
+  ASSERT_TRUE(PumpUntil([this] { return endings_ == 1; }));
   session_.Kill();
   client_.reset();
   EXPECT_EQ(endings_, 1);

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <chrono>
 #include <string>
+#include <thread>
 
 namespace kestrune::test {
 
@@ -15,13 +16,15 @@ inline QCoreApplication& Application() {
   return application;
 }
 
-/// Serves events until the condition holds; false if it does not within a time that no healthy run needs.
+/// Serves events until the condition holds; false if it does not within the limit, which is a time that no healthy run
+/// needs.
 template <typename Condition>
-[[nodiscard]] bool PumpUntil(Condition holds) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+[[nodiscard]] bool PumpUntil(Condition holds, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
   while (!holds()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
 }
