@@ -17,8 +17,8 @@ class PrivateSession {
 
   /// "end", "save", "cancel" or "die", said to all clients.
   void Tell(const std::string& word) const;
-  /// How often it has printed a line: "N registered", "N never" (does not want to be started again), "N saved",
-  /// "N closed", with clients numbered from 1.
+  /// How often it has printed a line: "N registered", "N restarts by COMMAND", "N saved", "N closed", with clients
+  /// numbered from 1.
   [[nodiscard]] int Heard(const std::string& line) const;
   /// False if it does not print it so often in time.
   [[nodiscard]] bool WaitToHear(const std::string& line, int times = 1) const;

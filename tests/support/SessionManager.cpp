@@ -1,10 +1,10 @@
 // A session manager for tests: real messages of the real protocol, told what to do by lines from a pipe, whose path
 // is the argument.
 //
-// It prints its address first, as SESSION_MANAGER wants it, and "ready". Each client has a number, from 1. Told "end" or "save", it asks all clients to save
-// themselves because the session ends or is only saved; told "cancel", it takes an end back; told "die", it lets
-// all clients go. It prints "N registered", "N never" for a client that does not want to be started again,
-// "N saved" for its answer and "N closed" when it leaves.
+// It prints its address first, as SESSION_MANAGER wants it, and "ready". Each client has a number, from 1. Told "end"
+// or "save", it asks all clients to save themselves because the session ends or is only saved; told "cancel", it takes
+// an end back; told "die", it lets all clients go. It prints "N registered", "N restarts by COMMAND", "N saved" for a
+// client's answer and "N closed" when it leaves.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -35,8 +35,17 @@ Client& Of(SmPointer data) {
   return *static_cast<Client*>(data);
 }
 
-void Print(const Client& client, const char* what) {
+void Print(const Client& client, const std::string& what) {
   std::cout << client.Number << ' ' << what << std::endl;
+}
+
+void PrintCommand(const Client& client, const SmProp& command) {
+  std::string text = "restarts by";
+  for (int i = 0; i < command.num_vals; ++i) {
+    const SmPropValue& word = command.vals[i];
+    text += ' ' + std::string(static_cast<const char*>(word.value), static_cast<std::size_t>(word.length));
+  }
+  Print(client, text);
 }
 
 Status Accept(SmsConn connection, SmPointer /*data*/, unsigned long* mask, SmsCallbacks* callbacks,
@@ -75,9 +84,8 @@ Status Accept(SmsConn connection, SmPointer /*data*/, unsigned long* mask, SmsCa
   callbacks->set_properties = {[](SmsConn, SmPointer data, int count, SmProp** properties) {
                                  for (int i = 0; i < count; ++i) {
                                    const SmProp& told = *properties[i];
-                                   if (std::string(told.name) == SmRestartStyleHint &&
-                                       *static_cast<const char*>(told.vals[0].value) == SmRestartNever)
-                                     Print(Of(data), "never");
+                                   if (std::string(told.name) == SmRestartCommand)
+                                     PrintCommand(Of(data), told);
                                    SmFreeProperty(properties[i]);
                                  }
                                  std::free(properties);

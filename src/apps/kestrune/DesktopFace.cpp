@@ -3,6 +3,9 @@
 #include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -46,8 +49,10 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
                                                                            .Mixer = parts.Mixer});
-  sessionEnd_.emplace(QCoreApplication::applicationFilePath().toStdString(),
-                      [&unit] { unit.RequestClose(); });
+  std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
+  for (const QString& argument : QCoreApplication::arguments().mid(1))
+    command.push_back(argument.toStdString());
+  sessionEnd_.emplace(std::move(command), [&unit] { unit.RequestClose(); });
 }
 
 void DesktopFace::Detach() {

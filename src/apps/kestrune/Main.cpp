@@ -2,7 +2,9 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -12,6 +14,7 @@
 #include "apps/kestrune/RunUnit.h"
 #include "base/Version.h"
 #include "control/CommandLine.h"
+#include "platform/xsmp/HiddenSessionManager.h"
 #include "windows/ProgramIcon.h"
 
 namespace kestrune::apps {
@@ -31,7 +34,10 @@ int RunDesktop(const control::CommandLine& line, int argc, char** argv) {
     return kFailed;
   }
   TellFatalFailures();
+  // Qt becomes no client of the session manager; SessionEnd is one.
+  std::optional<platform::HiddenSessionManager> hidden(std::in_place);
   const QApplication application(argc, argv);
+  hidden.reset();
   QApplication::setApplicationName(QStringLiteral("Kestrune"));
   QApplication::setDesktopFileName(QStringLiteral("kestrune"));
   QApplication::setWindowIcon(windows::ProgramIcon());

@@ -22,18 +22,17 @@ namespace {
 constexpr unsigned long kCallbacks =
     SmcSaveYourselfProcMask | SmcDieProcMask | SmcSaveCompleteProcMask | SmcShutdownCancelledProcMask;
 
-/// What the session manager is told of a client; every one of these has one value.
-struct Property {
-  std::string Name;
-  std::string Type;
-  std::string Value;
-};
-
-void SetProperty(SmcConn connection, Property property) {
-  SmPropValue value{.length = static_cast<int>(property.Value.size()), .value = property.Value.data()};
-  SmProp told{.name = property.Name.data(), .type = property.Type.data(), .num_vals = 1, .vals = &value};
-  std::array<SmProp*, 1> list{&told};
-  SmcSetProperties(connection, static_cast<int>(list.size()), list.data());
+/// Tells the session manager something of its client: one text, or a list of them.
+void SetProperty(SmcConn connection, std::string name, std::string type, std::vector<std::string> values) {
+  std::vector<SmPropValue> list;
+  list.reserve(values.size());
+  for (std::string& value : values) list.push_back({static_cast<int>(value.size()), value.data()});
+  SmProp property{.name = name.data(),
+                  .type = type.data(),
+                  .num_vals = static_cast<int>(list.size()),
+                  .vals = list.data()};
+  std::array<SmProp*, 1> properties{&property};
+  SmcSetProperties(connection, static_cast<int>(properties.size()), properties.data());
 }
 
 // The libraries' own handlers end the program when the session manager dies or errs; here it outlives that.
@@ -73,8 +72,8 @@ struct SessionEnd::Connection {
   [[nodiscard]] IceConn Line() const { return SmcGetIceConnection(Client); }
 };
 
-SessionEnd::SessionEnd(std::string program, std::function<void()> handler)
-    : program_(std::move(program)), handler_(std::move(handler)) {
+SessionEnd::SessionEnd(std::vector<std::string> command, std::function<void()> handler)
+    : command_(std::move(command)), handler_(std::move(handler)) {
   Open();
   if (connection_ == nullptr) return;
   Introduce();
@@ -118,7 +117,7 @@ void SessionEnd::Open() {
   };
   char* id = nullptr;
   std::array<char, 256> error{};
-  // Its own address as the context keeps the connection apart from Qt's.
+  // Its own address as the context keeps the connection apart from any other of this process.
   SmcConn const client = SmcOpenConnection(nullptr, this, SmProtoMajor, SmProtoMinor, kCallbacks, &callbacks,
                                            nullptr, &id, static_cast<int>(error.size()), error.data());
   std::free(id);
@@ -126,11 +125,11 @@ void SessionEnd::Open() {
 }
 
 void SessionEnd::Introduce() {
-  SetProperty(connection_->Client, {SmProgram, SmARRAY8, program_});
-  SetProperty(connection_->Client, {SmUserID, SmARRAY8, fmt::to_string(::getuid())});
-  SetProperty(connection_->Client, {SmCloneCommand, SmLISTofARRAY8, program_});
-  SetProperty(connection_->Client, {SmRestartCommand, SmLISTofARRAY8, program_});
-  SetProperty(connection_->Client, {SmRestartStyleHint, SmCARD8, std::string(1, char{SmRestartNever})});
+  SmcConn const client = connection_->Client;
+  SetProperty(client, SmProgram, SmARRAY8, {command_.front()});
+  SetProperty(client, SmUserID, SmARRAY8, {fmt::to_string(::getuid())});
+  SetProperty(client, SmCloneCommand, SmLISTofARRAY8, command_);
+  SetProperty(client, SmRestartCommand, SmLISTofARRAY8, command_);
 }
 
 void SessionEnd::Read() {

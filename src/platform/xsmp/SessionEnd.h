@@ -3,23 +3,25 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QSocketNotifier;
 
 namespace kestrune::platform {
 
-/// Tells when the desktop's session ends, and keeps the session waiting until this object goes.
+/// Tells when the desktop's session ends, and keeps the session waiting until this object goes. The next session
+/// starts the program again, as those that restore programs do.
 ///
-/// It is a client of its own of the session manager (SESSION_MANAGER in the environment). Qt's client is no help:
-/// it cannot tell the end of a session from a session that is only saved, it wants all work done within one call,
-/// and it is there on X11 alone. Bringing the program back with the next session stays with Qt's.
+/// It is a client of the session manager (SESSION_MANAGER in the environment). Qt's own has to stand back for it, by
+/// HiddenSessionManager: it cannot tell the end of a session from a session that is only saved, wants all work done
+/// within one call, dies with the session manager, and is there on X11 alone.
 ///
 /// Without a session manager nothing ever happens, nor behind one that has gone. All on the thread of the Qt loop.
 class SessionEnd {
  public:
-  /// The handler is called from the loop, once at most, and must leave this object alone. `program` is the path
-  /// that the session manager is told.
-  SessionEnd(std::string program, std::function<void()> handler);
+  /// The handler is called from the loop, once at most, and must leave this object alone. `command` starts the
+  /// program again: its path, then its arguments.
+  SessionEnd(std::vector<std::string> command, std::function<void()> handler);
   ~SessionEnd();
   SessionEnd(const SessionEnd&) = delete;
   SessionEnd& operator=(const SessionEnd&) = delete;
@@ -36,7 +38,7 @@ class SessionEnd {
   void Ending();
   void Disconnect();
 
-  std::string program_;
+  std::vector<std::string> command_;
   std::function<void()> handler_;
   bool told_ = false;
   bool kept_ = false;  ///< the session manager waits for an answer

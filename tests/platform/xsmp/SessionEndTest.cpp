@@ -1,10 +1,13 @@
 #include <chrono>
+#include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/posix/TemporaryFolder.h"
+#include "platform/xsmp/HiddenSessionManager.h"
 #include "platform/xsmp/SessionEnd.h"
 #include "support/PrivateSession.h"
 #include "support/Pump.h"
@@ -12,7 +15,10 @@
 namespace kestrune::test {
 namespace {
 
+using platform::HiddenSessionManager;
 using platform::SessionEnd;
+
+const std::vector<std::string> kCommand{"/usr/bin/kestrune", "/multi", "2"};
 
 class SessionEndTest : public testing::Test {
  protected:
@@ -21,7 +27,7 @@ class SessionEndTest : public testing::Test {
 
   [[nodiscard]] SessionEnd& Connect() {
     const VariableValue address("SESSION_MANAGER", session_.Address());
-    return client_.emplace("/usr/bin/kestrune", [this] { ++endings_; });
+    return client_.emplace(kCommand, [this] { ++endings_; });
   }
 
   [[nodiscard]] bool UntilHeard(const std::string& line, int times = 1) const {
@@ -39,20 +45,20 @@ class SessionEndTest : public testing::Test {
 
 TEST_F(SessionEndTest, WithoutASessionManagerThereIsNothingToWaitFor) {
   const VariableValue address("SESSION_MANAGER", "");
-  const SessionEnd client("/usr/bin/kestrune", [this] { ++endings_; });
+  const SessionEnd client(kCommand, [this] { ++endings_; });
   EXPECT_FALSE(client.Connected());
 }
 
 TEST_F(SessionEndTest, AnAddressWhereNobodyIsIsNoObstacle) {
   const VariableValue address("SESSION_MANAGER", "local/nowhere:@/tmp/.ICE-unix/nobody");
-  const SessionEnd client("/usr/bin/kestrune", [this] { ++endings_; });
+  const SessionEnd client(kCommand, [this] { ++endings_; });
   EXPECT_FALSE(client.Connected());
 }
 
-TEST_F(SessionEndTest, TheSessionKnowsOfTheProgramAndDoesNotStartItOnItsAccount) {
+TEST_F(SessionEndTest, TheSessionKnowsTheProgramAndHowToStartItAgain) {
   EXPECT_TRUE(Connect().Connected());
   EXPECT_TRUE(UntilHeard("1 registered"));
-  EXPECT_TRUE(UntilHeard("1 never"));
+  EXPECT_TRUE(UntilHeard("1 restarts by /usr/bin/kestrune /multi 2"));
   EXPECT_TRUE(UntilHeard("1 saved")) << "every client is asked once when it registers";
   EXPECT_EQ(endings_, 0);
 }
@@ -115,6 +121,15 @@ TEST_F(SessionEndTest, ASessionManagerThatDiesBehindItsQuestionTakesNothingWithI
   session_.Kill();
   client_.reset();
   EXPECT_EQ(endings_, 1);
+}
+
+TEST(HiddenSessionManagerTest, TheEnvironmentNamesNoneMeanwhileAndTheSameAgainBehindIt) {
+  const VariableValue address("SESSION_MANAGER", "local/here:@/tmp/.ICE-unix/1");
+  {
+    const HiddenSessionManager hidden;
+    EXPECT_EQ(std::getenv("SESSION_MANAGER"), nullptr);
+  }
+  EXPECT_STREQ(std::getenv("SESSION_MANAGER"), "local/here:@/tmp/.ICE-unix/1");
 }
 
 }  // namespace
