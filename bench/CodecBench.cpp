@@ -238,8 +238,7 @@ void BesideTheLibrary(benchmark::State& state) {
   const Samples samples = MakeSound(kSeconds, contest.Channels);
   double ours = 0;
   double bare = 0;
-  for (auto step : state) {
-    static_cast<void>(step);
+  for ([[maybe_unused]] auto step : state) {
     const double start = ProcessorSeconds();
     EncodedFile file;
     contest.Prepare(file);

@@ -129,8 +129,7 @@ int WantedCuts() {
 void Cut(benchmark::State& state) {
   Rig rig;
   std::vector<double> costs;
-  for (auto step : state) {
-    static_cast<void>(step);
+  for ([[maybe_unused]] auto step : state) {
     for (int cut = 0; cut < state.range(2); ++cut) {
       costs.push_back(
           rig.Cut(std::chrono::seconds(state.range(0)), std::chrono::milliseconds(state.range(1))).count());

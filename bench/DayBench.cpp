@@ -8,7 +8,7 @@ namespace kestrune::test {
 namespace {
 
 void Day(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto step : state) {
     const std::size_t before = mallinfo2().uordblks;
     DayOfRadio day({.Seed = 1, .Length = std::chrono::hours(state.range(0)), .BadMoments = false});
     day.Run();

@@ -26,7 +26,7 @@ std::string Junk(std::size_t size) {
 
 void CutAll(benchmark::State& state, const std::string& bytes) {
   std::string frame;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto step : state) {
     FrameReader reader;
     reader.BeginRun();
     reader.Append(bytes);

@@ -23,7 +23,7 @@ void Search(benchmark::State& state, DateValue day) {
     entry.EndDate = entry.StartDate.AddHours(1).AddSeconds(59);
   }
   const DueSearch search(entries, [] { return kNow; });
-  for (auto _ : state) benchmark::DoNotOptimize(search.Find());
+  for ([[maybe_unused]] auto step : state) benchmark::DoNotOptimize(search.Find());
 }
 
 void BenchWeeklyEntries(benchmark::State& state) {

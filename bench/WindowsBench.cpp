@@ -120,7 +120,7 @@ void Week(benchmark::State& state) {
   const char* told = std::getenv("KESTRUNE_BENCH_HOURS");
   const int hours = std::max(2, told != nullptr ? std::atoi(told) : kHours);
   const int before = std::min(24, hours / 2);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto step : state) {
     AllWindows windows;
     const auto play = [&windows](std::chrono::minutes length) {
       for (auto played = 0min; played < length; played += kSong) windows.PlaySong();
@@ -152,7 +152,7 @@ void RefreshWithoutAChange(benchmark::State& state) {
   AllWindows windows;
   windows.PlaySong();
   windows.Settle();
-  for (auto _ : state) windows.Refresh();
+  for ([[maybe_unused]] auto step : state) windows.Refresh();
 }
 BENCHMARK(RefreshWithoutAChange);
 
@@ -189,7 +189,7 @@ class BoundChannels : public ChannelsFixture {
 void ChannelRowUpdate(benchmark::State& state) {
   BoundChannels channels;
   int song = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto step : state) {
     ++song;
     channels.Play(song % kChannels + 1, song);
     channels.Show(state.range(0) != 0);
