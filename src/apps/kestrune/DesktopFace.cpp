@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -52,7 +51,7 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
-  sessionEnd_.emplace(std::move(command), [&unit] { unit.RequestClose(); });
+  sessionEnd_.emplace(command, [&unit] { unit.RequestClose(); });
 }
 
 void DesktopFace::Detach() {

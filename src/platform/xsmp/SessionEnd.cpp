@@ -72,11 +72,11 @@ struct SessionEnd::Connection {
   [[nodiscard]] IceConn Line() const { return SmcGetIceConnection(Client); }
 };
 
-SessionEnd::SessionEnd(std::vector<std::string> command, std::function<void()> handler)
-    : command_(std::move(command)), handler_(std::move(handler)) {
+SessionEnd::SessionEnd(const std::vector<std::string>& command, std::function<void()> handler)
+    : handler_(std::move(handler)) {
   Open();
   if (connection_ == nullptr) return;
-  Introduce();
+  Introduce(command);
   const int socket = IceConnectionNumber(connection_->Line());
   base::Ignored(::fcntl(socket, F_SETFD, FD_CLOEXEC));
   notifier_ = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
@@ -124,12 +124,12 @@ void SessionEnd::Open() {
   if (client != nullptr) connection_ = std::make_unique<Connection>(Connection{client});
 }
 
-void SessionEnd::Introduce() {
+void SessionEnd::Introduce(const std::vector<std::string>& command) {
   SmcConn const client = connection_->Client;
-  SetProperty(client, SmProgram, SmARRAY8, {command_.front()});
+  SetProperty(client, SmProgram, SmARRAY8, {command.front()});
   SetProperty(client, SmUserID, SmARRAY8, {fmt::to_string(::getuid())});
-  SetProperty(client, SmCloneCommand, SmLISTofARRAY8, command_);
-  SetProperty(client, SmRestartCommand, SmLISTofARRAY8, command_);
+  SetProperty(client, SmCloneCommand, SmLISTofARRAY8, command);
+  SetProperty(client, SmRestartCommand, SmLISTofARRAY8, command);
 }
 
 void SessionEnd::Read() {

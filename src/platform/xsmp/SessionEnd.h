@@ -21,7 +21,7 @@ class SessionEnd {
  public:
   /// The handler is called from the loop, once at most, and must leave this object alone. `command` starts the
   /// program again: its path, then its arguments.
-  SessionEnd(std::vector<std::string> command, std::function<void()> handler);
+  SessionEnd(const std::vector<std::string>& command, std::function<void()> handler);
   ~SessionEnd();
   SessionEnd(const SessionEnd&) = delete;
   SessionEnd& operator=(const SessionEnd&) = delete;
@@ -33,12 +33,11 @@ class SessionEnd {
   struct Connection;  // keeps the macros of the protocol's headers out of this one
 
   void Open();
-  void Introduce();
+  void Introduce(const std::vector<std::string>& command);
   void Read();
   void Ending();
   void Disconnect();
 
-  std::vector<std::string> command_;
   std::function<void()> handler_;
   bool told_ = false;
   bool kept_ = false;  ///< the session manager waits for an answer
