@@ -3,7 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "radio/FrameReader.h"
+#include "radio/line/FrameReader.h"
 
 namespace {
 

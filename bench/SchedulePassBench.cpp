@@ -4,8 +4,8 @@
 #include <benchmark/benchmark.h>
 
 #include "base/DateValue.h"
-#include "schedule/DueSearch.h"
-#include "schedule/ScheduleEntry.h"
+#include "schedule/entries/DueSearch.h"
+#include "schedule/entries/ScheduleEntry.h"
 
 namespace {
 

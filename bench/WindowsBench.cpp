@@ -16,8 +16,8 @@
 #include <malloc.h>
 
 #include "base/Ignored.h"
-#include "radio/ChannelChooser.h"
-#include "radio/ChannelsFixture.h"
+#include "presenters/ChannelChooser.h"
+#include "radio/channels/ChannelsFixture.h"
 #include "windows/UnitWindowsRig.h"
 #include "windows/frmChannels.h"
 

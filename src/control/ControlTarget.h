@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "control/Reports.h"
-#include "schedule/Restrictions.h"
+#include "schedule/lists/Restrictions.h"
 
 namespace kestrune::control {
 

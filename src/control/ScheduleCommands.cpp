@@ -6,8 +6,8 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
-#include "schedule/NextRun.h"
-#include "schedule/SchedulerMoment.h"
+#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/NextRun.h"
 
 namespace kestrune::control {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "base/DateValue.h"
 #include "control/Reports.h"
-#include "schedule/ScheduleEntry.h"
-#include "schedule/ScheduleState.h"
-#include "schedule/Scheduler.h"
+#include "presenters/Scheduler.h"
+#include "schedule/entries/ScheduleEntry.h"
+#include "schedule/entries/ScheduleState.h"
 
 namespace kestrune::control {
 

@@ -5,8 +5,8 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
-#include "schedule/SchedulerMoment.h"
-#include "schedule/SchedulerSettings.h"
+#include "presenters/SchedulerMoment.h"
+#include "presenters/SchedulerSettings.h"
 
 namespace kestrune::control {
 namespace {

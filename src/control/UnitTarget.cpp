@@ -6,7 +6,7 @@
 
 #include "base/Text.h"
 #include "base/Version.h"
-#include "config/VersionFile.h"
+#include "config/update/VersionFile.h"
 #include "control/ConsoleText.h"
 #include "control/ScheduleCommands.h"
 

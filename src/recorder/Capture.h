@@ -4,10 +4,10 @@
 #include <string>
 
 #include "base/Journal.h"
-#include "config/FileSpecs.h"
-#include "config/Settings.h"
+#include "config/formats/FileSpecs.h"
+#include "config/settings/Settings.h"
 #include "platform/Files.h"
-#include "radio/RadioState.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/AudioObjects.h"
 #include "recorder/RecordingState.h"
 

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "base/EventLoop.h"
-#include "config/Settings.h"
-#include "radio/RadioSession.h"
+#include "config/settings/Settings.h"
+#include "radio/line/RadioSession.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordingState.h"
 #include "recorder/Windows.h"
-#include "schedule/Restrictions.h"
-#include "schedule/ScheduleState.h"
+#include "schedule/entries/ScheduleState.h"
+#include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
 

@@ -5,7 +5,7 @@
 
 #include "base/Journal.h"
 #include "base/RunState.h"
-#include "radio/ChannelEntry.h"
+#include "radio/channels/ChannelEntry.h"
 #include "recorder/MainWindow.h"
 #include "recorder/RecordingState.h"
 

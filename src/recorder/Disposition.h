@@ -5,13 +5,13 @@
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
-#include "config/FileSpecs.h"
-#include "config/Settings.h"
+#include "config/formats/FileSpecs.h"
+#include "config/settings/Settings.h"
 #include "platform/Files.h"
-#include "radio/RadioState.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordingState.h"
-#include "schedule/Restrictions.h"
+#include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
 

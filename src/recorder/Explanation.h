@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "radio/RadioState.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordingState.h"
-#include "schedule/Restrictions.h"
+#include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
 

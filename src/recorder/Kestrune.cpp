@@ -6,7 +6,7 @@
 #include "base/Ignored.h"
 #include "base/Text.h"
 #include "recorder/Explanation.h"
-#include "schedule/ReloadSchedule.h"
+#include "schedule/entries/ReloadSchedule.h"
 
 namespace kestrune::recorder {
 namespace {

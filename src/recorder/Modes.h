@@ -1,8 +1,8 @@
 #pragma once
 
-#include "config/Settings.h"
+#include "config/settings/Settings.h"
 #include "recorder/MainWindow.h"
-#include "schedule/ScheduleState.h"
+#include "schedule/entries/ScheduleState.h"
 
 namespace kestrune::recorder {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/EventLoop.h"
-#include "radio/RadioSession.h"
-#include "radio/RadioState.h"
+#include "radio/channels/RadioState.h"
+#include "radio/line/RadioSession.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordingState.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/RunState.h"
-#include "config/Settings.h"
+#include "config/settings/Settings.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Windows.h"
 

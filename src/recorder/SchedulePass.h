@@ -4,14 +4,14 @@
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
-#include "radio/Channels.h"
-#include "radio/RadioState.h"
+#include "radio/channels/Channels.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/MainWindow.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/RecordingState.h"
-#include "schedule/DueSearch.h"
-#include "schedule/ScheduleEntry.h"
-#include "schedule/ScheduleState.h"
+#include "schedule/entries/DueSearch.h"
+#include "schedule/entries/ScheduleEntry.h"
+#include "schedule/entries/ScheduleState.h"
 
 namespace kestrune::recorder {
 

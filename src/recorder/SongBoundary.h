@@ -3,10 +3,10 @@
 #include <cstdint>
 
 #include "base/EventLoop.h"
-#include "config/Settings.h"
+#include "config/settings/Settings.h"
 #include "platform/Files.h"
-#include "radio/Channels.h"
-#include "radio/RadioState.h"
+#include "radio/channels/Channels.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/Capture.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"

@@ -5,13 +5,13 @@
 
 #include "base/Ignored.h"
 #include "base/Version.h"
-#include "config/SettingKeys.h"
-#include "config/TransferSettings.h"
-#include "radio/SerMouseKill.h"
+#include "config/settings/SettingKeys.h"
+#include "config/settings/TransferSettings.h"
+#include "radio/line/SerMouseKill.h"
 #include "recorder/InputDevices.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
-#include "schedule/UserDataFolder.h"
+#include "schedule/log/UserDataFolder.h"
 
 namespace kestrune::recorder {
 namespace {

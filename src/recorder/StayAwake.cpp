@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "schedule/NextRun.h"
+#include "schedule/entries/NextRun.h"
 
 namespace kestrune::recorder {
 namespace {

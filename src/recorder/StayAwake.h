@@ -5,8 +5,8 @@
 #include "base/EventLoop.h"
 #include "platform/SleepInhibitor.h"
 #include "recorder/RecordingState.h"
-#include "schedule/ScheduleEntry.h"
-#include "schedule/ScheduleState.h"
+#include "schedule/entries/ScheduleEntry.h"
+#include "schedule/entries/ScheduleState.h"
 
 namespace kestrune::recorder {
 

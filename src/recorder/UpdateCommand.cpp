@@ -4,8 +4,8 @@
 
 #include "base/Ignored.h"
 #include "base/Words.h"
-#include "config/Endpoints.h"
-#include "radio/ExecWait.h"
+#include "config/update/Endpoints.h"
+#include "platform/ExecWait.h"
 
 namespace kestrune::recorder {
 

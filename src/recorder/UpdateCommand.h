@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/RunState.h"
-#include "config/UpdateCheck.h"
-#include "config/Updating.h"
+#include "config/update/UpdateCheck.h"
+#include "config/update/Updating.h"
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
 

@@ -4,8 +4,8 @@
 
 #include "base/EventLoop.h"
 #include "base/RunState.h"
-#include "radio/Channels.h"
-#include "radio/RadioState.h"
+#include "radio/channels/Channels.h"
+#include "radio/channels/RadioState.h"
 #include "recorder/Display.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordCommands.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/RunState.h"
-#include "config/Settings.h"
-#include "config/SettingsSection.h"
+#include "config/settings/Settings.h"
+#include "config/settings/SettingsSection.h"
 #include "recorder/MainWindow.h"
 #include "recorder/Windows.h"
 

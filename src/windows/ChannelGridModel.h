@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "radio/ChannelGrid.h"
+#include "radio/channels/ChannelGrid.h"
 
 namespace kestrune::windows {
 

@@ -3,7 +3,7 @@
 #include <QComboBox>
 #include <functional>
 
-#include "config/ChoiceList.h"
+#include "presenters/ChoiceList.h"
 
 class QSlider;
 class QWidget;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
 
 class QWidget;
 

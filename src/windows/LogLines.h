@@ -2,7 +2,7 @@
 
 #include <QAbstractListModel>
 
-#include "schedule/LogList.h"
+#include "schedule/log/LogList.h"
 
 namespace kestrune::windows {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "config/FormatOptions.h"
+#include "presenters/FormatOptions.h"
 #include "windows/OptionDialog.h"
 
 class QRadioButton;

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
 
 class QWidget;
 

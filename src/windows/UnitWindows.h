@@ -1,14 +1,14 @@
 #pragma once
 
-#include "config/Configuration.h"
-#include "config/MixerWindow.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Mixer.h"
 #include "platform/Shell.h"
+#include "presenters/Configuration.h"
+#include "presenters/LogWindow.h"
+#include "presenters/MixerWindow.h"
 #include "recorder/Kestrune.h"
-#include "schedule/LogWindow.h"
 #include "windows/Desktop.h"
 
 namespace kestrune::windows {

@@ -4,8 +4,8 @@
 #include <array>
 #include <functional>
 
-#include "config/SettingsSection.h"
-#include "radio/ChannelChooser.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/ChannelChooser.h"
 
 namespace kestrune::windows {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/Configuration.h"
+#include "presenters/Configuration.h"
 
 class QCheckBox;
 class QComboBox;

@@ -2,8 +2,8 @@
 
 #include <QDialog>
 
-#include "config/SettingsSection.h"
-#include "schedule/DateSelect.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/DateSelect.h"
 
 class QCalendarWidget;
 class QDate;

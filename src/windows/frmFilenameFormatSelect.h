@@ -3,8 +3,8 @@
 #include <QDialog>
 #include <vector>
 
-#include "config/FilenameFormatSelect.h"
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/FilenameFormatSelect.h"
 
 class QPushButton;
 

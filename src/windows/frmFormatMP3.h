@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/Mp3Options.h"
+#include "presenters/Mp3Options.h"
 #include "windows/OptionDialog.h"
 
 class QCheckBox;

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "config/OggOptions.h"
+#include "presenters/OggOptions.h"
 #include "windows/OptionDialog.h"
 
 class QCheckBox;

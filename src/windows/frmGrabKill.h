@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-#include "schedule/GrabKill.h"
+#include "presenters/GrabKill.h"
 
 namespace kestrune::windows {
 

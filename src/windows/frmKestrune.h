@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "radio/Presets.h"
+#include "presenters/Presets.h"
 #include "recorder/Kestrune.h"
 
 class QAction;

@@ -8,7 +8,7 @@
 
 #include "base/OneLine.h"
 #include "base/Text.h"
-#include "radio/LineFont.h"
+#include "presenters/LineFont.h"
 #include "windows/Binding.h"
 #include "windows/HotKeys.h"
 #include "windows/NowButtonFace.h"

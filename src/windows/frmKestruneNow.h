@@ -4,9 +4,9 @@
 #include <array>
 #include <functional>
 
-#include "config/SettingsSection.h"
-#include "radio/NowScreen.h"
-#include "radio/Presets.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/NowScreen.h"
+#include "presenters/Presets.h"
 
 class QLabel;
 

@@ -3,8 +3,8 @@
 #include <QWidget>
 #include <functional>
 
-#include "config/SettingsSection.h"
-#include "schedule/LogWindow.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/LogWindow.h"
 
 class QListView;
 

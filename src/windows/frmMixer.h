@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
-#include "config/MixerWindow.h"
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/MixerWindow.h"
 
 class QCheckBox;
 class QGridLayout;

@@ -3,8 +3,8 @@
 #include <QDialog>
 #include <array>
 
-#include "config/SettingsSection.h"
-#include "radio/PresetSetup.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/PresetSetup.h"
 
 class QComboBox;
 

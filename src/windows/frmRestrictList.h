@@ -6,8 +6,8 @@
 #include <functional>
 
 #include "base/RunState.h"
-#include "config/SettingsSection.h"
-#include "schedule/RestrictListEditor.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/RestrictListEditor.h"
 
 class QLineEdit;
 class QListWidget;

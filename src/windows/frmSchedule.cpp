@@ -24,7 +24,7 @@
 #include <fmt/core.h>
 
 #include "base/Text.h"
-#include "schedule/DateSelect.h"
+#include "presenters/DateSelect.h"
 #include "windows/Binding.h"
 #include "windows/RememberedPlace.h"
 #include "windows/frmDateSelect.h"

@@ -8,8 +8,8 @@
 
 #include "base/EventLoop.h"
 #include "base/RunState.h"
-#include "config/SettingsSection.h"
-#include "schedule/Scheduler.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/Scheduler.h"
 
 class QCheckBox;
 class QComboBox;

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "config/Updating.h"
+#include "config/update/Updating.h"
 
 class QLabel;
 class QProgressBar;

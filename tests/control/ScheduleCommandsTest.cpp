@@ -2,7 +2,7 @@
 
 #include "control/ReportJson.h"
 #include "control/ScheduleCommands.h"
-#include "schedule/SchedulerFixture.h"
+#include "presenters/SchedulerFixture.h"
 
 namespace kestrune::control {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "control/ScheduleWords.h"
-#include "schedule/SchedulerMoment.h"
+#include "presenters/SchedulerMoment.h"
 
 namespace kestrune::control {
 namespace {

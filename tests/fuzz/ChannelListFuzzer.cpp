@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "radio/ChannelListFile.h"
-#include "radio/ChannelTable.h"
+#include "radio/channels/ChannelListFile.h"
+#include "radio/channels/ChannelTable.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "schedule/Restrictions.h"
+#include "schedule/lists/Restrictions.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 

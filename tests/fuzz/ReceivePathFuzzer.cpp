@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "radio/Channels.h"
-#include "radio/FrameReader.h"
-#include "radio/RadioSession.h"
+#include "radio/channels/Channels.h"
+#include "radio/line/FrameReader.h"
+#include "radio/line/RadioSession.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingJournal.h"
 #include "support/ScriptedSerialPort.h"

@@ -12,10 +12,10 @@
 
 #include "base/DateValue.h"
 #include "base/Text.h"
-#include "schedule/DueSearch.h"
-#include "schedule/NextRun.h"
-#include "schedule/ReloadSchedule.h"
-#include "schedule/SchedulerSettings.h"
+#include "presenters/SchedulerSettings.h"
+#include "schedule/entries/DueSearch.h"
+#include "schedule/entries/NextRun.h"
+#include "schedule/entries/ReloadSchedule.h"
 
 using namespace kestrune;
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "config/UpdateCheck.h"
+#include "config/update/UpdateCheck.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeWeb.h"
 #include "support/MemoryFiles.h"

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "config/Configuration.h"
-#include "config/SettingKeys.h"
+#include "config/settings/SettingKeys.h"
+#include "presenters/Configuration.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include "config/ConfigurationRig.h"
+#include "presenters/ConfigurationRig.h"
 #include "windows/Controls.h"
 #include "windows/frmConfig.h"
 

@@ -16,7 +16,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include "config/ConfigurationRig.h"
+#include "presenters/ConfigurationRig.h"
 #include "windows/Controls.h"
 #include "windows/frmFilenameFormatSelect.h"
 #include "windows/frmFormatG726.h"

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
 #include "support/MemorySettingsStore.h"
 #include "windows/RememberedPlace.h"
 

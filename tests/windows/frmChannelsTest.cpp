@@ -9,8 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "radio/ChannelChooser.h"
-#include "radio/ChannelsFixture.h"
+#include "presenters/ChannelChooser.h"
+#include "radio/channels/ChannelsFixture.h"
 #include "support/MemorySettingsStore.h"
 #include "windows/frmChannels.h"
 

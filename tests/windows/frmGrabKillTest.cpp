@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "schedule/GrabKill.h"
+#include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedDialogs.h"

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "radio/ChannelsFixture.h"
-#include "radio/NowScreen.h"
+#include "presenters/NowScreen.h"
+#include "radio/channels/ChannelsFixture.h"
 #include "support/MemorySettingsStore.h"
 #include "windows/frmKestruneNow.h"
 

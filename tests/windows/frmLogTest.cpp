@@ -11,8 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "config/SettingsSection.h"
-#include "schedule/LogWindow.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/LogWindow.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 #include "support/MemorySettingsStore.h"

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "config/MixerWindow.h"
-#include "config/SettingsSection.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/MixerWindow.h"
 #include "support/FakeMixer.h"
 #include "support/MemorySettingsStore.h"
 #include "windows/frmMixer.h"

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "radio/ChannelsFixture.h"
-#include "radio/PresetSetup.h"
+#include "presenters/PresetSetup.h"
+#include "radio/channels/ChannelsFixture.h"
 #include "support/MemorySettingsStore.h"
 #include "windows/frmPresets.h"
 

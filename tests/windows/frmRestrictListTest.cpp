@@ -13,8 +13,8 @@
 #include <malloc.h>
 
 #include "base/RunState.h"
-#include "config/SettingsSection.h"
-#include "schedule/GrabKill.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 #include "support/MemorySettingsStore.h"

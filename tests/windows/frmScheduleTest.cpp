@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include "schedule/SchedulerFixture.h"
+#include "presenters/SchedulerFixture.h"
 #include "windows/frmDateSelect.h"
 #include "windows/frmSchedule.h"
 

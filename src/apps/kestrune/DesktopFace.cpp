@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "config/Endpoints.h"
+#include "config/update/Endpoints.h"
 #include "platform/posix/SideFiles.h"
 
 namespace kestrune::apps {

@@ -14,8 +14,8 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
+#include "platform/posix/SerialDeviceCheck.h"
 #include "platform/qt/QtEventLoop.h"
-#include "platform/qt/SerialDeviceCheck.h"
 
 namespace kestrune::platform {
 namespace {

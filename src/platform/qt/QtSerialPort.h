@@ -9,7 +9,7 @@
 
 #include "base/EventLoop.h"
 #include "platform/SerialPort.h"
-#include "platform/qt/PortMap.h"
+#include "platform/posix/PortMap.h"
 
 namespace kestrune::platform {
 

@@ -7,14 +7,14 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "config/FileSpecs.h"
-#include "config/FormatOptions.h"
-#include "config/Mp3Options.h"
-#include "config/OggOptions.h"
+#include "config/formats/FileSpecs.h"
 #include "platform/codec/Decoders.h"
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/Mp3Frames.h"
 #include "platform/codec/Signals.h"
+#include "presenters/FormatOptions.h"
+#include "presenters/Mp3Options.h"
+#include "presenters/OggOptions.h"
 #include "support/MemorySettingsStore.h"
 
 namespace kestrune::test {

@@ -7,8 +7,8 @@
 #include <sys/types.h>
 
 #include "TemporaryFolder.h"
+#include "platform/ExecWait.h"
 #include "platform/posix/PosixProcesses.h"
-#include "radio/ExecWait.h"
 #include "support/RealEventLoop.h"
 
 namespace kestrune::test {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "WebApplication.h"
-#include "config/HttpGet.h"
+#include "config/update/HttpGet.h"
 #include "platform/qtweb/QtWeb.h"
 #include "support/LoopbackServer.h"
 

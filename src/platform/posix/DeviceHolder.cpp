@@ -1,0 +1,73 @@
+#include "platform/posix/DeviceHolder.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace kestrune::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+int ProcessIdOf(const std::string& name) {
+  int id = 0;
+  const char* const nameEnd = name.data() + name.size();
+  const auto [end, error] = std::from_chars(name.data(), nameEnd, id);
+  return error == std::errc{} && end == nameEnd ? id : 0;
+}
+
+/// Processes come and go while they are looked at, and others' are closed to us: each failure just means
+/// "no".
+bool HasOpen(const fs::path& process, const fs::path& device) {
+  std::error_code error;
+  for (fs::directory_iterator file(process / "fd", error), end; !error && file != end;
+       file.increment(error)) {
+    std::error_code unreadable;
+    if (fs::read_symlink(file->path(), unreadable) == device && !unreadable) return true;
+  }
+  return false;
+}
+
+std::string NameOf(const fs::path& process) {
+  std::string name;
+  std::ifstream comm(process / "comm");
+  std::getline(comm, name);
+  return name;
+}
+
+}  // namespace
+
+DeviceHolder FindDeviceHolder(const std::string& path) {
+  std::error_code error;
+  const fs::path device = fs::canonical(path, error);
+  if (error) return {};
+  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
+       process.increment(error)) {
+    const int id = ProcessIdOf(process->path().filename().string());
+    if (id == 0 || !HasOpen(process->path(), device)) continue;
+    return {id, NameOf(process->path())};
+  }
+  return {};
+}
+
+std::vector<std::string> RunningLineServices() {
+  constexpr std::array<std::string_view, 3> kServices{"ModemManager", "brltty", "gpsd"};
+  std::vector<std::string> running;
+  std::error_code error;
+  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
+       process.increment(error)) {
+    if (ProcessIdOf(process->path().filename().string()) == 0) continue;
+    std::string name = NameOf(process->path());
+    const bool counts = std::find(kServices.begin(), kServices.end(), name) != kServices.end();
+    if (counts && std::find(running.begin(), running.end(), name) == running.end()) {
+      running.push_back(std::move(name));
+    }
+  }
+  std::sort(running.begin(), running.end());
+  return running;
+}
+
+}  // namespace kestrune::platform

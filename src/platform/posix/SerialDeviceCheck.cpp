@@ -1,0 +1,89 @@
+#include "platform/posix/SerialDeviceCheck.h"
+
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <grp.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "platform/posix/DeviceHolder.h"
+
+namespace kestrune::platform {
+namespace {
+
+/// These are called from the main thread alone, so the C library's own buffers serve.
+std::string UserName() {
+  const passwd* const user = ::getpwuid(::geteuid());
+  return user != nullptr ? user->pw_name : std::to_string(::geteuid());
+}
+
+bool ListsUser(const group& group, std::string_view user) {
+  for (char** member = group.gr_mem; *member != nullptr; ++member) {
+    if (user == *member) return true;
+  }
+  return false;
+}
+
+std::string WithoutPermission(const std::string& path, const struct stat& status) {
+  constexpr mode_t kGroupMayUse = S_IRGRP | S_IWGRP;
+  const group* const owner = ::getgrgid(status.st_gid);
+  if (owner == nullptr || (status.st_mode & kGroupMayUse) != kGroupMayUse) {
+    return fmt::format("There is no permission to use {}, and no group that has it.", path);
+  }
+  const std::string user = UserName();
+  const std::string_view group = owner->gr_name;
+  if (ListsUser(*owner, user)) {
+    return fmt::format(
+        "There is no permission to use {} yet. {} is in the group {}, but this session began before: log out "
+        "and "
+        "in again.",
+        path, user, group);
+  }
+  return fmt::format(
+      "There is no permission to use {}. It belongs to the group {}: type \"sudo usermod -aG {} {}\" in a "
+      "terminal, then log out and in again.",
+      path, group, group, user);
+}
+
+}  // namespace
+
+std::string WhySerialDeviceCannotOpen(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR) {
+      return fmt::format("There is no device {}. Is the radio plugged in?", path);
+    }
+    return fmt::format("{} cannot be used: {}.", path, std::strerror(errno));
+  }
+  // Memory devices (major 1: null, zero, random, ...) are the character devices that are surely no lines.
+  constexpr unsigned kMemoryDevices = 1;
+  if (!S_ISCHR(status.st_mode) || major(status.st_rdev) == kMemoryDevices) {
+    return fmt::format("{} is not a serial device.", path);
+  }
+  if (::faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) != 0)
+    return WithoutPermission(path, status);
+  const DeviceHolder holder = FindDeviceHolder(path);
+  if (holder.ProcessId == 0) return {};
+  if (holder.ProcessId == ::getpid()) {
+    return fmt::format("{} is in use by this program already ({}, process {}).", path, holder.Name,
+                       holder.ProcessId);
+  }
+  return fmt::format("{} is in use by {} (process {}). Close that program first.", path, holder.Name,
+                     holder.ProcessId);
+}
+
+std::string WhoMayHoldSerialDevice() {
+  const std::vector<std::string> services = RunningLineServices();
+  if (services.empty()) return {};
+  return fmt::format(" {} {} here, and may hold it; docs/headless.md tells how to keep such services away.",
+                     fmt::join(services, " and "), services.size() == 1 ? "runs" : "run");
+}
+
+}  // namespace kestrune::platform

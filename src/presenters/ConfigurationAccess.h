@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "config/formats/FileSpecs.h"
+#include "config/settings/Settings.h"
+#include "config/settings/SettingsSection.h"
+#include "platform/Dialogs.h"
+#include "platform/Environment.h"
+
+namespace kestrune::config {
+
+/// What the configuration works on: the settings of the running program, and the doors through which a change
+/// takes effect. All of it must outlive what is built on it.
+struct ConfigurationAccess {
+  config::Settings& Settings;
+  const SettingsSection& Section;
+  config::FileSpecs& FileSpecs;
+  platform::Dialogs& Dialogs;
+  const platform::Environment& Environment;
+  /// The usable input devices, each as its name, "#", its index and "%".
+  std::function<std::string()> Devices;
+  /// Stops what is being recorded; runs before another file format is taken over.
+  std::function<void()> cmdStop;
+  /// Runs after a save that chose another input device.
+  std::function<void()> DeviceChanged;
+};
+
+}  // namespace kestrune::config

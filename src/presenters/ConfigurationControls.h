@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "presenters/ChoiceList.h"
+
+namespace kestrune::config {
+
+/// What the configuration window shows.
+struct ConfigurationControls {
+  ChoiceList cboMinLength;   ///< seconds
+  ChoiceList cboMaxLength;   ///< seconds
+  ChoiceList cboSongDelay;   ///< milliseconds
+  ChoiceList cboFileFormat;  ///< the codes as texts
+  ChoiceList cboDevice;      ///< indexes of the recorder's devices
+  std::string txtFileDir;
+  std::string txtFilenameFormat;
+  std::string lblFormatSpecifications;
+  bool chkAGCEnabled = false;
+  /// The spin controls and labels of the three numbers; the text boxes stay.
+  bool AGCSpinsVisible = false;
+  std::string txtAGCLowLevel;
+  std::string txtAGCHighLevel;
+  std::string txtAGCAttackTime;
+  bool chkDuplicates = false;
+  bool chkTaskBarMinimized = false;
+};
+
+}  // namespace kestrune::config

@@ -1,0 +1,123 @@
+#include "presenters/FormatOptions.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/Ignored.h"
+#include "config/settings/SettingKeys.h"
+
+namespace kestrune::config {
+namespace {
+
+constexpr std::string_view kRateFrame = "Sample Rate (Hz)";
+constexpr std::string_view kRateTip = "Select sample rate";
+constexpr std::string_view kChannelsTip = "Select number of channels to record";
+constexpr std::string_view kBitsTip = "Select sample bit size";
+
+/// A group that reads and writes the field at the end of a way of members.
+template <auto Record, auto Field>
+constexpr OptionGroup Group(std::string_view name, std::string_view frame,
+                            std::span<const OptionButton> buttons) {
+  return {name, frame, buttons,
+          [](const Settings& settings) { return static_cast<std::int32_t>(settings.*Record.*Field); },
+          [](Settings& settings, std::int32_t value) {
+            auto& field = settings.*Record.*Field;
+            field = static_cast<std::remove_reference_t<decltype(field)>>(value);
+          }};
+}
+
+constexpr OptionButton kRawCompressions[] = {
+    {"8-bit mu-Law ", 3, "Select compression type"},
+    {"8-bit A-Law ", 2, "Select compression type"},
+    {"16-bit PCM", 1, "Select compression type"},
+};
+constexpr OptionButton kRawChannels[] = {{"Stereo", 2, kChannelsTip}, {"Mono", 1, kChannelsTip}};
+constexpr OptionButton kRawRates[] = {
+    {"6000", 6000, kRateTip},   {"8000", 8000, kRateTip},   {"11025 ", 11025, kRateTip},
+    {"12000", 12000, kRateTip}, {"16000", 16000, kRateTip}, {"22050", 22050, kRateTip},
+    {"24000", 24000, kRateTip}, {"32000", 32000, kRateTip}, {"44100", 44100, kRateTip},
+    {"48000", 48000, kRateTip},
+};
+constexpr OptionGroup kRawGroups[] = {
+    Group<&Settings::FormatRAW, &FormatRAW::Compression>("optCompression", "Compression", kRawCompressions),
+    Group<&Settings::FormatRAW, &FormatRAW::Channels>("optChannels", "Channels", kRawChannels),
+    Group<&Settings::FormatRAW, &FormatRAW::Frequency>("optFrequency", kRateFrame, kRawRates),
+};
+
+constexpr OptionButton kRates[] = {
+    {"8000", 8000, kRateTip},   {"11025", 11025, kRateTip}, {"16000", 16000, kRateTip},
+    {"22050", 22050, kRateTip}, {"24000", 24000, kRateTip}, {"32000", 32000, kRateTip},
+    {"44100", 44100, kRateTip}, {"48000", 48000, kRateTip},
+};
+constexpr OptionGroup kVoxGroups[] = {
+    Group<&Settings::FormatVOX, &FormatVOX::Frequency>("optFrequency", kRateFrame, kRates),
+};
+
+// The tip of "Stereo" speaks of bits: it has always done so.
+constexpr OptionButton kWavChannels[] = {{"Stereo", 2, kBitsTip}, {"Mono", 1, kChannelsTip}};
+constexpr OptionButton kWavBits[] = {{"16 Bits", 16, kBitsTip}, {"8 Bits", 8, kBitsTip}};
+constexpr OptionGroup kWavGroups[] = {
+    Group<&Settings::FormatWAV, &FormatWAV::Channels>("optChannels", "Channels", kWavChannels),
+    Group<&Settings::FormatWAV, &FormatWAV::Bits>("optBits", "Bits Per Sample", kWavBits),
+    Group<&Settings::FormatWAV, &FormatWAV::Frequency>("optFrequency", kRateFrame, kRates),
+};
+
+constexpr std::string_view k726BitsTip = "Select number of bits per sample to record";
+constexpr std::string_view k726RateTip = "Select sample rate for this format";
+constexpr OptionButton k726Bits[] = {{"2 bit ", 2, k726BitsTip},
+                                     {"3 bit", 3, k726BitsTip},
+                                     {"4 bit ", 4, k726BitsTip},
+                                     {"5 bit", 5, k726BitsTip}};
+constexpr OptionButton k726Rates[] = {
+    {"6000", 6000, k726RateTip},   {"8000", 8000, k726RateTip},   {"11025", 11025, k726RateTip},
+    {"12000", 12000, k726RateTip}, {"16000", 16000, k726RateTip}, {"22050", 22050, k726RateTip},
+    {"24000", 24000, k726RateTip}, {"32000", 32000, k726RateTip}, {"44100", 44100, k726RateTip},
+    {"48000", 48000, k726RateTip},
+};
+constexpr OptionGroup k726Groups[] = {
+    Group<&Settings::Format726, &Format726::Bits>("optADPCM", "Bits Per Sample", k726Bits),
+    Group<&Settings::Format726, &Format726::Frequency>("optFrequency", kRateFrame, k726Rates),
+};
+
+constexpr OptionWindow kWindows[] = {
+    {"RAW", "RAW Options", kRawGroups},
+    {"VOX", "VOX Options", kVoxGroups},
+    {"WAV", "WAV Options", kWavGroups},
+    {"G726", "Set CCUIT G.726 Format", k726Groups},
+};
+
+}  // namespace
+
+const OptionWindow& OptionWindowOf(std::string_view fileFormat) {
+  const auto* found = std::ranges::find(kWindows, fileFormat, &OptionWindow::FileFormat);
+  return found == std::end(kWindows) ? kWindows[0] : *found;
+}
+
+FormatOptions::FormatOptions(std::string_view fileFormat, Settings& settings, const SettingsSection& section)
+    : design_(OptionWindowOf(fileFormat)), settings_(settings), section_(section) {
+  Load();
+}
+
+void FormatOptions::Load() {
+  values_.clear();
+  for (const OptionGroup& group : design_.Groups) values_.push_back(group.Read(settings_));
+}
+
+int FormatOptions::On(std::size_t group) const {
+  const std::span<const OptionButton> buttons = design_.Groups[group].Buttons;
+  const auto found = std::ranges::find(buttons, values_[group], &OptionButton::Value);
+  return found == buttons.end() ? -1 : static_cast<int>(found - buttons.begin());
+}
+
+void FormatOptions::Choose(std::size_t group, std::size_t button) {
+  values_[group] = design_.Groups[group].Buttons[button].Value;
+}
+
+void FormatOptions::cmdOK() {
+  for (std::size_t group = 0; group < values_.size(); ++group) {
+    design_.Groups[group].Write(settings_, values_[group]);
+  }
+  base::Ignored(SaveSettings(section_, settings_, FormatKeys(design_.FileFormat)));
+}
+
+}  // namespace kestrune::config

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "config/settings/Settings.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/OptionGroup.h"
+
+namespace kestrune::config {
+
+/// What the option window of RAW, VOX, WAV or G726 looks like.
+struct OptionWindow {
+  std::string_view FileFormat;  ///< its code
+  std::string_view Caption;
+  std::span<const OptionGroup> Groups;
+};
+
+inline constexpr std::string_view kButtonFormats[] = {"RAW", "VOX", "WAV", "G726"};
+/// By one of the four codes above.
+[[nodiscard]] const OptionWindow& OptionWindowOf(std::string_view fileFormat);
+
+/// The rules of such a window. It works on a copy of the format's record until `cmdOK`. A value that no button
+/// stands for sets none, and stays the record's value until the user chooses.
+class FormatOptions {
+ public:
+  /// The references must outlive this object.
+  FormatOptions(std::string_view fileFormat, Settings& settings, const SettingsSection& section);
+
+  [[nodiscard]] const OptionWindow& Design() const { return design_; }
+  /// Copies the record of the running program.
+  void Load();
+  /// The button of the group that is on; -1 if none is.
+  [[nodiscard]] int On(std::size_t group) const;
+  void Choose(std::size_t group, std::size_t button);
+  /// Takes the copy over into the running program and saves the format's keys.
+  void cmdOK();
+
+ private:
+  const OptionWindow& design_;
+  Settings& settings_;
+  const SettingsSection& section_;
+  std::vector<std::int32_t> values_;  ///< one a group
+};
+
+}  // namespace kestrune::config

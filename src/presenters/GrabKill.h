@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/Environment.h"
+#include "platform/Files.h"
+#include "presenters/RestrictListEditor.h"
+#include "schedule/lists/Restrictions.h"
+
+namespace kestrune::schedule {
+
+/// The quick addition: one question, and the artist or title on show becomes an entry of a Grab or a Kill list.
+class GrabKill {
+ public:
+  enum class Field { Artist, Song };
+
+  /// All references must outlive the object.
+  GrabKill(Restrictions& restrictions, RestrictListEditor& editor, platform::Files& files,
+           const platform::Environment& environment)
+      : restrictions_(restrictions), editor_(editor), files_(files), environment_(environment) {}
+
+  /// Shows the question's window and returns when it is closed. Without one the answer is to add nothing.
+  void SetWindow(std::function<void()> show) { show_ = std::move(show); }
+
+  /// A double click on a field. The text is a label's caption: a doubled ampersand in it stands for one.
+  void DblClick(Field field, std::string_view caption);
+
+  // What the window shows and answers.
+  [[nodiscard]] const std::string& lblQuestion() const { return lblQuestion_; }
+  /// The answer: 0 neither, 1 the Grab list, 2 the Kill list.
+  void cmdResult(std::int16_t index) { grabMode_ = index; }
+  [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
+
+  /// Adds without a question; an open editor shows the entry as well. False if the file could not be written.
+  [[nodiscard]] bool Append(RestrictList list, std::string_view fragment);
+
+ private:
+  Restrictions& restrictions_;
+  RestrictListEditor& editor_;
+  platform::Files& files_;
+  const platform::Environment& environment_;
+  std::function<void()> show_;
+  std::string lblQuestion_;
+  std::int16_t grabMode_ = 0;
+};
+
+}  // namespace kestrune::schedule

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string>
+
+#include "config/formats/BitrateTable.h"
+#include "config/settings/Settings.h"
+#include "config/settings/SettingsSection.h"
+
+namespace kestrune::config {
+
+/// Positions 1 to 6.
+[[nodiscard]] const BitrateTable& OggBitrates();
+
+/// A slider, the label that tells its choice, and the text that it shows at its handle.
+struct BitrateSlider {
+  int Position = 0;  ///< 0 for a bitrate that the table lacks: below the slider's least
+  std::string Label;
+  std::string Tip;  ///< kbit/s
+  bool Visible = true;
+};
+
+/// What the Ogg Vorbis option window shows.
+struct OggControls {
+  BitrateSlider NominalBitrate;  ///< sldrBitrate, lblBitrate
+  BitrateSlider MinBitrate;      ///< sldrMinBitrate, lblMinBitrate
+  BitrateSlider MaxBitrate;      ///< sldrMaxBitrate, lblMaxBitrate
+  int Quality = 0;               ///< sldrQuality, 0 to 1000
+  std::string QualityTip;
+  bool chkVbr = false;
+  bool chkQuality = false;
+  bool chkVbrVisible = true;
+  bool frmVbrVisible = true;
+  bool frmQualityVisible = true;  ///< frmQuality and sldrQuality
+};
+
+/// The rules of the Ogg Vorbis option window. Methods named for a control are what the user does with it.
+class OggOptions {
+ public:
+  /// The references must outlive this object.
+  OggOptions(Settings& settings, const SettingsSection& section);
+
+  [[nodiscard]] const OggControls& Controls() const { return controls_; }
+  /// Copies the record of the running program.
+  void Load();
+  // The four sliders.
+  void NominalBitrate(int position);
+  void MinBitrate(int position);
+  void MaxBitrate(int position);
+  void Quality(int value);
+  void chkVbr(bool checked);
+  void chkQuality(bool checked);
+  /// Takes the choices over into the running program and saves the format's keys.
+  void cmdOK();
+
+ private:
+  void ShowVbr();
+  void ShowQuality();
+
+  Settings& settings_;
+  const SettingsSection& section_;
+  OggControls controls_;
+};
+
+}  // namespace kestrune::config

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/Sounds.h"
+#include "radio/channels/Channels.h"
+
+namespace kestrune::radio {
+
+/// The texts of the preset buttons in the settings of the unit, by key.
+struct PresetKeys {
+  /// Empty for a key that is absent.
+  std::function<std::string(std::string_view key)> Read;
+  std::function<void(std::string_view key, std::string_view text)> Write;
+};
+
+/// A preset button as it shows itself.
+struct PresetButton {
+  std::string Caption;  ///< the stored text as it stands, its channel's number first; empty without a preset
+  std::string Tip;
+};
+
+/// The twelve preset buttons of the main window, by index 0 to 11. The now window's buttons and the function
+/// keys press them too.
+class Presets {
+ public:
+  static constexpr int kCount = 12;
+  /// Key code of the function key that, with Control alone held, presses the first button. The others follow.
+  static constexpr int kFirstKeyCode = 112;
+
+  /// All must outlive the object. `getRecordingStatus` tells whether the channel must stay as it is.
+  Presets(Channels& channels, platform::Sounds& sounds, PresetKeys keys,
+          std::function<bool()> getRecordingStatus);
+
+  /// Called for a press of a button without a preset: show the window in which presets are chosen.
+  std::function<void()> ShowPresets = [] {};
+
+  /// Fills the buttons from the settings: at the start, and whenever presets were saved.
+  void LoadPresets();
+  [[nodiscard]] const std::array<PresetButton, kCount>& Buttons() const { return buttons_; }
+  /// The number that a button's caption begins with; 0 if it begins with none.
+  [[nodiscard]] std::int16_t ChannelOf(int index) const;
+
+  /// A press: tunes the button's channel, with a sound in place of it while recording runs.
+  void cmdPresetStation_Click(int index);
+
+  [[nodiscard]] const PresetKeys& Keys() const { return keys_; }
+  [[nodiscard]] static std::string KeyOf(int index) { return "Preset" + std::to_string(index + 1); }
+  [[nodiscard]] static std::string TipOf(int index);
+
+ private:
+  Channels& channels_;
+  platform::Sounds& sounds_;
+  PresetKeys keys_;
+  std::function<bool()> getRecordingStatus_;
+  std::array<PresetButton, kCount> buttons_;
+};
+
+}  // namespace kestrune::radio

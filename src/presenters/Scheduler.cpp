@@ -1,0 +1,180 @@
+#include "presenters/Scheduler.h"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "base/DatePattern.h"
+#include "base/Ignored.h"
+#include "presenters/SchedulerCalculations.h"
+#include "schedule/entries/ConflictCheck.h"
+
+namespace kestrune::schedule {
+
+using base::DateValue;
+
+namespace {
+
+std::string CaptionOf(DateValue date) {
+  return date >= CodedDay(1) && date <= CodedDay(15) ? CodedCaption(date) : DateCaption(date);
+}
+
+}  // namespace
+
+Scheduler::Scheduler(SchedulerPorts ports, std::vector<SchedulerChannel> channels)
+    : ports_(std::move(ports)), channels_(std::move(channels)) {
+  int number = 0;
+  for (SchedulerRow& row : rows_)
+    row = ReadSchedulerRow(ports_.Settings, ++number, channels_, ports_.Loop.Now());
+}
+
+std::string Scheduler::ChannelItem(const SchedulerChannel& channel) {
+  return fmt::format("{:>3} - {}", channel.Number, channel.Station);
+}
+
+SchedulerRow& Scheduler::Changed(int index) {
+  schedDirty_ = true;
+  RowAt(index).Enabled = true;
+  return RowAt(index);
+}
+
+void Scheduler::ChooseStartTime(int index, TimeOfDay time) {
+  Changed(index).Start.Time = time;
+  CalculateEndTime(index);
+}
+
+void Scheduler::ChooseDuration(int index, int hours, int minutes) {
+  SchedulerRow& row = Changed(index);
+  row.DurationHours = hours;
+  row.DurationMinutes = minutes;
+  CalculateEndTime(index);
+}
+
+void Scheduler::ChooseEndTime(int index, TimeOfDay time) {
+  SetEnd(index, {.Caption = Row(index).End.Caption, .Time = time});
+}
+
+void Scheduler::ChooseChannel(int index, int position) {
+  Changed(index).Channel = position;
+}
+void Scheduler::TickIntegrel(int index, bool ticked) {
+  Changed(index).Integrel = ticked;
+}
+void Scheduler::TickCleftune(int index, bool ticked) {
+  Changed(index).Cleftune = ticked;
+}
+void Scheduler::TickGrab(int index, bool ticked) {
+  Changed(index).Grab = ticked;
+}
+void Scheduler::TickKill(int index, bool ticked) {
+  Changed(index).Kill = ticked;
+}
+
+void Scheduler::ChooseMP3BitRate(int index, std::string text) {
+  schedDirty_ = true;
+  RowAt(index).MP3BitRate = std::move(text);
+}
+
+void Scheduler::TickEnabled(int index, bool ticked) {
+  schedDirty_ = true;
+  RowAt(index).Enabled = ticked;
+}
+
+// The end and the bit rate stay as they are.
+void Scheduler::cmdClear(int index) {
+  SchedulerRow& row = RowAt(index);
+  SchedulerRow cleared = EmptySchedulerRow(ports_.Loop.Now());
+  cleared.Channel = channels_.empty() ? -1 : 0;
+  cleared.End = std::move(row.End);
+  cleared.MP3BitRate = std::move(row.MP3BitRate);
+  row = std::move(cleared);
+  schedDirty_ = true;
+}
+
+DateValue Scheduler::DateForPicker(const SchedulerMoment& moment) const {
+  const DateValue now = ports_.Loop.Now();
+  return moment.Recurs() ? now : base::ParseDate(moment.Caption).value_or(now);
+}
+
+void Scheduler::cmdStartDate(int index, const std::function<void()>& picker) {
+  SelDate = DateForPicker(Row(index).Start);
+  picker();
+  SetStartDate(index, SelDate);
+}
+
+void Scheduler::cmdEndDate(int index, const std::function<void()>& picker) {
+  SelDate = DateForPicker(Row(index).End);
+  picker();
+  SetEndDate(index, SelDate);
+}
+
+void Scheduler::SetStartDate(int index, DateValue date) {
+  Changed(index).Start.Caption = CaptionOf(date);
+  CalculateEndTime(index);
+}
+
+void Scheduler::SetEndDate(int index, DateValue date) {
+  SelDate = Row(index).Start.IsDaily() ? CodedDay(15) : date;
+  SetEnd(index, {.Caption = CaptionOf(SelDate), .Time = Row(index).End.Time});
+}
+
+void Scheduler::SetEnd(int index, SchedulerMoment end) {
+  Changed(index).End = std::move(end);
+  CalculateDuration(index);
+}
+
+// Each calculation sets the controls that the other one follows, hence the guard.
+void Scheduler::CalculateEndTime(int index) {
+  if (calculating_) return;
+  calculating_ = true;
+  SetEnd(index, EndTimeOf(Row(index)));
+  calculating_ = false;
+}
+
+void Scheduler::CalculateDuration(int index) {
+  if (calculating_) return;
+  calculating_ = true;
+  const int minutes = DurationOf(Row(index));
+  ChooseDuration(index, minutes / 60, minutes % 60);
+  SetEnd(index, EndTimeOf(Row(index)));
+  calculating_ = false;
+}
+
+bool Scheduler::IsStored(int index) const {
+  return !ports_.Settings.Read("ScheduleStartDate" + std::to_string(index + 1), {}).empty();
+}
+
+std::optional<std::string> Scheduler::SaveRow(int index) {
+  if (auto conflict = WhatConflicts(rows_)) return conflict;
+  if (SaveSchedulerRow(ports_.Settings, index + 1, channels_, RowAt(index))) return std::nullopt;
+  return "The schedule could not be written.";
+}
+
+bool Scheduler::cmdSave() {
+  const std::optional<std::string> conflict = WhatConflicts(rows_);
+  saveFailed_ = conflict.has_value();
+  if (conflict) {
+    base::Ignored(ports_.Dialogs.Show({.Title = "Schedule Conflict", .Text = *conflict}));
+    return false;
+  }
+  int number = 0;
+  for (SchedulerRow& row : rows_) base::Ignored(SaveSchedulerRow(ports_.Settings, ++number, channels_, row));
+  schedDirty_ = false;
+  return true;
+}
+
+bool Scheduler::MayClose(bool askedHere) {
+  if (askedHere && schedDirty_) {
+    const platform::MessageAnswer answer =
+        ports_.Dialogs.Show({.Title = "Save Schedule Changes",
+                             .Text = "You have made changes, do you want to save your changes first?",
+                             .Icon = platform::MessageIcon::Question,
+                             .Buttons = platform::MessageButtons::YesNoCancel});
+    if (answer == platform::MessageAnswer::Cancel) return false;
+    if (answer == platform::MessageAnswer::Yes && !cmdSave()) return false;
+  }
+  ports_.ReloadSchedule();
+  return true;
+}
+
+}  // namespace kestrune::schedule

@@ -1,0 +1,261 @@
+#include "radio/channels/Channels.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+
+namespace kestrune::radio {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::int16_t kEndOfList = 0;
+constexpr std::int16_t kFirstChannel = 1;     // comes without a genre
+constexpr std::int16_t kUnlistedChannel = 2;  // never shown
+constexpr std::int16_t kWalkEnds = 3;         // EnumPass after two passes through the list
+constexpr std::int16_t kFewestChannels = 10;  // fewer are a failed load
+constexpr auto kLostReply = 2s;
+
+}  // namespace
+
+Channels::Channels(RadioState& state, base::RunState& run, RadioSession& session, platform::Files& files,
+                   base::EventLoop& loop, base::Journal& journal, ChannelEvents& events)
+    : state_(state),
+      run_(run),
+      session_(session),
+      loop_(loop),
+      journal_(journal),
+      events_(events),
+      listFile_(files) {}
+
+// The saved list.
+
+void Channels::LoadChannels() {
+  if (!listFile_.Exists()) return;
+  table_.Clear();
+  grid_.Clear();
+  grid_.FormSetup();
+  for (ChannelEntry& entry : listFile_.Read()) {
+    if (!table_.Add(entry)) break;
+    AddToGrid(entry);
+  }
+}
+
+void Channels::SaveChannels() {
+  if (state_.PoorChannelList) {
+    base::Ignored(listFile_.Remove());
+    return;
+  }
+  std::vector<ChannelEntry> entries;
+  for (int slot = 1; slot <= table_.ChannelCount(); ++slot) {
+    if (table_.At(slot).Number != 0) entries.push_back(table_.At(slot));
+  }
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const ChannelEntry& a, const ChannelEntry& b) { return a.Number < b.Number; });
+  loop_.PumpEvents();
+  base::Ignored(listFile_.Write(entries));
+}
+
+// Asking.
+
+void Channels::StartWalk() {
+  run_.FormLoading = false;
+  state_.ChannelsLoading = true;
+  state_.EnumPass = 1;
+  session_.pcrEnumerateChannels(0);
+}
+
+void Channels::RequestChannelInfo() {
+  if (run_.FormLoading || run_.ShuttingDown) return;
+  if (session_.pcrWaitingForResponse() && loop_.SteadyNow() - state_.LastInfoRequest < kLostReply) return;
+  loop_.PumpEvents();
+  if (state_.ChannelsLoading) {
+    Trace("InitEnum ", state_.EnumCursor);
+    session_.pcrEnumerateChannels(state_.EnumCursor);
+  } else if (state_.PollTunedNext) {
+    state_.PollTunedNext = false;
+    Trace("", state_.ChannelNumber);
+    session_.pcrGetChannelInfo(state_.ChannelNumber);
+  } else {
+    state_.PollTunedNext = true;
+    ++state_.EnumCursor;
+    if (state_.EnumCursor > table_.ChannelCount()) state_.EnumCursor = 1;
+    Trace("Enum ", state_.EnumCursor);
+    session_.pcrGetChannelInfo(table_.At(state_.EnumCursor).Number);
+  }
+  state_.LastInfoRequest = loop_.SteadyNow();
+}
+
+void Channels::Trace(std::string_view what, std::int16_t number) {
+  if (journal_.Tracing()) journal_.Trace(fmt::format("#RequestChannelInfo {}{}", what, number));
+}
+
+// Replies.
+
+void Channels::pcrChannelInfoReceived(const ChannelInfo& info) {
+  state_.LastInfoRequest = loop_.SteadyNow();
+  if (run_.ShuttingDown) return;
+  if (info.Channel == kUnlistedChannel) {
+    if (state_.ChannelsLoading) state_.EnumCursor = kUnlistedChannel;
+    return;
+  }
+  state_.InfoBusy = true;
+  HandleReply(info);
+  state_.InfoBusy = false;
+}
+
+void Channels::HandleReply(const ChannelInfo& info) {
+  if (state_.ChannelsLoading && WalkOn(info.Channel)) return;
+  if (info.Channel == kEndOfList) return;
+  if (table_.ChannelIndex(info.Channel) == 0) {
+    AddChannel(info);
+    return;
+  }
+
+  const bool changed = UpdateEntry(info);
+  loop_.PumpEvents();
+  const bool songKnown = !state_.CurrentArtist.empty() && !state_.CurrentSong.empty();
+  if (!changed && songKnown && !state_.ChannelChanged) return;
+
+  const int row = ShowInGrid(info.Channel);
+  if (info.Channel != state_.ChannelNumber) return;
+  state_.ChannelChanged = false;
+  state_.CurrentArtist = info.Artist;
+  state_.CurrentSong = info.Song;
+  // The slot with the number of the grid row: under another order than by number it is another channel's.
+  events_.ShowChannel(table_.At(row));
+  loop_.PumpEvents();
+}
+
+// A step of the walk; true if the reply was the end of the list, which holds no channel.
+bool Channels::WalkOn(std::int16_t channel) {
+  state_.EnumCursor = channel;
+  grid_.Enabled = true;
+  if (channel != kEndOfList) return false;
+  ++state_.EnumPass;
+  if (state_.EnumPass == kWalkEnds) {
+    FinishWalk();
+  } else {
+    session_.pcrEnumerateChannels(0);
+  }
+  return true;
+}
+
+void Channels::AddChannel(const ChannelInfo& info) {
+  ChannelEntry entry{.Number = info.Channel,
+                     .Station = info.Station,
+                     .Genre = info.Channel == kFirstChannel ? std::string() : info.Genre,
+                     .Artist = info.Artist,
+                     .Song = info.Song,
+                     .Seen = true};
+  if (!table_.Add(entry)) return;
+  AddToGrid(entry);
+  loop_.PumpEvents();
+}
+
+void Channels::AddToGrid(const ChannelEntry& entry) {
+  grid_.IgnoreMove = true;
+  grid_.AddRow(entry);
+  if (entry.Number == state_.ChannelNumber) grid_.Select(grid_.RowCount());
+  grid_.IgnoreMove = false;
+}
+
+// True if the channel plays something else than before.
+bool Channels::UpdateEntry(const ChannelInfo& info) {
+  ChannelEntry& entry = *table_.Find(table_.ChannelIndex(info.Channel));
+  const bool changed = info.Artist != entry.Artist || info.Song != entry.Song;
+  entry.Station = info.Station;
+  entry.Genre = info.Genre;
+  entry.Artist = info.Artist;
+  entry.Song = info.Song;
+  entry.Seen = true;
+  if (ChannelEntry* first = table_.Find(table_.ChannelIndex(kFirstChannel))) first->Genre.clear();
+  return changed;
+}
+
+// The row of the channel, 0 if it has none.
+int Channels::ShowInGrid(std::int16_t channel) {
+  const int row = grid_.FindRow(channel);
+  if (row == 0) return 0;
+  const ChannelEntry& entry = table_.At(table_.ChannelIndex(channel));
+  grid_.IgnoreMove = true;
+  if (!entry.Station.empty()) grid_.SetCell(row, ChannelGrid::Station, " " + entry.Station);
+  grid_.SetCell(row, ChannelGrid::Artist, " " + entry.Artist);
+  grid_.SetCell(row, ChannelGrid::Song, " " + entry.Song);
+  grid_.SetCell(row, ChannelGrid::Genre, " " + entry.Genre);
+  grid_.IgnoreMove = false;
+  return row;
+}
+
+// The end of the walk.
+
+void Channels::FinishWalk() {
+  state_.ChannelsLoading = false;
+  journal_.DoLog(fmt::format("Channels loaded: {}", table_.ChannelCount()));
+  RemoveStaleChannels();
+  if (table_.ChannelCount() < kFewestChannels) {
+    SetChannelNumber(kFirstChannel);
+    state_.PoorChannelList = true;
+  }
+  SaveChannels();
+  events_.WalkFinished();
+}
+
+void Channels::RemoveStaleChannels() {
+  const int rows = grid_.RowCount();
+  for (int row = 1; row <= rows && row <= grid_.RowCount(); ++row) {
+    const int slot = table_.ChannelIndex(grid_.NumberAt(row));
+    if (table_.At(slot).Seen) continue;
+    // The row behind moves up to this place and is not looked at: it stays until the next start.
+    grid_.RemoveRow(row);
+    table_.Remove(slot);
+  }
+}
+
+// The tuned channel.
+
+void Channels::SetChannelNumber(std::int16_t number) {
+  if (number == state_.ChannelNumber) return;
+  state_.ChannelNumber = number;
+  events_.ShowTunedChannel(number, table_.At(table_.ChannelIndex(number)));
+  events_.ShowBareTitle();
+  loop_.PumpEvents();
+  state_.ChannelChanged = true;
+  base::Ignored(session_.pcrSelectChannel(number));
+  events_.ChannelTuned();
+  grid_.IgnoreMove = true;
+  grid_.Select(grid_.FindRow(number));
+  grid_.IgnoreMove = false;
+}
+
+const ChannelEntry* Channels::TunedRow() const {
+  const int slot = table_.ChannelIndex(state_.ChannelNumber);
+  return slot == 0 ? nullptr : &table_.At(slot);
+}
+
+void Channels::CopyRadioText() {
+  const std::int16_t channel = session_.pcrChannel();
+  ChannelEntry* entry = table_.Find(table_.ChannelIndex(channel));
+  if (entry == nullptr) return;
+  entry->Artist = session_.pcrArtist();
+  entry->Song = session_.pcrSong();
+  const int row = grid_.FindRow(channel);
+  if (row == 0) return;
+  grid_.IgnoreMove = true;
+  grid_.SetCell(row, ChannelGrid::Artist, " " + entry->Artist + " ");
+  grid_.SetCell(row, ChannelGrid::Song, " " + entry->Song + " ");
+  if (base::Trim(grid_.At(row)[ChannelGrid::Station]).empty() && !session_.pcrStation().empty()) {
+    grid_.SetCell(row, ChannelGrid::Station, " " + session_.pcrStation() + " ");
+  }
+  grid_.IgnoreMove = false;
+}
+
+}  // namespace kestrune::radio

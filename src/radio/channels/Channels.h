@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "base/EventLoop.h"
+#include "base/Journal.h"
+#include "base/RunState.h"
+#include "platform/Files.h"
+#include "radio/channels/ChannelEvents.h"
+#include "radio/channels/ChannelGrid.h"
+#include "radio/channels/ChannelListFile.h"
+#include "radio/channels/ChannelTable.h"
+#include "radio/channels/RadioState.h"
+#include "radio/line/ChannelInfo.h"
+#include "radio/line/RadioSession.h"
+
+namespace kestrune::radio {
+
+/// Keeps the table of the radio's channels: filled from the saved list, compared with a walk through the
+/// radio's own list, and then kept fresh by one small request after the other, every second one for the tuned
+/// channel.
+class Channels {
+ public:
+  static constexpr std::string_view kReloadTitle = "Reload Fresh Listing";
+  static constexpr std::string_view kReloadText =
+      "Channel listing will be reloaded next time Kestrune is started.";
+
+  /// All must outlive the object. The owner passes the session's channel info replies on to
+  /// pcrChannelInfoReceived.
+  Channels(RadioState& state, base::RunState& run, RadioSession& session, platform::Files& files,
+           base::EventLoop& loop, base::Journal& journal, ChannelEvents& events);
+
+  /// Where the saved list lies: before LoadChannels and SaveChannels.
+  void SetListPlace(std::string_view userDataFolder, std::string_view multiUnit) {
+    listFile_.SetPlace(userDataFolder, multiUnit);
+  }
+  /// Fills table and grid from the saved list; a missing file leaves them as they are.
+  void LoadChannels();
+  /// Writes the list, rising by number; deletes it if PoorChannelList is set. Events run.
+  void SaveChannels();
+
+  /// Ends FormLoading and asks the radio for its first channel. Once a run, after LoadChannels.
+  void StartWalk();
+  /// One step of the walk or of the polling; does nothing while a reply is awaited, for 2 seconds at most.
+  void RequestChannelInfo();
+  /// Takes a reply in. Events run inside, with InfoBusy set.
+  void pcrChannelInfoReceived(const ChannelInfo& info);
+
+  [[nodiscard]] std::int16_t ChannelNumber() const { return state_.ChannelNumber; }
+  /// Tunes the radio, which takes up to 1.5 s with events running; nothing at all for the tuned channel.
+  void SetChannelNumber(std::int16_t number);
+
+  /// The list is to be made afresh at the next start. The caller shows kReloadText under kReloadTitle.
+  void mnuReload() { state_.PoorChannelList = true; }
+
+  /// Writes artist and song of the last reply, for whatever channel it was, into that channel's entry and
+  /// grid row, and its station into an empty station cell.
+  void CopyRadioText();
+
+  /// The entry of the tuned channel, null if the table does not have it. Valid until the table changes.
+  [[nodiscard]] const ChannelEntry* TunedRow() const;
+  /// The same, with the empty entry for a channel that the table does not have.
+  [[nodiscard]] const ChannelEntry& TunedEntry() const {
+    const ChannelEntry* row = TunedRow();
+    return row != nullptr ? *row : table_.At(0);
+  }
+  [[nodiscard]] const ChannelTable& Table() const { return table_; }
+  [[nodiscard]] const ChannelGrid& Grid() const { return grid_; }
+  [[nodiscard]] ChannelGrid& Grid() { return grid_; }
+
+ private:
+  void HandleReply(const ChannelInfo& info);
+  [[nodiscard]] bool WalkOn(std::int16_t channel);
+  void FinishWalk();
+  void RemoveStaleChannels();
+  void AddChannel(const ChannelInfo& info);
+  void AddToGrid(const ChannelEntry& entry);
+  [[nodiscard]] bool UpdateEntry(const ChannelInfo& info);
+  [[nodiscard]] int ShowInGrid(std::int16_t channel);
+  void Trace(std::string_view what, std::int16_t number);
+
+  RadioState& state_;
+  base::RunState& run_;
+  RadioSession& session_;
+  base::EventLoop& loop_;
+  base::Journal& journal_;
+  ChannelEvents& events_;
+
+  ChannelTable table_;
+  ChannelGrid grid_;
+  ChannelListFile listFile_;
+};
+
+}  // namespace kestrune::radio

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "radio/line/ChannelInfo.h"
+
+namespace kestrune::radio {
+
+/// The types that the program knows, byte 4 of a frame.
+enum class ReplyType : std::uint8_t {
+  PowerOn = 0x80,
+  PowerOff = 0x81,
+  ChannelSet = 0x90,
+  Mute = 0x93,
+  ChannelInfo = 0xA5,
+  RadioID = 0xB1,
+  Signal = 0xC3,
+  Silent = 0xE3,      ///< counts as a message and means nothing to the program
+  SetupAgain = 0xF2,  ///< the radio asks for setup again
+  PowerIsOff = 0xFF,  ///< the radio refuses a command because it is off
+};
+
+struct SignalQuality {
+  std::int16_t Satellite1 = 0;   ///< 0 to 99
+  std::int16_t Satellite2 = 0;   ///< 0 to 99
+  std::int16_t Terrestrial = 0;  ///< 0 to 100 in tens
+};
+
+// All of these take a whole frame, header and trailer included. Offsets count from the first header byte;
+// what lies behind the frame's end reads as 0 or as nothing.
+
+[[nodiscard]] std::uint8_t ByteAt(std::string_view frame, std::size_t offset);
+
+/// The eight characters of the identifier, as they stand.
+[[nodiscard]] std::string DecodePowerOnRadioID(std::string_view frame);
+[[nodiscard]] std::string DecodeRadioID(std::string_view frame);
+
+/// The channel that the radio has tuned to, nothing if it refused.
+[[nodiscard]] std::optional<std::int16_t> DecodeChannelSet(std::string_view frame);
+
+/// The radio's byte is read as a digit's character, so the raw values 0 and 1 are both False.
+[[nodiscard]] bool DecodeMute(std::string_view frame);
+
+/// Texts without zero bytes and without blanks around them, the artist and the song with their case repaired.
+[[nodiscard]] ChannelInfo DecodeChannelInfo(std::string_view frame);
+
+[[nodiscard]] SignalQuality DecodeSignal(std::string_view frame);
+
+/// A satellite's raw value, a byte, as a percentage from 0 to 99.9.
+[[nodiscard]] double pcrSignalPercent(std::int16_t raw);
+
+}  // namespace kestrune::radio

@@ -1,0 +1,75 @@
+#include "schedule/lists/Restrictions.h"
+
+#include "base/Ignored.h"
+#include "base/Text.h"
+#include "schedule/log/EachLine.h"
+#include "schedule/log/UserDataFolder.h"
+
+namespace kestrune::schedule {
+
+std::string Restrictions::RestrictionFile() const {
+  return UserDataFolder(environment_).append("/Restriction").append(multiUnit_).append(".txt");
+}
+
+void Restrictions::LoadRestrictions() {
+  for (Rows& rows : rows_) rows.clear();
+  base::Ignored(MakeUserDataFolder(files_, environment_));
+  const auto text = files_.Read(RestrictionFile());
+  if (!text) return;
+  EachLine(*text, [this](std::string_view line) {
+    if (line.empty() || line.front() < '0' || line.front() > '3') return;
+    Rows& rows = rows_[static_cast<std::size_t>(line.front() - '0')];
+    if (rows.size() == kMaxRows) return;
+    const std::string_view fragment = line.substr(1);
+    rows.push_back({std::string(fragment), base::ToLower(fragment)});
+  });
+}
+
+std::optional<int> Restrictions::Remove(RestrictList list, std::string_view text) {
+  const auto before = files_.Read(RestrictionFile());
+  if (!before) return 0;
+  std::string after;
+  int removed = 0;
+  EachLine(*before, [&](std::string_view line) {
+    const bool ofList = !line.empty() && line.front() == static_cast<char>('0' + static_cast<int>(list));
+    if (ofList && base::EqualsNoCase(base::Trim(line.substr(1)), base::Trim(text))) {
+      ++removed;
+    } else {
+      after.append(line).append("\n");
+    }
+  });
+  if (removed == 0) return 0;
+  if (!files_.Replace(RestrictionFile(), after)) return std::nullopt;
+  LoadRestrictions();
+  return removed;
+}
+
+bool Restrictions::Matches(const Rows& rows, std::string_view text) {
+  const std::string lower = base::ToLower(text);
+  const bool blank = base::Trim(text).empty();
+  for (const Row& row : rows) {
+    const bool inside = !lower.empty() && lower.find(row.Lower) != std::string::npos;
+    if (inside || (blank && row.Fragment == kBlank)) return true;
+  }
+  return false;
+}
+
+bool Restrictions::IsInGrabList(std::string_view artist, std::string_view song) const {
+  return Matches(RowsOf(RestrictList::GrabArtists), artist) || Matches(RowsOf(RestrictList::GrabSongs), song);
+}
+
+bool Restrictions::IsInKillList(std::string_view artist, std::string_view song) const {
+  return Matches(RowsOf(RestrictList::KillArtists), artist) || Matches(RowsOf(RestrictList::KillSongs), song);
+}
+
+std::int16_t Restrictions::RestrictCount(RestrictList list) const {
+  return static_cast<std::int16_t>(RowsOf(list).size());
+}
+
+std::string_view Restrictions::Fragment(RestrictList list, std::int16_t row) const {
+  const Rows& rows = RowsOf(list);
+  if (row < 1 || static_cast<std::size_t>(row) > rows.size()) return {};
+  return rows[static_cast<std::size_t>(row) - 1].Fragment;
+}
+
+}  // namespace kestrune::schedule

@@ -1,0 +1,337 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "config/settings/SettingKeys.h"
+#include "support/FakeEnvironment.h"
+#include "support/MemorySettingsStore.h"
+
+namespace kestrune::test {
+namespace {
+
+using config::Settings;
+using config::SettingType;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+/// What is expected of one setting: its default as stored text, another value as it may stand in the store,
+/// and whether the record's own field shows either.
+struct Expected {
+  const char* Key;
+  SettingType Type;
+  const char* Default;
+  const char* Other;
+  bool (*ShowsDefault)(const Settings& s);
+  bool (*ShowsOther)(const Settings& s);
+};
+
+#define SHOWS(condition) [](const Settings& s) { return condition; }
+constexpr auto kInt16 = SettingType::Int16;
+constexpr auto kInt32 = SettingType::Int32;
+constexpr auto kBool = SettingType::Bool;
+constexpr auto kText = SettingType::Text;
+
+// In the order in which the start reads them.
+const Expected kExpected[] = {
+    {"Channel", kInt16, "44", "7", SHOWS(s.Channel == 44), SHOWS(s.Channel == 7)},
+    {"SievanceGrab", kInt16, "0", "1", SHOWS(s.SievanceGrab == 0), SHOWS(s.SievanceGrab == 1)},
+    {"SievanceKill", kInt16, "0", "1", SHOWS(s.SievanceKill == 0), SHOWS(s.SievanceKill == 1)},
+    {"MinSongLength", kInt16, "45", "47", SHOWS(s.MinSongLength == 45), SHOWS(s.MinSongLength == 47)},
+    {"MaxSongLength", kInt16, "0", "900", SHOWS(s.MaxSongLength == 0), SHOWS(s.MaxSongLength == 900)},
+    {"SongDelay", kInt16, "600", "650", SHOWS(s.SongDelay == 600), SHOWS(s.SongDelay == 650)},
+    {"FileDir", kText, "/home/user/Music/Kestrune/", "/srv/songs/",
+     SHOWS(s.FileDir == "/home/user/Music/Kestrune/"), SHOWS(s.FileDir == "/srv/songs/")},
+    {"FileFormat", kText, "MP3", "WAV", SHOWS(s.FileFormat == "MP3"), SHOWS(s.FileFormat == "WAV")},
+    {"RadioOnAtExit", kBool, "False", "True", SHOWS(!s.RadioOnAtExit), SHOWS(s.RadioOnAtExit)},
+    {"FilenameFormat", kText, "%g\\%c - %t\\%a - %s", "%a", SHOWS(s.FilenameFormat == "%g\\%c - %t\\%a - %s"),
+     SHOWS(s.FilenameFormat == "%a")},
+    {"SaveDuplicates", kBool, "True", "False", SHOWS(s.SaveDuplicates), SHOWS(!s.SaveDuplicates)},
+    {"TaskBarMinimized", kBool, "True", "False", SHOWS(s.TaskBarMinimized), SHOWS(!s.TaskBarMinimized)},
+    {"Integrel", kBool, "True", "False", SHOWS(s.Integrel), SHOWS(!s.Integrel)},
+    {"InputDevice", kInt16, "0", "3", SHOWS(s.InputDevice == 0), SHOWS(s.InputDevice == 3)},
+    {"AGCEnabled", kBool, "False", "True", SHOWS(!s.AGCEnabled), SHOWS(s.AGCEnabled)},
+    {"AGCLowLevel", kInt16, "-10", "-60", SHOWS(s.AGCLowLevel == -10), SHOWS(s.AGCLowLevel == -60)},
+    {"AGCHighLevel", kInt16, "-40", "-5", SHOWS(s.AGCHighLevel == -40), SHOWS(s.AGCHighLevel == -5)},
+    {"AGCAttackTime", kInt16, "4", "120", SHOWS(s.AGCAttackTime == 4), SHOWS(s.AGCAttackTime == 120)},
+    {"PortNum", kInt16, "0", "12", SHOWS(s.PortNum == 0), SHOWS(s.PortNum == 12)},
+    {"Cleftune", kBool, "True", "False", SHOWS(s.Cleftune), SHOWS(!s.Cleftune)},
+    {"CheckUpdatesAtStartup", kBool, "True", "False", SHOWS(s.CheckUpdatesAtStartup),
+     SHOWS(!s.CheckUpdatesAtStartup)},
+
+    {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
+    {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),
+     SHOWS(s.Format726.Frequency == 48000)},
+
+    {"MP3_ATHControl", kInt16, "0", "3", SHOWS(s.FormatMP3.ATHControl == 0),
+     SHOWS(s.FormatMP3.ATHControl == 3)},
+    {"MP3_Bitrate", kInt16, "160", "320", SHOWS(s.FormatMP3.Bitrate == 160),
+     SHOWS(s.FormatMP3.Bitrate == 320)},
+    {"MP3_", kBool, "False", "True", SHOWS(!s.FormatMP3.BitReservoir), SHOWS(s.FormatMP3.BitReservoir)},
+    {"MP3_Channels", kInt16, "2", "1", SHOWS(s.FormatMP3.Channels == 2), SHOWS(s.FormatMP3.Channels == 1)},
+    {"MP3_ComplyISO", kBool, "False", "True", SHOWS(!s.FormatMP3.ComplyISO), SHOWS(s.FormatMP3.ComplyISO)},
+    {"MP3_DeEmphasis", kInt16, "0", "2", SHOWS(s.FormatMP3.DeEmphasis == 0),
+     SHOWS(s.FormatMP3.DeEmphasis == 2)},
+    {"MP3_DifferentBlockTypes", kBool, "False", "True", SHOWS(!s.FormatMP3.DifferentBlockTypes),
+     SHOWS(s.FormatMP3.DifferentBlockTypes)},
+    {"MP3_Frequency", kInt32, "44100", "32000", SHOWS(s.FormatMP3.Frequency == 44100),
+     SHOWS(s.FormatMP3.Frequency == 32000)},
+    {"MP3_HighPassFilter", kBool, "False", "True", SHOWS(!s.FormatMP3.HighPassFilter),
+     SHOWS(s.FormatMP3.HighPassFilter)},
+    {"MP3_HighPassFilterFreq", kInt16, "30", "80", SHOWS(s.FormatMP3.HighPassFilterFreq == 30),
+     SHOWS(s.FormatMP3.HighPassFilterFreq == 80)},
+    {"MP3_HighPassFilterWidth", kInt16, "5", "8", SHOWS(s.FormatMP3.HighPassFilterWidth == 5),
+     SHOWS(s.FormatMP3.HighPassFilterWidth == 8)},
+    {"MP3_IncludeCRC", kBool, "False", "True", SHOWS(!s.FormatMP3.IncludeCRC), SHOWS(s.FormatMP3.IncludeCRC)},
+    {"MP3_LowPassFilter", kBool, "False", "True", SHOWS(!s.FormatMP3.LowPassFilter),
+     SHOWS(s.FormatMP3.LowPassFilter)},
+    {"MP3_LowPassFilterFreq", kInt16, "16000", "15000", SHOWS(s.FormatMP3.LowPassFilterFreq == 16000),
+     SHOWS(s.FormatMP3.LowPassFilterFreq == 15000)},
+    {"MP3_LowPassFilterWidth", kInt16, "500", "250", SHOWS(s.FormatMP3.LowPassFilterWidth == 500),
+     SHOWS(s.FormatMP3.LowPassFilterWidth == 250)},
+    {"MP3_Quality", kInt16, "4", "9", SHOWS(s.FormatMP3.Quality == 4), SHOWS(s.FormatMP3.Quality == 9)},
+    {"MP3_ShortBlocks", kBool, "False", "True", SHOWS(!s.FormatMP3.ShortBlocks),
+     SHOWS(s.FormatMP3.ShortBlocks)},
+    {"MP3_TypeStereo", kInt16, "2", "4", SHOWS(s.FormatMP3.TypeStereo == 2),
+     SHOWS(s.FormatMP3.TypeStereo == 4)},
+    {"MP3_VBRCodingMethod", kInt16, "-1", "4", SHOWS(s.FormatMP3.VBRCodingMethod == -1),
+     SHOWS(s.FormatMP3.VBRCodingMethod == 4)},
+    {"MP3_VBREnforceMinBitRate", kBool, "False", "True", SHOWS(!s.FormatMP3.VBREnforceMinBitRate),
+     SHOWS(s.FormatMP3.VBREnforceMinBitRate)},
+    {"MP3_VBRHeader", kBool, "True", "False", SHOWS(s.FormatMP3.VBRHeader), SHOWS(!s.FormatMP3.VBRHeader)},
+    {"MP3_VBRMaxBitrate", kInt16, "160", "256", SHOWS(s.FormatMP3.VBRMaxBitrate == 160),
+     SHOWS(s.FormatMP3.VBRMaxBitrate == 256)},
+    {"MP3_VBRQuality", kInt16, "4", "1", SHOWS(s.FormatMP3.VBRQuality == 4),
+     SHOWS(s.FormatMP3.VBRQuality == 1)},
+    {"MP3_VBRTargetBitrate", kInt16, "128", "96", SHOWS(s.FormatMP3.VBRTargetBitrate == 128),
+     SHOWS(s.FormatMP3.VBRTargetBitrate == 96)},
+
+    {"OGG_Bitrate", kInt16, "160", "256", SHOWS(s.FormatOGG.Bitrate == 160),
+     SHOWS(s.FormatOGG.Bitrate == 256)},
+    {"OGG_MaxBitrate", kInt16, "192", "320", SHOWS(s.FormatOGG.MaxBitrate == 192),
+     SHOWS(s.FormatOGG.MaxBitrate == 320)},
+    {"OGG_MinBitrate", kInt16, "128", "112", SHOWS(s.FormatOGG.MinBitrate == 128),
+     SHOWS(s.FormatOGG.MinBitrate == 112)},
+    {"OGG_Quality", kInt16, "4", "8", SHOWS(s.FormatOGG.Quality == 4), SHOWS(s.FormatOGG.Quality == 8)},
+    {"OGG_QualityEnabled", kBool, "False", "True", SHOWS(!s.FormatOGG.QualityEnabled),
+     SHOWS(s.FormatOGG.QualityEnabled)},
+    {"OGG_VbrEnabled", kBool, "False", "True", SHOWS(!s.FormatOGG.VbrEnabled), SHOWS(s.FormatOGG.VbrEnabled)},
+
+    {"RAW_Channels", kInt16, "2", "1", SHOWS(s.FormatRAW.Channels == 2), SHOWS(s.FormatRAW.Channels == 1)},
+    {"RAW_Compression", kInt16, "0", "3", SHOWS(s.FormatRAW.Compression == 0),
+     SHOWS(s.FormatRAW.Compression == 3)},
+    {"RAW_Frequency", kInt32, "44100", "6000", SHOWS(s.FormatRAW.Frequency == 44100),
+     SHOWS(s.FormatRAW.Frequency == 6000)},
+
+    {"VOX_Frequency", kInt32, "44100", "8000", SHOWS(s.FormatVOX.Frequency == 44100),
+     SHOWS(s.FormatVOX.Frequency == 8000)},
+
+    {"WAV_Bits", kInt16, "16", "8", SHOWS(s.FormatWAV.Bits == 16), SHOWS(s.FormatWAV.Bits == 8)},
+    {"WAV_Channels", kInt16, "2", "1", SHOWS(s.FormatWAV.Channels == 2), SHOWS(s.FormatWAV.Channels == 1)},
+    {"WAV_Frequency", kInt32, "44100", "48000", SHOWS(s.FormatWAV.Frequency == 44100),
+     SHOWS(s.FormatWAV.Frequency == 48000)},
+
+    {"LegalAgreement", kBool, "False", "True", SHOWS(!s.LegalAgreement), SHOWS(s.LegalAgreement)},
+    {"ChannelListing", kInt16, "1", "0", SHOWS(s.ChannelListing == 1), SHOWS(s.ChannelListing == 0)},
+    {"RecordLog", kInt16, "0", "1", SHOWS(s.RecordLog == 0), SHOWS(s.RecordLog == 1)},
+    {"KestruneNow", kInt16, "0", "1", SHOWS(s.KestruneNow == 0), SHOWS(s.KestruneNow == 1)},
+};
+#undef SHOWS
+
+class SettingKeysTest : public ::testing::Test {
+ protected:
+  [[nodiscard]] Settings Load() {
+    Settings settings;
+    config::LoadSettings(section_, environment_, settings);
+    return settings;
+  }
+  void Put(std::string_view key, std::string_view value) { store_.Put("Lorimel", "Kestrune", key, value); }
+
+  MemorySettingsStore store_;
+  FakeEnvironment environment_;
+  config::SettingsSection section_{store_};
+};
+
+TEST_F(SettingKeysTest, AnEmptyStoreGivesEveryDefault) {
+  const Settings settings = Load();
+  for (const Expected& row : kExpected) {
+    EXPECT_TRUE(row.ShowsDefault(settings)) << row.Key;
+    EXPECT_FALSE(row.ShowsOther(settings)) << row.Key;
+  }
+}
+
+TEST_F(SettingKeysTest, EveryKeyIsReadIntoItsOwnFieldAndNoOther) {
+  for (const Expected& row : kExpected) {
+    MemorySettingsStore store;
+    store.Put("Lorimel", "Kestrune", row.Key, row.Other);
+    Settings settings;
+    config::LoadSettings(config::SettingsSection(store), environment_, settings);
+    for (const Expected& other : kExpected) {
+      const bool changed = &other == &row;
+      EXPECT_EQ(other.ShowsDefault(settings), !changed) << other.Key << " when " << row.Key << " is stored";
+      EXPECT_EQ(other.ShowsOther(settings), changed) << other.Key << " when " << row.Key << " is stored";
+    }
+  }
+}
+
+TEST_F(SettingKeysTest, EveryKeyIsSavedUnderItsNameAsItWasRead) {
+  for (const Expected& row : kExpected) {
+    Put(row.Key, row.Other);
+    const Settings settings = Load();
+    Put(row.Key, "to be replaced");
+    EXPECT_TRUE(config::SaveSetting(section_, settings, row.Key));
+    EXPECT_EQ(store_.Calls.back(), std::string("save Lorimel/Kestrune/") + row.Key + "=" + row.Other);
+  }
+}
+
+TEST_F(SettingKeysTest, EveryDefaultIsSavedAsItsText) {
+  const Settings settings = Load();
+  for (const Expected& row : kExpected) {
+    EXPECT_TRUE(config::SaveSetting(section_, settings, row.Key));
+    EXPECT_EQ(store_.Stored("Lorimel", "Kestrune", row.Key), row.Default) << row.Key;
+  }
+}
+
+TEST_F(SettingKeysTest, EveryKeyHasItsType) {
+  for (const Expected& row : kExpected) {
+    const config::SettingKey* key = config::FindSettingKey(row.Key);
+    ASSERT_NE(key, nullptr) << row.Key;
+    EXPECT_EQ(key->Type, row.Type) << row.Key;
+  }
+}
+
+TEST_F(SettingKeysTest, EveryUnreadableValueFallsBackToTheDefault) {
+  for (const Expected& row : kExpected) {
+    if (row.Type != kText) Put(row.Key, "no value");
+  }
+  const Settings settings = Load();
+  for (const Expected& row : kExpected) EXPECT_TRUE(row.ShowsDefault(settings)) << row.Key;
+}
+
+TEST_F(SettingKeysTest, EveryValueOutsideItsWidthFallsBackToTheDefault) {
+  for (const Expected& row : kExpected) {
+    if (row.Type == kInt16) Put(row.Key, "32768");
+    if (row.Type == kInt32) Put(row.Key, "2147483648");
+  }
+  const Settings settings = Load();
+  for (const Expected& row : kExpected) EXPECT_TRUE(row.ShowsDefault(settings)) << row.Key;
+}
+
+TEST_F(SettingKeysTest, AnUnreadableValueFallsBackToTheDefaultAndNotToWhatTheRecordHeld) {
+  Put("MinSongLength", "long");
+  Settings settings;
+  settings.MinSongLength = 99;
+  config::LoadSettings(section_, environment_, settings);
+  EXPECT_EQ(settings.MinSongLength, 45);
+}
+
+TEST_F(SettingKeysTest, TheStartReadsInTheOrderOfTheTable) {
+  const Settings settings = Load();
+  std::vector<std::string> expected;
+  for (const Expected& row : kExpected) expected.push_back(std::string("get Lorimel/Kestrune/") + row.Key);
+  EXPECT_THAT(store_.Calls, ElementsAreArray(expected));
+}
+
+TEST_F(SettingKeysTest, EachUnitReadsItsOwnSection) {
+  store_.Put("Lorimel", "Kestrune", "Channel", "10");
+  store_.Put("Lorimel", "Kestrune2", "Channel", "20");
+  section_.SetMultiUnit("2");
+  EXPECT_EQ(Load().Channel, 20);
+}
+
+TEST_F(SettingKeysTest, TheKeyOfTheBitReservoirIsTheBarePrefix) {
+  Settings settings;
+  settings.FormatMP3.BitReservoir = true;
+  EXPECT_TRUE(config::SaveSettings(section_, settings, config::FormatKeys("MP3")));
+  EXPECT_EQ(store_.Stored("Lorimel", "Kestrune", "MP3_"), "True");
+  EXPECT_TRUE(Load().FormatMP3.BitReservoir);
+}
+
+TEST_F(SettingKeysTest, ABooleanStoredAsANumberIsSavedAsAWord) {
+  Put("MP3_VBRHeader", "1");
+  const Settings settings = Load();
+  EXPECT_TRUE(settings.FormatMP3.VBRHeader);
+  EXPECT_TRUE(config::SaveSetting(section_, settings, "MP3_VBRHeader"));
+  EXPECT_EQ(store_.Stored("Lorimel", "Kestrune", "MP3_VBRHeader"), "True");
+}
+
+TEST_F(SettingKeysTest, TheStoredDefaultOfTheFolderStandsForTheOneInTheMusicFolder) {
+  Put("FileDir", "C:\\");
+  EXPECT_EQ(Load().FileDir, "/home/user/Music/Kestrune/");
+}
+
+TEST_F(SettingKeysTest, AFolderWithoutASeparatorAtItsEndGetsOne) {
+  Put("FileDir", "/srv/songs");
+  EXPECT_EQ(Load().FileDir, "/srv/songs/");
+}
+
+TEST_F(SettingKeysTest, WritingAFolderAddsTheSeparatorOnce) {
+  Settings settings;
+  config::WriteFileDir(settings, "/srv/songs");
+  EXPECT_EQ(settings.FileDir, "/srv/songs/");
+  config::WriteFileDir(settings, "/srv/songs/");
+  EXPECT_EQ(settings.FileDir, "/srv/songs/");
+  config::WriteFileDir(settings, "/");
+  EXPECT_EQ(settings.FileDir, "/");
+}
+
+TEST_F(SettingKeysTest, AnotherFormatStopsTheRecordingBeforeItIsStored) {
+  Settings settings;
+  std::string formatAtStop;
+  EXPECT_TRUE(config::WriteFileFormat(settings, "WAV", [&] { formatAtStop = settings.FileFormat; }));
+  EXPECT_EQ(formatAtStop, "MP3");
+  EXPECT_EQ(settings.FileFormat, "WAV");
+}
+
+TEST_F(SettingKeysTest, TheSameFormatStopsNothing) {
+  Settings settings;
+  bool stopped = false;
+  EXPECT_FALSE(config::WriteFileFormat(settings, "MP3", [&] { stopped = true; }));
+  EXPECT_FALSE(stopped);
+  EXPECT_TRUE(config::WriteFileFormat(settings, "mp3", [&] { stopped = true; }));
+  EXPECT_TRUE(stopped);
+}
+
+TEST_F(SettingKeysTest, AKeyIsFoundWithoutRegardToCase) {
+  ASSERT_NE(config::FindSettingKey("minsonglength"), nullptr);
+  EXPECT_EQ(config::FindSettingKey("MINSONGLENGTH")->Key, "MinSongLength");
+  EXPECT_EQ(config::FindSettingKey("MinSongLengt"), nullptr);
+  EXPECT_EQ(config::FindSettingKey(""), nullptr);
+}
+
+std::vector<std::string> KeysOf(std::string_view format) {
+  std::vector<std::string> keys;
+  for (const config::SettingKey& key : config::FormatKeys(format)) keys.emplace_back(key.Key);
+  return keys;
+}
+
+TEST_F(SettingKeysTest, AnOptionWindowSavesItsKeysInOrder) {
+  EXPECT_THAT(KeysOf("G726"), ElementsAre("726_Bits", "726_Frequency"));
+  EXPECT_THAT(KeysOf("OGG"), ElementsAre("OGG_Bitrate", "OGG_MaxBitrate", "OGG_MinBitrate", "OGG_Quality",
+                                         "OGG_QualityEnabled", "OGG_VbrEnabled"));
+  EXPECT_THAT(KeysOf("RAW"), ElementsAre("RAW_Channels", "RAW_Compression", "RAW_Frequency"));
+  EXPECT_THAT(KeysOf("VOX"), ElementsAre("VOX_Frequency"));
+  EXPECT_THAT(KeysOf("WAV"), ElementsAre("WAV_Bits", "WAV_Channels", "WAV_Frequency"));
+  EXPECT_THAT(
+      KeysOf("MP3"),
+      ElementsAre("MP3_ATHControl", "MP3_Bitrate", "MP3_", "MP3_Channels", "MP3_ComplyISO", "MP3_DeEmphasis",
+                  "MP3_DifferentBlockTypes", "MP3_Frequency", "MP3_HighPassFilter", "MP3_HighPassFilterFreq",
+                  "MP3_HighPassFilterWidth", "MP3_IncludeCRC", "MP3_LowPassFilter", "MP3_LowPassFilterFreq",
+                  "MP3_LowPassFilterWidth", "MP3_Quality", "MP3_ShortBlocks", "MP3_TypeStereo",
+                  "MP3_VBRCodingMethod", "MP3_VBREnforceMinBitRate", "MP3_VBRHeader", "MP3_VBRMaxBitrate",
+                  "MP3_VBRQuality", "MP3_VBRTargetBitrate"));
+  EXPECT_THAT(KeysOf("mp3"), ElementsAre());
+  EXPECT_THAT(KeysOf(""), ElementsAre());
+}
+
+TEST_F(SettingKeysTest, ASaveThatFailsSaysSoAndTriesTheOtherKeys) {
+  store_.FailWrites = true;
+  EXPECT_FALSE(config::SaveSettings(section_, Settings(), config::FormatKeys("WAV")));
+  EXPECT_EQ(store_.Calls.size(), 3U);
+  EXPECT_FALSE(config::SaveSetting(section_, Settings(), "NoSuchKey"));
+  EXPECT_EQ(store_.Calls.size(), 3U);
+}
+
+}  // namespace
+}  // namespace kestrune::test

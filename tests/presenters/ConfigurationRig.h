@@ -1,0 +1,78 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "config/formats/FileSpecs.h"
+#include "config/settings/Settings.h"
+#include "config/settings/SettingsSection.h"
+#include "presenters/Configuration.h"
+#include "support/FakeEnvironment.h"
+#include "support/MemorySettingsStore.h"
+#include "support/RecordingCaptureFile.h"
+
+namespace kestrune::test {
+
+/// The configuration over settings in memory; what it asked of the outside is kept.
+class ConfigurationRig {
+ public:
+  class AnsweringDialogs final : public platform::Dialogs {
+   public:
+    [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {
+      Shown.push_back(message);
+      return Answer;
+    }
+    [[nodiscard]] bool AskForAgreement() override { return true; }
+
+    std::vector<platform::Message> Shown;
+    platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
+  };
+
+  /// The saves so far as "KEY=VALUE".
+  [[nodiscard]] std::vector<std::string> Saves() const {
+    constexpr std::string_view kSave = "save Lorimel/Kestrune/";
+    std::vector<std::string> saves;
+    for (const std::string& call : Store.Calls) {
+      if (call.starts_with(kSave)) saves.push_back(call.substr(kSave.size()));
+    }
+    return saves;
+  }
+
+  config::Settings Settings;
+  MemorySettingsStore Store;
+  config::SettingsSection Section{Store};
+  FakeEnvironment Environment;
+  AnsweringDialogs Dialogs;
+  RecordingCaptureFile Idle;
+  std::int16_t CaptureSlot = 0;
+  config::FileSpecs Specs{[this](std::int16_t slot) { return slot == 1 - CaptureSlot ? &Idle : nullptr; },
+                          Settings, CaptureSlot, [] { return std::nullopt; }};
+  std::string Devices = "Built-in Audio#0%USB Audio CODEC#3%";
+  int Stops = 0;  ///< of a recording
+  int DeviceChanges = 0;
+
+  config::ConfigurationAccess Access() {
+    return {.Settings = Settings,
+            .Section = Section,
+            .FileSpecs = Specs,
+            .Dialogs = Dialogs,
+            .Environment = Environment,
+            .Devices = [this] { return Devices; },
+            .cmdStop = [this] { ++Stops; },
+            .DeviceChanged = [this] { ++DeviceChanges; }};
+  }
+
+  config::Configuration Window{Access()};
+};
+
+/// The row of a list that has this text, or -1.
+inline int RowOf(const config::ChoiceList& list, std::string_view text) {
+  for (std::size_t row = 0; row < list.Rows.size(); ++row) {
+    if (list.Rows[row].Text == text) return static_cast<int>(row);
+  }
+  return -1;
+}
+
+}  // namespace kestrune::test

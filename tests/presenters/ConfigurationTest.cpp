@@ -1,0 +1,537 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "presenters/ConfigurationRig.h"
+
+namespace kestrune::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ConfigurationTest : public ::testing::Test {
+ protected:
+  ConfigurationTest() { rig_.Settings.FileDir = "/music/"; }
+
+  void ChooseMin(std::string_view text) { window_.cboMinLength(RowOf(Shown().cboMinLength, text)); }
+  void ChooseMax(std::string_view text) { window_.cboMaxLength(RowOf(Shown().cboMaxLength, text)); }
+  void ChooseFormat(std::string_view code) { window_.cboFileFormat(RowOf(Shown().cboFileFormat, code)); }
+  [[nodiscard]] const config::ConfigurationControls& Shown() const { return window_.Controls(); }
+
+  ConfigurationRig rig_;
+  config::Configuration& window_ = rig_.Window;
+};
+
+std::vector<std::string> Texts(const config::ChoiceList& list) {
+  std::vector<std::string> texts;
+  for (const config::ChoiceRow& row : list.Rows) texts.push_back(row.Text);
+  return texts;
+}
+
+TEST_F(ConfigurationTest, TheMinimumLengthsAreSecondsFromTwoOnAndNone) {
+  window_.Load();
+  const std::vector<std::string> told{
+      "None",   "2 Sec",  "3 Sec",  "4 Sec",  "5 Sec",   "6 Sec",   "7 Sec",   "8 Sec",   "9 Sec",
+      "10 Sec", "11 Sec", "12 Sec", "13 Sec", "14 Sec",  "15 Sec",  "20 Sec",  "25 Sec",  "30 Sec",
+      "35 Sec", "40 Sec", "45 Sec", "50 Sec", "55 Sec",  "60 Sec",  "65 Sec",  "70 Sec",  "75 Sec",
+      "80 Sec", "85 Sec", "90 Sec", "95 Sec", "100 Sec", "105 Sec", "110 Sec", "115 Sec", "120 Sec"};
+  EXPECT_EQ(Texts(Shown().cboMinLength), told);
+  for (const config::ChoiceRow& row : Shown().cboMinLength.Rows) {
+    EXPECT_EQ(row.Value, row.Text == "None" ? 0 : std::stoi(row.Text)) << row.Text;
+  }
+  EXPECT_EQ(Shown().cboMinLength.Text(), "45 Sec");
+}
+
+TEST_F(ConfigurationTest, TheMaximumLengthsAreHalfMinutesAndUnlimited) {
+  window_.Load();
+  const std::vector<std::string> told{
+      "Unlimited", ".5 Min",   "1.0 Min",  "1.5 Min",  "2.0 Min",  "2.5 Min",  "3.0 Min",  "3.5 Min",
+      "4.0 Min",   "4.5 Min",  "5.0 Min",  "5.5 Min",  "6.0 Min",  "6.5 Min",  "7.0 Min",  "7.5 Min",
+      "8.0 Min",   "8.5 Min",  "9.0 Min",  "9.5 Min",  "10.0 Min", "10.5 Min", "11.0 Min", "11.5 Min",
+      "12.0 Min",  "12.5 Min", "13.0 Min", "13.5 Min", "14.0 Min", "14.5 Min", "15.0 Min"};
+  EXPECT_EQ(Texts(Shown().cboMaxLength), told);
+  int value = 0;
+  for (const config::ChoiceRow& row : Shown().cboMaxLength.Rows) {
+    EXPECT_EQ(row.Value, value) << row.Text;
+    value += 30;
+  }
+  EXPECT_EQ(Shown().cboMaxLength.Text(), "Unlimited");
+}
+
+TEST_F(ConfigurationTest, TheSongDelaysAreHundredsToFiveThousand) {
+  window_.Load();
+  ASSERT_EQ(Shown().cboSongDelay.Rows.size(), 51U);
+  for (int i = 0; i <= 50; ++i) {
+    const auto& row = Shown().cboSongDelay.Rows[static_cast<std::size_t>(i)];
+    EXPECT_EQ(row, (config::ChoiceRow{std::to_string(i * 100), i * 100}));
+  }
+  EXPECT_EQ(Shown().cboSongDelay.Text(), "600");
+}
+
+TEST_F(ConfigurationTest, TheFileFormatsStandInTheirOrder) {
+  window_.Load();
+  EXPECT_THAT(Texts(Shown().cboFileFormat), ElementsAre("MP3", "WAV", "VOX", "RAW", "G726", "OGG"));
+  EXPECT_EQ(Shown().cboFileFormat.Text(), "MP3");
+}
+
+TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromIt) {
+  window_.Load();
+  rig_.Settings.MaxSongLength = 0;
+  for (const config::ChoiceRow& row : std::vector(Shown().cboMinLength.Rows)) {
+    rig_.Settings.MinSongLength = static_cast<std::int16_t>(row.Value);
+    window_.Load();
+    EXPECT_EQ(Shown().cboMinLength.Text(), row.Text);
+    ASSERT_TRUE(window_.cmdSave());
+    EXPECT_EQ(rig_.Settings.MinSongLength, row.Value);
+  }
+  rig_.Settings.MinSongLength = 0;
+  for (const config::ChoiceRow& row : std::vector(Shown().cboMaxLength.Rows)) {
+    rig_.Settings.MaxSongLength = static_cast<std::int16_t>(row.Value);
+    window_.Load();
+    EXPECT_EQ(Shown().cboMaxLength.Text(), row.Text);
+    ASSERT_TRUE(window_.cmdSave());
+    EXPECT_EQ(rig_.Settings.MaxSongLength, row.Value);
+  }
+  for (const config::ChoiceRow& row : std::vector(Shown().cboSongDelay.Rows)) {
+    rig_.Settings.SongDelay = static_cast<std::int16_t>(row.Value);
+    window_.Load();
+    EXPECT_EQ(Shown().cboSongDelay.Text(), row.Text);
+    ASSERT_TRUE(window_.cmdSave());
+    EXPECT_EQ(rig_.Settings.SongDelay, row.Value);
+  }
+}
+
+TEST_F(ConfigurationTest, LoadShowsTheSettings) {
+  rig_.Settings.FilenameFormat = "%a";
+  rig_.Settings.FileFormat = "WAV";
+  rig_.Settings.AGCEnabled = true;
+  rig_.Settings.SaveDuplicates = false;
+  rig_.Settings.TaskBarMinimized = false;
+  rig_.Settings.InputDevice = 3;
+  window_.Load();
+  EXPECT_EQ(Shown().txtFileDir, "/music/");
+  EXPECT_EQ(Shown().txtFilenameFormat, "%a");
+  EXPECT_EQ(Shown().cboFileFormat.Text(), "WAV");
+  EXPECT_TRUE(Shown().chkAGCEnabled);
+  EXPECT_TRUE(Shown().AGCSpinsVisible);
+  EXPECT_EQ(Shown().txtAGCLowLevel, "-10");
+  EXPECT_EQ(Shown().txtAGCHighLevel, "-40");
+  EXPECT_EQ(Shown().txtAGCAttackTime, "4");
+  EXPECT_FALSE(Shown().chkDuplicates);
+  EXPECT_FALSE(Shown().chkTaskBarMinimized);
+  EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
+  EXPECT_FALSE(window_.Dirty());
+}
+
+TEST_F(ConfigurationTest, LoadPreparesTheIdleSlotAndShowsItsDescription) {
+  rig_.Settings.FileFormat = "WAV";
+  window_.Load();
+  EXPECT_THAT(rig_.Idle.Calls, ElementsAre("SetFormatWAV 44100 2 16"));
+  EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 16");
+  EXPECT_EQ(rig_.Stops, 0);
+}
+
+TEST_F(ConfigurationTest, TheDevicesComeWithTheirIndexes) {
+  window_.Load();
+  EXPECT_EQ(Shown().cboDevice.Rows,
+            (std::vector<config::ChoiceRow>{{"Built-in Audio", 0}, {"USB Audio CODEC", 3}}));
+}
+
+TEST_F(ConfigurationTest, ADeviceThatHasGoneSelectsNothingAndIsKept) {
+  rig_.Settings.InputDevice = 7;
+  window_.Load();
+  EXPECT_EQ(Shown().cboDevice.Row, -1);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.InputDevice, 7);
+}
+
+TEST_F(ConfigurationTest, ABrokenDeviceTextGivesTheDevicesBeforeTheBreak) {
+  for (const char* devices : {"Built-in Audio#0%USB", "Built-in Audio#0%USB#3", "Built-in Audio#0%%"}) {
+    rig_.Devices = devices;
+    window_.Load();
+    EXPECT_EQ(Shown().cboDevice.Rows.size(), 1U) << devices;
+  }
+  rig_.Devices = "";
+  window_.Load();
+  EXPECT_THAT(Shown().cboDevice.Rows, IsEmpty());
+}
+
+TEST_F(ConfigurationTest, ChoosingInTheFourListsIsAChange) {
+  const std::vector<void (config::Configuration::*)(int)> lists{
+      &config::Configuration::cboDevice, &config::Configuration::cboMinLength,
+      &config::Configuration::cboMaxLength, &config::Configuration::cboSongDelay};
+  for (const auto list : lists) {
+    window_.Load();
+    EXPECT_FALSE(window_.Dirty());
+    (window_.*list)(0);
+    EXPECT_TRUE(window_.Dirty());
+  }
+}
+
+TEST_F(ConfigurationTest, ClickingDuplicatesIsAChange) {
+  window_.Load();
+  window_.chkDuplicates(false);
+  EXPECT_TRUE(window_.Dirty());
+}
+
+TEST_F(ConfigurationTest, BrowsingIsAChangeWhetherOrNotAFolderIsChosen) {
+  window_.Load();
+  (void)window_.cmdBrowse();
+  EXPECT_TRUE(window_.Dirty());
+}
+
+TEST_F(ConfigurationTest, TypingSpinningAndTheTaskbarBoxAreNoChanges) {
+  window_.Load();
+  window_.txtFileDir("/elsewhere");
+  window_.txtFilenameFormat("%s");
+  window_.txtAGCLowLevel("-1");
+  window_.txtAGCHighLevel("-2");
+  window_.txtAGCAttackTime("60");
+  window_.StepAGCLowLevel(1);
+  window_.StepAGCHighLevel(1);
+  window_.StepAGCAttackTime(1);
+  window_.chkAGCEnabled(true);
+  window_.chkTaskBarMinimized(false);
+  EXPECT_FALSE(window_.Dirty());
+  EXPECT_TRUE(window_.CloseBox());
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+}
+
+TEST_F(ConfigurationTest, AFormatTakesEffectWhenItIsChosenAndIsStoredOnlyBySaving) {
+  window_.Load();
+  ChooseFormat("VOX");
+  EXPECT_EQ(rig_.Settings.FileFormat, "VOX");
+  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatVOX 44100");
+  EXPECT_TRUE(window_.Dirty());
+  EXPECT_THAT(rig_.Saves(), IsEmpty()) << "a cancel now leaves the stored key as it was";
+  ChooseFormat("VOX");
+  EXPECT_EQ(rig_.Stops, 1) << "the same format stops nothing";
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "FileFormat"), "VOX");
+  EXPECT_EQ(rig_.Stops, 1);
+}
+
+TEST_F(ConfigurationTest, TheIdleSlotIsTheOneThatIsNotWritten) {
+  rig_.CaptureSlot = 1;
+  window_.Load();
+  ChooseFormat("WAV");
+  EXPECT_EQ(rig_.Idle.Calls.back(), "SetFormatWAV 44100 2 16");
+}
+
+TEST_F(ConfigurationTest, TheGainBoxShowsAndHidesSpinsAndLabels) {
+  window_.Load();
+  EXPECT_FALSE(Shown().AGCSpinsVisible);
+  window_.chkAGCEnabled(true);
+  EXPECT_TRUE(Shown().AGCSpinsVisible);
+  window_.chkAGCEnabled(false);
+  EXPECT_FALSE(Shown().AGCSpinsVisible);
+}
+
+TEST_F(ConfigurationTest, TheSpinsStepWithinTheirRanges) {
+  window_.Load();
+  window_.txtAGCLowLevel("-89");
+  window_.StepAGCLowLevel(-1);
+  window_.StepAGCLowLevel(-1);
+  EXPECT_EQ(Shown().txtAGCLowLevel, "-90");
+  window_.txtAGCHighLevel("-1");
+  window_.StepAGCHighLevel(1);
+  window_.StepAGCHighLevel(1);
+  EXPECT_EQ(Shown().txtAGCHighLevel, "0");
+  window_.StepAGCAttackTime(1);
+  EXPECT_EQ(Shown().txtAGCAttackTime, "50") << "from the default 4, below the range";
+  window_.txtAGCAttackTime("199 ms");
+  window_.StepAGCAttackTime(1);
+  window_.StepAGCAttackTime(1);
+  EXPECT_EQ(Shown().txtAGCAttackTime, "200");
+}
+
+TEST_F(ConfigurationTest, DefaultsSetTheControlsTold) {
+  rig_.Settings.FileFormat = "WAV";
+  rig_.Settings.SaveDuplicates = false;
+  rig_.Settings.TaskBarMinimized = false;
+  rig_.Settings.AGCEnabled = true;
+  rig_.Settings.InputDevice = 3;
+  rig_.Settings.MinSongLength = 0;
+  rig_.Settings.MaxSongLength = 900;
+  rig_.Settings.SongDelay = 0;
+  rig_.Settings.FilenameFormat = "%s";
+  rig_.Settings.FormatMP3.Bitrate = 64;
+  const config::FormatMP3 mp3 = rig_.Settings.FormatMP3;
+  window_.Load();
+  window_.cmdDefault();
+  EXPECT_EQ(Shown().cboMinLength.Text(), "45 Sec");
+  EXPECT_EQ(Shown().cboMaxLength.Text(), "Unlimited");
+  EXPECT_EQ(Shown().cboSongDelay.Text(), "600");
+  EXPECT_EQ(Shown().cboFileFormat.Text(), "MP3");
+  EXPECT_EQ(Shown().txtFilenameFormat, "%g\\%c - %t\\%a - %s");
+  EXPECT_TRUE(Shown().chkDuplicates);
+  EXPECT_TRUE(Shown().chkTaskBarMinimized);
+  EXPECT_TRUE(window_.Dirty());
+  EXPECT_EQ(rig_.Settings.FileFormat, "MP3") << "setting the list is choosing in it";
+  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(rig_.Idle.Calls.back(), "SetFormatMP3 44100 2 64");
+  // And these stay.
+  EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
+  EXPECT_EQ(Shown().txtFileDir, "/music/");
+  EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
+  EXPECT_TRUE(Shown().chkAGCEnabled);
+  EXPECT_EQ(Shown().txtAGCLowLevel, "-10");
+}
+
+TEST_F(ConfigurationTest, NoneWithUnlimitedIsSaved) {
+  window_.Load();
+  ChooseMin("None");
+  ChooseMax("Unlimited");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.MinSongLength, 0);
+  EXPECT_EQ(rig_.Settings.MaxSongLength, 0);
+}
+
+TEST_F(ConfigurationTest, AMinimumOf120SecondsWithTwoMinutesIsRefused) {
+  window_.Load();
+  ChooseMin("120 Sec");
+  ChooseMax("2.0 Min");
+  window_.txtFilenameFormat("/%a/");
+  EXPECT_FALSE(window_.cmdSave());
+  ASSERT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Text, "Minimum song length must be less than maximum song length");
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Title, "Song length error");
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Icon, platform::MessageIcon::Warning);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Buttons, platform::MessageButtons::Ok);
+  EXPECT_THAT(rig_.Saves(), IsEmpty());
+  EXPECT_EQ(rig_.Settings.MinSongLength, 45);
+  EXPECT_EQ(Shown().txtFilenameFormat, "/%a/") << "the check comes before the cleaning";
+  EXPECT_TRUE(window_.Dirty());
+}
+
+TEST_F(ConfigurationTest, AMinimumThatIsNotOnTheListSelectsNothingAndIsKept) {
+  rig_.Settings.MinSongLength = 47;
+  window_.Load();
+  EXPECT_EQ(Shown().cboMinLength.Row, -1);
+  EXPECT_EQ(Shown().cboMinLength.Text(), "");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.MinSongLength, 47);
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "MinSongLength"), "47");
+}
+
+TEST_F(ConfigurationTest, AFilenameFormatIsCleanedInTheBoxAndSaved) {
+  window_.Load();
+  window_.txtFilenameFormat("/ %a: %s /");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(Shown().txtFilenameFormat, "%a %s");
+  EXPECT_EQ(rig_.Settings.FilenameFormat, "%a %s");
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "FilenameFormat"), "%a %s");
+}
+
+TEST_F(ConfigurationTest, ADelayThatIsNotOnTheListIsSavedAsZero) {
+  rig_.Settings.SongDelay = 650;
+  window_.Load();
+  EXPECT_EQ(Shown().cboSongDelay.Row, -1);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.SongDelay, 0);
+}
+
+TEST_F(ConfigurationTest, AFolderGetsItsSeparator) {
+  window_.Load();
+  window_.txtFileDir("/data/Music");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.FileDir, "/data/Music/");
+  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "FileDir"), "/data/Music/");
+}
+
+TEST_F(ConfigurationTest, AFormatThatIsNotOnTheListSelectsNothingAndIsKept) {
+  rig_.Settings.FileFormat = "mp3";
+  window_.Load();
+  EXPECT_EQ(Shown().cboFileFormat.Row, -1);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.FileFormat, "mp3");
+  EXPECT_EQ(rig_.Stops, 0);
+}
+
+TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
+  window_.Load();
+  ChooseMin("20 Sec");
+  ChooseMax("1.5 Min");
+  window_.cboSongDelay(50);
+  window_.txtFileDir("/data");
+  window_.txtFilenameFormat("%a - %s");
+  ChooseFormat("OGG");
+  window_.chkAGCEnabled(true);
+  window_.txtAGCLowLevel(" -77 ");
+  window_.txtAGCHighLevel("3");
+  window_.txtAGCAttackTime("1.5");
+  window_.cboDevice(1);
+  window_.chkDuplicates(false);
+  window_.chkTaskBarMinimized(false);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_THAT(rig_.Saves(),
+              ElementsAre("MinSongLength=20", "MaxSongLength=90", "SongDelay=5000", "FileDir=/data/",
+                          "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
+                          "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
+                          "TaskBarMinimized=False"));
+  const config::Settings& saved = rig_.Settings;
+  EXPECT_EQ(saved.MinSongLength, 20);
+  EXPECT_EQ(saved.MaxSongLength, 90);
+  EXPECT_EQ(saved.SongDelay, 5000);
+  EXPECT_EQ(saved.FileDir, "/data/");
+  EXPECT_EQ(saved.FilenameFormat, "%a - %s");
+  EXPECT_EQ(saved.FileFormat, "OGG");
+  EXPECT_TRUE(saved.AGCEnabled);
+  EXPECT_EQ(saved.AGCLowLevel, -77);
+  EXPECT_EQ(saved.AGCHighLevel, 3) << "the ranges hold the spins alone";
+  EXPECT_EQ(saved.AGCAttackTime, 2);
+  EXPECT_EQ(saved.InputDevice, 3);
+  EXPECT_FALSE(saved.SaveDuplicates);
+  EXPECT_FALSE(saved.TaskBarMinimized);
+  EXPECT_FALSE(window_.Dirty());
+  EXPECT_EQ(rig_.DeviceChanges, 1);
+}
+
+TEST_F(ConfigurationTest, ASaveThatKeepsTheDeviceAsksForNoOther) {
+  window_.Load();
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.DeviceChanges, 0);
+}
+
+TEST_F(ConfigurationTest, AStoreThatCannotBeWrittenKeepsTheRunningProgramsValues) {
+  window_.Load();
+  rig_.Store.FailWrites = true;
+  ChooseMin("20 Sec");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.MinSongLength, 20);
+}
+
+TEST_F(ConfigurationTest, AGainTextThatIsNoNumberKeepsTheWindowOpenAndSavesNothing) {
+  struct Row {
+    void (config::Configuration::*Type)(std::string_view);
+    std::string_view Field;
+  };
+  for (const Row& row : {Row{&config::Configuration::txtAGCLowLevel, "txtAGCLowLevel"},
+                         Row{&config::Configuration::txtAGCHighLevel, "txtAGCHighLevel"},
+                         Row{&config::Configuration::txtAGCAttackTime, "txtAGCAttackTime"}}) {
+    for (const char* text : {"", "loud", "40000", "-32769", "1 2 x"}) {
+      window_.Load();
+      const config::Settings before = rig_.Settings;
+      ChooseMin("20 Sec");
+      (window_.*row.Type)(text);
+      EXPECT_FALSE(window_.cmdSave()) << row.Field << " " << text;
+      EXPECT_EQ(window_.FieldToMend(), row.Field);
+      EXPECT_EQ(rig_.Settings, before);
+      EXPECT_THAT(rig_.Saves(), IsEmpty());
+      EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+    }
+  }
+}
+
+TEST_F(ConfigurationTest, TheCloseBoxAsksOnlyAfterAChange) {
+  window_.Load();
+  EXPECT_TRUE(window_.CloseBox());
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+  window_.chkDuplicates(false);
+  rig_.Dialogs.Answer = platform::MessageAnswer::No;
+  EXPECT_TRUE(window_.CloseBox());
+  ASSERT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Text, "You have made changes, do you want to save your changes first?");
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Title, "Save Configuration Changes");
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Icon, platform::MessageIcon::Information);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Buttons, platform::MessageButtons::YesNoCancel);
+  EXPECT_THAT(rig_.Saves(), IsEmpty());
+}
+
+TEST_F(ConfigurationTest, TheCloseBoxsCancelKeepsTheWindowOpen) {
+  window_.Load();
+  window_.chkDuplicates(false);
+  rig_.Dialogs.Answer = platform::MessageAnswer::Cancel;
+  EXPECT_FALSE(window_.CloseBox());
+  EXPECT_THAT(rig_.Saves(), IsEmpty());
+}
+
+TEST_F(ConfigurationTest, TheCloseBoxsYesSaves) {
+  window_.Load();
+  window_.chkDuplicates(false);
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_TRUE(window_.CloseBox());
+  EXPECT_FALSE(rig_.Settings.SaveDuplicates);
+}
+
+TEST_F(ConfigurationTest, TheCloseBoxsYesClosesThoughTheLengthsAreRefused) {
+  window_.Load();
+  ChooseMin("120 Sec");
+  ChooseMax("2.0 Min");
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_TRUE(window_.CloseBox());
+  EXPECT_EQ(rig_.Dialogs.Shown.size(), 2U);
+  EXPECT_THAT(rig_.Saves(), IsEmpty());
+}
+
+TEST_F(ConfigurationTest, TheCloseBoxsYesWithAGainTextThatIsNoNumberKeepsTheWindowOpen) {
+  window_.Load();
+  window_.chkDuplicates(false);
+  window_.txtAGCLowLevel("loud");
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_FALSE(window_.CloseBox());
+  EXPECT_EQ(window_.FieldToMend(), "txtAGCLowLevel");
+}
+
+TEST_F(ConfigurationTest, TheFolderChooserStartsWhereTheTextPoints) {
+  window_.Load();
+  const std::vector<std::pair<std::string, std::string>> rows{
+      {"", "/home/user/Music/Kestrune"},
+      {"/", "/"},
+      {"/music/", "/music"},
+      {"/music", "/music"},
+      {"/music//", "/music"},
+      {"relative/", "relative"},
+  };
+  for (const auto& [text, start] : rows) {
+    window_.txtFileDir(text);
+    EXPECT_EQ(window_.cmdBrowse(), start) << text;
+    EXPECT_EQ(Shown().txtFileDir, text);
+  }
+}
+
+TEST_F(ConfigurationTest, AChosenFolderReplacesTheTextAndNoneKeepsIt) {
+  window_.Load();
+  window_.FolderChosen("");
+  EXPECT_EQ(Shown().txtFileDir, "/music/");
+  window_.FolderChosen(std::string_view("/data\0rest", 10));
+  EXPECT_EQ(Shown().txtFileDir, "/data");
+  window_.FolderChosen(std::string_view("\0rest", 5));
+  EXPECT_EQ(Shown().txtFileDir, "/data");
+}
+
+TEST_F(ConfigurationTest, AfterAnOptionWindowTheIdleSlotIsPreparedWithWhatItSaved) {
+  rig_.Settings.FileFormat = "WAV";
+  window_.Load();
+  window_.Wav().Load();
+  window_.Wav().Choose(1, 1);
+  window_.Wav().cmdOK();
+  window_.FormatOptionsClosed();
+  EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 8");
+  EXPECT_EQ(rig_.Stops, 0);
+  EXPECT_FALSE(window_.Dirty());
+}
+
+TEST_F(ConfigurationTest, AnOptionWindowPutsTheShownFormatBackIfItWasChangedElsewhere) {
+  rig_.Settings.FileFormat = "WAV";
+  window_.Load();
+  rig_.Settings.FileFormat = "VOX";
+  window_.FormatOptionsClosed();
+  EXPECT_EQ(rig_.Settings.FileFormat, "WAV");
+  EXPECT_EQ(rig_.Stops, 1);
+}
+
+TEST_F(ConfigurationTest, AReadyMadeFilenameFormatIsNoChangeAndSavesNothing) {
+  window_.Load();
+  window_.FilenameFormats().cmdSelect(2);
+  EXPECT_EQ(Shown().txtFilenameFormat, "%a\\%a - %s");
+  EXPECT_FALSE(window_.Dirty());
+  EXPECT_THAT(rig_.Saves(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace kestrune::test
