@@ -180,7 +180,7 @@ class BoundChannels : public ChannelsFixture {
   void TestBody() override {}
 
   std::unique_ptr<base::Timer> tmrUpdate_ = loop.MakeTimer(std::chrono::hours(1), [] {});
-  radio::ChannelChooser chooser_{channels, run, sounds, loop, *tmrUpdate_, [] { return false; }};
+  presenters::ChannelChooser chooser_{channels, run, sounds, loop, *tmrUpdate_, [] { return false; }};
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
   std::unique_ptr<windows::frmChannels> window_;

@@ -6,14 +6,14 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
-#include "presenters/SchedulerMoment.h"
 #include "schedule/entries/NextRun.h"
+#include "schedule/entries/SchedulerMoment.h"
 
 namespace kestrune::control {
 namespace {
 
 using base::DateValue;
-using schedule::Scheduler;
+using presenters::Scheduler;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 

@@ -21,10 +21,10 @@ namespace kestrune::control {
 
 /// The commands that change an entry, each on a scheduler that was opened for it: through the same rules as a
 /// person at the scheduler's window, but only the one entry is written. The text is why it is refused.
-[[nodiscard]] std::optional<std::string> SetEntry(schedule::Scheduler& scheduler,
+[[nodiscard]] std::optional<std::string> SetEntry(presenters::Scheduler& scheduler,
                                                   const ScheduleChange& change, base::DateValue now);
-[[nodiscard]] std::optional<std::string> EnableEntry(schedule::Scheduler& scheduler, int number, bool enabled,
-                                                     base::DateValue now);
-[[nodiscard]] std::optional<std::string> ClearEntry(schedule::Scheduler& scheduler, int number);
+[[nodiscard]] std::optional<std::string> EnableEntry(presenters::Scheduler& scheduler, int number,
+                                                     bool enabled, base::DateValue now);
+[[nodiscard]] std::optional<std::string> ClearEntry(presenters::Scheduler& scheduler, int number);
 
 }  // namespace kestrune::control

@@ -5,8 +5,8 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
-#include "presenters/SchedulerMoment.h"
-#include "presenters/SchedulerSettings.h"
+#include "schedule/entries/SchedulerMoment.h"
+#include "schedule/entries/SchedulerSettings.h"
 
 namespace kestrune::control {
 namespace {

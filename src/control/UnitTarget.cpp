@@ -167,9 +167,9 @@ std::vector<ScheduleReport> UnitTarget::Schedule() {
 }
 
 CommandResult UnitTarget::AtTheScheduler(
-    const std::function<std::optional<std::string>(schedule::Scheduler&)>& change) {
+    const std::function<std::optional<std::string>(presenters::Scheduler&)>& change) {
   if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  schedule::Scheduler scheduler = unit_.OpenScheduler();
+  presenters::Scheduler scheduler = unit_.OpenScheduler();
   if (std::optional<std::string> why = change(scheduler)) return Refused(*std::move(why));
   unit_.ReloadSchedule();
   return Done();
@@ -177,16 +177,16 @@ CommandResult UnitTarget::AtTheScheduler(
 
 CommandResult UnitTarget::SetSchedule(const ScheduleChange& change) {
   return AtTheScheduler(
-      [&](schedule::Scheduler& scheduler) { return SetEntry(scheduler, change, unit_.Now()); });
+      [&](presenters::Scheduler& scheduler) { return SetEntry(scheduler, change, unit_.Now()); });
 }
 
 CommandResult UnitTarget::EnableSchedule(int number, bool enabled) {
   return AtTheScheduler(
-      [&](schedule::Scheduler& scheduler) { return EnableEntry(scheduler, number, enabled, unit_.Now()); });
+      [&](presenters::Scheduler& scheduler) { return EnableEntry(scheduler, number, enabled, unit_.Now()); });
 }
 
 CommandResult UnitTarget::ClearSchedule(int number) {
-  return AtTheScheduler([&](schedule::Scheduler& scheduler) { return ClearEntry(scheduler, number); });
+  return AtTheScheduler([&](presenters::Scheduler& scheduler) { return ClearEntry(scheduler, number); });
 }
 
 namespace {

@@ -38,7 +38,7 @@ class UnitTarget final : public ControlTarget {
  private:
   /// Opens the scheduler for one change; the schedule is reloaded behind it.
   [[nodiscard]] CommandResult AtTheScheduler(
-      const std::function<std::optional<std::string>(schedule::Scheduler&)>& change);
+      const std::function<std::optional<std::string>(presenters::Scheduler&)>& change);
 
   recorder::Kestrune& unit_;
 };

@@ -5,7 +5,7 @@
 
 #include "base/Text.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr auto kNextTry = 10ms;       // the update cycle runs
 
 }  // namespace
 
-ChannelChooser::ChannelChooser(Channels& channels, const base::RunState& run, platform::Sounds& sounds,
+ChannelChooser::ChannelChooser(radio::Channels& channels, const base::RunState& run, platform::Sounds& sounds,
                                base::EventLoop& loop, const base::Timer& tmrUpdate,
                                std::function<bool()> getRecordingStatus)
     : channels_(channels),
@@ -33,10 +33,10 @@ void ChannelChooser::Load() {
 
 void ChannelChooser::ClickTitle(int column) {
   if (RefuseWhileRecording()) return;
-  if (column < 0 || column >= ChannelGrid::kColumns) return;
+  if (column < 0 || column >= radio::ChannelGrid::kColumns) return;
   sortClickOrder_ = column != sortClickColumn_ || sortClickOrder_ != 1 ? 1 : 2;
   sortClickColumn_ = column;
-  channels_.Grid().Sort(column, static_cast<ChannelGrid::Order>(sortClickOrder_));
+  channels_.Grid().Sort(column, static_cast<radio::ChannelGrid::Order>(sortClickOrder_));
   PutSelectionBack();
 }
 
@@ -60,11 +60,11 @@ void ChannelChooser::MoveTo(int row) {
 
 void ChannelChooser::DoubleClick(int row, int column) {
   tmrChannelChange_->SetEnabled(false);
-  const bool named = column == ChannelGrid::Artist || column == ChannelGrid::Song;
+  const bool named = column == radio::ChannelGrid::Artist || column == radio::ChannelGrid::Song;
   if (named && row >= 1 && row <= Grid().RowCount()) {
     const std::string text(base::Trim(Grid().At(row).at(static_cast<std::size_t>(column))));
     if (!text.empty()) {
-      OfferForList(column == ChannelGrid::Artist ? "Artist" : "Song", text);
+      OfferForList(column == radio::ChannelGrid::Artist ? "Artist" : "Song", text);
       return;
     }
   }
@@ -105,4 +105,4 @@ void ChannelChooser::tmrChannelChange_Timer() {
   tmrChannelChange_->SetEnabled(true);
 }
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

@@ -12,7 +12,7 @@
 #include "radio/channels/ChannelGrid.h"
 #include "radio/channels/Channels.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 /// What the user does in the grid of the channels window: choosing a channel by click or by key, which tunes
 /// it a moment after the last move, sorting by a title, and offering a text for the Grab and Kill lists. While
@@ -23,7 +23,7 @@ class ChannelChooser {
  public:
   /// All must outlive the object. `tmrUpdate` is off while the update cycle runs; `getRecordingStatus` tells
   /// whether the channel must stay as it is.
-  ChannelChooser(Channels& channels, const base::RunState& run, platform::Sounds& sounds,
+  ChannelChooser(radio::Channels& channels, const base::RunState& run, platform::Sounds& sounds,
                  base::EventLoop& loop, const base::Timer& tmrUpdate,
                  std::function<bool()> getRecordingStatus);
 
@@ -35,7 +35,7 @@ class ChannelChooser {
 
   /// Sets the empty grid up, without input until the radio's first channel has come.
   void Load();
-  [[nodiscard]] const ChannelGrid& Grid() const { return channels_.Grid(); }
+  [[nodiscard]] const radio::ChannelGrid& Grid() const { return channels_.Grid(); }
 
   /// A click on the title row: sorts by the column, the other way round on each further click.
   void ClickTitle(int column);
@@ -60,7 +60,7 @@ class ChannelChooser {
   void PutSelectionBack();
   void tmrChannelChange_Timer();
 
-  Channels& channels_;
+  radio::Channels& channels_;
   const base::RunState& run_;
   platform::Sounds& sounds_;
   const base::Timer& tmrUpdate_;
@@ -73,4 +73,4 @@ class ChannelChooser {
   std::unique_ptr<base::Timer> tmrChannelChange_;
 };
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 struct ChoiceRow {
   std::string Text;
@@ -43,4 +43,4 @@ struct ChoiceList {
   }
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -9,10 +9,10 @@
 
 #include "base/Ignored.h"
 #include "base/Numbers.h"
+#include "config/settings/ConfigurationSave.h"
 #include "config/settings/SettingKeys.h"
-#include "presenters/ConfigurationSave.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 namespace {
 
 /// The keys of a save, in the order in which they are written.
@@ -78,7 +78,7 @@ Configuration::Configuration(ConfigurationAccess access)
       g726_("G726", access_.Settings, access_.Section) {}
 
 void Configuration::Load() {
-  const Settings& settings = access_.Settings;
+  const config::Settings& settings = access_.Settings;
   fieldToMend_ = {};
   controls_.cboMinLength = MinLengths();
   controls_.cboMinLength.SelectValue(settings.MinSongLength);
@@ -149,7 +149,7 @@ void Configuration::cboFileFormat(int row) {
 
 void Configuration::TakeFileFormat() {
   if (controls_.cboFileFormat.Row < 0) return;
-  base::Ignored(WriteFileFormat(access_.Settings, controls_.cboFileFormat.Text(), access_.cmdStop));
+  base::Ignored(config::WriteFileFormat(access_.Settings, controls_.cboFileFormat.Text(), access_.cmdStop));
 }
 
 void Configuration::ShowFormat() {
@@ -198,7 +198,7 @@ void Configuration::FolderChosen(std::string_view folder) {
 }
 
 void Configuration::cmdDefault() {
-  const Settings defaults;
+  const config::Settings defaults;
   controls_.cboMinLength.SelectText("45 Sec");
   controls_.cboMaxLength.SelectText("Unlimited");
   controls_.cboSongDelay.SelectText("600");
@@ -212,18 +212,18 @@ void Configuration::cmdDefault() {
 }
 
 bool Configuration::cmdSave() {
-  Settings& settings = access_.Settings;
+  config::Settings& settings = access_.Settings;
   fieldToMend_ = {};
   const std::int16_t minimum = ChosenOr(controls_.cboMinLength, settings.MinSongLength);
   const std::int16_t maximum = ChosenOr(controls_.cboMaxLength, settings.MaxSongLength);
-  if (!SongLengthsAgree(minimum, maximum)) {
-    base::Ignored(access_.Dialogs.Show({.Title = std::string(kSongLengthTitle),
-                                        .Text = std::string(kSongLengthText),
+  if (!config::SongLengthsAgree(minimum, maximum)) {
+    base::Ignored(access_.Dialogs.Show({.Title = std::string(config::kSongLengthTitle),
+                                        .Text = std::string(config::kSongLengthText),
                                         .Icon = platform::MessageIcon::Warning,
                                         .Buttons = platform::MessageButtons::Ok}));
     return false;
   }
-  controls_.txtFilenameFormat = CleanFilenameFormat(controls_.txtFilenameFormat);
+  controls_.txtFilenameFormat = config::CleanFilenameFormat(controls_.txtFilenameFormat);
 
   // The three numbers are read before anything is written, so that nothing is half saved.
   const std::optional<std::int16_t> highLevel = base::ToInt16(controls_.txtAGCHighLevel);
@@ -241,7 +241,7 @@ bool Configuration::cmdSave() {
   settings.MinSongLength = minimum;
   settings.MaxSongLength = maximum;
   settings.SongDelay = SongDelayOf(controls_.cboSongDelay.Text());
-  WriteFileDir(settings, controls_.txtFileDir);
+  config::WriteFileDir(settings, controls_.txtFileDir);
   TakeFileFormat();
   settings.AGCEnabled = controls_.chkAGCEnabled;
   settings.AGCHighLevel = *highLevel;
@@ -253,7 +253,7 @@ bool Configuration::cmdSave() {
   settings.TaskBarMinimized = controls_.chkTaskBarMinimized;
 
   for (const std::string_view key : kSavedKeys) {
-    base::Ignored(SaveSetting(access_.Section, settings, key));
+    base::Ignored(config::SaveSetting(access_.Section, settings, key));
   }
   dirty_ = false;
   if (settings.InputDevice != device) access_.DeviceChanged();
@@ -272,4 +272,4 @@ bool Configuration::CloseBox() {
   return cmdSave() || fieldToMend_.empty();
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

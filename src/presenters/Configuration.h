@@ -11,7 +11,7 @@
 #include "presenters/OggOptions.h"
 #include "presenters/SpinRange.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 inline constexpr SpinRange kAGCLevelRange{-90, 0, 1};    ///< dB
 inline constexpr SpinRange kAGCAttackRange{50, 200, 1};  ///< milliseconds
@@ -26,7 +26,7 @@ class Configuration {
   Configuration& operator=(const Configuration&) = delete;
 
   [[nodiscard]] const ConfigurationControls& Controls() const { return controls_; }
-  [[nodiscard]] const SettingsSection& Section() const { return access_.Section; }
+  [[nodiscard]] const config::SettingsSection& Section() const { return access_.Section; }
   /// Whether a close by the close box asks first. What is typed or spun does not count.
   [[nodiscard]] bool Dirty() const { return dirty_; }
 
@@ -100,4 +100,4 @@ class Configuration {
   FormatOptions g726_;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -9,13 +9,13 @@
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// What the configuration works on: the settings of the running program, and the doors through which a change
 /// takes effect. All of it must outlive what is built on it.
 struct ConfigurationAccess {
   config::Settings& Settings;
-  const SettingsSection& Section;
+  const config::SettingsSection& Section;
   config::FileSpecs& FileSpecs;
   platform::Dialogs& Dialogs;
   const platform::Environment& Environment;
@@ -27,4 +27,4 @@ struct ConfigurationAccess {
   std::function<void()> DeviceChanged;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -4,7 +4,7 @@
 
 #include "presenters/ChoiceList.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// What the configuration window shows.
 struct ConfigurationControls {
@@ -26,4 +26,4 @@ struct ConfigurationControls {
   bool chkTaskBarMinimized = false;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/SchedulerMoment.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 namespace {
 
 using base::DateValue;
@@ -42,11 +42,11 @@ void DateSelect::ChooseDate(DateValue date) {
 }
 
 void DateSelect::cmdDay(int index) {
-  selDate_ = CodedDay(index + 1);
+  selDate_ = schedule::CodedDay(index + 1);
 }
 
 void DateSelect::cmdEveryDay() {
-  selDate_ = CodedDay(15);
+  selDate_ = schedule::CodedDay(15);
 }
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -3,7 +3,7 @@
 #include "base/DateValue.h"
 #include "base/EventLoop.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 /// The rules of the date picker: a date of the calendar, or what recurs as a coded day of January 1967. It is
 /// made anew each time that the picker opens, and closes with the first choice.
@@ -37,4 +37,4 @@ class DateSelect {
   base::DateValue calendar_;
 };
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 namespace {
 
 constexpr FilenameFormatRow kRows[] = {
@@ -37,4 +37,4 @@ void FilenameFormatSelect::cmdSelect(std::size_t row) {
   txtFilenameFormat_ = kRows[row].Format;
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// A ready-made filename format. The ".mp3" of the description follows no file format.
 struct FilenameFormatRow {
@@ -31,4 +31,4 @@ class FilenameFormatSelect {
   std::string& txtFilenameFormat_;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -6,7 +6,7 @@
 #include "base/Ignored.h"
 #include "config/settings/SettingKeys.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 namespace {
 
 constexpr std::string_view kRateFrame = "Sample Rate (Hz)";
@@ -19,8 +19,8 @@ template <auto Record, auto Field>
 constexpr OptionGroup Group(std::string_view name, std::string_view frame,
                             std::span<const OptionButton> buttons) {
   return {name, frame, buttons,
-          [](const Settings& settings) { return static_cast<std::int32_t>(settings.*Record.*Field); },
-          [](Settings& settings, std::int32_t value) {
+          [](const config::Settings& settings) { return static_cast<std::int32_t>(settings.*Record.*Field); },
+          [](config::Settings& settings, std::int32_t value) {
             auto& field = settings.*Record.*Field;
             field = static_cast<std::remove_reference_t<decltype(field)>>(value);
           }};
@@ -39,9 +39,11 @@ constexpr OptionButton kRawRates[] = {
     {"48000", 48000, kRateTip},
 };
 constexpr OptionGroup kRawGroups[] = {
-    Group<&Settings::FormatRAW, &FormatRAW::Compression>("optCompression", "Compression", kRawCompressions),
-    Group<&Settings::FormatRAW, &FormatRAW::Channels>("optChannels", "Channels", kRawChannels),
-    Group<&Settings::FormatRAW, &FormatRAW::Frequency>("optFrequency", kRateFrame, kRawRates),
+    Group<&config::Settings::FormatRAW, &config::FormatRAW::Compression>("optCompression", "Compression",
+                                                                         kRawCompressions),
+    Group<&config::Settings::FormatRAW, &config::FormatRAW::Channels>("optChannels", "Channels",
+                                                                      kRawChannels),
+    Group<&config::Settings::FormatRAW, &config::FormatRAW::Frequency>("optFrequency", kRateFrame, kRawRates),
 };
 
 constexpr OptionButton kRates[] = {
@@ -50,16 +52,17 @@ constexpr OptionButton kRates[] = {
     {"44100", 44100, kRateTip}, {"48000", 48000, kRateTip},
 };
 constexpr OptionGroup kVoxGroups[] = {
-    Group<&Settings::FormatVOX, &FormatVOX::Frequency>("optFrequency", kRateFrame, kRates),
+    Group<&config::Settings::FormatVOX, &config::FormatVOX::Frequency>("optFrequency", kRateFrame, kRates),
 };
 
 // The tip of "Stereo" speaks of bits: it has always done so.
 constexpr OptionButton kWavChannels[] = {{"Stereo", 2, kBitsTip}, {"Mono", 1, kChannelsTip}};
 constexpr OptionButton kWavBits[] = {{"16 Bits", 16, kBitsTip}, {"8 Bits", 8, kBitsTip}};
 constexpr OptionGroup kWavGroups[] = {
-    Group<&Settings::FormatWAV, &FormatWAV::Channels>("optChannels", "Channels", kWavChannels),
-    Group<&Settings::FormatWAV, &FormatWAV::Bits>("optBits", "Bits Per Sample", kWavBits),
-    Group<&Settings::FormatWAV, &FormatWAV::Frequency>("optFrequency", kRateFrame, kRates),
+    Group<&config::Settings::FormatWAV, &config::FormatWAV::Channels>("optChannels", "Channels",
+                                                                      kWavChannels),
+    Group<&config::Settings::FormatWAV, &config::FormatWAV::Bits>("optBits", "Bits Per Sample", kWavBits),
+    Group<&config::Settings::FormatWAV, &config::FormatWAV::Frequency>("optFrequency", kRateFrame, kRates),
 };
 
 constexpr std::string_view k726BitsTip = "Select number of bits per sample to record";
@@ -75,8 +78,8 @@ constexpr OptionButton k726Rates[] = {
     {"48000", 48000, k726RateTip},
 };
 constexpr OptionGroup k726Groups[] = {
-    Group<&Settings::Format726, &Format726::Bits>("optADPCM", "Bits Per Sample", k726Bits),
-    Group<&Settings::Format726, &Format726::Frequency>("optFrequency", kRateFrame, k726Rates),
+    Group<&config::Settings::Format726, &config::Format726::Bits>("optADPCM", "Bits Per Sample", k726Bits),
+    Group<&config::Settings::Format726, &config::Format726::Frequency>("optFrequency", kRateFrame, k726Rates),
 };
 
 constexpr OptionWindow kWindows[] = {
@@ -93,7 +96,8 @@ const OptionWindow& OptionWindowOf(std::string_view fileFormat) {
   return found == std::end(kWindows) ? kWindows[0] : *found;
 }
 
-FormatOptions::FormatOptions(std::string_view fileFormat, Settings& settings, const SettingsSection& section)
+FormatOptions::FormatOptions(std::string_view fileFormat, config::Settings& settings,
+                             const config::SettingsSection& section)
     : design_(OptionWindowOf(fileFormat)), settings_(settings), section_(section) {
   Load();
 }
@@ -117,7 +121,7 @@ void FormatOptions::cmdOK() {
   for (std::size_t group = 0; group < values_.size(); ++group) {
     design_.Groups[group].Write(settings_, values_[group]);
   }
-  base::Ignored(SaveSettings(section_, settings_, FormatKeys(design_.FileFormat)));
+  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys(design_.FileFormat)));
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -10,7 +10,7 @@
 #include "config/settings/SettingsSection.h"
 #include "presenters/OptionGroup.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// What the option window of RAW, VOX, WAV or G726 looks like.
 struct OptionWindow {
@@ -28,7 +28,8 @@ inline constexpr std::string_view kButtonFormats[] = {"RAW", "VOX", "WAV", "G726
 class FormatOptions {
  public:
   /// The references must outlive this object.
-  FormatOptions(std::string_view fileFormat, Settings& settings, const SettingsSection& section);
+  FormatOptions(std::string_view fileFormat, config::Settings& settings,
+                const config::SettingsSection& section);
 
   [[nodiscard]] const OptionWindow& Design() const { return design_; }
   /// Copies the record of the running program.
@@ -41,9 +42,9 @@ class FormatOptions {
 
  private:
   const OptionWindow& design_;
-  Settings& settings_;
-  const SettingsSection& section_;
+  config::Settings& settings_;
+  const config::SettingsSection& section_;
   std::vector<std::int32_t> values_;  ///< one a group
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

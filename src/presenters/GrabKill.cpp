@@ -5,7 +5,7 @@
 #include "base/Text.h"
 #include "schedule/log/UserDataFolder.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 namespace {
 
 constexpr std::string_view kQuestion =
@@ -24,14 +24,16 @@ void GrabKill::DblClick(Field field, std::string_view caption) {
   if (show_) show_();
   if (grabMode_ == 0) return;
   const bool kill = grabMode_ == kKill;
-  RestrictList list = kill ? RestrictList::KillArtists : RestrictList::GrabArtists;
-  if (field == Field::Song) list = kill ? RestrictList::KillSongs : RestrictList::GrabSongs;
+  schedule::RestrictList list =
+      kill ? schedule::RestrictList::KillArtists : schedule::RestrictList::GrabArtists;
+  if (field == Field::Song)
+    list = kill ? schedule::RestrictList::KillSongs : schedule::RestrictList::GrabSongs;
   const std::string single = base::OneLine(base::ReplaceAll(text, "&&", "&"));
   base::Ignored(Append(list, base::Trim(single)));
 }
 
-bool GrabKill::Append(RestrictList list, std::string_view fragment) {
-  base::Ignored(MakeUserDataFolder(files_, environment_));
+bool GrabKill::Append(schedule::RestrictList list, std::string_view fragment) {
+  base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
   const std::string path = restrictions_.RestrictionFile();
   const auto before = files_.Read(path);
   // An editor may have left the last line without an end: the entry would become a part of it.
@@ -44,4 +46,4 @@ bool GrabKill::Append(RestrictList list, std::string_view fragment) {
   return written;
 }
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

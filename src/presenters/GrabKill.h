@@ -10,7 +10,7 @@
 #include "presenters/RestrictListEditor.h"
 #include "schedule/lists/Restrictions.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 /// The quick addition: one question, and the artist or title on show becomes an entry of a Grab or a Kill list.
 class GrabKill {
@@ -18,7 +18,7 @@ class GrabKill {
   enum class Field { Artist, Song };
 
   /// All references must outlive the object.
-  GrabKill(Restrictions& restrictions, RestrictListEditor& editor, platform::Files& files,
+  GrabKill(schedule::Restrictions& restrictions, RestrictListEditor& editor, platform::Files& files,
            const platform::Environment& environment)
       : restrictions_(restrictions), editor_(editor), files_(files), environment_(environment) {}
 
@@ -35,10 +35,10 @@ class GrabKill {
   [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
 
   /// Adds without a question; an open editor shows the entry as well. False if the file could not be written.
-  [[nodiscard]] bool Append(RestrictList list, std::string_view fragment);
+  [[nodiscard]] bool Append(schedule::RestrictList list, std::string_view fragment);
 
  private:
-  Restrictions& restrictions_;
+  schedule::Restrictions& restrictions_;
   RestrictListEditor& editor_;
   platform::Files& files_;
   const platform::Environment& environment_;
@@ -47,4 +47,4 @@ class GrabKill {
   std::int16_t grabMode_ = 0;
 };
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 namespace {
 
@@ -42,4 +42,4 @@ float FitFont(float points, float windowWidth, float height,
   return points;
 }
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

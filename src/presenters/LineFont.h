@@ -2,7 +2,7 @@
 
 #include <functional>
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 /// Width and height of a line of text, in twips.
 struct LineSize {
@@ -20,4 +20,4 @@ inline constexpr float kLargestFont = 72;  ///< points
 [[nodiscard]] float FitFont(float points, float windowWidth, float height,
                             const std::function<LineSize(float points)>& measure);
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

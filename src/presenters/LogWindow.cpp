@@ -4,7 +4,7 @@
 
 #include "base/Ignored.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 void LogWindow::cmdClear() {
   const auto answer = dialogs_.Show({.Title = "Clear Log",
@@ -22,4 +22,4 @@ void LogWindow::OpenCopy() {
   if (files_.Copy(log, copy)) base::Ignored(shell_.Open(copy));
 }
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -6,17 +6,17 @@
 #include "platform/Shell.h"
 #include "schedule/log/LogList.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 /// What the user can do in the log's window.
 class LogWindow {
  public:
   /// All references must outlive the object.
-  LogWindow(LogList& list, platform::Files& files, const platform::Environment& environment,
+  LogWindow(schedule::LogList& list, platform::Files& files, const platform::Environment& environment,
             platform::Shell& shell, platform::Dialogs& dialogs)
       : list_(list), files_(files), environment_(environment), shell_(shell), dialogs_(dialogs) {}
 
-  [[nodiscard]] LogList& List() const { return list_; }
+  [[nodiscard]] schedule::LogList& List() const { return list_; }
 
   /// Asks first; nothing is logged about it.
   void cmdClear();
@@ -25,11 +25,11 @@ class LogWindow {
   void OpenCopy();
 
  private:
-  LogList& list_;
+  schedule::LogList& list_;
   platform::Files& files_;
   const platform::Environment& environment_;
   platform::Shell& shell_;
   platform::Dialogs& dialogs_;
 };
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

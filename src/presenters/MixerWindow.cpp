@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 using platform::Mixer;
 
@@ -62,4 +62,4 @@ void MixerWindow::chSelect_MouseUp(std::size_t index, bool checked) {
   mixer_.SetCurrentLine(current);
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

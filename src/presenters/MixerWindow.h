@@ -7,7 +7,7 @@
 
 #include "platform/Mixer.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// One column of the mixer's window: a recording line, as it is shown.
 struct MixerColumn {
@@ -55,4 +55,4 @@ class MixerWindow {
   std::int16_t selectedLine_ = 0;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

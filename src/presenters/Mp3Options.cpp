@@ -10,11 +10,11 @@
 #include "base/Numbers.h"
 #include "config/settings/SettingKeys.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 namespace {
 
 constexpr std::int16_t kKbit[] = {8, 16, 24, 32, 48, 56, 64, 96, 112, 128, 160, 192, 224, 256, 320};
-constexpr BitrateTable kBitrates(kKbit, 0);
+constexpr config::BitrateTable kBitrates(kKbit, 0);
 constexpr int kMostQuality = 9;
 
 // Rows of the coding method; the field is the row minus 1.
@@ -22,9 +22,9 @@ constexpr int kDisabled = 0;
 constexpr int kAverage = 5;
 
 constexpr std::string_view kFilterNames[] = {"txtHFiltF", "txtHFiltW", "txtLFiltF", "txtLFiltW"};
-constexpr std::int16_t FormatMP3::*kFilterFields[] = {
-    &FormatMP3::HighPassFilterFreq, &FormatMP3::HighPassFilterWidth, &FormatMP3::LowPassFilterFreq,
-    &FormatMP3::LowPassFilterWidth};
+constexpr std::int16_t config::FormatMP3::*kFilterFields[] = {
+    &config::FormatMP3::HighPassFilterFreq, &config::FormatMP3::HighPassFilterWidth,
+    &config::FormatMP3::LowPassFilterFreq, &config::FormatMP3::LowPassFilterWidth};
 
 /// A list whose rows stand for `first`, `first` + 1 and so on.
 ChoiceList Numbered(std::int32_t first, std::initializer_list<const char*> texts) {
@@ -61,11 +61,11 @@ void TakeChosen(Field& field, const ChoiceList& list) {
 
 }  // namespace
 
-const BitrateTable& Mp3Bitrates() {
+const config::BitrateTable& Mp3Bitrates() {
   return kBitrates;
 }
 
-Mp3Options::Mp3Options(Settings& settings, const SettingsSection& section)
+Mp3Options::Mp3Options(config::Settings& settings, const config::SettingsSection& section)
     : settings_(settings), section_(section) {
   Load();
 }
@@ -181,7 +181,7 @@ void Mp3Options::chkLFilt(bool checked) {
   Filter(FilterNumber::LFiltW).Enabled = checked;
 }
 
-bool Mp3Options::ReadFilters(FormatMP3& record) {
+bool Mp3Options::ReadFilters(config::FormatMP3& record) {
   for (std::size_t i = 0; i < kFilterNumbers; ++i) {
     const std::optional<std::int16_t> value = base::ToInt16(controls_.Filters[i].Text);
     if (!value) {
@@ -196,7 +196,7 @@ bool Mp3Options::ReadFilters(FormatMP3& record) {
 }
 
 bool Mp3Options::cmdOK() {
-  FormatMP3 record = record_;
+  config::FormatMP3 record = record_;
   if (!ReadFilters(record)) return false;
   TakeChosen(record.TypeStereo, controls_.cboTypeStereo);
   TakeChosen(record.Channels, controls_.cboChannels);
@@ -218,8 +218,8 @@ bool Mp3Options::cmdOK() {
   record.LowPassFilter = controls_.chkLFilt;
   record_ = record;
   settings_.FormatMP3 = record;
-  base::Ignored(SaveSettings(section_, settings_, FormatKeys("MP3")));
+  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys("MP3")));
   return true;
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

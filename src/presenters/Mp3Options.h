@@ -12,10 +12,10 @@
 #include "presenters/ChoiceList.h"
 #include "presenters/SpinRange.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// Positions 0 to 14.
-[[nodiscard]] const BitrateTable& Mp3Bitrates();
+[[nodiscard]] const config::BitrateTable& Mp3Bitrates();
 
 inline constexpr SpinRange kVbrQualityRange{0, 9, 1};
 inline constexpr SpinRange kTargetBitrateRange{4, 320, 1};
@@ -72,7 +72,7 @@ struct Mp3Controls {
 class Mp3Options {
  public:
   /// The references must outlive this object.
-  Mp3Options(Settings& settings, const SettingsSection& section);
+  Mp3Options(config::Settings& settings, const config::SettingsSection& section);
 
   [[nodiscard]] const Mp3Controls& Controls() const { return controls_; }
   /// Copies the record of the running program.
@@ -117,13 +117,13 @@ class Mp3Options {
   [[nodiscard]] NumberText& Filter(FilterNumber number) {
     return controls_.Filters[static_cast<std::size_t>(number)];
   }
-  [[nodiscard]] bool ReadFilters(FormatMP3& record);
+  [[nodiscard]] bool ReadFilters(config::FormatMP3& record);
 
-  Settings& settings_;
-  const SettingsSection& section_;
-  FormatMP3 record_;
+  config::Settings& settings_;
+  const config::SettingsSection& section_;
+  config::FormatMP3 record_;
   Mp3Controls controls_;
   std::string_view fieldToMend_;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

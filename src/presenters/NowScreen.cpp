@@ -9,7 +9,7 @@
 #include "base/OneLine.h"
 #include "base/Text.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 namespace {
 
@@ -22,7 +22,7 @@ std::string Shown(const std::string& text) {
 
 }  // namespace
 
-NowScreen::NowScreen(const Channels& channels, const Presets& presets, base::EventLoop& loop,
+NowScreen::NowScreen(const radio::Channels& channels, const Presets& presets, base::EventLoop& loop,
                      std::function<NowLines()> mainWindow)
     : channels_(channels),
       presets_(presets),
@@ -48,9 +48,9 @@ void NowScreen::tmrUpdate_Timer() {
 }
 
 std::string NowScreen::CaptionOf(std::int16_t channel) const {
-  const ChannelEntry& entry = channels_.Table().At(channels_.Table().ChannelIndex(channel));
+  const radio::ChannelEntry& entry = channels_.Table().At(channels_.Table().ChannelIndex(channel));
   return fmt::format("{} - {}\n{}\n{}", channel, Shown(entry.Station), Shown(entry.Artist),
                      Shown(entry.Song));
 }
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

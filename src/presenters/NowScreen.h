@@ -9,7 +9,7 @@
 #include "presenters/Presets.h"
 #include "radio/channels/Channels.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 /// The three lines that the main window shows of the tuned channel. "&" is doubled in them.
 struct NowLines {
@@ -34,7 +34,7 @@ struct NowButton {
 class NowScreen {
  public:
   /// All must outlive the object. `mainWindow` gives what the main window shows at this moment.
-  NowScreen(const Channels& channels, const Presets& presets, base::EventLoop& loop,
+  NowScreen(const radio::Channels& channels, const Presets& presets, base::EventLoop& loop,
             std::function<NowLines()> mainWindow);
 
   /// The window opens, with a first copy.
@@ -50,7 +50,7 @@ class NowScreen {
   void tmrUpdate_Timer();
   [[nodiscard]] std::string CaptionOf(std::int16_t channel) const;
 
-  const Channels& channels_;
+  const radio::Channels& channels_;
   const Presets& presets_;
   std::function<NowLines()> mainWindow_;
   NowLines lines_;
@@ -58,4 +58,4 @@ class NowScreen {
   std::unique_ptr<base::Timer> tmrUpdate_;
 };
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

@@ -9,11 +9,11 @@
 #include "base/Numbers.h"
 #include "config/settings/SettingKeys.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 namespace {
 
 constexpr std::int16_t kKbit[] = {112, 128, 160, 192, 256, 320};
-constexpr BitrateTable kBitrates(kKbit, 1);
+constexpr config::BitrateTable kBitrates(kKbit, 1);
 constexpr int kMostQuality = 1000;
 constexpr int kQualityUnit = 100;
 
@@ -42,17 +42,17 @@ std::string QualityText(int value) {
 
 }  // namespace
 
-const BitrateTable& OggBitrates() {
+const config::BitrateTable& OggBitrates() {
   return kBitrates;
 }
 
-OggOptions::OggOptions(Settings& settings, const SettingsSection& section)
+OggOptions::OggOptions(config::Settings& settings, const config::SettingsSection& section)
     : settings_(settings), section_(section) {
   Load();
 }
 
 void OggOptions::Load() {
-  const FormatOGG& record = settings_.FormatOGG;
+  const config::FormatOGG& record = settings_.FormatOGG;
   controls_ = {};
   LoadSlider(controls_.NominalBitrate, kNominal, record.Bitrate);
   LoadSlider(controls_.MaxBitrate, kMax, record.MaxBitrate);
@@ -111,7 +111,7 @@ void OggOptions::ShowQuality() {
 }
 
 void OggOptions::cmdOK() {
-  FormatOGG record = settings_.FormatOGG;
+  config::FormatOGG record = settings_.FormatOGG;
   record.Bitrate = kBitrates.Bitrate(controls_.NominalBitrate.Position);
   record.MaxBitrate = kBitrates.Bitrate(controls_.MaxBitrate.Position);
   record.MinBitrate = kBitrates.Bitrate(controls_.MinBitrate.Position);
@@ -120,7 +120,7 @@ void OggOptions::cmdOK() {
       base::ToInt16(static_cast<double>(controls_.Quality) / kQualityUnit).value_or(record.Quality);
   record.VbrEnabled = controls_.chkVbr;
   settings_.FormatOGG = record;
-  base::Ignored(SaveSettings(section_, settings_, FormatKeys("OGG")));
+  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys("OGG")));
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -6,10 +6,10 @@
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// Positions 1 to 6.
-[[nodiscard]] const BitrateTable& OggBitrates();
+[[nodiscard]] const config::BitrateTable& OggBitrates();
 
 /// A slider, the label that tells its choice, and the text that it shows at its handle.
 struct BitrateSlider {
@@ -37,7 +37,7 @@ struct OggControls {
 class OggOptions {
  public:
   /// The references must outlive this object.
-  OggOptions(Settings& settings, const SettingsSection& section);
+  OggOptions(config::Settings& settings, const config::SettingsSection& section);
 
   [[nodiscard]] const OggControls& Controls() const { return controls_; }
   /// Copies the record of the running program.
@@ -56,9 +56,9 @@ class OggOptions {
   void ShowVbr();
   void ShowQuality();
 
-  Settings& settings_;
-  const SettingsSection& section_;
+  config::Settings& settings_;
+  const config::SettingsSection& section_;
   OggControls controls_;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

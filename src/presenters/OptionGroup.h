@@ -8,7 +8,7 @@
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// One of a group's buttons; all its text is shown as it stands.
 struct OptionButton {
@@ -22,8 +22,8 @@ struct OptionGroup {
   std::string_view Name;   ///< of the control array, such as "optBits"
   std::string_view Frame;  ///< caption of the frame around it
   std::span<const OptionButton> Buttons;
-  std::int32_t (*Read)(const Settings& settings) = nullptr;
-  void (*Write)(Settings& settings, std::int32_t value) = nullptr;
+  std::int32_t (*Read)(const config::Settings& settings) = nullptr;
+  void (*Write)(config::Settings& settings, std::int32_t value) = nullptr;
 };
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

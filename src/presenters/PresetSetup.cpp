@@ -7,13 +7,13 @@
 #include "base/Numbers.h"
 #include "base/Text.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 void PresetSetup::Load() {
   lines_ = {{.Text = kNoPreset, .Channel = 0}};
   for (int row = 1; row <= grid_.RowCount(); ++row) {
     const std::int16_t number = grid_.NumberAt(row);
-    const std::string_view station = base::Trim(grid_.At(row)[ChannelGrid::Station]);
+    const std::string_view station = base::Trim(grid_.At(row)[radio::ChannelGrid::Station]);
     lines_.push_back({.Text = fmt::format("{} - {}", number, station), .Channel = number});
   }
   for (int i = 0; i < Presets::kCount; ++i) {
@@ -58,4 +58,4 @@ bool PresetSetup::Close() {
   }
 }
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

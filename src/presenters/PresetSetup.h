@@ -11,7 +11,7 @@
 #include "presenters/Presets.h"
 #include "radio/channels/ChannelGrid.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 /// The choice of a channel for each preset button: twelve lists with the same lines.
 class PresetSetup {
@@ -24,7 +24,7 @@ class PresetSetup {
   };
 
   /// All must outlive the object.
-  PresetSetup(const ChannelGrid& grid, Presets& presets, platform::Dialogs& dialogs)
+  PresetSetup(const radio::ChannelGrid& grid, Presets& presets, platform::Dialogs& dialogs)
       : grid_(grid), presets_(presets), dialogs_(dialogs) {}
 
   /// Both commands call it before the window closes.
@@ -49,11 +49,11 @@ class PresetSetup {
   bool Changed = false;
 
  private:
-  const ChannelGrid& grid_;
+  const radio::ChannelGrid& grid_;
   Presets& presets_;
   platform::Dialogs& dialogs_;
   std::vector<Line> lines_;
   std::array<int, Presets::kCount> selected_{};
 };
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

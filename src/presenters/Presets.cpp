@@ -7,9 +7,9 @@
 
 #include "base/Numbers.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
-Presets::Presets(Channels& channels, platform::Sounds& sounds, PresetKeys keys,
+Presets::Presets(radio::Channels& channels, platform::Sounds& sounds, PresetKeys keys,
                  std::function<bool()> getRecordingStatus)
     : channels_(channels),
       sounds_(sounds),
@@ -41,4 +41,4 @@ std::string Presets::TipOf(int index) {
   return fmt::format("Preset {0} (CTRL-F{0})", index + 1);
 }
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

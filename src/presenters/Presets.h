@@ -9,7 +9,7 @@
 #include "platform/Sounds.h"
 #include "radio/channels/Channels.h"
 
-namespace kestrune::radio {
+namespace kestrune::presenters {
 
 /// The texts of the preset buttons in the settings of the unit, by key.
 struct PresetKeys {
@@ -33,7 +33,7 @@ class Presets {
   static constexpr int kFirstKeyCode = 112;
 
   /// All must outlive the object. `getRecordingStatus` tells whether the channel must stay as it is.
-  Presets(Channels& channels, platform::Sounds& sounds, PresetKeys keys,
+  Presets(radio::Channels& channels, platform::Sounds& sounds, PresetKeys keys,
           std::function<bool()> getRecordingStatus);
 
   /// Called for a press of a button without a preset: show the window in which presets are chosen.
@@ -53,11 +53,11 @@ class Presets {
   [[nodiscard]] static std::string TipOf(int index);
 
  private:
-  Channels& channels_;
+  radio::Channels& channels_;
   platform::Sounds& sounds_;
   PresetKeys keys_;
   std::function<bool()> getRecordingStatus_;
   std::array<PresetButton, kCount> buttons_;
 };
 
-}  // namespace kestrune::radio
+}  // namespace kestrune::presenters

@@ -10,7 +10,7 @@
 #include "schedule/log/EachLine.h"
 #include "schedule/log/UserDataFolder.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 namespace {
 
 bool SortsBefore(const std::string& a, const std::string& b) {
@@ -22,11 +22,11 @@ bool SortsBefore(const std::string& a, const std::string& b) {
 void RestrictListEditor::Load() {
   Unload();
   loaded_ = true;
-  base::Ignored(MakeUserDataFolder(files_, environment_));
+  base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
   path_ = restrictions_.RestrictionFile();
   const auto text = files_.Read(path_);
   if (!text) return;
-  EachLine(*text, [this](std::string_view line) {
+  schedule::EachLine(*text, [this](std::string_view line) {
     if (line.empty() || line.front() < '0' || line.front() > '3') return;
     columns_[static_cast<std::size_t>(line.front() - '0')].lstRestrict.emplace_back(line.substr(1));
   });
@@ -56,7 +56,7 @@ void RestrictListEditor::lstRestrict_Click(std::size_t index, int row) {
   column.Selected = exists ? row : -1;
   if (!exists) return;
   const std::string& item = column.lstRestrict[static_cast<std::size_t>(row)];
-  column.txtRestrict = item == Restrictions::kBlank ? std::string() : item;
+  column.txtRestrict = item == schedule::Restrictions::kBlank ? std::string() : item;
 }
 
 void RestrictListEditor::cmdAdd(std::size_t index) {
@@ -65,7 +65,7 @@ void RestrictListEditor::cmdAdd(std::size_t index) {
   const std::string line = base::OneLine(column.txtRestrict);
   const std::string_view text = base::Trim(line);
   // An empty box stands for the marker, and stays as it is.
-  const std::string_view item = text.empty() ? Restrictions::kBlank : text;
+  const std::string_view item = text.empty() ? schedule::Restrictions::kBlank : text;
   if (!text.empty()) column.txtRestrict.clear();
   if (column.Selected >= 0) {
     Replace(column, std::string(item));
@@ -121,7 +121,7 @@ bool RestrictListEditor::MayClose() {
   return answer == platform::MessageAnswer::No;
 }
 
-void RestrictListEditor::AddItem(RestrictList list, std::string_view fragment) {
+void RestrictListEditor::AddItem(schedule::RestrictList list, std::string_view fragment) {
   if (loaded_) Insert(columns_[static_cast<std::size_t>(list)], std::string(fragment));
 }
 
@@ -143,4 +143,4 @@ bool RestrictListEditor::Has(const RestrictColumn& column, std::string_view item
                      [item](const std::string& other) { return base::Trim(other) == item; });
 }
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -11,7 +11,7 @@
 #include "platform/Files.h"
 #include "schedule/lists/Restrictions.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 /// One of the editor's four columns, as it is shown.
 struct RestrictColumn {
@@ -27,7 +27,7 @@ class RestrictListEditor {
   static constexpr std::size_t kColumns = 4;
 
   /// All references must outlive the editor.
-  RestrictListEditor(Restrictions& restrictions, platform::Files& files,
+  RestrictListEditor(schedule::Restrictions& restrictions, platform::Files& files,
                      const platform::Environment& environment, platform::Dialogs& dialogs)
       : restrictions_(restrictions), files_(files), environment_(environment), dialogs_(dialogs) {}
 
@@ -55,7 +55,7 @@ class RestrictListEditor {
   [[nodiscard]] bool MayClose();
 
   /// An entry that has reached the file otherwise, so that an open editor does not lose it.
-  void AddItem(RestrictList list, std::string_view fragment);
+  void AddItem(schedule::RestrictList list, std::string_view fragment);
 
  private:
   static void RemoveDuplicates(std::vector<std::string>& items);
@@ -63,7 +63,7 @@ class RestrictListEditor {
   static void Replace(RestrictColumn& column, std::string item);
   [[nodiscard]] static bool Has(const RestrictColumn& column, std::string_view item);
 
-  Restrictions& restrictions_;
+  schedule::Restrictions& restrictions_;
   platform::Files& files_;
   const platform::Environment& environment_;
   platform::Dialogs& dialogs_;
@@ -74,4 +74,4 @@ class RestrictListEditor {
   bool listDirty_ = false;
 };
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -6,51 +6,52 @@
 
 #include "base/DatePattern.h"
 #include "base/Ignored.h"
-#include "presenters/SchedulerCalculations.h"
+#include "schedule/entries/SchedulerCalculations.h"
 #include "schedule/entries/ConflictCheck.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 using base::DateValue;
 
 namespace {
 
 std::string CaptionOf(DateValue date) {
-  return date >= CodedDay(1) && date <= CodedDay(15) ? CodedCaption(date) : DateCaption(date);
+  return date >= schedule::CodedDay(1) && date <= schedule::CodedDay(15) ? schedule::CodedCaption(date)
+                                                                         : schedule::DateCaption(date);
 }
 
 }  // namespace
 
-Scheduler::Scheduler(SchedulerPorts ports, std::vector<SchedulerChannel> channels)
+Scheduler::Scheduler(SchedulerPorts ports, std::vector<schedule::SchedulerChannel> channels)
     : ports_(std::move(ports)), channels_(std::move(channels)) {
   int number = 0;
-  for (SchedulerRow& row : rows_)
-    row = ReadSchedulerRow(ports_.Settings, ++number, channels_, ports_.Loop.Now());
+  for (schedule::SchedulerRow& row : rows_)
+    row = schedule::ReadSchedulerRow(ports_.Settings, ++number, channels_, ports_.Loop.Now());
 }
 
-std::string Scheduler::ChannelItem(const SchedulerChannel& channel) {
+std::string Scheduler::ChannelItem(const schedule::SchedulerChannel& channel) {
   return fmt::format("{:>3} - {}", channel.Number, channel.Station);
 }
 
-SchedulerRow& Scheduler::Changed(int index) {
+schedule::SchedulerRow& Scheduler::Changed(int index) {
   schedDirty_ = true;
   RowAt(index).Enabled = true;
   return RowAt(index);
 }
 
-void Scheduler::ChooseStartTime(int index, TimeOfDay time) {
+void Scheduler::ChooseStartTime(int index, schedule::TimeOfDay time) {
   Changed(index).Start.Time = time;
   CalculateEndTime(index);
 }
 
 void Scheduler::ChooseDuration(int index, int hours, int minutes) {
-  SchedulerRow& row = Changed(index);
+  schedule::SchedulerRow& row = Changed(index);
   row.DurationHours = hours;
   row.DurationMinutes = minutes;
   CalculateEndTime(index);
 }
 
-void Scheduler::ChooseEndTime(int index, TimeOfDay time) {
+void Scheduler::ChooseEndTime(int index, schedule::TimeOfDay time) {
   SetEnd(index, {.Caption = Row(index).End.Caption, .Time = time});
 }
 
@@ -82,8 +83,8 @@ void Scheduler::TickEnabled(int index, bool ticked) {
 
 // The end and the bit rate stay as they are.
 void Scheduler::cmdClear(int index) {
-  SchedulerRow& row = RowAt(index);
-  SchedulerRow cleared = EmptySchedulerRow(ports_.Loop.Now());
+  schedule::SchedulerRow& row = RowAt(index);
+  schedule::SchedulerRow cleared = schedule::EmptySchedulerRow(ports_.Loop.Now());
   cleared.Channel = channels_.empty() ? -1 : 0;
   cleared.End = std::move(row.End);
   cleared.MP3BitRate = std::move(row.MP3BitRate);
@@ -91,7 +92,7 @@ void Scheduler::cmdClear(int index) {
   schedDirty_ = true;
 }
 
-DateValue Scheduler::DateForPicker(const SchedulerMoment& moment) const {
+DateValue Scheduler::DateForPicker(const schedule::SchedulerMoment& moment) const {
   const DateValue now = ports_.Loop.Now();
   return moment.Recurs() ? now : base::ParseDate(moment.Caption).value_or(now);
 }
@@ -114,11 +115,11 @@ void Scheduler::SetStartDate(int index, DateValue date) {
 }
 
 void Scheduler::SetEndDate(int index, DateValue date) {
-  SelDate = Row(index).Start.IsDaily() ? CodedDay(15) : date;
+  SelDate = Row(index).Start.IsDaily() ? schedule::CodedDay(15) : date;
   SetEnd(index, {.Caption = CaptionOf(SelDate), .Time = Row(index).End.Time});
 }
 
-void Scheduler::SetEnd(int index, SchedulerMoment end) {
+void Scheduler::SetEnd(int index, schedule::SchedulerMoment end) {
   Changed(index).End = std::move(end);
   CalculateDuration(index);
 }
@@ -127,16 +128,16 @@ void Scheduler::SetEnd(int index, SchedulerMoment end) {
 void Scheduler::CalculateEndTime(int index) {
   if (calculating_) return;
   calculating_ = true;
-  SetEnd(index, EndTimeOf(Row(index)));
+  SetEnd(index, schedule::EndTimeOf(Row(index)));
   calculating_ = false;
 }
 
 void Scheduler::CalculateDuration(int index) {
   if (calculating_) return;
   calculating_ = true;
-  const int minutes = DurationOf(Row(index));
+  const int minutes = schedule::DurationOf(Row(index));
   ChooseDuration(index, minutes / 60, minutes % 60);
-  SetEnd(index, EndTimeOf(Row(index)));
+  SetEnd(index, schedule::EndTimeOf(Row(index)));
   calculating_ = false;
 }
 
@@ -145,20 +146,21 @@ bool Scheduler::IsStored(int index) const {
 }
 
 std::optional<std::string> Scheduler::SaveRow(int index) {
-  if (auto conflict = WhatConflicts(rows_)) return conflict;
-  if (SaveSchedulerRow(ports_.Settings, index + 1, channels_, RowAt(index))) return std::nullopt;
+  if (auto conflict = schedule::WhatConflicts(rows_)) return conflict;
+  if (schedule::SaveSchedulerRow(ports_.Settings, index + 1, channels_, RowAt(index))) return std::nullopt;
   return "The schedule could not be written.";
 }
 
 bool Scheduler::cmdSave() {
-  const std::optional<std::string> conflict = WhatConflicts(rows_);
+  const std::optional<std::string> conflict = schedule::WhatConflicts(rows_);
   saveFailed_ = conflict.has_value();
   if (conflict) {
     base::Ignored(ports_.Dialogs.Show({.Title = "Schedule Conflict", .Text = *conflict}));
     return false;
   }
   int number = 0;
-  for (SchedulerRow& row : rows_) base::Ignored(SaveSchedulerRow(ports_.Settings, ++number, channels_, row));
+  for (schedule::SchedulerRow& row : rows_)
+    base::Ignored(schedule::SaveSchedulerRow(ports_.Settings, ++number, channels_, row));
   schedDirty_ = false;
   return true;
 }
@@ -177,4 +179,4 @@ bool Scheduler::MayClose(bool askedHere) {
   return true;
 }
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

@@ -8,16 +8,16 @@
 
 #include "base/EventLoop.h"
 #include "platform/Dialogs.h"
-#include "presenters/SchedulerRow.h"
-#include "presenters/SchedulerSettings.h"
+#include "schedule/entries/SchedulerRow.h"
+#include "schedule/entries/SchedulerSettings.h"
 
-namespace kestrune::schedule {
+namespace kestrune::presenters {
 
 /// What the scheduler needs of the program.
 struct SchedulerPorts {
   base::EventLoop& Loop;  ///< for the present moment
   platform::Dialogs& Dialogs;
-  SchedulerSettings Settings;
+  schedule::SchedulerSettings Settings;
   std::function<void()> ReloadSchedule;
 };
 
@@ -27,13 +27,13 @@ struct SchedulerPorts {
 class Scheduler {
  public:
   /// Loads. The channels stand in the order in which the user is to see them.
-  Scheduler(SchedulerPorts ports, std::vector<SchedulerChannel> channels);
+  Scheduler(SchedulerPorts ports, std::vector<schedule::SchedulerChannel> channels);
 
-  [[nodiscard]] const SchedulerRow& Row(int index) const { return rows_.at(Position(index)); }
-  [[nodiscard]] const SchedulerRows& Rows() const { return rows_; }
-  [[nodiscard]] const std::vector<SchedulerChannel>& Channels() const { return channels_; }
+  [[nodiscard]] const schedule::SchedulerRow& Row(int index) const { return rows_.at(Position(index)); }
+  [[nodiscard]] const schedule::SchedulerRows& Rows() const { return rows_; }
+  [[nodiscard]] const std::vector<schedule::SchedulerChannel>& Channels() const { return channels_; }
   /// Item of a list of channels: the number right-aligned in three characters, " - " and the station.
-  [[nodiscard]] static std::string ChannelItem(const SchedulerChannel& channel);
+  [[nodiscard]] static std::string ChannelItem(const schedule::SchedulerChannel& channel);
 
   /// The value exchanged with the date picker.
   base::DateValue SelDate;
@@ -43,9 +43,9 @@ class Scheduler {
   [[nodiscard]] bool SaveFailed() const { return saveFailed_; }
 
   // What the user does to a row. All but the last two tick its Enabled box.
-  void ChooseStartTime(int index, TimeOfDay time);
+  void ChooseStartTime(int index, schedule::TimeOfDay time);
   void ChooseDuration(int index, int hours, int minutes);
-  void ChooseEndTime(int index, TimeOfDay time);
+  void ChooseEndTime(int index, schedule::TimeOfDay time);
   void ChooseChannel(int index, int position);
   void TickIntegrel(int index, bool ticked);
   void TickCleftune(int index, bool ticked);
@@ -83,18 +83,18 @@ class Scheduler {
 
  private:
   [[nodiscard]] static std::size_t Position(int index) { return static_cast<std::size_t>(index); }
-  [[nodiscard]] SchedulerRow& RowAt(int index) { return rows_.at(Position(index)); }
+  [[nodiscard]] schedule::SchedulerRow& RowAt(int index) { return rows_.at(Position(index)); }
   /// The row is wanted, or it would not have been touched.
-  SchedulerRow& Changed(int index);
-  void SetEnd(int index, SchedulerMoment end);
-  [[nodiscard]] base::DateValue DateForPicker(const SchedulerMoment& moment) const;
+  schedule::SchedulerRow& Changed(int index);
+  void SetEnd(int index, schedule::SchedulerMoment end);
+  [[nodiscard]] base::DateValue DateForPicker(const schedule::SchedulerMoment& moment) const;
 
   SchedulerPorts ports_;
-  std::vector<SchedulerChannel> channels_;
-  SchedulerRows rows_;
+  std::vector<schedule::SchedulerChannel> channels_;
+  schedule::SchedulerRows rows_;
   bool schedDirty_ = false;
   bool saveFailed_ = false;
   bool calculating_ = false;
 };
 
-}  // namespace kestrune::schedule
+}  // namespace kestrune::presenters

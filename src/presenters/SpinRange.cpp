@@ -4,7 +4,7 @@
 
 #include "base/Numbers.h"
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 std::string Stepped(std::string_view text, const SpinRange& range, int direction) {
   const double wanted = base::LeadingNumber(text) + static_cast<double>(direction) * range.Step;
@@ -12,4 +12,4 @@ std::string Stepped(std::string_view text, const SpinRange& range, int direction
   return std::to_string(base::ToInt32(held).value_or(range.Least));
 }
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

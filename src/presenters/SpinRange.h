@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestrune::config {
+namespace kestrune::presenters {
 
 /// The reach of a spin control. It holds the control alone: the text box beside it takes any text.
 struct SpinRange {
@@ -18,4 +18,4 @@ struct SpinRange {
 /// The text after one step up (1) or down (-1) from the number that the text begins with, within the range.
 [[nodiscard]] std::string Stepped(std::string_view text, const SpinRange& range, int direction);
 
-}  // namespace kestrune::config
+}  // namespace kestrune::presenters

@@ -66,9 +66,9 @@ Kestrune::Kestrune(const Outside& outside)
                       [this] { return recording_.GetRecordingStatus(); }),
       nowScreen_(channels_, presets_, outside.Loop,
                  [this] {
-                   return radio::NowLines{.lblChannel = window_.lblChannel.Caption,
-                                          .lblArtist = window_.lblArtist.Caption,
-                                          .lblSong = window_.lblSong.Caption};
+                   return presenters::NowLines{.lblChannel = window_.lblChannel.Caption,
+                                               .lblArtist = window_.lblArtist.Caption,
+                                               .lblSong = window_.lblSong.Caption};
                  }),
       update_(outside, run_, commands_, [this] { Close(); }),
       stayAwake_(recording_, schedule_, entries_, outside.SleepInhibitor, outside.Loop) {
@@ -142,7 +142,7 @@ void Kestrune::ReloadSchedule() {
       outside_.Loop.Now(), entries_);
 }
 
-schedule::Scheduler Kestrune::OpenScheduler() {
+presenters::Scheduler Kestrune::OpenScheduler() {
   std::vector<schedule::SchedulerChannel> channels;
   const radio::ChannelGrid& grid = channels_.Grid();
   for (int row = 1; row <= grid.RowCount(); ++row) {
@@ -164,7 +164,7 @@ std::optional<std::string> Kestrune::ScheduledBitRate() const {
   return entries_.at(static_cast<std::size_t>(schedule_.ActiveSchedule - 1)).MP3BitRate;
 }
 
-config::ConfigurationAccess Kestrune::ConfigurationAccess() {
+presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
   return {.Settings = settings_,
           .Section = section_,
           .FileSpecs = fileSpecs_,

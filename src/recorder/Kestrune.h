@@ -102,8 +102,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] base::DateValue Now() const { return outside_.Loop.Now(); }
 
   // The rules of the windows of the lists.
-  [[nodiscard]] schedule::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
-  [[nodiscard]] schedule::GrabKill& GrabKill() { return grabKill_; }
+  [[nodiscard]] presenters::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
+  [[nodiscard]] presenters::GrabKill& GrabKill() { return grabKill_; }
 
   // What they may do: the same doors for a button, a schedule entry and a command.
   void cmdRecord() { commands_.cmdRecord(); }
@@ -122,13 +122,13 @@ class Kestrune final : private radio::ChannelEvents {
   /// The same without a word to the user; nothing if such a check is under way already.
   [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
   /// The scheduler, newly loaded, its channels as the channels window lists them.
-  [[nodiscard]] schedule::Scheduler OpenScheduler();
+  [[nodiscard]] presenters::Scheduler OpenScheduler();
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
   config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
   /// For the configuration window. What is built on it must not outlive this object.
-  [[nodiscard]] config::ConfigurationAccess ConfigurationAccess();
+  [[nodiscard]] presenters::ConfigurationAccess ConfigurationAccess();
 
   // The rules of the main window.
   [[nodiscard]] OptionRules& Options() { return options_; }
@@ -146,10 +146,10 @@ class Kestrune final : private radio::ChannelEvents {
   void mnuReload_Click();
 
   // The rules of the windows of channels and presets.
-  [[nodiscard]] radio::Presets& PresetButtons() { return presets_; }
-  [[nodiscard]] radio::PresetSetup& PresetWindow() { return presetSetup_; }
-  [[nodiscard]] radio::ChannelChooser& ChannelsWindow() { return channelChooser_; }
-  [[nodiscard]] radio::NowScreen& NowWindow() { return nowScreen_; }
+  [[nodiscard]] presenters::Presets& PresetButtons() { return presets_; }
+  [[nodiscard]] presenters::PresetSetup& PresetWindow() { return presetSetup_; }
+  [[nodiscard]] presenters::ChannelChooser& ChannelsWindow() { return channelChooser_; }
+  [[nodiscard]] presenters::NowScreen& NowWindow() { return nowScreen_; }
 
  private:
   // The load sequence, told in Startup.cpp.
@@ -216,8 +216,8 @@ class Kestrune final : private radio::ChannelEvents {
   radio::Channels channels_;
   Modes modes_;
   schedule::Restrictions restrictions_;
-  schedule::RestrictListEditor restrictListEditor_;
-  schedule::GrabKill grabKill_;
+  presenters::RestrictListEditor restrictListEditor_;
+  presenters::GrabKill grabKill_;
   config::FileSpecs fileSpecs_;
   Capture capture_;
   Disposition disposition_;
@@ -232,10 +232,10 @@ class Kestrune final : private radio::ChannelEvents {
   OptionRules options_;
   WindowSwitches switches_;
   ResizeRule resize_;
-  radio::Presets presets_;
-  radio::PresetSetup presetSetup_;
-  radio::ChannelChooser channelChooser_;
-  radio::NowScreen nowScreen_;
+  presenters::Presets presets_;
+  presenters::PresetSetup presetSetup_;
+  presenters::ChannelChooser channelChooser_;
+  presenters::NowScreen nowScreen_;
   UpdateCommand update_;
   StayAwake stayAwake_;
 };

@@ -12,7 +12,7 @@
 namespace kestrune::windows {
 namespace {
 
-bool ShowsRows(const QComboBox& list, const config::ChoiceList& choices) {
+bool ShowsRows(const QComboBox& list, const presenters::ChoiceList& choices) {
   if (static_cast<std::size_t>(list.count()) != choices.Rows.size()) return false;
   for (int row = 0; row < list.count(); ++row) {
     if (list.itemText(row) != ToQt(choices.Rows[static_cast<std::size_t>(row)].Text)) return false;
@@ -44,11 +44,11 @@ void ElidedList::paintEvent(QPaintEvent* /*event*/) {
   painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 
-void ShowChoices(QComboBox& list, const config::ChoiceList& choices) {
+void ShowChoices(QComboBox& list, const presenters::ChoiceList& choices) {
   if (!ShowsRows(list, choices)) {
     const QSignalBlocker quiet(list);
     list.clear();
-    for (const config::ChoiceRow& row : choices.Rows) list.addItem(ToQt(row.Text));
+    for (const presenters::ChoiceRow& row : choices.Rows) list.addItem(ToQt(row.Text));
   }
   ShowIndex(list, choices.Row);
 }

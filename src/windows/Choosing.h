@@ -21,7 +21,7 @@ class ElidedList final : public QComboBox {
 };
 
 /// Shows rows and choice, without the list's signals.
-void ShowChoices(QComboBox& list, const config::ChoiceList& choices);
+void ShowChoices(QComboBox& list, const presenters::ChoiceList& choices);
 
 /// The list keeps its width, however long a row is, and turns by the mouse wheel only once it has the focus.
 void Restrain(QComboBox& list, int characters);

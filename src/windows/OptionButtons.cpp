@@ -18,7 +18,7 @@ constexpr std::size_t kLong = 5;
 
 }  // namespace
 
-OptionButtons::OptionButtons(const char* objectName, config::FormatOptions& options, QWidget* parent)
+OptionButtons::OptionButtons(const char* objectName, presenters::FormatOptions& options, QWidget* parent)
     : OptionDialog(objectName, options.Design().Caption, parent), options_(options) {
   options_.Load();
   AddGroups();
@@ -33,7 +33,7 @@ void OptionButtons::AddGroups() {
   row->addLayout(column);
   const auto groups = options_.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
-    const config::OptionGroup& design = groups[group];
+    const presenters::OptionGroup& design = groups[group];
     const bool isLong = design.Buttons.size() > kLong;
     auto* frame = new QGroupBox(ToQt(design.Frame), this);
     if (isLong)

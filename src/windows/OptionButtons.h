@@ -13,7 +13,7 @@ namespace kestrune::windows {
 class OptionButtons : public OptionDialog {
  public:
   /// `options` must outlive the window; the constructor loads them.
-  OptionButtons(const char* objectName, config::FormatOptions& options, QWidget* parent);
+  OptionButtons(const char* objectName, presenters::FormatOptions& options, QWidget* parent);
 
   void Refresh();
 
@@ -23,7 +23,7 @@ class OptionButtons : public OptionDialog {
  private:
   void AddGroups();
 
-  config::FormatOptions& options_;
+  presenters::FormatOptions& options_;
   std::vector<std::vector<QRadioButton*>> buttons_;  ///< by group
 };
 

@@ -34,7 +34,7 @@ UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outsi
 
   desktop.ShowRadioID = [this] { ShowRadioID(); };
   desktop.OfferForList = [this](std::string_view word, const std::string& caption) {
-    using Field = schedule::GrabKill::Field;
+    using Field = presenters::GrabKill::Field;
     unit_.GrabKill().DblClick(word == "Artist" ? Field::Artist : Field::Song, caption);
   };
   unit.GrabKill().SetWindow([this] { AskForList(); });

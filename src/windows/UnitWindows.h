@@ -47,9 +47,9 @@ class UnitWindows {
   Desktop& desktop_;
   recorder::Kestrune& unit_;
   base::EventLoop& loop_;
-  schedule::LogWindow log_;
-  config::MixerWindow mixer_;
-  config::Configuration configuration_;
+  presenters::LogWindow log_;
+  presenters::MixerWindow mixer_;
+  presenters::Configuration configuration_;
 };
 
 }  // namespace kestrune::windows

@@ -31,7 +31,7 @@ int Pixels(float twips) {
 
 }  // namespace
 
-frmChannels::frmChannels(radio::ChannelChooser& rules, const config::SettingsSection& section,
+frmChannels::frmChannels(presenters::ChannelChooser& rules, const config::SettingsSection& section,
                          QWidget* parent)
     // Only the height is the user's, so there is no button that fills the screen.
     : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |

@@ -17,7 +17,7 @@ class ChannelView;
 class frmChannels final : public QWidget {
  public:
   /// Places itself. Both references must outlive the window.
-  frmChannels(radio::ChannelChooser& rules, const config::SettingsSection& section,
+  frmChannels(presenters::ChannelChooser& rules, const config::SettingsSection& section,
               QWidget* parent = nullptr);
 
   /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
@@ -36,7 +36,7 @@ class frmChannels final : public QWidget {
   void ShowWidths();
   void ClickTitle(int column);
 
-  radio::ChannelChooser& rules_;
+  presenters::ChannelChooser& rules_;
   const config::SettingsSection& section_;
   ChannelGridModel* model_;
   ChannelView* grdChannels_;

@@ -31,7 +31,7 @@
 namespace kestrune::windows {
 namespace {
 
-using config::Configuration;
+using presenters::Configuration;
 
 constexpr int kLengthCharacters = 10;
 constexpr int kDeviceCharacters = 40;
@@ -307,7 +307,7 @@ void frmConfig::ShowFirst() {
 }
 
 void frmConfig::Refresh() {
-  const config::ConfigurationControls& controls = configuration_.Controls();
+  const presenters::ConfigurationControls& controls = configuration_.Controls();
   ShowChoices(*cboMinLength_, controls.cboMinLength);
   ShowChoices(*cboMaxLength_, controls.cboMaxLength);
   ShowChoices(*cboSongDelay_, controls.cboSongDelay);

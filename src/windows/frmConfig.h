@@ -23,7 +23,7 @@ class UpDown;
 class frmConfig final : public QDialog {
  public:
   /// `configuration` must outlive the window.
-  explicit frmConfig(config::Configuration& configuration, QWidget* parent = nullptr);
+  explicit frmConfig(presenters::Configuration& configuration, QWidget* parent = nullptr);
 
   /// Called when a save is done, to give the main window the focus.
   std::function<void()> FocusMainWindow = [] {};
@@ -44,9 +44,9 @@ class frmConfig final : public QDialog {
   void changeEvent(QEvent* event) override;
 
  private:
-  using Choose = void (config::Configuration::*)(int row);
-  using Type = void (config::Configuration::*)(std::string_view text);
-  using Check = void (config::Configuration::*)(bool checked);
+  using Choose = void (presenters::Configuration::*)(int row);
+  using Type = void (presenters::Configuration::*)(std::string_view text);
+  using Check = void (presenters::Configuration::*)(bool checked);
   struct GainNumber {
     QLabel* Label = nullptr;
     QLineEdit* Line = nullptr;
@@ -85,7 +85,7 @@ class frmConfig final : public QDialog {
   void CloseWindow();
   void CloseOpened();
 
-  config::Configuration& configuration_;
+  presenters::Configuration& configuration_;
   std::vector<QLabel*> labels_;
   bool asking_ = false;
 

@@ -51,7 +51,7 @@ constexpr std::array<Day, 7> kDays{{
 
 }  // namespace
 
-frmDateSelect::frmDateSelect(schedule::DateSelect& rules, const config::SettingsSection& section,
+frmDateSelect::frmDateSelect(presenters::DateSelect& rules, const config::SettingsSection& section,
                              QWidget* parent)
     : QDialog(parent), rules_(rules), section_(section) {
   setObjectName(QStringLiteral("frmDateSelect"));

@@ -16,7 +16,7 @@ namespace kestrune::windows {
 class frmDateSelect final : public QDialog {
  public:
   /// Both references must outlive the window.
-  frmDateSelect(schedule::DateSelect& rules, const config::SettingsSection& section,
+  frmDateSelect(presenters::DateSelect& rules, const config::SettingsSection& section,
                 QWidget* parent = nullptr);
 
   void Refresh();
@@ -27,7 +27,7 @@ class frmDateSelect final : public QDialog {
   void ChooseDate(QDate date);
   void ShowPage();
 
-  schedule::DateSelect& rules_;
+  presenters::DateSelect& rules_;
   const config::SettingsSection& section_;
   QCalendarWidget* cldDateSelect_ = nullptr;
   QLabel* lblMonth_ = nullptr;

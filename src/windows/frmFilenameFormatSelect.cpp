@@ -17,7 +17,7 @@ constexpr int kDescriptionCharacters = 60;
 
 }  // namespace
 
-frmFilenameFormatSelect::frmFilenameFormatSelect(config::FilenameFormatSelect& formats,
+frmFilenameFormatSelect::frmFilenameFormatSelect(presenters::FilenameFormatSelect& formats,
                                                  const config::SettingsSection& section, QWidget* parent)
     : QDialog(parent), formats_(formats), section_(section) {
   setObjectName(QStringLiteral("frmFilenameFormatSelect"));
@@ -25,7 +25,7 @@ frmFilenameFormatSelect::frmFilenameFormatSelect(config::FilenameFormatSelect& f
   auto* column = new QVBoxLayout(this);
   auto* grid = new QGridLayout;
   column->addLayout(grid);
-  const auto rows = config::FilenameFormats();
+  const auto rows = presenters::FilenameFormats();
   for (std::size_t row = 0; row < rows.size(); ++row) {
     auto* button = new QPushButton(ToQt(formats_.Caption(row)), this);
     Name(*button, ("cmdSelect_" + std::to_string(row)).c_str(), "Click to select this file format");

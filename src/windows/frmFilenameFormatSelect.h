@@ -14,13 +14,13 @@ namespace kestrune::windows {
 class frmFilenameFormatSelect final : public QDialog {
  public:
   /// The references must outlive the window.
-  frmFilenameFormatSelect(config::FilenameFormatSelect& formats, const config::SettingsSection& section,
+  frmFilenameFormatSelect(presenters::FilenameFormatSelect& formats, const config::SettingsSection& section,
                           QWidget* parent = nullptr);
 
   void done(int result) override;
 
  private:
-  config::FilenameFormatSelect& formats_;
+  presenters::FilenameFormatSelect& formats_;
   const config::SettingsSection& section_;
 };
 

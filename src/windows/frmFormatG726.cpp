@@ -2,7 +2,7 @@
 
 namespace kestrune::windows {
 
-frmFormatG726::frmFormatG726(config::FormatOptions& options, QWidget* parent)
+frmFormatG726::frmFormatG726(presenters::FormatOptions& options, QWidget* parent)
     : OptionButtons("frmFormatG726", options, parent) {}
 
 }  // namespace kestrune::windows

@@ -8,7 +8,7 @@ namespace kestrune::windows {
 class frmFormatG726 final : public OptionButtons {
  public:
   /// `options` are those of this format; they must outlive the window.
-  explicit frmFormatG726(config::FormatOptions& options, QWidget* parent = nullptr);
+  explicit frmFormatG726(presenters::FormatOptions& options, QWidget* parent = nullptr);
 };
 
 }  // namespace kestrune::windows

@@ -21,9 +21,9 @@
 namespace kestrune::windows {
 namespace {
 
-using config::FilterNumber;
-using config::Mp3Controls;
-using config::Mp3Options;
+using presenters::FilterNumber;
+using presenters::Mp3Controls;
+using presenters::Mp3Options;
 
 constexpr int kListCharacters = 14;
 constexpr int kNumberCharacters = 8;
@@ -93,7 +93,7 @@ void frmFormatMP3::FillSoundPage(QWidget& page) {
   auto* bitrateGrid = new QGridLayout(bitrate);
   lblCurrentBitrate_ = AddLabel("", *bitrate, "lblCurrentBitrate");
   sldCurrentBitrate_ = AddSlider("sldCurrentBitrate", "Select bitrate to record",
-                                 config::Mp3Bitrates().Last(), &Mp3Options::CurrentBitrate, *bitrate);
+                                 presenters::Mp3Bitrates().Last(), &Mp3Options::CurrentBitrate, *bitrate);
   lblCurrentBitrate_->setBuddy(sldCurrentBitrate_);
   bitrateGrid->addWidget(lblCurrentBitrate_, 0, 0, 1, 2);
   bitrateGrid->addWidget(sldCurrentBitrate_, 1, 0, 1, 2);
@@ -142,7 +142,7 @@ void frmFormatMP3::FillBitratePage(QWidget& page) {
   auto* most = new QVBoxLayout(frmMaxVBR_);
   lblMaxVBRBitrate_ = AddLabel("", *frmMaxVBR_, "lblMaxVBRBitrate");
   sldMaxVBRBitrate_ = AddSlider("sldMaxVBRBitrate", "Select the maximum bitrate to encode at",
-                                config::Mp3Bitrates().Last(), &Mp3Options::MaxVBRBitrate, *frmMaxVBR_);
+                                presenters::Mp3Bitrates().Last(), &Mp3Options::MaxVBRBitrate, *frmMaxVBR_);
   lblMaxVBRBitrate_->setBuddy(sldMaxVBRBitrate_);
   most->addWidget(lblMaxVBRBitrate_);
   most->addWidget(sldMaxVBRBitrate_);
@@ -218,8 +218,8 @@ void frmFormatMP3::FillStreamPage(QWidget& page) {
 }
 
 QComboBox* frmFormatMP3::AddChoice(const char* name, std::string_view tip, std::string_view accessible,
-                                   config::ChoiceList Mp3Controls::*shown, void (Mp3Options::*choose)(int),
-                                   QWidget& parent) {
+                                   presenters::ChoiceList Mp3Controls::*shown,
+                                   void (Mp3Options::*choose)(int), QWidget& parent) {
   auto* list = new QComboBox(&parent);
   Name(*list, name, tip, accessible);
   Restrain(*list, kListCharacters);
@@ -327,7 +327,7 @@ frmFormatMP3::FilterControls frmFormatMP3::AddFilter(QGroupBox& frame, QCheckBox
 void frmFormatMP3::ShowFilter(const FilterControls& filter, FilterNumber first, bool visible) {
   ShowVisible(*filter.Width, visible);
   for (std::size_t i = 0; i < filter.Numbers.size(); ++i) {
-    const config::NumberText& shown = options_.Controls().Filters[static_cast<std::size_t>(first) + i];
+    const presenters::NumberText& shown = options_.Controls().Filters[static_cast<std::size_t>(first) + i];
     ShowText(*filter.Numbers[i].Line, shown.Text);
     ShowEnabled(*filter.Numbers[i].Line, shown.Enabled);
     ShowVisible(*filter.Numbers[i].Arrows, visible);

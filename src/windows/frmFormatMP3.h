@@ -24,7 +24,7 @@ class UpDown;
 class frmFormatMP3 final : public OptionDialog {
  public:
   /// `options` must outlive the window; the constructor loads them.
-  explicit frmFormatMP3(config::Mp3Options& options, QWidget* parent = nullptr);
+  explicit frmFormatMP3(presenters::Mp3Options& options, QWidget* parent = nullptr);
 
   void Refresh();
 
@@ -34,11 +34,11 @@ class frmFormatMP3 final : public OptionDialog {
  private:
   struct Choice {
     QComboBox* List = nullptr;
-    config::ChoiceList config::Mp3Controls::*Shown = nullptr;
+    presenters::ChoiceList presenters::Mp3Controls::*Shown = nullptr;
   };
   struct Box {
     QCheckBox* Check = nullptr;
-    bool config::Mp3Controls::*Shown = nullptr;
+    bool presenters::Mp3Controls::*Shown = nullptr;
   };
   struct Number {
     QLineEdit* Line = nullptr;
@@ -56,25 +56,25 @@ class frmFormatMP3 final : public OptionDialog {
   void FillStreamPage(QWidget& page);
 
   QComboBox* AddChoice(const char* name, std::string_view tip, std::string_view accessible,
-                       config::ChoiceList config::Mp3Controls::*shown,
-                       void (config::Mp3Options::*choose)(int), QWidget& parent);
+                       presenters::ChoiceList presenters::Mp3Controls::*shown,
+                       void (presenters::Mp3Options::*choose)(int), QWidget& parent);
   QCheckBox* AddBox(const char* name, const char* caption, std::string_view tip,
-                    bool config::Mp3Controls::*shown, void (config::Mp3Options::*check)(bool),
+                    bool presenters::Mp3Controls::*shown, void (presenters::Mp3Options::*check)(bool),
                     QWidget& parent);
-  QSlider* AddSlider(const char* name, std::string_view tip, int most, void (config::Mp3Options::*slide)(int),
-                     QWidget& parent);
+  QSlider* AddSlider(const char* name, std::string_view tip, int most,
+                     void (presenters::Mp3Options::*slide)(int), QWidget& parent);
   Number AddNumber(const char* line, const char* arrows, std::string_view tip, std::string_view accessible,
                    const std::function<void(std::string_view text)>& typed,
                    const std::function<void(int direction)>& step, QWidget& parent);
   Number AddSpinValue(const char* line, const char* arrows, std::string_view tip, QLabel& label,
-                      void (config::Mp3Options::*typed)(std::string_view),
-                      void (config::Mp3Options::*step)(int), QWidget& parent);
+                      void (presenters::Mp3Options::*typed)(std::string_view),
+                      void (presenters::Mp3Options::*step)(int), QWidget& parent);
   FilterControls AddFilter(QGroupBox& frame, QCheckBox& box, const char* widthName, const char* widthCaption,
                            std::string_view which, const std::array<const char*, 4>& names,
-                           config::FilterNumber first);
-  void ShowFilter(const FilterControls& filter, config::FilterNumber first, bool visible);
+                           presenters::FilterNumber first);
+  void ShowFilter(const FilterControls& filter, presenters::FilterNumber first, bool visible);
 
-  config::Mp3Options& options_;
+  presenters::Mp3Options& options_;
   QTabWidget* tabMP3_;
   std::vector<Choice> choices_;
   std::vector<Box> boxes_;

@@ -29,7 +29,7 @@ void ShowTip(QSlider& slider, std::string_view text) {
 
 }  // namespace
 
-frmFormatOgg::frmFormatOgg(config::OggOptions& options, QWidget* parent)
+frmFormatOgg::frmFormatOgg(presenters::OggOptions& options, QWidget* parent)
     : OptionDialog("frmFormatOgg", "Ogg Vorbis Options", parent),
       options_(options),
       chkVbr_(new QCheckBox(QStringLiteral("VBR Enabled"), this)),
@@ -71,12 +71,12 @@ frmFormatOgg::frmFormatOgg(config::OggOptions& options, QWidget* parent)
 }
 
 void frmFormatOgg::AddBitrates(QVBoxLayout& column) {
-  nominal_ =
-      AddBitrate("sldrBitrate", "lblBitrate", "Select encoding bitrate", &config::OggOptions::NominalBitrate);
+  nominal_ = AddBitrate("sldrBitrate", "lblBitrate", "Select encoding bitrate",
+                        &presenters::OggOptions::NominalBitrate);
   least_ = AddBitrate("sldrMinBitrate", "lblMinBitrate", "Select minimum VBR bitrate",
-                      &config::OggOptions::MinBitrate);
+                      &presenters::OggOptions::MinBitrate);
   most_ = AddBitrate("sldrMaxBitrate", "lblMaxBitrate", "Select maximum VBR bitrate",
-                     &config::OggOptions::MaxBitrate);
+                     &presenters::OggOptions::MaxBitrate);
   column.addWidget(nominal_.Label);
   column.addWidget(nominal_.Slider);
   Name(*frmVbr_, "frmVbr");
@@ -96,7 +96,7 @@ frmFormatOgg::Bitrate frmFormatOgg::AddBitrate(const char* slider, const char* l
   controls.Label->setTextFormat(Qt::PlainText);
   controls.Label->setBuddy(controls.Slider);
   Name(*controls.Slider, slider, tip);
-  controls.Slider->setRange(config::OggBitrates().First(), config::OggBitrates().Last());
+  controls.Slider->setRange(presenters::OggBitrates().First(), presenters::OggBitrates().Last());
   controls.Slider->setPageStep(1);
   controls.Slider->setTickInterval(1);
   controls.Slider->setTickPosition(QSlider::TicksBelow);
@@ -105,7 +105,7 @@ frmFormatOgg::Bitrate frmFormatOgg::AddBitrate(const char* slider, const char* l
   OnMoved(*controls.Slider, [this, slide, controls](int position) {
     (options_.*slide)(position);
     Refresh();
-    ShowTip(*controls.Slider, std::to_string(config::OggBitrates().Bitrate(position)));
+    ShowTip(*controls.Slider, std::to_string(presenters::OggBitrates().Bitrate(position)));
   });
   return controls;
 }
@@ -127,7 +127,7 @@ void frmFormatOgg::AddQuality() {
   column->addWidget(sldrQuality_);
 }
 
-void frmFormatOgg::Show(const Bitrate& controls, const config::BitrateSlider& slider) {
+void frmFormatOgg::Show(const Bitrate& controls, const presenters::BitrateSlider& slider) {
   ShowPosition(*controls.Slider, slider.Position);
   controls.Slider->setAccessibleDescription(ToQt(slider.Tip));
   ShowText(*controls.Label, slider.Label);
@@ -136,7 +136,7 @@ void frmFormatOgg::Show(const Bitrate& controls, const config::BitrateSlider& sl
 }
 
 void frmFormatOgg::Refresh() {
-  const config::OggControls& controls = options_.Controls();
+  const presenters::OggControls& controls = options_.Controls();
   Show(nominal_, controls.NominalBitrate);
   Show(least_, controls.MinBitrate);
   Show(most_, controls.MaxBitrate);

@@ -16,7 +16,7 @@ namespace kestrune::windows {
 class frmFormatOgg final : public OptionDialog {
  public:
   /// `options` must outlive the window; the constructor loads them.
-  explicit frmFormatOgg(config::OggOptions& options, QWidget* parent = nullptr);
+  explicit frmFormatOgg(presenters::OggOptions& options, QWidget* parent = nullptr);
 
   void Refresh();
 
@@ -28,14 +28,14 @@ class frmFormatOgg final : public OptionDialog {
     QSlider* Slider = nullptr;
     QLabel* Label = nullptr;
   };
-  using Move = void (config::OggOptions::*)(int position);
+  using Move = void (presenters::OggOptions::*)(int position);
 
   void AddBitrates(QVBoxLayout& column);
   Bitrate AddBitrate(const char* slider, const char* label, std::string_view tip, Move slide);
   void AddQuality();
-  static void Show(const Bitrate& controls, const config::BitrateSlider& slider);
+  static void Show(const Bitrate& controls, const presenters::BitrateSlider& slider);
 
-  config::OggOptions& options_;
+  presenters::OggOptions& options_;
   QCheckBox* chkVbr_;
   QCheckBox* chkQuality_;
   QGroupBox* frmVbr_;

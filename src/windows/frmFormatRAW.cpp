@@ -2,7 +2,7 @@
 
 namespace kestrune::windows {
 
-frmFormatRAW::frmFormatRAW(config::FormatOptions& options, QWidget* parent)
+frmFormatRAW::frmFormatRAW(presenters::FormatOptions& options, QWidget* parent)
     : OptionButtons("frmFormatRAW", options, parent) {}
 
 }  // namespace kestrune::windows

@@ -8,7 +8,7 @@ namespace kestrune::windows {
 class frmFormatRAW final : public OptionButtons {
  public:
   /// `options` are those of this format; they must outlive the window.
-  explicit frmFormatRAW(config::FormatOptions& options, QWidget* parent = nullptr);
+  explicit frmFormatRAW(presenters::FormatOptions& options, QWidget* parent = nullptr);
 };
 
 }  // namespace kestrune::windows

@@ -2,7 +2,7 @@
 
 namespace kestrune::windows {
 
-frmFormatVOX::frmFormatVOX(config::FormatOptions& options, QWidget* parent)
+frmFormatVOX::frmFormatVOX(presenters::FormatOptions& options, QWidget* parent)
     : OptionButtons("frmFormatVOX", options, parent) {}
 
 }  // namespace kestrune::windows

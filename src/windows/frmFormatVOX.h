@@ -8,7 +8,7 @@ namespace kestrune::windows {
 class frmFormatVOX final : public OptionButtons {
  public:
   /// `options` are those of this format; they must outlive the window.
-  explicit frmFormatVOX(config::FormatOptions& options, QWidget* parent = nullptr);
+  explicit frmFormatVOX(presenters::FormatOptions& options, QWidget* parent = nullptr);
 };
 
 }  // namespace kestrune::windows

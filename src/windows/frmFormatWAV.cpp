@@ -2,7 +2,7 @@
 
 namespace kestrune::windows {
 
-frmFormatWAV::frmFormatWAV(config::FormatOptions& options, QWidget* parent)
+frmFormatWAV::frmFormatWAV(presenters::FormatOptions& options, QWidget* parent)
     : OptionButtons("frmFormatWAV", options, parent) {}
 
 }  // namespace kestrune::windows

@@ -8,7 +8,7 @@ namespace kestrune::windows {
 class frmFormatWAV final : public OptionButtons {
  public:
   /// `options` are those of this format; they must outlive the window.
-  explicit frmFormatWAV(config::FormatOptions& options, QWidget* parent = nullptr);
+  explicit frmFormatWAV(presenters::FormatOptions& options, QWidget* parent = nullptr);
 };
 
 }  // namespace kestrune::windows

@@ -28,7 +28,7 @@ constexpr std::array<Answer, 3> kAnswers{{
 
 }  // namespace
 
-frmGrabKill::frmGrabKill(schedule::GrabKill& rules, QWidget* parent) : QDialog(parent) {
+frmGrabKill::frmGrabKill(presenters::GrabKill& rules, QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("frmGrabKill"));
   setWindowTitle(QStringLiteral("Kestrune Grab/Kill List Addition"));
 

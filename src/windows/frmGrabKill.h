@@ -10,7 +10,7 @@ namespace kestrune::windows {
 class frmGrabKill final : public QDialog {
  public:
   /// Shows the question as it stands in the rules, which must outlive the window.
-  explicit frmGrabKill(schedule::GrabKill& rules, QWidget* parent = nullptr);
+  explicit frmGrabKill(presenters::GrabKill& rules, QWidget* parent = nullptr);
 };
 
 }  // namespace kestrune::windows

@@ -342,7 +342,7 @@ QWidget* frmKestrune::MakeLevels() {
 QWidget* frmKestrune::MakePresets() {
   auto* group = new QGroupBox(tr("Presets"), this);
   auto* grid = new QGridLayout(group);
-  for (int i = 0; i < radio::Presets::kCount; ++i) {
+  for (int i = 0; i < presenters::Presets::kCount; ++i) {
     auto* button = new QPushButton(group);
     Name(*button, ("cmdPresetStation_" + std::to_string(i)).c_str());
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -351,7 +351,7 @@ QWidget* frmKestrune::MakePresets() {
       Refresh();
     });
     // Down the columns, as the now window has them.
-    constexpr int kRows = radio::Presets::kCount / kPresetColumns;
+    constexpr int kRows = presenters::Presets::kCount / kPresetColumns;
     grid->addWidget(button, i % kRows, i / kRows);
     presets_.push_back(button);
   }

@@ -112,7 +112,7 @@ class frmKestrune final : public QMainWindow {
   QPushButton* cmdRecord_ = nullptr;
   QPushButton* cmdStop_ = nullptr;
   std::vector<QPushButton*> presets_;
-  std::array<PresetFace, radio::Presets::kCount> presetFaces_;
+  std::array<PresetFace, presenters::Presets::kCount> presetFaces_;
   std::vector<Box> boxes_;
 };
 

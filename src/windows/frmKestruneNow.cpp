@@ -58,7 +58,7 @@ bool ShowLine(QLabel& label, const std::string& caption) {
 
 }  // namespace
 
-frmKestruneNow::frmKestruneNow(radio::NowScreen& rules, radio::Presets& presets,
+frmKestruneNow::frmKestruneNow(presenters::NowScreen& rules, presenters::Presets& presets,
                                const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window),
       rules_(rules),
@@ -74,11 +74,11 @@ frmKestruneNow::frmKestruneNow(radio::NowScreen& rules, radio::Presets& presets,
   font.setStyleHint(QFont::SansSerif);
   font.setBold(true);
   font.setPointSizeF(12);
-  for (int i = 0; i < radio::Presets::kCount; ++i) {
+  for (int i = 0; i < presenters::Presets::kCount; ++i) {
     auto* button = new NowButtonFace(this);
     cmdPresetStation_.at(static_cast<std::size_t>(i)) = button;
     Name(*button, QByteArray("cmdPresetStation_").append(QByteArray::number(i)).constData(),
-         radio::Presets::TipOf(i));
+         presenters::Presets::TipOf(i));
     button->setFont(font);
     button->resize(kButtonWidth, kButtonHeight);
     connect(button, &QPushButton::clicked, this, [&presets, i] { presets.cmdPresetStation_Click(i); });
@@ -97,7 +97,7 @@ void frmKestruneNow::Refresh() {
   changed = ShowLine(*lblArtist_, rules_.Lines().lblArtist) || changed;
   changed = ShowLine(*lblSong_, rules_.Lines().lblSong) || changed;
   for (std::size_t i = 0; i < cmdPresetStation_.size(); ++i) {
-    const radio::NowButton& shown = rules_.Buttons().at(i);
+    const presenters::NowButton& shown = rules_.Buttons().at(i);
     NowButtonFace& button = *cmdPresetStation_.at(i);
     button.ShowTuned(shown.Tuned);
     ShowText(button, shown.Caption);
@@ -109,7 +109,7 @@ void frmKestruneNow::Refresh() {
 
 void frmKestruneNow::LayOut() {
   const int firstRow = height() - kLastRowFromBottom - (kRows - 1) * kRowStep;
-  for (int i = 0; i < radio::Presets::kCount; ++i) {
+  for (int i = 0; i < presenters::Presets::kCount; ++i) {
     cmdPresetStation_.at(static_cast<std::size_t>(i))
         ->move(kMargin + i / kRows * (kButtonWidth + kGap), firstRow + i % kRows * kRowStep);
   }
@@ -121,13 +121,14 @@ void frmKestruneNow::LayOut() {
     const auto measure = [&](float points) {
       font.setPointSizeF(points);
       const QFontMetricsF metrics(font);
-      return radio::LineSize{
+      return presenters::LineSize{
           .Width = static_cast<float>(metrics.horizontalAdvance(line->text())) * kTwipsPerPixel,
           .Height = static_cast<float>(metrics.height()) * kTwipsPerPixel};
     };
-    const float points = radio::FitFont(static_cast<float>(line->font().pointSizeF()),
-                                        static_cast<float>(width() * kTwipsPerPixel), heightLimit, measure);
-    const radio::LineSize size = measure(points);
+    const float points =
+        presenters::FitFont(static_cast<float>(line->font().pointSizeF()),
+                            static_cast<float>(width() * kTwipsPerPixel), heightLimit, measure);
+    const presenters::LineSize size = measure(points);
     if (line->font().pointSizeF() != static_cast<qreal>(points)) line->setFont(font);
     line->setGeometry(kLineLeft, top, static_cast<int>(std::ceil(size.Width / kTwipsPerPixel)) + 1,
                       static_cast<int>(std::ceil(size.Height / kTwipsPerPixel)));

@@ -19,8 +19,8 @@ class NowButtonFace;
 class frmKestruneNow final : public QWidget {
  public:
   /// Loads the rules and places itself. All references must outlive the window.
-  frmKestruneNow(radio::NowScreen& rules, radio::Presets& presets, const config::SettingsSection& section,
-                 QWidget* parent = nullptr);
+  frmKestruneNow(presenters::NowScreen& rules, presenters::Presets& presets,
+                 const config::SettingsSection& section, QWidget* parent = nullptr);
 
   /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
   std::function<void(int)> HotKey;
@@ -37,12 +37,12 @@ class frmKestruneNow final : public QWidget {
  private:
   void LayOut();
 
-  radio::NowScreen& rules_;
+  presenters::NowScreen& rules_;
   const config::SettingsSection& section_;
   QLabel* lblChannel_;
   QLabel* lblArtist_;
   QLabel* lblSong_;
-  std::array<NowButtonFace*, radio::Presets::kCount> cmdPresetStation_{};
+  std::array<NowButtonFace*, presenters::Presets::kCount> cmdPresetStation_{};
 };
 
 }  // namespace kestrune::windows

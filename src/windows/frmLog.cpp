@@ -33,7 +33,7 @@ class LogLineDelegate final : public QStyledItemDelegate {
   }
 };
 
-frmLog::frmLog(schedule::LogWindow& rules, const config::SettingsSection& section, QWidget* parent)
+frmLog::frmLog(presenters::LogWindow& rules, const config::SettingsSection& section, QWidget* parent)
     // A size of the user's own is what this window remembers, so it has no button that fills the screen.
     : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),

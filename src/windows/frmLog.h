@@ -18,7 +18,7 @@ class LogLineDelegate;
 class frmLog final : public QWidget {
  public:
   /// Places itself. Both references must outlive the window.
-  frmLog(schedule::LogWindow& rules, const config::SettingsSection& section, QWidget* parent = nullptr);
+  frmLog(presenters::LogWindow& rules, const config::SettingsSection& section, QWidget* parent = nullptr);
 
   /// Set by the shutdown: then the window really closes.
   bool QuitFlag = false;
@@ -42,7 +42,7 @@ class frmLog final : public QWidget {
   void Follow();
   void Measure(int firstLine);
 
-  schedule::LogWindow& rules_;
+  presenters::LogWindow& rules_;
   const config::SettingsSection& section_;
   LogLines* lines_;
   LogLineDelegate* delegate_;

@@ -96,7 +96,7 @@ QLabel* MakePicture(const char* name, QStyle::StandardPixmap picture, QWidget* p
 
 }  // namespace
 
-frmMixer::frmMixer(config::MixerWindow& rules, const config::SettingsSection& section,
+frmMixer::frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section,
                    const std::string& device, QWidget* parent)
     : QWidget(parent, Qt::Window), rules_(rules), section_(section) {
   setObjectName(QStringLiteral("frmMixer"));
@@ -199,7 +199,7 @@ void frmMixer::Show() {
     ShowVisible(*findChild<QLabel*>(QLatin1String(picture)), lastLine >= 0);
   for (std::size_t index = 0; index < columns_.size(); ++index) {
     Column& column = columns_[index];
-    const config::MixerColumn& line = rules_.Column(index);
+    const presenters::MixerColumn& line = rules_.Column(index);
     const bool there = static_cast<int>(index) <= lastLine;
     for (QLabel* label : {column.Label, column.Label2, column.Label3}) ShowVisible(*label, there);
     // What keeps its room while hidden must not do so where there is no column at all.

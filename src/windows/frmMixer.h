@@ -19,7 +19,7 @@ namespace kestrune::windows {
 class frmMixer final : public QWidget {
  public:
   /// Turns the mixer to a recording device, by its id, and places itself. The references must outlive the window.
-  frmMixer(config::MixerWindow& rules, const config::SettingsSection& section, const std::string& device,
+  frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section, const std::string& device,
            QWidget* parent = nullptr);
   ~frmMixer() override;
   frmMixer(const frmMixer&) = delete;
@@ -48,9 +48,9 @@ class frmMixer final : public QWidget {
   void Show();
   void ShowName(Column& column, const std::string& name);
 
-  config::MixerWindow& rules_;
+  presenters::MixerWindow& rules_;
   const config::SettingsSection& section_;
-  std::array<Column, config::MixerWindow::kColumns> columns_;
+  std::array<Column, presenters::MixerWindow::kColumns> columns_;
   QLabel* nothing_ = nullptr;  // stands where a device has no line
   bool closed_ = false;
 };

@@ -21,7 +21,8 @@ constexpr int kShownLines = 20;
 
 }  // namespace
 
-frmPresets::frmPresets(radio::PresetSetup& rules, const config::SettingsSection& section, QWidget* parent)
+frmPresets::frmPresets(presenters::PresetSetup& rules, const config::SettingsSection& section,
+                       QWidget* parent)
     : QDialog(parent), rules_(rules), section_(section) {
   setObjectName(QStringLiteral("frmPresets"));
   setWindowTitle(QStringLiteral("Preset Button Setup"));
@@ -34,7 +35,7 @@ frmPresets::frmPresets(radio::PresetSetup& rules, const config::SettingsSection&
 
   // The lists differ in their choice alone, so they share their lines.
   auto* lines = new QStandardItemModel(this);
-  for (const radio::PresetSetup::Line& line : rules_.Lines()) {
+  for (const presenters::PresetSetup::Line& line : rules_.Lines()) {
     auto* item = new QStandardItem(ToQt(base::OneLine(line.Text)));
     item->setData(line.Channel, Qt::UserRole);
     item->setEditable(false);
@@ -42,7 +43,7 @@ frmPresets::frmPresets(radio::PresetSetup& rules, const config::SettingsSection&
   }
 
   auto* grid = new QGridLayout;
-  for (int i = 0; i < radio::Presets::kCount; ++i) {
+  for (int i = 0; i < presenters::Presets::kCount; ++i) {
     const QString title = QStringLiteral("Preset %1:").arg(i + 1);
     auto* list = new QComboBox(this);
     cboPreset_.at(static_cast<std::size_t>(i)) = list;
@@ -88,7 +89,7 @@ frmPresets::frmPresets(radio::PresetSetup& rules, const config::SettingsSection&
 }
 
 void frmPresets::Refresh() {
-  for (int i = 0; i < radio::Presets::kCount; ++i) {
+  for (int i = 0; i < presenters::Presets::kCount; ++i) {
     ShowIndex(*cboPreset_.at(static_cast<std::size_t>(i)), rules_.Selected(i));
   }
 }

@@ -15,7 +15,8 @@ namespace kestrune::windows {
 class frmPresets final : public QDialog {
  public:
   /// Loads the rules and places itself. Both references must outlive the window.
-  frmPresets(radio::PresetSetup& rules, const config::SettingsSection& section, QWidget* parent = nullptr);
+  frmPresets(presenters::PresetSetup& rules, const config::SettingsSection& section,
+             QWidget* parent = nullptr);
 
   void Refresh();
 
@@ -29,9 +30,9 @@ class frmPresets final : public QDialog {
   void cmdSave_Click();
   void cmdCancel_Click();
 
-  radio::PresetSetup& rules_;
+  presenters::PresetSetup& rules_;
   const config::SettingsSection& section_;
-  std::array<QComboBox*, radio::Presets::kCount> cboPreset_{};
+  std::array<QComboBox*, presenters::Presets::kCount> cboPreset_{};
 };
 
 }  // namespace kestrune::windows

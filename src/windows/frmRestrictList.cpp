@@ -35,7 +35,7 @@ struct ColumnTexts {
 constexpr const char* kArtistTip = "Click to select Artist name to edit or delete";
 constexpr const char* kSongTip = "Click to select Song name to edit or delete";
 
-constexpr std::array<ColumnTexts, schedule::RestrictListEditor::kColumns> kColumnTexts{{
+constexpr std::array<ColumnTexts, presenters::RestrictListEditor::kColumns> kColumnTexts{{
     {kArtistTip, "Edit Artist Name", "Click to add this artist entry", "Click to delete this artist entry",
      "Artists to record"},
     {kSongTip, "Edit Song Name", "Click to add this song entry", "Click to delete this song entry",
@@ -73,7 +73,7 @@ void ShowItems(QListWidget& list, const std::vector<std::string>& items) {
 
 }  // namespace
 
-frmRestrictList::frmRestrictList(schedule::RestrictListEditor& rules, const base::RunState& run,
+frmRestrictList::frmRestrictList(presenters::RestrictListEditor& rules, const base::RunState& run,
                                  const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window), rules_(rules), run_(run), section_(section) {
   setObjectName(QStringLiteral("frmRestrictList"));
@@ -174,7 +174,7 @@ QVBoxLayout* frmRestrictList::MakeColumn(std::size_t index, QWidget* heading) {
 
 void frmRestrictList::Refresh() {
   for (std::size_t index = 0; index < columns_.size(); ++index) {
-    const schedule::RestrictColumn& column = rules_.Column(index);
+    const presenters::RestrictColumn& column = rules_.Column(index);
     QListWidget& list = *columns_[index].lstRestrict;
     const QSignalBlocker quiet(list);
     ShowItems(list, column.lstRestrict);

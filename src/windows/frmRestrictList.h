@@ -19,7 +19,7 @@ namespace kestrune::windows {
 class frmRestrictList final : public QWidget {
  public:
   /// Loads the lists and places itself. All references must outlive the window.
-  frmRestrictList(schedule::RestrictListEditor& rules, const base::RunState& run,
+  frmRestrictList(presenters::RestrictListEditor& rules, const base::RunState& run,
                   const config::SettingsSection& section, QWidget* parent = nullptr);
   ~frmRestrictList() override;
   frmRestrictList(const frmRestrictList&) = delete;
@@ -49,10 +49,10 @@ class frmRestrictList final : public QWidget {
   void cmdSave();
   void cmdCancel();
 
-  schedule::RestrictListEditor& rules_;
+  presenters::RestrictListEditor& rules_;
   const base::RunState& run_;
   const config::SettingsSection& section_;
-  std::array<Column, schedule::RestrictListEditor::kColumns> columns_;
+  std::array<Column, presenters::RestrictListEditor::kColumns> columns_;
   bool closed_ = false;
 };
 

@@ -32,7 +32,7 @@
 namespace kestrune::windows {
 namespace {
 
-using schedule::Scheduler;
+using presenters::Scheduler;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 
@@ -373,7 +373,7 @@ void frmSchedule::PickDate(int index, bool start) {
   const QPointer<frmSchedule> self(this);
   const std::shared_ptr<Scheduler> rules = rules_;
   const auto picker = [this, &rules] {
-    schedule::DateSelect choices(loop_, rules->SelDate);
+    presenters::DateSelect choices(loop_, rules->SelDate);
     QPointer<frmDateSelect> window(new frmDateSelect(choices, section_, this));
     window->exec();
     delete window;

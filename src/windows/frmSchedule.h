@@ -22,7 +22,7 @@ namespace kestrune::windows {
 class frmSchedule final : public QWidget {
  public:
   /// Takes rules that are newly loaded, and places itself. All references must outlive the window.
-  frmSchedule(schedule::Scheduler rules, const base::EventLoop& loop, const base::RunState& run,
+  frmSchedule(presenters::Scheduler rules, const base::EventLoop& loop, const base::RunState& run,
               const config::SettingsSection& section, QWidget* parent = nullptr);
 
   /// A close has ended, refused or not: `chkSchedule` is to be ticked if it was refused, cleared if not. Does
@@ -31,7 +31,7 @@ class frmSchedule final : public QWidget {
   /// The main window is to get the focus.
   std::function<void()> FocusMainWindow;
 
-  [[nodiscard]] const schedule::Scheduler& Rules() const { return *rules_; }
+  [[nodiscard]] const presenters::Scheduler& Rules() const { return *rules_; }
   void Refresh();
 
  protected:
@@ -73,18 +73,18 @@ class frmSchedule final : public QWidget {
   [[nodiscard]] QComboBox* MakeList(int index, const Control& control, QStringListModel& items,
                                     std::function<void()> chosen, QWidget* page);
   [[nodiscard]] QCheckBox* MakeBox(int index, const Control& control, const char* caption,
-                                   void (schedule::Scheduler::*tick)(int, bool), QWidget* page);
+                                   void (presenters::Scheduler::*tick)(int, bool), QWidget* page);
   [[nodiscard]] QPushButton* MakeButton(int index, const Control& control, const char* caption,
                                         std::function<void()> pressed, QWidget* page);
   [[nodiscard]] TimeLists MakeTime(int index, const std::array<Control, 3>& controls,
-                                   void (schedule::Scheduler::*choose)(int, schedule::TimeOfDay),
+                                   void (presenters::Scheduler::*choose)(int, schedule::TimeOfDay),
                                    TimeLists Row::*where, QWidget* page);
   void PickDate(int index, bool start);
   void cmdSave();
   void cmdCancel();
 
   // Shared, so that they outlive a window that goes while it waits for an answer.
-  std::shared_ptr<schedule::Scheduler> rules_;
+  std::shared_ptr<presenters::Scheduler> rules_;
   const base::EventLoop& loop_;
   const base::RunState& run_;
   const config::SettingsSection& section_;

@@ -8,8 +8,8 @@ namespace kestrune::control {
 namespace {
 
 using base::DateValue;
+using presenters::Scheduler;
 using schedule::CodedDay;
-using schedule::Scheduler;
 using test::SchedulerWorld;
 
 constexpr const char* kDone = "done";

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "control/ScheduleWords.h"
-#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/SchedulerMoment.h"
 
 namespace kestrune::control {
 namespace {

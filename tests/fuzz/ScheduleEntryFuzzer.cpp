@@ -12,10 +12,10 @@
 
 #include "base/DateValue.h"
 #include "base/Text.h"
-#include "presenters/SchedulerSettings.h"
 #include "schedule/entries/DueSearch.h"
 #include "schedule/entries/NextRun.h"
 #include "schedule/entries/ReloadSchedule.h"
+#include "schedule/entries/SchedulerSettings.h"
 
 using namespace kestrune;
 

@@ -28,7 +28,7 @@ class ChannelChooserTest : public ChannelsFixture {
   void Wait(int milliseconds) { loop.Run(Milliseconds(milliseconds)); }
 
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(Milliseconds(3600000), [] {});
-  radio::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
+  presenters::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
   Strings offered;
   int cleared = 0;
 };

@@ -53,7 +53,7 @@ class ConfigurationRig {
   int Stops = 0;  ///< of a recording
   int DeviceChanges = 0;
 
-  config::ConfigurationAccess Access() {
+  presenters::ConfigurationAccess Access() {
     return {.Settings = Settings,
             .Section = Section,
             .FileSpecs = Specs,
@@ -64,11 +64,11 @@ class ConfigurationRig {
             .DeviceChanged = [this] { ++DeviceChanges; }};
   }
 
-  config::Configuration Window{Access()};
+  presenters::Configuration Window{Access()};
 };
 
 /// The row of a list that has this text, or -1.
-inline int RowOf(const config::ChoiceList& list, std::string_view text) {
+inline int RowOf(const presenters::ChoiceList& list, std::string_view text) {
   for (std::size_t row = 0; row < list.Rows.size(); ++row) {
     if (list.Rows[row].Text == text) return static_cast<int>(row);
   }

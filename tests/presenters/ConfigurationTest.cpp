@@ -19,15 +19,15 @@ class ConfigurationTest : public ::testing::Test {
   void ChooseMin(std::string_view text) { window_.cboMinLength(RowOf(Shown().cboMinLength, text)); }
   void ChooseMax(std::string_view text) { window_.cboMaxLength(RowOf(Shown().cboMaxLength, text)); }
   void ChooseFormat(std::string_view code) { window_.cboFileFormat(RowOf(Shown().cboFileFormat, code)); }
-  [[nodiscard]] const config::ConfigurationControls& Shown() const { return window_.Controls(); }
+  [[nodiscard]] const presenters::ConfigurationControls& Shown() const { return window_.Controls(); }
 
   ConfigurationRig rig_;
-  config::Configuration& window_ = rig_.Window;
+  presenters::Configuration& window_ = rig_.Window;
 };
 
-std::vector<std::string> Texts(const config::ChoiceList& list) {
+std::vector<std::string> Texts(const presenters::ChoiceList& list) {
   std::vector<std::string> texts;
-  for (const config::ChoiceRow& row : list.Rows) texts.push_back(row.Text);
+  for (const presenters::ChoiceRow& row : list.Rows) texts.push_back(row.Text);
   return texts;
 }
 
@@ -39,7 +39,7 @@ TEST_F(ConfigurationTest, TheMinimumLengthsAreSecondsFromTwoOnAndNone) {
       "35 Sec", "40 Sec", "45 Sec", "50 Sec", "55 Sec",  "60 Sec",  "65 Sec",  "70 Sec",  "75 Sec",
       "80 Sec", "85 Sec", "90 Sec", "95 Sec", "100 Sec", "105 Sec", "110 Sec", "115 Sec", "120 Sec"};
   EXPECT_EQ(Texts(Shown().cboMinLength), told);
-  for (const config::ChoiceRow& row : Shown().cboMinLength.Rows) {
+  for (const presenters::ChoiceRow& row : Shown().cboMinLength.Rows) {
     EXPECT_EQ(row.Value, row.Text == "None" ? 0 : std::stoi(row.Text)) << row.Text;
   }
   EXPECT_EQ(Shown().cboMinLength.Text(), "45 Sec");
@@ -54,7 +54,7 @@ TEST_F(ConfigurationTest, TheMaximumLengthsAreHalfMinutesAndUnlimited) {
       "12.0 Min",  "12.5 Min", "13.0 Min", "13.5 Min", "14.0 Min", "14.5 Min", "15.0 Min"};
   EXPECT_EQ(Texts(Shown().cboMaxLength), told);
   int value = 0;
-  for (const config::ChoiceRow& row : Shown().cboMaxLength.Rows) {
+  for (const presenters::ChoiceRow& row : Shown().cboMaxLength.Rows) {
     EXPECT_EQ(row.Value, value) << row.Text;
     value += 30;
   }
@@ -66,7 +66,7 @@ TEST_F(ConfigurationTest, TheSongDelaysAreHundredsToFiveThousand) {
   ASSERT_EQ(Shown().cboSongDelay.Rows.size(), 51U);
   for (int i = 0; i <= 50; ++i) {
     const auto& row = Shown().cboSongDelay.Rows[static_cast<std::size_t>(i)];
-    EXPECT_EQ(row, (config::ChoiceRow{std::to_string(i * 100), i * 100}));
+    EXPECT_EQ(row, (presenters::ChoiceRow{std::to_string(i * 100), i * 100}));
   }
   EXPECT_EQ(Shown().cboSongDelay.Text(), "600");
 }
@@ -80,7 +80,7 @@ TEST_F(ConfigurationTest, TheFileFormatsStandInTheirOrder) {
 TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromIt) {
   window_.Load();
   rig_.Settings.MaxSongLength = 0;
-  for (const config::ChoiceRow& row : std::vector(Shown().cboMinLength.Rows)) {
+  for (const presenters::ChoiceRow& row : std::vector(Shown().cboMinLength.Rows)) {
     rig_.Settings.MinSongLength = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboMinLength.Text(), row.Text);
@@ -88,14 +88,14 @@ TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromI
     EXPECT_EQ(rig_.Settings.MinSongLength, row.Value);
   }
   rig_.Settings.MinSongLength = 0;
-  for (const config::ChoiceRow& row : std::vector(Shown().cboMaxLength.Rows)) {
+  for (const presenters::ChoiceRow& row : std::vector(Shown().cboMaxLength.Rows)) {
     rig_.Settings.MaxSongLength = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboMaxLength.Text(), row.Text);
     ASSERT_TRUE(window_.cmdSave());
     EXPECT_EQ(rig_.Settings.MaxSongLength, row.Value);
   }
-  for (const config::ChoiceRow& row : std::vector(Shown().cboSongDelay.Rows)) {
+  for (const presenters::ChoiceRow& row : std::vector(Shown().cboSongDelay.Rows)) {
     rig_.Settings.SongDelay = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboSongDelay.Text(), row.Text);
@@ -137,7 +137,7 @@ TEST_F(ConfigurationTest, LoadPreparesTheIdleSlotAndShowsItsDescription) {
 TEST_F(ConfigurationTest, TheDevicesComeWithTheirIndexes) {
   window_.Load();
   EXPECT_EQ(Shown().cboDevice.Rows,
-            (std::vector<config::ChoiceRow>{{"Built-in Audio", 0}, {"USB Audio CODEC", 3}}));
+            (std::vector<presenters::ChoiceRow>{{"Built-in Audio", 0}, {"USB Audio CODEC", 3}}));
 }
 
 TEST_F(ConfigurationTest, ADeviceThatHasGoneSelectsNothingAndIsKept) {
@@ -160,9 +160,9 @@ TEST_F(ConfigurationTest, ABrokenDeviceTextGivesTheDevicesBeforeTheBreak) {
 }
 
 TEST_F(ConfigurationTest, ChoosingInTheFourListsIsAChange) {
-  const std::vector<void (config::Configuration::*)(int)> lists{
-      &config::Configuration::cboDevice, &config::Configuration::cboMinLength,
-      &config::Configuration::cboMaxLength, &config::Configuration::cboSongDelay};
+  const std::vector<void (presenters::Configuration::*)(int)> lists{
+      &presenters::Configuration::cboDevice, &presenters::Configuration::cboMinLength,
+      &presenters::Configuration::cboMaxLength, &presenters::Configuration::cboSongDelay};
   for (const auto list : lists) {
     window_.Load();
     EXPECT_FALSE(window_.Dirty());
@@ -407,12 +407,12 @@ TEST_F(ConfigurationTest, AStoreThatCannotBeWrittenKeepsTheRunningProgramsValues
 
 TEST_F(ConfigurationTest, AGainTextThatIsNoNumberKeepsTheWindowOpenAndSavesNothing) {
   struct Row {
-    void (config::Configuration::*Type)(std::string_view);
+    void (presenters::Configuration::*Type)(std::string_view);
     std::string_view Field;
   };
-  for (const Row& row : {Row{&config::Configuration::txtAGCLowLevel, "txtAGCLowLevel"},
-                         Row{&config::Configuration::txtAGCHighLevel, "txtAGCHighLevel"},
-                         Row{&config::Configuration::txtAGCAttackTime, "txtAGCAttackTime"}}) {
+  for (const Row& row : {Row{&presenters::Configuration::txtAGCLowLevel, "txtAGCLowLevel"},
+                         Row{&presenters::Configuration::txtAGCHighLevel, "txtAGCHighLevel"},
+                         Row{&presenters::Configuration::txtAGCAttackTime, "txtAGCAttackTime"}}) {
     for (const char* text : {"", "loud", "40000", "-32769", "1 2 x"}) {
       window_.Load();
       const config::Settings before = rig_.Settings;

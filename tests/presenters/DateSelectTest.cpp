@@ -7,7 +7,7 @@ namespace kestrune::test {
 namespace {
 
 using base::DateValue;
-using schedule::DateSelect;
+using presenters::DateSelect;
 
 // The clock stands at Saturday, January 1, 2005, 12:00.
 struct Picker {

@@ -13,7 +13,7 @@ namespace {
 class FilenameFormatSelectTest : public ::testing::Test {
  protected:
   std::string text_;
-  config::FilenameFormatSelect select_{text_};
+  presenters::FilenameFormatSelect select_{text_};
 };
 
 TEST_F(FilenameFormatSelectTest, TheEightRowsReadAsTold) {
@@ -33,10 +33,10 @@ TEST_F(FilenameFormatSelectTest, TheEightRowsReadAsTold) {
       {"%d\\%n - %a - %s",
        "Separate folder for each recording session, songs named \"Counter - Artist - Song Title.mp3\""},
   };
-  ASSERT_EQ(config::FilenameFormats().size(), told.size());
+  ASSERT_EQ(presenters::FilenameFormats().size(), told.size());
   for (std::size_t row = 0; row < told.size(); ++row) {
-    EXPECT_EQ(config::FilenameFormats()[row].Format, told[row].first);
-    EXPECT_EQ(config::FilenameFormats()[row].Description, told[row].second);
+    EXPECT_EQ(presenters::FilenameFormats()[row].Format, told[row].first);
+    EXPECT_EQ(presenters::FilenameFormats()[row].Description, told[row].second);
     select_.cmdSelect(row);
     EXPECT_EQ(text_, told[row].first);
   }
@@ -44,7 +44,7 @@ TEST_F(FilenameFormatSelectTest, TheEightRowsReadAsTold) {
 
 TEST_F(FilenameFormatSelectTest, EachOfTheFirstSevenIsMarkedAndNoOther) {
   for (std::size_t present = 0; present < 7; ++present) {
-    text_ = config::FilenameFormats()[present].Format;
+    text_ = presenters::FilenameFormats()[present].Format;
     for (std::size_t row = 0; row < 8; ++row) {
       EXPECT_EQ(select_.Caption(row), row == present ? "== Selected ==" : "Select") << present << row;
     }

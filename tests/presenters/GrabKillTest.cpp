@@ -12,7 +12,7 @@
 namespace kestrune::test {
 namespace {
 
-using schedule::GrabKill;
+using presenters::GrabKill;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -36,7 +36,7 @@ class GrabKillTest : public ::testing::Test {
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
   schedule::Restrictions lists_{files_, environment_};
-  schedule::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
   GrabKill addition_{lists_, editor_, files_, environment_};
   std::string question_;
   std::int16_t answer_ = -1;

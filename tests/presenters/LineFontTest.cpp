@@ -6,8 +6,8 @@
 namespace kestrune::test {
 namespace {
 
-using radio::FitFont;
-using radio::LineSize;
+using presenters::FitFont;
+using presenters::LineSize;
 
 // A text that is so many twips wide and 25 twips high a point.
 auto Text(float widthOfAPoint) {

@@ -29,7 +29,7 @@ class LogWindowTest : public ::testing::Test {
   RecordingShell shell_;
   ScriptedDialogs dialogs_;
   schedule::LogList list_{files_};
-  schedule::LogWindow window_{list_, files_, environment_, shell_, dialogs_};
+  presenters::LogWindow window_{list_, files_, environment_, shell_, dialogs_};
 };
 
 TEST_F(LogWindowTest, ClearAsksFirst) {

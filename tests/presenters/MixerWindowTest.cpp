@@ -14,7 +14,7 @@ class MixerWindowTest : public ::testing::Test {
   }
 
   FakeMixer mixer_;
-  config::MixerWindow window_{mixer_};
+  presenters::MixerWindow window_{mixer_};
 };
 
 TEST_F(MixerWindowTest, ALoadShowsEachLineOfTheDevice) {

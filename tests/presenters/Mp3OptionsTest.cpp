@@ -13,9 +13,9 @@
 namespace kestrune::test {
 namespace {
 
-using config::FilterNumber;
-using config::Mp3Options;
 using platform::Mp3Parameters;
+using presenters::FilterNumber;
+using presenters::Mp3Options;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -26,8 +26,8 @@ class Mp3OptionsTest : public ::testing::Test {
     rig_.Specs.SetFileSpecs(1);
     return rig_.Idle.Mp3;
   }
-  [[nodiscard]] const config::Mp3Controls& Shown() const { return options_.Controls(); }
-  [[nodiscard]] const config::NumberText& Filter(FilterNumber number) const {
+  [[nodiscard]] const presenters::Mp3Controls& Shown() const { return options_.Controls(); }
+  [[nodiscard]] const presenters::NumberText& Filter(FilterNumber number) const {
     return Shown().Filters[static_cast<std::size_t>(number)];
   }
 
@@ -36,24 +36,24 @@ class Mp3OptionsTest : public ::testing::Test {
   config::FormatMP3& record_ = rig_.Settings.FormatMP3;
 };
 
-std::vector<std::string> Texts(const config::ChoiceList& list) {
+std::vector<std::string> Texts(const presenters::ChoiceList& list) {
   std::vector<std::string> texts;
-  for (const config::ChoiceRow& row : list.Rows) texts.push_back(row.Text);
+  for (const presenters::ChoiceRow& row : list.Rows) texts.push_back(row.Text);
   return texts;
 }
 
 TEST_F(Mp3OptionsTest, TheBitrateTable) {
   const std::vector<std::int16_t> told{8, 16, 24, 32, 48, 56, 64, 96, 112, 128, 160, 192, 224, 256, 320};
-  EXPECT_EQ(config::Mp3Bitrates().First(), 0);
-  EXPECT_EQ(config::Mp3Bitrates().Last(), 14);
+  EXPECT_EQ(presenters::Mp3Bitrates().First(), 0);
+  EXPECT_EQ(presenters::Mp3Bitrates().Last(), 14);
   for (int position = 0; position <= 14; ++position) {
     const std::int16_t kbit = told[static_cast<std::size_t>(position)];
-    EXPECT_EQ(config::Mp3Bitrates().Bitrate(position), kbit);
-    EXPECT_EQ(config::Mp3Bitrates().Position(kbit), position);
+    EXPECT_EQ(presenters::Mp3Bitrates().Bitrate(position), kbit);
+    EXPECT_EQ(presenters::Mp3Bitrates().Position(kbit), position);
   }
-  for (const int position : {-1, 15, 1000}) EXPECT_EQ(config::Mp3Bitrates().Bitrate(position), 0);
+  for (const int position : {-1, 15, 1000}) EXPECT_EQ(presenters::Mp3Bitrates().Bitrate(position), 0);
   for (const std::int16_t kbit : {-1, 0, 40, 80, 144, 32767}) {
-    EXPECT_EQ(config::Mp3Bitrates().Position(kbit), 0);
+    EXPECT_EQ(presenters::Mp3Bitrates().Position(kbit), 0);
   }
 }
 
@@ -160,12 +160,12 @@ TEST_F(Mp3OptionsTest, EveryFieldReachesTheEncoder) {
 
 TEST_F(Mp3OptionsTest, EveryRowOfEveryListIsSavedAndLoaded) {
   struct Row {
-    config::ChoiceList config::Mp3Controls::*List;
+    presenters::ChoiceList presenters::Mp3Controls::*List;
     void (Mp3Options::*Choose)(int);
     std::function<std::int32_t()> Field;
     std::vector<std::int32_t> Values;
   };
-  using Controls = config::Mp3Controls;
+  using Controls = presenters::Mp3Controls;
   const std::vector<Row> rows{
       {&Controls::cboFrequency,
        &Mp3Options::cboFrequency,
@@ -201,8 +201,8 @@ TEST_F(Mp3OptionsTest, EveryPositionOfTheSlidersIsSavedAndTold) {
   for (int position = 0; position <= 14; ++position) {
     options_.CurrentBitrate(position);
     options_.MaxVBRBitrate(14 - position);
-    const std::int16_t kbit = config::Mp3Bitrates().Bitrate(position);
-    const std::int16_t mirrored = config::Mp3Bitrates().Bitrate(14 - position);
+    const std::int16_t kbit = presenters::Mp3Bitrates().Bitrate(position);
+    const std::int16_t mirrored = presenters::Mp3Bitrates().Bitrate(14 - position);
     EXPECT_EQ(Shown().lblCurrentBitrate, "Current bitrate: " + std::to_string(kbit) + " kbit");
     EXPECT_EQ(Shown().lblMaxVBRBitrate, "Current bitrate: " + std::to_string(mirrored) + " kbit");
     EXPECT_TRUE(options_.cmdOK());

@@ -16,14 +16,14 @@ class NowScreenTest : public ChannelsFixture {
     stored = {{"Preset1", "44 - Fred"}, {"Preset2", "45 - Lucy"}, {"Preset12", "99 - Gone"}};
     presets.LoadPresets();
   }
-  [[nodiscard]] const radio::NowButton& Button(int n) const {
+  [[nodiscard]] const presenters::NowButton& Button(int n) const {
     return screen.Buttons().at(static_cast<std::size_t>(n) - 1);
   }
   void Second() { loop.Run(Milliseconds(1000)); }
 
-  radio::Presets presets{channels, sounds, Keys(), [] { return false; }};
-  radio::NowLines shown{.lblChannel = "44: Fred", .lblArtist = "Queen", .lblSong = "Radio Ga Ga"};
-  radio::NowScreen screen{channels, presets, loop, [this] { return shown; }};
+  presenters::Presets presets{channels, sounds, Keys(), [] { return false; }};
+  presenters::NowLines shown{.lblChannel = "44: Fred", .lblArtist = "Queen", .lblSong = "Radio Ga Ga"};
+  presenters::NowScreen screen{channels, presets, loop, [this] { return shown; }};
 };
 
 TEST_F(NowScreenTest, OpeningItTakesAFirstCopy) {
@@ -70,7 +70,7 @@ TEST_F(NowScreenTest, AChannelThatTheTableDoesNotHaveShowsItsNumberAndEmptyTexts
 
 TEST_F(NowScreenTest, APresetWithNoChannelIsEmptyAndKeepsItsColourFromBefore) {
   screen.Load();
-  EXPECT_EQ(Button(3), radio::NowButton{});
+  EXPECT_EQ(Button(3), presenters::NowButton{});
   EXPECT_TRUE(Button(1).Tuned);
   stored["Preset1"] = "";
   presets.LoadPresets();
@@ -101,7 +101,7 @@ TEST_F(NowScreenTest, AClosedWindowCopiesNothingAndTheNextOneBeginsAnew) {
   EXPECT_EQ(screen.Lines().lblArtist, "Queen");
   screen.Load();
   EXPECT_EQ(screen.Lines().lblArtist, "Abba");
-  EXPECT_EQ(Button(1), radio::NowButton{});
+  EXPECT_EQ(Button(1), presenters::NowButton{});
 }
 
 }  // namespace

@@ -21,25 +21,25 @@ class OggOptionsTest : public ::testing::Test {
     rig_.Specs.SetFileSpecs(1);
     return rig_.Idle.Calls.back();
   }
-  [[nodiscard]] const config::OggControls& Shown() const { return options_.Controls(); }
+  [[nodiscard]] const presenters::OggControls& Shown() const { return options_.Controls(); }
 
   ConfigurationRig rig_;
-  config::OggOptions options_{rig_.Settings, rig_.Section};
+  presenters::OggOptions options_{rig_.Settings, rig_.Section};
   config::FormatOGG& record_ = rig_.Settings.FormatOGG;
 };
 
 TEST_F(OggOptionsTest, TheBitrateTable) {
   const std::vector<std::int16_t> told{112, 128, 160, 192, 256, 320};
-  EXPECT_EQ(config::OggBitrates().First(), 1);
-  EXPECT_EQ(config::OggBitrates().Last(), 6);
+  EXPECT_EQ(presenters::OggBitrates().First(), 1);
+  EXPECT_EQ(presenters::OggBitrates().Last(), 6);
   for (int position = 1; position <= 6; ++position) {
     const std::int16_t kbit = told[static_cast<std::size_t>(position - 1)];
-    EXPECT_EQ(config::OggBitrates().Bitrate(position), kbit);
-    EXPECT_EQ(config::OggBitrates().Position(kbit), position);
+    EXPECT_EQ(presenters::OggBitrates().Bitrate(position), kbit);
+    EXPECT_EQ(presenters::OggBitrates().Position(kbit), position);
   }
-  for (const int position : {-1, 0, 7, 1000}) EXPECT_EQ(config::OggBitrates().Bitrate(position), 0);
+  for (const int position : {-1, 0, 7, 1000}) EXPECT_EQ(presenters::OggBitrates().Bitrate(position), 0);
   for (const std::int16_t kbit : {-1, 0, 96, 111, 224, 32767}) {
-    EXPECT_EQ(config::OggBitrates().Position(kbit), 0);
+    EXPECT_EQ(presenters::OggBitrates().Position(kbit), 0);
   }
 }
 
@@ -72,8 +72,8 @@ TEST_F(OggOptionsTest, EveryPositionOfEverySliderReachesTheEncoder) {
     options_.NominalBitrate(position);
     options_.MinBitrate(7 - position);
     options_.MaxBitrate(position);
-    const std::string kbit = std::to_string(config::OggBitrates().Bitrate(position));
-    const std::string mirrored = std::to_string(config::OggBitrates().Bitrate(7 - position));
+    const std::string kbit = std::to_string(presenters::OggBitrates().Bitrate(position));
+    const std::string mirrored = std::to_string(presenters::OggBitrates().Bitrate(7 - position));
     EXPECT_EQ(Shown().NominalBitrate.Label, "Current nominal bitrate: " + kbit + " kbit");
     EXPECT_EQ(Shown().MinBitrate.Label, "Current min bitrate: " + mirrored + " kbit");
     EXPECT_EQ(Shown().MaxBitrate.Label, "Current max bitrate: " + kbit + " kbit");

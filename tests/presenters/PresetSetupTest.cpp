@@ -22,8 +22,8 @@ class PresetSetupTest : public ChannelsFixture {
     return texts;
   }
 
-  radio::Presets presets{channels, sounds, Keys(), [] { return false; }};
-  radio::PresetSetup setup{channels.Grid(), presets, dialogs};
+  presenters::Presets presets{channels, sounds, Keys(), [] { return false; }};
+  presenters::PresetSetup setup{channels.Grid(), presets, dialogs};
   int toFront = 0;
 };
 

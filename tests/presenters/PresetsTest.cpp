@@ -19,7 +19,7 @@ class PresetsTest : public ChannelsFixture {
     Tune(44);
   }
 
-  radio::Presets presets{channels, sounds, Keys(), [this] { return recording; }};
+  presenters::Presets presets{channels, sounds, Keys(), [this] { return recording; }};
   int shown = 0;
 };
 
@@ -30,7 +30,7 @@ TEST_F(PresetsTest, TheButtonsShowTheStoredTextsAsTheyStand) {
   presets.LoadPresets();
   for (int i = 0; i < 12; ++i) {
     const std::string n = std::to_string(i + 1);
-    const radio::PresetButton& button = presets.Buttons().at(static_cast<std::size_t>(i));
+    const presenters::PresetButton& button = presets.Buttons().at(static_cast<std::size_t>(i));
     EXPECT_EQ(button.Caption, fmt::format("{0} - R&B <b>{0}", n));
     EXPECT_EQ(button.Tip, fmt::format("Preset {0} (CTRL-F{0})", n));
     EXPECT_EQ(presets.ChannelOf(i), i + 1);

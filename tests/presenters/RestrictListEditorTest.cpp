@@ -34,7 +34,7 @@ class RestrictListEditorTest : public ::testing::Test {
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
   schedule::Restrictions lists_{files_, environment_};
-  schedule::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
 };
 
 TEST_F(RestrictListEditorTest, LoadSortsEachListWithoutRegardToCase) {

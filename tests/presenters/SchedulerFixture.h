@@ -11,7 +11,7 @@
 #include <fmt/format.h>
 
 #include "presenters/Scheduler.h"
-#include "presenters/SchedulerCalculations.h"
+#include "schedule/entries/SchedulerCalculations.h"
 #include "support/MemorySettingsStore.h"
 #include "support/ScriptedDialogs.h"
 #include "support/SimulatedEventLoop.h"
@@ -28,7 +28,7 @@ struct SchedulerWorld {
                     std::string_view key,
                     std::string_view text) { return Store.SaveSetting("Lorimel", "Kestrune", key, text); }};
   }
-  [[nodiscard]] schedule::Scheduler Open() {
+  [[nodiscard]] presenters::Scheduler Open() {
     return {
         {.Loop = Loop, .Dialogs = Dialogs, .Settings = Settings(), .ReloadSchedule = [this] { ++Reloads; }},
         Channels};

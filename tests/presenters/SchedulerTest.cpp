@@ -10,7 +10,7 @@ namespace kestrune::test {
 namespace {
 
 using base::DateValue;
-using schedule::Scheduler;
+using presenters::Scheduler;
 using schedule::SchedulerRow;
 using testing::ElementsAre;
 

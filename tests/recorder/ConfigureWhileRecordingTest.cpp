@@ -32,7 +32,7 @@ class ConfigureWhileRecording : public ::testing::Test {
   }
   [[nodiscard]] std::string Status() { return rig->Window().lblRecording.Caption; }
   [[nodiscard]] const recorder::RecordingState& State() { return rig->Recording(); }
-  static int RowOf(const config::ChoiceList& list, std::string_view text) {
+  static int RowOf(const presenters::ChoiceList& list, std::string_view text) {
     for (std::size_t row = 0; row < list.Rows.size(); ++row) {
       if (list.Rows[row].Text == text) return static_cast<int>(row);
     }
@@ -44,7 +44,7 @@ class ConfigureWhileRecording : public ::testing::Test {
   }
 
   UnitRig rig;
-  std::optional<config::Configuration> window;
+  std::optional<presenters::Configuration> window;
 };
 
 TEST_F(ConfigureWhileRecording, AMinimumLengthHoldsForTheSongInHand) {

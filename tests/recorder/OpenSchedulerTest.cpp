@@ -9,7 +9,7 @@ TEST(OpenScheduler, ItsChannelsStandAsTheChannelsWindowListsThem) {
   UnitRig rig;
   rig.StartIdle();
   const radio::ChannelGrid& grid = rig->ChannelList().Grid();
-  const schedule::Scheduler scheduler = rig->OpenScheduler();
+  const presenters::Scheduler scheduler = rig->OpenScheduler();
   ASSERT_GT(grid.RowCount(), 1);
   ASSERT_EQ(scheduler.Channels().size(), static_cast<std::size_t>(grid.RowCount()));
   for (int row = 1; row <= grid.RowCount(); ++row) {
@@ -22,7 +22,7 @@ TEST(OpenScheduler, ItsChannelsStandAsTheChannelsWindowListsThem) {
 TEST(OpenScheduler, WhatItSavesCountsFromItsCloseOn) {
   UnitRig rig;
   rig.StartIdle();
-  schedule::Scheduler scheduler = rig->OpenScheduler();
+  presenters::Scheduler scheduler = rig->OpenScheduler();
   scheduler.SetStartDate(8, schedule::CodedDay(7));
   EXPECT_TRUE(scheduler.cmdSave());
   EXPECT_EQ(rig.Setting("ScheduleEnabled9"), "1");

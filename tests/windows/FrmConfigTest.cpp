@@ -106,8 +106,8 @@ TEST_F(FrmConfigTest, EveryControlReadsAsTold) {
 
 TEST_F(FrmConfigTest, TheListsShowTheRulesRows) {
   window_.ShowModeless();
-  const config::ConfigurationControls& shown = rig_.Window.Controls();
-  const std::vector<std::pair<const char*, const config::ChoiceList*>> lists{
+  const presenters::ConfigurationControls& shown = rig_.Window.Controls();
+  const std::vector<std::pair<const char*, const presenters::ChoiceList*>> lists{
       {"cboMinLength", &shown.cboMinLength}, {"cboMaxLength", &shown.cboMaxLength},
       {"cboSongDelay", &shown.cboSongDelay}, {"cboFileFormat", &shown.cboFileFormat},
       {"cboDevice", &shown.cboDevice},

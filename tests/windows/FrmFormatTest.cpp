@@ -70,12 +70,12 @@ class FrmFormatTest : public ::testing::Test {
 };
 
 TEST_F(FrmFormatTest, EveryOptionButtonReadsAsItsRulesSay) {
-  for (const std::string_view code : config::kButtonFormats) {
+  for (const std::string_view code : presenters::kButtonFormats) {
     const std::unique_ptr<QDialog> window = Make(code);
-    const config::OptionWindow& design = config::OptionWindowOf(code);
+    const presenters::OptionWindow& design = presenters::OptionWindowOf(code);
     EXPECT_EQ(window->windowTitle().toStdString(), design.Caption);
     EXPECT_EQ(window->objectName().toStdString(), "frmFormat" + std::string(code));
-    for (const config::OptionGroup& group : design.Groups) {
+    for (const presenters::OptionGroup& group : design.Groups) {
       EXPECT_EQ(Frames(*window).count(std::string(group.Frame)), 1U);
       for (std::size_t i = 0; i < group.Buttons.size(); ++i) {
         const std::string name = std::string(group.Name) + "_" + std::to_string(i);
@@ -90,8 +90,8 @@ TEST_F(FrmFormatTest, EveryOptionButtonReadsAsItsRulesSay) {
 }
 
 TEST_F(FrmFormatTest, EveryOptionButtonIsTakenOverByOk) {
-  for (const std::string_view code : config::kButtonFormats) {
-    for (const config::OptionGroup& group : config::OptionWindowOf(code).Groups) {
+  for (const std::string_view code : presenters::kButtonFormats) {
+    for (const presenters::OptionGroup& group : presenters::OptionWindowOf(code).Groups) {
       for (std::size_t i = 0; i < group.Buttons.size(); ++i) {
         const std::unique_ptr<QDialog> window = Make(code);
         window->show();
@@ -273,8 +273,8 @@ TEST_F(FrmFormatTest, Mp3ReadsAsTold) {
 
 TEST_F(FrmFormatTest, Mp3ListsShowTheRulesRows) {
   const auto window = Make("MP3");
-  const config::Mp3Controls& shown = rig_.Window.Mp3().Controls();
-  const std::vector<std::pair<const char*, const config::ChoiceList*>> lists{
+  const presenters::Mp3Controls& shown = rig_.Window.Mp3().Controls();
+  const std::vector<std::pair<const char*, const presenters::ChoiceList*>> lists{
       {"cboFrequency", &shown.cboFrequency},   {"cboChannels", &shown.cboChannels},
       {"cboTypeStereo", &shown.cboTypeStereo}, {"cboCodingMethod", &shown.cboCodingMethod},
       {"cboATHControl", &shown.cboATHControl}, {"cboDeEmphasis", &shown.cboDeEmphasis}};
@@ -451,8 +451,8 @@ TEST_F(FrmFormatTest, FilenameFormatsReadAsTheirRulesSay) {
     EXPECT_EQ(button.text(), row == 2 ? "== Selected ==" : "Select");
     EXPECT_EQ(button.toolTip(), "Click to select this file format");
     const auto& label = Find<QLabel>(window, ("lblDescription" + at).c_str());
-    EXPECT_EQ(label.text().toStdString(), config::FilenameFormats()[row].Description);
-    EXPECT_EQ(label.property("tag").toString().toStdString(), config::FilenameFormats()[row].Format);
+    EXPECT_EQ(label.text().toStdString(), presenters::FilenameFormats()[row].Description);
+    EXPECT_EQ(label.property("tag").toString().toStdString(), presenters::FilenameFormats()[row].Format);
     EXPECT_EQ(label.textFormat(), Qt::PlainText);
   }
   const auto& cancel = Find<QAbstractButton>(window, "cmdCancel");
@@ -477,12 +477,12 @@ TEST_F(FrmFormatTest, AFilenameFormatIsWrittenByItsButtonAndNotByCancel) {
     window.show();
     Press(window, ("cmdSelect_" + std::to_string(row)).c_str());
     EXPECT_FALSE(window.isVisible());
-    EXPECT_EQ(rig_.Window.Controls().txtFilenameFormat, config::FilenameFormats()[row].Format);
+    EXPECT_EQ(rig_.Window.Controls().txtFilenameFormat, presenters::FilenameFormats()[row].Format);
   }
   windows::frmFilenameFormatSelect window(rig_.Window.FilenameFormats(), rig_.Section);
   window.show();
   Press(window, "cmdCancel");
-  EXPECT_EQ(rig_.Window.Controls().txtFilenameFormat, config::FilenameFormats()[7].Format);
+  EXPECT_EQ(rig_.Window.Controls().txtFilenameFormat, presenters::FilenameFormats()[7].Format);
 }
 
 TEST_F(FrmFormatTest, TheWindowOfFilenameFormatsSharesThePlaceOfTheConfiguration) {

@@ -186,7 +186,7 @@ void TakeLists(Stage& stage) {
   stage.TakeOpened(WindowName::Presets, QStringLiteral("frmPresets"));
 
   using schedule::RestrictList;
-  schedule::GrabKill& lists = stage.Rig.Unit->GrabKill();
+  presenters::GrabKill& lists = stage.Rig.Unit->GrabKill();
   for (const RestrictList list : {RestrictList::GrabArtists, RestrictList::GrabSongs,
                                   RestrictList::KillArtists, RestrictList::KillSongs}) {
     for (const char* fragment : {"Moonlighters", "Rock & Roll", "<b>Bold</b>"}) {

@@ -87,7 +87,7 @@ class frmChannelsTest : public ChannelsFixture {
   }
 
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(Milliseconds(3600000), [] {});
-  radio::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
+  presenters::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
   MemorySettingsStore store;
   config::SettingsSection section{store};
   std::unique_ptr<windows::frmChannels> window;

@@ -50,7 +50,7 @@ struct Picker {
   MemorySettingsStore Store;
   config::SettingsSection Section{Store};
   DateValue SelDate;
-  schedule::DateSelect Rules{Loop, SelDate};
+  presenters::DateSelect Rules{Loop, SelDate};
   windows::frmDateSelect Window{Rules, Section};
 };
 

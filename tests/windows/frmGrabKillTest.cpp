@@ -26,7 +26,7 @@ class frmGrabKillTest : public ::testing::Test {
       QTimer::singleShot(0, &window, [&] { act(window); });
       window.exec();
     });
-    addition_.DblClick(schedule::GrabKill::Field::Artist, artist);
+    addition_.DblClick(presenters::GrabKill::Field::Artist, artist);
   }
   static QPushButton* cmdResult(QWidget& window, int index) {
     return window.findChild<QPushButton*>(QStringLiteral("cmdResult_%1").arg(index));
@@ -36,8 +36,8 @@ class frmGrabKillTest : public ::testing::Test {
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
   schedule::Restrictions lists_{files_, environment_};
-  schedule::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
-  schedule::GrabKill addition_{lists_, editor_, files_, environment_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  presenters::GrabKill addition_{lists_, editor_, files_, environment_};
 };
 
 TEST_F(frmGrabKillTest, ItsControlsAreAsTold) {

@@ -54,9 +54,9 @@ class frmKestruneNowTest : public ChannelsFixture {
     return store.Stored("Lorimel", "Kestrune", key);
   }
 
-  radio::Presets presets{channels, sounds, Keys(), [this] { return recording; }};
-  radio::NowLines shown{.lblChannel = "44: Fred", .lblArtist = "Queen", .lblSong = "Radio Ga Ga"};
-  radio::NowScreen screen{channels, presets, loop, [this] { return shown; }};
+  presenters::Presets presets{channels, sounds, Keys(), [this] { return recording; }};
+  presenters::NowLines shown{.lblChannel = "44: Fred", .lblArtist = "Queen", .lblSong = "Radio Ga Ga"};
+  presenters::NowScreen screen{channels, presets, loop, [this] { return shown; }};
   MemorySettingsStore store;
   config::SettingsSection section{store};
   QPointer<windows::frmKestruneNow> window;

@@ -73,7 +73,7 @@ class frmLogTest : public ::testing::Test {
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
   schedule::LogList list_{files_};
-  schedule::LogWindow rules_{list_, files_, environment_, shell_, dialogs_};
+  presenters::LogWindow rules_{list_, files_, environment_, shell_, dialogs_};
   windows::frmLog window_{rules_, section_};
   std::vector<int> hotKeys_;
   int hidden_ = 0;

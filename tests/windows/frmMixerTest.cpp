@@ -43,7 +43,7 @@ class frmMixerTest : public ::testing::Test {
   FakeMixer mixer_;
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
-  config::MixerWindow rules_{mixer_};
+  presenters::MixerWindow rules_{mixer_};
   QPointer<windows::frmMixer> window_;
 };
 

@@ -44,8 +44,8 @@ class frmPresetsTest : public ChannelsFixture {
     return store.Stored("Lorimel", "Kestrune", key);
   }
 
-  radio::Presets presets{channels, sounds, Keys(), [] { return false; }};
-  radio::PresetSetup setup{channels.Grid(), presets, dialogs};
+  presenters::Presets presets{channels, sounds, Keys(), [] { return false; }};
+  presenters::PresetSetup setup{channels.Grid(), presets, dialogs};
   MemorySettingsStore store;
   config::SettingsSection section{store};
   QPointer<windows::frmPresets> window;

@@ -79,7 +79,7 @@ class frmRestrictListTest : public ::testing::Test {
   config::SettingsSection section_{store_};
   base::RunState run_;
   schedule::Restrictions lists_{files_, environment_};
-  schedule::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
   QPointer<windows::frmRestrictList> window_;
   std::vector<bool> closes_;
   int focused_ = 0;
@@ -258,9 +258,9 @@ TEST_F(frmRestrictListTest, TheQuickAdditionGoesIntoTheOpenEditorAndLeavesItsEdi
   Open();
   txtRestrict(0).setFocus();
   QTest::keyClicks(&txtRestrict(0), QStringLiteral("Half writ"));
-  schedule::GrabKill addition(lists_, editor_, files_, environment_);
+  presenters::GrabKill addition(lists_, editor_, files_, environment_);
   addition.SetWindow([&] { addition.cmdResult(1); });
-  addition.DblClick(schedule::GrabKill::Field::Artist, "Salt && Sun");
+  addition.DblClick(presenters::GrabKill::Field::Artist, "Salt && Sun");
   window_->Refresh();
   EXPECT_THAT(Items(0), ElementsAre("Anna", "Moon", "Salt & Sun", "Sun"));
   EXPECT_EQ(txtRestrict(0).text(), QStringLiteral("Half writ"));

@@ -9,8 +9,8 @@
 #include <fmt/ranges.h>
 
 #include "base/OneLine.h"
+#include "config/settings/ConfigurationSave.h"
 #include "config/settings/SettingKeys.h"
-#include "presenters/ConfigurationSave.h"
 
 namespace kestrune::config {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "presenters/SchedulerRow.h"
+#include "schedule/entries/SchedulerRow.h"
 
 namespace kestrune::schedule {
 

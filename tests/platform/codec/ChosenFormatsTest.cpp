@@ -60,12 +60,12 @@ class ChosenFormats : public testing::Test {
   std::int16_t captureSlot_ = 1;
   config::FileSpecs specs_{[this](std::int16_t) { return &file_; }, settings_, captureSlot_,
                            [] { return std::nullopt; }};
-  config::Mp3Options mp3_{settings_, section_};
+  presenters::Mp3Options mp3_{settings_, section_};
   std::size_t frames_ = 0;
 };
 
 TEST_F(ChosenFormats, EveryWavButton) {
-  config::FormatOptions options("WAV", settings_, section_);
+  presenters::FormatOptions options("WAV", settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -81,7 +81,7 @@ TEST_F(ChosenFormats, EveryWavButton) {
 }
 
 TEST_F(ChosenFormats, EveryRawButton) {
-  config::FormatOptions options("RAW", settings_, section_);
+  presenters::FormatOptions options("RAW", settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -101,7 +101,7 @@ TEST_F(ChosenFormats, EveryRawButton) {
 }
 
 TEST_F(ChosenFormats, EveryVoxButton) {
-  config::FormatOptions options("VOX", settings_, section_);
+  presenters::FormatOptions options("VOX", settings_, section_);
   for (std::size_t button = 0; button < options.Design().Groups[0].Buttons.size(); ++button) {
     options.Choose(0, button);
     options.cmdOK();
@@ -115,7 +115,7 @@ TEST_F(ChosenFormats, EveryVoxButton) {
 }
 
 TEST_F(ChosenFormats, EveryG726Button) {
-  config::FormatOptions options("G726", settings_, section_);
+  presenters::FormatOptions options("G726", settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -133,16 +133,17 @@ TEST_F(ChosenFormats, EveryG726Button) {
 }
 
 TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
-  config::OggOptions options(settings_, section_);
+  presenters::OggOptions options(settings_, section_);
   const auto record = [&] {
     options.cmdOK();
     std::string path = Record("OGG");
     ExpectFacts(path, "vorbis", 44100, 2);
     return path;
   };
-  for (int position = config::OggBitrates().First(); position <= config::OggBitrates().Last(); ++position) {
+  for (int position = presenters::OggBitrates().First(); position <= presenters::OggBitrates().Last();
+       ++position) {
     options.NominalBitrate(position);
-    const std::string told = fmt::format("Nominal bitrate: {}", config::OggBitrates().Bitrate(position));
+    const std::string told = fmt::format("Nominal bitrate: {}", presenters::OggBitrates().Bitrate(position));
     EXPECT_NE(RunProgramAll("LC_ALL=C.UTF-8 ogginfo '" + record() + "'").Output.find(told), std::string::npos)
         << told;
   }
@@ -184,8 +185,8 @@ TEST_F(ChosenFormats, EveryMp3RateWithBothChannelCounts) {
 }
 
 TEST_F(ChosenFormats, EveryMp3Bitrate) {
-  for (int position = 0; position <= config::Mp3Bitrates().Last(); ++position) {
-    const std::int16_t bitrate = config::Mp3Bitrates().Bitrate(position);
+  for (int position = 0; position <= presenters::Mp3Bitrates().Last(); ++position) {
+    const std::int16_t bitrate = presenters::Mp3Bitrates().Bitrate(position);
     mp3_.CurrentBitrate(position);
     mp3_.cboFrequency(bitrate < 32 ? 0 : 7);
     for (const Mp3Frame& frame : RecordMp3().Sound()) ASSERT_EQ(frame.Bitrate, bitrate);
@@ -270,11 +271,11 @@ TEST_F(ChosenFormats, TheMp3FiltersTakeTheirBandAway) {
   };
   const std::vector<double> open = levels();
   mp3_.chkHFilt(true);
-  mp3_.txtFilter(config::FilterNumber::HFiltF, "500");
-  mp3_.txtFilter(config::FilterNumber::HFiltW, "100");
+  mp3_.txtFilter(presenters::FilterNumber::HFiltF, "500");
+  mp3_.txtFilter(presenters::FilterNumber::HFiltW, "100");
   mp3_.chkLFilt(true);
-  mp3_.txtFilter(config::FilterNumber::LFiltF, "5000");
-  mp3_.txtFilter(config::FilterNumber::LFiltW, "500");
+  mp3_.txtFilter(presenters::FilterNumber::LFiltF, "5000");
+  mp3_.txtFilter(presenters::FilterNumber::LFiltW, "500");
   const std::vector<double> filtered = levels();
   EXPECT_LT(filtered[0], open[0] - 20);
   EXPECT_NEAR(filtered[1], open[1], 1);

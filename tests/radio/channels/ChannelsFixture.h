@@ -58,7 +58,7 @@ class ChannelsFixture : public SessionFixture, private radio::ChannelEvents {
     return numbers;
   }
   [[nodiscard]] int SelectedNumber() const { return channels.Grid().NumberAt(channels.Grid().SelectedRow()); }
-  [[nodiscard]] radio::PresetKeys Keys() {
+  [[nodiscard]] presenters::PresetKeys Keys() {
     return {.Read =
                 [this](std::string_view key) {
                   const auto found = stored.find(std::string(key));

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "presenters/SchedulerCalculations.h"
 #include "presenters/SchedulerFixture.h"
+#include "schedule/entries/SchedulerCalculations.h"
 
 namespace kestrune::test {
 namespace {
@@ -94,7 +94,7 @@ const char* const kCaptions[] = {"Every Sunday",   "Every Monday", "Every Tuesda
                                  "Jan 1, 1995"};
 
 /// Anything that the user can do to the times of a row.
-void ChangeAtRandom(schedule::Scheduler& scheduler, std::mt19937& dice) {
+void ChangeAtRandom(presenters::Scheduler& scheduler, std::mt19937& dice) {
   const auto roll = [&dice](int sides) { return static_cast<int>(dice() % static_cast<unsigned>(sides)); };
   const TimeOfDay time{.Hour = 1 + roll(12), .Minute = roll(60), .PM = roll(2) == 1};
   const base::DateValue date = RowOf(kCaptions[roll(std::size(kCaptions))], 0, 0, 0, 0).Start.Date();
@@ -115,7 +115,7 @@ void ChangeAtRandom(schedule::Scheduler& scheduler, std::mt19937& dice) {
 TEST(Scheduler, StartAndDurationAndEndStayInStepWhateverTheUserDoes) {
   std::mt19937 dice(PrintedSeed());
   SchedulerWorld world;
-  schedule::Scheduler scheduler = world.Open();
+  presenters::Scheduler scheduler = world.Open();
   for (int step = 0; step < 20'000; ++step) {
     ChangeAtRandom(scheduler, dice);
     const SchedulerRow& row = scheduler.Row(0);

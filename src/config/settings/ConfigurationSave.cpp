@@ -1,4 +1,4 @@
-#include "presenters/ConfigurationSave.h"
+#include "config/settings/ConfigurationSave.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/DateValue.h"
-#include "presenters/SchedulerRow.h"
+#include "schedule/entries/SchedulerRow.h"
 
 namespace kestrune::schedule {
 

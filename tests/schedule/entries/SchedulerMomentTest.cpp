@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/DatePattern.h"
-#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/SchedulerMoment.h"
 
 namespace kestrune::schedule {
 namespace {

@@ -1,4 +1,4 @@
-#include "presenters/SchedulerCalculations.h"
+#include "schedule/entries/SchedulerCalculations.h"
 
 #include <algorithm>
 

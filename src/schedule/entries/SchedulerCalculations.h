@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presenters/SchedulerRow.h"
+#include "schedule/entries/SchedulerRow.h"
 
 namespace kestrune::schedule {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "presenters/ConfigurationSave.h"
+#include "config/settings/ConfigurationSave.h"
 
 namespace kestrune::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "presenters/SchedulerSettings.h"
+#include "schedule/entries/SchedulerSettings.h"
 
 #include <optional>
 
@@ -6,7 +6,7 @@
 
 #include "base/DatePattern.h"
 #include "base/Numbers.h"
-#include "presenters/SchedulerCalculations.h"
+#include "schedule/entries/SchedulerCalculations.h"
 
 namespace kestrune::schedule {
 namespace {

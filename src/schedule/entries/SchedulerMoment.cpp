@@ -1,4 +1,4 @@
-#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/SchedulerMoment.h"
 
 #include <fmt/format.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/DateValue.h"
-#include "presenters/SchedulerMoment.h"
+#include "schedule/entries/SchedulerMoment.h"
 
 namespace kestrune::schedule {
 
