@@ -7,7 +7,7 @@
 
 namespace kestrune::config {
 
-FileSpecs::FileSpecs(SlotFile slotFile, const Settings& settings, const std::int16_t& captureSlot,
+FileSpecs::FileSpecs(SlotFile slotFile, const FormatSettings& settings, const std::int16_t& captureSlot,
                      ScheduledBitRate scheduledBitRate)
     : slotFile_(std::move(slotFile)),
       settings_(settings),

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "config/settings/Settings.h"
+#include "config/formats/Formats.h"
 #include "platform/CaptureFile.h"
 #include "platform/Mp3Parameters.h"
 
@@ -22,7 +22,7 @@ class FileSpecs {
   using SlotFile = std::function<platform::CaptureFile*(std::int16_t slot)>;
 
   /// All references must outlive this object; `captureSlot` is the number of the slot being written, 0 or 1.
-  FileSpecs(SlotFile slotFile, const Settings& settings, const std::int16_t& captureSlot,
+  FileSpecs(SlotFile slotFile, const FormatSettings& settings, const std::int16_t& captureSlot,
             ScheduledBitRate scheduledBitRate);
 
   /// Prepares slot 0 or 1; -1 is the slot that is not being written now. Any other slot does nothing. An
@@ -37,7 +37,7 @@ class FileSpecs {
   void PrepareOgg(platform::CaptureFile& file) const;
 
   SlotFile slotFile_;
-  const Settings& settings_;
+  const FormatSettings& settings_;
   const std::int16_t& captureSlot_;
   ScheduledBitRate scheduledBitRate_;
   platform::Mp3Parameters mp3Parameters_;

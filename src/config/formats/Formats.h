@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace kestrune::config {
 
@@ -73,6 +75,24 @@ struct FormatWAV {
   std::int16_t Bits = 16;  ///< bits a sample, 8 or 16
 
   bool operator==(const FormatWAV&) const = default;
+};
+
+/// The codes of the formats.
+inline constexpr std::string_view kFileFormats[] = {"MP3", "OGG", "WAV", "RAW", "VOX", "G726"};
+
+/// The chosen format and the records of all: everything that the preparation of a capture file needs.
+struct FormatSettings {
+  std::string FileFormat = "MP3";  ///< one of kFileFormats; anything else prepares no format
+
+  // The type names need their namespace here, as the fields bear the same names.
+  config::Format726 Format726;
+  config::FormatMP3 FormatMP3;
+  config::FormatOGG FormatOGG;
+  config::FormatRAW FormatRAW;
+  config::FormatVOX FormatVOX;
+  config::FormatWAV FormatWAV;
+
+  bool operator==(const FormatSettings&) const = default;
 };
 
 }  // namespace kestrune::config

@@ -11,7 +11,7 @@ namespace kestrune::config {
 
 /// The settings of the running program, with the defaults of a fresh installation: no other place tells them.
 /// They are read from the store once, at the start; from then on this record is what counts.
-struct Settings {
+struct Settings : FormatSettings {
   std::int16_t Channel = 44;        ///< channel tuned at the start
   std::int16_t SievanceGrab = 0;    ///< check state of the Grab lists, 0 or 1
   std::int16_t SievanceKill = 0;    ///< check state of the Kill lists, 0 or 1
@@ -19,7 +19,6 @@ struct Settings {
   std::int16_t MaxSongLength = 0;   ///< seconds, 0 is no limit
   std::int16_t SongDelay = 600;     ///< milliseconds
   std::string FileDir = "C:\\";     ///< once loaded, a folder that ends in "/"
-  std::string FileFormat = "MP3";   ///< one of kFileFormats; anything else prepares no format
   bool RadioOnAtExit = false;
   std::string FilenameFormat = "%g\\%c - %t\\%a - %s";
   bool SaveDuplicates = true;
@@ -35,14 +34,6 @@ struct Settings {
   bool Cleftune = true;             ///< one file a song
   bool CheckUpdatesAtStartup = true;
 
-  // The type names need their namespace here, as the fields bear the same names.
-  config::Format726 Format726;
-  config::FormatMP3 FormatMP3;
-  config::FormatOGG FormatOGG;
-  config::FormatRAW FormatRAW;
-  config::FormatVOX FormatVOX;
-  config::FormatWAV FormatWAV;
-
   bool LegalAgreement = false;      ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;  ///< check state: the channels window is open
   std::int16_t RecordLog = 0;       ///< check state: the log window is open
@@ -50,8 +41,6 @@ struct Settings {
 
   bool operator==(const Settings&) const = default;
 };
-
-inline constexpr std::string_view kFileFormats[] = {"MP3", "OGG", "WAV", "RAW", "VOX", "G726"};
 
 /// Writes the folder of recordings; a "/" at its end is added if it has none.
 void WriteFileDir(Settings& settings, std::string_view folder);

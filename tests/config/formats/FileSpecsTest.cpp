@@ -18,7 +18,7 @@ class FileSpecsTest : public ::testing::Test {
  protected:
   RecordingCaptureFile file0_;
   RecordingCaptureFile file1_;
-  config::Settings settings_;
+  config::FormatSettings settings_;
   std::int16_t captureSlot_ = 0;
   std::optional<std::string> scheduled_;
   config::FileSpecs specs_{[this](std::int16_t slot) { return slot == 0 ? &file0_ : &file1_; }, settings_,
