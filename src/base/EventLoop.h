@@ -12,8 +12,7 @@ namespace kestrune::base {
 ///
 /// 1. Enabling a disabled timer starts a full interval; enabling an enabled one changes nothing.
 /// 2. Setting the interval of an enabled timer starts a full interval anew.
-/// 3. A timer does not fire within its own handler unless the handler disabled and enabled it again or set
-/// its
+/// 3. A timer does not fire within its own handler unless the handler disabled and enabled it again or set its
 ///    interval. Moments that pass meanwhile are not made up for.
 /// 4. Destroying it cancels it, also from within its own handler.
 class Timer {
@@ -29,10 +28,11 @@ class Timer {
 /// The port through which all time passes: both clocks, all waiting and all timers. One thread uses it.
 ///
 /// 1. Handlers run only inside PumpEvents (or the program's own outer loop), never inside Sleep.
-/// 2. PumpEvents serves what is due at the time of the call and returns; it may be called from within a
-/// handler,
+/// 2. PumpEvents serves what is due at the time of the call and returns; it may be called from within a handler,
 ///    and then serves other handlers inside it.
 /// 3. SteadyNow never goes back; Now follows the wall clock wherever it is set.
+/// 4. Pumping is true in every handler that a PumpEvents serves, at any depth, and false in one that the outer
+///    loop serves. A handler that must not run inside another's wait asks it.
 class EventLoop {
  public:
   virtual ~EventLoop() = default;
@@ -47,6 +47,7 @@ class EventLoop {
   /// Blocks; serves nothing.
   virtual void Sleep(std::chrono::milliseconds duration) = 0;
   virtual void PumpEvents() = 0;
+  [[nodiscard]] virtual bool Pumping() const = 0;
 
   /// A disabled timer. The loop must outlive it.
   [[nodiscard]] virtual std::unique_ptr<Timer> MakeTimer(std::chrono::milliseconds interval,

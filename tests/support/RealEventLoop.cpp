@@ -26,6 +26,12 @@ void RealEventLoop::Sleep(Duration duration) {
 }
 
 void RealEventLoop::PumpEvents() {
+  ++pumps_;
+  ServeDue();
+  --pumps_;
+}
+
+void RealEventLoop::ServeDue() {
   const Duration until = SteadyNow();
   while (timers_.FireOne(until)) {
   }
@@ -42,7 +48,7 @@ void RealEventLoop::Run(Duration duration) {
 bool RealEventLoop::RunUntil(const std::function<bool()>& condition, Duration limit) {
   const Duration end = SteadyNow() + limit;
   for (;;) {
-    PumpEvents();
+    ServeDue();
     if (condition()) return true;
     const Duration now = SteadyNow();
     if (now >= end) return false;

@@ -20,6 +20,7 @@ class RealEventLoop final : public base::EventLoop {
   [[nodiscard]] Duration SteadyNow() const override;
   void Sleep(Duration duration) override;
   void PumpEvents() override;
+  [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }
   [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(Duration interval,
                                                        std::function<void()> handler) override;
 
@@ -29,6 +30,9 @@ class RealEventLoop final : public base::EventLoop {
   [[nodiscard]] bool RunUntil(const std::function<bool()>& condition, Duration limit);
 
  private:
+  void ServeDue();
+
+  int pumps_ = 0;  // on the stack
   TimerTable timers_{[this] { return SteadyNow(); }};
 };
 

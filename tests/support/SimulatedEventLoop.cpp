@@ -65,15 +65,11 @@ void SimulatedEventLoop::PumpEvents() {
   // Handlers may sleep, and then more comes due; what is due only by then is left to the next pump, or a tick
   // that takes longer than its interval would never let its caller go on.
   const Duration until = now_;
-  std::size_t posted = posted_.size();
-  for (;;) {
-    if (posted > 0 && !posted_.empty()) {
-      --posted;
-      RunOneDueHandler();
-      continue;
-    }
-    if (!FireOneTimer(until)) return;
+  ++pumps_;
+  for (std::size_t posted = posted_.size(); posted > 0 && !posted_.empty(); --posted) RunOneDueHandler();
+  while (FireOneTimer(until)) {
   }
+  --pumps_;
 }
 
 SimulatedEventLoop::Duration SimulatedEventLoop::NextMoment() const {

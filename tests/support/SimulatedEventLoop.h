@@ -33,6 +33,7 @@ class SimulatedEventLoop final : public base::EventLoop {
   [[nodiscard]] Duration SteadyNow() const override { return now_; }
   void Sleep(Duration duration) override;
   void PumpEvents() override;
+  [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }
   [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(Duration interval,
                                                        std::function<void()> handler) override;
 
@@ -67,6 +68,7 @@ class SimulatedEventLoop final : public base::EventLoop {
   Duration wallOffset_;
   std::uint64_t order_ = 0;
   std::uint64_t handlersRun_ = 0;
+  int pumps_ = 0;  // on the stack
   std::multimap<Moment, std::function<void()>> hardware_;
   std::deque<std::function<void()>> posted_;
   TimerTable timers_{[this] { return now_; }};

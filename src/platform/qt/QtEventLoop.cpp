@@ -177,9 +177,11 @@ bool QtEventLoop::Asleep() {
 }
 
 void QtEventLoop::PumpEvents() {
+  ++pumps_;
   QCoreApplication::processEvents();
   // What the devices posted in this round belongs to it: their bytes were there when the round began.
   QCoreApplication::sendPostedEvents();
+  --pumps_;
 }
 
 std::unique_ptr<base::Timer> QtEventLoop::MakeTimer(milliseconds interval, std::function<void()> handler) {

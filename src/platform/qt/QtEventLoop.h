@@ -29,6 +29,7 @@ class QtEventLoop final : public base::EventLoop {
   [[nodiscard]] std::chrono::milliseconds SteadyNow() const override;
   void Sleep(std::chrono::milliseconds duration) override;
   void PumpEvents() override;
+  [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }
   /// True within a Sleep: an adapter that gets an event of its own then keeps it until a timer of the loop
   /// fires.
   [[nodiscard]] static bool Asleep();
@@ -41,6 +42,7 @@ class QtEventLoop final : public base::EventLoop {
   class HostedTimer;
 
   WhileAsleep whileAsleep_;
+  int pumps_ = 0;  // on the stack
   std::unique_ptr<TimerHost> host_;
 };
 

@@ -1,5 +1,8 @@
 // What the contract of base::EventLoop says, clause by clause, of both loops: the real one, in short real
 // intervals, and the simulated one. Upper limits leave room for a busy machine; lower ones are exact.
+#include <cstddef>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "QtApplication.h"
@@ -327,6 +330,21 @@ TYPED_TEST(EventLoopContract, TheTimeOfDayAgreesWithTheWallClock) {
   };
   EXPECT_GE(timeOfDay, secondsOf(before));
   EXPECT_LT(timeOfDay, secondsOf(after) + std::chrono::seconds(1));
+}
+
+TYPED_TEST(EventLoopContract, AHandlerCanTellWhetherAPumpServesIt) {
+  std::vector<bool> pumping;
+  const auto timer =
+      this->Loop().MakeTimer(milliseconds(10), [&] { pumping.push_back(this->Loop().Pumping()); });
+  timer->SetEnabled(true);
+  ASSERT_TRUE(this->Under.RunUntil([&] { return !pumping.empty(); }, kLong));
+  EXPECT_FALSE(pumping.back());
+  const std::size_t before = pumping.size();
+  const milliseconds end = this->Now() + kLong;
+  while (pumping.size() == before && this->Now() < end) this->PumpFor(milliseconds(10));
+  ASSERT_GT(pumping.size(), before);
+  EXPECT_TRUE(pumping.back());
+  EXPECT_FALSE(this->Loop().Pumping());
 }
 
 }  // namespace
