@@ -30,8 +30,8 @@ class Web {
  public:
   virtual ~Web() = default;
 
-  /// The body behind an address of the web (http or https), whatever the server's status; empty if it could
-  /// not be had whole. For texts of a few lines.
+  /// The body at an address of the web (http or https). Empty if it did not arrive whole, or if the server's status
+  /// was not 200. For texts of a few lines.
   [[nodiscard]] virtual std::string FetchText(std::string_view address) = 0;
   /// The same for a large file.
   [[nodiscard]] virtual std::string FetchBytes(std::string_view address) = 0;

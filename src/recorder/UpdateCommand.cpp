@@ -74,17 +74,22 @@ void UpdateCommand::Install(const std::string& downloadAddress) {
   commands_.cmdStop();
   const std::string localFile = Download(downloadAddress);
   if (run_.ShuttingDown) return;
-  if (localFile.empty()) {
-    base::Ignored(Tell("Download Error",
-                       "An error occurred downloading the update.\nPlease visit Kestrune at " +
-                           config::EndpointsOf(outside_.Environment).WebSite,
-                       platform::MessageButtons::Ok, platform::MessageIcon::None));
-    return;
-  }
+  if (localFile.empty()) return TellDownloadError();
   if (!outside_.Files.Exists(localFile)) return;
   std::int16_t waitResult = 0;
-  radio::ExecWait(outside_.Processes, base::QuoteWord(localFile), false, 0, waitResult, false);
+  const std::int32_t installer =
+      radio::ExecWait(outside_.Processes, base::QuoteWord(localFile), false, 0, waitResult, false);
+  // An installer that this program does not wait for any longer may still need its file.
+  if (waitResult != radio::kWaitGivenUp) check_.RemoveDownload(localFile);
+  if (installer == 0) return TellDownloadError();
   close_();
+}
+
+void UpdateCommand::TellDownloadError() {
+  base::Ignored(Tell("Download Error",
+                     "An error occurred downloading the update.\nPlease visit Kestrune at " +
+                         config::EndpointsOf(outside_.Environment).WebSite,
+                     platform::MessageButtons::Ok, platform::MessageIcon::None));
 }
 
 std::string UpdateCommand::Download(const std::string& downloadAddress) {

@@ -19,8 +19,9 @@ struct UpdateAnswer {
   std::string DownloadAddress;  ///< of the installer, if there is a newer version and the server told it
 };
 
-/// The update check as a command: it asks the server, tells the user, and on Yes fetches the installer, runs it
-/// and closes the program. One check at a time; events run inside it.
+/// The update check as a command: it asks the server, tells the user, and on Yes fetches the installer, runs it, waits
+/// until it has ended, and closes the program. An installer that cannot be started leaves the program running. One
+/// check at a time; events run inside it.
 class UpdateCommand {
  public:
   /// `close` is the close of the main window.
@@ -43,6 +44,7 @@ class UpdateCommand {
                                              platform::MessageButtons buttons = platform::MessageButtons::Ok,
                                              platform::MessageIcon icon = platform::MessageIcon::Information);
   void Install(const std::string& downloadAddress);
+  void TellDownloadError();
   [[nodiscard]] std::string Download(const std::string& downloadAddress);
 
   Outside outside_;

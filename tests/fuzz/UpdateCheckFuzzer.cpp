@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string input(reinterpret_cast<const char*>(data), size);
   test::SimulatedEventLoop loop;
   test::FakeEnvironment environment;
-  environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "https://h/NewVersion.txt";
+  environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "http://h/NewVersion.txt";
   const base::RunState run;
   for (const bool byHand : {false, true}) {
     test::FakeWeb web;
@@ -38,6 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else {
       web.Text = input;
     }
+    web.Bytes = "program";
     const config::UpdateCheck check(web, files, environment, loop, run);
     std::string address = "left from before";
     std::int16_t result = -1;

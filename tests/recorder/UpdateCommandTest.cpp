@@ -23,7 +23,7 @@ class UpdateCommandTest : public ::testing::Test {
   }
   /// A newer version, and a user who wants it.
   void OfferUpdate() {
-    rig.Web.Text = "003.000.030\nhttp://h/My Setup.bin\n";
+    rig.Web.Text = "003.000.030\nhttps://h/My Setup.bin\n";
     rig.Web.Bytes = "installer";
     rig.Dialogs.Answer = MessageAnswer::Yes;
   }
@@ -66,7 +66,7 @@ TEST_F(UpdateCommandTest, ANewerVersionIsAskedAboutAndNoChangesNothing) {
   EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
   EXPECT_EQ(OnlyMessage().Buttons, MessageButtons::YesNo);
   EXPECT_TRUE(rig->Recording().RecordRequested);
-  EXPECT_THAT(rig.Web.Calls, Not(Contains("FetchBytes http://h/My Setup.bin")));
+  EXPECT_THAT(rig.Web.Calls, Not(Contains("FetchBytes https://h/My Setup.bin")));
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
 }
 
@@ -75,10 +75,14 @@ TEST_F(UpdateCommandTest, YesStopsRecordingDownloadsRunsAndCloses) {
   OfferUpdate();
   rig->cmdRecord();
   bool recordingAtDownload = true;
-  rig.Processes.During = [&] { recordingAtDownload = rig->Recording().RecordRequested; };
+  std::string installed;
+  rig.Processes.During = [&] {
+    recordingAtDownload = rig->Recording().RecordRequested;
+    installed = rig.Files.Text("/tmp/private1/My Setup.bin");
+  };
   rig->mnuCheckUpdate();
   EXPECT_FALSE(recordingAtDownload);
-  EXPECT_EQ(rig.Files.Text("/tmp/private1/My Setup.bin"), "installer");
+  EXPECT_EQ(installed, "installer");
   EXPECT_THAT(rig.Processes.Calls,
               ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "wait 4711 0", "stop waiting"));
   EXPECT_TRUE(rig->Run().ShuttingDown);
@@ -101,14 +105,35 @@ TEST_F(UpdateCommandTest, TheWindowOfTheDownloadIsOpenWhileItLasts) {
   EXPECT_FALSE(rig->UpdatingWindow().Visible);
 }
 
-TEST_F(UpdateCommandTest, AFailedDownloadIsRunAsAnEmptyFileAndTheProgramCloses) {
+TEST_F(UpdateCommandTest, AFailedDownloadRunsNothingAndSendsTheUserToTheWebSite) {
   rig.StartIdle();
   OfferUpdate();
   rig.Web.Bytes.clear();
+  rig->mnuCheckUpdate();
+  EXPECT_THAT(rig.Processes.Calls, IsEmpty());
+  EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+}
+
+TEST_F(UpdateCommandTest, AnInstallerThatCannotBeStartedLeavesTheProgramRunning) {
+  rig.StartIdle();
+  OfferUpdate();
   rig.Processes.Starts = false;
   rig->mnuCheckUpdate();
-  EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "stop waiting"));
-  EXPECT_TRUE(rig->Run().ShuttingDown);
+  EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\""));
+  EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
+  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig.Files.Exists("/tmp/private1"));
+}
+
+TEST_F(UpdateCommandTest, TheDownloadsFolderGoesOnceTheInstallerHasEnded) {
+  rig.StartIdle();
+  OfferUpdate();
+  bool thereWithin = false;
+  rig.Processes.During = [&] { thereWithin = rig.Files.Exists("/tmp/private1/My Setup.bin"); };
+  rig->mnuCheckUpdate();
+  EXPECT_TRUE(thereWithin);
+  EXPECT_FALSE(rig.Files.Exists("/tmp/private1"));
 }
 
 TEST_F(UpdateCommandTest, WithoutAPlaceForTheFileTheUserIsSentToTheWebSite) {
@@ -181,7 +206,7 @@ TEST_F(UpdateCommandTest, AskingAloneTellsTheUserNothing) {
   const auto answer = rig->AskForUpdate();
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->Result, 1);
-  EXPECT_EQ(answer->DownloadAddress, "http://h/My Setup.bin");
+  EXPECT_EQ(answer->DownloadAddress, "https://h/My Setup.bin");
   EXPECT_THAT(rig.Dialogs.Shown, IsEmpty());
   EXPECT_FALSE(rig->Run().ShuttingDown);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "base/Ignored.h"
+#include "base/Text.h"
 #include "config/update/Endpoints.h"
 #include "config/update/HttpGet.h"
 #include "config/update/VersionFile.h"
@@ -10,10 +11,10 @@
 namespace kestrune::config {
 namespace {
 
-/// The fall-back speaks plain HTTP alone.
-std::string WithoutEncryption(const std::string& address) {
+/// Whether what comes from the address is encrypted on its way.
+bool IsEncrypted(std::string_view address) {
   constexpr std::string_view kSecure = "https://";
-  return address.starts_with(kSecure) ? "http://" + address.substr(kSecure.size()) : address;
+  return base::EqualsNoCase(address.substr(0, kSecure.size()), kSecure);
 }
 
 /// All that follows the last "/"; the whole address if it has none.
@@ -36,14 +37,15 @@ std::string UpdateCheck::FetchVersionFile() const {
   const std::string address = EndpointsOf(environment_).VersionFile;
   if (address.empty()) return {};
   std::string text = web_.FetchText(address);
-  if (text.empty() && !run_.ShuttingDown) text = HttpGet(web_, loop_, WithoutEncryption(address));
+  // The fall-back speaks plain HTTP alone, and an encrypted address is never asked in clear.
+  if (text.empty() && !IsEncrypted(address) && !run_.ShuttingDown) text = HttpGet(web_, loop_, address);
   return text;
 }
 
 void UpdateCheck::CheckNewVersion(std::string& downloadAddress, std::int16_t& result) const {
   const VersionFile latest = ReadVersionFile(FetchVersionFile());
   downloadAddress.clear();
-  if (latest.Version.empty()) {
+  if (!IsVersion(latest.Version)) {
     result = kNotRetrieved;
   } else if (!IsNewer(latest.Version, RunningVersionText())) {
     result = kUpToDate;
@@ -55,14 +57,21 @@ void UpdateCheck::CheckNewVersion(std::string& downloadAddress, std::int16_t& re
 
 void UpdateCheck::UpdateEXE(std::string_view downloadAddress, std::string& localFile) const {
   localFile.clear();
+  // Who hears of a version over an encrypted line does not run what came over an open one.
+  if (IsEncrypted(EndpointsOf(environment_).VersionFile) && !IsEncrypted(downloadAddress)) return;
   const std::string bytes = web_.FetchBytes(downloadAddress);
-  if (run_.ShuttingDown) return;
+  if (bytes.empty() || run_.ShuttingDown) return;
   // A name in the common temporary folder could be taken by anybody before the file is written, or after.
   const std::string folder = files_.CreatePrivateFolder(environment_.Variable("temp"));
   if (folder.empty()) return;
   localFile = folder + "/";
   localFile += FileNameOf(downloadAddress);
   if (!files_.CreateProgram(localFile, bytes)) base::Ignored(files_.RemoveFolder(folder));
+}
+
+void UpdateCheck::RemoveDownload(std::string_view localFile) const {
+  base::Ignored(files_.Remove(localFile));
+  base::Ignored(files_.RemoveFolder(localFile.substr(0, localFile.rfind('/'))));
 }
 
 }  // namespace kestrune::config

@@ -1,5 +1,6 @@
 #include "config/update/VersionFile.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include <fmt/format.h>
@@ -27,6 +28,12 @@ std::string VersionText(int major, int minor, int revision) {
 
 std::string RunningVersionText() {
   return VersionText(base::kVersionMajor, base::kVersionMinor, base::kVersionRevision);
+}
+
+bool IsVersion(std::string_view text) {
+  constexpr std::string_view kPattern = "000.000.000";
+  return std::equal(text.begin(), text.end(), kPattern.begin(), kPattern.end(),
+                    [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
 }
 
 bool IsNewer(std::string_view version, std::string_view running) {

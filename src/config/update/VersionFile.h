@@ -12,7 +12,7 @@ struct VersionFile {
   std::string DownloadAddress;  ///< all that follows the first line, as it stands
 };
 
-/// Lines may end in CR, LF or both. What is no such file gives whatever its first line says.
+/// Lines may end in CR, LF or both. Of a text that is no such file, Version is its first line.
 [[nodiscard]] VersionFile ReadVersionFile(std::string_view text);
 
 /// A version as the file writes it: three groups of three digits, "003.000.029".
@@ -20,7 +20,10 @@ struct VersionFile {
 /// That of this program.
 [[nodiscard]] std::string RunningVersionText();
 
-/// Texts are compared by the code of their characters, not as numbers: whatever sorts behind is newer.
+/// Whether a text has that form.
+[[nodiscard]] bool IsVersion(std::string_view text);
+
+/// Texts are compared by the code of their characters, not as numbers: whatever sorts after is newer.
 [[nodiscard]] bool IsNewer(std::string_view version, std::string_view running);
 
 }  // namespace kestrune::config

@@ -28,13 +28,11 @@ QNetworkRequest RequestFor(const QUrl& url, std::chrono::milliseconds silence) {
   return request;
 }
 
-/// The server has answered, whatever its status says, and its answer has come whole.
+/// The server has what was asked for, and it has arrived whole.
 bool IsWhole(const QNetworkReply& reply) {
-  const auto error = reply.error();
-  if (error == QNetworkReply::NoError) return true;
-  const bool hasStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-  // From here on the codes stand for what a server's status says.
-  return hasStatus && error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ProtocolFailure;
+  constexpr int kOk = 200;
+  return reply.error() == QNetworkReply::NoError &&
+         reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == kOk;
 }
 
 }  // namespace

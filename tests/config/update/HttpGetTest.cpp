@@ -81,9 +81,16 @@ TEST_F(HttpGetTest, TheFirstEmptyLineCounts) {
   EXPECT_EQ(Get("h"), "one\r\n\r\ntwo");
 }
 
-TEST_F(HttpGetTest, TheStatusIsNotLookedAt) {
-  web.Reply = {"HTTP/1.0 500 Oh\r\n\r\nsorry"};
-  EXPECT_EQ(Get("h"), "sorry");
+TEST_F(HttpGetTest, OnlyStatus200Counts) {
+  for (const char* status : {"HTTP/1.0 500 Oh", "HTTP/1.1 404 Not Found", "HTTP/1.0 204",
+                             "HTTP/1.0 302 Found", "HTTP/1.0 2000 x", "HTTP/1.0"}) {
+    web.Reply = {std::string(status) + "\r\n\r\nsorry"};
+    EXPECT_EQ(Get("h"), "") << status;
+  }
+  for (const char* status : {"HTTP/1.0 200 OK", "HTTP/1.1 200", "HTTP/1.1 200 "}) {
+    web.Reply = {std::string(status) + "\r\n\r\nbody"};
+    EXPECT_EQ(Get("h"), "body") << status;
+  }
 }
 
 TEST_F(HttpGetTest, AnUnreachableHostGivesNothing) {

@@ -54,21 +54,38 @@ TEST_F(UpdateCheckTest, TheAddressOfAVersionThatIsNotNewerIsNotTold) {
   EXPECT_EQ(address, "");
 }
 
-TEST_F(UpdateCheckTest, AMalformedTextThatSortsBehindCountsAsNewerWithItsSecondLineAsAddress) {
-  web.Text = "Not Found\nThe requested file is not here.";
-  Check();
-  EXPECT_EQ(result, 1);
-  EXPECT_EQ(address, "The requested file is not here.");
+TEST_F(UpdateCheckTest, APageThatIsNoVersionFileIsNotRetrieved) {
+  for (const char* text : {"Not Found\nThe requested file is not here.", "<html>", "3.0.30", "003.000.0300",
+                           "003.000.03", "003 000 030", "00a.000.030", "v003.000.030"}) {
+    web.Text = text;
+    Check();
+    EXPECT_EQ(result, 2) << text;
+    EXPECT_EQ(address, "") << text;
+  }
 }
 
 TEST_F(UpdateCheckTest, AnEmptyReplyFromBothFetchesIsNotRetrieved) {
+  environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "http://h/NewVersion.txt";
   Check();
   EXPECT_EQ(result, 2);
   EXPECT_EQ(address, "");
-  EXPECT_THAT(web.Calls, ElementsAre("FetchText https://h/NewVersion.txt", "Connect h:80 10000"));
+  EXPECT_THAT(web.Calls, ElementsAre("FetchText http://h/NewVersion.txt", "Connect h:80 10000"));
 }
 
-TEST_F(UpdateCheckTest, AnEmptyFirstReplyLeadsToTheFallBackWithoutEncryption) {
+TEST_F(UpdateCheckTest, AnEncryptedAddressIsNeverAskedInClear) {
+  for (const char* secure : {"https://h/NewVersion.txt", "HTTPS://h/NewVersion.txt"}) {
+    environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = secure;
+    web.Calls.clear();
+    web.Reachable = true;
+    web.Reply = {"HTTP/1.0 200 OK\r\n\r\n003.000.031\r\nhttp://h/Setup.bin\r\n"};
+    Check();
+    EXPECT_EQ(result, 2) << secure;
+    EXPECT_THAT(web.Calls, ElementsAre(std::string("FetchText ") + secure));
+  }
+}
+
+TEST_F(UpdateCheckTest, AnEmptyFirstReplyLeadsToTheFallBack) {
+  environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "http://h/NewVersion.txt";
   web.Reachable = true;
   web.Reply = {"HTTP/1.0 200 OK\r\n\r\n003.000.031\r\nhttp://h/Setup.bin\r\n"};
   Check();
@@ -112,40 +129,60 @@ TEST_F(UpdateCheckTest, ADownloadLiesInAPrivateFolderUnderTheAddresssLastName) {
       "ELF\0\xFF",
       6);
   std::string localFile = "left from before";
-  check.UpdateEXE("http://h/a/b/Setup.bin", localFile);
+  check.UpdateEXE("https://h/a/b/Setup.bin", localFile);
   EXPECT_EQ(localFile, "/tmp/private1/Setup.bin");
   EXPECT_EQ(files.Text(localFile), web.Bytes);
-  EXPECT_THAT(web.Calls, ElementsAre("FetchBytes http://h/a/b/Setup.bin"));
+  EXPECT_THAT(web.Calls, ElementsAre("FetchBytes https://h/a/b/Setup.bin"));
   EXPECT_THAT(files.Calls, ElementsAre("CreatePrivateFolder /tmp", "CreateProgram /tmp/private1/Setup.bin"));
 }
 
-TEST_F(UpdateCheckTest, AFailedDownloadStillLeavesAnEmptyFile) {
-  std::string localFile;
+TEST_F(UpdateCheckTest, AFailedDownloadLeavesNothing) {
+  std::string localFile = "left from before";
+  check.UpdateEXE("https://h/Setup.bin", localFile);
+  EXPECT_EQ(localFile, "");
+  EXPECT_THAT(files.Calls, IsEmpty());
+}
+
+TEST_F(UpdateCheckTest, AnInstallerOfAnEncryptedVersionFileDoesNotComeInClear) {
+  web.Bytes = "program";
+  std::string localFile = "left from before";
   check.UpdateEXE("http://h/Setup.bin", localFile);
-  EXPECT_EQ(files.Text(localFile), "");
+  EXPECT_EQ(localFile, "");
+  EXPECT_THAT(web.Calls, IsEmpty());
+  environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "http://h/NewVersion.txt";
+  check.UpdateEXE("http://h/Setup.bin", localFile);
+  EXPECT_EQ(files.Text(localFile), "program") << "where nothing is encrypted, nothing is lost";
+}
+
+TEST_F(UpdateCheckTest, ADownloadIsRemovedWithItsFolder) {
+  web.Bytes = "program";
+  std::string localFile;
+  check.UpdateEXE("https://h/Setup.bin", localFile);
+  check.RemoveDownload(localFile);
+  EXPECT_FALSE(files.Exists("/tmp/private1"));
 }
 
 TEST_F(UpdateCheckTest, AnAddressWithoutANameLeavesNoFileButAPath) {
-  for (const char* nameless : {"http://h/", ""}) {
-    std::string localFile;
-    check.UpdateEXE(nameless, localFile);
-    EXPECT_FALSE(localFile.empty()) << nameless;
-    EXPECT_FALSE(files.Exists(localFile)) << nameless;
-  }
+  web.Bytes = "program";
+  std::string localFile;
+  check.UpdateEXE("https://h/", localFile);
+  EXPECT_EQ(localFile, "/tmp/private1/");
   EXPECT_THAT(files.AllFiles(), IsEmpty());
 }
 
 TEST_F(UpdateCheckTest, WithoutATemporaryFolderThereIsNoPath) {
   files.MakeUnwritable("/tmp");
+  web.Bytes = "program";
   std::string localFile = "left from before";
-  check.UpdateEXE("http://h/Setup.bin", localFile);
+  check.UpdateEXE("https://h/Setup.bin", localFile);
   EXPECT_EQ(localFile, "");
 }
 
 TEST_F(UpdateCheckTest, AFullDiskLeavesAPathAndNothingOnIt) {
   files.FailNext(FileOperation::CreateProgram);
+  web.Bytes = "program";
   std::string localFile;
-  check.UpdateEXE("http://h/Setup.bin", localFile);
+  check.UpdateEXE("https://h/Setup.bin", localFile);
   EXPECT_EQ(localFile, "/tmp/private1/Setup.bin");
   EXPECT_FALSE(files.Exists("/tmp/private1")) << "the folder goes too";
 }
@@ -154,7 +191,7 @@ TEST_F(UpdateCheckTest, ACloseWithinTheDownloadLeavesNothingBehind) {
   web.Bytes = "half of it";
   web.During = [this] { run.ShuttingDown = true; };
   std::string localFile;
-  check.UpdateEXE("http://h/Setup.bin", localFile);
+  check.UpdateEXE("https://h/Setup.bin", localFile);
   EXPECT_EQ(localFile, "");
   EXPECT_THAT(files.Calls, IsEmpty());
 }

@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include "../posix/TemporaryFolder.h"
@@ -19,7 +21,7 @@ namespace {
 TEST(Install, AnInstallerIsFoundFetchedAndRun) {
   WebApplication();
   const TemporaryFolder folder;
-  LoopbackServer files({{{{"HTTP/1.0 200 OK\r\n\r\n#!/bin/sh\necho \"$0\" > \"$0.ran\"\n"}}}});
+  LoopbackServer files({{{{"HTTP/1.0 200 OK\r\n\r\n#!/bin/sh\necho \"$0\" > \"$RAN\"\n"}}}});
   LoopbackServer versions(
       {{{{"HTTP/1.0 200 OK\r\n\r\n003.000.030\r\n" + files.Address("/New Setup$(x).sh") + "\r\n"}}}});
   platform::QtEventLoop loop;
@@ -44,10 +46,13 @@ TEST(Install, AnInstallerIsFoundFetchedAndRun) {
   EXPECT_EQ(FileMode(localFile), 0700U);
   EXPECT_EQ(FileMode(platform::FolderOf(localFile)), 0700U);
 
+  ASSERT_EQ(::setenv("RAN", (folder / "ran").c_str(), 1), 0);
   std::int16_t waitResult = 77;
   EXPECT_GT(radio::ExecWait(processes, base::QuoteWord(localFile), false, 0, waitResult, false), 0);
   EXPECT_EQ(waitResult, radio::kWaitEnded);
-  EXPECT_EQ(FileText(localFile + ".ran"), localFile + "\n");
+  EXPECT_EQ(FileText(folder / "ran"), localFile + "\n");
+  check.RemoveDownload(localFile);
+  EXPECT_FALSE(disk.Exists(platform::FolderOf(localFile)));
 }
 
 }  // namespace
