@@ -17,7 +17,8 @@ class OpenTextFile {
 };
 
 /// The file system. Paths are UTF-8 with "/" between folders. A call that fails leaves things as they were
-/// and says so with false or nothing. Used from the main thread.
+/// and says so with false or nothing. Files that are written here belong to the user alone (mode 0600). Used from the
+/// main thread.
 class Files {
  public:
   virtual ~Files() = default;
@@ -25,7 +26,9 @@ class Files {
   [[nodiscard]] virtual bool Exists(std::string_view path) const = 0;
   /// Creates one folder, not its parents; false if it exists already.
   [[nodiscard]] virtual bool CreateFolder(std::string_view path) = 0;
-  /// Makes a folder of a name of its own in another one, closed to other users; its path, or empty.
+  /// Makes a folder and the parents that are missing, all closed to other users, and closes one that is there already.
+  [[nodiscard]] virtual bool MakeOwnFolder(std::string_view path) = 0;
+  /// Makes a folder with a new name inside another one, closed to other users; its path, or empty.
   [[nodiscard]] virtual std::string CreatePrivateFolder(std::string_view parent) = 0;
   /// Removes an empty folder.
   [[nodiscard]] virtual bool RemoveFolder(std::string_view path) = 0;

@@ -14,12 +14,20 @@ void LogWindow::cmdClear() {
   if (answer == platform::MessageAnswer::Yes) list_.DoLog("Clear");
 }
 
+LogWindow::~LogWindow() {
+  if (folder_.empty()) return;
+  base::Ignored(files_.Remove(CopyPath()));
+  base::Ignored(files_.RemoveFolder(folder_));
+}
+
 void LogWindow::OpenCopy() {
   const std::string& log = list_.LogPath();
   if (!files_.Exists(log)) return;
-  const std::string copy = environment_.Variable("temp") + "/KestruneLog.txt";
-  // An older copy, left by whomever, is not shown for the log.
-  if (files_.Copy(log, copy)) base::Ignored(shell_.Open(copy));
+  if (folder_.empty() || !files_.Exists(folder_)) {
+    folder_ = files_.CreatePrivateFolder(environment_.Variable("temp"));
+  }
+  // An older copy is not shown for the log.
+  if (!folder_.empty() && files_.Copy(log, CopyPath())) base::Ignored(shell_.Open(CopyPath()));
 }
 
 }  // namespace kestrune::presenters

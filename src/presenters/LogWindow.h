@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -20,16 +22,26 @@ class LogWindow {
 
   /// Asks first; nothing is logged about it.
   void cmdClear();
-  /// Opens a copy of the log file in the temporary folder with the desktop's program for text files, so that
-  /// the log grows on undisturbed. Does nothing if there is no file, or no copy could be made.
+  LogWindow(const LogWindow&) = delete;
+  LogWindow& operator=(const LogWindow&) = delete;
+  /// Removes the copy and its folder.
+  ~LogWindow();
+
+  /// Opens a copy of the log file with the desktop's program for text files, so that the log grows on undisturbed.
+  /// The copy lies in a folder of its own inside the temporary one, closed to other users, since a name in the
+  /// common folder could be a link that another user has put there. Does nothing if there is no log file, or no
+  /// copy could be made.
   void OpenCopy();
 
  private:
+  [[nodiscard]] std::string CopyPath() const { return folder_ + "/KestruneLog.txt"; }
+
   schedule::LogList& list_;
   platform::Files& files_;
   const platform::Environment& environment_;
   platform::Shell& shell_;
   platform::Dialogs& dialogs_;
+  std::string folder_;  ///< of the copy; empty before the first one
 };
 
 }  // namespace kestrune::presenters

@@ -89,6 +89,7 @@ void Kestrune::ReadCommandLine() {
   log_.SetMultiUnit(multiUnit_);
   restrictions_.SetMultiUnit(multiUnit_);
   channels_.SetListPlace(schedule::UserDataFolder(outside_.Environment), multiUnit_);
+  schedule::CloseUserDataFolder(outside_.Files, outside_.Environment);
   log_.List().DoLog("Load");
   log_.DoLog(
       fmt::format("Kestrune {}.{}.{}", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision));

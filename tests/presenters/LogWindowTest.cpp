@@ -1,4 +1,6 @@
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,14 +31,14 @@ class LogWindowTest : public ::testing::Test {
   RecordingShell shell_;
   ScriptedDialogs dialogs_;
   schedule::LogList list_{files_};
-  presenters::LogWindow window_{list_, files_, environment_, shell_, dialogs_};
+  std::optional<presenters::LogWindow> window_{std::in_place, list_, files_, environment_, shell_, dialogs_};
 };
 
 TEST_F(LogWindowTest, ClearAsksFirst) {
   files_.Put(kLog, "one\n");
   list_.DoLog("Load");
   dialogs_.Answer = platform::MessageAnswer::No;
-  window_.cmdClear();
+  window_->cmdClear();
   ASSERT_EQ(dialogs_.Shown.size(), 1U);
   EXPECT_EQ(dialogs_.Shown[0].Title, "Clear Log");
   EXPECT_EQ(dialogs_.Shown[0].Text, "Are you sure you want to clear your log?");
@@ -50,45 +52,76 @@ TEST_F(LogWindowTest, ClearEmptiesListAndFileAndLogsNothingAboutIt) {
   files_.Put(kLog, "one\n");
   list_.DoLog("Load");
   dialogs_.Answer = platform::MessageAnswer::Yes;
-  window_.cmdClear();
+  window_->cmdClear();
   EXPECT_THAT(list_.Lines(), IsEmpty());
   EXPECT_EQ(files_.Text(kLog), "");
 }
 
 TEST_F(LogWindowTest, ACopyIsOpenedAndTheLogGrowsOn) {
   files_.Put(kLog, "one\ntwo\n");
-  window_.OpenCopy();
-  EXPECT_THAT(shell_.Opened, ElementsAre("/tmp/KestruneLog.txt"));
+  window_->OpenCopy();
+  EXPECT_THAT(shell_.Opened, ElementsAre("/tmp/private1/KestruneLog.txt"));
   EXPECT_TRUE(files_.Append(kLog, "three\n"));
-  EXPECT_EQ(files_.Text("/tmp/KestruneLog.txt"), "one\ntwo\n");
+  EXPECT_EQ(files_.Text("/tmp/private1/KestruneLog.txt"), "one\ntwo\n");
 }
 
 TEST_F(LogWindowTest, ACopyReplacesTheEarlierOne) {
+  files_.Put(kLog, "old and longer\n");
+  window_->OpenCopy();
   files_.Put(kLog, "new\n");
-  files_.Put("/tmp/KestruneLog.txt", "old and longer\n");
-  window_.OpenCopy();
-  EXPECT_EQ(files_.Text("/tmp/KestruneLog.txt"), "new\n");
+  window_->OpenCopy();
+  EXPECT_EQ(files_.Text("/tmp/private1/KestruneLog.txt"), "new\n");
+  EXPECT_FALSE(files_.Exists("/tmp/private2")) << "one folder does for the life of the window";
+}
+
+TEST_F(LogWindowTest, NothingIsWrittenInTheCommonTemporaryFolder) {
+  files_.Put(kLog, "one\n");
+  files_.Put("/tmp/KestruneLog.txt", "another user's");
+  window_->OpenCopy();
+  EXPECT_EQ(files_.Text("/tmp/KestruneLog.txt"), "another user's");
+}
+
+TEST_F(LogWindowTest, TheCopyGoesWithTheWindow) {
+  files_.Put(kLog, "one\n");
+  window_->OpenCopy();
+  window_.reset();
+  EXPECT_FALSE(files_.Exists("/tmp/private1"));
+}
+
+TEST_F(LogWindowTest, ACopyThatSomebodyHasClearedAwayIsMadeAnew) {
+  files_.Put(kLog, "one\n");
+  window_->OpenCopy();
+  EXPECT_TRUE(files_.Remove("/tmp/private1/KestruneLog.txt"));
+  EXPECT_TRUE(files_.RemoveFolder("/tmp/private1"));
+  window_->OpenCopy();
+  EXPECT_EQ(shell_.Opened.back(), "/tmp/private2/KestruneLog.txt");
 }
 
 TEST_F(LogWindowTest, WithoutALogFileNothingIsOpened) {
-  files_.Put("/tmp/KestruneLog.txt", "old\n");
-  window_.OpenCopy();
+  window_->OpenCopy();
   EXPECT_THAT(shell_.Opened, IsEmpty());
-  EXPECT_EQ(files_.Text("/tmp/KestruneLog.txt"), "old\n");
+}
+
+TEST_F(LogWindowTest, WithoutAPrivateFolderNothingIsOpened) {
+  files_.Put(kLog, "one\n");
+  files_.FailNext(FileOperation::CreatePrivateFolder);
+  window_->OpenCopy();
+  EXPECT_THAT(shell_.Opened, IsEmpty());
 }
 
 TEST_F(LogWindowTest, AnOldCopyIsNotShownForALogThatCannotBeCopied) {
+  files_.Put(kLog, "old\n");
+  window_->OpenCopy();
   files_.Put(kLog, "new\n");
-  files_.Put("/tmp/KestruneLog.txt", "old\n");
   files_.FailNext(FileOperation::Copy);
-  window_.OpenCopy();
-  EXPECT_THAT(shell_.Opened, IsEmpty());
+  window_->OpenCopy();
+  EXPECT_EQ(shell_.Opened.size(), 1U);
 }
 
 TEST_F(LogWindowTest, AMissingViewerIsNoNews) {
   files_.Put(kLog, "one\n");
   shell_.Works = false;
-  window_.OpenCopy();
+  window_->OpenCopy();
   EXPECT_THAT(dialogs_.Shown, IsEmpty());
 }
 

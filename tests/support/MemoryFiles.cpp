@@ -78,6 +78,17 @@ bool MemoryFiles::CreateFolder(std::string_view path) {
   return true;
 }
 
+bool MemoryFiles::MakeOwnFolder(std::string_view path) {
+  Calls.push_back(fmt::format("MakeOwnFolder {}", path));
+  const std::string clean = Clean(path);
+  std::string top = clean;
+  while (!folders_.contains(top) && !folders_.contains(Parent(top))) top = Parent(top);
+  if (Fails(FileOperation::MakeOwnFolder) || !Writable(top) || (DiskFull && !folders_.contains(clean))) return false;
+  MakeFolders(clean);
+  ownFolders_.insert(clean);
+  return true;
+}
+
 std::string MemoryFiles::CreatePrivateFolder(std::string_view parent) {
   Calls.push_back(fmt::format("CreatePrivateFolder {}", parent));
   std::string clean = fmt::format("{}/private{}", Clean(parent), privateFolders_ + 1);

@@ -16,6 +16,7 @@ namespace kestrune::test {
 
 enum class FileOperation {
   CreateFolder,
+  MakeOwnFolder,
   CreatePrivateFolder,
   CreateProgram,
   RemoveFolder,
@@ -35,6 +36,7 @@ class MemoryFiles final : public platform::Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
   [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   /// Named "private" and a number that counts up.
   [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
   [[nodiscard]] bool RemoveFolder(std::string_view path) override;
@@ -57,6 +59,8 @@ class MemoryFiles final : public platform::Files {
   /// The text of a file, or "(absent)".
   [[nodiscard]] std::string Text(std::string_view path) const;
   [[nodiscard]] bool IsFolder(std::string_view path) const;
+  /// Made or closed by MakeOwnFolder.
+  [[nodiscard]] bool IsOwnFolder(std::string_view path) const { return ownFolders_.contains(Clean(path)); }
   /// Full paths of all files, sorted.
   [[nodiscard]] std::vector<std::string> AllFiles() const;
 
@@ -88,6 +92,7 @@ class MemoryFiles final : public platform::Files {
 
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
+  std::set<std::string> ownFolders_;
   std::set<std::string> unwritable_;
   int privateFolders_ = 0;
   mutable std::map<FileOperation, int> failures_;

@@ -225,7 +225,7 @@ TEST_F(frmLogTest, ADoubleClickAnywhereInTheListOpensACopy) {
   Show();
   const QPoint below(10, lstLog().viewport()->height() - 3);
   QTest::mouseDClick(lstLog().viewport(), Qt::LeftButton, {}, below);
-  EXPECT_THAT(shell_.Opened, ElementsAre("/tmp/KestruneLog.txt"));
+  EXPECT_THAT(shell_.Opened, ElementsAre("/tmp/private1/KestruneLog.txt"));
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 

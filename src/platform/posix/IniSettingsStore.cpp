@@ -53,10 +53,9 @@ const IniText* IniSettingsStore::Current(const std::string& path) {
 }
 
 FileDescriptor IniSettingsStore::Lock(const std::string& path) const {
-  constexpr mode_t kPrivate = 0700;
-  base::Ignored(MakeFolders(folder_, kPrivate));
+  base::Ignored(MakeFolders(folder_, kOwnFolder));
   // A file of its own: the settings file is a new one after each write.
-  FileDescriptor lock(::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  FileDescriptor lock(::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnFile));
   if (!lock.IsOpen()) return lock;
   int locked = 0;
   do {

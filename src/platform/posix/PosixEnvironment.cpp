@@ -20,7 +20,6 @@ namespace kestrune::platform {
 
 namespace {
 
-constexpr mode_t kPrivate = 0700;
 constexpr mode_t kShared = 0777;
 
 std::string RealPath(const std::string& path) {
@@ -79,11 +78,11 @@ std::string ListedMusicFolder(const std::string& list, const std::string& home) 
 
 /// Makes the folder if need be and sees that it is a folder, no link, of this user, closed to everybody else.
 bool MakePrivate(const std::string& path) {
-  base::Ignored(::mkdir(path.c_str(), kPrivate));
+  base::Ignored(::mkdir(path.c_str(), kOwnFolder));
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return false;
   if (!S_ISDIR(status.st_mode) || status.st_uid != ::geteuid()) return false;
-  return (status.st_mode & 0777U) == kPrivate || ::chmod(path.c_str(), kPrivate) == 0;
+  return (status.st_mode & 0777U) == kOwnFolder || ::chmod(path.c_str(), kOwnFolder) == 0;
 }
 
 }  // namespace
@@ -94,7 +93,7 @@ PosixEnvironment::PosixEnvironment(StartArguments arguments)
       profileFolder_(std::move(arguments.ProfileFolder)) {
   if (!profileFolder_) return;
   // The whole path, so that a later change of the working folder does not move the profile.
-  base::Ignored(MakeFolders(*profileFolder_, kPrivate));
+  base::Ignored(MakeFolders(*profileFolder_, kOwnFolder));
   const std::string real = RealPath(*profileFolder_);
   if (!real.empty()) profileFolder_ = real;
 }
@@ -102,7 +101,7 @@ PosixEnvironment::PosixEnvironment(StartArguments arguments)
 std::string PosixEnvironment::InProfile(std::string_view name) const {
   std::string path = fmt::format("{}/{}", *profileFolder_, name);
   // Who uses the folder finds out that it is missing.
-  base::Ignored(MakeFolders(path, kPrivate));
+  base::Ignored(MakeFolders(path, kOwnFolder));
   return path;
 }
 
@@ -149,7 +148,7 @@ std::string PosixEnvironment::SettingsFolder() const {
 
 std::string PosixEnvironment::RuntimeFolder() const {
   const std::string folder = RuntimeFolderPath(profileFolder_.value_or(""));
-  if (profileFolder_) base::Ignored(MakeFolders(folder, kPrivate));
+  if (profileFolder_) base::Ignored(MakeFolders(folder, kOwnFolder));
   return MakePrivate(folder) ? folder : std::string();
 }
 

@@ -87,6 +87,14 @@ bool PosixFiles::CreateFolder(std::string_view path) {
   return name && ::mkdir(name->c_str(), 0777) == 0;
 }
 
+bool PosixFiles::MakeOwnFolder(std::string_view path) {
+  const auto name = SystemPath(path);
+  if (!name || !MakeFolders(*name, kOwnFolder)) return false;
+  // One that an earlier release has made may still be open to others.
+  const FileDescriptor folder(::open(name->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return folder.IsOpen() && ::fchmod(folder.Number(), kOwnFolder) == 0;
+}
+
 std::string PosixFiles::CreatePrivateFolder(std::string_view parent) {
   auto name = SystemPath(parent);
   if (!name || name->empty()) return {};
@@ -152,7 +160,8 @@ bool PosixFiles::Replace(std::string_view path, std::string_view text) {
 bool PosixFiles::Append(std::string_view path, std::string_view text) {
   const auto name = SystemPath(path);
   if (!name) return false;
-  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666));
+  FileDescriptor file(
+      ::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kOwnFile));
   if (!file.IsOpen()) return false;
   const bool written = AppendOnce(file.Number(), text);
   return file.Close() && written;
@@ -161,7 +170,8 @@ bool PosixFiles::Append(std::string_view path, std::string_view text) {
 bool PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
   const auto name = SystemPath(path);
   if (!name) return false;
-  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0700));
+  FileDescriptor file(
+      ::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnFolder));
   if (!file.IsOpen()) return false;
   const bool written = WriteAll(file.Number(), bytes);
   if (file.Close() && written) return true;
@@ -172,7 +182,7 @@ bool PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
 std::unique_ptr<OpenTextFile> PosixFiles::OpenForWriting(std::string_view path) {
   const auto name = SystemPath(path);
   if (!name) return nullptr;
-  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0666));
+  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, kOwnFile));
   if (!file.IsOpen()) return nullptr;
   return std::make_unique<PosixTextFile>(std::move(file));
 }

@@ -15,6 +15,7 @@ class PosixFiles final : public Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
   [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
   [[nodiscard]] bool RemoveFolder(std::string_view path) override;
   /// A link to a plain file counts as one.

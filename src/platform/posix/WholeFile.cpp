@@ -9,7 +9,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/Ignored.h"
@@ -29,7 +28,7 @@ std::string FollowLinks(const std::string& path) {
 FileDescriptor OpenPrivate(const std::string& folder, std::string& path) {
   for (int attempt = 0; attempt < 1000; ++attempt) {
     path = fmt::format("{}/.kestrune-{}-{}", folder, ::getpid(), attempt);
-    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnFile));
     if (file.IsOpen() || errno != EEXIST) return file;
   }
   return {};
@@ -76,9 +75,7 @@ bool ReplaceFile(const std::string& path, const std::function<bool(int file)>& w
   FileDescriptor file = OpenPrivate(folder, temporary);
   if (!file.IsOpen()) return false;
 
-  struct stat old {};
-  bool good = ::stat(target.c_str(), &old) != 0 || ::fchmod(file.Number(), old.st_mode & 0777U) == 0;
-  good = good && write(file.Number()) && ::fsync(file.Number()) == 0;
+  bool good = write(file.Number()) && ::fsync(file.Number()) == 0;
   good = file.Close() && good;
   if (!good || std::rename(temporary.c_str(), target.c_str()) != 0) {
     base::Ignored(::unlink(temporary.c_str()));

@@ -14,8 +14,8 @@ namespace kestrune::platform {
 [[nodiscard]] bool WriteAll(int file, std::string_view text);
 
 /// Puts a file in place as a whole: `write` fills a private file in the same folder, which is then on disk
-/// before it takes the name. A link is followed, the mode of a file that is replaced stays. On failure the
-/// old file stands.
+/// before it takes the name. A link is followed. The new file can be read by its owner alone, whatever the mode of the
+/// old one. On failure the old file stays.
 [[nodiscard]] bool ReplaceFile(const std::string& path, const std::function<bool(int file)>& write);
 
 }  // namespace kestrune::platform

@@ -11,13 +11,13 @@ std::string UserDataFolder(const platform::Environment& environment) {
 
 std::string MakeUserDataFolder(platform::Files& files, const platform::Environment& environment) {
   std::string folder = UserDataFolder(environment);
-  if (files.Exists(folder)) return folder;
-  for (auto slash = folder.find('/', 1); slash != std::string::npos; slash = folder.find('/', slash + 1)) {
-    const std::string parent = folder.substr(0, slash);
-    if (!files.Exists(parent)) base::Ignored(files.CreateFolder(parent));
-  }
-  base::Ignored(files.CreateFolder(folder));
+  if (!files.Exists(folder)) base::Ignored(files.MakeOwnFolder(folder));
   return folder;
+}
+
+void CloseUserDataFolder(platform::Files& files, const platform::Environment& environment) {
+  if (environment.Variable("userprofile").empty()) return;
+  base::Ignored(files.MakeOwnFolder(UserDataFolder(environment)));
 }
 
 }  // namespace kestrune::schedule

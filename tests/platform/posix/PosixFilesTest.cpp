@@ -142,10 +142,8 @@ TEST_F(PosixFilesTest, ReadGivesTheWholeFileOrNothing) {
 TEST_F(PosixFilesTest, ReplacePutsANewFileInPlace) {
   EXPECT_TRUE(files.Replace(folder / "file", "one"));
   EXPECT_EQ(FileText(folder / "file"), "one");
-  ASSERT_EQ(::chmod((folder / "file").c_str(), 0640), 0);
   EXPECT_TRUE(files.Replace(folder / "file", "two"));
   EXPECT_EQ(FileText(folder / "file"), "two");
-  EXPECT_EQ(FileMode(folder / "file"), 0640U);
   EXPECT_EQ(CountNames(folder.Path()), 1U);
 }
 
@@ -234,6 +232,34 @@ TEST_F(PosixFilesTest, APrivateFolderIsNewEachTimeAndClosedToOthers) {
   EXPECT_TRUE(std::filesystem::is_directory(one));
   EXPECT_EQ(files.CreatePrivateFolder(folder / "none"), "");
   EXPECT_EQ(files.CreatePrivateFolder(""), "");
+}
+
+TEST_F(PosixFilesTest, AnOwnFolderIsMadeWithItsParentsAndClosedToOthers) {
+  EXPECT_TRUE(files.MakeOwnFolder(folder / "a/b"));
+  EXPECT_EQ(FileMode(folder / "a"), 0700U);
+  EXPECT_EQ(FileMode(folder / "a/b"), 0700U);
+}
+
+TEST_F(PosixFilesTest, AnOwnFolderThatStoodOpenIsClosed) {
+  ASSERT_EQ(::mkdir((folder / "open").c_str(), 0755), 0);
+  EXPECT_TRUE(files.MakeOwnFolder(folder / "open"));
+  EXPECT_EQ(FileMode(folder / "open"), 0700U);
+}
+
+TEST_F(PosixFilesTest, WhatIsWrittenBelongsToItsUserAlone) {
+  EXPECT_TRUE(files.Append(folder / "log", "a\n"));
+  EXPECT_EQ(FileMode(folder / "log"), 0600U);
+  EXPECT_TRUE(files.Replace(folder / "lists", "a\n"));
+  EXPECT_EQ(FileMode(folder / "lists"), 0600U);
+  EXPECT_TRUE(files.OpenForWriting(folder / "trace"));
+  EXPECT_EQ(FileMode(folder / "trace"), 0600U);
+}
+
+TEST_F(PosixFilesTest, AFileThatStoodOpenIsClosedWhenItIsReplaced) {
+  PutFile(folder / "lists", "old");
+  ASSERT_EQ(::chmod((folder / "lists").c_str(), 0644), 0);
+  EXPECT_TRUE(files.Replace(folder / "lists", "new"));
+  EXPECT_EQ(FileMode(folder / "lists"), 0600U);
 }
 
 TEST_F(PosixFilesTest, AProgramIsMadeForItsUserAlone) {

@@ -27,6 +27,29 @@ TEST(UserDataFolder, IsMadeWithItsParents) {
   EXPECT_TRUE(files.IsFolder("/home/user/Application Data/Kestrune"));
 }
 
+TEST(UserDataFolder, IsMadeForItsUserAlone) {
+  FakeEnvironment environment;
+  MemoryFiles files;
+  EXPECT_EQ(schedule::MakeUserDataFolder(files, environment), "/home/user/Application Data/Kestrune");
+  EXPECT_TRUE(files.IsOwnFolder("/home/user/Application Data/Kestrune"));
+}
+
+TEST(UserDataFolder, IsClosedToOthersIfAnEarlierReleaseHasLeftItOpen) {
+  FakeEnvironment environment;
+  MemoryFiles files;
+  files.MakeFolders("/home/user/Application Data/Kestrune");
+  schedule::CloseUserDataFolder(files, environment);
+  EXPECT_TRUE(files.IsOwnFolder("/home/user/Application Data/Kestrune"));
+}
+
+TEST(UserDataFolder, TheFolderOfTheExecutableStaysOpen) {
+  FakeEnvironment environment;
+  MemoryFiles files;
+  environment.Variables["userprofile"] = "";
+  schedule::CloseUserDataFolder(files, environment);
+  EXPECT_TRUE(files.Calls.empty());
+}
+
 TEST(UserDataFolder, IsLeftAloneIfItIsThere) {
   FakeEnvironment environment;
   MemoryFiles files;
@@ -38,7 +61,7 @@ TEST(UserDataFolder, IsLeftAloneIfItIsThere) {
 TEST(UserDataFolder, IsNamedEvenIfItCannotBeMade) {
   FakeEnvironment environment;
   MemoryFiles files;
-  files.FailAlways(FileOperation::CreateFolder);
+  files.FailAlways(FileOperation::MakeOwnFolder);
   EXPECT_EQ(schedule::MakeUserDataFolder(files, environment), "/home/user/Application Data/Kestrune");
   EXPECT_FALSE(files.Exists("/home"));
 }
