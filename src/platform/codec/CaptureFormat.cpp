@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include "platform/codec/Mp3Bitrates.h"
+
 namespace kestrune::platform {
 namespace {
 
@@ -61,7 +63,8 @@ struct DescriptionOf {
     return fmt::format("VOX, 4-bit ADPCM, {} Hz, mono", format.Frequency);
   }
   std::string operator()(const Mp3Parameters& format) const {
-    return fmt::format("MP3, {}, {} Hz, {}", BitrateText(format), format.Frequency, StereoText(format));
+    return fmt::format("MP3, {}, {} Hz, {}", BitrateText(WithRealBitrates(format)), format.Frequency,
+                       StereoText(format));
   }
   std::string operator()(const OggFormat& format) const {
     std::string bitrate;

@@ -8,6 +8,7 @@
 
 #include "platform/Mp3Parameters.h"
 #include "platform/codec/Encoder.h"
+#include "platform/codec/Mp3Bitrates.h"
 #include "platform/codec/Mp3InfoFrame.h"
 
 namespace kestrune::platform {
@@ -16,7 +17,7 @@ namespace kestrune::platform {
 /// LameSettings.h). VBRHeader decides whether the info frame holds a seek table; the length is always there.
 class LameEncoder final : public Encoder {
  public:
-  explicit LameEncoder(const Mp3Parameters& parameters) : parameters_(parameters) {}
+  explicit LameEncoder(const Mp3Parameters& parameters) : parameters_(WithRealBitrates(parameters)) {}
 
   [[nodiscard]] std::int16_t Prepare() override;
   [[nodiscard]] bool Begin(DiskFile& file) override;

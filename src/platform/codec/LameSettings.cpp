@@ -1,7 +1,5 @@
 #include "platform/codec/LameSettings.h"
 
-#include <algorithm>
-#include <limits>
 #include <optional>
 #include <span>
 
@@ -13,7 +11,6 @@ namespace {
 
 constexpr std::int16_t kConstant = -1;
 constexpr std::int16_t kAverage = 4;
-constexpr std::int16_t kMaxTarget = 320;
 
 void SayNothing(const char* /*format*/, va_list /*arguments*/) {}
 
@@ -44,31 +41,20 @@ vbr_mode MethodOf(std::int16_t codingMethod) {
   }
 }
 
-bool ApplyBitrate(lame_global_flags* lame, const Mp3Parameters& parameters,
+void ApplyBitrate(lame_global_flags* lame, const Mp3Parameters& parameters,
                   std::span<const std::int16_t> table) {
   lame_set_VBR(lame, MethodOf(parameters.VBRCodingMethod));
   if (parameters.VBRCodingMethod == kConstant) {
-    if (std::find(table.begin(), table.end(), parameters.Bitrate) == table.end()) return false;
     lame_set_brate(lame, parameters.Bitrate);
-    return true;
+    return;
   }
-
-  if (parameters.VBRMaxBitrate < 0) return false;
-  const int most = parameters.VBRMaxBitrate == 0 ? std::numeric_limits<int>::max() : parameters.VBRMaxBitrate;
-  const int least = parameters.VBREnforceMinBitRate ? parameters.Bitrate : 0;
-  const auto lowest = std::lower_bound(table.begin(), table.end(), least);
-  const auto behindHighest = std::upper_bound(table.begin(), table.end(), most);
-  if (lowest >= behindHighest) return false;
-  lame_set_VBR_min_bitrate_kbps(lame, *lowest);
-  lame_set_VBR_max_bitrate_kbps(lame, *(behindHighest - 1));
+  lame_set_VBR_min_bitrate_kbps(lame, parameters.VBREnforceMinBitRate ? parameters.Bitrate : table.front());
+  lame_set_VBR_max_bitrate_kbps(lame,
+                                parameters.VBRMaxBitrate != 0 ? parameters.VBRMaxBitrate : table.back());
   lame_set_VBR_hard_min(lame, parameters.VBREnforceMinBitRate ? 1 : 0);
-
   lame_set_VBR_q(lame, parameters.VBRQuality);
-  if (parameters.VBRCodingMethod == kAverage) {
-    if (!InRange(parameters.VBRTargetBitrate, 1, kMaxTarget)) return false;
+  if (parameters.VBRCodingMethod == kAverage)
     lame_set_VBR_mean_bitrate_kbps(lame, parameters.VBRTargetBitrate);
-  }
-  return true;
 }
 
 void ApplyStereo(lame_global_flags* lame, const Mp3Parameters& parameters) {
@@ -121,8 +107,8 @@ std::int16_t ApplyMp3Parameters(lame_global_flags* lame, const Mp3Parameters& pa
   if (!rate) return kRateRefused;
   if (parameters.Channels != 1 && parameters.Channels != 2) return kShapeRefused;
   if (!RangesHold(parameters)) return kParameterRefused;
-  if (!ApplyBitrate(lame, parameters, MpegBitrates(rate->Version))) return kBitrateRefused;
 
+  ApplyBitrate(lame, parameters, MpegBitrates(rate->Version));
   lame_set_in_samplerate(lame, parameters.Frequency);
   lame_set_out_samplerate(lame, parameters.Frequency);
   lame_set_quality(lame, parameters.Quality);

@@ -1,7 +1,12 @@
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -58,8 +63,9 @@ class ChosenFormats : public testing::Test {
   config::Settings settings_;
   platform::EncodedFile file_;
   std::int16_t captureSlot_ = 1;
+  std::optional<std::string> scheduled_;
   config::FileSpecs specs_{[this](std::int16_t) { return &file_; }, settings_, captureSlot_,
-                           [] { return std::nullopt; }};
+                           [this] { return scheduled_; }};
   presenters::Mp3Options mp3_{settings_, section_};
   std::size_t frames_ = 0;
 };
@@ -166,30 +172,73 @@ TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   }
 }
 
-TEST_F(ChosenFormats, EveryMp3RateWithBothChannelCounts) {
-  for (int row = 0; row < 9; ++row) {
-    mp3_.cboFrequency(row);
+/// The nearest bitrate that MPEG layer III has at a rate; of two equally near, the higher one.
+int NearestOfTheStandard(std::int32_t rate, int bitrate) {
+  const std::vector<int> high{32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320};
+  const std::vector<int> low{8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
+  const std::vector<int> lowest{8, 16, 24, 32, 40, 48, 56, 64};
+  int nearest = 0;
+  for (const int each : rate >= 32000 ? high : rate >= 16000 ? low : lowest) {
+    if (nearest == 0 || std::abs(each - bitrate) <= std::abs(nearest - bitrate)) nearest = each;
+  }
+  return nearest;
+}
+
+TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
+  constexpr int kRates = 9;
+  constexpr std::size_t kSamples = 12345;  // of each channel
+  for (int row = 0; row < kRates; ++row) {
+    std::string inputs;
+    std::string outputs;
+    std::string files;
+    std::vector<std::pair<std::string, std::size_t>> decoded;
     for (const int channels : {1, 2}) {
-      mp3_.cboChannels(channels - 1);
-      mp3_.CurrentBitrate(6);
-      const Mp3Stream stream = RecordMp3();
-      const std::int32_t rate = settings_.FormatMP3.Frequency;
-      ExpectFacts(folder_.Path("song.MP3"), "mp3", rate, channels);
-      for (const Mp3Frame& frame : stream.Sound()) {
-        ASSERT_EQ(frame.Rate, rate);
-        ASSERT_EQ(frame.Bitrate, 64);
-        ASSERT_EQ(frame.Mode == 3, channels == 1);
+      for (int position = 0; position <= presenters::Mp3Bitrates().Last(); ++position) {
+        mp3_.cboFrequency(row);
+        mp3_.cboChannels(channels - 1);
+        mp3_.CurrentBitrate(position);
+        ASSERT_TRUE(mp3_.cmdOK());
+        const std::int32_t rate = settings_.FormatMP3.Frequency;
+        const int real = NearestOfTheStandard(rate, presenters::Mp3Bitrates().Bitrate(position));
+        settings_.FileFormat = "MP3";
+        specs_.SetFileSpecs(0);
+        EXPECT_EQ(specs_.FileFormatString(), fmt::format("MP3, {} kbit/s constant, {} Hz, {}", real, rate,
+                                                         channels == 1 ? "mono" : "joint stereo"));
+        const std::string path = folder_.Path(fmt::format("{}-{}.mp3", channels, position));
+        file_.Create(path);
+        ASSERT_EQ(file_.LastResult(), 0) << specs_.FileFormatString();
+        ASSERT_TRUE(WriteBlocks(file_, MakeMusic(kSamples, rate, static_cast<std::int16_t>(channels))));
+        file_.Close();
+        const Mp3Stream stream = ParseMp3(ReadFile(path));
+        ASSERT_FALSE(stream.Broken);
+        for (const Mp3Frame& frame : stream.Sound()) {
+          ASSERT_EQ(frame.Rate, rate);
+          ASSERT_EQ(frame.Bitrate, real);
+          ASSERT_EQ(frame.Mode == 3, channels == 1);
+        }
+        files += " '" + path + "'";
+        inputs += " -i '" + path + "'";
+        outputs += fmt::format(" -map {} -f s16le '{}.pcm'", decoded.size(), path);
+        decoded.emplace_back(path + ".pcm", kSamples * static_cast<std::size_t>(channels) * 2);
       }
     }
+    const auto checked = RunProgramAll("mp3val" + files);
+    EXPECT_EQ(checked.Output.find("WARNING"), std::string::npos) << checked.Output;
+    EXPECT_NE(checked.Output.find("MPEG frames"), std::string::npos) << checked.Output;
+    const auto ffmpeg = RunProgramAll("ffmpeg -nostdin -y -v error" + inputs + outputs);
+    ASSERT_EQ(ffmpeg.Status, 0) << ffmpeg.Output;
+    EXPECT_EQ(ffmpeg.Output, "");
+    for (const auto& [path, bytes] : decoded) EXPECT_EQ(std::filesystem::file_size(path), bytes) << path;
   }
 }
 
-TEST_F(ChosenFormats, EveryMp3Bitrate) {
-  for (int position = 0; position <= presenters::Mp3Bitrates().Last(); ++position) {
-    const std::int16_t bitrate = presenters::Mp3Bitrates().Bitrate(position);
-    mp3_.CurrentBitrate(position);
-    mp3_.cboFrequency(bitrate < 32 ? 0 : 7);
-    for (const Mp3Frame& frame : RecordMp3().Sound()) ASSERT_EQ(frame.Bitrate, bitrate);
+TEST_F(ChosenFormats, AnEventWithoutABitRateRecordsWithTheEncodersOwnChoice) {
+  for (const auto& [text, real, stereo] :
+       {std::tuple{" ", 128, "joint stereo"}, {"", 128, "joint stereo"}, {"Mono", 64, "mono"}}) {
+    scheduled_ = text;
+    const Mp3Stream stream = RecordMp3();
+    EXPECT_EQ(specs_.FileFormatString(), fmt::format("MP3, {} kbit/s constant, 44100 Hz, {}", real, stereo));
+    for (const Mp3Frame& frame : stream.Sound()) ASSERT_EQ(frame.Bitrate, real) << "'" << text << "'";
   }
 }
 

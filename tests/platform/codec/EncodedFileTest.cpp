@@ -103,54 +103,6 @@ TEST_F(EncodedFileTest, RatesThatAFormatDoesNotKnowAreRefused) {
   EXPECT_LT(ResultOf([&](EncodedFile& f) { f.SetFormatOgg(2000000, 2, 128, 0, 0, 4); }), 0);
 }
 
-TEST_F(EncodedFileTest, BitratesThatTheRateLacksAreRefused) {
-  struct Row {
-    std::int32_t Rate;
-    std::int16_t Bitrate;
-  };
-  const std::vector<Row> rows{{44100, 0},   {44100, -1},  {44100, 8},   {44100, 16},    {44100, 24},
-                              {44100, 129}, {44100, 144}, {44100, 321}, {48000, 24},    {32000, 16},
-                              {22050, 0},   {22050, 192}, {24000, 320}, {16000, 224},   {11025, 128},
-                              {12000, 160}, {8000, 80},   {8000, 0},    {44100, 32767}, {44100, -32768}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(Mp3Result([&](Mp3Parameters& p) {
-                p.Frequency = row.Rate;
-                p.Bitrate = row.Bitrate;
-              }),
-              platform::kBitrateRefused)
-        << row.Rate << " " << row.Bitrate;
-  }
-}
-
-TEST_F(EncodedFileTest, LimitsWithNoBitrateBetweenThemAreRefused) {
-  const auto limits = [&](std::int16_t least, bool enforced, std::int16_t most) {
-    return Mp3Result([&](Mp3Parameters& p) {
-      p.VBRCodingMethod = 0;
-      p.Bitrate = least;
-      p.VBREnforceMinBitRate = enforced;
-      p.VBRMaxBitrate = most;
-    });
-  };
-  EXPECT_EQ(limits(192, true, 128), platform::kBitrateRefused);
-  EXPECT_EQ(limits(192, false, 128), 0) << "a minimum that is not enforced is none";
-  EXPECT_EQ(limits(129, true, 159), platform::kBitrateRefused);
-  EXPECT_EQ(limits(128, true, 128), 0);
-  EXPECT_EQ(limits(0, false, 24), platform::kBitrateRefused) << "nothing below 32 at this rate";
-  EXPECT_EQ(limits(0, true, 0), 0) << "no limits at all";
-  EXPECT_EQ(limits(0, false, -1), platform::kBitrateRefused);
-  EXPECT_EQ(limits(321, true, 0), platform::kBitrateRefused);
-}
-
-TEST_F(EncodedFileTest, AnAverageOutsideTheEncodersRangeIsRefused) {
-  for (const std::int16_t target : {-1, 0, 321, 32767}) {
-    EXPECT_EQ(Mp3Result([&](Mp3Parameters& p) {
-                p.VBRCodingMethod = 4;
-                p.VBRTargetBitrate = target;
-              }),
-              platform::kBitrateRefused);
-  }
-}
-
 TEST_F(EncodedFileTest, ChannelsAndBitsThatAFormatDoesNotKnowAreRefused) {
   for (const std::int16_t channels : {-1, 0, 3, 6, 32767}) {
     EXPECT_EQ(Mp3Result([&](Mp3Parameters& p) { p.Channels = channels; }), platform::kShapeRefused);

@@ -11,6 +11,7 @@
 #include "platform/codec/Decoders.h"
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/LameSettings.h"
+#include "platform/codec/Mp3Bitrates.h"
 #include "platform/codec/Mp3Frames.h"
 #include "platform/codec/Signals.h"
 
@@ -23,7 +24,8 @@ class LameSettingsTest : public testing::Test {
  protected:
   lame_global_flags* Apply(const Mp3Parameters& parameters) {
     lame_.reset(lame_init());
-    EXPECT_EQ(platform::ApplyMp3Parameters(lame_.get(), parameters), platform::kCreated);
+    EXPECT_EQ(platform::ApplyMp3Parameters(lame_.get(), platform::WithRealBitrates(parameters)),
+              platform::kCreated);
     return lame_.get();
   }
   static Mp3Parameters Base() {
@@ -62,7 +64,7 @@ TEST_F(LameSettingsTest, QualitiesAreTakenAsTheyStand) {
   }
 }
 
-TEST_F(LameSettingsTest, LimitsAreDrawnToTheTableFromWithin) {
+TEST_F(LameSettingsTest, LimitsMoveInwardsToTheTable) {
   auto parameters = Base();
   parameters.VBRCodingMethod = 0;
   parameters.VBREnforceMinBitRate = true;
@@ -209,7 +211,8 @@ TEST(RandomMp3Parameters, GiveAnExactFileOrARefusalAndNeverACrash) {
     const long frameSamples = p.Frequency >= 32000 ? 1152 : 576;
     ASSERT_EQ(info.Frames, static_cast<long>(stream.Frames.size()) - 1);
     ASSERT_EQ(info.Frames * frameSamples - info.Delay - info.Padding, static_cast<long>(frames));
-    if (run % 10 == 0) {
+    // ffmpeg does not cut the front off whole if the end is cut in the second frame already.
+    if (run % 10 == 0 && frames >= 48) {
       ASSERT_EQ(DecodeWithFfmpeg(path).size(), sound.size());
     }
     std::filesystem::remove(path);
