@@ -6,7 +6,7 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-# A warning is an error here; `cmake --compile-no-warning-as-error` lets a compiler of another age build it.
+# A warning is an error here; `cmake --compile-no-warning-as-error` lets other compiler versions build it.
 if(NOT DEFINED CMAKE_COMPILE_WARNING_AS_ERROR)
   set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
 endif()
@@ -23,7 +23,7 @@ target_include_directories(kestrune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(kestrune_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual -Woverloaded-virtual
   -Wformat=2)
-# Some thirty programs are linked a build; lld takes a fraction of the time.
+# A build links some thirty programs; lld takes a fraction of the time.
 check_linker_flag(CXX -fuse-ld=lld KESTRUNE_HAS_LLD)
 if(KESTRUNE_HAS_LLD)
   target_link_options(kestrune_flags INTERFACE -fuse-ld=lld)
@@ -35,9 +35,9 @@ if(KESTRUNE_SANITIZE)
   target_link_options(kestrune_flags INTERFACE -fsanitize=${KESTRUNE_SANITIZE})
 endif()
 
-# kestrune_precompile(TARGET header...): what nearly every file of a target includes is parsed once, if the
-# target is large enough to gain by it; a build from nothing takes half the time. The linter goes without, so that
-# no file lives on an include that it does not have.
+# kestrune_precompile(TARGET header...): precompiles what nearly every file of a target includes, if the target
+# is large enough to gain by it. This halves the time of a clean build. The linter runs without, so that no file
+# relies on an include that it does not have.
 function(kestrune_precompile target)
   get_target_property(sources ${target} SOURCES)
   list(LENGTH sources count)
@@ -52,16 +52,16 @@ set(KESTRUNE_WIDGET_HEADERS
   <QApplication> <QBoxLayout> <QCheckBox> <QComboBox> <QDialog> <QGridLayout> <QGroupBox> <QKeyEvent> <QLabel>
   <QLineEdit> <QPushButton> <QTimer>)
 
-# kestrune_test_code(TARGET): what the code of every test program shares. It is not optimised: the tested code is,
-# and compiling the tests is most of a build.
+# kestrune_test_code(TARGET): what all test programs share. Test code is not optimised, since compiling it is most of
+# a build; the code under test is.
 function(kestrune_test_code target)
   target_link_libraries(${target} PRIVATE GTest::gmock GTest::gtest_main)
   target_compile_options(${target} PRIVATE -O0)
   kestrune_precompile(${target} <filesystem> <gmock/gmock.h> <gtest/gtest.h>)
 endfunction()
 
-# kestrune_test(NAME source... [LIBS lib...]): one GoogleTest program of a room. Its cases are known to ctest,
-# which asks for them when it runs; `ctest -L NAME` runs this program's alone.
+# kestrune_test(NAME source... [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its cases when
+# it runs; `ctest -L NAME` runs only this program's.
 function(kestrune_test name)
   cmake_parse_arguments(TEST "" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
@@ -73,7 +73,7 @@ endfunction()
 
 add_custom_target(fuzzers)
 
-# kestrune_fuzzer(NAME source... [LIBS lib...]): a libFuzzer program where the build asks for them, and in every
+# kestrune_fuzzer(NAME source... [LIBS lib...]): a libFuzzer program if the build is configured for them, and in every
 # build a test that replays the seed corpus in tests/fuzz/corpus/NAME. The target `fuzzers` builds them all, into
 # bin/fuzz.
 function(kestrune_fuzzer name)
