@@ -66,7 +66,7 @@ class Rig {
     audio_.AudioRecord = std::make_unique<platform::RingRecorder>(loop_, sound_);
     for (auto& file : audio_.CaptureFiles) file = std::make_unique<platform::EncodedFile>();
     audio_.AudioInformation = std::make_unique<platform::FileTagWriter>();
-    radio_.RadioID = "ABCD1234";
+    all_.Radio.RadioID = "ABCD1234";
     for (auto& record : state_.CaptureSlots) {
       record.Extension = "mp3";
       record.Song = "Slow Tide";
@@ -112,12 +112,12 @@ class Rig {
   platform::PosixFiles files_;
   NoJournal journal_;
   recorder::AudioObjects audio_;
-  recorder::RecordingState state_;
-  radio::RadioState radio_;
-  config::Settings settings_;
+  recorder::State all_;
+  recorder::RecordingState& state_ = all_.Recording;
+  config::Settings& settings_ = all_.Settings;
   config::FileSpecs fileSpecs_{[this](std::int16_t slot) { return audio_.File(slot); }, settings_,
                                state_.CaptureSlot, [] { return std::nullopt; }};
-  recorder::Capture capture_{audio_, state_, fileSpecs_, settings_, radio_, files_, journal_};
+  recorder::Capture capture_{audio_, all_, fileSpecs_, files_, journal_};
   std::int32_t result_ = 0;
 };
 

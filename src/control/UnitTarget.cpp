@@ -91,14 +91,14 @@ std::vector<ChannelReport> UnitTarget::Channels() {
 
 CommandResult UnitTarget::Record() {
   if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (!unit_.Window().cmdRecord.Enabled) return Refused("recording has been asked for already");
+  if (!unit_.MayRecord()) return Refused("recording has been asked for already");
   unit_.cmdRecord();
   return Done();
 }
 
 CommandResult UnitTarget::Stop() {
   if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (!unit_.Window().cmdStop.Enabled) return Refused("nothing is being recorded");
+  if (!unit_.MayStop()) return Refused("nothing is being recorded");
   unit_.cmdStop();
   return Done();
 }

@@ -12,14 +12,13 @@ constexpr std::int32_t kBlockMs = 100;
 
 }  // namespace
 
-Capture::Capture(AudioObjects& audio, RecordingState& state, config::FileSpecs& fileSpecs,
-                 const config::Settings& settings, const radio::RadioState& radio, platform::Files& files,
+Capture::Capture(AudioObjects& audio, State& state, config::FileSpecs& fileSpecs, platform::Files& files,
                  base::Journal& journal)
     : audio_(audio),
-      state_(state),
+      state_(state.Recording),
       fileSpecs_(fileSpecs),
-      settings_(settings),
-      radio_(radio),
+      settings_(state.Settings),
+      radio_(state.Radio),
       files_(files),
       journal_(journal) {}
 

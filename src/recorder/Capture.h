@@ -5,19 +5,17 @@
 
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
-#include "config/settings/Settings.h"
 #include "platform/Files.h"
-#include "radio/channels/RadioState.h"
 #include "recorder/AudioObjects.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
 /// Starts and stops the two alternating captures and moves the sound into the one that is being written.
 class Capture {
  public:
-  Capture(AudioObjects& audio, RecordingState& state, config::FileSpecs& fileSpecs,
-          const config::Settings& settings, const radio::RadioState& radio, platform::Files& files,
+  /// All must outlive the object.
+  Capture(AudioObjects& audio, State& state, config::FileSpecs& fileSpecs, platform::Files& files,
           base::Journal& journal);
 
   /// Takes the block handler of a recorder that has just been made.

@@ -1,44 +1,44 @@
 #include "recorder/Clock.h"
 
-#include "base/DatePattern.h"
 #include "base/Ignored.h"
-#include "recorder/ResizeRule.h"
+#include "base/Text.h"
 
 namespace kestrune::recorder {
 namespace {
 
 constexpr int kTicksPerBlink = 5;
 constexpr int kTicksPerSignalPoll = 50;
-constexpr std::string_view kElapsedPattern = "Hh:Nn:Ss";
+
+/// The form in which the clock looks a name up in the lists: the caption of its label, which has each "&" twice.
+/// So a fragment with one "&" finds nothing here, though it decides at the song's end. That is meant.
+std::string LookupText(std::string_view name) {
+  return base::DoubleAmpersands(name);
+}
 
 }  // namespace
 
-Clock::Clock(const RecordingState& state, const schedule::ScheduleState& schedule, const Modes& modes,
-             const schedule::Restrictions& restrictions, const config::Settings& settings, MainWindow& window,
-             Windows& windows, radio::RadioSession& session, base::EventLoop& loop)
+Clock::Clock(State& state, const schedule::Restrictions& restrictions, Windows& windows,
+             radio::RadioSession& session, base::EventLoop& loop)
     : state_(state),
-      schedule_(schedule),
-      modes_(modes),
+      modes_(state),
       restrictions_(restrictions),
-      settings_(settings),
-      window_(window),
       windows_(windows),
       session_(session),
       loop_(loop) {}
 
 void Clock::Tick() {
-  if (window_.ShowsRecording()) {
+  const RecordingState& recording = state_.Recording;
+  if (recording.IsRecording()) {
     Blink();
-    FollowTaskBar();
-    ShowListStatus();
+    LookUpSong();
   }
-  if (window_.lblClock.Visible) {
-    const std::int64_t ms = state_.CaptureSlots[static_cast<std::size_t>(state_.CaptureSlot)].LengthMs;
-    window_.lblClock.Caption = base::FormatDate(base::DateValue::FromSeconds(ms / 1000), kElapsedPattern);
+  if (recording.ShowsLength()) {
+    const auto slot = static_cast<std::size_t>(recording.CaptureSlot);
+    state_.Clock.CaptureSeconds = recording.CaptureSlots[slot].LengthMs / 1000;
   }
-  if (window_.lblRemaining.Visible && loop_.Now() <= schedule_.RemainingUntil) {
-    const std::int64_t left = base::SecondsBetween(loop_.Now(), schedule_.RemainingUntil);
-    window_.lblRemaining.Caption = base::FormatDate(base::DateValue::FromSeconds(left), kElapsedPattern);
+  const schedule::ScheduleState& event = state_.Schedule;
+  if (event.ActiveSchedule != 0 && loop_.Now() <= event.RemainingUntil) {
+    state_.Clock.SecondsLeft = base::SecondsBetween(loop_.Now(), event.RemainingUntil);
   }
   signalTick_ = (signalTick_ + 1) % kTicksPerSignalPoll;
   if (signalTick_ == 0) base::Ignored(session_.pcrGetSignalLevels());
@@ -48,25 +48,17 @@ void Clock::Tick() {
 void Clock::Blink() {
   blinkTick_ = (blinkTick_ + 1) % kTicksPerBlink;
   if (blinkTick_ != 0) return;
-  window_.lblRecording.Visible = !window_.lblRecording.Visible;
-  if (window_.pctTimer.Tag == "1") window_.pctTimer.Visible = !window_.pctTimer.Visible;
+  state_.Clock.StatusShown = !state_.Clock.StatusShown;
+  if (state_.Schedule.ActiveSchedule != 0) state_.Clock.EventMarkShown = !state_.Clock.EventMarkShown;
 }
 
-void Clock::FollowTaskBar() {
-  if (window_.State != WindowState::Minimized) return;
-  window_.Visible = StaysInTaskBar(window_, settings_);
-}
-
-void Clock::ShowListStatus() {
-  // The Kill test has the last word in both of its other branches, so "Recording (Grabbed)" never stays.
-  const auto show = [this](std::string_view text) {
-    if (window_.lblRecording.Caption != text) window_.lblRecording.Caption = text;
-  };
-  const std::string& artist = window_.lblArtist.Caption;
-  const std::string& song = window_.lblSong.Caption;
-  show(modes_.CheckGrab() && restrictions_.IsInGrabList(artist, song) ? status::kGrabbed
-                                                                      : status::kRecording);
-  show(modes_.CheckKill() && restrictions_.IsInKillList(artist, song) ? status::kKilled : status::kRecording);
+void Clock::LookUpSong() {
+  const std::string artist = LookupText(state_.Announcement.Artist);
+  const std::string song = LookupText(state_.Announcement.Song);
+  Phase& phase = state_.Recording.Phase;
+  // The Kill test has the last word in both of its other branches, so Grabbed never stays.
+  phase = modes_.CheckGrab() && restrictions_.IsInGrabList(artist, song) ? Phase::Grabbed : Phase::Recording;
+  phase = modes_.CheckKill() && restrictions_.IsInKillList(artist, song) ? Phase::Killed : Phase::Recording;
 }
 
 }  // namespace kestrune::recorder

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "base/EventLoop.h"
-#include "config/settings/Settings.h"
 #include "radio/line/RadioSession.h"
-#include "recorder/MainWindow.h"
 #include "recorder/Modes.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 #include "recorder/Windows.h"
-#include "schedule/entries/ScheduleState.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
@@ -16,23 +13,19 @@ namespace kestrune::recorder {
 /// seconds a question for the radio's signal. Runs also inside an update tick's waits.
 class Clock {
  public:
-  Clock(const RecordingState& state, const schedule::ScheduleState& schedule, const Modes& modes,
-        const schedule::Restrictions& restrictions, const config::Settings& settings, MainWindow& window,
-        Windows& windows, radio::RadioSession& session, base::EventLoop& loop);
+  /// All must outlive the object.
+  Clock(State& state, const schedule::Restrictions& restrictions, Windows& windows,
+        radio::RadioSession& session, base::EventLoop& loop);
 
   void Tick();
 
  private:
   void Blink();
-  void ShowListStatus();
-  void FollowTaskBar();
+  void LookUpSong();
 
-  const RecordingState& state_;
-  const schedule::ScheduleState& schedule_;
-  const Modes& modes_;
+  State& state_;
+  Modes modes_;
   const schedule::Restrictions& restrictions_;
-  const config::Settings& settings_;
-  MainWindow& window_;
   Windows& windows_;
   radio::RadioSession& session_;
   base::EventLoop& loop_;

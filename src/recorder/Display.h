@@ -1,20 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "base/Journal.h"
-#include "base/RunState.h"
 #include "radio/channels/ChannelEntry.h"
-#include "recorder/MainWindow.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
-/// Shows what the radio reports in the main window's labels, title and tray tip.
+/// Announces what the radio reports, at the moments at which the labels, the title and the tray tip change.
 class Display final {
  public:
-  Display(MainWindow& window, const base::RunState& run, base::Journal& journal);
+  Display(State& state, base::Journal& journal) : state_(state), journal_(journal) {}
 
   /// A reply for the tuned channel.
   void ShowChannel(std::int16_t tuned, const radio::ChannelEntry& entry);
@@ -23,20 +20,17 @@ class Display final {
   void ShowBareTitle();
   /// The song that a new capture begins with.
   void ShowSong(const radio::ChannelEntry& entry);
-  /// Sets the channel's labels if they differ from what is shown.
+  /// The tuned channel's number, station and genre.
   void RefreshChannel(std::int16_t number, const radio::ChannelEntry& entry);
-  void RefreshCounters(const RecordingState& state);
+  /// Sets the tray tip to the phase of this moment and the radio's current song.
+  void ShowTrayTip();
 
   /// Three percentages, as the radio's signal reply brings them. The first reply is logged.
   void pcrSignalReceived(std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial);
 
  private:
-  void ShowTexts(std::int16_t number, const radio::ChannelEntry& entry);
-
-  MainWindow& window_;
-  const base::RunState& run_;
+  State& state_;
   base::Journal& journal_;
-  bool signalLogged_ = false;
 };
 
 }  // namespace kestrune::recorder

@@ -21,15 +21,14 @@ void AdvanceName(std::string& fileName) {
 
 }  // namespace
 
-Disposition::Disposition(RecordingState& state, const radio::RadioState& radio,
-                         const config::Settings& settings, const config::FileSpecs& fileSpecs,
-                         const Modes& modes, const schedule::Restrictions& restrictions,
-                         platform::Files& files, base::EventLoop& loop, base::Journal& journal)
-    : state_(state),
-      radio_(radio),
-      settings_(settings),
+Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
+                         const schedule::Restrictions& restrictions, platform::Files& files,
+                         base::EventLoop& loop, base::Journal& journal)
+    : state_(state.Recording),
+      radio_(state.Radio),
+      settings_(state.Settings),
       fileSpecs_(fileSpecs),
-      modes_(modes),
+      modes_(state),
       restrictions_(restrictions),
       files_(files),
       loop_(loop),

@@ -6,11 +6,9 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
-#include "config/settings/Settings.h"
 #include "platform/Files.h"
-#include "radio/channels/RadioState.h"
 #include "recorder/Modes.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
@@ -19,10 +17,9 @@ namespace kestrune::recorder {
 /// under its name or deleted, with one line in the log and one counter moved.
 class Disposition {
  public:
-  Disposition(RecordingState& state, const radio::RadioState& radio, const config::Settings& settings,
-              const config::FileSpecs& fileSpecs, const Modes& modes,
-              const schedule::Restrictions& restrictions, platform::Files& files, base::EventLoop& loop,
-              base::Journal& journal);
+  /// All must outlive the object.
+  Disposition(State& state, const config::FileSpecs& fileSpecs, const schedule::Restrictions& restrictions,
+              platform::Files& files, base::EventLoop& loop, base::Journal& journal);
 
   /// Called while the next capture is already running. Clears `Incomplete`.
   void Dispose(std::int16_t finished);
@@ -45,7 +42,7 @@ class Disposition {
   const radio::RadioState& radio_;
   const config::Settings& settings_;
   const config::FileSpecs& fileSpecs_;
-  const Modes& modes_;
+  Modes modes_;
   const schedule::Restrictions& restrictions_;
   platform::Files& files_;
   base::EventLoop& loop_;

@@ -1,14 +1,16 @@
 #include "recorder/Explanation.h"
 
+#include "recorder/Modes.h"
+
 namespace kestrune::recorder {
 
-std::string ExplainRecording(const MainWindow& window, const RecordingState& recording,
-                             const radio::RadioState& radio, const Modes& modes,
-                             const schedule::Restrictions& restrictions) {
-  if (window.lblRecording.Caption == status::kWaitingForChannelLoad) {
+std::string ExplainRecording(const State& state, const schedule::Restrictions& restrictions) {
+  const RecordingState& recording = state.Recording;
+  const Modes modes(state);
+  if (recording.Phase == Phase::WaitingForChannelLoad) {
     return "Recording begins once the channels are loaded.";
   }
-  if (radio.ChannelsLoading) return "The radio's channels are being loaded.";
+  if (state.Radio.ChannelsLoading) return "The radio's channels are being loaded.";
   if (recording.StopPending) return "Finishing the song in hand.";
   if (!recording.RecordRequested) return "Not recording.";
   if (recording.WaitingForNextSong) {

@@ -31,47 +31,47 @@ Kestrune::Kestrune(const Outside& outside)
                                          Close();
                                        })),
       log_(outside.Files, outside.Environment, outside.Loop),
-      session_(outside.pcrComm, outside.Loop, run_, log_),
-      channels_(radioState_, run_, session_, outside.Files, outside.Loop, log_, *this),
-      modes_(schedule_, settings_, window_),
+      session_(outside.pcrComm, outside.Loop, state_.Run, log_),
+      channels_(state_.Radio, state_.Run, session_, outside.Files, outside.Loop, log_, *this),
       restrictions_(outside.Files, outside.Environment),
       restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs),
       grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment),
-      fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, settings_, recording_.CaptureSlot,
-                 [this] { return ScheduledBitRate(); }),
-      capture_(audio_, recording_, fileSpecs_, settings_, radioState_, outside.Files, log_),
-      disposition_(recording_, radioState_, settings_, fileSpecs_, modes_, restrictions_, outside.Files,
-                   outside.Loop, log_),
-      display_(window_, run_, log_),
-      boundary_(recording_, settings_, channels_, radioState_, capture_, disposition_, display_, window_,
-                outside.Files, outside.Loop),
-      commands_(recording_, radioState_, modes_, window_, session_, outside.Loop, *tmrUpdate_),
-      settingChanges_(settings_, section_, [this] { commands_.cmdStop(); }),
-      schedulePass_(entries_, schedule_, recording_, radioState_, channels_, commands_, window_, log_,
-                    outside.Loop, *tmrUpdate_),
-      updateCycle_(recording_, radioState_, run_, channels_, modes_, boundary_, commands_, display_,
+      fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, state_.Settings,
+                 state_.Recording.CaptureSlot, [this] { return ScheduledBitRate(); }),
+      capture_(audio_, state_, fileSpecs_, outside.Files, log_),
+      disposition_(state_, fileSpecs_, restrictions_, outside.Files, outside.Loop, log_),
+      display_(state_, log_),
+      boundary_(
+          state_,
+          {.Channels = channels_, .Capture = capture_, .Disposition = disposition_, .Display = display_},
+          outside.Files, outside.Loop),
+      commands_(state_, display_, session_, outside.Loop, *tmrUpdate_),
+      settingChanges_(state_.Settings, section_, [this] { commands_.cmdStop(); }),
+      schedulePass_(state_, channels_, commands_, log_, outside.Loop, *tmrUpdate_),
+      updateCycle_(state_,
+                   {.Channels = channels_, .Boundary = boundary_, .Commands = commands_, .Display = display_},
                    outside.Loop, *tmrUpdate_),
-      clock_(recording_, schedule_, modes_, restrictions_, settings_, window_, outside.Windows, session_,
-             outside.Loop),
-      options_(window_, settings_, section_, run_, outside.Dialogs),
-      switches_(window_, outside.Windows, settings_, section_, run_),
-      resize_(window_, outside.Windows, settings_, run_),
+      clock_(state_, restrictions_, outside.Windows, session_, outside.Loop),
+      options_(state_.Settings, section_, state_.Run, outside.Dialogs),
+      switches_(window_, outside.Windows, state_.Settings, section_, state_.Run),
+      resize_(window_, outside.Windows, state_.Settings, state_.Run),
       presets_(channels_, outside.Sounds,
                {.Read = [this](std::string_view key) { return section_.Text(key, ""); },
                 .Write = [this](std::string_view key,
                                 std::string_view text) { base::Ignored(section_.SaveText(key, text)); }},
-               [this] { return recording_.GetRecordingStatus(); }),
+               [this] { return state_.Recording.GetRecordingStatus(); }),
       presetSetup_(channels_.Grid(), presets_, outside.Dialogs),
-      channelChooser_(channels_, run_, outside.Sounds, outside.Loop, *tmrUpdate_,
-                      [this] { return recording_.GetRecordingStatus(); }),
+      channelChooser_(channels_, state_.Run, outside.Sounds, outside.Loop, *tmrUpdate_,
+                      [this] { return state_.Recording.GetRecordingStatus(); }),
       nowScreen_(channels_, presets_, outside.Loop,
                  [this] {
-                   return presenters::NowLines{.lblChannel = window_.lblChannel.Caption,
-                                               .lblArtist = window_.lblArtist.Caption,
-                                               .lblSong = window_.lblSong.Caption};
+                   const MainWindow window = Window();
+                   return presenters::NowLines{.lblChannel = window.lblChannel.Caption,
+                                               .lblArtist = window.lblArtist.Caption,
+                                               .lblSong = window.lblSong.Caption};
                  }),
-      update_(outside, run_, commands_, [this] { Close(); }),
-      stayAwake_(recording_, schedule_, entries_, outside.SleepInhibitor, outside.Loop) {
+      update_(outside, state_.Run, commands_, [this] { Close(); }),
+      stayAwake_(state_, outside.SleepInhibitor, outside.Loop) {
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
     channels_.pcrChannelInfoReceived(info);
   };
@@ -85,25 +85,25 @@ Kestrune::Kestrune(const Outside& outside)
 Kestrune::~Kestrune() = default;
 
 bool Kestrune::SetMute(bool on) {
-  if (recording_.GetRecordingStatus()) {
+  if (state_.Recording.GetRecordingStatus()) {
     outside_.Sounds.Play("SystemAsterisk");
     return false;
   }
-  window_.mnuMute = on;
+  state_.Recording.Muted = on;
   base::Ignored(session_.pcrMute(on));
   return true;
 }
 
 void Kestrune::mnuRecord_Click() {
-  if (window_.cmdRecord.Enabled) cmdRecord();
+  if (MayRecord()) cmdRecord();
 }
 
 void Kestrune::mnuStop_Click() {
-  if (window_.cmdStop.Enabled) cmdStop();
+  if (MayStop()) cmdStop();
 }
 
 void Kestrune::mnuMute_Click() {
-  base::Ignored(SetMute(!window_.mnuMute));
+  base::Ignored(SetMute(!state_.Recording.Muted));
 }
 
 void Kestrune::mnuReload_Click() {
@@ -113,14 +113,14 @@ void Kestrune::mnuReload_Click() {
 }
 
 std::string Kestrune::Explanation() const {
-  return ExplainRecording(window_, recording_, radioState_, modes_, restrictions_);
+  return ExplainRecording(state_, restrictions_);
 }
 
 void Kestrune::AudioRecord_Timer() {
   const std::int32_t count = audioDisplay_.SampleCount();
   if (count <= 0) return;
   audioDisplay_.Draw(audio_.AudioRecord->GetDisplaySamples(count),
-                     audio_.File(recording_.CaptureSlot)->FormatValues());
+                     audio_.File(state_.Recording.CaptureSlot)->FormatValues());
 }
 
 std::optional<std::string> Kestrune::ReadSetting(std::string_view key) const {
@@ -128,18 +128,17 @@ std::optional<std::string> Kestrune::ReadSetting(std::string_view key) const {
 }
 
 config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string_view value) {
-  const std::int16_t device = settings_.InputDevice;
+  const std::int16_t device = state_.Settings.InputDevice;
   config::SettingOutcome outcome = settingChanges_.Set(key, value);
   if (outcome.FormatChanged) fileSpecs_.SetFileSpecs(-1);
-  if (settings_.InputDevice != device) ReadInputDeviceName();
-  ShowSettings();
+  if (state_.Settings.InputDevice != device) ReadInputDeviceName();
   return outcome;
 }
 
 void Kestrune::ReloadSchedule() {
   schedule::ReloadSchedule(
       [this](std::string_view key, std::string_view defaultText) { return section_.Text(key, defaultText); },
-      outside_.Loop.Now(), entries_);
+      outside_.Loop.Now(), state_.Entries);
 }
 
 presenters::Scheduler Kestrune::OpenScheduler() {
@@ -160,12 +159,12 @@ presenters::Scheduler Kestrune::OpenScheduler() {
 }
 
 std::optional<std::string> Kestrune::ScheduledBitRate() const {
-  if (schedule_.ActiveSchedule == 0) return std::nullopt;
-  return entries_.at(static_cast<std::size_t>(schedule_.ActiveSchedule - 1)).MP3BitRate;
+  if (state_.Schedule.ActiveSchedule == 0) return std::nullopt;
+  return state_.Entries.at(static_cast<std::size_t>(state_.Schedule.ActiveSchedule - 1)).MP3BitRate;
 }
 
 presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
-  return {.Settings = settings_,
+  return {.Settings = state_.Settings,
           .Section = section_,
           .FileSpecs = fileSpecs_,
           .Dialogs = outside_.Dialogs,
@@ -177,27 +176,18 @@ presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
 
 void Kestrune::ReadInputDeviceName() {
   if (audio_.AudioRecord == nullptr) return;
-  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  audio_.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
   inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";
 }
 
 std::string Kestrune::InputDeviceId() {
   if (audio_.AudioRecord == nullptr) return {};
-  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  audio_.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
   return audio_.AudioRecord->DeviceId();
 }
 
-void Kestrune::ShowSettings() {
-  window_.chkSievanceGrab = settings_.SievanceGrab != 0;
-  window_.chkSievanceKill = settings_.SievanceKill != 0;
-  window_.mnuCheckUpdatesAtStartup = settings_.CheckUpdatesAtStartup;
-  window_.chkIntegrel = settings_.Integrel;
-  window_.chkRadioOnAtExit = settings_.RadioOnAtExit;
-  window_.mnuCleftune = settings_.Cleftune;
-}
-
 void Kestrune::ShowChannel(const radio::ChannelEntry& entry) {
-  display_.ShowChannel(radioState_.ChannelNumber, entry);
+  display_.ShowChannel(state_.Radio.ChannelNumber, entry);
 }
 
 void Kestrune::ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) {
@@ -209,22 +199,22 @@ void Kestrune::ShowBareTitle() {
 }
 
 void Kestrune::ChannelTuned() {
-  recording_.SongBoundarySeen = false;
-  recording_.SkipSongDelay = true;
+  state_.Recording.SongBoundarySeen = false;
+  state_.Recording.SkipSongDelay = true;
 }
 
 void Kestrune::WalkFinished() {
-  recording_.ForceSongChange = true;
-  window_.mnuReload.Enabled = true;
-  if (window_.lblRecording.Caption == status::kWaitingForChannelLoad) {
-    if (settings_.Integrel) {
-      recording_.LastArtist = radioState_.CurrentArtist;
-      recording_.LastSong = radioState_.CurrentSong;
+  state_.Recording.ForceSongChange = true;
+  state_.Recording.ChannelsLoaded = true;
+  if (state_.Recording.Phase == Phase::WaitingForChannelLoad) {
+    if (Modes(state_).CheckIntegrel()) {
+      state_.Recording.LastArtist = state_.Radio.CurrentArtist;
+      state_.Recording.LastSong = state_.Radio.CurrentSong;
     }
     cmdRecord();
   } else {
-    recording_.LastArtist = kNoSong;
-    recording_.LastSong = kNoSong;
+    state_.Recording.LastArtist = kNoSong;
+    state_.Recording.LastSong = kNoSong;
   }
 }
 

@@ -30,21 +30,18 @@
 #include "recorder/Disposition.h"
 #include "recorder/LevelMeter.h"
 #include "recorder/MainWindow.h"
-#include "recorder/Modes.h"
 #include "recorder/OptionRules.h"
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
-#include "recorder/RecordingState.h"
 #include "recorder/ResizeRule.h"
 #include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/StartOutcome.h"
+#include "recorder/State.h"
 #include "recorder/StayAwake.h"
 #include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
 #include "recorder/WindowSwitches.h"
-#include "schedule/entries/ScheduleEntry.h"
-#include "schedule/entries/ScheduleState.h"
 #include "schedule/lists/Restrictions.h"
 #include "schedule/log/Log.h"
 
@@ -71,14 +68,17 @@ class Kestrune final : private radio::ChannelEvents {
   void SetClosedHandler(std::function<void()> closed) { closed_ = std::move(closed); }
 
   // What windows and the control socket read.
-  [[nodiscard]] const base::RunState& Run() const { return run_; }
-  [[nodiscard]] const RecordingState& Recording() const { return recording_; }
-  [[nodiscard]] const radio::RadioState& Radio() const { return radioState_; }
-  [[nodiscard]] const schedule::ScheduleState& Schedule() const { return schedule_; }
+  [[nodiscard]] const base::RunState& Run() const { return state_.Run; }
+  [[nodiscard]] const RecordingState& Recording() const { return state_.Recording; }
+  [[nodiscard]] const radio::RadioState& Radio() const { return state_.Radio; }
+  [[nodiscard]] const schedule::ScheduleState& Schedule() const { return state_.Schedule; }
   /// Entries 1 to 10 at indices 0 to 9, as the last ReloadSchedule left them.
-  [[nodiscard]] const schedule::ScheduleEntries& Entries() const { return entries_; }
-  [[nodiscard]] const MainWindow& Window() const { return window_; }
-  [[nodiscard]] const config::Settings& CurrentSettings() const { return settings_; }
+  [[nodiscard]] const schedule::ScheduleEntries& Entries() const { return state_.Entries; }
+  /// What the main window shows now.
+  [[nodiscard]] MainWindow Window() const { return ShowState(state_, window_); }
+  [[nodiscard]] bool MayRecord() const { return state_.MayRecord(); }
+  [[nodiscard]] bool MayStop() const { return state_.MayStop(); }
+  [[nodiscard]] const config::Settings& CurrentSettings() const { return state_.Settings; }
   [[nodiscard]] const radio::Channels& ChannelList() const { return channels_; }
   [[nodiscard]] const radio::RadioSession& Session() const { return session_; }
   [[nodiscard]] schedule::Log& LogBook() { return log_; }
@@ -89,7 +89,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const config::FileSpecs& Format() const { return fileSpecs_; }
   [[nodiscard]] const config::UpdatingWindow& UpdatingWindow() const { return update_.Window(); }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
-  [[nodiscard]] std::int16_t PortNum() const { return settings_.PortNum; }
+  [[nodiscard]] std::int16_t PortNum() const { return state_.Settings.PortNum; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
   [[nodiscard]] const std::string& InputDeviceName() const { return inputDeviceName_; }
   /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
@@ -185,21 +185,15 @@ class Kestrune final : private radio::ChannelEvents {
   void WalkFinished() override;
 
   void AudioRecord_Timer();
-  void ShowSettings();
   void ReadInputDeviceName();
   [[nodiscard]] std::optional<std::string> ScheduledBitRate() const;
 
   Outside outside_;
   std::function<void()> closed_ = [] {};
 
-  base::RunState run_;
-  radio::RadioState radioState_;
-  RecordingState recording_;
-  schedule::ScheduleState schedule_;
-  schedule::ScheduleEntries entries_;
+  State state_;
   MainWindow window_;
   config::SettingsSection section_;
-  config::Settings settings_;
   std::string multiUnit_;
   std::string deviceList_;
   std::string inputDeviceName_;
@@ -214,7 +208,6 @@ class Kestrune final : private radio::ChannelEvents {
   AudioObjects audio_;
   radio::RadioSession session_;
   radio::Channels channels_;
-  Modes modes_;
   schedule::Restrictions restrictions_;
   presenters::RestrictListEditor restrictListEditor_;
   presenters::GrabKill grabKill_;

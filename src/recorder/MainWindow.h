@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "recorder/State.h"
+
 namespace kestrune::recorder {
 
 struct Label {
@@ -23,23 +25,12 @@ struct SignalBar {
 /// The mark of a running scheduled event.
 struct TimerMark {
   bool Visible = false;
-  std::string Tag;  ///< "1" makes it blink with the status
 };
 
 /// How the window stands on the desktop; `None` where the program runs without one.
 enum class WindowState { None, Normal, Minimized, Maximized };
 
-/// The texts that the status label can show. Other code tests its first nine characters.
-namespace status {
-inline constexpr std::string_view kWaitingForChannelLoad = "Waiting for channel load";
-inline constexpr std::string_view kWaitingForNextSong = "Waiting for next song";
-inline constexpr std::string_view kRecording = "Recording";
-inline constexpr std::string_view kGrabbed = "Recording (Grabbed)";
-inline constexpr std::string_view kKilled = "Recording (Killed)";
-}  // namespace status
-
-/// What the main window shows, as plain state: the logic writes it, a window binds to it, a run without a
-/// window simply keeps it. Captions of labels carry "&" doubled.
+/// What the main window shows. Captions of labels carry "&" doubled.
 struct MainWindow {
   std::string Title = "Kestrune";
   std::string TrayTip = "Kestrune";
@@ -54,6 +45,7 @@ struct MainWindow {
   Label lblArtist;
   Label lblSong;
   Label lblRecording{.Caption = "", .Visible = false};
+  bool Recording = false;  ///< a song is being kept, and the status is to catch the eye
   Label lblClock{.Caption = "", .Visible = false};
   Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own
   Label lblRemaining{.Caption = "", .Visible = false};
@@ -82,16 +74,13 @@ struct MainWindow {
   bool chkSchedule = false;
   bool chkRestrictList = false;
   bool chkKestruneNow = false;
-
-  /// The status shows one of the three texts that mean a song is being kept.
-  [[nodiscard]] bool ShowsRecording() const {
-    return lblRecording.Caption.compare(0, status::kRecording.size(), status::kRecording) == 0;
-  }
-  /// "Kestrune: " + status + line end + artist + " - " + title.
-  void SetTrayTipForSong(std::string_view artist, std::string_view song) {
-    TrayTip = "Kestrune: " + lblRecording.Caption + "\n";
-    TrayTip.append(artist).append(" - ").append(song);
-  }
 };
+
+/// The main window in this state: the record of what only the window knows (its place, state and visibility, the
+/// tray icon, the open windows) with everything else derived from the state.
+[[nodiscard]] MainWindow ShowState(const State& state, MainWindow window);
+
+/// The text of the status label.
+[[nodiscard]] std::string_view StatusText(Phase phase);
 
 }  // namespace kestrune::recorder

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "config/settings/Settings.h"
-#include "recorder/MainWindow.h"
-#include "schedule/entries/ScheduleState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
@@ -10,8 +8,8 @@ namespace kestrune::recorder {
 /// own choice.
 class Modes {
  public:
-  Modes(const schedule::ScheduleState& schedule, const config::Settings& settings, const MainWindow& window)
-      : schedule_(schedule), settings_(settings), window_(window) {}
+  /// The state must outlive the object.
+  explicit Modes(const State& state) : schedule_(state.Schedule), settings_(state.Settings) {}
 
   /// Whole songs only.
   [[nodiscard]] bool CheckIntegrel() const {
@@ -23,11 +21,11 @@ class Modes {
   }
   /// The Grab lists apply.
   [[nodiscard]] bool CheckGrab() const {
-    return Scheduled() ? schedule_.SchedSievanceGrab : window_.chkSievanceGrab;
+    return Scheduled() ? schedule_.SchedSievanceGrab : settings_.SievanceGrab != 0;
   }
   /// The Kill lists apply.
   [[nodiscard]] bool CheckKill() const {
-    return Scheduled() ? schedule_.SchedSievanceKill : window_.chkSievanceKill;
+    return Scheduled() ? schedule_.SchedSievanceKill : settings_.SievanceKill != 0;
   }
 
  private:
@@ -35,7 +33,6 @@ class Modes {
 
   const schedule::ScheduleState& schedule_;
   const config::Settings& settings_;
-  const MainWindow& window_;
 };
 
 }  // namespace kestrune::recorder

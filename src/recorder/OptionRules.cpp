@@ -5,7 +5,6 @@
 namespace kestrune::recorder {
 
 void OptionRules::chkIntegrel_Click(bool checked) {
-  window_.chkIntegrel = checked;
   if (run_.FormLoading) return;
   if (!checked) {
     const platform::MessageAnswer answer = dialogs_.Show(
@@ -16,38 +15,33 @@ void OptionRules::chkIntegrel_Click(bool checked) {
              "waiting for a song change to begin. Are you sure you want to do this?",
          .Icon = platform::MessageIcon::Warning,
          .Buttons = platform::MessageButtons::YesNo});
-    if (answer != platform::MessageAnswer::Yes) window_.chkIntegrel = true;
+    if (answer != platform::MessageAnswer::Yes) checked = true;
   }
-  settings_.Integrel = window_.chkIntegrel;
+  settings_.Integrel = checked;
   base::Ignored(section_.SaveBool("Integrel", settings_.Integrel));
 }
 
 void OptionRules::chkRadioOnAtExit_Click(bool checked) {
-  window_.chkRadioOnAtExit = checked;
   if (run_.FormLoading) return;
   settings_.RadioOnAtExit = checked;
   base::Ignored(section_.SaveBool("RadioOnAtExit", checked));
 }
 
 void OptionRules::chkSievanceGrab_Click(bool checked) {
-  window_.chkSievanceGrab = checked;
   settings_.SievanceGrab = checked ? 1 : 0;
 }
 
 void OptionRules::chkSievanceKill_Click(bool checked) {
-  window_.chkSievanceKill = checked;
   settings_.SievanceKill = checked ? 1 : 0;
 }
 
 void OptionRules::mnuCleftune_Click() {
-  window_.mnuCleftune = !window_.mnuCleftune;
-  settings_.Cleftune = window_.mnuCleftune;
+  settings_.Cleftune = !settings_.Cleftune;
   if (!run_.FormLoading) base::Ignored(section_.SaveBool("Cleftune", settings_.Cleftune));
 }
 
 void OptionRules::mnuCheckUpdatesAtStartup_Click() {
-  window_.mnuCheckUpdatesAtStartup = !window_.mnuCheckUpdatesAtStartup;
-  settings_.CheckUpdatesAtStartup = window_.mnuCheckUpdatesAtStartup;
+  settings_.CheckUpdatesAtStartup = !settings_.CheckUpdatesAtStartup;
   if (!run_.FormLoading) {
     base::Ignored(section_.SaveBool("CheckUpdatesAtStartup", settings_.CheckUpdatesAtStartup));
   }

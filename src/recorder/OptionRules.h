@@ -4,7 +4,6 @@
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
 #include "platform/Dialogs.h"
-#include "recorder/MainWindow.h"
 
 namespace kestrune::recorder {
 
@@ -14,9 +13,9 @@ namespace kestrune::recorder {
 class OptionRules {
  public:
   /// All must outlive the object.
-  OptionRules(MainWindow& window, config::Settings& settings, const config::SettingsSection& section,
-              const base::RunState& run, platform::Dialogs& dialogs)
-      : window_(window), settings_(settings), section_(section), run_(run), dialogs_(dialogs) {}
+  OptionRules(config::Settings& settings, const config::SettingsSection& section, const base::RunState& run,
+              platform::Dialogs& dialogs)
+      : settings_(settings), section_(section), run_(run), dialogs_(dialogs) {}
 
   /// Asks before whole songs are given up; events run meanwhile.
   void chkIntegrel_Click(bool checked);
@@ -27,7 +26,6 @@ class OptionRules {
   void mnuCheckUpdatesAtStartup_Click();
 
  private:
-  MainWindow& window_;
   config::Settings& settings_;
   const config::SettingsSection& section_;
   const base::RunState& run_;

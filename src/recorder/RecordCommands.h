@@ -1,15 +1,12 @@
 #pragma once
 
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "base/EventLoop.h"
-#include "radio/channels/RadioState.h"
 #include "radio/line/RadioSession.h"
-#include "recorder/MainWindow.h"
+#include "recorder/Display.h"
 #include "recorder/Modes.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
@@ -17,8 +14,8 @@ namespace kestrune::recorder {
 /// through here; whoever stands for a person asks first whether the button is enabled.
 class RecordCommands {
  public:
-  RecordCommands(RecordingState& state, const radio::RadioState& radio, const Modes& modes,
-                 MainWindow& window, radio::RadioSession& session, base::EventLoop& loop,
+  /// All must outlive the object.
+  RecordCommands(State& state, Display& display, radio::RadioSession& session, base::EventLoop& loop,
                  base::Timer& tmrUpdate);
 
   void cmdRecord();
@@ -33,12 +30,10 @@ class RecordCommands {
   /// a command that changed the flags there would be meant for one and hit the other.
   [[nodiscard]] bool HeldBack(Command command);
   void TakeSession(base::DateValue start);
-  void ShowStatus(std::string_view status);
 
-  RecordingState& state_;
-  const radio::RadioState& radio_;
-  const Modes& modes_;
-  MainWindow& window_;
+  State& state_;
+  Modes modes_;
+  Display& display_;
   radio::RadioSession& session_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;

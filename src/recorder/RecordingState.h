@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/DateValue.h"
+#include "recorder/Phase.h"
 
 namespace kestrune::recorder {
 
@@ -16,8 +17,8 @@ struct CaptureRecord {
   std::string Song;
   std::string Artist;
   std::string Genre;
-  std::string
-      Folder;  ///< folder of the final file, with a separator at its end; the capture itself lies here too
+  /// Folder of the final file, with a separator at its end; the capture itself lies here too.
+  std::string Folder;
 };
 
 /// In place of artist and title it means that no song has been acted on, and so forces a difference.
@@ -25,6 +26,7 @@ inline constexpr const char* kNoSong = "xyzzy";
 
 /// The state of recording that the update cycle, the commands and the disposition share.
 struct RecordingState {
+  recorder::Phase Phase = recorder::Phase::Idle;
   bool RecordRequested = false;  ///< set and cleared together with RecordArmed by the two commands
   bool RecordArmed = false;
   bool WaitingForNextSong = false;  ///< whole songs: armed, the first whole song has not begun
@@ -55,6 +57,13 @@ struct RecordingState {
   std::int16_t TooLongCount = 0;
   std::int16_t RestrictedCount = 0;
 
+  bool Muted = false;           ///< the user has muted the radio; Record takes the mute away
+  bool ChannelsLoaded = false;  ///< the walk through the radio's channels has ended once
+
+  /// True while a song is being kept: the status text begins with "Recording".
+  [[nodiscard]] bool IsRecording() const { return recorder::IsRecording(Phase); }
+  /// True while the length of the capture in hand is shown: it is the file that the user will get.
+  [[nodiscard]] bool ShowsLength() const { return IsRecording() && !StartPending && !WaitingForNextSong; }
   /// True while the channel must not be changed by hand.
   [[nodiscard]] bool GetRecordingStatus() const {
     return RecordRequested || (RecordArmed && !WaitingForNextSong);

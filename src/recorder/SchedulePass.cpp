@@ -14,20 +14,18 @@ constexpr std::int16_t kSettleTicks = 4;
 
 }  // namespace
 
-SchedulePass::SchedulePass(const schedule::ScheduleEntries& entries, schedule::ScheduleState& schedule,
-                           RecordingState& state, radio::RadioState& radio, radio::Channels& channels,
-                           RecordCommands& commands, MainWindow& window, base::Journal& log,
-                           const base::EventLoop& loop, base::Timer& tmrUpdate)
-    : entries_(entries),
-      schedule_(schedule),
-      state_(state),
-      radio_(radio),
+SchedulePass::SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands,
+                           base::Journal& log, const base::EventLoop& loop, base::Timer& tmrUpdate)
+    : entries_(state.Entries),
+      schedule_(state.Schedule),
+      state_(state.Recording),
+      clock_(state.Clock),
+      radio_(state.Radio),
       channels_(channels),
       commands_(commands),
-      window_(window),
       log_(log),
       tmrUpdate_(tmrUpdate),
-      search_(entries, [&loop] { return loop.Now(); }) {}
+      search_(state.Entries, [&loop] { return loop.Now(); }) {}
 
 void SchedulePass::Run() {
   std::int16_t due = 0;
@@ -41,8 +39,8 @@ void SchedulePass::Run() {
   tmrUpdate_.SetEnabled(false);
   if (due == 0) return;
   if (schedule_.ActiveSchedule == 0) {
-    if (RecordsByHand()) return commands_.cmdStop();
-    if (!window_.cmdRecord.Enabled) return;
+    // A recording by hand gives way, and the event begins one pass later.
+    if (state_.Phase != Phase::Idle) return commands_.cmdStop();
     BeginEvent(due);
     tmrUpdate_.SetEnabled(false);
   }
@@ -53,13 +51,8 @@ void SchedulePass::EndEvent() {
   commands_.cmdStop();
   const std::int16_t ended = schedule_.ActiveSchedule;
   schedule_.ActiveSchedule = 0;
-  window_.lblRemaining.Visible = window_.lblcRemaining.Visible = false;
-  window_.pctTimer = {.Visible = false, .Tag = "0"};
+  clock_.EventMarkShown = false;
   log_.DoLog(fmt::format("Scheduled event {} completed - {} songs recorded", ended, state_.RecordedCount));
-}
-
-bool SchedulePass::RecordsByHand() const {
-  return window_.cmdStop.Enabled && !window_.cmdRecord.Enabled;
 }
 
 void SchedulePass::BeginEvent(std::int16_t due) {
@@ -75,14 +68,11 @@ void SchedulePass::BeginEvent(std::int16_t due) {
     log_.DoLog("Scheduled event is utilizing Grab/Kill lists");
   }
   if (!schedule_.SchedCleftune) log_.DoLog("Scheduled event is NOT utilizing Cleftune");
-  window_.lblRemaining.Caption.clear();
-  window_.lblRemaining.Visible = window_.lblcRemaining.Visible = true;
-  window_.pctTimer = {.Visible = true, .Tag = "1"};
+  clock_.SecondsLeft.reset();
+  clock_.EventMarkShown = true;
   // Before the recording starts, which already asks the entry for its modes and its bit rate.
   schedule_.ActiveSchedule = due;
   commands_.cmdRecord();
-  // Only the schedule ends an event.
-  window_.cmdStop.Enabled = false;
   state_.SettleTicks = kSettleTicks;
   state_.WaitingForNextSong = true;
   TakeSongAsOld();
@@ -110,9 +100,8 @@ void SchedulePass::MoveToChannel(const schedule::ScheduleEntry& entry) {
   log_.DoLog(fmt::format("Schedule changed, now recording channel {}", entry.Channel));
   channels_.SetChannelNumber(entry.Channel);
   commands_.cmdRecord();
-  window_.cmdStop.Enabled = false;
-  // The mark keeps its tag, so that the next blink brings it back.
-  window_.pctTimer.Visible = false;
+  // The next blink brings it back.
+  clock_.EventMarkShown = false;
   TakeSongAsOld();
 }
 

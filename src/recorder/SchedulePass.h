@@ -5,13 +5,9 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "radio/channels/Channels.h"
-#include "radio/channels/RadioState.h"
-#include "recorder/MainWindow.h"
 #include "recorder/RecordCommands.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 #include "schedule/entries/DueSearch.h"
-#include "schedule/entries/ScheduleEntry.h"
-#include "schedule/entries/ScheduleState.h"
 
 namespace kestrune::recorder {
 
@@ -20,10 +16,9 @@ namespace kestrune::recorder {
 /// same way; the user's own settings are never touched, and the channel is not given back.
 class SchedulePass {
  public:
-  SchedulePass(const schedule::ScheduleEntries& entries, schedule::ScheduleState& schedule,
-               RecordingState& state, radio::RadioState& radio, radio::Channels& channels,
-               RecordCommands& commands, MainWindow& window, base::Journal& log, const base::EventLoop& loop,
-               base::Timer& tmrUpdate);
+  /// All must outlive the object.
+  SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands, base::Journal& log,
+               const base::EventLoop& loop, base::Timer& tmrUpdate);
 
   /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Events run
   /// inside while the radio is tuned.
@@ -31,7 +26,6 @@ class SchedulePass {
 
  private:
   void EndEvent();
-  [[nodiscard]] bool RecordsByHand() const;
   void BeginEvent(std::int16_t due);
   void FollowEntry(std::int16_t due);
   void MoveToChannel(const schedule::ScheduleEntry& entry);
@@ -44,10 +38,10 @@ class SchedulePass {
   const schedule::ScheduleEntries& entries_;
   schedule::ScheduleState& schedule_;
   RecordingState& state_;
+  ClockState& clock_;
   radio::RadioState& radio_;
   radio::Channels& channels_;
   RecordCommands& commands_;
-  MainWindow& window_;
   base::Journal& log_;
   base::Timer& tmrUpdate_;
   schedule::DueSearch search_;

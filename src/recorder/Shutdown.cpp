@@ -15,7 +15,7 @@ constexpr int kDrainRounds = 50;
 }  // namespace
 
 void Kestrune::Close() {
-  if (run_.ShuttingDown) return;
+  if (state_.Run.ShuttingDown) return;
   CloseFirstPass();
 }
 
@@ -29,9 +29,9 @@ void Kestrune::CloseFirstPass() {
   tmrClock_->SetEnabled(false);
   channelChooser_.Quit();
   outside_.Windows.RemoveTrayIcon();
-  run_.ShuttingDown = true;
+  state_.Run.ShuttingDown = true;
   outside_.Windows.HideAll();
-  if (!settings_.RadioOnAtExit) {
+  if (!state_.Settings.RadioOnAtExit) {
     base::Ignored(session_.pcrMute(true));
     base::Ignored(session_.pcrPowerOff());
   }
@@ -42,7 +42,7 @@ void Kestrune::CloseFirstPass() {
 void Kestrune::DeleteLeftovers() {
   // The song in hand goes with them: a close does not keep it.
   for (const int file : {0, 1}) {
-    for (const CaptureRecord& record : recording_.CaptureSlots) {
+    for (const CaptureRecord& record : state_.Recording.CaptureSlots) {
       const std::string pattern = Capture::TemporaryName(static_cast<std::int16_t>(file), "*");
       for (const std::string& name : outside_.Files.Matching(record.Folder, pattern)) {
         base::Ignored(outside_.Files.Remove(record.Folder + name));
@@ -53,12 +53,12 @@ void Kestrune::DeleteLeftovers() {
 
 void Kestrune::tmrQuit_Timer() {
   tmrQuit_->SetEnabled(false);
-  if (window_.ShowsRecording()) {
+  if (state_.Recording.IsRecording()) {
     commands_.cmdStop();
-    run_.Quitting = true;
+    state_.Run.Quitting = true;
     updateCycle_.Tick();
     updateCycle_.Tick();
-    run_.Quitting = false;
+    state_.Run.Quitting = false;
   }
   tmrUpdate_->SetEnabled(false);
   channels_.SaveChannels();
@@ -87,15 +87,15 @@ void Kestrune::SaveAtExit() {
     base::Ignored(section_.SaveSingle("MainTop", window_.Top));
     base::Ignored(section_.SaveSingle("MainLeft", window_.Left));
   }
-  base::Ignored(section_.SaveInt16("Channel", radioState_.ChannelNumber));
-  base::Ignored(section_.SaveInt16("SievanceGrab", window_.chkSievanceGrab ? 1 : 0));
-  base::Ignored(section_.SaveInt16("SievanceKill", window_.chkSievanceKill ? 1 : 0));
-  base::Ignored(section_.SaveInt16("PortNum", settings_.PortNum));
+  base::Ignored(section_.SaveInt16("Channel", state_.Radio.ChannelNumber));
+  base::Ignored(section_.SaveInt16("SievanceGrab", state_.Settings.SievanceGrab != 0 ? 1 : 0));
+  base::Ignored(section_.SaveInt16("SievanceKill", state_.Settings.SievanceKill != 0 ? 1 : 0));
+  base::Ignored(section_.SaveInt16("PortNum", state_.Settings.PortNum));
 }
 
 void Kestrune::CloseSecondPass() {
   outside_.Windows.UnloadAll();
-  run_.FormLoading = true;
+  state_.Run.FormLoading = true;
   tmrUpdate_->SetEnabled(false);
   tmrClock_->SetEnabled(false);
   log_.CloseTrace();

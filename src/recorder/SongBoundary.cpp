@@ -8,18 +8,14 @@
 
 namespace kestrune::recorder {
 
-SongBoundary::SongBoundary(RecordingState& state, const config::Settings& settings, radio::Channels& channels,
-                           const radio::RadioState& radio, Capture& capture, Disposition& disposition,
-                           Display& display, MainWindow& window, platform::Files& files,
-                           base::EventLoop& loop)
-    : state_(state),
-      settings_(settings),
-      channels_(channels),
-      radio_(radio),
-      capture_(capture),
-      disposition_(disposition),
-      display_(display),
-      window_(window),
+SongBoundary::SongBoundary(State& state, const Parts& parts, platform::Files& files, base::EventLoop& loop)
+    : state_(state.Recording),
+      settings_(state.Settings),
+      channels_(parts.Channels),
+      radio_(state.Radio),
+      capture_(parts.Capture),
+      disposition_(parts.Disposition),
+      display_(parts.Display),
       files_(files),
       loop_(loop) {}
 
@@ -97,10 +93,9 @@ void SongBoundary::CreateFolders(const std::string& folder) {
 }
 
 void SongBoundary::ShowRecording() {
-  window_.lblRecording.Caption = status::kRecording;
-  window_.SetTrayTipForSong(radio_.CurrentArtist, radio_.CurrentSong);
+  state_.Phase = Phase::Recording;
+  display_.ShowTrayTip();
   state_.RecordStartTime = loop_.Now();
-  window_.lblClock.Visible = true;
 }
 
 void SongBoundary::FollowCurrentSong() {

@@ -3,15 +3,12 @@
 #include <cstdint>
 
 #include "base/EventLoop.h"
-#include "config/settings/Settings.h"
 #include "platform/Files.h"
 #include "radio/channels/Channels.h"
-#include "radio/channels/RadioState.h"
 #include "recorder/Capture.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
-#include "recorder/MainWindow.h"
-#include "recorder/RecordingState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
@@ -19,9 +16,15 @@ namespace kestrune::recorder {
 /// finished one meets its fate.
 class SongBoundary {
  public:
-  SongBoundary(RecordingState& state, const config::Settings& settings, radio::Channels& channels,
-               const radio::RadioState& radio, Capture& capture, Disposition& disposition, Display& display,
-               MainWindow& window, platform::Files& files, base::EventLoop& loop);
+  /// What a boundary works on. All must outlive the object.
+  struct Parts {
+    radio::Channels& Channels;
+    recorder::Capture& Capture;
+    recorder::Disposition& Disposition;
+    recorder::Display& Display;
+  };
+
+  SongBoundary(State& state, const Parts& parts, platform::Files& files, base::EventLoop& loop);
 
   /// `split`: songs are split into files, so that this may be a natural change of song.
   void Take(bool split);
@@ -43,7 +46,6 @@ class SongBoundary {
   Capture& capture_;
   Disposition& disposition_;
   Display& display_;
-  MainWindow& window_;
   platform::Files& files_;
   base::EventLoop& loop_;
 };

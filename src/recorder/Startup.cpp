@@ -25,11 +25,11 @@ constexpr double kWantedTemporaryBytes = 2048000000.0;
 // A close can come from within any wait. The steps behind it would find the radio and the audio objects gone,
 // so the sequence ends at the next wait's end.
 StartOutcome Kestrune::Load() {
-  if (run_.ShuttingDown) {
+  if (state_.Run.ShuttingDown) {
     Close();
     return StartOutcome::Closed;
   }
-  run_.FormLoading = true;
+  state_.Run.FormLoading = true;
   CreateAudioObjects();
   config::TransferSettings(outside_.Settings, outside_.Files, outside_.Environment, multiUnit_);
   ReadCommandLine();
@@ -39,7 +39,7 @@ StartOutcome Kestrune::Load() {
   if (!FindInputDevices()) return StartOutcome::Failed;
   outside_.Windows.HideAndDisableMainWindow();
   outside_.Loop.PumpEvents();
-  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!Agree()) return StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
   presets_.LoadPresets();
@@ -47,10 +47,10 @@ StartOutcome Kestrune::Load() {
   tmrUpdate_->SetEnabled(true);
 
   const bool found = FindRadio();
-  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!found) return ReportNoRadio();
   ReadRadioID();
-  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);
   base::Ignored(session_.pcrGetSignalLevels());
   outside_.Windows.ClosePleaseWait();
@@ -62,9 +62,9 @@ StartOutcome Kestrune::Load() {
   channels_.LoadChannels();
   outside_.Loop.PumpEvents();
   TuneStoredChannel();
-  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (FirstRun()) outside_.Windows.ShowFirstConfiguration();
-  if (run_.ShuttingDown) return StartOutcome::Closed;
+  if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   PrepareRecording();
   outside_.Windows.EnableMainWindow();
   channels_.StartWalk();
@@ -72,8 +72,8 @@ StartOutcome Kestrune::Load() {
   CheckTemporarySpace();
   outside_.Windows.ShowRememberedWindows();
   // A build that was told of no server has nobody to ask, and no user is to hear so at every start.
-  if (settings_.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
-  return run_.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
+  if (state_.Settings.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
+  return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }
 
 void Kestrune::CreateAudioObjects() {
@@ -106,13 +106,12 @@ void Kestrune::ReadCommandLine() {
 }
 
 void Kestrune::ReadSettings() {
-  config::LoadSettings(section_, outside_.Environment, settings_);
-  radioState_.ChannelNumber = settings_.Channel;
-  ShowSettings();
+  config::LoadSettings(section_, outside_.Environment, state_.Settings);
+  state_.Radio.ChannelNumber = state_.Settings.Channel;
 }
 
 bool Kestrune::FindInputDevices() {
-  const InputDevices found = EnumerateInputDevices(*audio_.AudioRecord, settings_.InputDevice);
+  const InputDevices found = EnumerateInputDevices(*audio_.AudioRecord, state_.Settings.InputDevice);
   deviceList_ = found.DeviceList;
   inputDeviceName_ = found.Configured;
   if (!found.Configured.empty()) log_.DoLog("Using input device: " + found.Configured);
@@ -127,44 +126,44 @@ bool Kestrune::FindInputDevices() {
 }
 
 bool Kestrune::Agree() {
-  if (settings_.LegalAgreement) return true;
+  if (state_.Settings.LegalAgreement) return true;
   if (!outside_.Dialogs.AskForAgreement()) return false;
-  settings_.LegalAgreement = true;
+  state_.Settings.LegalAgreement = true;
   base::Ignored(section_.SaveBool("LegalAgreement", true));
   return true;
 }
 
 bool Kestrune::FindRadio() {
-  if (forcedPort_ != 0) settings_.PortNum = forcedPort_;
-  if (settings_.PortNum != 0) TryKnownPort();
-  if (forcedPort_ == 0 && (!session_.pcrPortOpen() || settings_.PortNum == 0)) SearchPorts();
+  if (forcedPort_ != 0) state_.Settings.PortNum = forcedPort_;
+  if (state_.Settings.PortNum != 0) TryKnownPort();
+  if (forcedPort_ == 0 && (!session_.pcrPortOpen() || state_.Settings.PortNum == 0)) SearchPorts();
   return session_.pcrPortOpen();
 }
 
 void Kestrune::TryKnownPort() {
   constexpr int kTries = 2;
-  log_.DebugPrint(fmt::format("Trying port {}", settings_.PortNum));
+  log_.DebugPrint(fmt::format("Trying port {}", state_.Settings.PortNum));
   for (int attempt = 1; attempt <= kTries; ++attempt) {
     log_.DebugPrint(fmt::format("Try {}", attempt));
-    session_.SetCOMPort(settings_.PortNum);
+    session_.SetCOMPort(state_.Settings.PortNum);
     session_.SetPortOpen(true);
     if (!session_.pcrPortOpen()) continue;
     outside_.Loop.Sleep(milliseconds(1500));
     outside_.Loop.PumpEvents();
-    if (run_.ShuttingDown) return;
+    if (state_.Run.ShuttingDown) return;
     if (session_.pcrPowerOn(true)) {
-      forcedPort_ = settings_.PortNum;
+      forcedPort_ = state_.Settings.PortNum;
       return;
     }
-    if (run_.ShuttingDown) return;
+    if (state_.Run.ShuttingDown) return;
   }
-  settings_.PortNum = 0;
+  state_.Settings.PortNum = 0;
   session_.SetPortOpen(false);
 }
 
 void Kestrune::SearchPorts() {
   constexpr int kTries = 4;
-  for (int attempt = 1; attempt <= kTries && !run_.ShuttingDown; ++attempt) {
+  for (int attempt = 1; attempt <= kTries && !state_.Run.ShuttingDown; ++attempt) {
     log_.DebugPrint(fmt::format("Looking for port try {}", attempt));
     session_.pcrFindPort();
     if (session_.pcrPortOpen()) return;
@@ -190,25 +189,25 @@ void Kestrune::FailToStart(const std::string& title, const std::string& text) {
 
 void Kestrune::ReadRadioID() {
   constexpr int kTries = 10;
-  settings_.PortNum = session_.pcrCOMPort();
-  outside_.Windows.ShowPort(settings_.PortNum);
-  log_.DoLog(fmt::format("Radio found on port {}", settings_.PortNum));
+  state_.Settings.PortNum = session_.pcrCOMPort();
+  outside_.Windows.ShowPort(state_.Settings.PortNum);
+  log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();
-  for (int attempt = 0; attempt < kTries && !run_.ShuttingDown; ++attempt) {
-    radioState_.RadioID = session_.pcrRadioID();
-    if (!radioState_.RadioID.empty()) break;
+  for (int attempt = 0; attempt < kTries && !state_.Run.ShuttingDown; ++attempt) {
+    state_.Radio.RadioID = session_.pcrRadioID();
+    if (!state_.Radio.RadioID.empty()) break;
     outside_.Loop.Sleep(milliseconds(200));
     outside_.Loop.PumpEvents();
   }
-  log_.DoLog("Radio ID " + radioState_.RadioID);
+  log_.DoLog("Radio ID " + state_.Radio.RadioID);
 }
 
 void Kestrune::TuneStoredChannel() {
   constexpr int kRounds = 8;
-  base::Ignored(session_.pcrSelectChannel(radioState_.ChannelNumber));
-  recording_.SongBoundarySeen = false;
+  base::Ignored(session_.pcrSelectChannel(state_.Radio.ChannelNumber));
+  state_.Recording.SongBoundarySeen = false;
   base::Ignored(session_.pcrMute(false));
-  for (int round = 0; round < kRounds && !run_.ShuttingDown; ++round) {
+  for (int round = 0; round < kRounds && !state_.Run.ShuttingDown; ++round) {
     outside_.Loop.Sleep(milliseconds(500));
     outside_.Windows.ShowMainWindowDisabled();
     outside_.Loop.PumpEvents();

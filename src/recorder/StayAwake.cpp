@@ -12,15 +12,8 @@ constexpr std::chrono::minutes kBefore{5};
 
 }  // namespace
 
-StayAwake::StayAwake(const RecordingState& recording, const schedule::ScheduleState& running,
-                     const schedule::ScheduleEntries& entries, platform::SleepInhibitor& inhibitor,
-                     base::EventLoop& loop)
-    : recording_(recording),
-      running_(running),
-      entries_(entries),
-      inhibitor_(inhibitor),
-      loop_(loop),
-      timer_(loop.MakeTimer(kPause, [this] { Look(); })) {}
+StayAwake::StayAwake(const State& state, platform::SleepInhibitor& inhibitor, base::EventLoop& loop)
+    : state_(state), inhibitor_(inhibitor), loop_(loop), timer_(loop.MakeTimer(kPause, [this] { Look(); })) {}
 
 void StayAwake::Start() {
   Look();
@@ -33,8 +26,8 @@ void StayAwake::Stop() {
 }
 
 bool StayAwake::Needed() const {
-  return recording_.RecordArmed || running_.ActiveSchedule != 0 ||
-         schedule::RunsWithin(entries_, loop_.Now(), kBefore);
+  return state_.Recording.RecordArmed || state_.Schedule.ActiveSchedule != 0 ||
+         schedule::RunsWithin(state_.Entries, loop_.Now(), kBefore);
 }
 
 void StayAwake::Look() {

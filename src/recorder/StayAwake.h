@@ -4,9 +4,7 @@
 
 #include "base/EventLoop.h"
 #include "platform/SleepInhibitor.h"
-#include "recorder/RecordingState.h"
-#include "schedule/entries/ScheduleEntry.h"
-#include "schedule/entries/ScheduleState.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
@@ -14,9 +12,8 @@ namespace kestrune::recorder {
 /// an entry of the schedule begins. At all other times the machine may sleep as it likes.
 class StayAwake {
  public:
-  StayAwake(const RecordingState& recording, const schedule::ScheduleState& running,
-            const schedule::ScheduleEntries& entries, platform::SleepInhibitor& inhibitor,
-            base::EventLoop& loop);
+  /// All must outlive the object.
+  StayAwake(const State& state, platform::SleepInhibitor& inhibitor, base::EventLoop& loop);
 
   /// Looks at once, and then every ten seconds.
   void Start();
@@ -27,9 +24,7 @@ class StayAwake {
   [[nodiscard]] bool Needed() const;
   void Look();
 
-  const RecordingState& recording_;
-  const schedule::ScheduleState& running_;
-  const schedule::ScheduleEntries& entries_;
+  const State& state_;
   platform::SleepInhibitor& inhibitor_;
   base::EventLoop& loop_;
   std::unique_ptr<base::Timer> timer_;

@@ -7,18 +7,15 @@ constexpr int kTicksPerSchedulePass = 20;
 
 }  // namespace
 
-UpdateCycle::UpdateCycle(RecordingState& state, const radio::RadioState& radio, const base::RunState& run,
-                         radio::Channels& channels, const Modes& modes, SongBoundary& boundary,
-                         RecordCommands& commands, Display& display, base::EventLoop& loop,
-                         base::Timer& tmrUpdate)
-    : state_(state),
-      radio_(radio),
-      run_(run),
-      channels_(channels),
-      modes_(modes),
-      boundary_(boundary),
-      commands_(commands),
-      display_(display),
+UpdateCycle::UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop, base::Timer& tmrUpdate)
+    : state_(state.Recording),
+      radio_(state.Radio),
+      run_(state.Run),
+      channels_(parts.Channels),
+      modes_(state),
+      boundary_(parts.Boundary),
+      commands_(parts.Commands),
+      display_(parts.Display),
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
 
@@ -53,7 +50,6 @@ void UpdateCycle::Tick() {
   if (const radio::ChannelEntry* tuned = channels_.TunedRow()) {
     display_.RefreshChannel(radio_.ChannelNumber, *tuned);
   }
-  display_.RefreshCounters(state_);
   loop_.PumpEvents();
   if (run_.Quitting) {
     updateBusy_ = false;

@@ -3,14 +3,12 @@
 #include <functional>
 
 #include "base/EventLoop.h"
-#include "base/RunState.h"
 #include "radio/channels/Channels.h"
-#include "radio/channels/RadioState.h"
 #include "recorder/Display.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordCommands.h"
-#include "recorder/RecordingState.h"
 #include "recorder/SongBoundary.h"
+#include "recorder/State.h"
 
 namespace kestrune::recorder {
 
@@ -18,9 +16,15 @@ namespace kestrune::recorder {
 /// what is shown. It turns its timer off while it works and on again at the end.
 class UpdateCycle {
  public:
-  UpdateCycle(RecordingState& state, const radio::RadioState& radio, const base::RunState& run,
-              radio::Channels& channels, const Modes& modes, SongBoundary& boundary, RecordCommands& commands,
-              Display& display, base::EventLoop& loop, base::Timer& tmrUpdate);
+  /// What a tick works on. All must outlive the object.
+  struct Parts {
+    radio::Channels& Channels;
+    SongBoundary& Boundary;
+    RecordCommands& Commands;
+    recorder::Display& Display;
+  };
+
+  UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop, base::Timer& tmrUpdate);
 
   void Tick();
 
@@ -35,7 +39,7 @@ class UpdateCycle {
   const radio::RadioState& radio_;
   const base::RunState& run_;
   radio::Channels& channels_;
-  const Modes& modes_;
+  Modes modes_;
   SongBoundary& boundary_;
   RecordCommands& commands_;
   Display& display_;

@@ -434,7 +434,10 @@ QAction* frmKestrune::Entry(const char* name) const {
 }
 
 void frmKestrune::Refresh() {
-  const MainWindow& record = unit_.Window();
+  Refresh(unit_.Window());
+}
+
+void frmKestrune::Refresh(const MainWindow& record) {
   // In a title "[*]" would stand for unsaved changes, unless it is doubled.
   const QString title = ToQt(record.Title).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
   if (windowTitle() != title) setWindowTitle(title);
@@ -490,8 +493,7 @@ void frmKestrune::ShowPreset(QPushButton& button, std::size_t number, const Pres
 void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowText(*lblRecording_, record.lblRecording.Caption);
   ShowVisible(*lblRecording_, record.lblRecording.Visible);
-  const QColor wanted =
-      record.ShowsRecording() ? WarningColour(palette()) : palette().color(QPalette::WindowText);
+  const QColor wanted = record.Recording ? WarningColour(palette()) : palette().color(QPalette::WindowText);
   if (lblRecording_->palette().color(QPalette::WindowText) != wanted) {
     QPalette colours = lblRecording_->palette();
     colours.setColor(QPalette::Active, QPalette::WindowText, wanted);

@@ -44,8 +44,10 @@ class frmKestrune final : public QMainWindow {
   /// The close box; the window itself stays.
   std::function<void()> CloseAsked;
 
-  /// Shows the record.
+  /// Shows the unit as it is now.
   void Refresh();
+  /// Shows the record, and the presets and levels of now.
+  void Refresh(const recorder::MainWindow& record);
   /// A key as HotKeyOf tells it, pressed here or in another window.
   void PressHotKey(int key);
 

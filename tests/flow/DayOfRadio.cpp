@@ -207,25 +207,16 @@ void DayOfRadio::BeginSession() {
 
 void DayOfRadio::LookOver() {
   FollowSession();
-  const recorder::MainWindow& window = unit_->Window();
+  using recorder::Phase;
   const recorder::RecordingState& state = unit_->Recording();
-  const std::string& status = window.lblRecording.Caption;
-  // During an event neither button can be pressed.
   const bool event = unit_->Schedule().ActiveSchedule != 0;
-  Check(window.cmdRecord.Enabled != window.cmdStop.Enabled || (event && !window.cmdStop.Enabled),
-        "the buttons do not swap");
-  Check(event == window.lblRemaining.Visible, "the time left belies the schedule");
+  const bool armedInLoad = state.Phase == Phase::WaitingForChannelLoad;
+  const bool waiting = state.Phase == Phase::WaitingForNextSong;
+  const std::string phase = " in phase " + std::to_string(static_cast<int>(state.Phase));
   Check(state.RecordRequested == state.RecordArmed, "requested and armed differ");
-  const bool armedInLoad = status == recorder::status::kWaitingForChannelLoad;
-  Check(
-      window.cmdStop.Enabled == (state.RecordRequested || armedInLoad) || (event && !window.cmdStop.Enabled),
-      "the stop button belies the state");
-  Check(!state.RecordRequested || window.ShowsRecording() || status == recorder::status::kWaitingForNextSong,
-        "recording with the status \"" + status + "\"");
-  Check(state.RecordRequested || armedInLoad || status.empty(), "idle with the status \"" + status + "\"");
-  Check(!state.WaitingForNextSong || status == recorder::status::kWaitingForNextSong ||
-            !state.RecordRequested || event,
-        "waiting with the status \"" + status + "\"");
+  Check(!state.RecordRequested || state.IsRecording() || waiting, "requested" + phase);
+  Check(state.RecordRequested || armedInLoad || state.Phase == Phase::Idle, "not requested" + phase);
+  Check(!state.WaitingForNextSong || waiting || !state.RecordRequested || event, "waiting" + phase);
   Check(ledger_.Open <= 1, "two files open");
 
   // What the devices remember of the day would hide what the program keeps.

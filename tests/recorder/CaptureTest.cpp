@@ -113,12 +113,13 @@ class CaptureTest : public ::testing::Test {
   CalledRecorder* recorder = nullptr;
   std::array<test::RecordingCaptureFile*, 2> captureFiles{};
   std::vector<std::pair<std::string, platform::Tags>> tagged;
-  RecordingState state;
-  radio::RadioState radio;
-  config::Settings settings;
+  State all;
+  RecordingState& state = all.Recording;
+  radio::RadioState& radio = all.Radio;
+  config::Settings& settings = all.Settings;
   config::FileSpecs fileSpecs{[this](std::int16_t slot) { return audio.File(slot); }, settings,
                               state.CaptureSlot, [] { return std::nullopt; }};
-  Capture capture{audio, state, fileSpecs, settings, radio, files, log};
+  Capture capture{audio, all, fileSpecs, files, log};
   std::int32_t result = 99;
 };
 

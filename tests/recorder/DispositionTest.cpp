@@ -61,16 +61,15 @@ class DispositionTest : public ::testing::Test {
   test::MemoryFiles files;
   test::FakeEnvironment environment;
   KeptLog log;
-  RecordingState state;
-  radio::RadioState radio;
-  config::Settings settings;
-  schedule::ScheduleState schedule;
-  MainWindow window;
-  Modes modes{schedule, settings, window};
+  State all;
+  RecordingState& state = all.Recording;
+  radio::RadioState& radio = all.Radio;
+  config::Settings& settings = all.Settings;
+  schedule::ScheduleState& schedule = all.Schedule;
   schedule::Restrictions restrictions{files, environment};
   config::FileSpecs fileSpecs{[](std::int16_t) { return nullptr; }, settings, state.CaptureSlot,
                               [] { return std::nullopt; }};
-  Disposition disposition{state, radio, settings, fileSpecs, modes, restrictions, files, loop, log};
+  Disposition disposition{all, fileSpecs, restrictions, files, loop, log};
 };
 
 TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
@@ -133,7 +132,7 @@ TEST_F(DispositionTest, ACaptureCanBeTooShortAndTooLongAtOnce) {
 }
 
 TEST_F(DispositionTest, NotOnTheGrabListIsDropped) {
-  window.chkSievanceGrab = true;
+  settings.SievanceGrab = 1;
   Lists("0Somebody else\n");
   disposition.Dispose(1);
   EXPECT_THAT(Music(), IsEmpty());
@@ -144,14 +143,14 @@ TEST_F(DispositionTest, NotOnTheGrabListIsDropped) {
 }
 
 TEST_F(DispositionTest, OnTheGrabListIsKept) {
-  window.chkSievanceGrab = true;
+  settings.SievanceGrab = 1;
   Lists("0moon\n");
   disposition.Dispose(1);
   EXPECT_EQ(state.RecordedCount, 1);
 }
 
 TEST_F(DispositionTest, OnTheKillListIsDropped) {
-  window.chkSievanceKill = true;
+  settings.SievanceKill = 1;
   Lists("3tide\n");
   disposition.Dispose(1);
   EXPECT_EQ(state.RestrictedCount, 1);
@@ -161,7 +160,7 @@ TEST_F(DispositionTest, OnTheKillListIsDropped) {
 }
 
 TEST_F(DispositionTest, KillBeatsGrabAndCountsOnce) {
-  window.chkSievanceGrab = window.chkSievanceKill = true;
+  settings.SievanceGrab = settings.SievanceKill = 1;
   Lists("0Moon\n2Moon\n");
   disposition.Dispose(1);
   EXPECT_THAT(Music(), IsEmpty());
@@ -171,7 +170,7 @@ TEST_F(DispositionTest, KillBeatsGrabAndCountsOnce) {
 }
 
 TEST_F(DispositionTest, TheListsSeeTheSongThatEndedAndTheLogTheOneOfTheCapture) {
-  window.chkSievanceKill = true;
+  settings.SievanceKill = 1;
   state.LastArtist = "Other";
   state.LastSong = "Thing";
   Lists("2Other\n");
@@ -181,7 +180,7 @@ TEST_F(DispositionTest, TheListsSeeTheSongThatEndedAndTheLogTheOneOfTheCapture) 
 }
 
 TEST_F(DispositionTest, GrabDoesNotRescueASongThatIsTooShort) {
-  window.chkSievanceGrab = true;
+  settings.SievanceGrab = 1;
   Lists("0Moon\n");
   state.CaptureSlots[1].LengthMs = 1000;
   disposition.Dispose(1);
@@ -283,7 +282,7 @@ TEST_F(DispositionTest, AMissingCaptureFailsWithoutAWord) {
 }
 
 TEST_F(DispositionTest, ARunningScheduleEntryDecidesWhetherTheListsApply) {
-  window.chkSievanceGrab = true;
+  settings.SievanceGrab = 1;
   schedule.ActiveSchedule = 3;
   schedule.SchedSievanceGrab = false;
   disposition.Dispose(1);

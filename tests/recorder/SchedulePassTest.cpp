@@ -17,6 +17,7 @@ namespace kestrune::test {
 namespace {
 
 using base::DateValue;
+using recorder::Phase;
 using schedule::ScheduleEntry;
 using std::chrono::milliseconds;
 using ::testing::ElementsAre;
@@ -78,21 +79,21 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
   SimulatedEventLoop loop{At(7, 0)};
   ScriptedSerialPort port{loop};
   MemoryFiles files;
-  base::RunState run;
   RecordingJournal journal;
-  radio::RadioState radio;
-  recorder::RecordingState state;
-  schedule::ScheduleState schedule;
-  schedule::ScheduleEntries entries;
-  config::Settings settings;
-  recorder::MainWindow window;
+  recorder::State all;
+  base::RunState& run = all.Run;
+  radio::RadioState& radio = all.Radio;
+  recorder::RecordingState& state = all.Recording;
+  schedule::ScheduleState& schedule = all.Schedule;
+  schedule::ScheduleEntries& entries = all.Entries;
+  config::Settings& settings = all.Settings;
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(milliseconds(200), [] {});
   radio::RadioSession session{port, loop, run, journal};
   radio::Channels channels{radio, run, session, files, loop, journal, *this};
-  recorder::Modes modes{schedule, settings, window};
-  recorder::RecordCommands commands{state, radio, modes, window, session, loop, *tmrUpdate};
-  recorder::SchedulePass pass{entries,  schedule, state,   radio, channels,
-                              commands, window,   journal, loop,  *tmrUpdate};
+  recorder::Modes modes{all};
+  recorder::Display display{all, journal};
+  recorder::RecordCommands commands{all, display, session, loop, *tmrUpdate};
+  recorder::SchedulePass pass{all, channels, commands, journal, loop, *tmrUpdate};
   std::function<void()> whileTuning = [] {};
 
  private:
@@ -113,7 +114,7 @@ TEST_F(SchedulePassTest, AnEventBeginsWithItsLinesItsMarksAndItsChannel) {
   entries[2].MatchKill = true;
   entries[2].Cleftune = false;
   state.SongBoundarySeen = true;
-  window.lblRemaining.Caption = "00:00:07";
+  all.Clock.SecondsLeft = 7;
 
   EXPECT_THAT(
       PassAt(20, 0, 2),
@@ -130,14 +131,11 @@ TEST_F(SchedulePassTest, AnEventBeginsWithItsLinesItsMarksAndItsChannel) {
   EXPECT_EQ(radio.ChannelNumber, 46);
   EXPECT_TRUE(state.RecordRequested);
   EXPECT_FALSE(state.SongBoundarySeen) << "the song in hand is not whole on the new channel";
-  EXPECT_TRUE(window.lblRemaining.Visible);
-  EXPECT_TRUE(window.lblcRemaining.Visible);
-  EXPECT_EQ(window.lblRemaining.Caption, "");
-  EXPECT_TRUE(window.pctTimer.Visible);
-  EXPECT_EQ(window.pctTimer.Tag, "1");
-  EXPECT_FALSE(window.cmdRecord.Enabled);
-  EXPECT_FALSE(window.cmdStop.Enabled) << "only the schedule ends an event";
-  EXPECT_EQ(window.lblRecording.Caption, "Waiting for next song");
+  EXPECT_EQ(all.Clock.SecondsLeft, std::nullopt);
+  EXPECT_TRUE(all.Clock.EventMarkShown);
+  EXPECT_FALSE(all.MayRecord());
+  EXPECT_FALSE(all.MayStop()) << "only the schedule ends an event";
+  EXPECT_EQ(state.Phase, Phase::WaitingForNextSong);
 }
 
 TEST_F(SchedulePassTest, EachModeHasItsLineAndTheListsShareOne) {
@@ -198,7 +196,7 @@ TEST_F(SchedulePassTest, WithoutWholeSongsTheEventRecordsAtOnce) {
   entries[0] = Once(20, 0, 60, 46);
   entries[0].Integrel = false;
   PassAt(20, 0);
-  EXPECT_EQ(window.lblRecording.Caption, "Recording");
+  EXPECT_EQ(state.Phase, Phase::Recording);
   EXPECT_TRUE(state.StartPending);
   EXPECT_TRUE(state.Incomplete);
 }
@@ -212,12 +210,9 @@ TEST_F(SchedulePassTest, AnEventEndsWithOneLineAndLeavesTheUsersModes) {
   EXPECT_THAT(PassAt(21, 0, 59), ElementsAre("Scheduled event 4 completed - 7 songs recorded"));
   EXPECT_EQ(schedule.ActiveSchedule, 0);
   EXPECT_TRUE(modes.CheckCleftune());
-  EXPECT_FALSE(window.lblRemaining.Visible);
-  EXPECT_FALSE(window.lblcRemaining.Visible);
-  EXPECT_FALSE(window.pctTimer.Visible);
-  EXPECT_EQ(window.pctTimer.Tag, "0");
-  EXPECT_TRUE(window.cmdRecord.Enabled);
-  EXPECT_FALSE(window.cmdStop.Enabled);
+  EXPECT_FALSE(all.Clock.EventMarkShown);
+  EXPECT_TRUE(all.MayRecord());
+  EXPECT_FALSE(all.MayStop());
   EXPECT_FALSE(state.RecordRequested);
   EXPECT_EQ(radio.ChannelNumber, 46) << "the channel alone is not given back";
   EXPECT_THAT(PassAt(21, 1, 3), IsEmpty());
@@ -238,7 +233,7 @@ TEST_F(SchedulePassTest, ARecordingByHandIsStoppedAndTheEventBeginsOnePassLater)
   entries[0] = Once(20, 0, 60, 46);
   EXPECT_THAT(PassAt(20, 0), IsEmpty());
   EXPECT_FALSE(state.RecordRequested);
-  EXPECT_TRUE(window.cmdRecord.Enabled);
+  EXPECT_TRUE(all.MayRecord());
   EXPECT_EQ(radio.ChannelNumber, 44);
   EXPECT_EQ(schedule.ActiveSchedule, 0);
   EXPECT_EQ(PassAt(20, 0, 4).size(), 2U);
@@ -255,30 +250,13 @@ TEST_F(SchedulePassTest, ARecordingByHandWithNothingDueGoesOn) {
 TEST_F(SchedulePassTest, ARecordArmedDuringTheChannelLoadIsTakenForOneByHand) {
   radio.ChannelsLoading = true;
   Press(true);
-  ASSERT_EQ(window.lblRecording.Caption, "Waiting for channel load");
+  ASSERT_EQ(state.Phase, Phase::WaitingForChannelLoad);
   entries[0] = Once(20, 0, 60, 46);
   EXPECT_THAT(PassAt(20, 0), IsEmpty());
-  EXPECT_EQ(window.lblRecording.Caption, "");
+  EXPECT_EQ(state.Phase, Phase::Idle);
   EXPECT_EQ(PassAt(20, 0, 4).size(), 2U);
-  EXPECT_EQ(window.lblRecording.Caption, "Waiting for channel load") << "the load's end starts the recording";
-  EXPECT_FALSE(window.cmdStop.Enabled);
-}
-
-TEST_F(SchedulePassTest, WhileRecordIsDisabledTheEventWaitsAndThenBeginsLateWithItsTrueEnd) {
-  window.cmdRecord.Enabled = false;
-  entries[0] = Once(20, 0, 60, 46);
-  EXPECT_THAT(PassAt(20, 0), IsEmpty());
-  EXPECT_THAT(PassAt(20, 30), IsEmpty());
-  window.cmdRecord.Enabled = true;
-  EXPECT_EQ(PassAt(20, 40).at(0), "Scheduled event 1 beginning on channel 46 until Mar 9, 9:00:59 pm");
-}
-
-TEST_F(SchedulePassTest, AnEventThatNeverFindsRecordEnabledLeavesNoTrace) {
-  window.cmdRecord.Enabled = false;
-  entries[0] = Once(20, 0, 60, 46);
-  EXPECT_THAT(PassAt(20, 0), IsEmpty());
-  window.cmdRecord.Enabled = true;
-  EXPECT_THAT(PassAt(21, 1), IsEmpty());
+  EXPECT_EQ(state.Phase, Phase::WaitingForChannelLoad) << "the load's end starts the recording";
+  EXPECT_FALSE(all.MayStop());
 }
 
 TEST_F(SchedulePassTest, TwoEventsInARowChangeOverInOnePass) {
@@ -367,9 +345,8 @@ TEST_F(SchedulePassTest, AnotherChannelOfTheRunningEntryStartsTheRecordingAnew) 
   EXPECT_EQ(radio.CurrentSong, "Song 45");
   EXPECT_TRUE(state.WaitingForNextSong);
   EXPECT_TRUE(state.RecordRequested);
-  EXPECT_FALSE(window.cmdStop.Enabled);
-  EXPECT_FALSE(window.pctTimer.Visible);
-  EXPECT_EQ(window.pctTimer.Tag, "1") << "the next blink shows it again";
+  EXPECT_FALSE(all.MayStop());
+  EXPECT_FALSE(all.Clock.EventMarkShown) << "the next blink shows it again";
   EXPECT_THAT(PassAt(20, 10, 4), IsEmpty());
 }
 
@@ -407,8 +384,8 @@ TEST_F(SchedulePassTest, ARecordPressedWhileTheEventTunesDoesNotGetInItsWay) {
   EXPECT_EQ(PassAt(20, 0).size(), 2U);
   EXPECT_EQ(schedule.ActiveSchedule, 1);
   EXPECT_TRUE(state.RecordRequested);
-  EXPECT_FALSE(window.cmdRecord.Enabled);
-  EXPECT_FALSE(window.cmdStop.Enabled);
+  EXPECT_FALSE(all.MayRecord());
+  EXPECT_FALSE(all.MayStop());
 }
 
 TEST_F(SchedulePassTest, TheCountersBeforeAnEventStandUntilItHasTuned) {
@@ -452,7 +429,7 @@ TEST_F(SchedulePassTest, AStopBesideTheScheduleLeavesTheEventRunningWithoutAReco
   EXPECT_THAT(PassAt(20, 10), IsEmpty());
   EXPECT_EQ(schedule.ActiveSchedule, 1);
   EXPECT_FALSE(state.RecordRequested);
-  EXPECT_TRUE(window.cmdRecord.Enabled);
+  EXPECT_TRUE(all.MayRecord());
   EXPECT_THAT(PassAt(21, 1), ElementsAre("Scheduled event 1 completed - 0 songs recorded"));
 }
 

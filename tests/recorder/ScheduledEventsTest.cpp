@@ -79,7 +79,7 @@ class ScheduledEventsTest : public ::testing::Test {
     return lines;
   }
   [[nodiscard]] int Active() { return rig->Schedule().ActiveSchedule; }
-  [[nodiscard]] const recorder::MainWindow& Window() { return rig->Window(); }
+  [[nodiscard]] recorder::MainWindow Window() { return rig->Window(); }
 };
 
 TEST_F(ScheduledEventsTest, AnEmptyStoreGivesDisabledEntriesAndNothingHappens) {

@@ -17,11 +17,12 @@ using ::testing::ElementsAre;
 class StayAwakeTest : public ::testing::Test {
  protected:
   SimulatedEventLoop loop;
-  recorder::RecordingState recording;
-  schedule::ScheduleState running;
-  schedule::ScheduleEntries entries;
+  recorder::State state;
+  recorder::RecordingState& recording = state.Recording;
+  schedule::ScheduleState& running = state.Schedule;
+  schedule::ScheduleEntries& entries = state.Entries;
   FakeSleepInhibitor inhibitor;
-  recorder::StayAwake awake{recording, running, entries, inhibitor, loop};
+  recorder::StayAwake awake{state, inhibitor, loop};
 };
 
 TEST_F(StayAwakeTest, AnIdleMachineMaySleep) {

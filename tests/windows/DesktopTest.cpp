@@ -248,7 +248,7 @@ TEST_F(DesktopTest, AKeyOfAnotherWindowReachesTheMainWindow) {
 TEST_F(DesktopTest, AKeyBeforeTheProgramTakesInputDoesNothing) {
   rig.Desktop.HideAndDisableMainWindow();
   rig.Desktop.PassKey('R');
-  EXPECT_FALSE(rig.Record().cmdStop.Enabled);
+  EXPECT_FALSE(rig.Unit->MayStop());
   rig.Desktop.EnableMainWindow();
 }
 

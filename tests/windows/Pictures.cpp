@@ -121,7 +121,7 @@ void Play(Stage& stage) {
 
 void TakeMain(Stage& stage) {
   Play(stage);
-  recorder::MainWindow& record = stage.Rig.Record();
+  recorder::MainWindow record = stage.Rig.Unit->Window();
   const auto take = [&stage, &record](const char* name) {
     // Longer than any radio sends them.
     if (stage.Extreme) {
@@ -130,14 +130,15 @@ void TakeMain(Stage& stage) {
       record.lblArtist.Caption = "W. W. Wolfgang and the Widely Wandering Wailers && Friends";
       record.lblSong.Caption = "<b>What Would We Want</b> With Wild && Windy Weather (Live)";
     }
-    stage.Rig.Main().Refresh();
+    stage.Rig.Main().Refresh(record);
     stage.Take(stage.Rig.Main(), QLatin1String(name));
   };
   take("frmKestrune-idle");
   stage.Rig.Unit->cmdRecord();
   stage.Rig.Run(12345ms);
+  record = stage.Rig.Unit->Window();
   record.lblRecording.Visible = true;
-  record.pctTimer = {.Visible = true, .Tag = "1"};
+  record.pctTimer.Visible = true;
   record.lblRemaining = {.Caption = "01:23:45", .Visible = true};
   if (stage.Extreme) {
     record.lblRecording.Caption = "Waiting for channel load";

@@ -198,26 +198,27 @@ TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
     }
     return all;
   };
-  rig.Record().lblRecording = {.Caption = "x", .Visible = true};
-  rig.Main().Refresh();
+  recorder::MainWindow record = rig.Unit->Window();
+  record.lblRecording = {.Caption = "x", .Visible = true};
+  rig.Main().Refresh(record);
   QCoreApplication::processEvents();
   const auto before = places();
   const std::string longText(300, 'W');
   for (auto* label :
-       {&rig.Record().lblChannel, &rig.Record().lblGenre, &rig.Record().lblArtist, &rig.Record().lblSong}) {
+       {&record.lblChannel, &record.lblGenre, &record.lblArtist, &record.lblSong}) {
     label->Caption = longText;
   }
-  rig.Record().lblRecording.Caption = "Waiting for channel load";
-  rig.Record().lblClock = {.Caption = "00:00:00", .Visible = true};
-  rig.Main().Refresh();
+  record.lblRecording.Caption = "Waiting for channel load";
+  record.lblClock = {.Caption = "00:00:00", .Visible = true};
+  rig.Main().Refresh(record);
   QCoreApplication::processEvents();
   EXPECT_EQ(places(), before);
-  rig.Record().lblRecording.Visible = false;  // the blink
-  rig.Main().Refresh();
+  record.lblRecording.Visible = false;  // the blink
+  rig.Main().Refresh(record);
   QCoreApplication::processEvents();
   EXPECT_EQ(rig.Find<QWidget>("lblClock").geometry().isValid(), true);
-  rig.Record().lblRecording.Visible = true;
-  rig.Main().Refresh();
+  record.lblRecording.Visible = true;
+  rig.Main().Refresh(record);
   QCoreApplication::processEvents();
   EXPECT_EQ(places(), before);
 }
@@ -273,8 +274,9 @@ TEST_F(frmKestruneTest, TheSignalBarsTakeThirtyForEachPercent) {
 
 TEST_F(frmKestruneTest, ASignalBeyondTheBarFillsIt) {
   rig.Unit.Start();
-  rig.Record().pbrTerSignal = {.Value = 255 * 30, .Caption = "255%"};
-  rig.Main().Refresh();
+  recorder::MainWindow record = rig.Unit->Window();
+  record.pbrTerSignal = {.Value = 255 * 30, .Caption = "255%"};
+  rig.Main().Refresh(record);
   EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").value(), 3000);
   EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").text(), QStringLiteral("255%"));
 }
@@ -387,8 +389,8 @@ TEST_F(frmKestruneTest, ADoubleClickOrEnterOffersArtistAndSongForTheLists) {
 TEST_F(frmKestruneTest, AnEmptyTextIsNotOffered) {
   int offered = 0;
   rig.Desktop.OfferForList = [&](auto, const auto&) { ++offered; };
-  rig.Unit.Start();
-  rig.Record().lblSong.Caption = "  ";
+  rig.Unit.Radio.Channels[44].Song = "  ";
+  rig.Unit.StartIdle();
   QTest::mouseDClick(&rig.Find<QLabel>("lblSong"), Qt::LeftButton);
   EXPECT_EQ(offered, 0);
 }
@@ -425,9 +427,10 @@ TEST_F(frmKestruneTest, AScheduledEventShowsItsMarkAndTheTimeLeft) {
   rig.Unit.StartIdle();
   EXPECT_TRUE(Hidden("pctTimer"));
   EXPECT_TRUE(Hidden("lblRemaining"));
-  rig.Record().pctTimer = {.Visible = true, .Tag = "1"};
-  rig.Record().lblRemaining = {.Caption = "01:02:03", .Visible = true};
-  rig.Main().Refresh();
+  recorder::MainWindow record = rig.Unit->Window();
+  record.pctTimer.Visible = true;
+  record.lblRemaining = {.Caption = "01:02:03", .Visible = true};
+  rig.Main().Refresh(record);
   EXPECT_FALSE(Hidden("pctTimer"));
   EXPECT_FALSE(Hidden("lblcRemaining"));
   EXPECT_EQ(Text("lblRemaining"), "01:02:03");

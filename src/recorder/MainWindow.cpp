@@ -1,0 +1,97 @@
+#include "recorder/MainWindow.h"
+
+#include <fmt/format.h>
+
+#include "base/DatePattern.h"
+#include "base/Text.h"
+
+namespace kestrune::recorder {
+namespace {
+
+// The bars of the window run from 0 to 3000.
+constexpr int kBarUnitsPerPercent = 30;
+
+std::string Elapsed(std::optional<std::int64_t> seconds) {
+  return seconds ? base::FormatDate(base::DateValue::FromSeconds(*seconds), "Hh:Nn:Ss") : std::string();
+}
+
+SignalBar Bar(std::int16_t percent) {
+  return {.Value = percent * kBarUnitsPerPercent, .Caption = fmt::format("{}%", percent)};
+}
+
+void ShowAnnouncement(const Announcement& announcement, MainWindow& window) {
+  if (announcement.Channel != 0) {
+    window.lblChannel.Caption =
+        fmt::format("{}: {}", announcement.Channel, base::DoubleAmpersands(announcement.Station));
+  }
+  window.lblGenre.Caption = base::DoubleAmpersands(announcement.Genre);
+  window.lblArtist.Caption = base::DoubleAmpersands(announcement.Artist);
+  window.lblSong.Caption = base::DoubleAmpersands(announcement.Song);
+  window.Title = announcement.TitleArtist ? "Kestrune: " + *announcement.TitleArtist : "Kestrune";
+  window.TrayTip = "Kestrune";
+  if (const auto& tip = announcement.TrayTip) {
+    window.TrayTip = fmt::format("Kestrune: {}\n{} - {}", StatusText(tip->Phase), tip->Artist, tip->Song);
+  }
+  if (const auto& signal = announcement.Signal) {
+    window.pbrSatSignal = {Bar(signal->Satellite1), Bar(signal->Satellite2)};
+    window.pbrTerSignal = Bar(signal->Terrestrial);
+  }
+}
+
+void ShowRecording(const State& state, MainWindow& window) {
+  const RecordingState& recording = state.Recording;
+  window.lblRecording = {.Caption = std::string(StatusText(recording.Phase)),
+                         .Visible = state.Clock.StatusShown};
+  window.lblClock = {.Caption = Elapsed(state.Clock.CaptureSeconds), .Visible = recording.ShowsLength()};
+  const bool event = state.Schedule.ActiveSchedule != 0;
+  window.lblcRemaining.Visible = event;
+  window.lblRemaining = {.Caption = Elapsed(state.Clock.SecondsLeft), .Visible = event};
+  window.pctTimer.Visible = state.Clock.EventMarkShown;
+  window.lblRecorded.Caption = std::to_string(recording.RecordedCount);
+  window.lblTooShort.Caption = std::to_string(recording.TooShortCount);
+  window.lblTooLong.Caption = std::to_string(recording.TooLongCount);
+  window.lblRestricted.Caption = std::to_string(recording.RestrictedCount);
+  window.cmdRecord.Enabled = state.MayRecord();
+  window.cmdStop.Enabled = state.MayStop();
+  window.mnuReload.Enabled = recording.ChannelsLoaded;
+  window.mnuMute = recording.Muted;
+}
+
+void ShowOptions(const config::Settings& settings, MainWindow& window) {
+  window.chkIntegrel = settings.Integrel;
+  window.chkSievanceGrab = settings.SievanceGrab != 0;
+  window.chkSievanceKill = settings.SievanceKill != 0;
+  window.chkRadioOnAtExit = settings.RadioOnAtExit;
+  window.mnuCleftune = settings.Cleftune;
+  window.mnuCheckUpdatesAtStartup = settings.CheckUpdatesAtStartup;
+}
+
+}  // namespace
+
+MainWindow ShowState(const State& state, MainWindow window) {
+  ShowAnnouncement(state.Announcement, window);
+  ShowRecording(state, window);
+  ShowOptions(state.Settings, window);
+  window.Recording = state.Recording.IsRecording();
+  return window;
+}
+
+std::string_view StatusText(Phase phase) {
+  switch (phase) {
+    case Phase::Idle:
+      return "";
+    case Phase::WaitingForChannelLoad:
+      return "Waiting for channel load";
+    case Phase::WaitingForNextSong:
+      return "Waiting for next song";
+    case Phase::Recording:
+      return "Recording";
+    case Phase::Grabbed:
+      return "Recording (Grabbed)";
+    case Phase::Killed:
+      return "Recording (Killed)";
+  }
+  return "";
+}
+
+}  // namespace kestrune::recorder

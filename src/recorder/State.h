@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/RunState.h"
+#include "config/settings/Settings.h"
+#include "radio/channels/RadioState.h"
+#include "recorder/Announcement.h"
+#include "recorder/ClockState.h"
+#include "recorder/RecordingState.h"
+#include "schedule/entries/ScheduleEntry.h"
+#include "schedule/entries/ScheduleState.h"
+
+namespace kestrune::recorder {
+
+/// The state of the whole run, part by part. Captions, enabled buttons and visibilities are no part of it: they
+/// are derived from it.
+struct State {
+  base::RunState Run;
+  radio::RadioState Radio;
+  RecordingState Recording;
+  schedule::ScheduleState Schedule;
+  /// Entries 1 to 10 at indices 0 to 9, as the last reload left them.
+  schedule::ScheduleEntries Entries;
+  /// What the user has chosen, and with it the modes that hold outside scheduled events.
+  config::Settings Settings;
+  ClockState Clock;
+  recorder::Announcement Announcement;
+
+  /// Whether a person may press Record.
+  [[nodiscard]] bool MayRecord() const { return Recording.Phase == Phase::Idle; }
+  /// Whether a person may press Stop. Only the schedule ends an event.
+  [[nodiscard]] bool MayStop() const {
+    return Recording.Phase != Phase::Idle && Schedule.ActiveSchedule == 0;
+  }
+};
+
+}  // namespace kestrune::recorder
