@@ -187,27 +187,38 @@ std::vector<Contest> Contests() {
   for (const auto& [name, method] :
        {std::pair{"Mp3Constant160", -1}, {"Mp3Variable", 0}, {"Mp3Average128", 4}}) {
     const Mp3Parameters parameters = Mp3(static_cast<std::int16_t>(method));
-    contests.push_back({name, 2, [=](EncodedFile& file) { file.SetFormatMP3(parameters); },
+    contests.push_back({name, 2, [=](EncodedFile& file) { file.SetFormat(parameters); },
                         [=](const std::string& path, const Samples& s) { BareMp3(parameters, path, s); }});
   }
-  contests.push_back(
-      {"Ogg160", 2, [](EncodedFile& file) { file.SetFormatOgg(kRate, 2, 160, 0, 0, -1); }, BareOgg});
+  contests.push_back({"Ogg160", 2,
+                      [](EncodedFile& file) {
+                        file.SetFormat(platform::OggFormat{kRate, 2, 160, 0, 0, -1});
+                      },
+                      BareOgg});
   const auto sndfile = [&](const char* name, int channels, int format,
                            std::function<void(EncodedFile&)> prepare) {
     contests.push_back({name, channels, std::move(prepare), [=](const std::string& path, const Samples& s) {
                           BareSndfile(format, channels, path, s);
                         }});
   };
-  sndfile("Wav16", 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16,
-          [](EncodedFile& file) { file.SetFormatWAV(kRate, 2, 16); });
-  sndfile("Wav8", 2, SF_FORMAT_WAV | SF_FORMAT_PCM_U8,
-          [](EncodedFile& file) { file.SetFormatWAV(kRate, 2, 8); });
-  sndfile("Raw16", 2, SF_FORMAT_RAW | SF_FORMAT_PCM_16,
-          [](EncodedFile& file) { file.SetFormatRAW(1, kRate, 2, 16); });
-  sndfile("RawMuLaw", 2, SF_FORMAT_RAW | SF_FORMAT_ULAW,
-          [](EncodedFile& file) { file.SetFormatRAW(3, kRate, 2, 16); });
-  sndfile("Vox", 1, SF_FORMAT_RAW | SF_FORMAT_VOX_ADPCM, [](EncodedFile& file) { file.SetFormatVOX(kRate); });
-  contests.push_back({"G726Bits4", 1, [](EncodedFile& file) { file.SetFormatG726(kRate, 4); },
+  sndfile("Wav16", 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, [](EncodedFile& file) {
+    file.SetFormat(platform::WavFormat{kRate, 2, 16});
+  });
+  sndfile("Wav8", 2, SF_FORMAT_WAV | SF_FORMAT_PCM_U8, [](EncodedFile& file) {
+    file.SetFormat(platform::WavFormat{kRate, 2, 8});
+  });
+  sndfile("Raw16", 2, SF_FORMAT_RAW | SF_FORMAT_PCM_16, [](EncodedFile& file) {
+    file.SetFormat(platform::RawFormat{1, kRate, 2, 16});
+  });
+  sndfile("RawMuLaw", 2, SF_FORMAT_RAW | SF_FORMAT_ULAW, [](EncodedFile& file) {
+    file.SetFormat(platform::RawFormat{3, kRate, 2, 16});
+  });
+  sndfile("Vox", 1, SF_FORMAT_RAW | SF_FORMAT_VOX_ADPCM,
+          [](EncodedFile& file) { file.SetFormat(platform::VoxFormat{kRate}); });
+  contests.push_back({"G726Bits4", 1,
+                      [](EncodedFile& file) {
+                        file.SetFormat(platform::G726Format{kRate, 4});
+                      },
                       [](const std::string& path, const Samples& s) { BareG726(4, path, s); }});
   return contests;
 }

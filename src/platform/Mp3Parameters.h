@@ -4,7 +4,7 @@
 
 namespace kestrune::platform {
 
-/// What an MP3 encoder is told. One object serves both capture slots, and each preparation fills it anew.
+/// What an MP3 encoder is asked for. Values outside their ranges are allowed here; see LameSettings.h.
 struct Mp3Parameters {
   std::int16_t VBRMaxBitrate = 0;     ///< kbit/s
   std::int16_t VBRQuality = 0;        ///< 0 best to 9
@@ -27,7 +27,9 @@ struct Mp3Parameters {
   bool IncludeCRC = false;
   std::int32_t Frequency = 44100;  ///< Hz
   std::int16_t Channels = 2;
-  std::int16_t Bitrate = 0;  ///< kbit/s
+  std::int16_t Bitrate = 0;  ///< kbit/s, 0 is the encoder's own choice
+
+  bool operator==(const Mp3Parameters&) const = default;
 };
 
 }  // namespace kestrune::platform

@@ -9,6 +9,7 @@
 
 #include "base/Ignored.h"
 #include "base/Numbers.h"
+#include "config/formats/FormatTable.h"
 #include "config/settings/ConfigurationSave.h"
 #include "config/settings/SettingKeys.h"
 
@@ -52,7 +53,7 @@ ChoiceList SongDelays() {
 
 ChoiceList FileFormats() {
   ChoiceList list;
-  for (const char* code : {"MP3", "WAV", "VOX", "RAW", "G726", "OGG"}) list.Rows.push_back({code, 0});
+  for (const std::string_view code : config::FileFormats()) list.Rows.push_back({std::string(code), 0});
   return list;
 }
 
@@ -71,11 +72,16 @@ Configuration::Configuration(ConfigurationAccess access)
     : access_(std::move(access)),
       filenameFormats_(controls_.txtFilenameFormat),
       mp3_(access_.Settings, access_.Section),
-      ogg_(access_.Settings, access_.Section),
-      raw_("RAW", access_.Settings, access_.Section),
-      vox_("VOX", access_.Settings, access_.Section),
-      wav_("WAV", access_.Settings, access_.Section),
-      g726_("G726", access_.Settings, access_.Section) {}
+      ogg_(access_.Settings, access_.Section) {
+  for (const OptionWindow& design : OptionWindows()) {
+    buttons_.try_emplace(design.FileFormat, design, access_.Settings, access_.Section);
+  }
+}
+
+FormatOptions* Configuration::Buttons(std::string_view fileFormat) {
+  const auto found = buttons_.find(fileFormat);
+  return found != buttons_.end() ? &found->second : nullptr;
+}
 
 void Configuration::Load() {
   const config::Settings& settings = access_.Settings;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -76,10 +77,8 @@ class Configuration {
   [[nodiscard]] FilenameFormatSelect& FilenameFormats() { return filenameFormats_; }
   [[nodiscard]] Mp3Options& Mp3() { return mp3_; }
   [[nodiscard]] OggOptions& Ogg() { return ogg_; }
-  [[nodiscard]] FormatOptions& Raw() { return raw_; }
-  [[nodiscard]] FormatOptions& Vox() { return vox_; }
-  [[nodiscard]] FormatOptions& Wav() { return wav_; }
-  [[nodiscard]] FormatOptions& G726() { return g726_; }
+  /// The rules of the option window of a format that has buttons alone; null for another code.
+  [[nodiscard]] FormatOptions* Buttons(std::string_view fileFormat);
 
  private:
   void FillDevices();
@@ -94,10 +93,7 @@ class Configuration {
   FilenameFormatSelect filenameFormats_;
   Mp3Options mp3_;
   OggOptions ogg_;
-  FormatOptions raw_;
-  FormatOptions vox_;
-  FormatOptions wav_;
-  FormatOptions g726_;
+  std::map<std::string_view, FormatOptions> buttons_;  ///< by the format's code
 };
 
 }  // namespace kestrune::presenters

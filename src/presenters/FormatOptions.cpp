@@ -91,14 +91,18 @@ constexpr OptionWindow kWindows[] = {
 
 }  // namespace
 
-const OptionWindow& OptionWindowOf(std::string_view fileFormat) {
-  const auto* found = std::ranges::find(kWindows, fileFormat, &OptionWindow::FileFormat);
-  return found == std::end(kWindows) ? kWindows[0] : *found;
+std::span<const OptionWindow> OptionWindows() {
+  return kWindows;
 }
 
-FormatOptions::FormatOptions(std::string_view fileFormat, config::Settings& settings,
+const OptionWindow* FindOptionWindow(std::string_view fileFormat) {
+  const auto* found = std::ranges::find(kWindows, fileFormat, &OptionWindow::FileFormat);
+  return found != std::end(kWindows) ? found : nullptr;
+}
+
+FormatOptions::FormatOptions(const OptionWindow& design, config::Settings& settings,
                              const config::SettingsSection& section)
-    : design_(OptionWindowOf(fileFormat)), settings_(settings), section_(section) {
+    : design_(design), settings_(settings), section_(section) {
   Load();
 }
 

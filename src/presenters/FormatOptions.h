@@ -12,23 +12,24 @@
 
 namespace kestrune::presenters {
 
-/// What the option window of RAW, VOX, WAV or G726 looks like.
+/// What an option window of buttons looks like.
 struct OptionWindow {
   std::string_view FileFormat;  ///< its code
   std::string_view Caption;
   std::span<const OptionGroup> Groups;
 };
 
-inline constexpr std::string_view kButtonFormats[] = {"RAW", "VOX", "WAV", "G726"};
-/// By one of the four codes above.
-[[nodiscard]] const OptionWindow& OptionWindowOf(std::string_view fileFormat);
+/// One for each format whose settings are chosen by buttons alone.
+[[nodiscard]] std::span<const OptionWindow> OptionWindows();
+/// By the format's code; null if its window is another one.
+[[nodiscard]] const OptionWindow* FindOptionWindow(std::string_view fileFormat);
 
 /// The rules of such a window. It works on a copy of the format's record until `cmdOK`. A value that no button
 /// stands for sets none, and stays the record's value until the user chooses.
 class FormatOptions {
  public:
-  /// The references must outlive this object.
-  FormatOptions(std::string_view fileFormat, config::Settings& settings,
+  /// All must outlive this object.
+  FormatOptions(const OptionWindow& design, config::Settings& settings,
                 const config::SettingsSection& section);
 
   [[nodiscard]] const OptionWindow& Design() const { return design_; }

@@ -18,8 +18,10 @@ constexpr std::size_t kLong = 5;
 
 }  // namespace
 
-OptionButtons::OptionButtons(const char* objectName, presenters::FormatOptions& options, QWidget* parent)
-    : OptionDialog(objectName, options.Design().Caption, parent), options_(options) {
+OptionButtons::OptionButtons(presenters::FormatOptions& options, QWidget* parent)
+    : OptionDialog(("frmFormat" + std::string(options.Design().FileFormat)).c_str(), options.Design().Caption,
+                   parent),
+      options_(options) {
   options_.Load();
   AddGroups();
   AddButtons();

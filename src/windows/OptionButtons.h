@@ -9,11 +9,12 @@ class QRadioButton;
 
 namespace kestrune::windows {
 
-/// An option window that is made of groups of option buttons, as its rules' design tells them.
-class OptionButtons : public OptionDialog {
+/// An option window of groups of option buttons, laid out as the design of its rules says. Its name is frmFormat and
+/// the format's code.
+class OptionButtons final : public OptionDialog {
  public:
   /// `options` must outlive the window; the constructor loads them.
-  OptionButtons(const char* objectName, presenters::FormatOptions& options, QWidget* parent);
+  explicit OptionButtons(presenters::FormatOptions& options, QWidget* parent = nullptr);
 
   void Refresh();
 

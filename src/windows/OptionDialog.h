@@ -8,8 +8,8 @@ class QVBoxLayout;
 
 namespace kestrune::windows {
 
-/// What the option windows of the six formats share: room for their controls above cmdOK and cmdCancel. A
-/// cancel, by button, Escape or close box, keeps nothing; the rules' own copy is simply filled anew next time.
+/// What the option windows of all formats share: room for their controls above cmdOK and cmdCancel. A cancel, by
+/// button, Escape or close box, keeps nothing; the rules' own copy is filled anew next time.
 class OptionDialog : public QDialog {
  public:
   OptionDialog(const char* objectName, std::string_view caption, QWidget* parent);

@@ -18,15 +18,10 @@
 #include "windows/Binding.h"
 #include "windows/Choosing.h"
 #include "windows/ConfigPlace.h"
+#include "windows/OptionWindows.h"
 #include "windows/Placement.h"
 #include "windows/UpDown.h"
 #include "windows/frmFilenameFormatSelect.h"
-#include "windows/frmFormatG726.h"
-#include "windows/frmFormatMP3.h"
-#include "windows/frmFormatOgg.h"
-#include "windows/frmFormatRAW.h"
-#include "windows/frmFormatVOX.h"
-#include "windows/frmFormatWAV.h"
 
 namespace kestrune::windows {
 namespace {
@@ -353,19 +348,8 @@ void frmConfig::cmdFilenameFormat() {
             [this] { Refresh(); });
 }
 
-QDialog* frmConfig::MakeOptionWindow() {
-  const std::string format = configuration_.Controls().cboFileFormat.Text();
-  if (format == "G726") return new frmFormatG726(configuration_.G726(), this);
-  if (format == "MP3") return new frmFormatMP3(configuration_.Mp3(), this);
-  if (format == "OGG") return new frmFormatOgg(configuration_.Ogg(), this);
-  if (format == "RAW") return new frmFormatRAW(configuration_.Raw(), this);
-  if (format == "VOX") return new frmFormatVOX(configuration_.Vox(), this);
-  if (format == "WAV") return new frmFormatWAV(configuration_.Wav(), this);
-  return nullptr;
-}
-
 void frmConfig::cmdChangeFormatSpecs() {
-  QDialog* window = MakeOptionWindow();
+  QDialog* window = MakeOptionWindow(configuration_.Controls().cboFileFormat.Text(), configuration_, this);
   if (window == nullptr) return;
   OpenModal(*window, [this] {
     configuration_.FormatOptionsClosed();

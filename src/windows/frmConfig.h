@@ -79,7 +79,6 @@ class frmConfig final : public QDialog {
 
   void Load();
   void OpenModal(QDialog& window, const std::function<void()>& closed);
-  [[nodiscard]] QDialog* MakeOptionWindow();
   void FocusFieldToMend();
   void SavePlace();
   void CloseWindow();

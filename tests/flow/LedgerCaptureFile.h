@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "platform/CaptureFile.h"
@@ -36,17 +37,10 @@ class LedgerCaptureFile final : public platform::CaptureFile {
   LedgerCaptureFile(CutLedger& ledger, platform::Files& files) : ledger_(ledger), files_(files) {}
   ~LedgerCaptureFile() override { Close(); }
 
-  void SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t /*bits*/) override {
-    format_ = {.SampleRate = frequency, .Channels = channels};
+  /// Only a WAV format changes the shape of what is counted.
+  void SetFormat(const platform::CaptureFormat& format) override {
+    if (std::holds_alternative<platform::WavFormat>(format)) format_ = platform::FormatValues(format);
   }
-  void SetFormatRAW(std::int16_t /*compression*/, std::int32_t /*frequency*/, std::int16_t /*channels*/,
-                    std::int16_t /*bits*/) override {}
-  void SetFormatVOX(std::int32_t /*frequency*/) override {}
-  void SetFormatMP3(const platform::Mp3Parameters& /*parameters*/) override {}
-  void SetFormatOgg(std::int32_t /*frequency*/, std::int16_t /*channels*/, std::int16_t /*nominalBitrate*/,
-                    std::int16_t /*minBitrate*/, std::int16_t /*maxBitrate*/,
-                    std::int16_t /*quality*/) override {}
-  void SetFormatG726(std::int32_t /*frequency*/, std::int16_t /*bits*/) override {}
   void Create(std::string_view path) override;
   [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }
   [[nodiscard]] platform::PcmFormat FormatValues() const override { return format_; }

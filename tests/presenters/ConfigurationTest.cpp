@@ -507,9 +507,9 @@ TEST_F(ConfigurationTest, AChosenFolderReplacesTheTextAndNoneKeepsIt) {
 TEST_F(ConfigurationTest, AfterAnOptionWindowTheIdleSlotIsPreparedWithWhatItSaved) {
   rig_.Settings.FileFormat = "WAV";
   window_.Load();
-  window_.Wav().Load();
-  window_.Wav().Choose(1, 1);
-  window_.Wav().cmdOK();
+  window_.Buttons("WAV")->Load();
+  window_.Buttons("WAV")->Choose(1, 1);
+  window_.Buttons("WAV")->cmdOK();
   window_.FormatOptionsClosed();
   EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 8");
   EXPECT_EQ(rig_.Stops, 0);

@@ -35,7 +35,7 @@ std::vector<std::string> Told(std::initializer_list<Button> buttons) {
 
 std::vector<std::string> Made(std::string_view fileFormat) {
   std::vector<std::string> lines;
-  for (const presenters::OptionGroup& group : presenters::OptionWindowOf(fileFormat).Groups) {
+  for (const presenters::OptionGroup& group : presenters::FindOptionWindow(fileFormat)->Groups) {
     for (const presenters::OptionButton& button : group.Buttons) {
       lines.push_back(Line({group.Name, group.Frame, button.Caption, button.Value, button.Tip}));
     }
@@ -56,10 +56,10 @@ class FormatOptionsTest : public ::testing::Test {
 };
 
 TEST_F(FormatOptionsTest, TheFourCaptions) {
-  EXPECT_EQ(presenters::OptionWindowOf("RAW").Caption, "RAW Options");
-  EXPECT_EQ(presenters::OptionWindowOf("VOX").Caption, "VOX Options");
-  EXPECT_EQ(presenters::OptionWindowOf("WAV").Caption, "WAV Options");
-  EXPECT_EQ(presenters::OptionWindowOf("G726").Caption, "Set CCUIT G.726 Format");
+  EXPECT_EQ(presenters::FindOptionWindow("RAW")->Caption, "RAW Options");
+  EXPECT_EQ(presenters::FindOptionWindow("VOX")->Caption, "VOX Options");
+  EXPECT_EQ(presenters::FindOptionWindow("WAV")->Caption, "WAV Options");
+  EXPECT_EQ(presenters::FindOptionWindow("G726")->Caption, "Set CCUIT G.726 Format");
 }
 
 TEST_F(FormatOptionsTest, TheButtonsOfRaw) {
@@ -127,8 +127,9 @@ TEST_F(FormatOptionsTest, TheButtonsOfG726) {
 }
 
 TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
-  for (const std::string_view format : presenters::kButtonFormats) {
-    presenters::FormatOptions options(format, rig_.Settings, rig_.Section);
+  for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
+    const std::string_view format = design.FileFormat;
+    presenters::FormatOptions options(design, rig_.Settings, rig_.Section);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
       for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -137,7 +138,7 @@ TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
         EXPECT_EQ(options.On(group), static_cast<int>(button));
         options.cmdOK();
         EXPECT_EQ(groups[group].Read(rig_.Settings), groups[group].Buttons[button].Value);
-        presenters::FormatOptions next(format, rig_.Settings, rig_.Section);
+        presenters::FormatOptions next(design, rig_.Settings, rig_.Section);
         EXPECT_EQ(next.On(group), static_cast<int>(button)) << format;
       }
     }
@@ -145,8 +146,8 @@ TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
 }
 
 TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
-  for (const std::string_view format : presenters::kButtonFormats) {
-    presenters::FormatOptions options(format, rig_.Settings, rig_.Section);
+  for (const std::string_view format : {"RAW", "VOX", "WAV", "G726"}) {
+    presenters::FormatOptions options(*presenters::FindOptionWindow(format), rig_.Settings, rig_.Section);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
       for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -183,7 +184,7 @@ TEST_F(FormatOptionsTest, TheKeysAreSavedInTheirOrder) {
   };
   for (const Row& row : rows) {
     rig_.Store.Calls.clear();
-    presenters::FormatOptions options(row.Format, rig_.Settings, rig_.Section);
+    presenters::FormatOptions options(*presenters::FindOptionWindow(row.Format), rig_.Settings, rig_.Section);
     for (std::size_t group = 0; group < options.Design().Groups.size(); ++group) options.Choose(group, 0);
     if (row.Format == "RAW") options.Choose(1, 1);
     options.cmdOK();
@@ -193,7 +194,7 @@ TEST_F(FormatOptionsTest, TheKeysAreSavedInTheirOrder) {
 
 TEST_F(FormatOptionsTest, AWavRateThatIsNotOfferedSetsNoButtonAndStays) {
   rig_.Settings.FormatWAV.Frequency = 12000;
-  presenters::FormatOptions options("WAV", rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Settings, rig_.Section);
   EXPECT_EQ(options.On(2), -1);
   options.Choose(0, 1);
   options.cmdOK();
@@ -202,7 +203,7 @@ TEST_F(FormatOptionsTest, AWavRateThatIsNotOfferedSetsNoButtonAndStays) {
 }
 
 TEST_F(FormatOptionsTest, TheDefaultCompressionSetsNoButtonAndStaysUntilChosen) {
-  presenters::FormatOptions options("RAW", rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), rig_.Settings, rig_.Section);
   EXPECT_EQ(options.On(0), -1);
   options.cmdOK();
   EXPECT_EQ(rig_.Settings.FormatRAW.Compression, 0);
@@ -212,7 +213,7 @@ TEST_F(FormatOptionsTest, TheDefaultCompressionSetsNoButtonAndStaysUntilChosen) 
 }
 
 TEST_F(FormatOptionsTest, ACancelKeepsNothing) {
-  presenters::FormatOptions options("WAV", rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Settings, rig_.Section);
   options.Choose(0, 1);
   options.Load();
   EXPECT_EQ(options.On(0), 0);

@@ -131,9 +131,9 @@ TEST_F(ConfigureWhileRecording, TheSameFormatStopsNothing) {
 
 TEST_F(ConfigureWhileRecording, OptionsOfTheFormatHoldForTheNextCapture) {
   Begin();
-  window->Wav().Load();
-  window->Wav().Choose(1, 1);
-  window->Wav().cmdOK();
+  window->Buttons("WAV")->Load();
+  window->Buttons("WAV")->Choose(1, 1);
+  window->Buttons("WAV")->cmdOK();
   window->FormatOptionsClosed();
   EXPECT_EQ(Status(), "Recording");
   const std::size_t idle = static_cast<std::size_t>(1 - State().CaptureSlot);

@@ -1,47 +1,49 @@
 #include "support/RecordingCaptureFile.h"
 
-#include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 
 namespace kestrune::test {
 
-void RecordingCaptureFile::Prepare(std::string call, platform::PcmFormat format) {
-  format_ = format;
-  description_ = call;
-  Calls.push_back(std::move(call));
-}
+namespace {
 
-void RecordingCaptureFile::SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t bits) {
-  Prepare(fmt::format("SetFormatWAV {} {} {}", frequency, channels, bits), {frequency, channels});
-}
+/// A format as text. A format without an overload of its own is named by its samples.
+struct TextOf {
+  std::string operator()(const std::monostate& /*none*/) const { return "SetFormat none"; }
+  std::string operator()(const platform::WavFormat& f) const {
+    return fmt::format("SetFormatWAV {} {} {}", f.Frequency, f.Channels, f.Bits);
+  }
+  std::string operator()(const platform::RawFormat& f) const {
+    return fmt::format("SetFormatRAW {} {} {} {}", f.Compression, f.Frequency, f.Channels, f.Bits);
+  }
+  std::string operator()(const platform::VoxFormat& f) const {
+    return fmt::format("SetFormatVOX {}", f.Frequency);
+  }
+  std::string operator()(const platform::Mp3Parameters& f) const {
+    return fmt::format("SetFormatMP3 {} {} {}", f.Frequency, f.Channels, f.Bitrate);
+  }
+  std::string operator()(const platform::OggFormat& f) const {
+    return fmt::format("SetFormatOgg {} {} {} {} {} {}", f.Frequency, f.Channels, f.NominalBitrate,
+                       f.MinBitrate, f.MaxBitrate, f.Quality);
+  }
+  std::string operator()(const platform::G726Format& f) const {
+    return fmt::format("SetFormatG726 {} {}", f.Frequency, f.Bits);
+  }
+  template <typename Other>
+  std::string operator()(const Other& format) const {
+    const auto values = platform::FormatValues(platform::CaptureFormat(format));
+    return fmt::format("SetFormat {} {}", values.SampleRate, values.Channels);
+  }
+};
 
-void RecordingCaptureFile::SetFormatRAW(std::int16_t compression, std::int32_t frequency,
-                                        std::int16_t channels, std::int16_t bits) {
-  Prepare(fmt::format("SetFormatRAW {} {} {} {}", compression, frequency, channels, bits),
-          {frequency, channels});
-}
+}  // namespace
 
-void RecordingCaptureFile::SetFormatVOX(std::int32_t frequency) {
-  Prepare(fmt::format("SetFormatVOX {}", frequency), {frequency, 1});
-}
-
-void RecordingCaptureFile::SetFormatMP3(const platform::Mp3Parameters& parameters) {
-  Mp3 = parameters;
-  Prepare(fmt::format("SetFormatMP3 {} {} {}", parameters.Frequency, parameters.Channels, parameters.Bitrate),
-          {parameters.Frequency, parameters.Channels});
-}
-
-void RecordingCaptureFile::SetFormatOgg(std::int32_t frequency, std::int16_t channels,
-                                        std::int16_t nominalBitrate, std::int16_t minBitrate,
-                                        std::int16_t maxBitrate, std::int16_t quality) {
-  Prepare(fmt::format("SetFormatOgg {} {} {} {} {} {}", frequency, channels, nominalBitrate, minBitrate,
-                      maxBitrate, quality),
-          {frequency, channels});
-}
-
-void RecordingCaptureFile::SetFormatG726(std::int32_t frequency, std::int16_t bits) {
-  Prepare(fmt::format("SetFormatG726 {} {}", frequency, bits), {frequency, 1});
+void RecordingCaptureFile::SetFormat(const platform::CaptureFormat& format) {
+  if (const auto* mp3 = std::get_if<platform::Mp3Parameters>(&format)) Mp3 = *mp3;
+  format_ = platform::FormatValues(format);
+  description_ = std::visit(TextOf{}, format);
+  Calls.push_back(description_);
 }
 
 void RecordingCaptureFile::Create(std::string_view path) {

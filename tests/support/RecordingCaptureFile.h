@@ -24,20 +24,13 @@ class RecordingCaptureFile final : public platform::CaptureFile {
 
   explicit RecordingCaptureFile(platform::Files* files = nullptr) : files_(files) {}
 
-  void SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t bits) override;
-  void SetFormatRAW(std::int16_t compression, std::int32_t frequency, std::int16_t channels,
-                    std::int16_t bits) override;
-  void SetFormatVOX(std::int32_t frequency) override;
-  void SetFormatMP3(const platform::Mp3Parameters& parameters) override;
-  void SetFormatOgg(std::int32_t frequency, std::int16_t channels, std::int16_t nominalBitrate,
-                    std::int16_t minBitrate, std::int16_t maxBitrate, std::int16_t quality) override;
-  void SetFormatG726(std::int32_t frequency, std::int16_t bits) override;
+  void SetFormat(const platform::CaptureFormat& format) override;
   void Create(std::string_view path) override;
   [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }
   [[nodiscard]] platform::PcmFormat FormatValues() const override { return format_; }
   [[nodiscard]] bool WriteBlock(std::span<const std::int16_t> samples) override;
   [[nodiscard]] std::int32_t Length() const override;
-  /// The last SetFormat call as text, or "nothing prepared".
+  /// The text of the last SetFormat, or "nothing prepared".
   [[nodiscard]] std::string FormatDescription() const override { return description_; }
   void Close() override;
 
@@ -47,17 +40,15 @@ class RecordingCaptureFile final : public platform::CaptureFile {
   bool FailCreate = false;
   /// While set, the file takes no more.
   bool FailWrites = false;
-  /// "SetFormatWAV 44100 2 16", "Create PATH", "Close" and so on; blocks are not told here, but kept in
+  /// "SetFormatWAV 44100 2 16", "Create PATH", "Close" and so on; blocks are not listed here, but kept in
   /// Written.
   std::vector<std::string> Calls;
-  /// The parameters of the last SetFormatMP3, as they were at the call.
+  /// The parameters of the last SetFormat for MP3.
   platform::Mp3Parameters Mp3;
   /// Every file made so far, the newest last.
   std::vector<File> Written;
 
  private:
-  void Prepare(std::string call, platform::PcmFormat format);
-
   platform::Files* files_;
   platform::PcmFormat format_;
   std::string description_ = "nothing prepared";

@@ -16,15 +16,12 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include "base/Text.h"
+#include "config/formats/FormatTable.h"
 #include "presenters/ConfigurationRig.h"
 #include "windows/Controls.h"
+#include "windows/OptionWindows.h"
 #include "windows/frmFilenameFormatSelect.h"
-#include "windows/frmFormatG726.h"
-#include "windows/frmFormatMP3.h"
-#include "windows/frmFormatOgg.h"
-#include "windows/frmFormatRAW.h"
-#include "windows/frmFormatVOX.h"
-#include "windows/frmFormatWAV.h"
 
 namespace kestrune::test {
 namespace {
@@ -58,21 +55,25 @@ std::set<std::string> Frames(const QWidget& window) {
 class FrmFormatTest : public ::testing::Test {
  protected:
   std::unique_ptr<QDialog> Make(std::string_view code) {
-    if (code == "RAW") return std::make_unique<windows::frmFormatRAW>(rig_.Window.Raw());
-    if (code == "VOX") return std::make_unique<windows::frmFormatVOX>(rig_.Window.Vox());
-    if (code == "WAV") return std::make_unique<windows::frmFormatWAV>(rig_.Window.Wav());
-    if (code == "G726") return std::make_unique<windows::frmFormatG726>(rig_.Window.G726());
-    if (code == "OGG") return std::make_unique<windows::frmFormatOgg>(rig_.Window.Ogg());
-    return std::make_unique<windows::frmFormatMP3>(rig_.Window.Mp3());
+    return std::unique_ptr<QDialog>(windows::MakeOptionWindow(code, rig_.Window, nullptr));
   }
 
   ConfigurationRig rig_;
 };
 
+TEST_F(FrmFormatTest, EveryFormatHasAnOptionWindowAndNoOtherCodeHas) {
+  for (const config::FormatRow& row : config::FormatTable()) {
+    const auto window = Make(row.Code);
+    ASSERT_NE(window, nullptr) << row.Code;
+    EXPECT_EQ(window->objectName().toLower().toStdString(), "frmformat" + base::ToLower(row.Code));
+  }
+  for (const char* code : {"", "mp3", "AAC"}) EXPECT_EQ(Make(code), nullptr) << code;
+}
+
 TEST_F(FrmFormatTest, EveryOptionButtonReadsAsItsRulesSay) {
-  for (const std::string_view code : presenters::kButtonFormats) {
+  for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
+    const std::string_view code = design.FileFormat;
     const std::unique_ptr<QDialog> window = Make(code);
-    const presenters::OptionWindow& design = presenters::OptionWindowOf(code);
     EXPECT_EQ(window->windowTitle().toStdString(), design.Caption);
     EXPECT_EQ(window->objectName().toStdString(), "frmFormat" + std::string(code));
     for (const presenters::OptionGroup& group : design.Groups) {
@@ -90,8 +91,9 @@ TEST_F(FrmFormatTest, EveryOptionButtonReadsAsItsRulesSay) {
 }
 
 TEST_F(FrmFormatTest, EveryOptionButtonIsTakenOverByOk) {
-  for (const std::string_view code : presenters::kButtonFormats) {
-    for (const presenters::OptionGroup& group : presenters::OptionWindowOf(code).Groups) {
+  for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
+    const std::string_view code = design.FileFormat;
+    for (const presenters::OptionGroup& group : presenters::FindOptionWindow(code)->Groups) {
       for (std::size_t i = 0; i < group.Buttons.size(); ++i) {
         const std::unique_ptr<QDialog> window = Make(code);
         window->show();

@@ -7,12 +7,10 @@
 
 #include "config/formats/Formats.h"
 #include "platform/CaptureFile.h"
-#include "platform/Mp3Parameters.h"
 
 namespace kestrune::config {
 
-/// Turns the chosen format into calls on a capture slot's file, so that the slot's next capture is written in
-/// that format. It owns the one set of MP3 parameters that both slots share.
+/// Prepares a capture slot's file with the chosen format, so that the slot's next capture is written in it.
 class FileSpecs {
  public:
   /// The MP3 bit rate text of the running schedule entry, such as "128 Stereo"; nothing while none runs.
@@ -29,18 +27,14 @@ class FileSpecs {
   /// unknown format code prepares nothing, and the description is still read.
   void SetFileSpecs(std::int16_t slot);
 
-  /// What the slot prepared last says about its format.
+  /// The description of the slot that was prepared last.
   [[nodiscard]] const std::string& FileFormatString() const { return fileFormatText_; }
 
  private:
-  void FillMp3Parameters(const std::optional<std::string>& scheduled);
-  void PrepareOgg(platform::CaptureFile& file) const;
-
   SlotFile slotFile_;
   const FormatSettings& settings_;
   const std::int16_t& captureSlot_;
   ScheduledBitRate scheduledBitRate_;
-  platform::Mp3Parameters mp3Parameters_;
   std::string fileFormatText_;
 };
 

@@ -2,12 +2,11 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace kestrune::config {
 
-/// What each recording format is told, with the defaults of a fresh installation. Frequencies in Hz, bitrates
-/// in kbit/s. Nothing is checked: what the user saved goes to the encoder as it stands.
+/// The settings of each recording format, with the defaults of a fresh installation. Frequencies in Hz, bitrates
+/// in kbit/s. Nothing is checked: what the user saved is passed on to the encoder as it is.
 struct Format726 {
   std::int32_t Frequency = 44100;
   std::int16_t Bits = 4;  ///< bits a sample, 2 to 5
@@ -77,12 +76,9 @@ struct FormatWAV {
   bool operator==(const FormatWAV&) const = default;
 };
 
-/// The codes of the formats.
-inline constexpr std::string_view kFileFormats[] = {"MP3", "OGG", "WAV", "RAW", "VOX", "G726"};
-
 /// The chosen format and the records of all: everything that the preparation of a capture file needs.
 struct FormatSettings {
-  std::string FileFormat = "MP3";  ///< one of kFileFormats; anything else prepares no format
+  std::string FileFormat = "MP3";  ///< a code of the format table; anything else prepares no format
 
   // The type names need their namespace here, as the fields bear the same names.
   config::Format726 Format726;

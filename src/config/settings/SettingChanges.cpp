@@ -9,6 +9,7 @@
 #include <fmt/ranges.h>
 
 #include "base/OneLine.h"
+#include "config/formats/FormatTable.h"
 #include "config/settings/ConfigurationSave.h"
 #include "config/settings/SettingKeys.h"
 
@@ -42,8 +43,8 @@ std::string FileDir(Settings& wished) {
 }
 
 std::string FileFormat(Settings& wished) {
-  if (std::ranges::find(kFileFormats, wished.FileFormat) != std::end(kFileFormats)) return {};
-  return fmt::format("is not one of {}", fmt::join(kFileFormats, ", "));
+  if (FindFormat(wished.FileFormat) != nullptr) return {};
+  return fmt::format("is not one of {}", fmt::join(FileFormats(), ", "));
 }
 
 std::string FilenameFormat(Settings& wished) {

@@ -9,6 +9,7 @@
 #include "base/Ignored.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
+#include "config/formats/FormatTable.h"
 
 namespace kestrune::config {
 namespace {
@@ -147,9 +148,9 @@ std::span<const SettingKey> SettingKeys() {
 }
 
 std::span<const SettingKey> FormatKeys(std::string_view fileFormat) {
-  if (std::ranges::find(kFileFormats, fileFormat) == std::end(kFileFormats)) return {};
-  const std::string prefix = std::string(fileFormat == "G726" ? "726" : fileFormat) + "_";
-  const auto ofFormat = [&](const SettingKey& key) { return key.Key.starts_with(prefix); };
+  const FormatRow* const row = FindFormat(fileFormat);
+  if (row == nullptr) return {};
+  const auto ofFormat = [&](const SettingKey& key) { return key.Key.starts_with(row->KeyPrefix); };
   const auto* first = std::find_if(std::begin(kSettingKeys), std::end(kSettingKeys), ofFormat);
   return {first, std::find_if_not(first, std::end(kSettingKeys), ofFormat)};
 }

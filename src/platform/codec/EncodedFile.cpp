@@ -6,74 +6,19 @@
 
 #include "base/Ignored.h"
 #include "platform/codec/CaptureErrors.h"
-#include "platform/codec/G726Encoder.h"
-#include "platform/codec/LameEncoder.h"
-#include "platform/codec/SndfileEncoder.h"
-#include "platform/codec/VorbisEncoder.h"
-#include "platform/codec/WaveEncoder.h"
+#include "platform/codec/CodecTable.h"
 
 namespace kestrune::platform {
-namespace {
-
-struct EncoderOf {
-  std::unique_ptr<Encoder> operator()(const std::monostate& /*none*/) const { return nullptr; }
-  std::unique_ptr<Encoder> operator()(const WavFormat& format) const {
-    return std::make_unique<WaveEncoder>(format);
-  }
-  std::unique_ptr<Encoder> operator()(const RawFormat& format) const {
-    return std::make_unique<SndfileEncoder>(format);
-  }
-  std::unique_ptr<Encoder> operator()(const VoxFormat& format) const {
-    return std::make_unique<SndfileEncoder>(format);
-  }
-  std::unique_ptr<Encoder> operator()(const Mp3Parameters& format) const {
-    return std::make_unique<LameEncoder>(format);
-  }
-  std::unique_ptr<Encoder> operator()(const OggFormat& format) const {
-    return std::make_unique<VorbisEncoder>(format);
-  }
-  std::unique_ptr<Encoder> operator()(const G726Format& format) const {
-    return std::make_unique<G726Encoder>(format);
-  }
-};
-
-}  // namespace
-
-void EncodedFile::SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t bits) {
-  format_ = WavFormat{frequency, channels, bits};
-}
-
-void EncodedFile::SetFormatRAW(std::int16_t compression, std::int32_t frequency, std::int16_t channels,
-                               std::int16_t bits) {
-  format_ = RawFormat{compression, frequency, channels, bits};
-}
-
-void EncodedFile::SetFormatVOX(std::int32_t frequency) {
-  format_ = VoxFormat{frequency};
-}
-
-void EncodedFile::SetFormatMP3(const Mp3Parameters& parameters) {
-  format_ = parameters;
-}
-
-void EncodedFile::SetFormatOgg(std::int32_t frequency, std::int16_t channels, std::int16_t nominalBitrate,
-                               std::int16_t minBitrate, std::int16_t maxBitrate, std::int16_t quality) {
-  format_ = OggFormat{frequency, channels, nominalBitrate, minBitrate, maxBitrate, quality};
-}
-
-void EncodedFile::SetFormatG726(std::int32_t frequency, std::int16_t bits) {
-  format_ = G726Format{frequency, bits};
-}
-
 void EncodedFile::Create(std::string_view path) {
   Close();
   framesWritten_ = 0;
   open_ = FormatValues();
-  auto encoder = std::visit(EncoderOf{}, format_);
-  if (encoder == nullptr) {
+  const Codec* const codec = FindCodec(format_);
+  if (codec == nullptr) {
     lastResult_ = kNoFormat;
     return;
   }
+  auto encoder = codec->MakeEncoder(format_);
   lastResult_ = encoder->Prepare();
   if (lastResult_ < 0) return;
   if (!file_.Create(path)) {
@@ -112,7 +57,8 @@ std::int32_t EncodedFile::Length() const {
 }
 
 std::string EncodedFile::FormatDescription() const {
-  return platform::FormatDescription(format_);
+  const Codec* const codec = FindCodec(format_);
+  return codec != nullptr ? codec->Description(format_) : "No format";
 }
 
 void EncodedFile::Close() {

@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "platform/CaptureFile.h"
-#include "platform/codec/CaptureFormat.h"
 #include "platform/codec/DiskFile.h"
 #include "platform/codec/Encoder.h"
 
@@ -21,14 +20,7 @@ class EncodedFile final : public CaptureFile {
   EncodedFile(const EncodedFile&) = delete;
   EncodedFile& operator=(const EncodedFile&) = delete;
 
-  void SetFormatWAV(std::int32_t frequency, std::int16_t channels, std::int16_t bits) override;
-  void SetFormatRAW(std::int16_t compression, std::int32_t frequency, std::int16_t channels,
-                    std::int16_t bits) override;
-  void SetFormatVOX(std::int32_t frequency) override;
-  void SetFormatMP3(const Mp3Parameters& parameters) override;
-  void SetFormatOgg(std::int32_t frequency, std::int16_t channels, std::int16_t nominalBitrate,
-                    std::int16_t minBitrate, std::int16_t maxBitrate, std::int16_t quality) override;
-  void SetFormatG726(std::int32_t frequency, std::int16_t bits) override;
+  void SetFormat(const CaptureFormat& format) override { format_ = format; }
 
   /// Closes a file that is open. The encoder is asked first: a refused format leaves a file of that name as
   /// it was.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "platform/codec/DiskFile.h"
 
@@ -23,5 +24,10 @@ class Encoder {
   /// it closes off what the file did take.
   [[nodiscard]] virtual bool Finish() = 0;
 };
+
+/// As descriptions say it.
+[[nodiscard]] constexpr std::string_view ChannelsText(std::int16_t channels) {
+  return channels == 1 ? "mono" : "stereo";
+}
 
 }  // namespace kestrune::platform

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include <fmt/format.h>
 #include <spandsp/telephony.h>
 // The library's headers need the one above first.
 #include <spandsp/g726.h>
@@ -69,6 +70,10 @@ bool G726Encoder::Finish() {
   fill.fill(lastSample_);
   const bool filled = failed_ || missing == 0 || Encode(std::span(fill).first(missing));
   return riff_.Finish(frames_) && filled;
+}
+
+std::string FormatDescription(const G726Format& format) {
+  return fmt::format("G.726, {}-bit ADPCM, {} Hz, mono", format.Bits, format.Frequency);
 }
 
 }  // namespace kestrune::platform

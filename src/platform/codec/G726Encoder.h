@@ -1,9 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
-#include "platform/codec/CaptureFormat.h"
+#include "platform/CaptureFormat.h"
 #include "platform/codec/Encoder.h"
 #include "platform/codec/RiffFile.h"
 
@@ -37,5 +38,7 @@ class G726Encoder final : public Encoder {
   std::int16_t lastSample_ = 0;
   bool failed_ = false;
 };
+
+[[nodiscard]] std::string FormatDescription(const G726Format& format);
 
 }  // namespace kestrune::platform

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
+
+#include <fmt/format.h>
 
 #include "base/Ignored.h"
 #include "platform/codec/Bytes.h"
@@ -27,6 +30,30 @@ std::uint8_t MethodNumber(vbr_mode method) {
     default:
       return 4;
   }
+}
+
+std::string_view StereoText(const Mp3Parameters& parameters) {
+  if (parameters.Channels == 1) return "mono";
+  switch (parameters.TypeStereo) {
+    case 1:
+      return "simple stereo";
+    case 3:
+      return "forced joint stereo";
+    case 4:
+      return "dual channel";
+    default:
+      return "joint stereo";
+  }
+}
+
+std::string BitrateText(const Mp3Parameters& parameters) {
+  if (parameters.VBRCodingMethod == -1) return fmt::format("{} kbit/s constant", parameters.Bitrate);
+  std::string text = parameters.VBRCodingMethod == 4
+                         ? fmt::format("{} kbit/s average", parameters.VBRTargetBitrate)
+                         : fmt::format("variable bitrate quality {}", parameters.VBRQuality);
+  if (parameters.VBREnforceMinBitRate) text += fmt::format(", at least {} kbit/s", parameters.Bitrate);
+  if (parameters.VBRMaxBitrate != 0) text += fmt::format(", at most {} kbit/s", parameters.VBRMaxBitrate);
+  return text;
 }
 
 }  // namespace
@@ -120,6 +147,11 @@ bool LameEncoder::Finish() {
   // A full disk may have cut off the last frame.
   if (failed_) base::Ignored(file_->Truncate(at + infoFrame_->Size() + walker_->FrameBytes()));
   return file_->WriteAt(at, AsBytes(infoFrame_->Frame(Facts()))) && !failed_;
+}
+
+std::string FormatDescription(const Mp3Parameters& asked) {
+  const Mp3Parameters real = WithRealBitrates(asked);
+  return fmt::format("MP3, {}, {} Hz, {}", BitrateText(real), real.Frequency, StereoText(real));
 }
 
 }  // namespace kestrune::platform

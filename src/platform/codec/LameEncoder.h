@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <lame/lame.h>
@@ -43,5 +44,8 @@ class LameEncoder final : public Encoder {
   std::uint16_t soundCrc_ = 0;
   bool failed_ = false;
 };
+
+/// Names the bitrates that are really written.
+[[nodiscard]] std::string FormatDescription(const Mp3Parameters& asked);
 
 }  // namespace kestrune::platform

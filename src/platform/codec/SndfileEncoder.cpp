@@ -1,5 +1,9 @@
 #include "platform/codec/SndfileEncoder.h"
 
+#include <string_view>
+
+#include <fmt/format.h>
+
 #include "base/Ignored.h"
 #include "platform/codec/CaptureErrors.h"
 
@@ -85,6 +89,17 @@ bool SndfileEncoder::Finish() {
     base::Ignored(WriteWhole(waiting_));
   }
   return sf_close(sound_.release()) == 0 && !sink_.Failed;
+}
+
+std::string FormatDescription(const RawFormat& format) {
+  const std::string_view samples = format.Compression == 2   ? "8-bit A-law"
+                                   : format.Compression == 3 ? "8-bit mu-law"
+                                                             : "16-bit PCM";
+  return fmt::format("RAW, {}, {} Hz, {}", samples, format.Frequency, ChannelsText(format.Channels));
+}
+
+std::string FormatDescription(const VoxFormat& format) {
+  return fmt::format("VOX, 4-bit ADPCM, {} Hz, mono", format.Frequency);
 }
 
 }  // namespace kestrune::platform

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <sndfile.h>
 
-#include "platform/codec/CaptureFormat.h"
+#include "platform/CaptureFormat.h"
 #include "platform/codec/Encoder.h"
 
 namespace kestrune::platform {
@@ -43,5 +44,8 @@ class SndfileEncoder final : public Encoder {
   std::vector<std::int16_t> waiting_;  ///< for its neighbour: one sample at most between calls
   std::unique_ptr<SNDFILE, CloseSound> sound_;
 };
+
+[[nodiscard]] std::string FormatDescription(const RawFormat& format);
+[[nodiscard]] std::string FormatDescription(const VoxFormat& format);
 
 }  // namespace kestrune::platform

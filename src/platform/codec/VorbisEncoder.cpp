@@ -4,6 +4,7 @@
 #include <random>
 #include <string>
 
+#include <fmt/format.h>
 #include <vorbis/vorbisenc.h>
 
 #include "platform/codec/Bytes.h"
@@ -137,6 +138,18 @@ bool VorbisEncoder::FlushPages() {
     if (!AppendPage(page)) return false;
   }
   return true;
+}
+
+std::string FormatDescription(const OggFormat& format) {
+  std::string bitrate;
+  if (format.Quality != -1) {
+    bitrate = fmt::format("quality {}", format.Quality);
+  } else {
+    bitrate = fmt::format("{} kbit/s", format.NominalBitrate);
+    if (format.MinBitrate != 0) bitrate += fmt::format(", at least {} kbit/s", format.MinBitrate);
+    if (format.MaxBitrate != 0) bitrate += fmt::format(", at most {} kbit/s", format.MaxBitrate);
+  }
+  return fmt::format("Ogg Vorbis, {}, {} Hz, {}", bitrate, format.Frequency, ChannelsText(format.Channels));
 }
 
 }  // namespace kestrune::platform

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <string>
+
 #include <ogg/ogg.h>
 #include <vorbis/codec.h>
 
-#include "platform/codec/CaptureFormat.h"
+#include "platform/CaptureFormat.h"
 #include "platform/codec/Encoder.h"
 
 namespace kestrune::platform {
@@ -36,5 +38,7 @@ class VorbisEncoder final : public Encoder {
   bool encoderReady_ = false;
   bool failed_ = false;
 };
+
+[[nodiscard]] std::string FormatDescription(const OggFormat& format);
 
 }  // namespace kestrune::platform

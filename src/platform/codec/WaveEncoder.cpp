@@ -2,6 +2,8 @@
 
 #include <bit>
 
+#include <fmt/format.h>
+
 #include "platform/codec/CaptureErrors.h"
 
 namespace kestrune::platform {
@@ -48,6 +50,11 @@ bool WaveEncoder::Write(std::span<const std::int16_t> samples) {
   }
   if (written) frames_ += static_cast<std::int64_t>(samples.size()) / format_.Channels;
   return written;
+}
+
+std::string FormatDescription(const WavFormat& format) {
+  return fmt::format("WAV, {}-bit PCM, {} Hz, {}", format.Bits, format.Frequency,
+                     ChannelsText(format.Channels));
 }
 
 }  // namespace kestrune::platform

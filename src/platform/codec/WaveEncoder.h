@@ -1,8 +1,9 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
-#include "platform/codec/CaptureFormat.h"
+#include "platform/CaptureFormat.h"
 #include "platform/codec/Encoder.h"
 #include "platform/codec/RiffFile.h"
 
@@ -24,5 +25,7 @@ class WaveEncoder final : public Encoder {
   std::vector<std::byte> buffer_;
   std::int64_t frames_ = 0;
 };
+
+[[nodiscard]] std::string FormatDescription(const WavFormat& format);
 
 }  // namespace kestrune::platform

@@ -186,7 +186,7 @@ TEST_F(SettingChangesTest, EachOfTheSixFormatsIsTaken) {
 }
 
 TEST_F(SettingChangesTest, AnUnknownFormatIsRefusedAndStopsNothing) {
-  Refused("FileFormat", "mp3", "FileFormat: \"mp3\" is not one of MP3, OGG, WAV, RAW, VOX, G726");
+  Refused("FileFormat", "mp3", "FileFormat: \"mp3\" is not one of MP3, WAV, VOX, RAW, G726, OGG");
   EXPECT_THAT(formatsAtStop_, IsEmpty());
 }
 

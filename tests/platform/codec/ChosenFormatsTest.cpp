@@ -12,7 +12,11 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "base/Text.h"
 #include "config/formats/FileSpecs.h"
+#include "config/formats/FormatTable.h"
+#include "config/settings/SettingKeys.h"
+#include "platform/codec/CodecTable.h"
 #include "platform/codec/Decoders.h"
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/Mp3Frames.h"
@@ -70,8 +74,22 @@ class ChosenFormats : public testing::Test {
   std::size_t frames_ = 0;
 };
 
+TEST_F(ChosenFormats, EveryFormatHasAnEncoderUnderItsExtensionAndSettings) {
+  for (const config::FormatRow& row : config::FormatTable()) {
+    SCOPED_TRACE(row.Code);
+    const platform::Codec* const codec = platform::FindCodec(row.Format(settings_, std::nullopt));
+    ASSERT_NE(codec, nullptr);
+    EXPECT_EQ(codec->Extension, "." + base::ToLower(row.Code));
+    EXPECT_EQ(platform::FindCodecOfFile("/music/song." + std::string(row.Code)), codec);
+    const auto keys = config::FormatKeys(row.Code);
+    EXPECT_FALSE(keys.empty());
+    for (const config::SettingKey& key : keys) EXPECT_TRUE(key.Key.starts_with(row.KeyPrefix));
+    EXPECT_GT(std::filesystem::file_size(Record(row.Code)), 0U);
+  }
+}
+
 TEST_F(ChosenFormats, EveryWavButton) {
-  presenters::FormatOptions options("WAV", settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -87,7 +105,7 @@ TEST_F(ChosenFormats, EveryWavButton) {
 }
 
 TEST_F(ChosenFormats, EveryRawButton) {
-  presenters::FormatOptions options("RAW", settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
@@ -107,7 +125,7 @@ TEST_F(ChosenFormats, EveryRawButton) {
 }
 
 TEST_F(ChosenFormats, EveryVoxButton) {
-  presenters::FormatOptions options("VOX", settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("VOX"), settings_, section_);
   for (std::size_t button = 0; button < options.Design().Groups[0].Buttons.size(); ++button) {
     options.Choose(0, button);
     options.cmdOK();
@@ -121,7 +139,7 @@ TEST_F(ChosenFormats, EveryVoxButton) {
 }
 
 TEST_F(ChosenFormats, EveryG726Button) {
-  presenters::FormatOptions options("G726", settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("G726"), settings_, section_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {

@@ -68,7 +68,7 @@ TEST_F(DecodedSound, WavHoldsEverySampleAtEveryRateAndShape) {
       for (const std::int16_t bits : {8, 16}) {
         SCOPED_TRACE(fmt::format("{} Hz, {} channels, {} bits", rate, channels, bits));
         const std::string path = folder_.Path("a.wav");
-        file_.SetFormatWAV(rate, channels, bits);
+        file_.SetFormat(platform::WavFormat{rate, channels, bits});
         auto expected = WriteMusic(path);
         ExpectFacts(path, bits == 8 ? "pcm_u8" : "pcm_s16le");
         if (bits == 8) {
@@ -85,7 +85,7 @@ TEST_F(DecodedSound, RawPcmIsTheSamplesThemselves) {
   for (const std::int16_t compression : {0, 1}) {
     for (const std::int16_t channels : {1, 2}) {
       const std::string path = folder_.Path("a.raw");
-      file_.SetFormatRAW(compression, 44100, channels, 16);
+      file_.SetFormat(platform::RawFormat{compression, 44100, channels, 16});
       const auto music = WriteMusic(path);
       EXPECT_EQ(DecodeWithFfmpeg(path, fmt::format("-f s16le -ar 44100 -ac {}", channels)), music);
     }
@@ -100,7 +100,7 @@ TEST_F(DecodedSound, RawALawAndMuLawKeepEverySampleWithinTheirSteps) {
       for (const auto& [compression, law] : laws) {
         SCOPED_TRACE(fmt::format("{} {} {}", law, rate, channels));
         const std::string path = folder_.Path("a.raw");
-        file_.SetFormatRAW(compression, rate, channels, 16);
+        file_.SetFormat(platform::RawFormat{compression, rate, channels, 16});
         const auto music = WriteMusic(path, 4001);
         EXPECT_EQ(ReadFile(path).size(), music.size());
         const auto decoded = DecodeWithFfmpeg(path, fmt::format("-f {} -ar {} -ac {}", law, rate, channels));
@@ -117,7 +117,7 @@ TEST_F(DecodedSound, VoxIsFourBitDialogicAdpcmAtEveryRate) {
   for (const std::int32_t rate : {8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000}) {
     SCOPED_TRACE(rate);
     const std::string path = folder_.Path("a.vox");
-    file_.SetFormatVOX(rate);
+    file_.SetFormat(platform::VoxFormat{rate});
     EXPECT_EQ(file_.FormatValues().Channels, 1);
     const auto music = WriteMusic(path, 40000);
     EXPECT_EQ(ReadFile(path).size(), 20000U);
@@ -129,7 +129,7 @@ TEST_F(DecodedSound, VoxIsFourBitDialogicAdpcmAtEveryRate) {
 
 TEST_F(DecodedSound, VoxBlocksOfOddSizesAddNoSample) {
   const std::string path = folder_.Path("a.vox");
-  file_.SetFormatVOX(8000);
+  file_.SetFormat(platform::VoxFormat{8000});
   const auto music = MakeMusic(8001, 8000, 1);
   file_.Create(path);
   for (std::size_t at = 0; at < music.size(); at += 333) {
@@ -149,7 +149,7 @@ TEST_F(DecodedSound, G726DecodesAtEveryRateAndWidth) {
     for (const std::int16_t bits : {2, 3, 4, 5}) {
       SCOPED_TRACE(fmt::format("{} Hz, {} bits", rate, bits));
       const std::string path = folder_.Path("a.g726");
-      file_.SetFormatG726(rate, bits);
+      file_.SetFormat(platform::G726Format{rate, bits});
       EXPECT_EQ(file_.FormatValues().Channels, 1);
       const auto music = WriteMusic(path, 40000);
       ExpectFacts(path, "adpcm_g726");
@@ -185,7 +185,7 @@ TEST_F(DecodedSound, G726CodesAreThoseOfTheStandard) {
   for (const Row& row : {Row{3, 25, 28}, Row{4, 23, 32}, Row{5, 26, 33}}) {
     SCOPED_TRACE(row.Bits);
     const std::string path = folder_.Path("a.g726");
-    file_.SetFormatG726(8000, row.Bits);
+    file_.SetFormat(platform::G726Format{8000, row.Bits});
     const auto music = WriteMusic(path, 40000);
     WriteFile(folder_.Path("a.au"), AsAu(ReadFile(path), static_cast<unsigned>(row.Bits), row.Encoding));
     const auto decoded = DecodeWithSox(folder_.Path("a.au"));
@@ -197,7 +197,7 @@ TEST_F(DecodedSound, G726CodesAreThoseOfTheStandard) {
 TEST_F(DecodedSound, G726FactChunkTellsTheLengthThatIsNoWholeByte) {
   for (const std::int16_t bits : {2, 3, 4, 5}) {
     const std::string path = folder_.Path("a.g726");
-    file_.SetFormatG726(8000, bits);
+    file_.SetFormat(platform::G726Format{8000, bits});
     const auto music = WriteMusic(path, 8003);
     const std::string bytes = ReadFile(path);
     const std::size_t fact = bytes.find("fact");
@@ -213,7 +213,7 @@ TEST_F(DecodedSound, G726HeaderSaysBlockAndBytesPerSecond) {
   const int blocks[] = {0, 0, 1, 3, 1, 5};
   for (const std::int16_t bits : {2, 3, 4, 5}) {
     const std::string path = folder_.Path("a.g726");
-    file_.SetFormatG726(44100, bits);
+    file_.SetFormat(platform::G726Format{44100, bits});
     WriteMusic(path, 100);
     const std::string bytes = ReadFile(path);
     const std::size_t fmtAt = bytes.find("fmt ");
@@ -242,7 +242,7 @@ TEST_F(DecodedSound, Mp3IsExactAtEveryRateAndConstantBitrate) {
       if (rate < 16000 && bitrate > 64) continue;
       SCOPED_TRACE(fmt::format("{} Hz, {} kbit/s", rate, bitrate));
       const std::string path = folder_.Path("a.mp3");
-      file_.SetFormatMP3(Mp3(rate, 2, static_cast<std::int16_t>(bitrate)));
+      file_.SetFormat(Mp3(rate, 2, static_cast<std::int16_t>(bitrate)));
       const auto music = WriteMusic(path, 12345);
       const auto stream = ParseMp3(ReadFile(path));
       EXPECT_FALSE(stream.Broken);
@@ -267,7 +267,7 @@ TEST_F(DecodedSound, Mp3IsExactInMonoAndByEveryVariableMethod) {
         parameters.VBRCodingMethod = method;
         parameters.VBRQuality = 4;
         parameters.VBRTargetBitrate = 96;
-        file_.SetFormatMP3(parameters);
+        file_.SetFormat(parameters);
         const auto music = WriteMusic(path);
         ExpectFacts(path, "mp3");
         const auto decoded = DecodeWithFfmpeg(path);
@@ -279,7 +279,7 @@ TEST_F(DecodedSound, Mp3IsExactInMonoAndByEveryVariableMethod) {
 }
 
 TEST_F(DecodedSound, Mp3OfAnyShortLengthIsExact) {
-  file_.SetFormatMP3(Mp3(44100, 2, 128));
+  file_.SetFormat(Mp3(44100, 2, 128));
   for (const std::size_t frames :
        {1, 2, 47, 575, 576, 577, 1104, 1105, 1106, 1151, 1152, 1153, 2304, 4409, 4410}) {
     const std::string path = folder_.Path("a.mp3");
@@ -296,7 +296,7 @@ TEST_F(DecodedSound, Mp3IsFoundSoundByAnMpegChecker) {
       parameters.IncludeCRC = crc;
       parameters.VBRCodingMethod = method;
       parameters.VBRTargetBitrate = 128;
-      file_.SetFormatMP3(parameters);
+      file_.SetFormat(parameters);
       WriteMusic(path);
       const auto said = RunProgramAll("mp3val '" + path + "'");
       EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
@@ -319,7 +319,7 @@ TEST_F(DecodedSound, OggIsExactInItsThreeModes) {
   for (const Row& row : rows) {
     SCOPED_TRACE(fmt::format("{} {} {} quality {}", row.Nominal, row.Min, row.Max, row.Quality));
     const std::string path = folder_.Path("a.ogg");
-    file_.SetFormatOgg(44100, 2, row.Nominal, row.Min, row.Max, row.Quality);
+    file_.SetFormat(platform::OggFormat{44100, 2, row.Nominal, row.Min, row.Max, row.Quality});
     const auto music = WriteMusic(path);
     ExpectFacts(path, "vorbis");
     const auto decoded = DecodeWithOggdec(path);
@@ -346,7 +346,7 @@ TEST_F(DecodedSound, OggIsExactInItsThreeModes) {
 
 TEST_F(DecodedSound, OggQualityAndBitrateChangeTheSize) {
   const auto size = [&](std::int16_t nominal, std::int16_t quality) {
-    file_.SetFormatOgg(44100, 2, nominal, 0, 0, quality);
+    file_.SetFormat(platform::OggFormat{44100, 2, nominal, 0, 0, quality});
     const std::string path = folder_.Path("a.ogg");
     file_.Create(path);
     EXPECT_TRUE(WriteBlocks(file_, MakeNoise(44100 * 4, 1)));
@@ -361,7 +361,7 @@ TEST_F(DecodedSound, OggQualityAndBitrateChangeTheSize) {
 
 TEST_F(DecodedSound, OggOfAnyShortLengthAndInMonoIsExact) {
   for (const std::int16_t channels : {1, 2}) {
-    file_.SetFormatOgg(44100, channels, 128, 0, 0, 4);
+    file_.SetFormat(platform::OggFormat{44100, channels, 128, 0, 0, 4});
     for (const std::size_t frames : {1, 2, 63, 64, 128, 1000, 1024, 1025, 2048, 5000}) {
       const std::string path = folder_.Path("a.ogg");
       const auto music = WriteMusic(path, frames);
@@ -371,7 +371,7 @@ TEST_F(DecodedSound, OggOfAnyShortLengthAndInMonoIsExact) {
 }
 
 TEST_F(DecodedSound, OggSerialNumbersDiffer) {
-  file_.SetFormatOgg(44100, 2, 128, 0, 0, 4);
+  file_.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
   WriteMusic(folder_.Path("a.ogg"), 100);
   WriteMusic(folder_.Path("b.ogg"), 100);
   EXPECT_NE(ReadFile(folder_.Path("a.ogg")).substr(14, 4), ReadFile(folder_.Path("b.ogg")).substr(14, 4));
@@ -384,12 +384,28 @@ TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
     std::string Options;
   };
   const std::vector<Row> rows{
-      {"a.wav", [](EncodedFile& file) { file.SetFormatWAV(44100, 2, 16); }, ""},
-      {"a.raw", [](EncodedFile& file) { file.SetFormatRAW(1, 44100, 2, 16); }, "-f s16le"},
-      {"a.vox", [](EncodedFile& file) { file.SetFormatVOX(8000); }, "-f alaw"},
-      {"a.mp3", [](EncodedFile& file) { file.SetFormatMP3(Mp3(44100, 2, 128)); }, ""},
-      {"a.ogg", [](EncodedFile& file) { file.SetFormatOgg(44100, 2, 128, 0, 0, -1); }, ""},
-      {"a.g726", [](EncodedFile& file) { file.SetFormatG726(8000, 4); }, ""},
+      {"a.wav",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::WavFormat{44100, 2, 16});
+       },
+       ""},
+      {"a.raw",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::RawFormat{1, 44100, 2, 16});
+       },
+       "-f s16le"},
+      {"a.vox", [](EncodedFile& file) { file.SetFormat(platform::VoxFormat{8000}); }, "-f alaw"},
+      {"a.mp3", [](EncodedFile& file) { file.SetFormat(Mp3(44100, 2, 128)); }, ""},
+      {"a.ogg",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, -1});
+       },
+       ""},
+      {"a.g726",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::G726Format{8000, 4});
+       },
+       ""},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.Name);
@@ -435,20 +451,20 @@ class ThreeFiles : public DecodedSound {
 constexpr double kEqual = 1000;
 
 TEST_F(ThreeFiles, WavLaidEndToEndAreTheInput) {
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   Expect(
       "wav", [](const std::string& path) { return DecodeWithFfmpeg(path); }, kEqual);
 }
 
 TEST_F(ThreeFiles, RawLaidEndToEndAreTheInput) {
-  file_.SetFormatRAW(1, 44100, 2, 16);
+  file_.SetFormat(platform::RawFormat{1, 44100, 2, 16});
   Expect(
       "raw", [](const std::string& path) { return DecodeWithFfmpeg(path, "-f s16le -ar 44100 -ac 2"); },
       kEqual);
 }
 
 TEST_F(ThreeFiles, Mp3LaidEndToEndAreTheInput) {
-  file_.SetFormatMP3(Mp3(44100, 2, 192));
+  file_.SetFormat(Mp3(44100, 2, 192));
   Expect(
       "mp3", [](const std::string& path) { return DecodeWithFfmpeg(path); }, 20);
 }
@@ -457,13 +473,13 @@ TEST_F(ThreeFiles, Mp3WithoutASeekTableLaidEndToEndAreTheInput) {
   auto parameters = Mp3(44100, 2, 0);
   parameters.VBRCodingMethod = 0;
   parameters.VBRHeader = false;
-  file_.SetFormatMP3(parameters);
+  file_.SetFormat(parameters);
   Expect(
       "mp3", [](const std::string& path) { return DecodeWithFfmpeg(path); }, 20);
 }
 
 TEST_F(ThreeFiles, OggLaidEndToEndAreTheInput) {
-  file_.SetFormatOgg(44100, 2, 160, 128, 192, -1);
+  file_.SetFormat(platform::OggFormat{44100, 2, 160, 128, 192, -1});
   Expect(
       "ogg", [](const std::string& path) { return DecodeWithOggdec(path); }, 15);
 }

@@ -49,7 +49,7 @@ class EncodedFileTest : public testing::Test {
   std::int16_t Mp3Result(const std::function<void(Mp3Parameters&)>& change) {
     Mp3Parameters parameters = Defaults();
     change(parameters);
-    return ResultOf([&](EncodedFile& file) { file.SetFormatMP3(parameters); });
+    return ResultOf([&](EncodedFile& file) { file.SetFormat(parameters); });
   }
 
   TempFolder folder_;
@@ -63,7 +63,7 @@ TEST_F(EncodedFileTest, CreateBeforeAnyFormatIsRefused) {
 }
 
 TEST_F(EncodedFileTest, AMissingFolderIsSaidAndLeavesNothing) {
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   file_.Create(folder_.Path("missing/capture.wav"));
   EXPECT_EQ(file_.LastResult(), platform::kFileNotOpened);
   EXPECT_FALSE(std::filesystem::exists(folder_.Path("missing")));
@@ -72,17 +72,17 @@ TEST_F(EncodedFileTest, AMissingFolderIsSaidAndLeavesNothing) {
 }
 
 TEST_F(EncodedFileTest, ALaterCreateForgetsAnEarlierFailure) {
-  file_.SetFormatWAV(44100, 2, 7);
+  file_.SetFormat(platform::WavFormat{44100, 2, 7});
   file_.Create(path_);
   EXPECT_LT(file_.LastResult(), 0);
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   file_.Create(path_);
   EXPECT_EQ(file_.LastResult(), 0);
 }
 
 TEST_F(EncodedFileTest, ARefusedFormatLeavesAFileOfThatNameAsItWas) {
   WriteFile(path_, "precious");
-  file_.SetFormatWAV(44100, 3, 16);
+  file_.SetFormat(platform::WavFormat{44100, 3, 16});
   file_.Create(path_);
   EXPECT_EQ(file_.LastResult(), platform::kShapeRefused);
   EXPECT_EQ(ReadFile(path_), "precious");
@@ -93,33 +93,62 @@ TEST_F(EncodedFileTest, RatesThatAFormatDoesNotKnowAreRefused) {
     EXPECT_EQ(Mp3Result([&](Mp3Parameters& p) { p.Frequency = rate; }), platform::kRateRefused) << rate;
   }
   for (const std::int32_t rate : {-44100, 0}) {
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatWAV(rate, 2, 16); }), platform::kRateRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatRAW(1, rate, 2, 16); }), platform::kRateRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatVOX(rate); }), platform::kRateRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatG726(rate, 4); }), platform::kRateRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatOgg(rate, 2, 128, 0, 0, 4); }),
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::WavFormat{rate, 2, 16});
+              }),
+              platform::kRateRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::RawFormat{1, rate, 2, 16});
+              }),
+              platform::kRateRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormat(platform::VoxFormat{rate}); }),
+              platform::kRateRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::G726Format{rate, 4});
+              }),
+              platform::kRateRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::OggFormat{rate, 2, 128, 0, 0, 4});
+              }),
               platform::kRateRefused);
   }
-  EXPECT_LT(ResultOf([&](EncodedFile& f) { f.SetFormatOgg(2000000, 2, 128, 0, 0, 4); }), 0);
+  EXPECT_LT(ResultOf([&](EncodedFile& f) { f.SetFormat(platform::OggFormat{2000000, 2, 128, 0, 0, 4}); }), 0);
 }
 
 TEST_F(EncodedFileTest, ChannelsAndBitsThatAFormatDoesNotKnowAreRefused) {
   for (const std::int16_t channels : {-1, 0, 3, 6, 32767}) {
     EXPECT_EQ(Mp3Result([&](Mp3Parameters& p) { p.Channels = channels; }), platform::kShapeRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatWAV(44100, channels, 16); }),
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::WavFormat{44100, channels, 16});
+              }),
               platform::kShapeRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatRAW(1, 44100, channels, 16); }),
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::RawFormat{1, 44100, channels, 16});
+              }),
               platform::kShapeRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatOgg(44100, channels, 128, 0, 0, 4); }),
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::OggFormat{44100, channels, 128, 0, 0, 4});
+              }),
               platform::kShapeRefused);
   }
   for (const std::int16_t bits : {-16, 0, 1, 12, 24, 32}) {
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatWAV(44100, 2, bits); }), platform::kShapeRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatRAW(1, 44100, 2, bits); }), platform::kShapeRefused);
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatG726(8000, bits); }), platform::kShapeRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::WavFormat{44100, 2, bits});
+              }),
+              platform::kShapeRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::RawFormat{1, 44100, 2, bits});
+              }),
+              platform::kShapeRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::G726Format{8000, bits});
+              }),
+              platform::kShapeRefused);
   }
   for (const std::int16_t compression : {-1, 4, 32767}) {
-    EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormatRAW(compression, 44100, 2, 16); }),
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::RawFormat{compression, 44100, 2, 16});
+              }),
               platform::kShapeRefused);
   }
 }
@@ -149,7 +178,9 @@ TEST_F(EncodedFileTest, Mp3ParametersOutsideTheirRangesAreRefused) {
 
 TEST_F(EncodedFileTest, OggParametersOutsideTheirRangesAreRefused) {
   const auto ogg = [&](std::int16_t nominal, std::int16_t least, std::int16_t most, std::int16_t quality) {
-    return ResultOf([&](EncodedFile& f) { f.SetFormatOgg(44100, 2, nominal, least, most, quality); });
+    return ResultOf([&](EncodedFile& f) {
+      f.SetFormat(platform::OggFormat{44100, 2, nominal, least, most, quality});
+    });
   };
   EXPECT_EQ(ogg(128, 0, 0, 11), platform::kParameterRefused);
   EXPECT_EQ(ogg(128, 0, 0, 400), platform::kParameterRefused);
@@ -165,11 +196,11 @@ TEST_F(EncodedFileTest, OggParametersOutsideTheirRangesAreRefused) {
 
 TEST_F(EncodedFileTest, SetFormatDoesNotTouchTheOpenFile) {
   const auto music = MakeMusic(10000, 44100, 2);
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   const std::string path = folder_.Path("a.wav");
   file_.Create(path);
   ASSERT_TRUE(file_.WriteBlock(std::span(music).first(8000)));
-  file_.SetFormatVOX(8000);
+  file_.SetFormat(platform::VoxFormat{8000});
   EXPECT_EQ(file_.FormatValues(), (platform::PcmFormat{8000, 1}));
   ASSERT_TRUE(file_.WriteBlock(std::span(music).subspan(8000)));
   EXPECT_EQ(file_.Length(), 10000 * 1000 / 44100);
@@ -182,7 +213,7 @@ TEST_F(EncodedFileTest, CreateReplacesAFileAndClosesTheOneThatIsOpen) {
   const std::string first = folder_.Path("a.wav");
   const std::string second = folder_.Path("b.wav");
   WriteFile(second, std::string(1000000, 'x'));
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   file_.Create(first);
   ASSERT_TRUE(file_.WriteBlock(music));
   file_.Create(second);
@@ -196,7 +227,7 @@ TEST_F(EncodedFileTest, CreateReplacesAFileAndClosesTheOneThatIsOpen) {
 
 TEST_F(EncodedFileTest, CloseWithoutAnOpenFileDoesNothing) {
   file_.Close();
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   file_.Close();
   file_.Create(path_);
   file_.Close();
@@ -206,7 +237,7 @@ TEST_F(EncodedFileTest, CloseWithoutAnOpenFileDoesNothing) {
 }
 
 TEST_F(EncodedFileTest, LengthIsWholeMillisecondsAndStaysAfterClose) {
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   file_.Create(path_);
   const std::vector<std::int16_t> second(88200);
   ASSERT_TRUE(file_.WriteBlock(std::span(second).first(2 * 44)));
@@ -220,7 +251,7 @@ TEST_F(EncodedFileTest, LengthIsWholeMillisecondsAndStaysAfterClose) {
 }
 
 TEST_F(EncodedFileTest, APartFrameIsNotTakenAndSaid) {
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   const std::string path = folder_.Path("a.wav");
   file_.Create(path);
   const std::vector<std::int16_t> samples{1, 2, 3, 4, 5};
@@ -232,9 +263,15 @@ TEST_F(EncodedFileTest, APartFrameIsNotTakenAndSaid) {
 TEST_F(EncodedFileTest, AFileWhoseEndNeverCameCanStillBePlayed) {
   const auto music = MakeMusic(100000, 44100, 2);
   const std::vector<std::pair<std::string, std::function<void()>>> rows{
-      {"a.wav", [&] { file_.SetFormatWAV(44100, 2, 16); }},
-      {"a.mp3", [&] { file_.SetFormatMP3(Defaults()); }},
-      {"a.ogg", [&] { file_.SetFormatOgg(44100, 2, 128, 0, 0, 4); }},
+      {"a.wav",
+       [&] {
+         file_.SetFormat(platform::WavFormat{44100, 2, 16});
+       }},
+      {"a.mp3", [&] { file_.SetFormat(Defaults()); }},
+      {"a.ogg",
+       [&] {
+         file_.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
+       }},
   };
   for (const auto& [name, prepare] : rows) {
     prepare();
@@ -249,46 +286,46 @@ TEST_F(EncodedFileTest, AFileWhoseEndNeverCameCanStillBePlayed) {
 }
 
 TEST_F(EncodedFileTest, DescriptionsNameFormatAndMainParameters) {
-  file_.SetFormatMP3(Defaults());
+  file_.SetFormat(Defaults());
   EXPECT_EQ(file_.FormatDescription(), "MP3, 160 kbit/s constant, 44100 Hz, joint stereo");
   const std::vector<std::string> stereo{"joint stereo", "simple stereo", "joint stereo",
                                         "forced joint stereo", "dual channel"};
   for (std::size_t i = 0; i < stereo.size(); ++i) {
     auto parameters = Defaults();
     parameters.TypeStereo = static_cast<std::int16_t>(i);
-    file_.SetFormatMP3(parameters);
+    file_.SetFormat(parameters);
     EXPECT_EQ(file_.FormatDescription(), "MP3, 160 kbit/s constant, 44100 Hz, " + stereo[i]);
   }
   auto parameters = Defaults();
   parameters.Channels = 1;
   parameters.VBRCodingMethod = 0;
   parameters.VBRMaxBitrate = 192;
-  file_.SetFormatMP3(parameters);
+  file_.SetFormat(parameters);
   EXPECT_EQ(file_.FormatDescription(), "MP3, variable bitrate quality 4, at most 192 kbit/s, 44100 Hz, mono");
   parameters.VBRCodingMethod = 4;
   parameters.VBREnforceMinBitRate = true;
   parameters.Bitrate = 64;
   parameters.VBRMaxBitrate = 0;
-  file_.SetFormatMP3(parameters);
+  file_.SetFormat(parameters);
   EXPECT_EQ(file_.FormatDescription(), "MP3, 128 kbit/s average, at least 64 kbit/s, 44100 Hz, mono");
-  file_.SetFormatOgg(44100, 2, 160, 128, 192, -1);
+  file_.SetFormat(platform::OggFormat{44100, 2, 160, 128, 192, -1});
   EXPECT_EQ(file_.FormatDescription(),
             "Ogg Vorbis, 160 kbit/s, at least 128 kbit/s, at most 192 kbit/s, 44100 Hz, stereo");
-  file_.SetFormatOgg(44100, 2, 160, 0, 0, -1);
+  file_.SetFormat(platform::OggFormat{44100, 2, 160, 0, 0, -1});
   EXPECT_EQ(file_.FormatDescription(), "Ogg Vorbis, 160 kbit/s, 44100 Hz, stereo");
-  file_.SetFormatOgg(44100, 2, 128, 0, 0, 4);
+  file_.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
   EXPECT_EQ(file_.FormatDescription(), "Ogg Vorbis, quality 4, 44100 Hz, stereo");
-  file_.SetFormatWAV(48000, 2, 16);
+  file_.SetFormat(platform::WavFormat{48000, 2, 16});
   EXPECT_EQ(file_.FormatDescription(), "WAV, 16-bit PCM, 48000 Hz, stereo");
-  file_.SetFormatRAW(0, 44100, 1, 16);
+  file_.SetFormat(platform::RawFormat{0, 44100, 1, 16});
   EXPECT_EQ(file_.FormatDescription(), "RAW, 16-bit PCM, 44100 Hz, mono");
-  file_.SetFormatRAW(2, 44100, 2, 16);
+  file_.SetFormat(platform::RawFormat{2, 44100, 2, 16});
   EXPECT_EQ(file_.FormatDescription(), "RAW, 8-bit A-law, 44100 Hz, stereo");
-  file_.SetFormatRAW(3, 44100, 2, 16);
+  file_.SetFormat(platform::RawFormat{3, 44100, 2, 16});
   EXPECT_EQ(file_.FormatDescription(), "RAW, 8-bit mu-law, 44100 Hz, stereo");
-  file_.SetFormatVOX(8000);
+  file_.SetFormat(platform::VoxFormat{8000});
   EXPECT_EQ(file_.FormatDescription(), "VOX, 4-bit ADPCM, 8000 Hz, mono");
-  file_.SetFormatG726(8000, 5);
+  file_.SetFormat(platform::G726Format{8000, 5});
   EXPECT_EQ(file_.FormatDescription(), "G.726, 5-bit ADPCM, 8000 Hz, mono");
 }
 

@@ -43,17 +43,17 @@ class FileTagWriterTest : public testing::Test {
       parameters.TypeStereo = 2;
       parameters.Quality = 7;
       parameters.VBRHeader = true;
-      file.SetFormatMP3(parameters);
+      file.SetFormat(parameters);
     } else if (extension == "ogg") {
-      file.SetFormatOgg(44100, 2, 128, 0, 0, 4);
+      file.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
     } else if (extension == "g726") {
-      file.SetFormatG726(8000, 5);
+      file.SetFormat(platform::G726Format{8000, 5});
     } else if (extension == "vox") {
-      file.SetFormatVOX(8000);
+      file.SetFormat(platform::VoxFormat{8000});
     } else if (extension == "raw") {
-      file.SetFormatRAW(1, 44100, 2, 16);
+      file.SetFormat(platform::RawFormat{1, 44100, 2, 16});
     } else {
-      file.SetFormatWAV(44100, 1, 8);
+      file.SetFormat(platform::WavFormat{44100, 1, 8});
     }
     const auto format = file.FormatValues();
     // An odd number of bytes where the format allows it.
@@ -268,7 +268,7 @@ TEST_F(FileTagWriterTest, ACutOffFileIsTaggedOrLeftButItsSoundNeverSpoilt) {
 
 TEST_F(FileTagWriterTest, AFileWhoseEndNeverCameHoldsNoInfoList) {
   EncodedFile file;
-  file.SetFormatWAV(44100, 2, 16);
+  file.SetFormat(platform::WavFormat{44100, 2, 16});
   file.Create(folder_.Path("a.wav"));
   ASSERT_TRUE(file.WriteBlock(MakeMusic(1000, 44100, 2)));
   const std::string before = ReadFile(folder_.Path("a.wav"));

@@ -56,14 +56,34 @@ std::vector<Row> Formats() {
   platform::Mp3Parameters variable = constant;
   variable.VBRCodingMethod = 0;
   return {
-      {"a.wav", [](EncodedFile& f) { f.SetFormatWAV(44100, 2, 16); }, ""},
-      {"b.wav", [](EncodedFile& f) { f.SetFormatWAV(44100, 1, 8); }, ""},
-      {"a.raw", [](EncodedFile& f) { f.SetFormatRAW(1, 44100, 2, 16); }, "-f s16le -ac 2"},
-      {"a.vox", [](EncodedFile& f) { f.SetFormatVOX(44100); }, "-f alaw"},
-      {"a.mp3", [=](EncodedFile& f) { f.SetFormatMP3(constant); }, ""},
-      {"b.mp3", [=](EncodedFile& f) { f.SetFormatMP3(variable); }, ""},
-      {"a.ogg", [](EncodedFile& f) { f.SetFormatOgg(44100, 2, 128, 0, 0, 10); }, ""},
-      {"a.g726", [](EncodedFile& f) { f.SetFormatG726(44100, 5); }, ""},
+      {"a.wav",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::WavFormat{44100, 2, 16});
+       },
+       ""},
+      {"b.wav",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::WavFormat{44100, 1, 8});
+       },
+       ""},
+      {"a.raw",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::RawFormat{1, 44100, 2, 16});
+       },
+       "-f s16le -ac 2"},
+      {"a.vox", [](EncodedFile& f) { f.SetFormat(platform::VoxFormat{44100}); }, "-f alaw"},
+      {"a.mp3", [=](EncodedFile& f) { f.SetFormat(constant); }, ""},
+      {"b.mp3", [=](EncodedFile& f) { f.SetFormat(variable); }, ""},
+      {"a.ogg",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 10});
+       },
+       ""},
+      {"a.g726",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::G726Format{44100, 5});
+       },
+       ""},
   };
 }
 

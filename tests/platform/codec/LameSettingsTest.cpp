@@ -192,7 +192,7 @@ TEST(RandomMp3Parameters, GiveAnExactFileOrARefusalAndNeverACrash) {
         p.HighPassFilterFreq, p.HighPassFilterWidth, p.ATHControl, p.DeEmphasis, p.VBRHeader, p.BitReservoir,
         p.DifferentBlockTypes, p.ShortBlocks, p.ComplyISO, p.VBREnforceMinBitRate, p.IncludeCRC));
     platform::EncodedFile file;
-    file.SetFormatMP3(p);
+    file.SetFormat(p);
     file.Create(path);
     if (file.LastResult() < 0) {
       ASSERT_FALSE(std::filesystem::exists(path));

@@ -147,7 +147,7 @@ TEST(Mp3Bitrates, ASingleBitrateBetweenTheLimitsIsConstant) {
   parameters.HighPassFilterFreq = 3000;
   parameters.HighPassFilterWidth = 500;
   platform::EncodedFile file;
-  file.SetFormatMP3(parameters);
+  file.SetFormat(parameters);
   EXPECT_EQ(file.FormatDescription(), "MP3, 32 kbit/s constant, 32000 Hz, mono");
   file.Create(path);
   ASSERT_EQ(file.LastResult(), 0);

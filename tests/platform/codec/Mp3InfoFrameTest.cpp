@@ -54,7 +54,7 @@ std::string EncodeBare(const Mp3Parameters& parameters, std::vector<std::int16_t
 std::string Encode(const Mp3Parameters& parameters, const std::vector<std::int16_t>& samples) {
   TempFolder folder;
   platform::EncodedFile file;
-  file.SetFormatMP3(parameters);
+  file.SetFormat(parameters);
   file.Create(folder.Path("a.mp3"));
   EXPECT_TRUE(WriteBlocks(file, samples));
   file.Close();

@@ -32,7 +32,7 @@ class Mp3ParametersTest : public testing::Test {
 
   Mp3Stream Encode(const std::vector<std::int16_t>& sound) {
     platform::EncodedFile file;
-    file.SetFormatMP3(parameters_);
+    file.SetFormat(parameters_);
     file.Create(path_);
     EXPECT_EQ(file.LastResult(), 0);
     EXPECT_TRUE(WriteBlocks(file, sound));

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
-#include <string>
 #include <variant>
 
 #include "platform/Mp3Parameters.h"
@@ -13,17 +13,24 @@ struct WavFormat {
   std::int32_t Frequency = 0;  ///< Hz
   std::int16_t Channels = 0;
   std::int16_t Bits = 0;  ///< 8 or 16
+
+  bool operator==(const WavFormat&) const = default;
 };
 
 struct RawFormat {
   std::int16_t Compression = 0;  ///< 1 16-bit PCM, 2 A-law, 3 mu-law; 0 counts as 1
   std::int32_t Frequency = 0;    ///< Hz
   std::int16_t Channels = 0;
-  std::int16_t Bits = 0;  ///< of the samples handed over: 16
+  std::int16_t Bits = 0;  ///< of the samples handed over: always 16
+
+  bool operator==(const RawFormat&) const = default;
 };
 
+/// Always mono.
 struct VoxFormat {
   std::int32_t Frequency = 0;  ///< Hz
+
+  bool operator==(const VoxFormat&) const = default;
 };
 
 struct OggFormat {
@@ -33,21 +40,36 @@ struct OggFormat {
   std::int16_t MinBitrate = 0;      ///< kbit/s, 0 no limit
   std::int16_t MaxBitrate = 0;      ///< kbit/s, 0 no limit
   std::int16_t Quality = -1;        ///< 0 to 10, or -1: managed by bitrate
+
+  bool operator==(const OggFormat&) const = default;
 };
 
+/// Always mono.
 struct G726Format {
   std::int32_t Frequency = 0;  ///< Hz
   std::int16_t Bits = 0;       ///< 2 to 5 a sample
+
+  bool operator==(const G726Format&) const = default;
 };
 
-/// What a SetFormat call asked for, as it came.
+/// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz and,
+/// unless it is always mono, Channels.
 using CaptureFormat =
     std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat, G726Format>;
 
-/// The samples that the format wants; VOX and G.726 are mono.
-[[nodiscard]] PcmFormat FormatValues(const CaptureFormat& format);
-
-/// One line for the user, such as "MP3, 160 kbit/s constant, 44100 Hz, joint stereo".
-[[nodiscard]] std::string FormatDescription(const CaptureFormat& format);
+/// The samples that the format takes.
+[[nodiscard]] inline PcmFormat FormatValues(const CaptureFormat& format) {
+  return std::visit(
+      []<typename Format>(const Format& chosen) -> PcmFormat {
+        if constexpr (std::same_as<Format, std::monostate>) {
+          return {};
+        } else if constexpr (requires { chosen.Channels; }) {
+          return {chosen.Frequency, chosen.Channels};
+        } else {
+          return {chosen.Frequency, 1};
+        }
+      },
+      format);
+}
 
 }  // namespace kestrune::platform

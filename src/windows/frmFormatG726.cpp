@@ -1,8 +1,0 @@
-#include "windows/frmFormatG726.h"
-
-namespace kestrune::windows {
-
-frmFormatG726::frmFormatG726(presenters::FormatOptions& options, QWidget* parent)
-    : OptionButtons("frmFormatG726", options, parent) {}
-
-}  // namespace kestrune::windows
