@@ -18,6 +18,7 @@
 #include "base/Ignored.h"
 #include "presenters/ChannelChooser.h"
 #include "radio/channels/ChannelsFixture.h"
+#include "recorder/WindowTable.h"
 #include "windows/UnitWindowsRig.h"
 #include "windows/frmChannels.h"
 
@@ -46,9 +47,10 @@ class AllWindows {
       PlayNext(channel);
     }
     rig_.Unit.StartIdle();
-    for (const recorder::WindowName name : recorder::kWindowNames) rig_.Desktop.Show(name);
+    for (const recorder::WindowRow& row : recorder::WindowTable()) rig_.Desktop.Show(row.Name);
     rig_.Run(200ms);
-    for (const recorder::WindowName name : recorder::kWindowNames) {
+    for (const recorder::WindowRow& row : recorder::WindowTable()) {
+      const recorder::WindowName name = row.Name;
       if (!rig_.Shows(name)) throw std::runtime_error("a window is missing");
     }
     rig_.Find<QAbstractButton>("cmdRecord").click();

@@ -4,21 +4,16 @@
 
 namespace kestrune::recorder {
 
-/// The windows that the main window opens, by what they are for.
+/// The windows that the main window opens, by what they are for; WindowTable.h has a row for each.
 enum class WindowName : std::uint8_t {
-  Channels,      ///< frmChannels; lives as long as the program and is only hidden
-  Log,           ///< frmLog; the same
+  Channels,      ///< frmChannels
+  Log,           ///< frmLog
   Schedule,      ///< frmSchedule
   RestrictList,  ///< frmRestrictList
   KestruneNow,   ///< frmKestruneNow
   Presets,       ///< frmPresets
   Config,        ///< frmConfig
   Mixer,         ///< frmMixer
-};
-
-inline constexpr WindowName kWindowNames[] = {
-    WindowName::Channels,    WindowName::Log,     WindowName::Schedule, WindowName::RestrictList,
-    WindowName::KestruneNow, WindowName::Presets, WindowName::Config,   WindowName::Mixer,
 };
 
 }  // namespace kestrune::recorder

@@ -12,40 +12,14 @@ void WindowSwitches::Follow(WindowName name, bool checked) {
   }
 }
 
-void WindowSwitches::chkChannelListing_Click(bool checked) {
+void WindowSwitches::Click(WindowName name, bool checked) {
   if (run_.ShuttingDown) return;
-  window_.chkChannelListing = checked;
-  Follow(WindowName::Channels, checked);
-  settings_.ChannelListing = checked ? 1 : 0;
-  base::Ignored(section_.SaveInt16("ChannelListing", settings_.ChannelListing));
-}
-
-void WindowSwitches::chkRecordLog_Click(bool checked) {
-  if (run_.ShuttingDown) return;
-  window_.chkRecordLog = checked;
-  Follow(WindowName::Log, checked);
-  settings_.RecordLog = checked ? 1 : 0;
-  base::Ignored(section_.SaveInt16("RecordLog", settings_.RecordLog));
-}
-
-void WindowSwitches::chkSchedule_Click(bool checked) {
-  if (run_.ShuttingDown) return;
-  window_.chkSchedule = checked;
-  Follow(WindowName::Schedule, checked);
-}
-
-void WindowSwitches::chkRestrictList_Click(bool checked) {
-  if (run_.ShuttingDown) return;
-  window_.chkRestrictList = checked;
-  Follow(WindowName::RestrictList, checked);
-}
-
-void WindowSwitches::chkKestruneNow_Click(bool checked) {
-  if (run_.ShuttingDown) return;
-  window_.chkKestruneNow = checked;
-  Follow(WindowName::KestruneNow, checked);
-  settings_.KestruneNow = checked ? 1 : 0;
-  base::Ignored(section_.SaveInt16("KestruneNow", settings_.KestruneNow));
+  const WindowRow& row = RowOf(name);
+  window_.*row.Checked = checked;
+  Follow(name, checked);
+  if (row.Setting == nullptr) return;
+  settings_.*row.Setting = checked ? 1 : 0;
+  base::Ignored(section_.SaveInt16(row.SettingKey, settings_.*row.Setting));
 }
 
 void WindowSwitches::cmdMixer_Click() {
@@ -55,9 +29,9 @@ void WindowSwitches::cmdMixer_Click() {
 
 void WindowSwitches::ShowRemembered() {
   // A box that stays as it is has no click.
-  if (settings_.ChannelListing != 0) chkChannelListing_Click(true);
-  if (settings_.RecordLog != 0) chkRecordLog_Click(true);
-  if (settings_.KestruneNow != 0) chkKestruneNow_Click(true);
+  for (const WindowRow& row : WindowTable()) {
+    if (row.Setting != nullptr && settings_.*row.Setting != 0) Click(row.Name, true);
+  }
 }
 
 }  // namespace kestrune::recorder

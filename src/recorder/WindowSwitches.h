@@ -4,13 +4,14 @@
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
 #include "recorder/MainWindow.h"
+#include "recorder/WindowTable.h"
 #include "recorder/Windows.h"
 
 namespace kestrune::recorder {
 
-/// The check boxes of the main window that show and hide other windows, with the menu entries of the same
-/// names, whose marks are theirs. Once the program closes they do nothing any more: a window that goes then
-/// leaves its box, and so the next start, as the user had it.
+/// The check boxes of the main window that show and hide other windows, and their menu entries, which show the same
+/// mark. Once the program closes they do nothing: a window that goes then leaves its box, and so the next start, as
+/// the user had it.
 class WindowSwitches {
  public:
   /// All must outlive the object.
@@ -18,12 +19,8 @@ class WindowSwitches {
                  const config::SettingsSection& section, const base::RunState& run)
       : window_(window), windows_(windows), settings_(settings), section_(section), run_(run) {}
 
-  // The user, or a window that closes, has set the box.
-  void chkChannelListing_Click(bool checked);
-  void chkRecordLog_Click(bool checked);
-  void chkSchedule_Click(bool checked);
-  void chkRestrictList_Click(bool checked);
-  void chkKestruneNow_Click(bool checked);
+  /// The user, or a window that closes, has set the window's box.
+  void Click(WindowName name, bool checked);
 
   /// Shows the mixer, or closes it if it is open.
   void cmdMixer_Click();

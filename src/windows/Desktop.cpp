@@ -12,6 +12,7 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
+#include "recorder/WindowTable.h"
 #include "windows/Binding.h"
 #include "windows/Placement.h"
 #include "windows/ProgramIcon.h"
@@ -26,9 +27,8 @@ constexpr std::chrono::milliseconds kRefreshInterval{100};
 constexpr int kRefreshesPerTrayCheck = 20;
 constexpr qsizetype kTrayTipLetters = 64;
 
-/// These live as long as the program: a close hides them.
 bool IsPermanent(WindowName name) {
-  return name == WindowName::Channels || name == WindowName::Log;
+  return recorder::RowOf(name).Permanent;
 }
 
 void Raise(QWidget& window) {
@@ -252,8 +252,8 @@ void Desktop::ShowAbout() {
 }
 
 void Desktop::LoadChannelsWindow() {
-  for (const WindowName name : {WindowName::Channels, WindowName::Log}) {
-    if (makers_.contains(name)) base::Ignored(Load(name));
+  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+    if (row.Permanent && makers_.contains(row.Name)) base::Ignored(Load(row.Name));
   }
 }
 
@@ -434,8 +434,8 @@ void Desktop::HideAll() {
 }
 
 void Desktop::UnloadChannelsAndLog() {
-  for (const WindowName name : {WindowName::Channels, WindowName::Log}) {
-    Kept* kept = Find(name);
+  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+    Kept* kept = row.Permanent ? Find(row.Name) : nullptr;
     if (kept == nullptr) continue;
     kept->Window->Quit();
     RunClosingRule(*kept);

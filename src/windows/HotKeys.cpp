@@ -1,19 +1,31 @@
 #include "windows/HotKeys.h"
 
 #include <QKeyEvent>
+#include <algorithm>
 #include <string_view>
 
+#include "recorder/WindowTable.h"
+
 namespace kestrune::windows {
+namespace {
+
+/// Whether an entry of the main window's menu has this letter.
+bool IsMenuKey(char letter) {
+  constexpr std::string_view kCommands = "DGKQRSUY";
+  return kCommands.find(letter) != std::string_view::npos ||
+         std::ranges::find(recorder::WindowTable(), letter, &recorder::WindowRow::Key) !=
+             recorder::WindowTable().end();
+}
+
+}  // namespace
 
 int HotKeyOf(const QKeyEvent& event) {
   constexpr int kF1 = 112;
-  constexpr std::string_view kLetters = "BDGHKLQRSTUWY";
-  // A key of the number block is told as one more modifier.
+  // A key of the number block counts as held with one more modifier.
   if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::ControlModifier) return 0;
   const int key = event.key();
   if (key >= Qt::Key_F1 && key <= Qt::Key_F12) return kF1 + key - Qt::Key_F1;
-  const bool letter = key >= Qt::Key_A && key <= Qt::Key_Z;
-  return letter && kLetters.find(static_cast<char>(key)) != std::string_view::npos ? key : 0;
+  return key >= Qt::Key_A && key <= Qt::Key_Z && IsMenuKey(static_cast<char>(key)) ? key : 0;
 }
 
 }  // namespace kestrune::windows

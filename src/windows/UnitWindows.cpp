@@ -42,7 +42,7 @@ UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outsi
   unit.ChannelsWindow().OfferForList = [this](std::string_view word, std::string_view text) {
     desktop_.OfferForList(word, base::DoubleAmpersands(text));
   };
-  unit.ChannelsWindow().ClearChannelListing = [this] { unit_.Switches().chkChannelListing_Click(false); };
+  unit.ChannelsWindow().ClearChannelListing = [this] { unit_.Switches().Click(WindowName::Channels, false); };
   unit.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
 }
 
@@ -54,21 +54,21 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeChannels() {
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeLog() {
   auto window = std::make_unique<frmLog>(log_, unit_.Section());
-  window->Hidden = [this] { unit_.Switches().chkRecordLog_Click(false); };
+  window->Hidden = [this] { unit_.Switches().Click(WindowName::Log, false); };
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeSchedule() {
   auto window = std::make_unique<frmSchedule>(unit_.OpenScheduler(), loop_, unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().chkSchedule_Click(refused); };
+  window->CloseEnded = [this](bool refused) { unit_.Switches().Click(WindowName::Schedule, refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeRestrictList() {
   auto window = std::make_unique<frmRestrictList>(unit_.RestrictListEditor(), unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().chkRestrictList_Click(refused); };
+  window->CloseEnded = [this](bool refused) { unit_.Switches().Click(WindowName::RestrictList, refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
@@ -76,7 +76,7 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeRestrictList() {
 std::unique_ptr<OpenWindow> UnitWindows::MakeKestruneNow() {
   auto window = std::make_unique<frmKestruneNow>(unit_.NowWindow(), unit_.PresetButtons(), unit_.Section());
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
-  window->Closed = [this] { unit_.Switches().chkKestruneNow_Click(false); };
+  window->Closed = [this] { unit_.Switches().Click(WindowName::KestruneNow, false); };
   return Opened(std::move(window));
 }
 

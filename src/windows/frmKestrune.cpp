@@ -19,6 +19,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "recorder/WindowTable.h"
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
 #include "windows/ElidedLabel.h"
@@ -144,12 +145,20 @@ void frmKestrune::MakeMenus() {
   AddEntry(file, "mnuExit", "E&xit", leave(CloseAsked), "Ctrl+Q");
 
   QMenu& options = addMenu("mnuOptions", "&Options");
-  AddEntry(options, "mnuChannels", "&Channel Listing", flip("chkChannelListing"), "Ctrl+H");
+  const auto addWindow = [&](WindowName name) {
+    const recorder::WindowRow& window = recorder::RowOf(name);
+    std::string key;
+    if (window.Key != '\0') key = std::string("Ctrl+") + window.Key;
+    std::function<void()> chosen = show(name);
+    if (window.Checked != nullptr) chosen = flip(window.Box);
+    AddEntry(options, window.Entry, window.EntryText, std::move(chosen), key.c_str());
+  };
+  addWindow(WindowName::Channels);
   AddEntry(options, "mnuReload", "&Reload Channel Listing", [this] { unit_.mnuReload_Click(); });
-  AddEntry(options, "mnuLog", "Recording &Log", flip("chkRecordLog"), "Ctrl+L");
-  AddEntry(options, "mnuSchedule", "&Timer Schedule", flip("chkSchedule"), "Ctrl+T");
-  AddEntry(options, "mnuKestruneNow", "Kestrune &Now", flip("chkKestruneNow"), "Ctrl+W");
-  AddEntry(options, "mnuRestrictList", "Grab/Kill &Lists", flip("chkRestrictList"), "Ctrl+B");
+  addWindow(WindowName::Log);
+  addWindow(WindowName::Schedule);
+  addWindow(WindowName::KestruneNow);
+  addWindow(WindowName::RestrictList);
   options.addSeparator()->setObjectName(QStringLiteral("mnuBar1"));
   AddEntry(options, "mnuIntegrel", "&Integrel On", flip("chkIntegrel"), "Ctrl+Y");
   AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");
@@ -161,11 +170,11 @@ void frmKestrune::MakeMenus() {
       options, "mnuMute", "Mute Au&dio", [this] { unit_.mnuMute_Click(); }, "Ctrl+D")
       ->setCheckable(true);
   AddEntry(options, "mnuRadioOnAtExit", "Radio On At E&xit", flip("chkRadioOnAtExit"));
-  AddEntry(options, "mnuPresets", "Edit &Presets", show(WindowName::Presets));
+  addWindow(WindowName::Presets);
   AddEntry(options, "mnuCheckUpdatesAtStartup", "Check for &Updates at Startup", [this] {
     unit_.Options().mnuCheckUpdatesAtStartup_Click();
   })->setCheckable(true);
-  AddEntry(options, "mnuPreferences", "&Configuration", show(WindowName::Config));
+  addWindow(WindowName::Config);
 
   QMenu& help = addMenu("mnuHelp", "&Help");
   AddEntry(help, "mnuHelpWith", "Kestrune &Help", leave(mnuHelpWith));
@@ -405,25 +414,15 @@ QWidget* frmKestrune::MakeBoxes() {
 
   auto* windows = new QGroupBox(tr("Windows"), both);
   auto* right = new QGridLayout(windows);
-  right->addWidget(
-      AddBox("chkChannelListing", "Channel Listing", "Show/Hide channel listing", "mnuChannels",
-             &MainWindow::chkChannelListing, [&switches](bool on) { switches.chkChannelListing_Click(on); }),
-      0, 0);
-  right->addWidget(
-      AddBox("chkRecordLog", "Recording Log", "Show/Hide songs recorded log", "mnuLog",
-             &MainWindow::chkRecordLog, [&switches](bool on) { switches.chkRecordLog_Click(on); }),
-      1, 0);
-  right->addWidget(AddBox("chkSchedule", "Timer Schedule", "Show/Hide timer schedule screen", "mnuSchedule",
-                          &MainWindow::chkSchedule, [&switches](bool on) { switches.chkSchedule_Click(on); }),
-                   2, 0);
-  right->addWidget(
-      AddBox("chkRestrictList", "Grab/Kill Lists", "Show/Hide grab/kill list screen", "mnuRestrictList",
-             &MainWindow::chkRestrictList, [&switches](bool on) { switches.chkRestrictList_Click(on); }),
-      0, 1);
-  right->addWidget(
-      AddBox("chkKestruneNow", "Kestrune Now", "Show/HideKestrune Now Screen", "mnuKestruneNow",
-             &MainWindow::chkKestruneNow, [&switches](bool on) { switches.chkKestruneNow_Click(on); }),
-      1, 1);
+  constexpr int kRows = 3;
+  int place = 0;
+  for (const recorder::WindowRow& window : recorder::WindowTable()) {
+    if (window.Checked == nullptr) continue;
+    QCheckBox* box = AddBox(window.Box, window.BoxText, window.BoxTip, window.Entry, window.Checked,
+                            [&switches, name = window.Name](bool on) { switches.Click(name, on); });
+    right->addWidget(box, place % kRows, place / kRows);
+    ++place;
+  }
   row->addWidget(options, 1);
   row->addWidget(windows, 1);
   return both;

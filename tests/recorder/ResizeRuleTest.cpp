@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "recorder/ResizeRule.h"
+#include "recorder/WindowTable.h"
 #include "support/ToldWindows.h"
 
 namespace kestrune::test {
@@ -19,7 +20,7 @@ class ResizeRuleTest : public ::testing::Test {
     window.TrayIcon = true;
   }
   void LoadAll() {
-    for (const WindowName name : recorder::kWindowNames) windows.Loaded[name] = true;
+    for (const recorder::WindowRow& row : recorder::WindowTable()) windows.Loaded[row.Name] = true;
   }
 
   recorder::MainWindow window;

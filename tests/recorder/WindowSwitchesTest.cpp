@@ -9,6 +9,7 @@ namespace kestrune::test {
 namespace {
 
 using recorder::MainWindow;
+using recorder::WindowName;
 using recorder::WindowSwitches;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -29,29 +30,29 @@ class WindowSwitchesTest : public ::testing::Test {
 };
 
 struct Switch {
-  void (WindowSwitches::*Click)(bool);
+  recorder::WindowName Name;
   bool MainWindow::*Box;
   const char* Window;
   const char* Key;  ///< null: not stored
 };
 constexpr Switch kSwitches[] = {
-    {&WindowSwitches::chkChannelListing_Click, &MainWindow::chkChannelListing, "channels", "ChannelListing"},
-    {&WindowSwitches::chkRecordLog_Click, &MainWindow::chkRecordLog, "log", "RecordLog"},
-    {&WindowSwitches::chkSchedule_Click, &MainWindow::chkSchedule, "schedule", nullptr},
-    {&WindowSwitches::chkRestrictList_Click, &MainWindow::chkRestrictList, "lists", nullptr},
-    {&WindowSwitches::chkKestruneNow_Click, &MainWindow::chkKestruneNow, "now", "KestruneNow"},
+    {WindowName::Channels, &MainWindow::chkChannelListing, "channels", "ChannelListing"},
+    {WindowName::Log, &MainWindow::chkRecordLog, "log", "RecordLog"},
+    {WindowName::Schedule, &MainWindow::chkSchedule, "schedule", nullptr},
+    {WindowName::RestrictList, &MainWindow::chkRestrictList, "lists", nullptr},
+    {WindowName::KestruneNow, &MainWindow::chkKestruneNow, "now", "KestruneNow"},
 };
 
 TEST_F(WindowSwitchesTest, EachBoxShowsAndClosesItsWindowAndThreeAreRemembered) {
   for (const Switch& each : kSwitches) {
     SCOPED_TRACE(each.Window);
     windows.Told.clear();
-    (switches.*each.Click)(true);
+    switches.Click(each.Name, true);
     EXPECT_TRUE(window.*each.Box);
     if (each.Key != nullptr) {
       EXPECT_EQ(Stored(each.Key), "1");
     }
-    (switches.*each.Click)(false);
+    switches.Click(each.Name, false);
     EXPECT_FALSE(window.*each.Box);
     if (each.Key != nullptr) {
       EXPECT_EQ(Stored(each.Key), "0");
@@ -80,10 +81,10 @@ TEST_F(WindowSwitchesTest, TheMixersButtonShowsItAndClosesIt) {
 }
 
 TEST_F(WindowSwitchesTest, AWindowThatGoesWithTheProgramIsOpenAgainAtTheNextStart) {
-  switches.chkKestruneNow_Click(true);
+  switches.Click(WindowName::KestruneNow, true);
   run.ShuttingDown = true;
   windows.Told.clear();
-  switches.chkKestruneNow_Click(false);
+  switches.Click(WindowName::KestruneNow, false);
   EXPECT_EQ(Stored("KestruneNow"), "1");
   EXPECT_THAT(windows.Told, IsEmpty());
 }

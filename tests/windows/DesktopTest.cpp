@@ -113,10 +113,10 @@ TEST_F(DesktopTest, AWindowIsMadeWhenShownAndGoneWhenClosed) {
   Plug(WindowName::Schedule, "schedule");
   rig.Unit.StartIdle();
   EXPECT_THAT(diary.Lines, IsEmpty());
-  rig.Unit->Switches().chkSchedule_Click(true);
+  rig.Unit->Switches().Click(WindowName::Schedule, true);
   ASSERT_NE(last, nullptr);
   EXPECT_TRUE(last->isVisible());
-  rig.Unit->Switches().chkSchedule_Click(false);
+  rig.Unit->Switches().Click(WindowName::Schedule, false);
   rig.Run(200ms);
   EXPECT_THAT(diary.Lines, ElementsAre("schedule made", "schedule closes", "schedule gone"));
   EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Schedule));
@@ -125,8 +125,8 @@ TEST_F(DesktopTest, AWindowIsMadeWhenShownAndGoneWhenClosed) {
 TEST_F(DesktopTest, AWindowThatClearsItsBoxWhileItClosesIsClosedOnce) {
   Plug(WindowName::KestruneNow, "now");
   rig.Unit.StartIdle();
-  rig.Unit->Switches().chkKestruneNow_Click(true);
-  diary.OnClose = [this] { rig.Unit->Switches().chkKestruneNow_Click(false); };
+  rig.Unit->Switches().Click(WindowName::KestruneNow, true);
+  diary.OnClose = [this] { rig.Unit->Switches().Click(WindowName::KestruneNow, false); };
   last->close();
   rig.Run(200ms);
   EXPECT_THAT(diary.Lines, ElementsAre("now made", "now closes", "now gone"));
@@ -137,7 +137,7 @@ TEST_F(DesktopTest, AWindowMayRefuseToClose) {
   Plug(WindowName::RestrictList, "lists");
   diary.RefusesClose = true;
   rig.Unit.StartIdle();
-  rig.Unit->Switches().chkRestrictList_Click(true);
+  rig.Unit->Switches().Click(WindowName::RestrictList, true);
   last->close();
   rig.Run(200ms);
   EXPECT_TRUE(last->isVisible());
@@ -162,14 +162,14 @@ TEST_F(DesktopTest, TheChannelsWindowLivesFromTheLoadAndIsOnlyHidden) {
   rig.Unit.Start();
   ASSERT_NE(last, nullptr);
   EXPECT_TRUE(last->isHidden());
-  rig.Unit->Switches().chkChannelListing_Click(true);
+  rig.Unit->Switches().Click(WindowName::Channels, true);
   EXPECT_TRUE(last->isVisible());
-  diary.OnClose = [this] { rig.Unit->Switches().chkChannelListing_Click(false); };
+  diary.OnClose = [this] { rig.Unit->Switches().Click(WindowName::Channels, false); };
   last->close();
   EXPECT_TRUE(last->isHidden());
   EXPECT_FALSE(rig.Record().chkChannelListing);
   rig.Run(200ms);
-  rig.Unit->Switches().chkChannelListing_Click(true);
+  rig.Unit->Switches().Click(WindowName::Channels, true);
   EXPECT_TRUE(last->isVisible());
   rig.Unit.CloseAndWait();
   EXPECT_THAT(diary.Lines, ElementsAre("channels made", "channels closes", "channels closes for good"));
@@ -191,7 +191,7 @@ TEST_F(DesktopTest, OnlyVisibleWindowsAreRefreshed) {
 TEST_F(DesktopTest, TheOthersFollowTheMainWindowDownAndUp) {
   Plug(WindowName::Schedule, "schedule");
   rig.Unit.StartIdle();
-  rig.Unit->Switches().chkSchedule_Click(true);
+  rig.Unit->Switches().Click(WindowName::Schedule, true);
   Minimise();
   rig.Run(200ms);
   EXPECT_TRUE(last->isHidden());

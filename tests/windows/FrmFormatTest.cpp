@@ -19,6 +19,7 @@
 #include "base/Text.h"
 #include "config/formats/FormatTable.h"
 #include "presenters/ConfigurationRig.h"
+#include "support/Repetitions.h"
 #include "windows/Controls.h"
 #include "windows/OptionWindows.h"
 #include "windows/frmFilenameFormatSelect.h"
@@ -506,7 +507,7 @@ TEST_F(FrmFormatTest, AMinimisedWindowOfFilenameFormatsSavesNoPlace) {
   EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "ConfigTop"), "(absent)");
 }
 
-TEST_F(FrmFormatTest, OpenedAndClosedAThousandTimesNothingGrows) {
+TEST_F(FrmFormatTest, OpenedAndClosedManyTimesNothingGrows) {
   const auto round = [this] {
     for (const char* code : {"RAW", "VOX", "WAV", "G726", "OGG", "MP3"}) {
       const std::unique_ptr<QDialog> window = Make(code);
@@ -519,7 +520,8 @@ TEST_F(FrmFormatTest, OpenedAndClosedAThousandTimesNothingGrows) {
   for (int i = 0; i < 20; ++i) round();
   const auto tops = QApplication::topLevelWidgets().size();
   const std::size_t held = mallinfo2().uordblks;
-  for (int i = 0; i < 1000; ++i) round();
+  const int rounds = Repetitions(100, 1000);
+  for (int i = 0; i < rounds; ++i) round();
   EXPECT_EQ(QApplication::topLevelWidgets().size(), tops);
   EXPECT_LT(mallinfo2().uordblks, held + 200000);
 }

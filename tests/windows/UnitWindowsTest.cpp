@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "recorder/WindowTable.h"
 #include "windows/Controls.h"
 #include "windows/UnitWindowsRig.h"
 
@@ -73,7 +74,7 @@ class UnitWindowsTest : public ::testing::Test {
     rig.Choose("mnuPresets");
     rig.Choose("mnuPreferences");
     rig.Find<QPushButton>("cmdMixer").click();
-    for (const WindowName name : recorder::kWindowNames) ASSERT_TRUE(rig.Shows(name));
+    for (const recorder::WindowRow& row : recorder::WindowTable()) ASSERT_TRUE(rig.Shows(row.Name));
   }
   /// Changes an entry of the scheduler that then waits for its save.
   void ChangeTheSchedule() { Find<QCheckBox>(rig.Window(WindowName::Schedule), "chkGrab_2").click(); }
@@ -490,7 +491,8 @@ TEST_F(UnitWindowsTest, EveryEntryOpensSomethingThatIsThere) {
   rig.Run(1s);
   for (const platform::Message& message : rig.Unit.Dialogs.Shown)
     EXPECT_THAT(message.Text, Not(HasSubstr("later")));
-  for (const WindowName name : recorder::kWindowNames) {
+  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+    const recorder::WindowName name = row.Name;
     if (name != WindowName::Mixer) {
       EXPECT_TRUE(rig.Shows(name)) << static_cast<int>(name);
     }

@@ -18,6 +18,7 @@
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 #include "support/MemorySettingsStore.h"
+#include "support/Repetitions.h"
 #include "support/ScriptedDialogs.h"
 #include "windows/frmRestrictList.h"
 
@@ -294,7 +295,7 @@ std::size_t HeapInUse() {
   return mallinfo2().uordblks;
 }
 
-TEST_F(frmRestrictListTest, OpenedAndClosedAThousandTimesItLeavesNothingBehind) {
+TEST_F(frmRestrictListTest, OpenedAndClosedManyTimesItLeavesNothingBehind) {
   files_.Put(kPath, "0Anna\n0Moon\n1Rain\n2Hail\n3Snow\n");
   const auto round = [this] {
     Show();
@@ -308,7 +309,8 @@ TEST_F(frmRestrictListTest, OpenedAndClosedAThousandTimesItLeavesNothingBehind) 
   closes_ = {};
   const auto widgets = QApplication::allWidgets().size();
   const std::size_t before = HeapInUse();
-  for (int i = 0; i < 1000; ++i) {
+  const int rounds = Repetitions(100, 1000);
+  for (int i = 0; i < rounds; ++i) {
     round();
     store_.Calls = {};
     files_.Calls = {};

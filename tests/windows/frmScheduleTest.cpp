@@ -16,6 +16,7 @@
 #include <malloc.h>
 
 #include "presenters/SchedulerFixture.h"
+#include "support/Repetitions.h"
 #include "windows/frmDateSelect.h"
 #include "windows/frmSchedule.h"
 
@@ -396,7 +397,7 @@ TEST_F(frmScheduleTest, WindowsThatComeAndGoLeaveNothingBehind) {
   openAndClose(50);
   const auto widgets = QApplication::allWidgets().size();
   const auto before = mallinfo2().uordblks;
-  openAndClose(950);
+  openAndClose(Repetitions(100, 950));
   EXPECT_EQ(QApplication::allWidgets().size(), widgets);
   constexpr std::size_t kSlack = 512UL * 1024;
   EXPECT_LT(mallinfo2().uordblks, before + kSlack);

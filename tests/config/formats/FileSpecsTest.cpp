@@ -71,7 +71,7 @@ TEST_F(FileSpecsTest, BeforeTheFirstPreparationThereIsNoDescription) {
 TEST_F(FileSpecsTest, AnUnknownCodeLeavesTheFormatAndStillReadsTheDescription) {
   settings_.FileFormat = "VOX";
   specs_.SetFileSpecs(1);
-  for (const char* code : {"mp3", "", "FLAC", "MP3 "}) {
+  for (const char* code : {"mp3", "", "AAC", "MP3 "}) {
     settings_.FileFormat = code;
     specs_.SetFileSpecs(0);
     EXPECT_THAT(file0_.Calls, IsEmpty()) << code;

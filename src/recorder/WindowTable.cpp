@@ -1,0 +1,79 @@
+#include "recorder/WindowTable.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace kestrune::recorder {
+namespace {
+
+using config::Settings;
+
+constexpr WindowRow kWindows[] = {
+    {.Name = WindowName::Channels,
+     .Entry = "mnuChannels",
+     .EntryText = "&Channel Listing",
+     .Key = 'H',
+     .Box = "chkChannelListing",
+     .BoxText = "Channel Listing",
+     .BoxTip = "Show/Hide channel listing",
+     .Checked = &MainWindow::chkChannelListing,
+     .SettingKey = "ChannelListing",
+     .Setting = &Settings::ChannelListing,
+     .Permanent = true,
+     .NeedsBoxToReturn = true},
+    {.Name = WindowName::Log,
+     .Entry = "mnuLog",
+     .EntryText = "Recording &Log",
+     .Key = 'L',
+     .Box = "chkRecordLog",
+     .BoxText = "Recording Log",
+     .BoxTip = "Show/Hide songs recorded log",
+     .Checked = &MainWindow::chkRecordLog,
+     .SettingKey = "RecordLog",
+     .Setting = &Settings::RecordLog,
+     .Permanent = true,
+     .NeedsBoxToReturn = true},
+    {.Name = WindowName::Schedule,
+     .Entry = "mnuSchedule",
+     .EntryText = "&Timer Schedule",
+     .Key = 'T',
+     .Box = "chkSchedule",
+     .BoxText = "Timer Schedule",
+     .BoxTip = "Show/Hide timer schedule screen",
+     .Checked = &MainWindow::chkSchedule,
+     .NeedsBoxToReturn = true},
+    {.Name = WindowName::RestrictList,
+     .Entry = "mnuRestrictList",
+     .EntryText = "Grab/Kill &Lists",
+     .Key = 'B',
+     .Box = "chkRestrictList",
+     .BoxText = "Grab/Kill Lists",
+     .BoxTip = "Show/Hide grab/kill list screen",
+     .Checked = &MainWindow::chkRestrictList,
+     .NeedsBoxToReturn = true},
+    {.Name = WindowName::KestruneNow,
+     .Entry = "mnuKestruneNow",
+     .EntryText = "Kestrune &Now",
+     .Key = 'W',
+     .Box = "chkKestruneNow",
+     .BoxText = "Kestrune Now",
+     .BoxTip = "Show/HideKestrune Now Screen",
+     .Checked = &MainWindow::chkKestruneNow,
+     .SettingKey = "KestruneNow",
+     .Setting = &Settings::KestruneNow},
+    {.Name = WindowName::Presets, .Entry = "mnuPresets", .EntryText = "Edit &Presets"},
+    {.Name = WindowName::Config, .Entry = "mnuPreferences", .EntryText = "&Configuration"},
+    {.Name = WindowName::Mixer, .HidesWithMain = false},
+};
+
+}  // namespace
+
+std::span<const WindowRow> WindowTable() {
+  return kWindows;
+}
+
+const WindowRow& RowOf(WindowName name) {
+  return *std::ranges::find(kWindows, name, &WindowRow::Name);
+}
+
+}  // namespace kestrune::recorder
