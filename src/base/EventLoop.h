@@ -39,6 +39,11 @@ class EventLoop {
 
   /// Local civil time, to the whole second.
   [[nodiscard]] virtual DateValue Now() const = 0;
+  /// What the wall clock will show once so much time has passed, as far as it is known now: steps to and from
+  /// summer time are.
+  [[nodiscard]] virtual DateValue WallAfter(std::chrono::seconds time) const {
+    return Now().AddSeconds(time.count());
+  }
   /// Time since local midnight, for trace lines.
   [[nodiscard]] virtual std::chrono::milliseconds TimeOfDay() const = 0;
   /// Time since some fixed moment; intervals are measured with it.
@@ -53,5 +58,9 @@ class EventLoop {
   [[nodiscard]] virtual std::unique_ptr<Timer> MakeTimer(std::chrono::milliseconds interval,
                                                          std::function<void()> handler) = 0;
 };
+
+/// The time that passes until the wall clock shows `wall`, or a later moment if a step leaves `wall` out. Negative if
+/// `wall` has passed.
+[[nodiscard]] std::chrono::seconds TimeUntil(const EventLoop& loop, DateValue wall);
 
 }  // namespace kestrune::base

@@ -167,6 +167,11 @@ std::string BoolText(bool value) {
   return value ? "True" : "False";
 }
 
+std::string SixtiesText(std::int64_t count) {
+  const std::int64_t rest = count % 60;
+  return std::to_string(count / 60) + (rest < 10 ? ":0" : ":") + std::to_string(rest);
+}
+
 std::string SingleText(float value) {
   // Neither a sign on 0 nor what is no number at all means anything to a reader.
   if (value == 0.0F || !std::isfinite(value)) return "0";

@@ -30,6 +30,10 @@ namespace kestrune::base {
 /// "True" or "False".
 [[nodiscard]] std::string BoolText(bool value);
 
+/// Sixties, ":" and the rest in two digits, as minutes and seconds or hours and minutes are written: 75 is "1:15".
+/// Not for negative numbers.
+[[nodiscard]] std::string SixtiesText(std::int64_t count);
+
 /// A single-precision number as decimal text: at most seven significant digits, no trailing zeros, and a
 /// point only where one is needed.
 [[nodiscard]] std::string SingleText(float value);

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "base/Numbers.h"
 #include "control/ConsoleText.h"
 
 namespace kestrune::control {
@@ -13,8 +14,7 @@ namespace {
 using Rows = std::vector<std::vector<std::string>>;
 
 std::string Length(std::int64_t milliseconds) {
-  const std::int64_t seconds = milliseconds / 1000;
-  return fmt::format("{}:{:02}", seconds / 60, seconds % 60);
+  return base::SixtiesText(milliseconds / 1000);
 }
 
 /// The texts that are not empty, with a separator between them.
@@ -87,21 +87,29 @@ std::string UpdateText(const UpdateReport& report) {
   return text;
 }
 
-/// What stands in the last column: whether the entry runs, and when it will.
+/// The last column: whether the entry is running, and when it will run next.
 std::string ScheduleState(const ScheduleReport& entry) {
   if (entry.Running) {
     return fmt::format("running, {}:{:02}:{:02} left", entry.SecondsLeft / 3600, entry.SecondsLeft / 60 % 60,
                        entry.SecondsLeft % 60);
   }
+  if (!entry.Set) return "-";
   if (!entry.Enabled) return "off";
+  if (entry.Minutes < 0) return "never";
   return entry.NextRun.empty() ? "over" : entry.NextRun;
 }
 
 std::string ScheduleText(const std::vector<ScheduleReport>& entries) {
   Rows rows{{"Entry", "On", "At", "For", "Channel", "Modes", "MP3", "Next run"}};
   for (const ScheduleReport& entry : entries) {
-    rows.push_back({fmt::format("{:>5}", entry.Number), entry.On, fmt::format("{:>8}", entry.At),
-                    fmt::format("{:>2}:{:02}", entry.Minutes / 60, entry.Minutes % 60),
+    const std::string number = fmt::format("{:>5}", entry.Number);
+    if (!entry.Set) {
+      rows.push_back({number, "-", "-", "-", "-", "-", "-", ScheduleState(entry)});
+      continue;
+    }
+    rows.push_back({number, entry.On.empty() ? "-" : entry.On,
+                    entry.At.empty() ? "-" : fmt::format("{:>8}", entry.At),
+                    entry.Minutes < 0 ? "-" : fmt::format("{:>5}", base::SixtiesText(entry.Minutes)),
                     Joined({fmt::format("{:>3}", entry.Channel), entry.Station}, " - "),
                     OrNone(Joined({entry.Integrel ? "Integrel" : "", entry.Cleftune ? "Cleftune" : "",
                                    entry.Grab ? "Grab" : "", entry.Kill ? "Kill" : ""},

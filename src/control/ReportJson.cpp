@@ -63,6 +63,7 @@ void ForEachMember(EitherConst<UpdateReport> auto& report, auto& visit) {
 
 void ForEachMember(EitherConst<ScheduleReport> auto& report, auto& visit) {
   visit("number", report.Number);
+  visit("set", report.Set);
   visit("enabled", report.Enabled);
   visit("on", report.On);
   visit("at", report.At);

@@ -61,11 +61,12 @@ struct ChannelReport {
 
 /// One of the ten entries of the schedule, as it counts now.
 struct ScheduleReport {
-  int Number = 0;  ///< 1 to 10
+  int Number = 0;    ///< 1 to 10
+  bool Set = false;  ///< was ever set; if not, all but Enabled, Running and SecondsLeft are as here
   bool Enabled = false;
-  std::string On;  ///< "Every Day", "Every Saturday" or "Dec 24, 2026"
-  std::string At;  ///< "8:00 PM"
-  int Minutes = 0;
+  std::string On;    ///< "Every Day", "Every Saturday" or "Dec 24, 2026"; empty if no start can be read
+  std::string At;    ///< "8:00 PM"; empty with On
+  int Minutes = -1;  ///< -1 if no length can be read, or it is negative
   int Channel = 0;
   std::string Station;  ///< empty if the channel is not known
   bool Integrel = false;

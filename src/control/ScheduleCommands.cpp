@@ -6,6 +6,8 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
+#include "schedule/entries/ConflictCheck.h"
+#include "schedule/entries/Duration.h"
 #include "schedule/entries/NextRun.h"
 #include "schedule/entries/SchedulerMoment.h"
 
@@ -13,108 +15,182 @@ namespace kestrune::control {
 namespace {
 
 using base::DateValue;
-using presenters::Scheduler;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 
 using Refusal = std::optional<std::string>;
 
-constexpr std::int64_t kRestOfTheLastMinute = 59;
+constexpr std::int64_t kLongestMinutes = 2 * 24 * 60 - 1;
+constexpr const char* kNotWritten = "The schedule could not be written.";
 
-std::string OnText(DateValue start) {
-  const bool coded = start >= schedule::CodedDay(1) && start < schedule::CodedDay(16);
-  return coded ? schedule::CodedCaption(start) : schedule::DateCaption(start);
-}
-
-std::optional<int> PositionOf(const Scheduler& scheduler, int channel) {
-  const auto& channels = scheduler.Channels();
-  const auto found =
-      std::find_if(channels.begin(), channels.end(),
-                   [channel](const schedule::SchedulerChannel& one) { return one.Number == channel; });
-  if (found == channels.end()) return std::nullopt;
-  return static_cast<int>(found - channels.begin());
-}
-
-/// Enabling what can never run would only look as if something had been asked for.
-Refusal SaveUnlessOver(Scheduler& scheduler, int index, DateValue now) {
-  const SchedulerRow& row = scheduler.Row(index);
-  if (!row.Start.Recurs() && row.Start.Date().AddMinutes(row.DurationInMinutes()) < now) {
-    return fmt::format("entry {} would be over already: {} for {}:{:02}", index + 1, row.Start.Caption,
-                       row.DurationHours, row.DurationMinutes);
+/// One stored entry and what a command makes of it.
+class EntryChange {
+ public:
+  EntryChange(const StoredSchedule& stored, int number)
+      : stored_(stored),
+        number_(number),
+        row_(schedule::ReadSchedulerRow(stored.Settings, number, stored.Channels, stored.Now)),
+        hasStart_(base::ParseDate(Text("ScheduleStartDate")).has_value()) {
+    // A row shows durations of its lists alone; this is what counts.
+    duration_ = schedule::ParseDuration(Text("ScheduleDuration"));
   }
-  if (row.DurationInMinutes() == 0) return fmt::format("entry {} has no length", index + 1);
-  return scheduler.SaveRow(index);
+
+  /// False if the entry is not enabled, or is for a date that is over.
+  [[nodiscard]] bool Enabled() const { return row_.Enabled; }
+
+  void SetStart(const std::optional<DateValue>& on, const std::optional<int>& at) {
+    if (on) row_.Start.Caption = schedule::StartCaption(*on);
+    if (at) row_.Start.Time = TimeOfDay::Of(DateValue().AddMinutes(*at));
+    hasStart_ = hasStart_ || (on && at);
+    Note("ScheduleStartDate", row_.Start.StoredText());
+  }
+  void SetDuration(int minutes) {
+    duration_ = {.Hours = minutes / 60, .Minutes = minutes % 60};
+    Note("ScheduleDuration", schedule::DurationText(*duration_));
+  }
+  void Note(const char* name, std::string text) { notes_.push_back({name, std::move(text)}); }
+  void Note(const char* name, bool ticked) { Note(name, std::string(ticked ? "1" : "0")); }
+
+  /// Enabling what can never run would look as if something had been asked for.
+  [[nodiscard]] Refusal WhyItCannotRun() const {
+    if (!hasStart_) return fmt::format("entry {} has no start; give --on and --at", number_);
+    const std::int64_t minutes = duration_ ? duration_->InMinutes() : 0;
+    if (minutes < 1 || minutes > kLongestMinutes)
+      return fmt::format("entry {} has no length from 0:01 to 47:59; give --for", number_);
+    if (!row_.Start.Recurs() && row_.Start.Date().AddMinutes(minutes) < stored_.Now) {
+      return fmt::format("entry {} would be over already: {} for {}", number_, row_.Start.Caption,
+                         schedule::DurationText(*duration_));
+    }
+    return std::nullopt;
+  }
+
+  [[nodiscard]] Refusal WhatConflicts() const {
+    schedule::SchedulerRows rows;
+    int number = 0;
+    for (SchedulerRow& row : rows)
+      row = schedule::ReadSchedulerRow(stored_.Settings, ++number, stored_.Channels, stored_.Now);
+    const auto index = static_cast<std::size_t>(number_ - 1);
+    rows.at(index) = row_;
+    rows.at(index).DurationHours = duration_->Hours;
+    rows.at(index).DurationMinutes = duration_->Minutes;
+    return schedule::WhatConflictsWith(rows, index);
+  }
+
+  /// Writes what was noted.
+  [[nodiscard]] Refusal Write() const {
+    bool written = true;
+    for (const auto& [name, text] : notes_)
+      written = stored_.Settings.Save(name + std::to_string(number_), text) && written;
+    return written ? std::nullopt : Refusal(kNotWritten);
+  }
+
+ private:
+  [[nodiscard]] std::string Text(const char* name) const {
+    return stored_.Settings.Read(name + std::to_string(number_), {});
+  }
+
+  const StoredSchedule& stored_;
+  int number_;
+  SchedulerRow row_;
+  bool hasStart_;
+  std::optional<schedule::Duration> duration_;
+  std::vector<std::pair<std::string, std::string>> notes_;
+};
+
+bool IsListed(const StoredSchedule& stored, int channel) {
+  return std::any_of(stored.Channels.begin(), stored.Channels.end(),
+                     [channel](const schedule::SchedulerChannel& one) { return one.Number == channel; });
 }
 
 }  // namespace
 
 std::vector<ScheduleReport> ReportSchedule(const schedule::ScheduleEntries& entries,
-                                           const schedule::ScheduleState& state, DateValue now,
-                                           const std::function<std::string(std::int16_t channel)>& station) {
+                                           const schedule::ScheduleState& state,
+                                           const ScheduleSources& sources) {
   std::vector<ScheduleReport> reports;
   for (const schedule::ScheduleEntry& entry : entries) {
-    ScheduleReport report;
-    report.Number = static_cast<int>(reports.size()) + 1;
+    ScheduleReport& report = reports.emplace_back();
+    report.Number = static_cast<int>(reports.size());
+    report.Set = entry.Enabled || sources.IsSet(report.Number);
     report.Enabled = entry.Enabled;
-    report.On = OnText(entry.StartDate);
-    report.At = base::FormatDate(entry.StartDate, "h:nn AM/PM");
-    report.Minutes =
-        static_cast<int>((base::SecondsBetween(entry.StartDate, entry.EndDate) - kRestOfTheLastMinute) / 60);
+    report.Running = state.ActiveSchedule == report.Number;
+    if (report.Running) {
+      report.SecondsLeft = static_cast<int>(std::max<std::int64_t>(0, sources.SecondsUntil(state.RemainingUntil)));
+    }
+    if (!report.Set) continue;
+    if (entry.StartDate != DateValue()) {
+      report.On = schedule::StartCaption(entry.StartDate);
+      report.At = base::FormatDate(entry.StartDate, "h:nn AM/PM");
+    }
+    const std::int64_t length =
+        base::SecondsBetween(entry.StartDate, entry.EndDate) - schedule::kRestOfTheLastMinute;
+    if (length >= 0) report.Minutes = static_cast<int>(length / 60);
     report.Channel = entry.Channel;
-    report.Station = station(entry.Channel);
+    report.Station = sources.Station(entry.Channel);
     report.Integrel = entry.Integrel;
     report.Cleftune = entry.Cleftune;
     report.Grab = entry.MatchGrab;
     report.Kill = entry.MatchKill;
     report.BitRate = base::Trim(entry.MP3BitRate);
-    if (entry.Enabled) {
-      if (const auto next = schedule::NextStart(entry, now))
-        report.NextRun = base::FormatDate(*next, "yyyy-mm-dd hh:nn");
-    }
-    report.Running = state.ActiveSchedule == report.Number;
-    if (report.Running) {
-      report.SecondsLeft =
-          static_cast<int>(std::max<std::int64_t>(0, base::SecondsBetween(now, state.RemainingUntil)));
-    }
-    reports.push_back(std::move(report));
+    if (const auto next = schedule::NextStart(entry, sources.Now))
+      report.NextRun = base::FormatDate(*next, "yyyy-mm-dd hh:nn");
   }
   return reports;
 }
 
-Refusal SetEntry(Scheduler& scheduler, const ScheduleChange& change, DateValue now) {
-  const int index = change.Number - 1;
-  if (!scheduler.IsStored(index) && !(change.On && change.At && change.For && change.Channel)) {
+Refusal SetEntry(const StoredSchedule& stored, const ScheduleChange& change) {
+  const bool empty = !schedule::IsStored(stored.Settings, change.Number);
+  if (empty && !(change.On && change.At && change.For && change.Channel)) {
     return fmt::format("entry {} is empty; --on, --at, --for and --channel are all needed", change.Number);
   }
-  if (change.Channel) {
-    const std::optional<int> position = PositionOf(scheduler, *change.Channel);
-    if (!position) return fmt::format("channel {} is not in the channel list", *change.Channel);
-    scheduler.ChooseChannel(index, *position);
+  if (change.Channel && !IsListed(stored, *change.Channel))
+    return fmt::format("channel {} is not in the channel list", *change.Channel);
+
+  EntryChange entry(stored, change.Number);
+  if (change.On || change.At) entry.SetStart(change.On, change.At);
+  if (change.For) entry.SetDuration(*change.For);
+  if (change.Channel) entry.Note("ScheduleChannel", std::to_string(*change.Channel));
+  // An entry that was never set gets all its modes, which the table and the scheduler would not take alike.
+  const auto noteMode = [&](const char* name, const std::optional<bool>& given, bool usual) {
+    if (given || empty) entry.Note(name, given.value_or(usual));
+  };
+  noteMode("ScheduleIntegrel", change.Integrel, true);
+  noteMode("ScheduleCleftune", change.Cleftune, true);
+  noteMode("ScheduleMatchGrab", change.Grab, false);
+  noteMode("ScheduleMatchKill", change.Kill, false);
+  if (change.BitRate || empty) entry.Note("ScheduleMP3BitRate", change.BitRate.value_or(" "));
+
+  if (Refusal why = entry.WhyItCannotRun()) return why;
+  const bool moved = change.On || change.At || change.For;
+  if (moved || !entry.Enabled()) {
+    if (Refusal conflict = entry.WhatConflicts()) return conflict;
   }
-  if (change.On) scheduler.SetStartDate(index, *change.On);
-  if (change.At) {
-    scheduler.ChooseStartTime(index, TimeOfDay::Of(DateValue::FromSeconds(std::int64_t{*change.At} * 60)));
-  }
-  if (change.For) scheduler.ChooseDuration(index, *change.For / 60, *change.For % 60);
-  if (change.Integrel) scheduler.TickIntegrel(index, *change.Integrel);
-  if (change.Cleftune) scheduler.TickCleftune(index, *change.Cleftune);
-  if (change.Grab) scheduler.TickGrab(index, *change.Grab);
-  if (change.Kill) scheduler.TickKill(index, *change.Kill);
-  if (change.BitRate) scheduler.ChooseMP3BitRate(index, *change.BitRate);
-  scheduler.TickEnabled(index, true);
-  return SaveUnlessOver(scheduler, index, now);
+  entry.Note("ScheduleEnabled", true);
+  return entry.Write();
 }
 
-Refusal EnableEntry(Scheduler& scheduler, int number, bool enabled, DateValue now) {
-  const int index = number - 1;
-  if (enabled && !scheduler.IsStored(index)) return fmt::format("entry {} is empty; set it first", number);
-  scheduler.TickEnabled(index, enabled);
-  return enabled ? SaveUnlessOver(scheduler, index, now) : scheduler.SaveRow(index);
+Refusal EnableEntry(const StoredSchedule& stored, int number) {
+  if (!schedule::IsStored(stored.Settings, number))
+    return fmt::format("entry {} is empty; set it first", number);
+  EntryChange entry(stored, number);
+  if (Refusal why = entry.WhyItCannotRun()) return why;
+  if (Refusal conflict = entry.WhatConflicts()) return conflict;
+  entry.Note("ScheduleEnabled", true);
+  return entry.Write();
 }
 
-Refusal ClearEntry(Scheduler& scheduler, int number) {
-  scheduler.cmdClear(number - 1);
-  return scheduler.SaveRow(number - 1);
+Refusal DisableEntry(const StoredSchedule& stored, int number) {
+  EntryChange entry(stored, number);
+  entry.Note("ScheduleEnabled", false);
+  return entry.Write();
+}
+
+Refusal ClearEntry(const StoredSchedule& stored, int number) {
+  SchedulerRow row = schedule::EmptySchedulerRow(stored.Now);
+  row.Channel = stored.Channels.empty() ? -1 : 0;
+  row.MP3BitRate = schedule::ReadSchedulerRow(stored.Settings, number, stored.Channels, stored.Now).MP3BitRate;
+  if (schedule::SaveSchedulerRow(stored.Settings, number, stored.Channels, row)) return std::nullopt;
+  return kNotWritten;
 }
 
 }  // namespace kestrune::control

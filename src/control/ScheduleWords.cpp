@@ -32,14 +32,14 @@ bool IsOn(std::string_view text) {
 }  // namespace
 
 std::optional<DateValue> ReadOn(std::string_view text) {
-  for (int day = 1; day <= 15; ++day) {
+  for (int day = 1; day <= schedule::kEveryDayCode; ++day) {
     const DateValue coded = schedule::CodedDay(day);
     if (base::EqualsNoCase(base::Trim(text), schedule::CodedCaption(coded))) return coded;
   }
   if (text.find(':') != std::string_view::npos) return std::nullopt;
   const std::optional<DateValue> date = base::ParseDate(text);
   // Who writes a day of that month out means that day, which has long passed, and no code.
-  if (date && *date >= schedule::CodedDay(1) && *date <= schedule::CodedDay(15)) return std::nullopt;
+  if (date && *date >= schedule::CodedDay(1) && *date <= schedule::CodedDay(schedule::kEveryDayCode)) return std::nullopt;
   return date;
 }
 

@@ -160,33 +160,54 @@ UpdateResult UnitTarget::Update() {
 
 std::vector<ScheduleReport> UnitTarget::Schedule() {
   const radio::ChannelTable& table = unit_.ChannelList().Table();
-  return ReportSchedule(unit_.Entries(), unit_.Schedule(), unit_.Now(), [&table](std::int16_t channel) {
-    const std::int16_t slot = table.ChannelIndex(channel);
-    return slot == 0 ? std::string() : table.At(slot).Station;
-  });
+  const schedule::SchedulerSettings settings = EntrySettings();
+  ScheduleSources sources{
+      .Now = unit_.Now(),
+      .Station =
+          [&table](std::int16_t channel) {
+            const std::int16_t slot = table.ChannelIndex(channel);
+            return slot == 0 ? std::string() : table.At(slot).Station;
+          },
+      // Before the start has read them, no entry counts.
+      .IsSet = [this, &settings](
+                   int number) { return !unit_.Run().FormLoading && schedule::IsStored(settings, number); },
+      .SecondsUntil = [this](base::DateValue wall) { return unit_.TimeUntil(wall).count(); }};
+  return ReportSchedule(unit_.Entries(), unit_.Schedule(), sources);
 }
 
-CommandResult UnitTarget::AtTheScheduler(
-    const std::function<std::optional<std::string>(presenters::Scheduler&)>& change) {
+schedule::SchedulerSettings UnitTarget::EntrySettings() const {
+  const config::SettingsSection& section = unit_.Section();
+  return {.Read = [&section](std::string_view key,
+                             std::string_view text) { return section.Text(key, text); },
+          .Save = [&section](std::string_view key,
+                             std::string_view text) { return section.SaveText(key, text); }};
+}
+
+CommandResult UnitTarget::ChangeEntry(
+    const std::function<std::optional<std::string>(const StoredSchedule&)>& change) {
   if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  presenters::Scheduler scheduler = unit_.OpenScheduler();
-  if (std::optional<std::string> why = change(scheduler)) return Refused(*std::move(why));
+  // The window's save would undo the change, or the change would be made under the user's hands.
+  if (unit_.EntryEditors().HaveChanges())
+    return Refused("the schedule is being edited in its window; save or close it first");
+  StoredSchedule stored{.Settings = EntrySettings(), .Channels = unit_.SchedulerChannels(), .Now = unit_.Now()};
+  if (std::optional<std::string> why = change(stored)) return Refused(*std::move(why));
   unit_.ReloadSchedule();
+  unit_.EntryEditors().EntriesChanged();
   return Done();
 }
 
 CommandResult UnitTarget::SetSchedule(const ScheduleChange& change) {
-  return AtTheScheduler(
-      [&](presenters::Scheduler& scheduler) { return SetEntry(scheduler, change, unit_.Now()); });
+  return ChangeEntry([&](const StoredSchedule& stored) { return SetEntry(stored, change); });
 }
 
 CommandResult UnitTarget::EnableSchedule(int number, bool enabled) {
-  return AtTheScheduler(
-      [&](presenters::Scheduler& scheduler) { return EnableEntry(scheduler, number, enabled, unit_.Now()); });
+  return ChangeEntry([&](const StoredSchedule& stored) {
+    return enabled ? EnableEntry(stored, number) : DisableEntry(stored, number);
+  });
 }
 
 CommandResult UnitTarget::ClearSchedule(int number) {
-  return AtTheScheduler([&](presenters::Scheduler& scheduler) { return ClearEntry(scheduler, number); });
+  return ChangeEntry([&](const StoredSchedule& stored) { return ClearEntry(stored, number); });
 }
 
 namespace {
@@ -229,9 +250,9 @@ CommandResult UnitTarget::RemoveFromList(schedule::RestrictList list, std::strin
   if (unit_.RestrictListEditor().IsLoaded()) {
     return Refused("the lists are being edited in their window; close it first");
   }
-  const std::optional<int> removed = unit_.Restrictions().Remove(list, text);
-  if (!removed) return Refused(kListsNotWritten);
-  return *removed > 0 ? Done() : Refused(fmt::format("{} is not on the list", Quoted(base::Trim(text))));
+  const schedule::Restrictions::Removal removed = unit_.Restrictions().Remove(list, text);
+  if (!removed.Failure.empty()) return Refused(removed.Failure);
+  return removed.Count > 0 ? Done() : Refused(fmt::format("{} is not on the list", Quoted(base::Trim(text))));
 }
 
 CommandResult UnitTarget::Quit() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "control/ControlTarget.h"
+#include "control/ScheduleCommands.h"
 #include "recorder/Kestrune.h"
 
 namespace kestrune::control {
@@ -36,9 +37,11 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] CommandResult Quit() override;
 
  private:
-  /// Opens the scheduler for one change; the schedule is reloaded behind it.
-  [[nodiscard]] CommandResult AtTheScheduler(
-      const std::function<std::optional<std::string>(presenters::Scheduler&)>& change);
+  [[nodiscard]] schedule::SchedulerSettings EntrySettings() const;
+  /// Runs a command on a stored entry, unless an open editor has changes. The schedule and the open editors read
+  /// the entries again afterwards.
+  [[nodiscard]] CommandResult ChangeEntry(
+      const std::function<std::optional<std::string>(const StoredSchedule&)>& change);
 
   recorder::Kestrune& unit_;
 };

@@ -46,7 +46,7 @@ void DateSelect::cmdDay(int index) {
 }
 
 void DateSelect::cmdEveryDay() {
-  selDate_ = schedule::CodedDay(15);
+  selDate_ = schedule::CodedDay(schedule::kEveryDayCode);
 }
 
 }  // namespace kestrune::presenters

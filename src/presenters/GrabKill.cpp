@@ -1,5 +1,7 @@
 #include "presenters/GrabKill.h"
 
+#include <fmt/format.h>
+
 #include "base/Ignored.h"
 #include "base/OneLine.h"
 #include "base/Text.h"
@@ -18,32 +20,40 @@ void GrabKill::DblClick(Field field, std::string_view caption) {
   // The caption may change while the question is open.
   const std::string text(caption);
   if (base::Trim(text).empty()) return;
-  grabMode_ = 0;
   lblQuestion_ = base::ReplaceAll(kQuestion, "%t", field == Field::Artist ? "Artist" : "Song");
   lblQuestion_ = base::ReplaceAll(lblQuestion_, "%v", text);
-  if (show_) show_();
-  if (grabMode_ == 0) return;
-  const bool kill = grabMode_ == kKill;
-  schedule::RestrictList list =
-      kill ? schedule::RestrictList::KillArtists : schedule::RestrictList::GrabArtists;
-  if (field == Field::Song)
-    list = kill ? schedule::RestrictList::KillSongs : schedule::RestrictList::GrabSongs;
   const std::string single = base::OneLine(base::ReplaceAll(text, "&&", "&"));
-  base::Ignored(Append(list, base::Trim(single)));
+  do {
+    grabMode_ = 0;
+    if (show_) show_();
+  } while (grabMode_ != 0 && !Append(ListOf(field), base::Trim(single)));
+}
+
+schedule::RestrictList GrabKill::ListOf(Field field) const {
+  const bool kill = grabMode_ == kKill;
+  if (field == Field::Song)
+    return kill ? schedule::RestrictList::KillSongs : schedule::RestrictList::GrabSongs;
+  return kill ? schedule::RestrictList::KillArtists : schedule::RestrictList::GrabArtists;
 }
 
 bool GrabKill::Append(schedule::RestrictList list, std::string_view fragment) {
   base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
   const std::string path = restrictions_.RestrictionFile();
   const auto before = files_.Read(path);
-  // An editor may have left the last line without an end: the entry would become a part of it.
-  std::string line = before && !before->empty() && !before->ends_with('\n') ? "\n" : "";
+  // A text editor may have left the last line without an end: the entry would become part of it. If the file cannot
+  // be read, that is possible too; an empty line does no harm.
+  const bool endsInLine = before ? before->empty() || before->ends_with('\n') : !files_.Exists(path);
+  std::string line = endsInLine ? "" : "\n";
   line += static_cast<char>('0' + static_cast<int>(list));
   line.append(fragment).append("\n");
-  const bool written = files_.Append(path, line);
+  if (!files_.Append(path, line)) {
+    log_.DoLog(fmt::format("\"{}\" was not added to the Grab and Kill lists: {} could not be written", fragment,
+                           path));
+    return false;
+  }
   restrictions_.LoadRestrictions();
   editor_.AddItem(list, fragment);
-  return written;
+  return true;
 }
 
 }  // namespace kestrune::presenters

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Journal.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "presenters/RestrictListEditor.h"
@@ -12,20 +13,21 @@
 
 namespace kestrune::presenters {
 
-/// The quick addition: one question, and the artist or title on show becomes an entry of a Grab or a Kill list.
+/// The quick addition: after one question the artist or title on show becomes an entry of a Grab or Kill list.
 class GrabKill {
  public:
   enum class Field { Artist, Song };
 
   /// All references must outlive the object.
   GrabKill(schedule::Restrictions& restrictions, RestrictListEditor& editor, platform::Files& files,
-           const platform::Environment& environment)
-      : restrictions_(restrictions), editor_(editor), files_(files), environment_(environment) {}
+           const platform::Environment& environment, base::Journal& log)
+      : restrictions_(restrictions), editor_(editor), files_(files), environment_(environment), log_(log) {}
 
-  /// Shows the question's window and returns when it is closed. Without one the answer is to add nothing.
+  /// `show` shows the question's window and returns when it is closed. Without it the answer is to add nothing.
   void SetWindow(std::function<void()> show) { show_ = std::move(show); }
 
-  /// A double click on a field. The text is a label's caption: a doubled ampersand in it stands for one.
+  /// A double click on a field. The text is a label's caption: a doubled ampersand in it stands for one. As long as
+  /// the entry cannot be written, the question comes again, until the user cancels it.
   void DblClick(Field field, std::string_view caption);
 
   // What the window shows and answers.
@@ -34,14 +36,19 @@ class GrabKill {
   void cmdResult(std::int16_t index) { grabMode_ = index; }
   [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
 
-  /// Adds without a question; an open editor shows the entry as well. False if the file could not be written.
+  /// Adds without a question; an open editor shows the entry as well. Returns false if the file could not be
+  /// written; nothing is added then, and the log says so.
   [[nodiscard]] bool Append(schedule::RestrictList list, std::string_view fragment);
 
  private:
+  /// The list that the answer stands for.
+  [[nodiscard]] schedule::RestrictList ListOf(Field field) const;
+
   schedule::Restrictions& restrictions_;
   RestrictListEditor& editor_;
   platform::Files& files_;
   const platform::Environment& environment_;
+  base::Journal& log_;
   std::function<void()> show_;
   std::string lblQuestion_;
   std::int16_t grabMode_ = 0;

@@ -24,8 +24,12 @@ void RestrictListEditor::Load() {
   loaded_ = true;
   base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
   path_ = restrictions_.RestrictionFile();
-  const auto text = files_.Read(path_);
-  if (!text) return;
+  const auto text = restrictions_.ReadFile();
+  unread_ = !text;
+  if (unread_) {
+    log_.DoLog("The Grab and Kill lists cannot be edited: " + path_ + " could not be read");
+    return;
+  }
   schedule::EachLine(*text, [this](std::string_view line) {
     if (line.empty() || line.front() < '0' || line.front() > '3') return;
     columns_[static_cast<std::size_t>(line.front() - '0')].lstRestrict.emplace_back(line.substr(1));
@@ -38,8 +42,7 @@ void RestrictListEditor::Load() {
 
 void RestrictListEditor::Unload() {
   columns_ = {};
-  loaded_ = false;
-  listDirty_ = false;
+  loaded_ = unread_ = listDirty_ = false;
 }
 
 // The last item is never tested, so that a duplicate in last place stays until the lists are saved.
@@ -94,6 +97,12 @@ void RestrictListEditor::cmdClear(std::size_t index) {
 }
 
 bool RestrictListEditor::cmdSave() {
+  const auto failed = [this](std::string_view why) {
+    log_.DoLog("The Grab and Kill lists were not saved: " + path_ + std::string(why));
+    return false;
+  };
+  // What is in the file is unknown, and must not be replaced by what is in the window.
+  if (unread_) return failed(" could not be read when the window opened");
   std::string text;
   for (std::size_t list = 0; list < kColumns; ++list) {
     const std::string* before = nullptr;
@@ -105,7 +114,7 @@ bool RestrictListEditor::cmdSave() {
       before = &item;
     }
   }
-  if (!files_.Replace(path_, text)) return false;
+  if (!files_.Replace(path_, text)) return failed(" could not be written");
   restrictions_.LoadRestrictions();
   listDirty_ = false;
   return true;
@@ -125,7 +134,8 @@ void RestrictListEditor::AddItem(schedule::RestrictList list, std::string_view f
   if (loaded_) Insert(columns_[static_cast<std::size_t>(list)], std::string(fragment));
 }
 
-/// Behind what is equal but for case, so that the first of such a pair stays the first. What is selected stays so.
+/// Inserts after items that differ only in case, so that the first of such a pair stays first. The selection stays
+/// on its item.
 void RestrictListEditor::Insert(RestrictColumn& column, std::string item) {
   auto& items = column.lstRestrict;
   const auto place = std::upper_bound(items.begin(), items.end(), item, SortsBefore);

@@ -1,5 +1,8 @@
 #include "presenters/Scheduler.h"
 
+#include <algorithm>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -15,18 +18,43 @@ using base::DateValue;
 
 namespace {
 
+constexpr std::string_view kNotListed = "not in the channel list";
+
+/// The caption of a date that comes from the date picker.
 std::string CaptionOf(DateValue date) {
-  return date >= schedule::CodedDay(1) && date <= schedule::CodedDay(15) ? schedule::CodedCaption(date)
+  return date >= schedule::CodedDay(1) && date <= schedule::CodedDay(schedule::kEveryDayCode) ? schedule::CodedCaption(date)
                                                                          : schedule::DateCaption(date);
 }
 
 }  // namespace
 
 Scheduler::Scheduler(SchedulerPorts ports, std::vector<schedule::SchedulerChannel> channels)
-    : ports_(std::move(ports)), channels_(std::move(channels)) {
+    : ports_(std::move(ports)), channels_(std::move(channels)), listed_(channels_.size()) {
+  ReadRows();
+  ports_.Editors.Add(*this);
+}
+
+void Scheduler::ReadRows() {
+  channels_.resize(listed_);
+  const auto has = [this](std::int16_t number) {
+    return std::ranges::find(channels_, number, &schedule::SchedulerChannel::Number) != channels_.end();
+  };
+  for (int number = 1; number <= schedule::kSchedulerRows; ++number) {
+    const auto stored = schedule::StoredChannel(ports_.Settings, number);
+    if (stored && !has(*stored)) channels_.push_back({.Number = *stored, .Station = std::string(kNotListed)});
+  }
   int number = 0;
-  for (schedule::SchedulerRow& row : rows_)
+  for (schedule::SchedulerRow& row : rows_) {
     row = schedule::ReadSchedulerRow(ports_.Settings, ++number, channels_, ports_.Loop.Now());
+    // The first item for an entry without a channel of its own is the first of the list.
+    if (listed_ == 0 && !schedule::StoredChannel(ports_.Settings, number)) row.Channel = -1;
+  }
+}
+
+void Scheduler::EntriesChanged() {
+  ReadRows();
+  schedDirty_ = false;
+  Reread();
 }
 
 std::string Scheduler::ChannelItem(const schedule::SchedulerChannel& channel) {
@@ -81,11 +109,11 @@ void Scheduler::TickEnabled(int index, bool ticked) {
   RowAt(index).Enabled = ticked;
 }
 
-// The end and the bit rate stay as they are.
+// The end and the bit rate stay.
 void Scheduler::cmdClear(int index) {
   schedule::SchedulerRow& row = RowAt(index);
   schedule::SchedulerRow cleared = schedule::EmptySchedulerRow(ports_.Loop.Now());
-  cleared.Channel = channels_.empty() ? -1 : 0;
+  cleared.Channel = listed_ == 0 ? -1 : 0;
   cleared.End = std::move(row.End);
   cleared.MP3BitRate = std::move(row.MP3BitRate);
   row = std::move(cleared);
@@ -115,7 +143,7 @@ void Scheduler::SetStartDate(int index, DateValue date) {
 }
 
 void Scheduler::SetEndDate(int index, DateValue date) {
-  SelDate = Row(index).Start.IsDaily() ? schedule::CodedDay(15) : date;
+  SelDate = Row(index).Start.IsDaily() ? schedule::CodedDay(schedule::kEveryDayCode) : date;
   SetEnd(index, {.Caption = CaptionOf(SelDate), .Time = Row(index).End.Time});
 }
 
@@ -124,7 +152,7 @@ void Scheduler::SetEnd(int index, schedule::SchedulerMoment end) {
   CalculateDuration(index);
 }
 
-// Each calculation sets the controls that the other one follows, hence the guard.
+// Each calculation sets controls whose changes call the other one, hence the guard.
 void Scheduler::CalculateEndTime(int index) {
   if (calculating_) return;
   calculating_ = true;
@@ -141,16 +169,6 @@ void Scheduler::CalculateDuration(int index) {
   calculating_ = false;
 }
 
-bool Scheduler::IsStored(int index) const {
-  return !ports_.Settings.Read("ScheduleStartDate" + std::to_string(index + 1), {}).empty();
-}
-
-std::optional<std::string> Scheduler::SaveRow(int index) {
-  if (auto conflict = schedule::WhatConflicts(rows_)) return conflict;
-  if (schedule::SaveSchedulerRow(ports_.Settings, index + 1, channels_, RowAt(index))) return std::nullopt;
-  return "The schedule could not be written.";
-}
-
 bool Scheduler::cmdSave() {
   const std::optional<std::string> conflict = schedule::WhatConflicts(rows_);
   saveFailed_ = conflict.has_value();
@@ -159,8 +177,13 @@ bool Scheduler::cmdSave() {
     return false;
   }
   int number = 0;
-  for (schedule::SchedulerRow& row : rows_)
-    base::Ignored(schedule::SaveSchedulerRow(ports_.Settings, ++number, channels_, row));
+  for (schedule::SchedulerRow& row : rows_) {
+    if (!schedule::SaveSchedulerRow(ports_.Settings, ++number, channels_, row)) saveFailed_ = true;
+  }
+  if (saveFailed_) {
+    ports_.Log.DoLog("The schedule was not saved: the settings could not be written");
+    return false;
+  }
   schedDirty_ = false;
   return true;
 }

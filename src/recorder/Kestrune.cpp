@@ -33,9 +33,9 @@ Kestrune::Kestrune(const Outside& outside)
       log_(outside.Files, outside.Environment, outside.Loop),
       session_(outside.pcrComm, outside.Loop, state_.Run, log_),
       channels_(state_.Radio, state_.Run, session_, outside.Files, outside.Loop, log_, *this),
-      restrictions_(outside.Files, outside.Environment),
-      restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs),
-      grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment),
+      restrictions_(outside.Files, outside.Environment, log_),
+      restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs, log_),
+      grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment, log_),
       fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, state_.Settings,
                  state_.Recording.CaptureSlot, [this] { return ScheduledBitRate(); }),
       capture_(audio_, state_, fileSpecs_, outside.Files, log_),
@@ -141,21 +141,28 @@ void Kestrune::ReloadSchedule() {
       outside_.Loop.Now(), state_.Entries);
 }
 
-presenters::Scheduler Kestrune::OpenScheduler() {
+std::vector<schedule::SchedulerChannel> Kestrune::SchedulerChannels() const {
   std::vector<schedule::SchedulerChannel> channels;
   const radio::ChannelGrid& grid = channels_.Grid();
   for (int row = 1; row <= grid.RowCount(); ++row) {
     channels.push_back({.Number = grid.NumberAt(row),
                         .Station = std::string(base::Trim(grid.At(row).at(radio::ChannelGrid::Station)))});
   }
-  return {{.Loop = outside_.Loop,
-           .Dialogs = outside_.Dialogs,
-           .Settings = {.Read = [this](std::string_view key,
-                                       std::string_view text) { return section_.Text(key, text); },
-                        .Save = [this](std::string_view key,
-                                       std::string_view text) { return section_.SaveText(key, text); }},
-           .ReloadSchedule = [this] { ReloadSchedule(); }},
-          std::move(channels)};
+  return channels;
+}
+
+std::shared_ptr<presenters::Scheduler> Kestrune::OpenScheduler() {
+  presenters::SchedulerPorts ports{
+      .Loop = outside_.Loop,
+      .Dialogs = outside_.Dialogs,
+      .Log = log_,
+      .Editors = entryEditors_,
+      .Settings = {.Read = [this](std::string_view key,
+                                  std::string_view text) { return section_.Text(key, text); },
+                   .Save = [this](std::string_view key,
+                                  std::string_view text) { return section_.SaveText(key, text); }},
+      .ReloadSchedule = [this] { ReloadSchedule(); }};
+  return std::make_shared<presenters::Scheduler>(std::move(ports), SchedulerChannels());
 }
 
 std::optional<std::string> Kestrune::ScheduledBitRate() const {

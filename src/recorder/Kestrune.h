@@ -42,6 +42,7 @@
 #include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
 #include "recorder/WindowSwitches.h"
+#include "schedule/entries/EntryEditors.h"
 #include "schedule/lists/Restrictions.h"
 #include "schedule/log/Log.h"
 
@@ -100,6 +101,10 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
 
   [[nodiscard]] base::DateValue Now() const { return outside_.Loop.Now(); }
+  /// How long it takes until the wall clock shows a moment.
+  [[nodiscard]] std::chrono::seconds TimeUntil(base::DateValue wall) const {
+    return base::TimeUntil(outside_.Loop, wall);
+  }
 
   // The rules of the windows of the lists.
   [[nodiscard]] presenters::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
@@ -122,7 +127,11 @@ class Kestrune final : private radio::ChannelEvents {
   /// The same without a word to the user; nothing if such a check is under way already.
   [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
   /// The scheduler, newly loaded, its channels as the channels window lists them.
-  [[nodiscard]] presenters::Scheduler OpenScheduler();
+  [[nodiscard]] std::shared_ptr<presenters::Scheduler> OpenScheduler();
+  /// The channels as the channels window lists them.
+  [[nodiscard]] std::vector<schedule::SchedulerChannel> SchedulerChannels() const;
+  /// The open editors of the schedule's entries.
+  [[nodiscard]] schedule::EntryEditors& EntryEditors() { return entryEditors_; }
   /// A setting by its key; nothing if there is no such key.
   [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
   /// Changes one setting as a save of the configuration would, and lets it take effect.
@@ -192,6 +201,7 @@ class Kestrune final : private radio::ChannelEvents {
   std::function<void()> closed_ = [] {};
 
   State state_;
+  schedule::EntryEditors entryEditors_;
   MainWindow window_;
   config::SettingsSection section_;
   std::string multiUnit_;

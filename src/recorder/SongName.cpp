@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "base/DatePattern.h"
+#include "base/Numbers.h"
 #include "base/Text.h"
 
 namespace kestrune::recorder {
@@ -83,7 +84,7 @@ SongName BuildSongName(std::string_view filenameFormat, std::string_view fileDir
 }
 
 std::string FormatSeconds(std::int64_t seconds) {
-  return fmt::format("{}:{:02}", seconds / 60, seconds % 60);
+  return base::SixtiesText(seconds);
 }
 
 }  // namespace kestrune::recorder

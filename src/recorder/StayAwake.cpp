@@ -7,16 +7,20 @@
 namespace kestrune::recorder {
 namespace {
 
-constexpr std::chrono::seconds kPause{10};
+constexpr std::chrono::seconds kInterval{10};
 constexpr std::chrono::minutes kBefore{5};
 
 }  // namespace
 
 StayAwake::StayAwake(const State& state, platform::SleepInhibitor& inhibitor, base::EventLoop& loop)
-    : state_(state), inhibitor_(inhibitor), loop_(loop), timer_(loop.MakeTimer(kPause, [this] { Look(); })) {}
+    : state_(state),
+      inhibitor_(inhibitor),
+      loop_(loop),
+      due_(state.Entries, [&loop] { return loop.Now(); }),
+      timer_(loop.MakeTimer(kInterval, [this] { Check(); })) {}
 
 void StayAwake::Start() {
-  Look();
+  Check();
   timer_->SetEnabled(true);
 }
 
@@ -27,10 +31,10 @@ void StayAwake::Stop() {
 
 bool StayAwake::Needed() const {
   return state_.Recording.RecordArmed || state_.Schedule.ActiveSchedule != 0 ||
-         schedule::RunsWithin(state_.Entries, loop_.Now(), kBefore);
+         schedule::RunsWithin(state_.Entries, loop_.Now(), kBefore) || due_.Find();
 }
 
-void StayAwake::Look() {
+void StayAwake::Check() {
   if (Needed()) {
     inhibitor_.Hold("Recording from the radio");
   } else {

@@ -109,10 +109,10 @@ class NarrowList final : public QComboBox {
 
 }  // namespace
 
-frmSchedule::frmSchedule(Scheduler rules, const base::EventLoop& loop, const base::RunState& run,
+frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop& loop, const base::RunState& run,
                          const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window),
-      rules_(std::make_shared<Scheduler>(std::move(rules))),
+      rules_(std::move(rules)),
       loop_(loop),
       run_(run),
       section_(section),
@@ -124,10 +124,7 @@ frmSchedule::frmSchedule(Scheduler rules, const base::EventLoop& loop, const bas
   setObjectName(QStringLiteral("frmSchedule"));
   setWindowTitle(QStringLiteral("Kestrune Scheduler"));
   setAttribute(Qt::WA_DeleteOnClose);
-  QStringList channels;
-  for (const schedule::SchedulerChannel& channel : rules_->Channels())
-    channels += ToQt(Scheduler::ChannelItem(channel));
-  channels_.setStringList(channels);
+  ListChannels();
 
   auto* page = new QWidget;
   auto* grid = new QGridLayout(page);
@@ -177,6 +174,21 @@ frmSchedule::frmSchedule(Scheduler rules, const base::EventLoop& loop, const bas
   }
   resize(whole);
   RestorePlace(*this, section_, "Schedule");
+  rules_->Reread = [this] {
+    ListChannels();
+    Refresh();
+  };
+}
+
+frmSchedule::~frmSchedule() {
+  rules_->Reread = [] {};
+}
+
+void frmSchedule::ListChannels() {
+  QStringList channels;
+  for (const schedule::SchedulerChannel& channel : rules_->Channels())
+    channels += ToQt(Scheduler::ChannelItem(channel));
+  if (channels_.stringList() != channels) channels_.setStringList(channels);
 }
 
 void frmSchedule::MakeHeadings(QGridLayout& grid) {

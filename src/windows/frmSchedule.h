@@ -22,8 +22,9 @@ namespace kestrune::windows {
 class frmSchedule final : public QWidget {
  public:
   /// Takes rules that are newly loaded, and places itself. All references must outlive the window.
-  frmSchedule(presenters::Scheduler rules, const base::EventLoop& loop, const base::RunState& run,
+  frmSchedule(std::shared_ptr<presenters::Scheduler> rules, const base::EventLoop& loop, const base::RunState& run,
               const config::SettingsSection& section, QWidget* parent = nullptr);
+  ~frmSchedule() override;
 
   /// A close has ended, refused or not: `chkSchedule` is to be ticked if it was refused, cleared if not. Does
   /// not come while the program shuts down.
@@ -68,6 +69,7 @@ class frmSchedule final : public QWidget {
     const char* Accessible;
   };
 
+  void ListChannels();
   void MakeHeadings(QGridLayout& grid);
   void MakeRow(int index, QGridLayout& grid, QWidget* page);
   [[nodiscard]] QComboBox* MakeList(int index, const Control& control, QStringListModel& items,
@@ -83,7 +85,7 @@ class frmSchedule final : public QWidget {
   void cmdSave();
   void cmdCancel();
 
-  // Shared, so that they outlive a window that goes while it waits for an answer.
+  // Shared, so that they outlive a window that is destroyed while it waits for an answer.
   std::shared_ptr<presenters::Scheduler> rules_;
   const base::EventLoop& loop_;
   const base::RunState& run_;

@@ -203,5 +203,12 @@ TEST(SingleText, ReadsBackToSevenDigits) {
   }
 }
 
+TEST(SixtiesText, TheRestHasTwoDigits) {
+  EXPECT_EQ(SixtiesText(0), "0:00");
+  EXPECT_EQ(SixtiesText(59), "0:59");
+  EXPECT_EQ(SixtiesText(60), "1:00");
+  EXPECT_EQ(SixtiesText(3725), "62:05");
+}
+
 }  // namespace
 }  // namespace kestrune::base

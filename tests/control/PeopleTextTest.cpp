@@ -104,6 +104,7 @@ TEST(PeopleText, ChannelsStandInColumns) {
 TEST(PeopleText, TheScheduleStandsInColumns) {
   ScheduleReport saturday;
   saturday.Number = 1;
+  saturday.Set = true;
   saturday.Enabled = true;
   saturday.On = "Every Saturday";
   saturday.At = "11:00 PM";
@@ -118,26 +119,35 @@ TEST(PeopleText, TheScheduleStandsInColumns) {
   running.Running = true;
   running.SecondsLeft = 2 * 3600 + 61;
   ScheduleReport over;
-  over.Number = 9;
+  over.Number = 7;
+  over.Set = true;
   over.Enabled = true;
   over.On = "Nov 1, 2026";
   over.At = "8:00 AM";
   over.Minutes = 60;
   over.Channel = 144;
   ScheduleReport off = over;
-  off.Number = 10;
+  off.Number = 8;
   off.Enabled = false;
   off.Grab = true;
+  ScheduleReport rubbish = over;
+  rubbish.Number = 9;
+  rubbish.On = rubbish.At = "";
+  rubbish.Minutes = -1;
+  ScheduleReport never;
+  never.Number = 10;
   EXPECT_EQ(
-      PeopleText("schedule", ToJson(std::vector{saturday, running, over, off})),
+      PeopleText("schedule", ToJson(std::vector{saturday, running, over, off, rubbish, never})),
       "Entry  On              At        For    Channel         Modes                     MP3         Next "
       "run\n"
       "    1  Every Saturday  11:00 PM   2:05    8 - 80s on 8  Integrel, Cleftune, Kill  128 Stereo  "
       "2026-11-21 23:00\n"
       "    2  Every Saturday  11:00 PM   2:05    8 - 80s on 8  Integrel, Cleftune, Kill  128 Stereo  "
       "running, 2:01:01 left\n"
-      "    9  Nov 1, 2026      8:00 AM   1:00  144             none                      -           over\n"
-      "   10  Nov 1, 2026      8:00 AM   1:00  144             Grab                      -           off\n");
+      "    7  Nov 1, 2026      8:00 AM   1:00  144             none                      -           over\n"
+      "    8  Nov 1, 2026      8:00 AM   1:00  144             Grab                      -           off\n"
+      "    9  -               -         -      144             none                      -           never\n"
+      "   10  -               -         -      -               -                         -           -\n");
 }
 
 TEST(PeopleText, TheListsStandUnderTheirNames) {

@@ -115,7 +115,7 @@ TEST(ReportJson, AnUpdateComesBackAsItWentAndNoMemberMayLack) {
 
 TEST(ReportJson, ScheduleMembersHaveTheirNamesAndComeBackAsTheyWent) {
   const std::string text =
-      R"([{"number":3,"enabled":true,"on":"Every Day","at":"8:00 PM","minutes":61,"channel":44,"station":"Fred",)"
+      R"([{"number":3,"set":true,"enabled":true,"on":"Every Day","at":"8:00 PM","minutes":61,"channel":44,"station":"Fred",)"
       R"("integrel":true,"cleftune":false,"grab":true,"kill":false,"bitrate":"64 Mono",)"
       R"("nextRun":"2026-11-21 20:00","running":true,"secondsLeft":12}])";
   const auto entries = ScheduleFromJson(Json::parse(text));

@@ -8,7 +8,6 @@ namespace kestrune::control {
 namespace {
 
 using base::DateValue;
-using presenters::Scheduler;
 using schedule::CodedDay;
 using test::SchedulerWorld;
 
@@ -16,14 +15,16 @@ constexpr const char* kDone = "done";
 
 // The clock stands at Saturday, January 1, 2005, 12:00; there are the channels 44 and 8.
 
+StoredSchedule Stored(SchedulerWorld& world) {
+  return {.Settings = world.Settings(), .Channels = world.Channels, .Now = world.Loop.Now()};
+}
+
 std::string Set(SchedulerWorld& world, const ScheduleChange& change) {
-  Scheduler scheduler = world.Open();
-  return SetEntry(scheduler, change, world.Loop.Now()).value_or(kDone);
+  return SetEntry(Stored(world), change).value_or(kDone);
 }
 
 std::string Enable(SchedulerWorld& world, int number, bool enabled) {
-  Scheduler scheduler = world.Open();
-  return EnableEntry(scheduler, number, enabled, world.Loop.Now()).value_or(kDone);
+  return (enabled ? EnableEntry(Stored(world), number) : DisableEntry(Stored(world), number)).value_or(kDone);
 }
 
 ScheduleChange Whole(int number, DateValue on, int at, int length) {
@@ -44,22 +45,72 @@ TEST(ScheduleSet, AWholeEntryIsWrittenAndNoOther) {
   change.BitRate = "64 Mono";
   EXPECT_EQ(Set(world, change), kDone);
   EXPECT_EQ(world.Saves(),
-            (std::vector<std::string>{"ScheduleEnabled3=1", "ScheduleChannel3=8",
-                                      "ScheduleStartDate3=Jan 7, 1967 11:00 PM", "ScheduleDuration3=2:00",
-                                      "ScheduleIntegrel3=1", "ScheduleCleftune3=0", "ScheduleMatchGrab3=1",
-                                      "ScheduleMatchKill3=0", "ScheduleMP3BitRate3=64 Mono"}));
+            (std::vector<std::string>{"ScheduleStartDate3=Jan 7, 1967 11:00 PM", "ScheduleDuration3=2:00",
+                                      "ScheduleChannel3=8", "ScheduleIntegrel3=1", "ScheduleCleftune3=0",
+                                      "ScheduleMatchGrab3=1", "ScheduleMatchKill3=0",
+                                      "ScheduleMP3BitRate3=64 Mono", "ScheduleEnabled3=1"}));
 }
 
-TEST(ScheduleSet, WhatIsNotGivenStays) {
+TEST(ScheduleSet, OfAnEntryThatWasSetOnlyWhatIsGivenIsWritten) {
   SchedulerWorld world;
   EXPECT_EQ(Set(world, Whole(3, CodedDay(7), 23 * 60, 120)), kDone);
+  // A channel that is not in the list yet, and modes that no window wrote.
+  world.Put("ScheduleChannel3", "99");
+  world.Put("ScheduleMatchKill3", "-1");
+  world.Put("ScheduleMP3BitRate3", "odd");
+  world.Store.Calls.clear();
   ScheduleChange change;
   change.Number = 3;
   change.For = 30;
   EXPECT_EQ(Set(world, change), kDone);
-  EXPECT_EQ(world.Stored("ScheduleStartDate3"), "Jan 7, 1967 11:00 PM");
-  EXPECT_EQ(world.Stored("ScheduleDuration3"), "0:30");
-  EXPECT_EQ(world.Stored("ScheduleChannel3"), "8");
+  EXPECT_EQ(world.Saves(), (std::vector<std::string>{"ScheduleDuration3=0:30", "ScheduleEnabled3=1"}));
+
+  world.Store.Calls.clear();
+  change = {};
+  change.Number = 3;
+  change.At = 20 * 60 + 30;
+  EXPECT_EQ(Set(world, change), kDone);
+  EXPECT_EQ(world.Stored("ScheduleStartDate3"), "Jan 7, 1967 8:30 PM");
+  change.At.reset();
+  change.On = CodedDay(15);
+  EXPECT_EQ(Set(world, change), kDone);
+  EXPECT_EQ(world.Stored("ScheduleStartDate3"), "Jan 15, 1967 8:30 PM");
+  EXPECT_EQ(world.Stored("ScheduleChannel3"), "99");
+}
+
+TEST(ScheduleSet, AStartOrALengthThatCannotBeReadHasToBeGiven) {
+  SchedulerWorld world;
+  EXPECT_EQ(Set(world, Whole(3, CodedDay(7), 23 * 60, 120)), kDone);
+  world.Put("ScheduleStartDate3", "some day");
+  ScheduleChange change;
+  change.Number = 3;
+  change.At = 20 * 60;
+  EXPECT_EQ(Set(world, change), "entry 3 has no start; give --on and --at");
+  EXPECT_EQ(Enable(world, 3, true), "entry 3 has no start; give --on and --at");
+  change.On = CodedDay(1);
+  EXPECT_EQ(Set(world, change), kDone);
+  for (const char* length : {"long", "0:00", "-1:00", "48:00"}) {
+    world.Put("ScheduleDuration3", length);
+    EXPECT_EQ(Set(world, change), "entry 3 has no length from 0:01 to 47:59; give --for") << length;
+  }
+}
+
+TEST(ScheduleSet, PairsOfOtherEntriesAndEntriesThatStayWhereTheyAreAreNotTested) {
+  SchedulerWorld world;
+  EXPECT_EQ(Set(world, Whole(1, CodedDay(7), 20 * 60, 60)), kDone);
+  EXPECT_EQ(Set(world, Whole(2, CodedDay(6), 20 * 60, 60)), kDone);
+  // By whatever hand, the two now overlap.
+  world.Put("ScheduleStartDate2", "Jan 7, 1967 8:30 PM");
+  EXPECT_EQ(Set(world, Whole(3, CodedDay(3), 20 * 60, 60)), kDone);
+  ScheduleChange change;
+  change.Number = 1;
+  change.Kill = true;
+  EXPECT_EQ(Set(world, change), kDone) << "it is enabled and is not moved";
+  EXPECT_EQ(ClearEntry(Stored(world), 3), std::nullopt);
+  EXPECT_EQ(Enable(world, 1, false), kDone);
+  EXPECT_EQ(Set(world, change), "Item 1 conflicts with item 2. Please correct before saving.");
+  EXPECT_EQ(Enable(world, 1, true), "Item 1 conflicts with item 2. Please correct before saving.");
+  EXPECT_EQ(world.Stored("ScheduleEnabled1"), "0");
 }
 
 TEST(ScheduleSet, ABitRateAloneEnablesAsWell) {
@@ -123,33 +174,51 @@ TEST(ScheduleSet, SettingsThatCannotBeWrittenAreARefusal) {
   EXPECT_EQ(Set(world, Whole(1, CodedDay(1), 0, 60)), "The schedule could not be written.");
 }
 
-TEST(ScheduleEnable, OnAndOff) {
+TEST(ScheduleEnable, WritesThatAlone) {
   SchedulerWorld world;
   EXPECT_EQ(Enable(world, 4, true), "entry 4 is empty; set it first");
   EXPECT_EQ(Set(world, Whole(4, CodedDay(1), 60, 60)), kDone);
+  world.Put("ScheduleChannel4", "99");
+  world.Store.Calls.clear();
   EXPECT_EQ(Enable(world, 4, false), kDone);
-  EXPECT_EQ(world.Stored("ScheduleEnabled4"), "0");
   EXPECT_EQ(Enable(world, 4, true), kDone);
-  EXPECT_EQ(world.Stored("ScheduleEnabled4"), "1");
+  EXPECT_EQ(world.Saves(), (std::vector<std::string>{"ScheduleEnabled4=0", "ScheduleEnabled4=1"}));
+  EXPECT_EQ(world.Stored("ScheduleChannel4"), "99");
   world.Put("ScheduleStartDate4", "Dec 24, 2004 8:00 PM");
   EXPECT_EQ(Enable(world, 4, true), "entry 4 would be over already: Dec 24, 2004 for 1:00");
-  world.Put("ScheduleStartDate4", "Jan 15, 1967 8:00 PM");
-  world.Put("ScheduleDuration4", "0:00");
-  EXPECT_EQ(Enable(world, 4, true), "entry 4 has no length");
+  EXPECT_EQ(Enable(world, 4, false), kDone) << "which is always possible";
 }
 
 TEST(ScheduleClear, EmptiesTheEntryAlone) {
   SchedulerWorld world;
-  EXPECT_EQ(Set(world, Whole(4, CodedDay(1), 60, 60)), kDone);
-  Scheduler scheduler = world.Open();
-  EXPECT_EQ(ClearEntry(scheduler, 4), std::nullopt);
+  ScheduleChange change = Whole(4, CodedDay(1), 60, 60);
+  change.BitRate = "64 Mono";
+  EXPECT_EQ(Set(world, change), kDone);
+  EXPECT_EQ(ClearEntry(Stored(world), 4), std::nullopt);
   EXPECT_EQ(world.Stored("ScheduleEnabled4"), "0");
   EXPECT_EQ(world.Stored("ScheduleStartDate4"), "Jan 1, 2005 12:00 AM");
+  EXPECT_EQ(world.Stored("ScheduleMP3BitRate4"), "64 Mono");
   EXPECT_EQ(world.Stored("ScheduleEnabled5"), "(absent)");
 }
 
-TEST(ScheduleReports, TellWhatCountsNow) {
+class ScheduleReports : public ::testing::Test {
+ protected:
+  std::vector<ScheduleReport> Reports() {
+    return ReportSchedule(
+        entries, state,
+        {.Now = now,
+         .Station = [](std::int16_t channel) { return fmt::format("Station {}", channel); },
+         .IsSet = [this](int number) { return number <= set; },
+         .SecondsUntil = [](DateValue wall) { return base::SecondsBetween(now, wall) - 3600; }});
+  }
+
+  static inline const DateValue now = DateValue::FromCivil(2005, 1, 1, 12);
   schedule::ScheduleEntries entries;
+  schedule::ScheduleState state;
+  int set = 10;
+};
+
+TEST_F(ScheduleReports, SayWhatCountsNow) {
   for (schedule::ScheduleEntry& entry : entries) {
     entry.StartDate = DateValue::FromCivil(2004, 12, 24, 20);
     entry.EndDate = entry.StartDate.AddSeconds(3659);
@@ -162,23 +231,43 @@ TEST(ScheduleReports, TellWhatCountsNow) {
                 .MatchKill = true,
                 .MP3BitRate = " "};
   entries[1].Enabled = true;
-  schedule::ScheduleState state;
   state.ActiveSchedule = 2;
-  const DateValue now = DateValue::FromCivil(2005, 1, 1, 12);
-  state.RemainingUntil = now.AddSeconds(90);
-  const auto reports = ReportSchedule(
-      entries, state, now, [](std::int16_t channel) { return fmt::format("Station {}", channel); });
+  state.RemainingUntil = now.AddSeconds(3690);
+  const auto reports = Reports();
   ASSERT_EQ(reports.size(), 10U);
   EXPECT_EQ(
       ToJson(std::vector{reports[0]}).dump(),
-      R"([{"number":1,"enabled":true,"on":"Every Saturday","at":"8:00 PM","minutes":120,"channel":44,)"
-      R"("station":"Station 44","integrel":true,"cleftune":false,"grab":false,"kill":true,"bitrate":"",)"
-      R"("nextRun":"2005-01-01 20:00","running":false,"secondsLeft":0}])");
+      R"([{"number":1,"set":true,"enabled":true,"on":"Every Saturday","at":"8:00 PM","minutes":120,)"
+      R"("channel":44,"station":"Station 44","integrel":true,"cleftune":false,"grab":false,"kill":true,)"
+      R"("bitrate":"","nextRun":"2005-01-01 20:00","running":false,"secondsLeft":0}])");
   EXPECT_EQ(reports[1].NextRun, "") << "its date has passed";
   EXPECT_TRUE(reports[1].Running);
-  EXPECT_EQ(reports[1].SecondsLeft, 90);
+  EXPECT_EQ(reports[1].SecondsLeft, 90) << "by the clock that knows of steps to come";
   EXPECT_EQ(reports[9].Number, 10);
   EXPECT_FALSE(reports[9].Enabled);
+}
+
+TEST_F(ScheduleReports, OfAnEntryThatWasNeverSetNothingIsSaid) {
+  entries[2] = {.Channel = 1, .StartDate = now, .EndDate = now.AddSeconds(3659), .Integrel = true, .Cleftune = true};
+  set = 2;
+  const ScheduleReport report = Reports().at(2);
+  EXPECT_FALSE(report.Set);
+  EXPECT_EQ(report.On, "");
+  EXPECT_EQ(report.At, "");
+  EXPECT_EQ(report.Minutes, -1);
+  EXPECT_EQ(report.Channel, 0);
+  EXPECT_FALSE(report.Integrel);
+}
+
+TEST_F(ScheduleReports, WhatCannotBeReadIsLeftOut) {
+  entries[0].Enabled = entries[1].Enabled = true;
+  entries[0].StartDate = now.AddHours(1);
+  entries[1].EndDate = DateValue().AddSeconds(3659);
+  const auto reports = Reports();
+  EXPECT_EQ(reports[0].Minutes, -1) << "the end stayed where the table began";
+  EXPECT_EQ(reports[0].NextRun, "");
+  EXPECT_EQ(reports[1].On, "");
+  EXPECT_EQ(reports[1].At, "");
 }
 
 }  // namespace

@@ -49,6 +49,40 @@ TEST(UnitTarget, ARefusalLeavesTheScheduleAlone) {
   EXPECT_FALSE(rig->Entries()[2].Enabled);
 }
 
+TEST(UnitTarget, AnOpenSchedulerWithChangesKeepsCommandsOnEntriesOut) {
+  UnitRig rig;
+  rig.StartIdle();
+  UnitTarget target(*rig);
+  const int channel = target.Channels().at(0).Number;
+  const auto scheduler = rig->OpenScheduler();
+  EXPECT_TRUE(target.SetSchedule(TonightOn(channel)).Done) << "it has none yet";
+  EXPECT_TRUE(scheduler->Row(2).Enabled) << "and shows what the command did";
+  scheduler->TickKill(5, true);
+  const std::string why = "the schedule is being edited in its window; save or close it first";
+  EXPECT_EQ(target.SetSchedule(TonightOn(channel)).Reason, why);
+  EXPECT_EQ(target.EnableSchedule(3, false).Reason, why);
+  EXPECT_EQ(target.ClearSchedule(3).Reason, why);
+  EXPECT_TRUE(scheduler->cmdSave());
+  EXPECT_EQ(rig.Setting("ScheduleEnabled3"), "1") << "the save does not undo the command";
+  EXPECT_TRUE(target.EnableSchedule(3, false).Done);
+}
+
+TEST(UnitTarget, BeforeTheLoadNoEntryIsShown) {
+  UnitRig rig;
+  rig.Set("ScheduleStartDate1", "Jan 7, 1967 8:00 PM");
+  UnitTarget target(*rig);
+  std::vector<ScheduleReport> early;
+  rig.Loop.AtHardware(std::chrono::milliseconds(1),
+                      [&] { rig.Loop.Post([&] { early = target.Schedule(); }); });
+  rig.StartIdle();
+  ASSERT_EQ(early.size(), 10U);
+  EXPECT_FALSE(early[0].Set);
+  EXPECT_EQ(early[0].On, "");
+  EXPECT_TRUE(target.Schedule().at(0).Set);
+  EXPECT_EQ(target.Schedule().at(0).On, "Every Saturday");
+  EXPECT_FALSE(target.Schedule().at(1).Set);
+}
+
 TEST(UnitTarget, NothingIsScheduledBeforeTheStartIsOver) {
   UnitRig rig;
   UnitTarget target(*rig);

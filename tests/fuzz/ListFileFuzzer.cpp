@@ -6,6 +6,7 @@
 #include "schedule/lists/Restrictions.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 
 namespace {
 
@@ -27,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   kestrune::test::FakeEnvironment environment;
   kestrune::test::MemoryFiles files;
-  kestrune::schedule::Restrictions lists(files, environment);
+  kestrune::test::RecordingJournal journal;
+  kestrune::schedule::Restrictions lists(files, environment, journal);
   files.Put(lists.RestrictionFile(), input.substr(second + 1));
   lists.LoadRestrictions();
 

@@ -7,6 +7,7 @@
 #include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 #include "support/ScriptedDialogs.h"
 
 namespace kestrune::test {
@@ -35,9 +36,10 @@ class GrabKillTest : public ::testing::Test {
   MemoryFiles files_;
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
-  schedule::Restrictions lists_{files_, environment_};
-  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
-  GrabKill addition_{lists_, editor_, files_, environment_};
+  RecordingJournal journal_;
+  schedule::Restrictions lists_{files_, environment_, journal_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
+  GrabKill addition_{lists_, editor_, files_, environment_, journal_};
   std::string question_;
   std::int16_t answer_ = -1;
 };
@@ -112,12 +114,30 @@ TEST_F(GrabKillTest, AnOpenEditorWithUnsavedEditsGetsTheEntryTooAndTheFileAtOnce
   EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n0Zoe\n");
 }
 
-TEST_F(GrabKillTest, AFileThatCannotBeWrittenIsIgnored) {
+TEST_F(GrabKillTest, AnEntryThatCannotBeWrittenIsLoggedAndAskedForAgain) {
   editor_.Load();
-  files_.FailAlways(FileOperation::Append);
-  Add(GrabKill::Field::Song, "Rain", 2);
-  EXPECT_THAT(editor_.Column(3).lstRestrict, ElementsAre("Rain"));
-  EXPECT_THAT(dialogs_.Shown, IsEmpty());
+  files_.FailNext(FileOperation::Append, 2);
+  int questions = 0;
+  addition_.SetWindow([&] {
+    ++questions;
+    addition_.cmdResult(2);
+  });
+  addition_.DblClick(GrabKill::Field::Song, "Rain");
+  EXPECT_EQ(questions, 3);
+  const std::string line =
+      std::string("\"Rain\" was not added to the Grab and Kill lists: ") + kPath + " could not be written";
+  EXPECT_THAT(journal_.Log, ElementsAre(line, line));
+  EXPECT_EQ(files_.Text(kPath), "3Rain\n");
+  EXPECT_THAT(editor_.Column(3).lstRestrict, ElementsAre("Rain")) << "once, when it is in the file";
+}
+
+TEST_F(GrabKillTest, AnAdditionToAFileThatCannotBeReadStartsALineOfItsOwn) {
+  files_.Put(kPath, "0Moon");
+  lists_.LoadRestrictions();
+  files_.FailNext(FileOperation::Read);
+  EXPECT_TRUE(addition_.Append(schedule::RestrictList::GrabArtists, "Sun"));
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n");
+  EXPECT_TRUE(lists_.IsInGrabList("Moon", ""));
 }
 
 TEST_F(GrabKillTest, AControlCharacterFromTheRadioMakesNoSecondLine) {

@@ -7,6 +7,7 @@
 #include "presenters/RestrictListEditor.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 #include "support/ScriptedDialogs.h"
 
 namespace kestrune::test {
@@ -33,8 +34,9 @@ class RestrictListEditorTest : public ::testing::Test {
   MemoryFiles files_;
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
-  schedule::Restrictions lists_{files_, environment_};
-  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  RecordingJournal journal_;
+  schedule::Restrictions lists_{files_, environment_, journal_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
 };
 
 TEST_F(RestrictListEditorTest, LoadSortsEachListWithoutRegardToCase) {
@@ -237,6 +239,8 @@ TEST_F(RestrictListEditorTest, ASaveThatFailsLeavesTheChangesToTheUser) {
   EXPECT_THAT(List(0), ElementsAre("Moon", "Sun"));
   EXPECT_EQ(files_.Text(kPath), "0Moon\n");
   EXPECT_THAT(dialogs_.Shown, IsEmpty());
+  EXPECT_THAT(journal_.Log, ElementsAre(std::string("The Grab and Kill lists were not saved: ") + kPath +
+                                        " could not be written"));
   dialogs_.Answer = platform::MessageAnswer::Yes;
   EXPECT_FALSE(editor_.MayClose());
 }
@@ -282,6 +286,30 @@ TEST_F(RestrictListEditorTest, EachUnitEditsItsOwnFile) {
   EXPECT_TRUE(editor_.cmdSave());
   EXPECT_EQ(files_.Text("/home/user/Application Data/Kestrune/Restriction2.txt"), "0Moon\n");
   EXPECT_FALSE(files_.Exists(kPath));
+}
+
+TEST_F(RestrictListEditorTest, AFileThatCouldNotBeReadIsNeverReplaced) {
+  files_.Put(kPath, "0Moon\n");
+  files_.FailNext(FileOperation::Read);
+  editor_.Load();
+  EXPECT_THAT(journal_.Log, ElementsAre(std::string("The Grab and Kill lists cannot be edited: ") + kPath +
+                                        " could not be read"));
+  Enter("Sun");
+  EXPECT_FALSE(editor_.cmdSave());
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n");
+  EXPECT_EQ(journal_.Log.back(), std::string("The Grab and Kill lists were not saved: ") + kPath +
+                                     " could not be read when the window opened");
+  editor_.Load();
+  Enter("Sun");
+  EXPECT_TRUE(editor_.cmdSave());
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n");
+}
+
+TEST_F(RestrictListEditorTest, AByteOrderMarkCostsNoEntry) {
+  Load("\xEF\xBB\xBF" "0Moon\n");
+  EXPECT_THAT(List(0), ElementsAre("Moon"));
+  EXPECT_TRUE(editor_.cmdSave());
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n");
 }
 
 }  // namespace

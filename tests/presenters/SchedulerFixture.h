@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <random>
 #include <string>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "presenters/Scheduler.h"
 #include "schedule/entries/SchedulerCalculations.h"
 #include "support/MemorySettingsStore.h"
+#include "support/RecordingJournal.h"
 #include "support/ScriptedDialogs.h"
 #include "support/SimulatedEventLoop.h"
 
@@ -30,8 +32,17 @@ struct SchedulerWorld {
   }
   [[nodiscard]] presenters::Scheduler Open() {
     return {
-        {.Loop = Loop, .Dialogs = Dialogs, .Settings = Settings(), .ReloadSchedule = [this] { ++Reloads; }},
+        {.Loop = Loop,
+         .Dialogs = Dialogs,
+         .Log = Journal,
+         .Editors = Editors,
+         .Settings = Settings(),
+         .ReloadSchedule = [this] { ++Reloads; }},
         Channels};
+  }
+  /// The same for a window.
+  [[nodiscard]] std::shared_ptr<presenters::Scheduler> Share() {
+    return std::shared_ptr<presenters::Scheduler>(new presenters::Scheduler(Open()));
   }
   void Put(std::string_view key, std::string_view text) { Store.Put("Lorimel", "Kestrune", key, text); }
   [[nodiscard]] std::string Stored(std::string_view key) const {
@@ -48,6 +59,8 @@ struct SchedulerWorld {
   SimulatedEventLoop Loop;
   MemorySettingsStore Store;
   ScriptedDialogs Dialogs;
+  RecordingJournal Journal;
+  schedule::EntryEditors Editors;
   std::vector<schedule::SchedulerChannel> Channels{{.Number = 44, .Station = "Fred"},
                                                    {.Number = 8, .Station = "Neon 80s"}};
   int Reloads = 0;

@@ -106,26 +106,70 @@ TEST(SchedulerLoad, ADatedEntryThatHasEndedIsNotEnabledAndTheSaveStoresThat) {
   EXPECT_EQ(world.Stored("ScheduleEnabled1"), "0");
 }
 
-TEST(SchedulerLoad, AChannelThatIsNotListedLeavesTheFirst) {
+TEST(SchedulerLoad, AChannelThatIsNotListedIsAnItemOfItsOwn) {
   SchedulerWorld world;
   world.Put("ScheduleChannel1", "99");
   world.Put("ScheduleChannel2", "soon");
   world.Put("ScheduleChannel3", "8");
-  const Scheduler scheduler = world.Open();
-  EXPECT_EQ(scheduler.Row(0).Channel, 0);
-  EXPECT_EQ(scheduler.Row(1).Channel, 0);
+  world.Put("ScheduleChannel4", "99");
+  Scheduler scheduler = world.Open();
+  ASSERT_EQ(scheduler.Channels().size(), 3U);
+  EXPECT_EQ(Scheduler::ChannelItem(scheduler.Channels()[2]), " 99 - not in the channel list");
+  EXPECT_EQ(scheduler.Row(0).Channel, 2);
+  EXPECT_EQ(scheduler.Row(1).Channel, 0) << "a text that is no number leaves the first";
   EXPECT_EQ(scheduler.Row(2).Channel, 1);
+  EXPECT_EQ(scheduler.Row(3).Channel, 2);
+  EXPECT_EQ(scheduler.Row(4).Channel, 0) << "an entry that was never set leaves the first";
+  EXPECT_TRUE(scheduler.cmdSave());
+  EXPECT_EQ(world.Stored("ScheduleChannel1"), "99");
+  EXPECT_EQ(world.Stored("ScheduleChannel3"), "8");
 }
 
-TEST(SchedulerLoad, WithoutChannelsASaveLeavesTheStoredOne) {
+TEST(SchedulerLoad, BeforeTheChannelsAreThereASaveLeavesTheStoredOnes) {
   SchedulerWorld world;
   world.Channels.clear();
   world.Put("ScheduleChannel1", "99");
   Scheduler scheduler = world.Open();
-  EXPECT_EQ(scheduler.Row(0).Channel, -1);
+  EXPECT_EQ(scheduler.Row(0).Channel, 0);
+  EXPECT_EQ(scheduler.Row(1).Channel, -1);
+  scheduler.cmdClear(2);
+  EXPECT_EQ(scheduler.Row(2).Channel, -1);
   EXPECT_TRUE(scheduler.cmdSave());
   EXPECT_EQ(world.Stored("ScheduleChannel1"), "99");
   EXPECT_EQ(world.Stored("ScheduleChannel2"), "(absent)");
+}
+
+TEST(SchedulerLoad, EntriesThatAreChangedElsewhereAreReadAgain) {
+  SchedulerWorld world;
+  Scheduler scheduler = world.Open();
+  int reread = 0;
+  scheduler.Reread = [&] { ++reread; };
+  EXPECT_FALSE(world.Editors.HaveChanges());
+  world.Put("ScheduleEnabled1", "1");
+  world.Put("ScheduleChannel1", "99");
+  world.Put("ScheduleStartDate1", "Jan 7, 1967 8:00 PM");
+  world.Editors.EntriesChanged();
+  EXPECT_EQ(reread, 1);
+  EXPECT_TRUE(scheduler.Row(0).Enabled);
+  EXPECT_EQ(scheduler.Row(0).Start.Caption, "Every Saturday");
+  EXPECT_EQ(scheduler.Row(0).Channel, 2);
+  EXPECT_FALSE(scheduler.SchedDirty());
+  EXPECT_TRUE(scheduler.cmdSave());
+  EXPECT_EQ(world.Stored("ScheduleStartDate1"), "Jan 7, 1967 8:00 PM");
+}
+
+TEST(SchedulerLoad, AnOpenSchedulerIsKnownForItsChangesUntilItIsSavedOrGone) {
+  SchedulerWorld world;
+  {
+    Scheduler scheduler = world.Open();
+    scheduler.TickKill(3, true);
+    EXPECT_TRUE(world.Editors.HaveChanges());
+    EXPECT_TRUE(scheduler.cmdSave());
+    EXPECT_FALSE(world.Editors.HaveChanges());
+    scheduler.TickKill(3, false);
+    EXPECT_TRUE(world.Editors.HaveChanges());
+  }
+  EXPECT_FALSE(world.Editors.HaveChanges());
 }
 
 TEST(SchedulerLoad, TextsThatNoControlCanShowLeaveTheControlsAsTheyWere) {
@@ -374,20 +418,21 @@ TEST(SchedulerSave, ADailyRowOf24HoursIsTold) {
   EXPECT_TRUE(scheduler.cmdSave());
 }
 
-TEST(SchedulerSave, OneRowAloneIsCheckedAgainstAllAndWrittenAlone) {
+TEST(SchedulerSave, SettingsThatCannotBeWrittenAreLoggedAndTheWindowStays) {
   SchedulerWorld world;
   Scheduler scheduler = world.Open();
   scheduler.TickEnabled(1, true);
-  scheduler.TickEnabled(3, true);
-  EXPECT_EQ(scheduler.SaveRow(3), "Item 2 conflicts with item 4. Please correct before saving.");
-  EXPECT_TRUE(world.Saves().empty());
-  EXPECT_TRUE(world.Dialogs.Shown.empty());
-  scheduler.TickEnabled(1, false);
-  EXPECT_EQ(scheduler.SaveRow(3), std::nullopt);
-  EXPECT_EQ(world.Saves().size(), 9U);
-  EXPECT_EQ(world.Stored("ScheduleEnabled4"), "1");
   world.Store.FailWrites = true;
-  EXPECT_EQ(scheduler.SaveRow(3), "The schedule could not be written.");
+  EXPECT_FALSE(scheduler.cmdSave());
+  EXPECT_TRUE(scheduler.SaveFailed());
+  EXPECT_TRUE(scheduler.SchedDirty());
+  EXPECT_EQ(world.Journal.Log,
+            std::vector<std::string>{"The schedule was not saved: the settings could not be written"});
+  world.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_FALSE(scheduler.MayClose(true));
+  world.Store.FailWrites = false;
+  EXPECT_TRUE(scheduler.MayClose(true));
+  EXPECT_EQ(world.Stored("ScheduleEnabled2"), "1");
 }
 
 TEST(SchedulerClose, WithoutChangesReloadsTheScheduleAndAsksNothing) {

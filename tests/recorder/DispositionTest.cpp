@@ -66,7 +66,7 @@ class DispositionTest : public ::testing::Test {
   radio::RadioState& radio = all.Radio;
   config::Settings& settings = all.Settings;
   schedule::ScheduleState& schedule = all.Schedule;
-  schedule::Restrictions restrictions{files, environment};
+  schedule::Restrictions restrictions{files, environment, log};
   config::FileSpecs fileSpecs{[](std::int16_t) { return nullptr; }, settings, state.CaptureSlot,
                               [] { return std::nullopt; }};
   Disposition disposition{all, fileSpecs, restrictions, files, loop, log};

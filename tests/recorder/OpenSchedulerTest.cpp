@@ -9,7 +9,8 @@ TEST(OpenScheduler, ItsChannelsStandAsTheChannelsWindowListsThem) {
   UnitRig rig;
   rig.StartIdle();
   const radio::ChannelGrid& grid = rig->ChannelList().Grid();
-  const presenters::Scheduler scheduler = rig->OpenScheduler();
+  const auto opened = rig->OpenScheduler();
+  const presenters::Scheduler& scheduler = *opened;
   ASSERT_GT(grid.RowCount(), 1);
   ASSERT_EQ(scheduler.Channels().size(), static_cast<std::size_t>(grid.RowCount()));
   for (int row = 1; row <= grid.RowCount(); ++row) {
@@ -22,7 +23,8 @@ TEST(OpenScheduler, ItsChannelsStandAsTheChannelsWindowListsThem) {
 TEST(OpenScheduler, WhatItSavesCountsFromItsCloseOn) {
   UnitRig rig;
   rig.StartIdle();
-  presenters::Scheduler scheduler = rig->OpenScheduler();
+  const auto opened = rig->OpenScheduler();
+  presenters::Scheduler& scheduler = *opened;
   scheduler.SetStartDate(8, schedule::CodedDay(7));
   EXPECT_TRUE(scheduler.cmdSave());
   EXPECT_EQ(rig.Setting("ScheduleEnabled9"), "1");

@@ -51,14 +51,17 @@ TEST_F(StayAwakeTest, ARunningEventKeepsItAwake) {
 
 TEST_F(StayAwakeTest, AnEventIsAwaitedFromFiveMinutesBeforeIt) {
   entries[4].Enabled = true;
-  entries[4].StartDate = loop.Now().AddMinutes(20);
+  entries[4].StartDate = loop.Now().AddMinutes(20).AddSeconds(1);
+  entries[4].EndDate = entries[4].StartDate.AddSeconds(59);
   awake.Start();
-  loop.Run(14min + 50s);
+  loop.Run(15min);
   EXPECT_FALSE(inhibitor.Held);
   loop.Run(10s);
   EXPECT_TRUE(inhibitor.Held);
   loop.Run(5min);
-  EXPECT_TRUE(inhibitor.Held) << "until its moment, from which it runs";
+  EXPECT_TRUE(inhibitor.Held) << "it is due, and the next pass of the schedule begins it";
+  loop.Run(40s);
+  EXPECT_TRUE(inhibitor.Held);
   loop.Run(10s);
   EXPECT_FALSE(inhibitor.Held) << "it did not run";
 }

@@ -14,6 +14,22 @@ base::DateValue SimulatedEventLoop::Now() const {
   return base::DateValue::FromSeconds(std::chrono::floor<std::chrono::seconds>(now_ + wallOffset_).count());
 }
 
+base::DateValue SimulatedEventLoop::WallAfter(std::chrono::seconds time) const {
+  Duration shown = now_ + wallOffset_ + time;
+  for (const auto& [moment, by] : stepsToCome_)
+    if (moment <= now_ + time) shown += by;
+  return base::DateValue::FromSeconds(std::chrono::floor<std::chrono::seconds>(shown).count());
+}
+
+void SimulatedEventLoop::StepWallClockAt(base::DateValue wall, std::chrono::seconds by) {
+  const Duration delay = std::chrono::seconds(wall.Seconds()) - (now_ + wallOffset_);
+  const auto step = stepsToCome_.emplace(now_ + delay, by);
+  AtHardware(delay, [this, step] {
+    StepWallClock(step->second);
+    stepsToCome_.erase(step);
+  });
+}
+
 SimulatedEventLoop::Duration SimulatedEventLoop::TimeOfDay() const {
   return (now_ + wallOffset_) % std::chrono::hours(24);
 }

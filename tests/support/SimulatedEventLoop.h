@@ -29,6 +29,7 @@ class SimulatedEventLoop final : public base::EventLoop {
   ~SimulatedEventLoop() override;
 
   [[nodiscard]] base::DateValue Now() const override;
+  [[nodiscard]] base::DateValue WallAfter(std::chrono::seconds time) const override;
   [[nodiscard]] Duration TimeOfDay() const override;
   [[nodiscard]] Duration SteadyNow() const override { return now_; }
   void Sleep(Duration duration) override;
@@ -39,6 +40,9 @@ class SimulatedEventLoop final : public base::EventLoop {
 
   /// Sets the wall clock without touching the steady one.
   void StepWallClock(Duration by) { wallOffset_ += by; }
+
+  /// The wall clock steps by itself when it shows `wall`, as to summer time, and WallAfter knows that beforehand.
+  void StepWallClockAt(base::DateValue wall, std::chrono::seconds by);
 
   /// Something outside the program happens after the delay, even while the program sleeps.
   void AtHardware(Duration delay, std::function<void()> happening);
@@ -66,6 +70,7 @@ class SimulatedEventLoop final : public base::EventLoop {
 
   Duration now_{0};
   Duration wallOffset_;
+  std::multimap<Duration, Duration> stepsToCome_;
   std::uint64_t order_ = 0;
   std::uint64_t handlersRun_ = 0;
   int pumps_ = 0;  // on the stack

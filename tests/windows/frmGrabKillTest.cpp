@@ -8,6 +8,7 @@
 #include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 #include "support/ScriptedDialogs.h"
 #include "windows/frmGrabKill.h"
 
@@ -35,9 +36,10 @@ class frmGrabKillTest : public ::testing::Test {
   MemoryFiles files_;
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;
-  schedule::Restrictions lists_{files_, environment_};
-  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
-  presenters::GrabKill addition_{lists_, editor_, files_, environment_};
+  RecordingJournal journal_;
+  schedule::Restrictions lists_{files_, environment_, journal_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
+  presenters::GrabKill addition_{lists_, editor_, files_, environment_, journal_};
 };
 
 TEST_F(frmGrabKillTest, ItsControlsAreAsTold) {

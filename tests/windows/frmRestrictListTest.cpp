@@ -17,6 +17,7 @@
 #include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 #include "support/MemorySettingsStore.h"
 #include "support/Repetitions.h"
 #include "support/ScriptedDialogs.h"
@@ -79,8 +80,9 @@ class frmRestrictListTest : public ::testing::Test {
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
   base::RunState run_;
-  schedule::Restrictions lists_{files_, environment_};
-  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_};
+  RecordingJournal journal_;
+  schedule::Restrictions lists_{files_, environment_, journal_};
+  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
   QPointer<windows::frmRestrictList> window_;
   std::vector<bool> closes_;
   int focused_ = 0;
@@ -259,7 +261,7 @@ TEST_F(frmRestrictListTest, TheQuickAdditionGoesIntoTheOpenEditorAndLeavesItsEdi
   Open();
   txtRestrict(0).setFocus();
   QTest::keyClicks(&txtRestrict(0), QStringLiteral("Half writ"));
-  presenters::GrabKill addition(lists_, editor_, files_, environment_);
+  presenters::GrabKill addition(lists_, editor_, files_, environment_, journal_);
   addition.SetWindow([&] { addition.cmdResult(1); });
   addition.DblClick(presenters::GrabKill::Field::Artist, "Salt && Sun");
   window_->Refresh();

@@ -29,7 +29,7 @@ class frmScheduleTest : public ::testing::Test {
   ~frmScheduleTest() override { delete window_; }
 
   void Open() {
-    window_ = new windows::frmSchedule(world_.Open(), world_.Loop, run_, section_);
+    window_ = new windows::frmSchedule(world_.Share(), world_.Loop, run_, section_);
     window_->CloseEnded = [this](bool refused) { closes_.push_back(refused); };
     window_->FocusMainWindow = [this] { ++focused_; };
     window_->show();

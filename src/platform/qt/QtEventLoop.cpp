@@ -142,9 +142,13 @@ QtEventLoop::QtEventLoop(WhileAsleep whileAsleep)
 QtEventLoop::~QtEventLoop() = default;
 
 base::DateValue QtEventLoop::Now() const {
-  const std::tm now = LocalTime(std::time(nullptr));
-  return base::DateValue::FromCivil(now.tm_year + 1900, now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min,
-                                    now.tm_sec);
+  return WallAfter(std::chrono::seconds(0));
+}
+
+base::DateValue QtEventLoop::WallAfter(std::chrono::seconds time) const {
+  const std::tm then = LocalTime(std::time(nullptr) + time.count());
+  return base::DateValue::FromCivil(then.tm_year + 1900, then.tm_mon + 1, then.tm_mday, then.tm_hour,
+                                    then.tm_min, then.tm_sec);
 }
 
 milliseconds QtEventLoop::TimeOfDay() const {

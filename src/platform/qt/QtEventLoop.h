@@ -25,6 +25,7 @@ class QtEventLoop final : public base::EventLoop {
   QtEventLoop& operator=(const QtEventLoop&) = delete;
 
   [[nodiscard]] base::DateValue Now() const override;
+  [[nodiscard]] base::DateValue WallAfter(std::chrono::seconds time) const override;
   [[nodiscard]] std::chrono::milliseconds TimeOfDay() const override;
   [[nodiscard]] std::chrono::milliseconds SteadyNow() const override;
   void Sleep(std::chrono::milliseconds duration) override;

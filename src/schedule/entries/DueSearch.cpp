@@ -1,19 +1,13 @@
 #include "schedule/entries/DueSearch.h"
 
 #include "base/DatePattern.h"
+#include "schedule/entries/CodedDay.h"
 #include "schedule/entries/DayFind.h"
 
 namespace kestrune::schedule {
 namespace {
 
 using base::DateValue;
-
-constexpr int kCodeYear = 1967;
-constexpr int kEveryDay = 15;
-
-DateValue CodeDay(int day) {
-  return DateValue::FromCivil(kCodeYear, 1, day);
-}
 
 DateValue AtTime(DateValue day, int hour, int minute, int second) {
   return DateValue::FromCivil(day.Year(), day.Month(), day.Day(), hour, minute, second);
@@ -32,8 +26,8 @@ std::optional<DueEntry> DueSearch::Find() const {
 }
 
 std::optional<DateValue> DueSearch::EndIfDue(const ScheduleEntry& entry) const {
-  if (entry.StartDate < CodeDay(kEveryDay)) return WeeklyEnd(entry.StartDate, entry.EndDate);
-  if (entry.StartDate < CodeDay(kEveryDay + 1)) return DailyEnd(entry.StartDate, entry.EndDate);
+  if (entry.StartDate < CodedDay(kEveryDayCode)) return WeeklyEnd(entry.StartDate, entry.EndDate);
+  if (entry.StartDate < CodedDay(kEveryDayCode + 1)) return DailyEnd(entry.StartDate, entry.EndDate);
   return SingleEnd(entry.StartDate, entry.EndDate);
 }
 
@@ -71,7 +65,7 @@ std::optional<DateValue> DueSearch::DailyEnd(DateValue start, DateValue end) con
 }
 
 DateValue DueSearch::NowInCodeWeek() const {
-  const DateValue day = CodeDay(DayFind(base::FormatDate(now_(), "dddd")));
+  const DateValue day = CodedDay(DayFind(base::FormatDate(now_(), "dddd")));
   const DateValue time = now_();
   return AtTime(day, time.Hour(), time.Minute(), time.Second());
 }

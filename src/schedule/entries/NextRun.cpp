@@ -1,27 +1,22 @@
 #include "schedule/entries/NextRun.h"
 
+#include "schedule/entries/CodedDay.h"
+
 namespace kestrune::schedule {
 namespace {
 
 using base::DateValue;
 
-constexpr int kCodeYear = 1967;
-constexpr std::int64_t kSecondsOfAWeek = 7LL * 86400;
-
-DateValue CodeDay(int day) {
-  return DateValue::FromCivil(kCodeYear, 1, day);
-}
-
-/// The coded week begins on Sunday, Jan 1. A date up to a week beside it stands for the same weekday; one farther
-/// off is never due.
+/// The coded week begins on Sunday, Jan 1. A date in the week before or after it stands for the same weekday; one
+/// farther off is never due.
 std::optional<DateValue> NextOfWeek(DateValue start, DateValue now) {
-  const std::int64_t days = start < CodeDay(1) ? 7 : start < CodeDay(8) ? 0 : -7;
+  const std::int64_t days = start < CodedDay(1) ? 7 : start < CodedDay(8) ? 0 : -7;
   const DateValue moment = start.AddDays(days);
-  if (moment < CodeDay(1) || moment >= CodeDay(8)) return std::nullopt;
+  if (moment < CodedDay(1) || moment >= CodedDay(8)) return std::nullopt;
   const DateValue sunday =
       DateValue::FromCivil(now.Year(), now.Month(), now.Day()).AddDays(1 - now.Weekday());
-  const DateValue inThisWeek = sunday.AddSeconds(base::SecondsBetween(CodeDay(1), moment));
-  return inThisWeek >= now ? inThisWeek : inThisWeek.AddSeconds(kSecondsOfAWeek);
+  const DateValue inThisWeek = sunday.AddSeconds(base::SecondsBetween(CodedDay(1), moment));
+  return inThisWeek >= now ? inThisWeek : inThisWeek.AddDays(7);
 }
 
 /// The seconds of a daily entry's start do not count.
@@ -34,9 +29,9 @@ DateValue NextOfDay(DateValue start, DateValue now) {
 }  // namespace
 
 std::optional<DateValue> NextStart(const ScheduleEntry& entry, DateValue now) {
-  if (!entry.Enabled) return std::nullopt;
-  if (entry.StartDate < CodeDay(15)) return NextOfWeek(entry.StartDate, now);
-  if (entry.StartDate < CodeDay(16)) return NextOfDay(entry.StartDate, now);
+  if (!entry.Enabled || entry.EndDate <= entry.StartDate) return std::nullopt;
+  if (entry.StartDate < CodedDay(kEveryDayCode)) return NextOfWeek(entry.StartDate, now);
+  if (entry.StartDate < CodedDay(kEveryDayCode + 1)) return NextOfDay(entry.StartDate, now);
   if (entry.StartDate < now) return std::nullopt;
   return entry.StartDate;
 }

@@ -9,8 +9,8 @@
 
 namespace kestrune::schedule {
 
-/// The next moment at which an entry begins, `now` itself included, by its date's meaning: a date once, a weekday
-/// each week, or each day. Nothing if it is not enabled, lies in the past, or can never be due.
+/// The next moment at which an entry begins, `now` included: once on a date, each week on a weekday, or each day.
+/// Nothing if the entry is not enabled, lies in the past, ends before it starts, or can never be due.
 [[nodiscard]] std::optional<base::DateValue> NextStart(const ScheduleEntry& entry, base::DateValue now);
 
 struct NextRun {
@@ -18,10 +18,10 @@ struct NextRun {
   base::DateValue Start;
 };
 
-/// The entry that begins next; of several the one with the lowest number.
+/// The entry that begins next; of several at the same moment the one with the lowest number.
 [[nodiscard]] std::optional<NextRun> FindNextRun(const ScheduleEntries& entries, base::DateValue now);
 
-/// Whether an entry begins at `now` or at most so much later.
+/// Whether an entry begins within `time` from `now`.
 [[nodiscard]] bool RunsWithin(const ScheduleEntries& entries, base::DateValue now, std::chrono::seconds time);
 
 }  // namespace kestrune::schedule

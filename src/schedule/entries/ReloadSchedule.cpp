@@ -4,27 +4,13 @@
 
 #include "base/DatePattern.h"
 #include "base/Numbers.h"
+#include "schedule/entries/Duration.h"
 
 namespace kestrune::schedule {
 namespace {
 
-// Bit rate and stereo mode of a program that was never told either, with a blank between.
+// The main object's bit rate and mode, which nothing ever sets, with a blank between them.
 constexpr std::string_view kDefaultBitRate = " ";
-constexpr std::int64_t kRestOfTheLastMinute = 59;
-
-struct Duration {
-  std::int16_t Hours = 0;
-  std::int16_t Minutes = 0;
-};
-
-std::optional<Duration> ReadDuration(std::string_view text) {
-  const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos) return std::nullopt;
-  const auto hours = base::ToInt16(text.substr(0, colon));
-  const auto minutes = base::ToInt16(text.substr(colon + 1));
-  if (!hours || !minutes) return std::nullopt;
-  return Duration{*hours, *minutes};
-}
 
 template <class Value>
 void Take(Value& field, const std::optional<Value>& read) {
@@ -58,7 +44,7 @@ void ReloadSchedule(const StoredText& stored, base::DateValue now, ScheduleEntri
     Take(entry.Enabled, texts.Switch("ScheduleEnabled", "0"));
     Take(entry.Channel, base::ToInt16(texts.Text("ScheduleChannel", "1")));
     Take(entry.StartDate, base::ParseDate(texts.Text("ScheduleStartDate", thisMoment)));
-    if (const auto duration = ReadDuration(texts.Text("ScheduleDuration", "1:00"))) {
+    if (const auto duration = ParseDuration(texts.Text("ScheduleDuration", "1:00"))) {
       entry.EndDate = entry.StartDate.AddHours(duration->Hours)
                           .AddMinutes(duration->Minutes)
                           .AddSeconds(kRestOfTheLastMinute);

@@ -10,11 +10,16 @@ using base::DateValue;
 constexpr std::int64_t kMinutesADay = 24 * 60;
 constexpr std::int64_t kLongestMinutes = 2 * kMinutesADay - 1;
 
+/// An end up to here is one of a daily row.
+DateValue LastDailyEnd() {
+  return CodedDay(20);
+}
+
 std::int64_t MinutesBetween(DateValue from, DateValue to) {
   return base::SecondsBetween(from, to) / 60;
 }
 
-/// The minutes, with as many whole days more as it takes to reach the least.
+/// The minutes, plus as many whole days as it takes to reach the least.
 std::int64_t RolledOn(std::int64_t minutes, std::int64_t least) {
   if (minutes >= least) return minutes;
   return minutes + (least - minutes + kMinutesADay - 1) / kMinutesADay * kMinutesADay;
@@ -29,8 +34,8 @@ DateValue OnDayOf(DateValue day, DateValue time) {
 
 SchedulerMoment ShownEnd(DateValue end) {
   const TimeOfDay time = TimeOfDay::Of(end);
-  if (end > CodedDay(20)) return {.Caption = DateCaption(end), .Time = time};
-  if (end >= CodedDay(15)) return {.Caption = std::string(kEveryDay), .Time = time};
+  if (end > LastDailyEnd()) return {.Caption = DateCaption(end), .Time = time};
+  if (end >= CodedDay(kEveryDayCode)) return {.Caption = std::string(kEveryDay), .Time = time};
   if (end >= CodedDay(8)) end = end.AddDays(-7);
   return {.Caption = CodedCaption(end), .Time = time};
 }
@@ -43,12 +48,12 @@ int DurationOf(const SchedulerRow& row) {
   const DateValue start = row.Start.Date();
   DateValue end = row.End.Date();
   // One of the two recurs and the other does not: only the time of day can be meant.
-  if (start < CodedDay(16) && end > CodedDay(20)) end = OnDayOf(start, end);
-  if (end < CodedDay(16) && start > CodedDay(20)) end = OnDayOf(start, end);
+  if (start < CodedDay(kEveryDayCode + 1) && end > LastDailyEnd()) end = OnDayOf(start, end);
+  if (end < CodedDay(kEveryDayCode + 1) && start > LastDailyEnd()) end = OnDayOf(start, end);
 
-  if (start < CodedDay(15) && end < start) end = end.AddDays(7);
+  if (start < CodedDay(kEveryDayCode) && end < start) end = end.AddDays(7);
   std::int64_t minutes = MinutesBetween(start, end);
-  if (start >= CodedDay(15) && start <= CodedDay(16)) minutes = RolledOn(minutes, 0);
+  if (start >= CodedDay(kEveryDayCode) && start <= CodedDay(kEveryDayCode + 1)) minutes = RolledOn(minutes, 0);
   return static_cast<int>(RolledOn(std::min(minutes, kLongestMinutes), 1));
 }
 

@@ -9,10 +9,6 @@ namespace kestrune::schedule {
 
 using base::DateValue;
 
-DateValue CodedDay(int dayOfJanuary) {
-  return DateValue::FromCivil(1967, 1, dayOfJanuary);
-}
-
 std::string DateCaption(DateValue date) {
   return base::FormatDate(date, "mmm d, yyyy");
 }
@@ -20,6 +16,11 @@ std::string DateCaption(DateValue date) {
 std::string CodedCaption(DateValue date) {
   if (base::FormatDate(date, "m d, yyyy") == "1 15, 1967") return std::string(kEveryDay);
   return std::string(kEvery) + base::FormatDate(date, "dddd");
+}
+
+std::string StartCaption(DateValue start) {
+  const bool coded = start >= CodedDay(1) && start < CodedDay(kEveryDayCode + 1);
+  return coded ? CodedCaption(start) : DateCaption(start);
 }
 
 TimeOfDay TimeOfDay::Of(DateValue date) {

@@ -4,20 +4,20 @@
 #include <string_view>
 
 #include "base/DateValue.h"
+#include "schedule/entries/CodedDay.h"
 
 namespace kestrune::schedule {
-
-/// January 1967 is no month of its own: its days stand for what recurs. January 1 to 7 were a Sunday to a
-/// Saturday and stand for each week's; January 15 stands for every day.
-[[nodiscard]] base::DateValue CodedDay(int dayOfJanuary);
 
 inline constexpr std::string_view kEveryDay = "Every Day";
 inline constexpr std::string_view kEvery = "Every ";
 
-/// "mmm d, yyyy".
+/// The date as "Mar 9, 2005".
 [[nodiscard]] std::string DateCaption(base::DateValue date);
 /// "Every Day" for January 15, "Every " and the weekday's name for any other day.
 [[nodiscard]] std::string CodedCaption(base::DateValue date);
+/// How the start of a stored entry is shown: as what recurs from January 1 to before January 16, 1967, else as a
+/// date.
+[[nodiscard]] std::string StartCaption(base::DateValue start);
 
 /// A time of day as the lists of a row show it.
 struct TimeOfDay {
@@ -38,7 +38,7 @@ struct SchedulerMoment {
 
   [[nodiscard]] bool IsDaily() const { return Caption == kEveryDay; }
   [[nodiscard]] bool Recurs() const { return Caption.starts_with(kEvery); }
-  /// The moment, in the encoding above if it recurs.
+  /// The moment; on its coded day if it recurs.
   [[nodiscard]] base::DateValue Date() const;
   /// The date as the settings keep it: "Jan 15, 1967", "Jan 1, 1967" to "Jan 7, 1967", or the caption.
   [[nodiscard]] std::string StoredDate() const;

@@ -6,6 +6,7 @@
 
 #include "base/DatePattern.h"
 #include "base/Numbers.h"
+#include "schedule/entries/Duration.h"
 #include "schedule/entries/SchedulerCalculations.h"
 
 namespace kestrune::schedule {
@@ -16,25 +17,12 @@ using base::DateValue;
 constexpr int kLongestHours = 47;
 constexpr int kLongestMinutes = 59;
 
-struct Duration {
-  int Hours = 0;
-  int Minutes = 0;
-};
-
-/// Hours, ":", minutes; nothing if the lists of a row have no such items.
-std::optional<Duration> ReadDuration(std::string_view text) {
-  const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos) return std::nullopt;
-  const auto hours = base::ToInt16(text.substr(0, colon));
-  const auto minutes = base::ToInt16(text.substr(colon + 1));
-  if (!hours || *hours < 0 || *hours > kLongestHours) return std::nullopt;
-  if (!minutes || *minutes < 0 || *minutes > kLongestMinutes) return std::nullopt;
-  return Duration{*hours, *minutes};
-}
-
-SchedulerMoment ShownStart(DateValue start) {
-  const bool coded = start >= CodedDay(1) && start < CodedDay(16);
-  return {.Caption = coded ? CodedCaption(start) : DateCaption(start), .Time = TimeOfDay::Of(start)};
+/// Nothing if the lists of a row have no such items.
+std::optional<Duration> ShownDuration(std::string_view text) {
+  const auto duration = ParseDuration(text);
+  if (!duration || duration->Hours < 0 || duration->Hours > kLongestHours) return std::nullopt;
+  if (duration->Minutes < 0 || duration->Minutes > kLongestMinutes) return std::nullopt;
+  return duration;
 }
 
 std::optional<int> PositionOf(const std::vector<SchedulerChannel>& channels,
@@ -48,7 +36,19 @@ const char* BoxText(bool ticked) {
   return ticked ? "1" : "0";
 }
 
+std::string Key(const char* name, int number) {
+  return name + std::to_string(number);
+}
+
 }  // namespace
+
+bool IsStored(const SchedulerSettings& settings, int number) {
+  return !settings.Read(Key("ScheduleStartDate", number), {}).empty();
+}
+
+std::optional<std::int16_t> StoredChannel(const SchedulerSettings& settings, int number) {
+  return base::ToInt16(settings.Read(Key("ScheduleChannel", number), {}));
+}
 
 const std::vector<std::string>& SchedulerBitRates() {
   static const std::vector<std::string> rates = [] {
@@ -70,7 +70,7 @@ SchedulerRow EmptySchedulerRow(DateValue now) {
 SchedulerRow ReadSchedulerRow(const SchedulerSettings& settings, int number,
                               const std::vector<SchedulerChannel>& channels, DateValue now) {
   const auto text = [&](const char* name, std::string_view defaultText) {
-    return settings.Read(name + std::to_string(number), defaultText);
+    return settings.Read(Key(name, number), defaultText);
   };
   const auto ticked = [&](const char* name, const char* defaultText) {
     return base::ToInt16(text(name, defaultText)) == std::int16_t{1};
@@ -82,8 +82,8 @@ SchedulerRow ReadSchedulerRow(const SchedulerSettings& settings, int number,
   row.Channel = PositionOf(channels, base::ToInt16(text("ScheduleChannel", "1"))).value_or(first);
   const std::string thisMoment = base::FormatDate(now, "mmm d, yyyy h:nn:ss AM/PM");
   const DateValue start = base::ParseDate(text("ScheduleStartDate", thisMoment)).value_or(row.Start.Date());
-  row.Start = ShownStart(start);
-  if (const auto duration = ReadDuration(text("ScheduleDuration", "1:00"))) {
+  row.Start = {.Caption = StartCaption(start), .Time = TimeOfDay::Of(start)};
+  if (const auto duration = ShownDuration(text("ScheduleDuration", "1:00"))) {
     row.DurationHours = duration->Hours;
     row.DurationMinutes = duration->Minutes;
   }
@@ -94,7 +94,7 @@ SchedulerRow ReadSchedulerRow(const SchedulerSettings& settings, int number,
   row.Cleftune = ticked("ScheduleCleftune", "1");
   row.Grab = ticked("ScheduleMatchGrab", "0");
   row.Kill = ticked("ScheduleMatchKill", "0");
-  // Nothing ever gives the recording's own bit rate and mode a text; the default is the blank between the two.
+  // The main object's bit rate and mode, which nothing ever sets, with a blank between them.
   row.MP3BitRate = text("Schedulemp3bitrate", " ");
   return row;
 }
@@ -104,13 +104,13 @@ bool SaveSchedulerRow(const SchedulerSettings& settings, int number,
   if (row.DurationInMinutes() == 0) row.Enabled = false;
   bool saved = true;
   const auto save = [&](const char* name, std::string_view value) {
-    saved = settings.Save(name + std::to_string(number), value) && saved;
+    saved = settings.Save(Key(name, number), value) && saved;
   };
   save("ScheduleEnabled", BoxText(row.Enabled));
   if (row.Channel >= 0 && static_cast<std::size_t>(row.Channel) < channels.size())
     save("ScheduleChannel", std::to_string(channels[static_cast<std::size_t>(row.Channel)].Number));
   save("ScheduleStartDate", row.Start.StoredText());
-  save("ScheduleDuration", fmt::format("{}:{:02}", row.DurationHours, row.DurationMinutes));
+  save("ScheduleDuration", DurationText({.Hours = row.DurationHours, .Minutes = row.DurationMinutes}));
   save("ScheduleIntegrel", BoxText(row.Integrel));
   save("ScheduleCleftune", BoxText(row.Cleftune));
   save("ScheduleMatchGrab", BoxText(row.Grab));

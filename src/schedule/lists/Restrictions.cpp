@@ -6,16 +6,24 @@
 #include "schedule/log/UserDataFolder.h"
 
 namespace kestrune::schedule {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
 
 std::string Restrictions::RestrictionFile() const {
   return UserDataFolder(environment_).append("/Restriction").append(multiUnit_).append(".txt");
 }
 
 void Restrictions::LoadRestrictions() {
-  for (Rows& rows : rows_) rows.clear();
   base::Ignored(MakeUserDataFolder(files_, environment_));
-  const auto text = files_.Read(RestrictionFile());
-  if (!text) return;
+  const auto text = ReadFile();
+  if (!text) {
+    log_.DoLog("The Grab and Kill lists stay as they are: " + RestrictionFile() + " could not be read");
+    return;
+  }
+  for (Rows& rows : rows_) rows.clear();
   EachLine(*text, [this](std::string_view line) {
     if (line.empty() || line.front() < '0' || line.front() > '3') return;
     Rows& rows = rows_[static_cast<std::size_t>(line.front() - '0')];
@@ -25,9 +33,22 @@ void Restrictions::LoadRestrictions() {
   });
 }
 
-std::optional<int> Restrictions::Remove(RestrictList list, std::string_view text) {
-  const auto before = files_.Read(RestrictionFile());
-  if (!before) return 0;
+std::optional<std::string> Restrictions::ReadFile() const {
+  const std::string path = RestrictionFile();
+  if (!files_.Exists(path)) return std::string();
+  auto text = files_.Read(path);
+  if (text && text->starts_with(kByteOrderMark)) text->erase(0, kByteOrderMark.size());
+  return text;
+}
+
+Restrictions::Removal Restrictions::Remove(RestrictList list, std::string_view text) {
+  const auto failed = [&](std::string_view what) {
+    Removal removal{.Failure = "the list file " + RestrictionFile() + " could not be " + std::string(what)};
+    log_.DoLog("Nothing was removed from the Grab and Kill lists: " + removal.Failure);
+    return removal;
+  };
+  const auto before = ReadFile();
+  if (!before) return failed("read");
   std::string after;
   int removed = 0;
   EachLine(*before, [&](std::string_view line) {
@@ -38,10 +59,10 @@ std::optional<int> Restrictions::Remove(RestrictList list, std::string_view text
       after.append(line).append("\n");
     }
   });
-  if (removed == 0) return 0;
-  if (!files_.Replace(RestrictionFile(), after)) return std::nullopt;
+  if (removed == 0) return {};
+  if (!files_.Replace(RestrictionFile(), after)) return failed("written");
   LoadRestrictions();
-  return removed;
+  return {.Count = removed, .Failure = ""};
 }
 
 bool Restrictions::Matches(const Rows& rows, std::string_view text) {

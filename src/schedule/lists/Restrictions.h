@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Journal.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 
@@ -16,33 +17,44 @@ namespace kestrune::schedule {
 /// The four lists, by the digit that stands for each in the list file.
 enum class RestrictList : std::uint8_t { GrabArtists = 0, GrabSongs = 1, KillArtists = 2, KillSongs = 3 };
 
-/// The Grab and Kill lists: fragments of artists and titles that say which songs are kept. The list file
-/// holds one entry a line, the list's digit and behind it the fragment as it stands.
+/// The Grab and Kill lists: fragments of artists and titles that decide which songs are kept. The list file holds
+/// one entry a line: the list's digit, then the fragment exactly as it is. A byte order mark before the first line is
+/// skipped.
 class Restrictions {
  public:
   static constexpr std::int16_t kMaxRows = 1000;  ///< a list
   /// As a whole entry, this stands for an empty field.
   static constexpr std::string_view kBlank = "{Blank}";
 
-  /// Both references must outlive the lists.
-  Restrictions(platform::Files& files, const platform::Environment& environment)
-      : files_(files), environment_(environment) {}
+  /// All references must outlive the lists.
+  Restrictions(platform::Files& files, const platform::Environment& environment, base::Journal& log)
+      : files_(files), environment_(environment), log_(log) {}
 
-  /// Names the list file after the unit; the empty unit is the one from the start.
+  /// Names the list file after the unit. The unit is empty until this is called.
   void SetMultiUnit(std::string_view multiUnit) { multiUnit_ = multiUnit; }
   /// Full path of the list file.
   [[nodiscard]] std::string RestrictionFile() const;
 
-  /// Replaces all lists by those of the file. A missing file means empty lists; lines that are no entries,
-  /// and those behind the last row of a full list, are passed over.
+  /// Replaces all lists by those of the file. A missing file means empty lists. If the file exists but cannot be
+  /// read, the lists stay as they are, and the log says so. Lines that are not entries are skipped, and so are
+  /// entries for a list that is full.
   void LoadRestrictions();
 
-  /// Takes each entry that equals the text, case and blanks around it aside, out of one list of the file, and
-  /// loads it. How many there were; nothing if the file could not be written.
-  [[nodiscard]] std::optional<int> Remove(RestrictList list, std::string_view text);
+  /// The text of the list file without its byte order mark, empty if there is no file; nothing if it exists but
+  /// cannot be read.
+  [[nodiscard]] std::optional<std::string> ReadFile() const;
 
-  /// Whether a fragment of the list of artists occurs in the artist, without regard to case, or one of the
-  /// list of songs in the song. An empty fragment occurs in every text that is not empty.
+  /// Removes each entry that equals the text, case and surrounding blanks aside, from one list of the file, and
+  /// loads the file. Returns how many there were, or the cause if the file could not be read or written; the log
+  /// has that too.
+  struct Removal {
+    int Count = 0;
+    std::string Failure;  ///< empty if nothing failed
+  };
+  [[nodiscard]] Removal Remove(RestrictList list, std::string_view text);
+
+  /// Whether a fragment of the artist list occurs in the artist, or one of the song list in the song, case aside.
+  /// An empty fragment occurs in every text that is not empty.
   [[nodiscard]] bool IsInGrabList(std::string_view artist, std::string_view song) const;
   [[nodiscard]] bool IsInKillList(std::string_view artist, std::string_view song) const;
 
@@ -62,6 +74,7 @@ class Restrictions {
 
   platform::Files& files_;
   const platform::Environment& environment_;
+  base::Journal& log_;
   std::string multiUnit_;
   std::array<Rows, 4> rows_;
 };

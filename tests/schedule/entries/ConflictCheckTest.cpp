@@ -15,6 +15,7 @@ using schedule::CheckConflict;
 using schedule::SchedulerRow;
 using schedule::SchedulerRows;
 using schedule::WhatConflicts;
+using schedule::WhatConflictsWith;
 
 std::string Conflict(const std::vector<std::pair<int, SchedulerRow>>& enabled) {
   SchedulerRows rows;
@@ -212,6 +213,31 @@ TEST(Save, AnswersAsTheRulesToldInWholeMinutesDo) {
   }
   EXPECT_GT(refused, 400);
   EXPECT_GT(accepted, 400);
+}
+
+TEST(WhatConflictsWith, LooksAtThePairsOfOneRowAlone) {
+  SchedulerRows rows;
+  rows[1] = RowOf("Mar 9, 2005", 9, 0, 1, 0);
+  rows[3] = RowOf("Mar 9, 2005", 8, 0, 4, 0);
+  rows[6] = RowOf("Mar 9, 2005", 13, 0, 1, 0);
+  EXPECT_EQ(WhatConflictsWith(rows, 6), std::nullopt);
+  const std::string conflict = "Item 2 conflicts with item 4. Please correct before saving.";
+  EXPECT_EQ(WhatConflictsWith(rows, 1), conflict) << "what encloses it is found the other way round";
+  EXPECT_EQ(WhatConflictsWith(rows, 3), conflict);
+  rows[3].Enabled = false;
+  EXPECT_EQ(WhatConflictsWith(rows, 1), std::nullopt);
+  EXPECT_EQ(WhatConflictsWith(rows, 3), conflict) << "whether the row itself is enabled does not count";
+  rows[3] = RowOf("Every Day", 8, 0, 24, 0);
+  EXPECT_EQ(WhatConflictsWith(rows, 3),
+            "Item 4 runs daily, but is set to run longer than one day, thereby overlapping itself. Please "
+            "correct before saving.");
+}
+
+TEST(WhatConflicts, EveryDayAgainstOneWeekdayIsNotAlwaysFound) {
+  SchedulerRows rows;
+  rows[0] = RowOf("Every Day", 20, 0, 1, 0);
+  rows[1] = RowOf("Every Wednesday", 20, 0, 1, 0);
+  EXPECT_EQ(WhatConflicts(rows), std::nullopt);
 }
 
 }  // namespace

@@ -102,5 +102,18 @@ TEST(NextRun, AWeeklyEntryIsFoundOverTheEndOfTheYear) {
             DateValue::FromCivil(2006, 1, 1, 0, 1, 0));
 }
 
+TEST(NextRun, AnEntryThatEndsBeforeItStartsNeverComes) {
+  for (const DateValue start : {kNow.AddHours(3), DateValue::FromCivil(1967, 1, 4, 20),
+                                DateValue::FromCivil(1967, 1, 15, 20)}) {
+    ScheduleEntry entry = At(start);
+    entry.EndDate = start.AddSeconds(-1);
+    EXPECT_FALSE(NextStart(entry, kNow));
+    entry.EndDate = {};
+    EXPECT_FALSE(NextStart(entry, kNow));
+    entry.EndDate = start.AddSeconds(59);
+    EXPECT_TRUE(NextStart(entry, kNow)) << "the shortest there is";
+  }
+}
+
 }  // namespace
 }  // namespace kestrune::schedule

@@ -1,17 +1,21 @@
 #include <random>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/Text.h"
 #include "schedule/lists/Restrictions.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
+#include "support/RecordingJournal.h"
 
 namespace kestrune::test {
 namespace {
 
 using schedule::RestrictList;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 class RestrictionsTest : public ::testing::Test {
  protected:
@@ -25,7 +29,8 @@ class RestrictionsTest : public ::testing::Test {
 
   MemoryFiles files_;
   FakeEnvironment environment_;
-  schedule::Restrictions lists_{files_, environment_};
+  RecordingJournal journal_;
+  schedule::Restrictions lists_{files_, environment_, journal_};
 };
 
 TEST_F(RestrictionsTest, TheFileIsNamedAfterTheUnit) {
@@ -61,13 +66,6 @@ TEST_F(RestrictionsTest, AFolderThatCannotBeMadeMeansEmptyLists) {
   lists_.LoadRestrictions();
   EXPECT_FALSE(lists_.IsInGrabList("Artist", "Song"));
   EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 0);
-}
-
-TEST_F(RestrictionsTest, AFileThatCannotBeReadMeansEmptyLists) {
-  Load("0Moon\n");
-  files_.FailNext(FileOperation::Read);
-  lists_.LoadRestrictions();
-  EXPECT_FALSE(lists_.IsInGrabList("Moon", ""));
 }
 
 TEST_F(RestrictionsTest, EachDigitFeedsItsOwnList) {
@@ -212,24 +210,58 @@ TEST_F(RestrictionsTest, AnswersAsASearchWithoutRegardToCase) {
 
 TEST_F(RestrictionsTest, ARemovalTakesEachEqualEntryOfOneListAndLeavesAllOtherLines) {
   Load("0Moon\r\nrubbish\n0moon \n2Moon\n0Moonlight\n\n0Moon");
-  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, " MOON "), 3);
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, " MOON ").Count, 3);
   EXPECT_EQ(files_.Read(kPath), "rubbish\n2Moon\n0Moonlight\n\n");
   EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
   EXPECT_EQ(lists_.RestrictCount(RestrictList::KillArtists), 1);
 }
 
 TEST_F(RestrictionsTest, WhatIsNotThereIsNotRemoved) {
-  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon"), 0) << "without a file";
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon").Count, 0) << "without a file";
   Load("0Moon");
-  EXPECT_EQ(lists_.Remove(RestrictList::GrabSongs, "Moon"), 0);
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabSongs, "Moon").Count, 0);
   EXPECT_EQ(files_.Read(kPath), "0Moon") << "the file is not touched";
 }
 
 TEST_F(RestrictionsTest, ARemovalThatCannotBeWrittenChangesNothing) {
   Load("0Moon\n");
   files_.FailAlways(FileOperation::Replace);
-  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon"), std::nullopt);
+  const std::string why = std::string("the list file ") + kPath + " could not be written";
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon").Failure, why);
+  EXPECT_THAT(journal_.Log, ElementsAre("Nothing was removed from the Grab and Kill lists: " + why));
   EXPECT_TRUE(lists_.IsInGrabList("Moon", ""));
+}
+
+TEST_F(RestrictionsTest, AReadThatFailsKeepsTheRowsAndIsLogged) {
+  Load("0Moon\n3Rain\n");
+  files_.FailNext(FileOperation::Read);
+  lists_.LoadRestrictions();
+  EXPECT_TRUE(lists_.IsInGrabList("Moon", ""));
+  EXPECT_TRUE(lists_.IsInKillList("", "Rain"));
+  EXPECT_THAT(journal_.Log, ElementsAre(std::string("The Grab and Kill lists stay as they are: ") + kPath +
+                                        " could not be read"));
+}
+
+TEST_F(RestrictionsTest, AFileThatIsGoneEmptiesTheLists) {
+  Load("0Moon\n");
+  ASSERT_TRUE(files_.Remove(kPath));
+  lists_.LoadRestrictions();
+  EXPECT_FALSE(lists_.IsInGrabList("Moon", ""));
+  EXPECT_THAT(journal_.Log, IsEmpty());
+}
+
+TEST_F(RestrictionsTest, AByteOrderMarkIsNoPartOfTheFirstEntry) {
+  Load("\xEF\xBB\xBF" "0Moon\n0Sun\n");
+  EXPECT_EQ(lists_.Fragment(RestrictList::GrabArtists, 1), "Moon");
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 2);
+}
+
+TEST_F(RestrictionsTest, ARemovalFromAFileThatCannotBeReadIsAFailureAndNotAnAbsentEntry) {
+  Load("0Moon\n");
+  files_.FailNext(FileOperation::Read);
+  EXPECT_EQ(lists_.Remove(RestrictList::GrabArtists, "Moon").Failure,
+            std::string("the list file ") + kPath + " could not be read");
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n");
 }
 
 }  // namespace
