@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/CaptureSound.h"
 #include "platform/PcmFormat.h"
 
 namespace kestrune::platform {
 
-/// The sound-card recorder. All calls and both handlers run on the main thread.
+/// The sound-card recorder. All calls and both handlers run on the main thread; no call but DeviceCount and
+/// DeviceUsable waits for a device for more than a second.
 ///
 /// 1. Blocks come through the block handler, each of the block size but the last of a capture, which may be
 ///    shorter; the handler reads it with GetBlock.
@@ -18,8 +20,9 @@ namespace kestrune::platform {
 ///    device runs on: what it brings until the next Start opens that capture, if device and format stay the
 ///    same.
 /// 3. So the blocks of an unbroken row of captures, laid end to end, are the sound that came in. What is lost
-/// all
-///    the same is counted in FramesLost.
+///    all the same is counted in FramesLost, and for each capture in Sound.
+/// 4. A device that cannot be opened, or that goes away, ends no capture: it is tried again each second, and the
+///    capture goes on with what comes then.
 class AudioRecorder {
  public:
   virtual ~AudioRecorder() = default;
@@ -43,9 +46,12 @@ class AudioRecorder {
   [[nodiscard]] virtual std::int32_t TimeToBytes(std::int32_t milliseconds) const = 0;
   virtual void SetBlockSize(std::int32_t bytes) = 0;
   virtual void Prepare() = 0;
-  /// 0 or more on success, negative on failure.
+  /// Begins a capture: 0 or more on success, negative if device or format are none. A device that does not open
+  /// now is no failure; OpenError says what is wrong with it.
   [[nodiscard]] virtual std::int16_t StartRecording() = 0;
   virtual void Stop() = 0;
+  /// Why the device could not be opened when it was tried last, for people; empty if it could.
+  [[nodiscard]] virtual std::string OpenError() const = 0;
 
   /// Valid within the block handler.
   [[nodiscard]] virtual std::span<const std::int16_t> GetBlock() const = 0;
@@ -57,7 +63,12 @@ class AudioRecorder {
   /// Timer: periodically while recording, for the level display.
   virtual void SetTimerHandler(std::function<void()> handler) = 0;
 
-  /// Sample frames handed over, and lost on the way (overrun, server gone), since the program started.
+  /// The sound of the capture that StartRecording began last; complete once Stop has returned, and kept until
+  /// the next StartRecording. Missing is what did not come from StartRecording to Stop: before the device ran,
+  /// while it or its server was gone, while the machine slept, and what the main thread took too late.
+  [[nodiscard]] virtual const CaptureSound& Sound() const = 0;
+
+  /// Sample frames handed over, and lost on the way, since the program started.
   [[nodiscard]] virtual std::int64_t FramesCaptured() const = 0;
   [[nodiscard]] virtual std::int64_t FramesLost() const = 0;
 };

@@ -20,25 +20,26 @@ class SampleSink {
 
 struct SoundDevice {
   std::string Name;  ///< for people, UTF-8
-  std::string Id;    ///< for the source itself, stable from start to start
+  std::string Id;    ///< for the source itself, the same from start to start
 };
 
-/// A place where sound comes from: a sound server, a sound card, a pipe of raw samples. Used from the main
-/// thread.
+/// A place where sound comes from: a sound server, a sound card, a pipe of raw samples. Used from the main thread.
 ///
 /// 1. Devices lists inputs first, then the monitors of outputs, each group in an order that is the same from
-/// start
-///    to start.
-/// 2. Open delivers in the asked format, whatever the device's own is. When the device goes away the source
-///    keeps trying to come back, counts the gap as lost, and stays open.
-/// 3. After Close no further call reaches the sink.
+///    start to start.
+/// 2. Open delivers in the asked format, whatever the device's own is. A device that cannot be opened, or that
+///    goes away later, is tried again each second on the source's own thread, until Close; the caller waits for
+///    none of that.
+/// 3. Sound that is missing is reported by OnLost just before the sound after it: from Open to the first sound if
+///    the device starts late, while the device or its server was gone, and while the machine slept.
+/// 4. After Close no further call reaches the sink.
 class SoundSource {
  public:
   virtual ~SoundSource() = default;
 
   [[nodiscard]] virtual std::vector<SoundDevice> Devices() = 0;
   [[nodiscard]] virtual bool Usable(const std::string& id) = 0;
-  /// Empty on success, else what failed.
+  /// Empty if the device is open or about to be, else why it is not open yet. Waits a second at most.
   [[nodiscard]] virtual std::string Open(const std::string& id, const PcmFormat& format,
                                          SampleSink& sink) = 0;
   virtual void Close() = 0;

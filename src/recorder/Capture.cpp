@@ -54,6 +54,10 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   if (result < 0) {
     file->Close();
     journal_.DoLog(fmt::format("Error {} recording input", result));
+    return;
+  }
+  if (const std::string error = recorder.OpenError(); !error.empty()) {
+    journal_.DoLog(fmt::format("No sound from the input device: {}; it is tried again each second", error));
   }
 }
 

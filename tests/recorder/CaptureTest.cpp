@@ -46,10 +46,13 @@ class CalledRecorder final : public platform::AudioRecorder {
   }
   void SetBlockHandler(std::function<void()> handler) override { OnBlock = std::move(handler); }
   void SetTimerHandler(std::function<void()> /*handler*/) override {}
+  [[nodiscard]] std::string OpenError() const override { return {}; }
+  [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }
   [[nodiscard]] std::int64_t FramesLost() const override { return 0; }
 
   std::int16_t StartResult = 0;
+  platform::CaptureSound CapturedSound;
   std::vector<std::int16_t> Block;
   std::function<void()> OnBlock;
 

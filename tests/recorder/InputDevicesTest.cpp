@@ -40,10 +40,13 @@ class ListedRecorder final : public platform::AudioRecorder {
   }
   void SetBlockHandler(std::function<void()> /*handler*/) override {}
   void SetTimerHandler(std::function<void()> /*handler*/) override {}
+  [[nodiscard]] std::string OpenError() const override { return {}; }
+  [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }
   [[nodiscard]] std::int64_t FramesLost() const override { return 0; }
 
   std::vector<std::int16_t> Asked;
+  platform::CaptureSound CapturedSound;
 
  private:
   std::vector<Device> devices_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -9,9 +10,9 @@
 
 namespace kestrune::test {
 
-/// A PulseAudio server of a test's own: its files are in a temporary folder, it knows no hardware, and no
+/// A PulseAudio server of a test's own: its files are in a temporary folder, it uses no hardware, and no
 /// other server of the machine is touched. It has a null sink named "radio", 44100 Hz in stereo, whose
-/// monitor "radio.monitor" gives bit for bit what is played into it.
+/// monitor "radio.monitor" delivers bit for bit what is played into it.
 class PrivatePulse {
  public:
   static constexpr const char* kSink = "radio";
@@ -30,8 +31,11 @@ class PrivatePulse {
 
   /// Starts it and waits until it answers; false if it does not.
   [[nodiscard]] bool Start();
-  /// At once, as a crash would.
+  /// Ends it at once, as a crash would.
   void Kill();
+  /// A halted server holds its connections and answers nothing, until it is let go on.
+  void Halt() { server_.Signal(SIGSTOP); }
+  void Continue() { server_.Signal(SIGCONT); }
   /// Kill and Start; what played into it has to be played anew.
   [[nodiscard]] bool Restart();
 

@@ -25,16 +25,32 @@ void SimulatedSoundSource::SetUsable(const std::string& id, bool usable) {
 
 std::string SimulatedSoundSource::Open(const std::string& id, const platform::PcmFormat& format,
                                        platform::SampleSink& sink) {
-  if (!openingError_.empty()) return openingError_;
-  if (!Usable(id)) return "no such device: " + id;
   openId_ = id;
   format_ = format;
   sink_ = &sink;
-  ++timesOpened_;
   nextFrame_ = FrameAt(loop_.SteadyNow(), format.SampleRate);
-  session_ = std::make_shared<int>(timesOpened_);
+  session_ = std::make_shared<int>(0);
+  std::string error = OpeningError();
+  running_ = error.empty();
+  if (running_) ++timesOpened_;
+  retryAt_ = loop_.SteadyNow() + kRetryInterval;
   Schedule();
-  return {};
+  return error;
+}
+
+std::string SimulatedSoundSource::OpeningError() {
+  if (!openingError_.empty()) return openingError_;
+  return Usable(openId_) ? std::string() : "no such device: " + openId_;
+}
+
+bool SimulatedSoundSource::Retry(Duration now) {
+  if (now < retryAt_) return false;
+  retryAt_ = now + kRetryInterval;
+  if (!OpeningError().empty()) return false;
+  ++timesOpened_;
+  running_ = true;
+  dead_ = true;
+  return true;
 }
 
 void SimulatedSoundSource::Close() {
@@ -67,6 +83,7 @@ void SimulatedSoundSource::Schedule() {
 
 void SimulatedSoundSource::Tick() {
   const Duration now = loop_.SteadyNow();
+  if (!running_ && !Retry(now)) return;
   if (now < silentUntil_) return;
   const std::uint64_t end = FrameAt(now, format_.SampleRate);
   std::int64_t missing = 0;

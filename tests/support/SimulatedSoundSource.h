@@ -19,10 +19,9 @@ namespace kestrune::test {
 /// which order and how often.
 ///
 /// 1. The radio plays all the time: frame n sounds at n / rate seconds of the loop's steady clock, whether
-/// anybody
-///    listens or not. What is heard while it is open is delivered each period, also while the program sleeps.
-/// 2. A stereo frame holds its number whole: the low 16 bits on the left, the high 16 bits on the right. A
-/// mono
+///    anybody listens or not. What is heard while it is open is delivered each period, also while the program
+///    sleeps.
+/// 2. A stereo frame holds its number whole: the low 16 bits on the left, the high 16 bits on the right. A mono
 ///    frame holds the low 16 bits. SetSignal plays something else instead.
 /// 3. A fault is asked for by name and happens at once.
 class SimulatedSoundSource final : public platform::SoundSource {
@@ -42,15 +41,15 @@ class SimulatedSoundSource final : public platform::SoundSource {
 
   void SetDevices(std::vector<platform::SoundDevice> devices) { devices_ = std::move(devices); }
   void SetUsable(const std::string& id, bool usable);
-  /// The next Opens fail with this text; an empty one ends that.
+  /// From now on the device does not open, for this reason; an empty one ends that.
   void FailOpening(std::string error) { openingError_ = std::move(error); }
   void SetSignal(Signal signal) { signal_ = std::move(signal); }
 
-  /// The next frames go missing, and the source knows it.
+  /// The next frames go missing, and the source reports them as lost.
   void Drop(std::int64_t frames);
-  /// Nothing comes for so long; then all of it at once.
+  /// Nothing comes for that long; then all of it at once.
   void Stall(Duration duration);
-  /// The device is gone for so long; then it is back, and the gap is known as lost.
+  /// The device is gone for that long; then it is back, and the gap is reported as lost.
   void Die(Duration duration);
 
   [[nodiscard]] bool IsOpen() const { return sink_ != nullptr; }
@@ -67,8 +66,13 @@ class SimulatedSoundSource final : public platform::SoundSource {
   [[nodiscard]] static std::vector<std::uint32_t> FrameNumbers(std::span<const std::int16_t> stereo);
 
  private:
+  static constexpr Duration kRetryInterval{1000};
+
   void Tick();
   void Schedule();
+  [[nodiscard]] std::string OpeningError();
+  /// Tries again to open the device, if it is time to; true if that succeeded.
+  bool Retry(Duration now);
 
   SimulatedEventLoop& loop_;
   Duration period_;
@@ -77,13 +81,15 @@ class SimulatedSoundSource final : public platform::SoundSource {
   std::string openingError_;
   Signal signal_;
 
-  // Changes with each Open and Close, so that a tick of an earlier time finds itself outdated.
+  // Replaced by each Open and Close, so that a tick of an earlier opening knows that it is outdated.
   std::shared_ptr<int> session_ = std::make_shared<int>(0);
   platform::SampleSink* sink_ = nullptr;
   std::string openId_;
   platform::PcmFormat format_;
   std::uint64_t nextFrame_ = 0;
   Duration silentUntil_{0};
+  bool running_ = false;
+  Duration retryAt_{0};
   bool dead_ = false;
   std::int64_t toDrop_ = 0;
   std::vector<std::int16_t> samples_;

@@ -1,7 +1,7 @@
 #include "platform/alsa/AlsaSource.h"
 
 #include <algorithm>
-#include <chrono>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <thread>
@@ -19,14 +19,12 @@ namespace kestrune::platform {
 
 namespace {
 
-using std::chrono::steady_clock;
-
 constexpr unsigned kPeriodMicroseconds = 50'000;
 constexpr unsigned kBufferMicroseconds = 2'000'000;
 constexpr int kRetryMilliseconds = 1000;
 
-/// What ALSA has to say about a device that cannot be opened goes to the caller as a code; its own lines on
-/// standard error would only repeat it for each device that is tried.
+/// The caller gets the reason why a device cannot be opened as a code; ALSA's own lines on standard error would only
+/// repeat it for each device that is tried.
 void Silent(const char* /*file*/, int /*line*/, const char* /*function*/, int /*code*/,
             const char* /*format*/, ...) {}
 
@@ -62,7 +60,7 @@ int SetUp(snd_pcm_t* pcm, const PcmFormat& format) {
   if ((error = snd_pcm_hw_params_set_format(pcm, params, SND_PCM_FORMAT_S16)) < 0) return error;
   if ((error = snd_pcm_hw_params_set_channels(pcm, params, channels)) < 0) return error;
   if ((error = snd_pcm_hw_params_set_rate(pcm, params, rate, 0)) < 0) return error;
-  // The times are wishes: a device with a small buffer is still a device.
+  // The times are only hints: a device with a small buffer will do.
   base::Ignored(snd_pcm_hw_params_set_period_time_near(pcm, params, &period, nullptr));
   base::Ignored(snd_pcm_hw_params_set_buffer_time_near(pcm, params, &buffer, nullptr));
   if ((error = snd_pcm_hw_params(pcm, params)) < 0) return error;
@@ -86,14 +84,17 @@ Pcm OpenRunning(const std::string& id, const PcmFormat& format, int& error) {
 /// The open device and the thread that reads it.
 class AlsaSource::Reader {
  public:
-  Reader(std::string id, const PcmFormat& format, SampleSink& sink, Pcm pcm)
+  /// Without a device it looks for it each second.
+  Reader(std::string id, const PcmFormat& format, SampleSink& sink, Pcm pcm, const GapCounter& gaps)
       : id_(std::move(id)),
         format_(format),
         sink_(sink),
         pcm_(std::move(pcm)),
+        hasDevice_(pcm_ != nullptr),
         stop_(eventfd(0, EFD_CLOEXEC)),
         samples_(static_cast<std::size_t>(format.SampleRate) / 20 *
                  static_cast<std::size_t>(format.Channels)),
+        gaps_(gaps),
         thread_([this] { Run(); }) {}
 
   ~Reader() {
@@ -105,21 +106,25 @@ class AlsaSource::Reader {
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
 
+  /// The device is open here. Any thread.
+  [[nodiscard]] bool HasDevice() const { return hasDevice_; }
+
  private:
   void Run() {
-    gaps_.Start(format_.SampleRate, steady_clock::now());
     for (;;) {
       if (pcm_ == nullptr) {
         pollfd stop{stop_, POLLIN, 0};
         if (poll(&stop, 1, kRetryMilliseconds) > 0) return;
         int error = 0;
         pcm_ = OpenRunning(id_, format_, error);
+        hasDevice_ = pcm_ != nullptr;
         continue;
       }
       if (!Wait()) return;
       if (!Read()) {
         gaps_.Interrupt();
         pcm_.reset();
+        hasDevice_ = false;
       }
     }
   }
@@ -132,7 +137,7 @@ class AlsaSource::Reader {
     descriptors_.back() = {stop_, POLLIN, 0};
     base::Ignored(poll(descriptors_.data(), descriptors_.size(), kRetryMilliseconds));
     if ((descriptors_.back().revents & POLLIN) != 0) return false;
-    // Some devices need this call to serve their descriptors. What it tells, the reading tells too.
+    // Some devices need this call to serve their descriptors. Its result is not needed: the read finds out.
     unsigned short events = 0;
     base::Ignored(snd_pcm_poll_descriptors_revents(pcm_.get(), descriptors_.data(),
                                                    static_cast<unsigned>(count), &events));
@@ -149,7 +154,7 @@ class AlsaSource::Reader {
       if (snd_pcm_recover(pcm_.get(), static_cast<int>(frames), 1) < 0) return false;
       return snd_pcm_start(pcm_.get()) >= 0;
     }
-    const std::int64_t missing = gaps_.Arrived(frames, steady_clock::now());
+    const std::int64_t missing = gaps_.Arrived(frames, GapCounter::Now());
     if (missing > 0) sink_.OnLost(missing);
     sink_.OnSamples({samples_.data(), static_cast<std::size_t>(frames) * channels});
     return true;
@@ -159,6 +164,7 @@ class AlsaSource::Reader {
   const PcmFormat format_;
   SampleSink& sink_;
   Pcm pcm_;
+  std::atomic<bool> hasDevice_;
   const int stop_;
   std::vector<std::int16_t> samples_;
   std::vector<pollfd> descriptors_;
@@ -195,19 +201,21 @@ std::vector<SoundDevice> AlsaSource::Devices() {
 }
 
 bool AlsaSource::Usable(const std::string& id) {
-  if (reader_ != nullptr && id == openId_) return true;
+  if (reader_ != nullptr && id == openId_ && reader_->HasDevice()) return true;
   int error = 0;
   return OpenPcm(id, error) != nullptr;
 }
 
 std::string AlsaSource::Open(const std::string& id, const PcmFormat& format, SampleSink& sink) {
   Close();
+  GapCounter gaps;
+  gaps.Start(format.SampleRate, GapCounter::Now());
   int error = 0;
   Pcm pcm = OpenRunning(id, format, error);
-  if (pcm == nullptr) return snd_strerror(error);
+  std::string reason = pcm == nullptr ? snd_strerror(error) : "";
   openId_ = id;
-  reader_ = std::make_unique<Reader>(id, format, sink, std::move(pcm));
-  return {};
+  reader_ = std::make_unique<Reader>(id, format, sink, std::move(pcm), gaps);
+  return reason;
 }
 
 void AlsaSource::Close() {

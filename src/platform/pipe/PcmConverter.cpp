@@ -35,7 +35,7 @@ std::span<const std::int16_t> PcmConverter::Convert(std::span<const std::int16_t
   if (resampler_ == nullptr) return mixed;
   const auto channels = static_cast<std::size_t>(to_.Channels);
   const std::size_t frames = mixed.size() / channels;
-  // Room for what the filter had kept back, too.
+  // With room for what the filter held back before.
   const std::size_t room =
       frames * static_cast<std::size_t>(to_.SampleRate) / static_cast<std::size_t>(from_.SampleRate) + 4096;
   resampled_.resize(room * channels);

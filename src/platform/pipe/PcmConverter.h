@@ -12,11 +12,9 @@ namespace kestrune::platform {
 
 /// Brings a stream of samples from one form into another.
 ///
-/// 1. Equal forms pass bit for bit. The same holds for the channels alone: mono is the average of the two,
-/// towards
+/// 1. Equal forms pass bit for bit. The same holds for the channels alone: mono is the average of the two, towards
 ///    zero; stereo holds the one channel twice.
-/// 2. Another rate is made by a band-limited filter without dither; its output comes with the filter's delay,
-/// some
+/// 2. Another rate is made by a band-limited filter without dither; its output comes with the filter's delay, some
 ///    milliseconds, and its length is the input's times the ratio.
 class PcmConverter {
  public:

@@ -48,7 +48,6 @@ class PipeSource::Reader {
   Reader(std::string path, int file, const PcmFormat& format, SampleSink& sink)
       : path_(std::move(path)),
         file_(file),
-        fifo_(IsFifo(file)),
         sink_(sink),
         converter_(kFileFormat, format),
         stop_(eventfd(0, EFD_CLOEXEC)),
@@ -68,7 +67,8 @@ class PipeSource::Reader {
 
   void Start() {
     thread_ = std::thread([this] {
-      if (fifo_) {
+      if (!WaitForPath()) return;
+      if (IsFifo(file_)) {
         RunFifo();
       } else {
         RunPaced();
@@ -77,19 +77,29 @@ class PipeSource::Reader {
   }
 
  private:
+  /// A path that cannot be opened is tried again each second. False if it is time to end.
+  bool WaitForPath() {
+    while (file_ < 0) {
+      pollfd stop{stop_, POLLIN, 0};
+      if (poll(&stop, 1, kRetryMilliseconds) > 0) return false;
+      file_ = OpenPath(path_);
+    }
+    return true;
+  }
+
   void RunFifo() {
     for (;;) {
       if (!WaitForFifo()) return;
       const ssize_t count = ReadSome(bytes_.size());
       if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) WaitForNextWriter();
-      if (!Rest()) return;
+      if (!Rest(file_)) return;
     }
   }
 
-  /// Lets a few milliseconds of sound gather, instead of waking for each small write of the other side; a
-  /// writer that goes is noticed at once. False if it is time to end.
-  bool Rest() {
-    pollfd descriptors[] = {{stop_, POLLIN, 0}, {fifo_ ? file_ : -1, 0, 0}};
+  /// Lets a few milliseconds of sound gather instead of waking for each small write; a writer that closes the pipe is
+  /// noticed at once. False if it is time to end.
+  bool Rest(int fifo) {
+    pollfd descriptors[] = {{stop_, POLLIN, 0}, {fifo, 0, 0}};
     base::Ignored(poll(descriptors, 2, kPaceMilliseconds));
     return (descriptors[0].revents & POLLIN) == 0;
   }
@@ -101,8 +111,8 @@ class PipeSource::Reader {
     return (descriptors[0].revents & POLLIN) == 0;
   }
 
-  /// A pipe opened afresh is quiet until somebody writes, while one whose writer has gone would report its
-  /// end over and over. The old end is closed last, so that a writer never finds the pipe without a reader.
+  /// A pipe that is opened again is quiet until somebody writes, while one whose writer has gone reports its end over
+  /// and over. The old descriptor is closed last, so that a writer never finds the pipe without a reader.
   void WaitForNextWriter() {
     kept_ = 0;
     const int fresh = OpenPath(path_);
@@ -114,7 +124,7 @@ class PipeSource::Reader {
     const auto start = steady_clock::now();
     std::uint64_t read = 0;
     for (;;) {
-      if (!Rest()) return;
+      if (!Rest(-1)) return;
       const auto passed = std::chrono::duration_cast<microseconds>(steady_clock::now() - start).count();
       const std::uint64_t due = static_cast<std::uint64_t>(passed) *
                                 static_cast<std::uint64_t>(kFileFormat.SampleRate) / 1'000'000 * kFrameBytes;
@@ -126,7 +136,7 @@ class PipeSource::Reader {
     }
   }
 
-  /// Reads once and delivers the whole frames there are; the bytes of a torn one wait for the rest of it.
+  /// Reads once and delivers the whole frames; the bytes of an incomplete one wait for the rest.
   ssize_t ReadSome(std::size_t most) {
     const ssize_t count = read(file_, bytes_.data() + kept_, std::min(most, bytes_.size() - kept_));
     if (count <= 0) return count;
@@ -147,7 +157,6 @@ class PipeSource::Reader {
 
   const std::string path_;
   int file_;
-  const bool fifo_;
   SampleSink& sink_;
   PcmConverter converter_;
   const int stop_;
@@ -175,12 +184,12 @@ std::string PipeSource::Open(const std::string& id, const PcmFormat& format, Sam
   Close();
   if (id != path_) return "no such device: " + id;
   const int file = OpenPath(path_);
-  if (file < 0) return std::error_code(errno, std::generic_category()).message();
+  std::string reason = file < 0 ? std::error_code(errno, std::generic_category()).message() : "";
   auto reader = std::make_unique<Reader>(path_, file, format, sink);
   if (!reader->Error().empty()) return reader->Error();
   reader->Start();
   reader_ = std::move(reader);
-  return {};
+  return reason;
 }
 
 void PipeSource::Close() {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <span>
 #include <tuple>
@@ -17,6 +16,7 @@ namespace kestrune::platform {
 namespace {
 
 constexpr pa_usec_t kAnswerLimit = 5 * PA_USEC_PER_SEC;
+constexpr pa_usec_t kOpenLimit = PA_USEC_PER_SEC / 2;
 constexpr pa_usec_t kRetryInterval = PA_USEC_PER_SEC;
 constexpr std::int64_t kFragmentsPerSecond = 20;
 
@@ -27,8 +27,8 @@ struct FoundDevice {
 
 }  // namespace
 
-/// The context and the stream. Whatever touches them runs with the loop's lock held: the main thread's calls
-/// take it, the callbacks have it from the loop.
+/// The context and the stream. Everything that touches them runs with the loop's lock held: the main thread's calls
+/// take it, and the loop holds it around the callbacks.
 class PulseSource::Connection {
  public:
   explicit Connection(std::string server) : server_(std::move(server)), loop_(pa_threaded_mainloop_new()) {
@@ -81,22 +81,16 @@ class PulseSource::Connection {
     if (!running_) return "the sound server's client library does not start";
     const Lock lock(loop_);
     CloseStream();
-    if (!Connect()) return Error();
     id_ = id;
     format_ = format;
-    if (!ConnectStream()) return Error();
     sink_ = &sink;
-    const bool ready = WaitUntil([this] { return StreamSettled(); }) && stream_ != nullptr &&
-                       pa_stream_get_state(stream_) == PA_STREAM_READY;
-    if (ready) {
-      // A device that only woke up for this stream has interrupted nothing.
-      gaps_.Start(format.SampleRate, std::chrono::steady_clock::now());
-      keepOpen_ = true;
-      return {};
-    }
-    std::string error = Error();
-    CloseStream();
-    return error;
+    gaps_.Start(format.SampleRate, GapCounter::Now());
+    keepOpen_ = true;
+    // From here on the callbacks open the stream, however long the server takes.
+    if (ContextGone() && !StartContext()) LoseStream();
+    if (ContextReady() && !ConnectStream()) LoseStream();
+    WaitUntil([this] { return StreamReady() || retry_ != nullptr; }, kOpenLimit);
+    return StreamReady() ? std::string() : Error();
   }
 
   void Close() {
@@ -128,8 +122,8 @@ class PulseSource::Connection {
   [[nodiscard]] bool ContextGone() const {
     return context_ == nullptr || !PA_CONTEXT_IS_GOOD(pa_context_get_state(context_));
   }
-  [[nodiscard]] bool StreamSettled() const {
-    return stream_ == nullptr || pa_stream_get_state(stream_) != PA_STREAM_CREATING || ContextGone();
+  [[nodiscard]] bool StreamReady() const {
+    return stream_ != nullptr && pa_stream_get_state(stream_) == PA_STREAM_READY;
   }
 
   std::string Error() {
@@ -137,14 +131,14 @@ class PulseSource::Connection {
     return pa_strerror(code == PA_OK ? PA_ERR_TIMEOUT : code);
   }
 
-  /// The main thread waits, at most the limit; the callbacks signal.
+  /// Makes the main thread wait for the condition, up to the limit; the callbacks signal.
   template <typename Condition>
-  bool WaitUntil(const Condition& condition) {
+  bool WaitUntil(const Condition& condition, pa_usec_t limit = kAnswerLimit) {
     if (condition()) return true;
     bool late = false;
     std::pair<pa_threaded_mainloop*, bool*> alarm{loop_, &late};
     pa_time_event* event = pa_context_rttime_new(
-        context_, pa_rtclock_now() + kAnswerLimit,
+        context_, pa_rtclock_now() + limit,
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
           const auto& [loop, flag] = *static_cast<std::pair<pa_threaded_mainloop*, bool*>*>(data);
           *flag = true;
@@ -159,7 +153,7 @@ class PulseSource::Connection {
   void Finish(pa_operation* operation) {
     if (operation == nullptr) return;
     const bool done = WaitUntil([&] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
-    // Its callback must not come when the caller's list is gone.
+    // Its callback must not run once the caller's list is gone.
     if (!done) pa_operation_cancel(operation);
     pa_operation_unref(operation);
   }
@@ -209,7 +203,7 @@ class PulseSource::Connection {
     buffer.maxlength = static_cast<std::uint32_t>(-1);
     buffer.fragsize = static_cast<std::uint32_t>(format_.SampleRate / kFragmentsPerSecond * format_.Channels *
                                                  sizeof(std::int16_t));
-    // Without the latency wish the device itself may bring its sound in pieces of seconds.
+    // Without a wanted latency the device may deliver its sound in pieces of seconds.
     constexpr int kFlags = PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_UNMUTED;
     return pa_stream_connect_record(stream_, id_.c_str(), &buffer, static_cast<pa_stream_flags_t>(kFlags)) >=
            0;
@@ -243,8 +237,8 @@ class PulseSource::Connection {
     pa_threaded_mainloop_signal(loop_, 0);
   }
 
-  /// An open stream that is gone is made anew in a while, from a callback of its own: what failed may not be
-  /// taken down within its own callback.
+  /// A stream that is lost is made again after a while, from a timer: a failed object must not be destroyed within its
+  /// own callback.
   void LoseStream() {
     if (!keepOpen_) return;
     gaps_.Interrupt();
@@ -259,11 +253,11 @@ class PulseSource::Connection {
 
   void Retry() {
     FreeEvent(std::exchange(retry_, nullptr));
-    // A call of the main thread may have been faster.
+    // A call from the main thread may have been faster.
     if (stream_ != nullptr && PA_STREAM_IS_GOOD(pa_stream_get_state(stream_))) return;
     DropStream();
     if (ContextGone()) {
-      // A refusal comes at once or through the state callback; either leads back here.
+      // A refusal comes at once or through the state callback; both lead back here.
       if (!StartContext()) LoseStream();
     } else if (ContextReady() && !ConnectStream()) {
       LoseStream();
@@ -283,7 +277,7 @@ class PulseSource::Connection {
 
   void Deliver(const std::int16_t* data, std::size_t samples) {
     const auto frames = static_cast<std::int64_t>(samples) / format_.Channels;
-    const std::int64_t missing = gaps_.Arrived(frames, std::chrono::steady_clock::now());
+    const std::int64_t missing = gaps_.Arrived(frames, GapCounter::Now());
     if (missing > 0) sink_->OnLost(missing);
     if (data != nullptr) {
       sink_->OnSamples({data, samples});

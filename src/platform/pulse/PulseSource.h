@@ -13,12 +13,10 @@ namespace kestrune::platform {
 /// 1. A device's id is the server's name of the source. Inputs come first, then the monitors of outputs, each
 ///    sorted by description and then by id.
 /// 2. The server's thread is the only one that calls the sink, about each 50 ms.
-/// 3. The server may not move the stream to another device: a recording of the radio never turns into one of
-/// the
-///    microphone. If the device or the server goes away, or the source is suspended, the sound of that time
-///    is counted as lost, by the clock; the way back is tried each second.
-/// 4. A hole that the server leaves within the stream is counted as lost and filled with silence, so that
-/// what
+/// 3. The server may not move the stream to another device: a recording of the radio never turns into one of the
+///    microphone. If the device or the server goes away, or the source is suspended, the sound of that time is
+///    counted as lost, by the clock; the way back is tried each second.
+/// 4. A hole that the server leaves within the stream is counted as lost and filled with silence, so that what
 ///    follows stays at its time.
 /// 5. A server is started only where the user's own configuration of the client library says so.
 class PulseSource final : public SoundSource {
@@ -32,8 +30,9 @@ class PulseSource final : public SoundSource {
   [[nodiscard]] bool Reachable();
 
   [[nodiscard]] std::vector<SoundDevice> Devices() override;
+  /// Waits 5 s at most, as Devices does.
   [[nodiscard]] bool Usable(const std::string& id) override;
-  /// Waits 5 s at most.
+  /// Waits half a second at most.
   [[nodiscard]] std::string Open(const std::string& id, const PcmFormat& format, SampleSink& sink) override;
   void Close() override;
 

@@ -13,7 +13,7 @@ constexpr double kSmoothingSeconds = 0.05;
 constexpr double kPauseDecibels = -70;
 constexpr double kMostGain = 40;
 constexpr double kLowestLevel = -92;
-// The level is looked at, and the gain given a new way to go, once in so many frames.
+// The level is examined, and the gain steered, once in this many frames.
 constexpr int kFramesBetweenSteering = 32;
 
 double FromDecibels(double decibels) {
@@ -55,7 +55,7 @@ void GainControl::Reset() {
 
 void GainControl::Steer() {
   framesToSteering_ = kFramesBetweenSteering;
-  // From the gain as it stands, which the guard against clipping may have lowered.
+  // Starts from the present gain, which the guard against clipping may have lowered.
   const double reached = 20 * std::log10(gain_);
   const double level = 10 * std::log10(std::max(meanSquare_, 1e-12));
   double wanted = gainDecibels_;
@@ -65,7 +65,7 @@ void GainControl::Steer() {
   }
   const double most = 20.0 * kFramesBetweenSteering * 1000 / (attackMilliseconds_ * format_.SampleRate);
   gainDecibels_ = std::clamp(wanted, reached - most, reached + most);
-  // At rest at unity the gain is exactly 1, and the samples pass as they are.
+  // When it settles at unity the gain is exactly 1, and the samples pass unchanged.
   if (std::abs(gainDecibels_) < 1e-9) gainDecibels_ = 0;
   gainStep_ = (FromDecibels(gainDecibels_) - gain_) / kFramesBetweenSteering;
   if (gainDecibels_ == 0 && std::abs(gainStep_) < 1e-9) {

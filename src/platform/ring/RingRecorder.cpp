@@ -12,7 +12,7 @@ constexpr std::int32_t kHighestRate = 192000;
 // Enough for the widest level display.
 constexpr std::size_t kNewestSamples = 16384;
 
-bool Sound(const PcmFormat& format) {
+bool Recordable(const PcmFormat& format) {
   return format.SampleRate > 0 && format.SampleRate <= kHighestRate && format.Channels >= 1 &&
          format.Channels <= 2;
 }
@@ -32,6 +32,7 @@ RingRecorder::~RingRecorder() {
 std::int16_t RingRecorder::DeviceCount() {
   devices_ = source_.Devices();
   devicesKnown_ = true;
+  mapped_.reset();
   if (devices_.empty()) return 0;
   return static_cast<std::int16_t>(std::min<std::size_t>(devices_.size() + 1, INT16_MAX));
 }
@@ -41,12 +42,18 @@ bool RingRecorder::MapperSelected() {
   return !devices_.empty() && deviceIndex_ >= 0 && static_cast<std::size_t>(deviceIndex_) == devices_.size();
 }
 
+const SoundDevice* RingRecorder::MappedDevice() {
+  if (mapped_) return &devices_[*mapped_];
+  const auto usable = std::find_if(devices_.begin(), devices_.end(),
+                                   [this](const SoundDevice& device) { return source_.Usable(device.Id); });
+  // Without a usable one, the one that the source itself puts first may become usable.
+  if (usable == devices_.end()) return &devices_.front();
+  mapped_ = static_cast<std::size_t>(usable - devices_.begin());
+  return &*usable;
+}
+
 const SoundDevice* RingRecorder::SelectedDevice() {
-  if (MapperSelected()) {
-    const auto usable = std::find_if(devices_.begin(), devices_.end(),
-                                     [this](const SoundDevice& device) { return source_.Usable(device.Id); });
-    return usable == devices_.end() ? nullptr : &*usable;
-  }
+  if (MapperSelected()) return MappedDevice();
   if (deviceIndex_ < 0 || static_cast<std::size_t>(deviceIndex_) >= devices_.size()) return nullptr;
   return &devices_[static_cast<std::size_t>(deviceIndex_)];
 }
@@ -75,18 +82,17 @@ std::int32_t RingRecorder::TimeToBytes(std::int32_t milliseconds) const {
 
 std::int16_t RingRecorder::StartRecording() {
   if (recording_) Stop();
-  if (!Sound(format_)) return kBadFormat;
+  if (!Recordable(format_)) return kBadFormat;
   const SoundDevice* device = SelectedDevice();
   if (device == nullptr) return kNoSuchDevice;
-  if (!open_ || openId_ != device->Id || openFormat_ != format_) {
-    OpenSource(*device);
-    if (!open_) return kOpenFailed;
-  }
+  if (!open_ || openId_ != device->Id || openFormat_ != format_) OpenSource(*device);
   const auto channels = static_cast<std::size_t>(format_.Channels);
   const std::int32_t bytes = blockBytes_ > 0 ? blockBytes_ : TimeToBytes(kBlockMilliseconds);
   const std::size_t frames = static_cast<std::size_t>(bytes) / sizeof(std::int16_t) / channels;
   blockSamples_ = std::max<std::size_t>(frames, 1) * channels;
   block_.reserve(blockSamples_);
+  Look();
+  ledger_.BeginCapture();
   recording_ = true;
   pollTimer_->SetEnabled(true);
   displayTimer_->SetEnabled(true);
@@ -95,7 +101,8 @@ std::int16_t RingRecorder::StartRecording() {
 
 void RingRecorder::Stop() {
   if (!recording_) return Forget();
-  // Only what is there now: the source goes on bringing.
+  Look();
+  // Only what is there now: the source goes on delivering.
   const std::size_t captured = ring_->Available();
   std::size_t handed = 0;
   while (recording_ && handed < captured) {
@@ -105,6 +112,7 @@ void RingRecorder::Stop() {
   }
   recording_ = false;
   stoppedAt_ = loop_.SteadyNow();
+  ledger_.EndCapture(stoppedAt_);
   displayTimer_->SetEnabled(false);
 }
 
@@ -112,9 +120,17 @@ void RingRecorder::Forget() {
   if (!open_) return;
   block_.resize(ring_->Available());
   block_.resize(ring_->Pop(block_));
+  Look();
+  ledger_.Forget(loop_.SteadyNow());
+}
+
+void RingRecorder::Look() {
+  const auto offered = static_cast<std::int64_t>(ring_->Offered());
+  ledger_.Look({.Frames = offered / openFormat_.Channels, .Lost = LostBySource()}, loop_.SteadyNow());
 }
 
 void RingRecorder::Poll() {
+  Look();
   if (!recording_) {
     if (loop_.SteadyNow() - stoppedAt_ >= kIdleLimit) CloseSource();
     return;
@@ -128,7 +144,9 @@ void RingRecorder::HandOver(std::size_t samples) {
   block_.resize(samples);
   block_.resize(ring_->Pop(block_));
   gainControl_.Process(block_);
-  framesCaptured_ += static_cast<std::int64_t>(block_.size()) / openFormat_.Channels;
+  const std::int64_t frames = static_cast<std::int64_t>(block_.size()) / openFormat_.Channels;
+  framesCaptured_ += frames;
+  ledger_.HandOver(frames);
   newest_.insert(newest_.end(), block_.begin(), block_.end());
   if (newest_.size() > kNewestSamples) {
     newest_.erase(newest_.begin(), newest_.end() - static_cast<std::ptrdiff_t>(kNewestSamples));
@@ -148,9 +166,10 @@ std::vector<std::int16_t> RingRecorder::GetDisplaySamples(std::int32_t count) co
 
 void RingRecorder::OpenSource(const SoundDevice& device) {
   if (open_) {
-    const std::size_t left = ring_->Available();
+    // Counted in frames of the capture that lacks it.
+    const std::int64_t left = static_cast<std::int64_t>(ring_->Available()) / openFormat_.Channels;
     CloseSource();
-    lostByRings_ += static_cast<std::int64_t>(left) / openFormat_.Channels;
+    lostByRings_ += left * format_.SampleRate / openFormat_.SampleRate;
   }
   newest_.clear();
   gainControl_.SetFormat(format_);
@@ -159,9 +178,9 @@ void RingRecorder::OpenSource(const SoundDevice& device) {
   ring_ = std::make_unique<SampleRing>(samples);
   openFormat_ = format_;
   openId_ = device.Id;
+  ledger_.Open(format_.SampleRate, loop_.SteadyNow());
   openError_ = source_.Open(device.Id, format_, *this);
-  open_ = openError_.empty();
-  if (!open_) ring_.reset();
+  open_ = true;
 }
 
 void RingRecorder::CloseSource() {
@@ -175,10 +194,14 @@ void RingRecorder::CloseSource() {
   ring_.reset();
 }
 
-std::int64_t RingRecorder::FramesLost() const {
+std::int64_t RingRecorder::LostBySource() const {
   std::int64_t lost = lostBySource_.load(std::memory_order_relaxed) + lostByRings_;
   if (ring_) lost += static_cast<std::int64_t>(ring_->Lost()) / openFormat_.Channels;
   return lost;
+}
+
+std::int64_t RingRecorder::FramesLost() const {
+  return ledger_.Lost(LostBySource());
 }
 
 void RingRecorder::OnSamples(std::span<const std::int16_t> interleaved) {

@@ -2,9 +2,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "platform/SoundSource.h"
 #include "platform/ring/GainControl.h"
 #include "platform/ring/SampleRing.h"
+#include "platform/ring/SoundLedger.h"
 
 namespace kestrune::platform {
 
@@ -22,23 +25,22 @@ namespace kestrune::platform {
 ///
 /// 1. The ring holds 30 s. For so long the main thread may sleep without losing a sample; what came meanwhile
 ///    belongs to the capture that runs.
-/// 2. The device list is taken by DeviceCount and stays until it is asked for again, so that an index means
-///    the same device from the listing to the recording. Behind the devices of the source stands one more,
-///    the mapper, which is the first usable of them. The count of available devices at the start is one
-///    short of the usable ones, as it takes the mapper for granted: without it a machine with a single input
-///    would be a machine with none.
-/// 3. Between Stop and StartRecording the device runs on. If another device or format is asked for then, it
-///    is opened anew, and what the ring still held is counted as lost. What came while nothing recorded must
-///    not open a later capture: a Stop without a recording forgets it, and if no capture starts for 10 s
-///    while the main thread serves its events, the device is closed.
+/// 2. DeviceCount takes the device list, which stays until it is taken again, so that an index means the same
+///    device from the listing to the recording. After the devices of the source comes one more, the mapper: the
+///    first device that is usable when the mapper is first asked for. From then on it is that device, until the
+///    list is taken again. The count of available devices at the start is one short of the usable ones, as it
+///    takes the mapper for granted: without it a machine with a single input would be a machine with none.
+/// 3. Between Stop and StartRecording the device runs on. If another device or format is asked for then, it is
+///    opened anew, and what the ring still held is counted as lost. What came while nothing recorded must not
+///    open a later capture: a Stop without a recording forgets it, and if no capture starts for 10 s while the
+///    main thread serves its events, the device is closed.
 /// 4. The block handler may call Stop; its block is gone then.
 class RingRecorder final : public AudioRecorder, private SampleSink {
  public:
-  /// What StartRecording answers.
+  /// What StartRecording returns.
   static constexpr std::int16_t kStarted = 0;
   static constexpr std::int16_t kNoSuchDevice = -1;
   static constexpr std::int16_t kBadFormat = -2;
-  static constexpr std::int16_t kOpenFailed = -3;  ///< OpenError says why
 
   static constexpr const char* kMapperName = "Sound Mapper";
 
@@ -47,7 +49,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   static constexpr std::chrono::milliseconds kDisplayInterval{100};
   static constexpr std::chrono::milliseconds kIdleLimit{10000};
 
-  /// Both must outlive it.
+  /// Both must outlive the recorder.
   RingRecorder(base::EventLoop& loop, SoundSource& source);
   /// Closes the source; hands over nothing more.
   ~RingRecorder() override;
@@ -68,7 +70,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void SetFormat(const PcmFormat& format) override { format_ = format; }
   [[nodiscard]] std::int32_t TimeToBytes(std::int32_t milliseconds) const override;
   void SetBlockSize(std::int32_t bytes) override { blockBytes_ = bytes; }
-  /// Nothing: what there is to make ready is made by StartRecording.
+  /// Does nothing: StartRecording prepares what is needed.
   void Prepare() override {}
   [[nodiscard]] std::int16_t StartRecording() override;
   void Stop() override;
@@ -79,22 +81,25 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void SetBlockHandler(std::function<void()> handler) override { blockHandler_ = std::move(handler); }
   void SetTimerHandler(std::function<void()> handler) override { timerHandler_ = std::move(handler); }
 
+  [[nodiscard]] std::string OpenError() const override { return openError_; }
+  [[nodiscard]] const CaptureSound& Sound() const override { return ledger_.Sound(); }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return framesCaptured_; }
   [[nodiscard]] std::int64_t FramesLost() const override;
 
   [[nodiscard]] bool Recording() const { return recording_; }
-  /// Why the source could not be opened the last time it was tried; empty if it could.
-  [[nodiscard]] const std::string& OpenError() const { return openError_; }
 
  private:
   void OnSamples(std::span<const std::int16_t> interleaved) override;
   void OnLost(std::int64_t frames) override;
 
   [[nodiscard]] bool MapperSelected();
+  [[nodiscard]] const SoundDevice* MappedDevice();
   [[nodiscard]] const SoundDevice* SelectedDevice();
+  [[nodiscard]] std::int64_t LostBySource() const;
   void OpenSource(const SoundDevice& device);
   void CloseSource();
   void Poll();
+  void Look();
   void HandOver(std::size_t samples);
   void Forget();
   void Display();
@@ -105,6 +110,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
 
   bool devicesKnown_ = false;
   std::vector<SoundDevice> devices_;
+  std::optional<std::size_t> mapped_;  // the mapper's device, once it is known
   std::int16_t deviceIndex_ = 0;
 
   PcmFormat format_;
@@ -115,10 +121,11 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   std::string openId_;
   PcmFormat openFormat_;
   std::string openError_;
-  // Made anew only while the source is closed, that is while no other thread knows of it.
+  // Replaced only while the source is closed, when no other thread uses it.
   std::unique_ptr<SampleRing> ring_;
   std::atomic<std::int64_t> lostBySource_{0};
   std::int64_t lostByRings_ = 0;  // frames, of rings that are closed
+  SoundLedger ledger_;
 
   bool recording_ = false;
   std::chrono::milliseconds stoppedAt_{0};

@@ -10,29 +10,30 @@ namespace kestrune::platform {
 
 /// A first-in first-out store of samples between two threads: one pushes, one pops, neither ever waits.
 ///
-/// 1. Push takes what fits, from the front of what is offered; the rest is counted in Lost and gone.
+/// 1. Push takes what fits, from the front of what is offered; the rest is dropped and counted in Lost.
 /// 2. What is popped is what was pushed, in its order, each sample once.
-/// 3. The store is made once, by the constructor. If its size and every call's size are whole frames, frames
-/// are
+/// 3. The store is made once, by the constructor. If its size and every call's size are whole frames, frames are
 ///    never torn.
 class SampleRing {
  public:
   /// Holds up to `capacity` samples, at least one.
   explicit SampleRing(std::size_t capacity);
 
-  /// The pushing thread only. How many samples were taken.
+  /// The pushing thread only. Returns how many samples were taken.
   std::size_t Push(std::span<const std::int16_t> samples);
-  /// The popping thread only. Fills the front of `samples`, says how many.
+  /// The popping thread only. Fills the front of `samples`; returns how many.
   std::size_t Pop(std::span<std::int16_t> samples);
-  /// The popping thread only. How many samples a Pop gets at least.
+  /// The popping thread only. A Pop gets at least this many samples.
   [[nodiscard]] std::size_t Available() const;
 
   [[nodiscard]] std::size_t Capacity() const { return capacity_; }
-  /// Samples that did not fit, any thread.
+  /// Samples that were offered so far, whether they fitted or not; any thread.
+  [[nodiscard]] std::uint64_t Offered() const { return pushed_.load(std::memory_order_relaxed) + Lost(); }
+  /// Samples that did not fit; any thread.
   [[nodiscard]] std::uint64_t Lost() const { return lost_.load(std::memory_order_relaxed); }
 
  private:
-  // Each side's fields on a cache line of their own, so that the threads do not take it from each other.
+  // Each side's fields are on a cache line of their own, so that the threads do not contend for it.
   static constexpr std::size_t kCacheLine = 64;
 
   const std::size_t capacity_;

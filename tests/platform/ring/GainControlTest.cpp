@@ -91,7 +91,7 @@ TEST(GainControl, TheTwoLevelsAreARangeWhicheverIsSmaller) {
 
 TEST(GainControl, ALevelWithinTheRangePassesBitForBit) {
   GainControl control = Control(-10, -40, 50);
-  // It starts from silence, so the first moments are a level below the range on its way up.
+  // It starts from silence, so at first the level is below the range and rising.
   auto start = Tone(-25, 1);
   control.Process(start);
   auto samples = Tone(-25, 1);
@@ -107,7 +107,7 @@ TEST(GainControl, TheGainMovesTwentyDecibelsInTheAttackTime) {
     auto before = Tone(-65, 2);
     control.Process(before);
     EXPECT_NEAR(control.Gain(), 15, 0.5);
-    // 30 dB have to go. The level is known some milliseconds after it changed, never before.
+    // The gain has to fall by 30 dB. The level is known some milliseconds after it changed, never before.
     auto loud = Tone(-35, attack / 1000.0);
     control.Process(loud);
     EXPECT_GT(15 - control.Gain(), 16) << attack;
@@ -120,7 +120,7 @@ TEST(GainControl, NothingEverClips) {
   std::cout << "seed " << seed << '\n';
   std::mt19937 random(seed);
   GainControl control = Control(0, 0, 4);
-  // Raised as far as it goes by a soft passage, then hit by sound at full scale.
+  // A soft passage raises the gain as far as it goes; then comes sound at full scale.
   for (int round = 0; round < 10; ++round) {
     auto soft = Tone(-50, 0.8);
     control.Process(soft);
@@ -148,7 +148,7 @@ TEST(GainControl, TheGainIsSmoothFromSampleToSample) {
   auto tone = Tone(-50, 1, 100);
   const auto original = tone;
   control.Process(tone);
-  // 20 dB in 50 ms is 0.9 per cent a frame; a step in the gain would stand out of that.
+  // 20 dB in 50 ms is 0.9 per cent a frame; a step in the gain would exceed that.
   double before = 0;
   for (std::size_t at = 0; at < tone.size(); at += 2) {
     if (std::abs(original[at]) < 100) {
@@ -213,7 +213,7 @@ TEST(GainControl, BothChannelsGetTheSameGain) {
   EXPECT_NEAR(static_cast<double>(left) / static_cast<double>(right), 2, 0.02);
 }
 
-TEST(GainControl, LevelsAndAttackTimesOutsideTheirRangesAreCut) {
+TEST(GainControl, LevelsAndAttackTimesAreLimitedToTheirRanges) {
   GainControl control = Control(-300, 20, -5);
   auto samples = Tone(-60, 1);
   const auto original = samples;

@@ -19,14 +19,14 @@ std::vector<std::int16_t> Counting(std::int16_t from, std::size_t count) {
   return samples;
 }
 
-TEST(SampleRing, GivesBackWhatWasPushedInItsOrder) {
+TEST(SampleRing, ReturnsWhatWasPushedInItsOrder) {
   SampleRing ring(8);
   EXPECT_EQ(ring.Push(Counting(1, 5)), 5U);
   EXPECT_EQ(ring.Available(), 5U);
   std::vector<std::int16_t> out(3);
   EXPECT_EQ(ring.Pop(out), 3U);
   EXPECT_EQ(out, Counting(1, 3));
-  // Over the end of the store and on at its front.
+  // Past the end of the store and on from its beginning.
   EXPECT_EQ(ring.Push(Counting(6, 6)), 6U);
   out.resize(8);
   EXPECT_EQ(ring.Pop(out), 8U);
@@ -35,7 +35,7 @@ TEST(SampleRing, GivesBackWhatWasPushedInItsOrder) {
   EXPECT_EQ(ring.Lost(), 0U);
 }
 
-TEST(SampleRing, AnEmptyRingGivesNothing) {
+TEST(SampleRing, AnEmptyRingReturnsNothing) {
   SampleRing ring(4);
   std::vector<std::int16_t> out(4, 77);
   EXPECT_EQ(ring.Pop(out), 0U);

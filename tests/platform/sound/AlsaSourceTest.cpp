@@ -88,6 +88,7 @@ TEST_F(AlsaSourceTest, RecordsWhatIsPlayedWithoutLossOrDoubling) {
   recorder.SetFormat({44100, 2});
   ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
   ASSERT_TRUE(loop.RunUntil([&] { return !taken.empty(); }, milliseconds(10000)));
+  const std::int64_t lostAtStart = recorder.FramesLost();
   auto player = Server.Play(file);
   for (int cut = 0; cut < 40; ++cut) {
     loop.Run(milliseconds(90 + cut));
@@ -100,7 +101,7 @@ TEST_F(AlsaSourceTest, RecordsWhatIsPlayedWithoutLossOrDoubling) {
   EXPECT_EQ(ledger.First, 1U);
   EXPECT_GT(ledger.Heard, 44100U * 2);
   EXPECT_EQ(ledger.Lost + ledger.Doubled + ledger.Silent, 0U);
-  EXPECT_EQ(recorder.FramesLost(), 0);
+  EXPECT_EQ(recorder.FramesLost(), lostAtStart);
 }
 
 TEST_F(AlsaSourceTest, AFormatThatTheDeviceDoesNotHaveIsConverted) {

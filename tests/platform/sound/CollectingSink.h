@@ -12,7 +12,7 @@
 
 namespace kestrune::platform {
 
-/// Keeps what a source delivers on its thread, for the test to look at on its own.
+/// Keeps what a source delivers on its thread, for the test to examine on its own.
 class CollectingSink final : public SampleSink {
  public:
   void OnSamples(std::span<const std::int16_t> interleaved) override {
@@ -36,7 +36,7 @@ class CollectingSink final : public SampleSink {
     const std::lock_guard lock(mutex_);
     return lost_;
   }
-  /// Waits until there are so many samples; false if they do not come in time.
+  /// Waits until there are that many samples; false if they do not come in time.
   [[nodiscard]] bool WaitFor(std::size_t count, std::chrono::milliseconds limit) const {
     const auto end = std::chrono::steady_clock::now() + limit;
     while (Count() < count) {

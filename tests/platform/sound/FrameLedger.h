@@ -5,7 +5,7 @@
 
 namespace kestrune::platform {
 
-/// The books on numbered frames (1, 2, 3 ...) among silence (0).
+/// Counts what became of numbered frames (1, 2, 3 ...) among silence (0).
 struct FrameLedger {
   std::uint32_t First = 0;
   std::uint32_t Last = 0;

@@ -39,7 +39,7 @@ class PipeSourceTest : public ::testing::Test {
     return path;
   }
 
-  /// Writes the numbered frames the way a writer does that comes and goes.
+  /// Writes the numbered frames as a writer that opens the pipe, writes and closes it.
   void WriteInto(const std::filesystem::path& fifo, std::uint32_t first, std::uint32_t count,
                  std::size_t tornBytes = 0) {
     WriteNumberedFrames(Folder / "raw", count, first);
@@ -80,6 +80,17 @@ TEST_F(PipeSourceTest, APathThatIsNotThereIsNotUsable) {
   PipeSource source((Folder / "none").string());
   EXPECT_FALSE(source.Usable((Folder / "none").string()));
   EXPECT_NE(source.Open((Folder / "none").string(), {}, Sink), "");
+}
+
+TEST_F(PipeSourceTest, APathThatComesLaterIsReadFromThen) {
+  const auto fifo = Folder / "fifo";
+  PipeSource source(fifo.string());
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_NE(source.Open(fifo.string(), {}, Sink), "");
+  EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(200)) << "the caller does not wait for it";
+  Fifo();
+  WriteInto(fifo, 1, 1000);
+  EXPECT_TRUE(Sink.WaitFor(2000, milliseconds(5000)));
 }
 
 TEST_F(PipeSourceTest, AFolderIsNotUsable) {
@@ -143,7 +154,7 @@ TEST_F(PipeSourceTest, AnotherFormatIsConverted) {
   PipeSource source(fifo.string());
   ASSERT_EQ(source.Open(fifo.string(), {22050, 1}, Sink), "");
   WriteInto(fifo, 1, 88'200);
-  // Half the frames, one channel, but for what the filter still holds back.
+  // Half the frames and one channel, except what the filter still holds back.
   EXPECT_TRUE(Sink.WaitFor(43'000, milliseconds(10000)));
   source.Close();
   EXPECT_LE(Sink.Count(), 44'100U);
