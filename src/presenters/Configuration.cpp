@@ -111,18 +111,8 @@ void Configuration::Load() {
 
 void Configuration::FillDevices() {
   controls_.cboDevice = {};
-  const std::string devices = access_.Devices();
-  std::string_view rest = devices;
-  while (!rest.empty()) {
-    const std::size_t nameEnd = rest.find('#');
-    if (nameEnd == std::string_view::npos) return;
-    const std::string_view name = rest.substr(0, nameEnd);
-    rest = rest.substr(nameEnd + 1);
-    const std::size_t numberEnd = rest.find('%');
-    if (numberEnd == std::string_view::npos) return;
-    const std::int32_t number = base::ToInt32(base::LeadingNumber(rest.substr(0, numberEnd))).value_or(0);
-    controls_.cboDevice.Rows.push_back({std::string(name), number});
-    rest = rest.substr(numberEnd + 1);
+  for (const recorder::InputDevice& device : access_.Devices()) {
+    controls_.cboDevice.Rows.push_back({device.Name, device.Index});
   }
 }
 

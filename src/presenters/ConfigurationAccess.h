@@ -1,13 +1,14 @@
 #pragma once
 
 #include <functional>
-#include <string>
+#include <vector>
 
 #include "config/formats/FileSpecs.h"
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
+#include "recorder/InputDevices.h"
 
 namespace kestrune::presenters {
 
@@ -19,8 +20,8 @@ struct ConfigurationAccess {
   config::FileSpecs& FileSpecs;
   platform::Dialogs& Dialogs;
   const platform::Environment& Environment;
-  /// The usable input devices, each as its name, "#", its index and "%".
-  std::function<std::string()> Devices;
+  /// The usable input devices that the user chooses from.
+  std::function<std::vector<recorder::InputDevice>()> Devices;
   /// Stops what is being recorded; runs before another file format is taken over.
   std::function<void()> cmdStop;
   /// Runs after a save that chose another input device.

@@ -5,6 +5,7 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
+#include "config/settings/SettingKeys.h"
 #include "recorder/Explanation.h"
 #include "schedule/entries/ReloadSchedule.h"
 
@@ -131,7 +132,7 @@ config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string
   const std::int16_t device = state_.Settings.InputDevice;
   config::SettingOutcome outcome = settingChanges_.Set(key, value);
   if (outcome.FormatChanged) fileSpecs_.SetFileSpecs(-1);
-  if (state_.Settings.InputDevice != device) ReadInputDeviceName();
+  if (state_.Settings.InputDevice != device) InputDeviceChanged();
   return outcome;
 }
 
@@ -176,12 +177,18 @@ presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
           .FileSpecs = fileSpecs_,
           .Dialogs = outside_.Dialogs,
           .Environment = outside_.Environment,
-          .Devices = [this] { return deviceList_; },
+          .Devices = [this] { return inputDevices_.Listed; },
           .cmdStop = [this] { commands_.cmdStop(); },
-          .DeviceChanged = [this] { ReadInputDeviceName(); }};
+          .DeviceChanged = [this] { InputDeviceChanged(); }};
 }
 
-void Kestrune::ReadInputDeviceName() {
+void Kestrune::KeepInputDeviceId() {
+  state_.Settings.InputDeviceId = inputDevices_.IdOf(state_.Settings.InputDevice);
+  base::Ignored(config::SaveSetting(section_, state_.Settings, "InputDeviceId"));
+}
+
+void Kestrune::InputDeviceChanged() {
+  KeepInputDeviceId();
   if (audio_.AudioRecord == nullptr) return;
   audio_.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
   inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";

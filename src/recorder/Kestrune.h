@@ -28,6 +28,7 @@
 #include "recorder/Clock.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
+#include "recorder/InputDevices.h"
 #include "recorder/LevelMeter.h"
 #include "recorder/MainWindow.h"
 #include "recorder/OptionRules.h"
@@ -96,7 +97,7 @@ class Kestrune final : private radio::ChannelEvents {
   /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
   [[nodiscard]] std::string InputDeviceId();
   /// The usable input devices, each as its name, "#", its index and "%".
-  [[nodiscard]] const std::string& Devices() const { return deviceList_; }
+  [[nodiscard]] const std::string& Devices() const { return inputDevices_.DeviceList; }
   /// Null before the load and after the close.
   [[nodiscard]] const platform::AudioRecorder* Recorder() const { return audio_.AudioRecord.get(); }
 
@@ -194,7 +195,8 @@ class Kestrune final : private radio::ChannelEvents {
   void WalkFinished() override;
 
   void AudioRecord_Timer();
-  void ReadInputDeviceName();
+  void InputDeviceChanged();
+  void KeepInputDeviceId();
   [[nodiscard]] std::optional<std::string> ScheduledBitRate() const;
 
   Outside outside_;
@@ -205,7 +207,7 @@ class Kestrune final : private radio::ChannelEvents {
   MainWindow window_;
   config::SettingsSection section_;
   std::string multiUnit_;
-  std::string deviceList_;
+  InputDevices inputDevices_;
   std::string inputDeviceName_;
   std::int16_t forcedPort_ = 0;
 

@@ -111,9 +111,19 @@ void Kestrune::ReadSettings() {
 }
 
 bool Kestrune::FindInputDevices() {
-  const InputDevices found = EnumerateInputDevices(*audio_.AudioRecord, state_.Settings.InputDevice);
-  deviceList_ = found.DeviceList;
+  const std::string wanted = state_.Settings.InputDeviceId;
+  inputDevices_ = EnumerateInputDevices(*audio_.AudioRecord, {state_.Settings.InputDevice, wanted});
+  const InputDevices& found = inputDevices_;
   inputDeviceName_ = found.Configured;
+  if (found.Index != state_.Settings.InputDevice) {
+    state_.Settings.InputDevice = found.Index;
+    base::Ignored(config::SaveSetting(section_, state_.Settings, "InputDevice"));
+  }
+  if (wanted.empty()) KeepInputDeviceId();
+  if (!wanted.empty() && found.IdOf(found.Index) != wanted) {
+    log_.DoLog(
+        fmt::format("Input device {} is not there; device number {} takes its place", wanted, found.Index));
+  }
   if (!found.Configured.empty()) log_.DoLog("Using input device: " + found.Configured);
   if (found.Available >= 1) return true;
   log_.DoLog("No available audio input devices found");

@@ -49,7 +49,8 @@ class ConfigurationRig {
   std::int16_t CaptureSlot = 0;
   config::FileSpecs Specs{[this](std::int16_t slot) { return slot == 1 - CaptureSlot ? &Idle : nullptr; },
                           Settings, CaptureSlot, [] { return std::nullopt; }};
-  std::string Devices = "Built-in Audio#0%USB Audio CODEC#3%";
+  std::vector<recorder::InputDevice> Devices{{.Name = "Built-in Audio", .Index = 0, .Id = "built-in"},
+                                             {.Name = "USB Audio CODEC", .Index = 3, .Id = "usb"}};
   int Stops = 0;  ///< of a recording
   int DeviceChanges = 0;
 

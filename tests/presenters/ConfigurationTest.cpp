@@ -148,13 +148,11 @@ TEST_F(ConfigurationTest, ADeviceThatHasGoneSelectsNothingAndIsKept) {
   EXPECT_EQ(rig_.Settings.InputDevice, 7);
 }
 
-TEST_F(ConfigurationTest, ABrokenDeviceTextGivesTheDevicesBeforeTheBreak) {
-  for (const char* devices : {"Built-in Audio#0%USB", "Built-in Audio#0%USB#3", "Built-in Audio#0%%"}) {
-    rig_.Devices = devices;
-    window_.Load();
-    EXPECT_EQ(Shown().cboDevice.Rows.size(), 1U) << devices;
-  }
-  rig_.Devices = "";
+TEST_F(ConfigurationTest, ADeviceNamedWithTheMarksOfTheListTextIsItself) {
+  rig_.Devices = {{.Name = "Line #1%", .Index = 0, .Id = "a"}, {.Name = "50%#2%Mic#", .Index = 2, .Id = "b"}};
+  window_.Load();
+  EXPECT_EQ(Shown().cboDevice.Rows, (std::vector<presenters::ChoiceRow>{{"Line #1%", 0}, {"50%#2%Mic#", 2}}));
+  rig_.Devices.clear();
   window_.Load();
   EXPECT_THAT(Shown().cboDevice.Rows, IsEmpty());
 }

@@ -125,6 +125,34 @@ TEST_F(StartupTest, ARefusedAgreementEndsTheProgramAtOnce) {
   EXPECT_EQ(rig.Setting("LegalAgreement"), "False");
 }
 
+TEST_F(StartupTest, TheInputDeviceIsFoundAgainAtAnotherIndex) {
+  rig.Sound.SetDevices({{"New", "new"}, {"Radio", "radio"}});
+  rig.Set("InputDevice", "0");
+  rig.Set("InputDeviceId", "radio");
+  rig.Start();
+  EXPECT_EQ(rig->InputDeviceName(), "Radio");
+  EXPECT_EQ(rig->InputDeviceId(), "radio");
+  EXPECT_THAT(rig.LogTexts(), Contains("Using input device: Radio"));
+  EXPECT_EQ(rig->ReadSetting("InputDevice"), "1");
+}
+
+TEST_F(StartupTest, TheIdOfTheInputDeviceIsStoredBesideItsIndex) {
+  rig.Sound.SetDevices({{"New", "new"}, {"Radio", "radio"}});
+  rig.Set("InputDevice", "1");
+  rig.Start();
+  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "radio");
+  EXPECT_EQ(rig->ChangeSetting("InputDevice", "0").Refusal, "");
+  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "new");
+}
+
+TEST_F(StartupTest, AnInputDeviceThatIsNotThereLeavesItsPlaceToTheOneAtItsIndex) {
+  rig.Set("InputDeviceId", "gone");
+  rig.Start();
+  EXPECT_EQ(rig->InputDeviceName(), "Radio");
+  EXPECT_THAT(rig.LogTexts(), Contains("Input device gone is not there; device number 0 takes its place"));
+  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "gone") << "it may come back";
+}
+
 TEST_F(StartupTest, WithoutAnInputDeviceTheUserIsToldAndTheProgramCloses) {
   rig.Sound.SetDevices({});
   rig.Start(StartOutcome::Failed);

@@ -67,6 +67,7 @@ constexpr std::pair<std::string_view, Rule> kRules[] = {
 constexpr std::pair<std::string_view, std::string_view> kReadOnly[] = {
     {"Channel", "it is the tuned channel, which the command tune changes"},
     {"PortNum", "it is the port on which the radio was found, which the option /port changes"},
+    {"InputDeviceId", "it follows InputDevice"},
     {"LegalAgreement", "only the user's own consent sets it"},
     {"ChannelListing", "it follows the channels window"},
     {"RecordLog", "it follows the log window"},

@@ -81,6 +81,7 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::TaskBarMinimized>("TaskBarMinimized"),
     Row<&Settings::Integrel>("Integrel"),
     Row<&Settings::InputDevice>("InputDevice"),
+    Row<&Settings::InputDeviceId>("InputDeviceId"),
     Row<&Settings::AGCEnabled>("AGCEnabled"),
     Row<&Settings::AGCLowLevel>("AGCLowLevel"),
     Row<&Settings::AGCHighLevel>("AGCHighLevel"),

@@ -25,6 +25,7 @@ struct Settings : FormatSettings {
   bool TaskBarMinimized = true;
   bool Integrel = true;          ///< whole songs only
   std::int16_t InputDevice = 0;  ///< index of the recorder's device
+  std::string InputDeviceId;     ///< the same device, whatever its index is at the next start; may be empty
   bool AGCEnabled = false;
   // Low above high and an attack below the window's range: these defaults are meant.
   std::int16_t AGCLowLevel = -10;   ///< dB

@@ -51,6 +51,7 @@ const Expected kExpected[] = {
     {"TaskBarMinimized", kBool, "True", "False", SHOWS(s.TaskBarMinimized), SHOWS(!s.TaskBarMinimized)},
     {"Integrel", kBool, "True", "False", SHOWS(s.Integrel), SHOWS(!s.Integrel)},
     {"InputDevice", kInt16, "0", "3", SHOWS(s.InputDevice == 0), SHOWS(s.InputDevice == 3)},
+    {"InputDeviceId", kText, "", "usb", SHOWS(s.InputDeviceId.empty()), SHOWS(s.InputDeviceId == "usb")},
     {"AGCEnabled", kBool, "False", "True", SHOWS(!s.AGCEnabled), SHOWS(s.AGCEnabled)},
     {"AGCLowLevel", kInt16, "-10", "-60", SHOWS(s.AGCLowLevel == -10), SHOWS(s.AGCLowLevel == -60)},
     {"AGCHighLevel", kInt16, "-40", "-5", SHOWS(s.AGCHighLevel == -40), SHOWS(s.AGCHighLevel == -5)},

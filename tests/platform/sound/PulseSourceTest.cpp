@@ -14,6 +14,7 @@
 #include "platform/ring/RingRecorder.h"
 #include "platform/sound/CollectingSink.h"
 #include "platform/sound/FrameLedger.h"
+#include "recorder/InputDevices.h"
 #include "support/PrivatePulse.h"
 #include "support/RealEventLoop.h"
 #include "support/ScopedVariables.h"
@@ -297,6 +298,20 @@ TEST_F(PulseSourceTest, AServerThatAnswersNothingHoldsNobodyUp) {
   Loop.Run(milliseconds(1500));
   Server.Continue();
   EXPECT_TRUE(Loop.RunUntil([&] { return rig.Taken > 11025; }, milliseconds(10000)));
+}
+
+TEST_F(PulseSourceTest, ADeviceNamedWithTheMarksOfTheListTextIsRecordedFrom) {
+  ASSERT_TRUE(Server.Control({"load-module", "module-sine-source", "source_name=odd",
+                              "source_properties=device.description=50%#0%Line#1%"}));
+  PulseRecorder rig(Loop, Server);
+  const recorder::InputDevices found =
+      recorder::EnumerateInputDevices(rig.Recorder, {.Index = 0, .Id = "odd"});
+  EXPECT_EQ(found.Configured, "50%#0%Line#1%");
+  ASSERT_EQ(found.Listed.size(), 6U);
+  rig.Recorder.SetDeviceIndex(found.Index);
+  EXPECT_EQ(rig.Recorder.DeviceId(), "odd");
+  ASSERT_EQ(rig.Recorder.StartRecording(), RingRecorder::kStarted);
+  EXPECT_TRUE(Loop.RunUntil([&] { return rig.Taken > 44100; }, milliseconds(10000)));
 }
 
 TEST_F(PulseSourceTest, TheStreamStaysAwayFromOtherDevicesWhenItsOwnGoes) {
