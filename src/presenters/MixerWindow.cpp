@@ -6,8 +6,26 @@ namespace kestrune::presenters {
 
 using platform::Mixer;
 
-void MixerWindow::Load(const std::string& device) {
-  mixer_.Open(device);
+namespace {
+
+/// Twice as far each time: a device of few steps follows by one of them.
+template <typename Move>
+void MoveUntilFollowed(std::int32_t from, std::int32_t to, std::int32_t most, const Move& move) {
+  for (std::int32_t way = to - from; way != 0; way *= 2) {
+    const std::int32_t wanted = std::clamp(from + way, 0, most);
+    if (move(wanted) != from || wanted == 0 || wanted == most) return;
+  }
+}
+
+}  // namespace
+
+void MixerWindow::Load() {
+  Open();
+}
+
+void MixerWindow::Open() {
+  openDevice_ = device_();
+  mixer_.Open(openDevice_);
   ShowLines();
 }
 
@@ -17,7 +35,11 @@ void MixerWindow::Unload() {
 }
 
 void MixerWindow::Update() {
-  if (mixer_.Update()) ShowLines();
+  if (device_() != openDevice_) {
+    Open();
+  } else if (mixer_.Update()) {
+    ShowLines();
+  }
 }
 
 void MixerWindow::ShowLines() {
@@ -37,16 +59,38 @@ void MixerWindow::ShowLines() {
   }
 }
 
+// A write may show that the device is gone, and its lines with it.
+void MixerWindow::ShowLinesAndStayAt(std::int16_t line) {
+  ShowLines();
+  mixer_.SetCurrentLine(line);
+}
+
 void MixerWindow::slVolume_Scroll(std::size_t index, std::int32_t value) {
-  mixer_.SetCurrentLine(static_cast<std::int16_t>(index));
+  const auto line = static_cast<std::int16_t>(index);
+  mixer_.SetCurrentLine(line);
   mixer_.SetVolume(Mixer::kMaxVolume - value);
-  columns_[index].slVolume = Mixer::kMaxVolume - mixer_.Volume();
+  ShowLinesAndStayAt(line);
 }
 
 void MixerWindow::slBalance_Scroll(std::size_t index, std::int16_t value) {
-  mixer_.SetCurrentLine(static_cast<std::int16_t>(index));
+  const auto line = static_cast<std::int16_t>(index);
+  mixer_.SetCurrentLine(line);
   mixer_.SetBalance(value);
-  columns_[index].slBalance = mixer_.Balance();
+  ShowLinesAndStayAt(line);
+}
+
+void MixerWindow::slVolume_Step(std::size_t index, std::int32_t value) {
+  MoveUntilFollowed(columns_[index].slVolume, value, Mixer::kMaxVolume, [&](std::int32_t wanted) {
+    slVolume_Scroll(index, wanted);
+    return columns_[index].slVolume;
+  });
+}
+
+void MixerWindow::slBalance_Step(std::size_t index, std::int16_t value) {
+  MoveUntilFollowed(columns_[index].slBalance, value, Mixer::kMaxBalance, [&](std::int32_t wanted) {
+    slBalance_Scroll(index, static_cast<std::int16_t>(wanted));
+    return columns_[index].slBalance;
+  });
 }
 
 // A card that records from one line only takes the selection from the others.
@@ -54,12 +98,7 @@ void MixerWindow::chSelect_MouseUp(std::size_t index, bool checked) {
   const std::int16_t current = mixer_.CurrentLine();
   mixer_.SetCurrentLine(static_cast<std::int16_t>(index));
   mixer_.SetSelected(checked);
-  for (std::int16_t line = 0; line <= lastLine_; ++line) {
-    mixer_.SetCurrentLine(line);
-    columns_[static_cast<std::size_t>(line)].chSelect = mixer_.Selected();
-    if (mixer_.Selected()) selectedLine_ = line;
-  }
-  mixer_.SetCurrentLine(current);
+  ShowLinesAndStayAt(current);
 }
 
 }  // namespace kestrune::presenters

@@ -21,7 +21,7 @@ UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outsi
       unit_(unit),
       loop_(outside.Loop),
       log_(unit.LogBook().List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
-      mixer_(outside.Mixer),
+      mixer_(outside.Mixer, [this] { return unit_.InputDeviceId(); }),
       configuration_(unit.ConfigurationAccess()) {
   desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
   desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
@@ -91,7 +91,7 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeMixer() {
-  return Opened(std::make_unique<frmMixer>(mixer_, unit_.Section(), unit_.InputDeviceId()));
+  return Opened(std::make_unique<frmMixer>(mixer_, unit_.Section()));
 }
 
 void UnitWindows::ShowRadioID() {

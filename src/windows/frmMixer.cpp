@@ -36,14 +36,20 @@ constexpr int kBalance = 4;
 constexpr int kSelect = 5;
 constexpr int kAdvanced = 6;
 
-/// A turn of the wheel by one notch is a step that can be heard.
+/// A slider that moves by an audible step with each notch of the wheel.
 class LevelSlider final : public QSlider {
  public:
-  using QSlider::QSlider;
+  LevelSlider(Qt::Orientation orientation, QWidget* parent) : QSlider(orientation, parent) {
+    connect(this, &QSlider::actionTriggered, this,
+            [this](int action) { stepped_ = action >= SliderSingleStepAdd && action <= SliderPageStepSub; });
+  }
+
+  /// The last move was a step, by a key or the wheel, and not a drag.
+  [[nodiscard]] bool Stepped() const { return stepped_; }
 
  protected:
-  /// An inverted slider is filled from its loud end. The same one told the other way round is drawn as a level:
-  /// filled from below up to the handle.
+  /// An inverted slider is filled from its loud end. Drawn the other way round it looks like a level: filled from
+  /// below up to the handle.
   void paintEvent(QPaintEvent* /*event*/) override {
     QStyleOptionSlider option;
     initStyleOption(&option);
@@ -66,14 +72,17 @@ class LevelSlider final : public QSlider {
       triggerAction((turned > 0) == invertedControls() ? SliderPageStepSub : SliderPageStepAdd);
     event->accept();
   }
+
+ private:
+  bool stepped_ = false;
 };
 
-QSlider* MakeSlider(Qt::Orientation orientation, int most, int step, int page, QWidget* parent) {
+LevelSlider* MakeSlider(Qt::Orientation orientation, int most, int step, int page, QWidget* parent) {
   auto* slider = new LevelSlider(orientation, parent);
   slider->setRange(0, most);
   slider->setSingleStep(step);
   slider->setPageStep(page);
-  // A column does not move when its line has no such control.
+  // The rest of a column does not move up when its line lacks the control.
   QSizePolicy policy = slider->sizePolicy();
   policy.setRetainSizeWhenHidden(true);
   slider->setSizePolicy(policy);
@@ -96,8 +105,7 @@ QLabel* MakePicture(const char* name, QStyle::StandardPixmap picture, QWidget* p
 
 }  // namespace
 
-frmMixer::frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section,
-                   const std::string& device, QWidget* parent)
+frmMixer::frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window), rules_(rules), section_(section) {
   setObjectName(QStringLiteral("frmMixer"));
   setWindowTitle(QStringLiteral("Kestrune Record Mixer"));
@@ -118,13 +126,13 @@ frmMixer::frmMixer(presenters::MixerWindow& rules, const config::SettingsSection
   layout->addWidget(frame);
   layout->setSizeConstraint(QLayout::SetFixedSize);
 
-  rules_.Load(device);
+  rules_.Load();
   Show();
   RestorePlace(*this, section_, "Mixer");
 }
 
 frmMixer::~frmMixer() {
-  // A window that has closed lives on for a moment, in which another one may have been opened.
+  // A closed window lives on for a moment, in which another one may have been opened.
   if (!closed_) rules_.Unload();
 }
 
@@ -146,24 +154,35 @@ void frmMixer::MakeColumn(std::size_t index, QWidget& frame, QGridLayout& grid) 
 
   column.Label3 = label("Label3", "Volume:");
   grid.addWidget(column.Label3, kVolumeCaption, place);
-  column.slVolume = MakeSlider(Qt::Vertical, platform::Mixer::kMaxVolume, 5,
-                               (platform::Mixer::kMaxVolume + 1) / 32, &frame);
+  LevelSlider* volume = MakeSlider(Qt::Vertical, platform::Mixer::kMaxVolume, 5,
+                                   (platform::Mixer::kMaxVolume + 1) / 32, &frame);
+  column.slVolume = volume;
   Name(*column.slVolume, named("slVolume").c_str());
   column.slVolume->setMinimumHeight(10 * fontMetrics().lineSpacing());
   column.slVolume->setInvertedAppearance(true);
   column.slVolume->setInvertedControls(true);
-  connect(column.slVolume, &QSlider::valueChanged, this, [this, index](int value) {
-    rules_.slVolume_Scroll(index, value);
+  connect(column.slVolume, &QSlider::valueChanged, this, [this, index, volume](int value) {
+    if (volume->Stepped()) {
+      rules_.slVolume_Step(index, value);
+    } else {
+      rules_.slVolume_Scroll(index, value);
+    }
     Show();
   });
   grid.addWidget(column.slVolume, kVolume, place, Qt::AlignLeft);
 
   column.Label2 = label("Label2", "Balance:");
   grid.addWidget(column.Label2, kBalanceCaption, place);
-  column.slBalance = MakeSlider(Qt::Horizontal, platform::Mixer::kMaxBalance, 1, 5, &frame);
+  LevelSlider* balance = MakeSlider(Qt::Horizontal, platform::Mixer::kMaxBalance, 1, 5, &frame);
+  column.slBalance = balance;
   Name(*column.slBalance, named("slBalance").c_str());
-  connect(column.slBalance, &QSlider::valueChanged, this, [this, index](int value) {
-    rules_.slBalance_Scroll(index, static_cast<std::int16_t>(value));
+  connect(column.slBalance, &QSlider::valueChanged, this, [this, index, balance](int value) {
+    const auto wanted = static_cast<std::int16_t>(value);
+    if (balance->Stepped()) {
+      rules_.slBalance_Step(index, wanted);
+    } else {
+      rules_.slBalance_Scroll(index, wanted);
+    }
     Show();
   });
   grid.addWidget(column.slBalance, kBalance, place);
@@ -202,7 +221,7 @@ void frmMixer::Show() {
     const presenters::MixerColumn& line = rules_.Column(index);
     const bool there = static_cast<int>(index) <= lastLine;
     for (QLabel* label : {column.Label, column.Label2, column.Label3}) ShowVisible(*label, there);
-    // What keeps its room while hidden must not do so where there is no column at all.
+    // A hidden control keeps its room, but not where there is no column at all.
     for (QWidget* control : {static_cast<QWidget*>(column.slVolume), static_cast<QWidget*>(column.slBalance),
                              static_cast<QWidget*>(column.chSelect)}) {
       QSizePolicy policy = control->sizePolicy();
@@ -222,7 +241,7 @@ void frmMixer::Show() {
   }
 }
 
-/// A name too long for its column is cut; the tip and the names for readers have the whole.
+/// A name too long for its column is cut; the tool tip and the accessible names have all of it.
 void frmMixer::ShowName(Column& column, const std::string& name) {
   if (column.Shown == name && !column.Label->text().isEmpty()) return;
   column.Shown = name;

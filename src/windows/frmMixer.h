@@ -18,14 +18,13 @@ namespace kestrune::windows {
 /// The record mixer. Not modal; made when it is shown, deleted by itself once it has closed.
 class frmMixer final : public QWidget {
  public:
-  /// Turns the mixer to a recording device, by its id, and places itself. The references must outlive the window.
-  frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section, const std::string& device,
-           QWidget* parent = nullptr);
+  /// Opens the mixer and places itself. The references must outlive the window.
+  frmMixer(presenters::MixerWindow& rules, const config::SettingsSection& section, QWidget* parent = nullptr);
   ~frmMixer() override;
   frmMixer(const frmMixer&) = delete;
   frmMixer& operator=(const frmMixer&) = delete;
 
-  /// Takes in what other programs have changed, and shows it.
+  /// Takes in what has changed elsewhere, and shows it.
   void Refresh();
 
  protected:
@@ -51,7 +50,7 @@ class frmMixer final : public QWidget {
   presenters::MixerWindow& rules_;
   const config::SettingsSection& section_;
   std::array<Column, presenters::MixerWindow::kColumns> columns_;
-  QLabel* nothing_ = nullptr;  // stands where a device has no line
+  QLabel* nothing_ = nullptr;  // shown if the device has no lines
   bool closed_ = false;
 };
 

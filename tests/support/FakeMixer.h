@@ -11,7 +11,7 @@
 
 namespace kestrune::test {
 
-/// A sound card of plain fields, with the whims of real ones.
+/// A sound card made of plain fields, with the quirks of real ones.
 class FakeMixer final : public platform::Mixer {
  public:
   struct Line {
@@ -30,8 +30,13 @@ class FakeMixer final : public platform::Mixer {
   bool Changed = false;         ///< something was changed elsewhere
   std::string Device = "(closed)";
   std::int16_t Cursor = 0;
+  bool UnplugAtWrite = false;  ///< the next write finds the card gone
+  int TimesOpened = 0;
 
-  void Open(const std::string& device) override { Device = device; }
+  void Open(const std::string& device) override {
+    Device = device;
+    ++TimesOpened;
+  }
   void Close() override { Device = "(closed)"; }
   [[nodiscard]] bool Update() override { return std::exchange(Changed, false); }
 
@@ -44,22 +49,29 @@ class FakeMixer final : public platform::Mixer {
   [[nodiscard]] std::string LineName() const override { return Here().Name; }
   [[nodiscard]] bool HasVolume() const override { return Here().HasVolume; }
   [[nodiscard]] std::int32_t Volume() const override { return Here().Volume; }
-  void SetVolume(std::int32_t volume) override { Here().Volume = volume / VolumeStep * VolumeStep; }
+  void SetVolume(std::int32_t volume) override {
+    if (!Gone()) Here().Volume = volume / VolumeStep * VolumeStep;
+  }
   [[nodiscard]] bool HasBalance() const override { return Here().HasBalance; }
   [[nodiscard]] std::int16_t Balance() const override { return Here().Balance; }
   void SetBalance(std::int16_t balance) override {
-    Here().Balance = static_cast<std::int16_t>(balance / 10 * 10);
+    if (!Gone()) Here().Balance = static_cast<std::int16_t>(balance / 10 * 10);
   }
   [[nodiscard]] bool CanSelect() const override { return Here().CanSelect; }
   [[nodiscard]] bool Selected() const override { return Here().Selected; }
   void SetSelected(bool selected) override {
-    if (OneSelected && !selected) return;
+    if (Gone() || (OneSelected && !selected)) return;
     if (OneSelected)
       for (Line& line : Lines) line.Selected = false;
     Here().Selected = selected;
   }
 
  private:
+  [[nodiscard]] bool Gone() {
+    if (UnplugAtWrite) Lines.clear();
+    UnplugAtWrite = false;
+    return Lines.empty();
+  }
   [[nodiscard]] Line& Here() { return Lines.at(static_cast<std::size_t>(Cursor)); }
   [[nodiscard]] const Line& Here() const { return Lines.at(static_cast<std::size_t>(Cursor)); }
 };

@@ -28,7 +28,7 @@ class frmMixerTest : public ::testing::Test {
   ~frmMixerTest() override { delete window_; }
 
   void Open() {
-    window_ = new windows::frmMixer(rules_, section_, "card");
+    window_ = new windows::frmMixer(rules_, section_);
     window_->show();
     QTest::qWait(0);
   }
@@ -43,7 +43,7 @@ class frmMixerTest : public ::testing::Test {
   FakeMixer mixer_;
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
-  presenters::MixerWindow rules_{mixer_};
+  presenters::MixerWindow rules_{mixer_, [] { return std::string("card"); }};
   QPointer<windows::frmMixer> window_;
 };
 
@@ -115,6 +115,23 @@ TEST_F(frmMixerTest, TheWheelUpIsLouder) {
                  Qt::NoModifier, Qt::NoScrollPhase, false);
   QCoreApplication::sendEvent(&slVolume(1), &up);
   EXPECT_EQ(mixer_.Lines[1].Volume, 22048);
+}
+
+TEST_F(frmMixerTest, KeysAndWheelMoveACardOfFewSteps) {
+  mixer_.VolumeStep = 6000;
+  mixer_.Lines[1].Volume = 18000;
+  Open();
+  QTest::keyClick(&slVolume(1), Qt::Key_Up);
+  EXPECT_EQ(mixer_.Lines[1].Volume, 24000);
+  EXPECT_EQ(slVolume(1).value(), 65535 - 24000);
+  QTest::keyClick(&slVolume(1), Qt::Key_Down);
+  EXPECT_EQ(mixer_.Lines[1].Volume, 18000);
+  QWheelEvent up(QPointF(5, 5), slVolume(1).mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), Qt::NoButton,
+                 Qt::NoModifier, Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(&slVolume(1), &up);
+  EXPECT_EQ(mixer_.Lines[1].Volume, 24000);
+  QTest::keyClick(&slBalance(0), Qt::Key_Right);
+  EXPECT_EQ(mixer_.Lines[0].Balance, 60);
 }
 
 TEST_F(frmMixerTest, ARoundedVolumeMakesTheSliderJump) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <utility>
 
@@ -21,7 +22,7 @@ struct MixerCloser {
   void operator()(snd_mixer_t* mixer) const { snd_mixer_close(mixer); }
 };
 
-/// What the library would print about each card that is not there helps nobody.
+/// The library would print a line about each card that is not there.
 void Quiet(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
            const char* /*format*/, ...) {}
 
@@ -31,7 +32,7 @@ std::string ElementName(snd_mixer_elem_t* element) {
   return index == 0 ? name : name + " " + std::to_string(index);
 }
 
-/// Chooses between sources, as "Input Source" or "Capture Source"; other choices are none of the mixer's.
+/// Chooses between sources, as "Input Source" or "Capture Source"; the mixer leaves other choices alone.
 bool ChoosesSource(snd_mixer_elem_t* element) {
   return snd_mixer_selem_is_enum_capture(element) != 0 &&
          ElementName(element).find("Source") != std::string::npos;
@@ -218,26 +219,37 @@ void AlsaMixer::WriteSides(std::size_t line, std::int32_t volume, std::int16_t b
   const Range range = VolumeRange(element);
   const double sides = static_cast<double>(balance) / kMiddle - 1;
   if (HasBalance()) {
-    snd_mixer_selem_set_capture_volume(element, kLeft, ToCard(volume * std::min(1.0, 1 - sides), range));
-    snd_mixer_selem_set_capture_volume(element, kRight, ToCard(volume * std::min(1.0, 1 + sides), range));
+    const long left = ToCard(volume * std::min(1.0, 1 - sides), range);
+    const long right = ToCard(volume * std::min(1.0, 1 + sides), range);
+    const int error = snd_mixer_selem_set_capture_volume(element, kLeft, left);
+    TakeIn(error < 0 ? error : snd_mixer_selem_set_capture_volume(element, kRight, right));
   } else {
-    snd_mixer_selem_set_capture_volume_all(element, ToCard(volume, range));
+    TakeIn(snd_mixer_selem_set_capture_volume_all(element, ToCard(volume, range)));
   }
-  base::Ignored(Update());
-  Read();
 }
 
 void AlsaMixer::WriteSelected(std::size_t line, bool selected) {
   const auto [element, choice] = card_->Lines[line];
+  int error = 0;
   if (choice < 0) {
-    snd_mixer_selem_set_capture_switch_all(element, selected ? 1 : 0);
+    error = snd_mixer_selem_set_capture_switch_all(element, selected ? 1 : 0);
   } else if (selected) {
-    for (int channel = 0; channel <= SND_MIXER_SCHN_LAST; ++channel) {
+    for (int channel = 0; channel <= SND_MIXER_SCHN_LAST && error >= 0; ++channel) {
       const auto id = static_cast<snd_mixer_selem_channel_id_t>(channel);
-      if (snd_mixer_selem_set_enum_item(element, id, static_cast<unsigned>(choice)) < 0) break;
+      error = snd_mixer_selem_set_enum_item(element, id, static_cast<unsigned>(choice));
     }
   }
-  base::Ignored(Update());
+  TakeIn(error);
+}
+
+/// Reads how things stand after a write. A card that the write found gone is looked for as one that was unplugged.
+void AlsaMixer::TakeIn(int error) {
+  if (error == -ENODEV) {
+    card_.reset();
+    retryAt_ = std::chrono::steady_clock::now() + kRetryInterval;
+  } else {
+    base::Ignored(Update());
+  }
   Read();
 }
 

@@ -12,12 +12,12 @@
 
 namespace kestrune::platform {
 
-/// The capture controls of the card behind an ALSA device.
+/// The capture controls of the card that an ALSA device belongs to.
 ///
 /// 1. A line is a control with a capture volume or a capture switch, or one choice of a control that chooses
 ///    between sources.
-/// 2. A line without a capture switch is none that can be selected: it is always recorded.
-/// 3. A card that is unplugged takes its lines along; it is looked for each second.
+/// 2. A line without a capture switch cannot be selected: it is always recorded.
+/// 3. When a card is unplugged its lines are gone, also if a write is what finds out; the card is looked for each second.
 class AlsaMixer final : public LineMixer {
  public:
   AlsaMixer();
@@ -28,7 +28,7 @@ class AlsaMixer final : public LineMixer {
   void Close() override;
   [[nodiscard]] bool Update() override;
 
-  /// Names under which the card of a PCM may be controlled, the likeliest first.
+  /// Names under which the card of a PCM may be controlled, the most likely one first.
   [[nodiscard]] static std::vector<std::string> CardNames(const std::string& device);
 
  private:
@@ -38,6 +38,7 @@ class AlsaMixer final : public LineMixer {
   void WriteBalance(std::size_t line, std::int16_t balance) override;
   void WriteSelected(std::size_t line, bool selected) override;
   void WriteSides(std::size_t line, std::int32_t volume, std::int16_t balance);
+  void TakeIn(int error);
   [[nodiscard]] bool Attach();
   void Read();
 
@@ -45,7 +46,7 @@ class AlsaMixer final : public LineMixer {
   std::string device_;
   bool open_ = false;
   std::chrono::steady_clock::time_point retryAt_;
-  std::map<std::string, std::int16_t> balances_;  // silence has none, so the last one is kept through it
+  std::map<std::string, std::int16_t> balances_;  // silence has no balance, so the last one is kept
 };
 
 }  // namespace kestrune::platform

@@ -139,6 +139,31 @@ TEST_F(AlsaCardTest, OfASourcesChoicesOneIsSelected) {
   EXPECT_TRUE(Line(cd).Selected()) << "the card keeps one";
 }
 
+TEST_F(AlsaCardTest, ACardUnpluggedDuringAWriteTakesItsLinesAlongAndIsLookedForAgain) {
+  const std::int16_t mic = Named("Mic");
+  WantVolume = false;
+  const std::int16_t cd = Named("CD");
+  for (const bool volume : {true, false}) {
+    {
+      const test::ScopedVariables unplugged{{{"KESTRUNE_TEST_CARD_UNPLUGGED", "1"}}};
+      if (volume) {
+        Line(mic).SetVolume(0);
+      } else {
+        Line(cd).SetSelected(true);
+      }
+      EXPECT_EQ(Mixer->LineCount(), -1);
+      EXPECT_FALSE(Mixer->Update());
+    }
+    const auto end = std::chrono::steady_clock::now() + milliseconds(5000);
+    bool back = false;
+    while (!back && std::chrono::steady_clock::now() < end) {
+      std::this_thread::sleep_for(milliseconds(20));
+      back = Mixer->Update() && Mixer->LineCount() == 4;
+    }
+    EXPECT_TRUE(back);
+  }
+}
+
 TEST_F(AlsaCardTest, AClosedMixerReadsNothing) {
   Mixer->Close();
   EXPECT_EQ(Mixer->LineCount(), -1);

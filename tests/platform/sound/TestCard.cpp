@@ -1,8 +1,10 @@
 // A sound card that is a few variables, as a plugin of libasound: a stereo capture volume of 32 steps with a switch a
 // side, a mono microphone, a volume of playback, and a control that chooses between three sources.
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include <alsa/asoundlib.h>
@@ -87,7 +89,13 @@ int ReadInteger(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* value) {
   return 0;
 }
 
+/// A test unplugs the card by a variable of the environment.
+bool Unplugged() {
+  return std::getenv("KESTRUNE_TEST_CARD_UNPLUGGED") != nullptr;
+}
+
 int WriteInteger(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* value) {
+  if (Unplugged()) return -ENODEV;
   std::memcpy(CardOf(ext).Values.at(key).data(), value, kControls.at(key).Channels * sizeof(long));
   return 1;
 }
@@ -98,6 +106,7 @@ int ReadEnumerated(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, unsigned* items) {
 }
 
 int WriteEnumerated(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, unsigned* items) {
+  if (Unplugged()) return -ENODEV;
   CardOf(ext).Values.at(key)[0] = *items;
   return 1;
 }
@@ -132,6 +141,7 @@ SND_CTL_PLUGIN_DEFINE_FUNC(kestrunetest);
 SND_CTL_PLUGIN_DEFINE_FUNC(kestrunetest) {
   static_cast<void>(root);
   static_cast<void>(conf);
+  if (Unplugged()) return -ENODEV;
   static const snd_ctl_ext_callback_t kCallbacks = Callbacks();
   auto* card = new Card;
   card->Ext.version = SND_CTL_EXT_VERSION;
