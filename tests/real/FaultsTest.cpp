@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -146,6 +147,87 @@ TEST_F(Faults, ASoundServerThatComesBackIsRecordedAgainAndItsGapCounted) {
   const Decoded last = DecodeWithFfmpeg(files.back());
   const std::vector<double> heard = TonesOver(last.Mono(), last.Rate, std::vector<double>{kTone});
   EXPECT_GT(std::count(heard.begin(), heard.end(), kTone), static_cast<int>((kSongSeconds - 2) * 10));
+}
+
+/// A sound server that plays a tone, with a unit that records from it.
+class SoundServerFaults : public Faults {
+ protected:
+  void SetUp() override {
+    if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
+    ASSERT_TRUE(pulse_.Start());
+    ASSERT_EQ(RunToEnd({"sox",
+                        {"-n", "-r", "44100", "-c", "2", "-b", "16", "-e", "signed", "-t", "raw", tone_,
+                         "synth", "300", "sine", "480", "gain", "-6"},
+                        {}})
+                  .Exit,
+              0);
+    player_ = pulse_.Play(tone_);
+    const auto variables = pulse_.Environment();
+    setup_.Audio = "pulse";
+    setup_.Environment = {variables.begin(), variables.end()};
+  }
+
+  /// Records from the device of that number and waits for the middle of a song.
+  void Record(const std::string& device) {
+    setup_.Settings["InputDevice"] = device;
+    unit_.emplace(folder_ / "profile", setup_);
+    unit_->Start();
+    ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
+    ASSERT_EQ(unit_->Ctl({"record"}).Exit, 0);
+    ASSERT_TRUE(WaitForMidSong(*unit_));
+  }
+  [[nodiscard]] std::int64_t Lost() const { return unit_->Status().value("samplesLost", std::int64_t{-1}); }
+
+  // The monitors, by description: this one and "Radio"; the mapper comes after them.
+  PrivatePulse pulse_{{"module-null-sink sink_name=odd sink_properties=device.description=50%#0%Line#1%"}};
+  // The receiver plays no sound here, as its player would go down with the server.
+  Receiver radio_{folder_ / "radio", RadioSetup()};
+  Unit::Setup setup_ = UnitSetup(radio_);
+  std::string tone_ = folder_ / "tone.raw";
+  ChildProcess player_;
+  std::optional<Unit> unit_;
+};
+
+TEST_F(SoundServerFaults, TheMapperRecordsTheSongThatBeganWithoutASoundServer) {
+  Record("2");
+  EXPECT_EQ(unit_->Status().value("inputDevice", ""), "Sound Mapper");
+  const std::int64_t lostBefore = Lost();
+  pulse_.Kill();
+  EXPECT_TRUE(unit_->WaitForBoundary());
+  ASSERT_TRUE(pulse_.Start());
+  player_ = pulse_.Play(tone_);
+  const auto length = [this] { return unit_->Status().value("captureLengthMs", 0); };
+  EXPECT_TRUE(WaitUntil(4s, [&] { return length() > 500; })) << "the song in hand has sound again";
+  EXPECT_GT(Lost(), lostBefore);
+  EXPECT_TRUE(WaitForSongs(*unit_, unit_->RecordedCount() + 2));
+  EXPECT_EQ(unit_->LogText().find("recording input"), std::string::npos);
+  EXPECT_EQ(unit_->Quit(), 0);
+}
+
+TEST_F(SoundServerFaults, AServerThatAnswersNothingStopsNoTick) {
+  Record("2");
+  const std::int64_t lostBefore = Lost();
+  pulse_.Halt();
+  for (int cut = 0; cut < 2; ++cut) {
+    EXPECT_TRUE(unit_->WaitForBoundary());
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_TRUE(unit_->Status().is_object());
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, 2s);
+  }
+  EXPECT_GT(Lost(), lostBefore + 44100);
+  pulse_.Continue();
+  EXPECT_TRUE(WaitForSongs(*unit_, unit_->RecordedCount() + 2));
+  EXPECT_EQ(unit_->Quit(), 0);
+}
+
+TEST_F(SoundServerFaults, ADeviceNamedWithTheMarksOfTheListTextIsTheOneChosen) {
+  Record("0");
+  EXPECT_EQ(unit_->Status().value("inputDevice", ""), "Monitor of 50%#0%Line#1%");
+  EXPECT_EQ(unit_->Ctl({"get", "InputDeviceId"}).Output, "odd.monitor\n");
+  EXPECT_EQ(unit_->Ctl({"set", "InputDevice", "1"}).Exit, 0);
+  EXPECT_EQ(unit_->Status().value("inputDevice", ""), "Monitor of Radio");
+  EXPECT_EQ(unit_->Ctl({"get", "InputDeviceId"}).Output, "radio.monitor\n");
+  EXPECT_EQ(unit_->Quit(), 0);
 }
 
 TEST_F(Faults, AFullDiskLosesSongsButNotTheOnesBehindIt) {
