@@ -10,13 +10,13 @@
 namespace kestrune::apps {
 
 struct SoundInput {
-  std::unique_ptr<platform::SoundSource> Source;  ///< null if the choice is none
-  std::unique_ptr<platform::Mixer> Mixer;         ///< the mixer that goes with it; null with the source
-  std::string Error;                              ///< then what is wrong with it, for people
+  std::unique_ptr<platform::SoundSource> Source;  ///< null if the choice is not valid
+  std::unique_ptr<platform::Mixer> Mixer;         ///< the mixer that goes with it; null if the source is
+  std::string Error;                              ///< why the choice is not valid, for people
 };
 
 /// Where sound comes from, by the text of the option --audio: "pulse", "alsa" or "pipe:PATH". An empty text
-/// takes a sound server if one answers, and ALSA if not; that look may take 5 s.
+/// takes a sound server if one answers, and ALSA if not; finding out may take 5 s.
 [[nodiscard]] SoundInput MakeSoundSource(std::string_view choice);
 
 }  // namespace kestrune::apps

@@ -5,12 +5,12 @@
 
 namespace kestrune::platform {
 
-/// The recording lines of a sound device: a cursor over them. The main thread calls.
+/// The recording lines of a sound device: a cursor over them. To be called on the main thread.
 ///
-/// 1. What is read is what the device has, not what was written: a device may round a volume, and may take the
-///    selection from other lines when one is given it.
+/// 1. What is read is what the device has, not what was written: a device may round a volume, and may deselect
+///    other lines when one is selected.
 /// 2. Reading never waits; Open and the writes wait a second at most.
-/// 3. Without a line, and on one that is not there, what is read is empty and a write does nothing.
+/// 3. If the current line does not exist, what is read is empty and a write does nothing.
 class Mixer {
  public:
   static constexpr std::int32_t kMaxVolume = 65535;
@@ -19,11 +19,11 @@ class Mixer {
 
   virtual ~Mixer() = default;
 
-  /// Turns to a recording device, by its id as AudioRecorder gives it; empty means the default one.
+  /// Opens the mixer of a recording device, by its AudioRecorder::DeviceId; empty means the default one.
   virtual void Open(const std::string& device) = 0;
   virtual void Close() = 0;
-  /// Takes in what was changed elsewhere, or by a device that came or went. True if anything may read otherwise
-  /// now, the lines themselves among it. To be called several times a second while open.
+  /// Takes in changes made elsewhere and devices that came or went. True if what is read may have changed, the number
+  /// of lines included. To be called several times a second while open.
   [[nodiscard]] virtual bool Update() = 0;
 
   /// The highest index of a line; -1 if there is none.

@@ -20,7 +20,7 @@ float Height(float amplitude) {
   return std::clamp(1 - 20 * std::log10(amplitude) / LevelMeter::kFloorDecibels, 0.0F, 1.0F);
 }
 
-/// In place, for a power of two.
+/// The Fourier transform, in place; the size must be a power of two.
 void Transform(std::span<std::complex<float>> values) {
   const std::size_t size = values.size();
   for (std::size_t i = 1, j = 0; i < size; ++i) {
@@ -57,7 +57,7 @@ void LevelMeter::Draw(std::span<const std::int16_t> samples, const platform::Pcm
   channelCount_ = format.Channels == 1 ? 1 : 2;
   samples = samples.first(samples.size() - samples.size() % channelCount_);
   ++draws_;
-  // The levels are those of the last tenth of a second; the wave is what was handed over.
+  // The levels are those of the last tenth of a second; the wave shows all samples.
   const std::size_t tenth = static_cast<std::size_t>(std::max(format.SampleRate, 10) / 10) * channelCount_;
   Measure(samples.last(std::min(tenth, samples.size())));
   if (type_ == VuType::Wave) DrawWave(samples);
@@ -135,7 +135,7 @@ void LevelMeter::DrawBands(std::span<const std::int16_t> samples, std::int32_t r
     for (std::size_t i = bin(from); i <= std::max(bin(from), bin(to) - 1); ++i) {
       strongest = std::max(strongest, std::abs(values.at(i)));
     }
-    // A sine of full scale gives a quarter of the window's length in its bin.
+    // A sine of full scale yields a quarter of the window's length in its bin.
     const float height = Height(strongest * 4 / static_cast<float>(kWindow));
     band = std::max(height, band - kBandFall);
     from = to;

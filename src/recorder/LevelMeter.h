@@ -9,18 +9,18 @@
 
 namespace kestrune::recorder {
 
-/// How AudioDisplay draws the sound; the button of the main window goes from one to the next.
+/// How AudioDisplay draws the sound; a button of the main window goes from one to the next.
 enum class VuType : std::uint8_t {
-  Bars,      ///< a bar a channel, with a mark at its recent peak
-  Needles,   ///< a needle a channel that moves as slowly as the ear judges loudness
-  Wave,      ///< the sound's shape
-  Spectrum,  ///< a bar a third of an octave
+  Bars,      ///< a bar for each channel, with a mark at its recent peak
+  Needles,   ///< a needle for each channel that moves as slowly as the ear judges loudness
+  Wave,      ///< the waveform
+  Spectrum,  ///< a bar for each third of an octave
   History,   ///< the loudness of the last half minute
 };
 inline constexpr int kVuTypes = 5;
 
-/// What the level display shows, worked out from the newest samples ten times a second. All heights are 0 to
-/// 1; levels are decibels on that scale, from -60 dB to full scale.
+/// What the level display shows, computed from the newest samples ten times a second. All heights are from 0 to 1;
+/// levels are decibels on that scale, from -60 dB to full scale.
 class LevelMeter {
  public:
   static constexpr float kFloorDecibels = -60;
@@ -32,7 +32,7 @@ class LevelMeter {
   struct Channel {
     float Peak = 0;    ///< of the last tenth of a second
     float Hold = 0;    ///< the highest peak of the last 1.5 s, then falling
-    float Needle = 0;  ///< mean power, slowly followed
+    float Needle = 0;  ///< mean power, smoothed
     bool Clipped = false;
     int HoldSteps = 0;
   };
@@ -41,21 +41,21 @@ class LevelMeter {
     float High = 0;
   };
 
-  /// How many samples a Draw wants; 0 while nothing is displayed, and then nothing is drawn.
+  /// How many samples Draw takes; 0 while nothing is displayed, and then nothing is drawn.
   [[nodiscard]] std::int32_t SampleCount() const { return sampleCount_; }
   void SetSampleCount(std::int32_t count) { sampleCount_ = count; }
 
   [[nodiscard]] VuType Type() const { return type_; }
-  /// What only the new type shows begins empty.
+  /// The wave and the bands begin empty.
   void NextType();
 
   /// Takes the newest samples, interleaved; once every tenth of a second.
   void Draw(std::span<const std::int16_t> samples, const platform::PcmFormat& format);
-  /// Grows with each Draw, so that a window sees whether there is something new.
+  /// Increases with each Draw, so that a window knows whether there is something new.
   [[nodiscard]] std::uint32_t Draws() const { return draws_; }
 
-  // The levels and their history go on whatever the type; the wave and the bands are worked out only while
-  // they are shown, for they cost more than all the rest.
+  // The levels and their history are kept for every type; the wave and the bands are computed only while they are shown,
+  // as they cost more than all the rest.
 
   /// 1 or 2.
   [[nodiscard]] std::size_t ChannelCount() const { return channelCount_; }

@@ -10,7 +10,7 @@
 
 namespace kestrune::platform {
 
-/// One recording line, as it was read last.
+/// One recording line as last read.
 struct MixerLine {
   std::string Name;
   bool HasVolume = false;
@@ -21,8 +21,7 @@ struct MixerLine {
   bool Selected = false;
 };
 
-/// The cursor over lines that an adapter has read. The adapter writes one value, and sets the lines anew as they
-/// are then.
+/// The cursor over lines that an adapter has read. After each write the adapter reads the lines again and sets them.
 class LineMixer : public Mixer {
  public:
   [[nodiscard]] std::int16_t LineCount() const final;
@@ -43,7 +42,7 @@ class LineMixer : public Mixer {
  protected:
   void SetLines(std::vector<MixerLine> lines) { lines_ = std::move(lines); }
 
-  // Called for lines that have the property, with values in range.
+  // Called only for lines that have the property, with values in range.
   virtual void WriteVolume(std::size_t line, std::int32_t volume) = 0;
   virtual void WriteBalance(std::size_t line, std::int16_t balance) = 0;
   virtual void WriteSelected(std::size_t line, bool selected) = 0;

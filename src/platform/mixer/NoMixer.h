@@ -8,7 +8,7 @@
 
 namespace kestrune::platform {
 
-/// The mixer of sound that comes from no card: it has no lines.
+/// The mixer for sound that does not come from a card: it has no lines.
 class NoMixer final : public LineMixer {
  public:
   void Open(const std::string& /*device*/) override {}

@@ -14,7 +14,7 @@
 namespace kestrune::platform {
 namespace {
 
-/// A louder volume than the unchanged one is shown as that one.
+/// An amplified volume is shown as the unamplified one.
 std::int32_t FromServer(pa_volume_t volume) {
   const double part = static_cast<double>(volume) / PA_VOLUME_NORM;
   return static_cast<std::int32_t>(std::lround(std::min(part, 1.0) * Mixer::kMaxVolume));

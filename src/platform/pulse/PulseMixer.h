@@ -14,10 +14,10 @@ class PulseSourceControl;
 /// The recording lines of a source of a PulseAudio server, or of one that speaks its protocol.
 ///
 /// 1. The lines are the source's ports; a source without ports is one line itself.
-/// 2. The server knows one volume a source, that of the active port: only this line has volume and balance.
+/// 2. The server keeps one volume for each source, that of the active port: only this line has volume and balance.
 /// 3. The selected line is the active port of a source that is not muted. Selecting a line makes its port the
 ///    active one and ends the mute; taking the selection away mutes the source.
-/// 4. The server has its say within a second, and if it goes away, so do the lines until it is back.
+/// 4. A call waits a second at most for the server. While the server is gone there are no lines.
 class PulseMixer final : public LineMixer {
  public:
   /// Talks to the server of that address, in the form of the variable PULSE_SERVER; an empty one leaves the
@@ -37,7 +37,7 @@ class PulseMixer final : public LineMixer {
   void Read();
 
   std::unique_ptr<PulseSourceControl> source_;
-  float balance_ = 0;  // -1 left, 1 right; silence has none, so the last one is kept through it
+  float balance_ = 0;  // -1 left, 1 right; silence has no balance, so the last one is kept
 };
 
 }  // namespace kestrune::platform

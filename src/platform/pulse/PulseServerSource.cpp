@@ -62,7 +62,7 @@ class PulseServerSource::Connection {
 
   [[nodiscard]] const std::optional<PulseSourceState>& State() const { return state_; }
 
-  /// Asks the server for something, and then how things stand.
+  /// Asks the server to change something, and then for the state that results.
   template <typename Ask>
   void Set(const Ask& ask) {
     if (!Ready()) return;
@@ -111,7 +111,7 @@ class PulseServerSource::Connection {
         },
         this);
     const char* address = server_.empty() ? nullptr : server_.c_str();
-    // A refusal at once leaves a context that is gone, as a late one does.
+    // An immediate refusal leaves a failed context, as a late one does.
     pa_context_connect(context_, address, PA_CONTEXT_NOAUTOSPAWN, nullptr);
   }
 
@@ -140,7 +140,7 @@ class PulseServerSource::Connection {
     }
   }
 
-  /// One question at a time: what changes while an answer is on its way is asked for again behind it.
+  /// One question at a time: if something changes before the answer has come, the question is asked again after it.
   void Query() {
     if (querying_) {
       again_ = true;
@@ -157,7 +157,7 @@ class PulseServerSource::Connection {
     pa_operation_unref(operation);
   }
 
-  /// Comes with the source, and without it for the end of the list, or at once if there is no such source.
+  /// Called with the source, and then without one at the end of the list; only the latter if there is no such source.
   void OnSource(const pa_source_info* info) {
     if (info != nullptr) {
       heard_ = StateOf(*info);

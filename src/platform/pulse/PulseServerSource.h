@@ -8,8 +8,8 @@
 
 namespace kestrune::platform {
 
-/// A source of a running server. It has no thread: the server is heard in Update and in the waits, which take a
-/// second at most. A server that is not there is tried again each second; none is ever started.
+/// A source of a running server. It has no thread: messages of the server are handled in Update and during the waits,
+/// which take a second at most. A server that is not there is tried again each second; none is ever started.
 class PulseServerSource final : public PulseSourceControl {
  public:
   /// The address as in the variable PULSE_SERVER; empty leaves the choice to the user's configuration.

@@ -14,7 +14,7 @@ struct PulsePort {
   std::string Description;  ///< for people
 };
 
-/// A source of the server, as it was heard last.
+/// A source of the server, in the state that the server reported last.
 struct PulseSourceState {
   std::string Description;
   std::vector<PulsePort> Ports;
@@ -32,12 +32,12 @@ class PulseSourceControl {
   /// By the server's name; empty means the server's default source.
   virtual void Open(const std::string& source) = 0;
   virtual void Close() = 0;
-  /// Serves what the server has told; true if the state may be another now. Does not wait.
+  /// Handles what the server has sent; true if the state may have changed. Does not wait.
   [[nodiscard]] virtual bool Update() = 0;
   /// Nothing while there is no such source.
   [[nodiscard]] virtual const std::optional<PulseSourceState>& State() const = 0;
 
-  // Each waits for the server, and for the state that follows.
+  // Each waits for the server to do it, and for the state that results.
   virtual void SetPort(const std::string& name) = 0;
   virtual void SetVolume(const pa_cvolume& volume) = 0;
   virtual void SetMute(bool muted) = 0;
