@@ -10,6 +10,7 @@
 
 #include "control/ConsoleText.h"
 #include "control/LongOptions.h"
+#include "recorder/SlashOptions.h"
 
 namespace kestrune::control {
 namespace {
@@ -85,6 +86,10 @@ CommandLine ParseCommandLine(std::span<const std::string> arguments) {
   for (const std::string& word : read.Rest) {
     if (!line.RemainingText.empty()) line.RemainingText += ' ';
     line.RemainingText += word;
+  }
+  // The option's unit is missing, and the next option took its place. No file could have "/" in its name.
+  if (line.Error.empty() && recorder::MultiUnitOf(line.RemainingText) == "/") {
+    line.Error = "/multi takes a unit of one character, which cannot be \"/\"";
   }
   return line;
 }

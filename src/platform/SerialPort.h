@@ -5,16 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include "base/Result.h"
+
 namespace kestrune::platform {
 
 /// A serial line, used by the radio session from the main thread.
 ///
 /// 1. Settings are taken over by the next Open; setting them on an open port changes only the threshold.
 /// 2. The receive handler runs from the event loop, never from within a call of this interface, whenever at
-/// least
-///    the threshold of bytes is waiting to be read.
-/// 3. A line that dies (unplugged, the other end closed) reads as closed from then on; writes to it are
-/// dropped.
+///    least the threshold of bytes is waiting to be read.
+/// 3. A line that dies (unplugged, the other end closed) reads as closed from then on; writes to it are dropped.
+/// 4. A line that cannot take bytes for a while stays open. What was written waits and goes out in its order.
 class SerialPort {
  public:
   virtual ~SerialPort() = default;
@@ -26,9 +27,10 @@ class SerialPort {
   /// Bytes that trigger the receive handler, at least 1.
   virtual void SetReceiveThreshold(int bytes) = 0;
 
-  /// Empty on success, else a text for the user: what failed, and what to do about it (the group to join, the
-  /// process that holds the device).
-  [[nodiscard]] virtual std::string Open() = 0;
+  /// Whether there is a device behind the number set last; it may be one that cannot be opened.
+  [[nodiscard]] virtual bool Exists() const = 0;
+  /// The cause says what to do about a failure: the group to join, the process that holds the device.
+  virtual base::Result Open() = 0;
   virtual void Close() = 0;
   [[nodiscard]] virtual bool IsOpen() const = 0;
 
@@ -37,7 +39,8 @@ class SerialPort {
 
   /// All that has been received and not yet read; empty if nothing. Zero bytes are kept.
   [[nodiscard]] virtual std::string Input() = 0;
-  /// Queues the bytes for sending; false if the port is closed or has died.
+  /// Queues the bytes for sending. False, and nothing queued, if the port is closed or has died, or if more than
+  /// a few kilobytes wait already.
   [[nodiscard]] virtual bool Output(std::string_view bytes) = 0;
 
   virtual void SetReceiveHandler(std::function<void()> handler) = 0;

@@ -33,6 +33,7 @@ Kestrune::Kestrune(const Outside& outside)
                                        })),
       log_(outside.Files, outside.Environment, outside.Loop),
       session_(outside.pcrComm, outside.Loop, state_.Run, log_),
+      bringUp_(session_, outside.Loop, state_.Run, log_),
       channels_(state_.Radio, state_.Run, session_, outside.Files, outside.Loop, log_, *this),
       restrictions_(outside.Files, outside.Environment, log_),
       restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs, log_),

@@ -22,6 +22,7 @@
 #include "presenters/Scheduler.h"
 #include "radio/channels/Channels.h"
 #include "radio/channels/RadioState.h"
+#include "radio/line/BringUp.h"
 #include "radio/line/RadioSession.h"
 #include "recorder/AudioObjects.h"
 #include "recorder/Capture.h"
@@ -92,6 +93,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] const config::UpdatingWindow& UpdatingWindow() const { return update_.Window(); }
   [[nodiscard]] const std::string& MultiUnit() const { return multiUnit_; }
   [[nodiscard]] std::int16_t PortNum() const { return state_.Settings.PortNum; }
+  /// Why the start found no radio, as base::Result has it; empty if it found one or has not looked.
+  [[nodiscard]] const std::string& WhyNoRadio() const { return whyNoRadio_; }
   /// Name of the device that the settings ask for, empty if it was not usable at the start.
   [[nodiscard]] const std::string& InputDeviceName() const { return inputDeviceName_; }
   /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
@@ -168,12 +171,9 @@ class Kestrune final : private radio::ChannelEvents {
   void ReadSettings();
   [[nodiscard]] bool FindInputDevices();
   [[nodiscard]] bool Agree();
-  [[nodiscard]] bool FindRadio();
-  void TryKnownPort();
-  void SearchPorts();
-  [[nodiscard]] StartOutcome ReportNoRadio();
+  [[nodiscard]] StartOutcome ReportNoRadio(const radio::RadioSearch& search);
   void FailToStart(const std::string& title, const std::string& text);
-  void ReadRadioID();
+  void ReadRadioID(std::int16_t port);
   void TuneStoredChannel();
   [[nodiscard]] bool FirstRun();
   void PrepareRecording();
@@ -210,6 +210,7 @@ class Kestrune final : private radio::ChannelEvents {
   InputDevices inputDevices_;
   std::string inputDeviceName_;
   std::int16_t forcedPort_ = 0;
+  std::string whyNoRadio_;
 
   std::unique_ptr<base::Timer> tmrUpdate_;
   std::unique_ptr<base::Timer> tmrClock_;
@@ -219,6 +220,7 @@ class Kestrune final : private radio::ChannelEvents {
   schedule::Log log_;
   AudioObjects audio_;
   radio::RadioSession session_;
+  radio::BringUp bringUp_;
   radio::Channels channels_;
   schedule::Restrictions restrictions_;
   presenters::RestrictListEditor restrictListEditor_;

@@ -1,18 +1,8 @@
 // The close of the run: two passes with two seconds between them, in which the radio and the line finish.
-#include <chrono>
-
 #include "base/Ignored.h"
 #include "recorder/Kestrune.h"
 
 namespace kestrune::recorder {
-namespace {
-
-using std::chrono::milliseconds;
-
-// A line that keeps sending must not hold up the end; the radio's own traffic stops within a second.
-constexpr int kDrainRounds = 50;
-
-}  // namespace
 
 void Kestrune::Close() {
   if (state_.Run.ShuttingDown) return;
@@ -61,7 +51,7 @@ void Kestrune::tmrQuit_Timer() {
     state_.Run.Quitting = false;
   }
   tmrUpdate_->SetEnabled(false);
-  channels_.SaveChannels();
+  channels_.SaveAtExit();
   capture_.RecordStop(0);
   capture_.RecordStop(1);
   log_.DoLog("Shutting Down");
@@ -75,10 +65,7 @@ void Kestrune::tmrQuit_Timer() {
 
 void Kestrune::DrainPort() {
   if (!session_.pcrPortOpen()) return;
-  for (int round = 0; round < kDrainRounds && !outside_.pcrComm.Input().empty(); ++round) {
-    outside_.Loop.Sleep(milliseconds(100));
-    outside_.Loop.PumpEvents();
-  }
+  session_.DrainInput();
   session_.SetPortOpen(false);
 }
 

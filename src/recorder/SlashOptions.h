@@ -7,10 +7,11 @@
 namespace kestrune::recorder {
 
 /// The slash options are searched without regard to case in the raw command line, at their first place. One
-/// character behind the option's name is stepped over whatever it is, so "/multi2" names no unit and
+/// character after the option's name is skipped, whatever it is, so "/multi2" names no unit and
 /// "/multi=2" names unit 2.
 
-/// The unit: the first character of what follows "/multi", blanks aside; empty for a single unit.
+/// The unit: the first character of what follows "/multi", blanks aside; empty for a single unit. It is "/" if
+/// another option follows at once, which the command line refuses.
 [[nodiscard]] std::string MultiUnitOf(std::string_view rawText);
 
 /// Whether "/debug" stands anywhere.
@@ -21,7 +22,7 @@ struct ForcedPort {
   std::int16_t Value = 0;  ///< 1 to 255, or 0 if the number was refused or is missing
 };
 
-/// The number that begins the three characters behind "/port", blanks in front of them aside.
+/// The number at the start of the three characters after "/port", leading blanks aside.
 [[nodiscard]] ForcedPort ForcedPortOf(std::string_view rawText);
 
 }  // namespace kestrune::recorder

@@ -1,6 +1,4 @@
 // The load sequence of the run, in its order.
-#include <chrono>
-
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
@@ -15,8 +13,6 @@
 
 namespace kestrune::recorder {
 namespace {
-
-using std::chrono::milliseconds;
 
 constexpr double kWantedTemporaryBytes = 2048000000.0;
 
@@ -46,10 +42,11 @@ StartOutcome Kestrune::Load() {
   radio::DisableSerialMouse(outside_.SerialEnumerator);
   tmrUpdate_->SetEnabled(true);
 
-  const bool found = FindRadio();
+  const radio::RadioSearch search =
+      bringUp_.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
-  if (!found) return ReportNoRadio();
-  ReadRadioID();
+  if (!search.Found()) return ReportNoRadio(search);
+  ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);
   base::Ignored(session_.pcrGetSignalLevels());
@@ -143,50 +140,15 @@ bool Kestrune::Agree() {
   return true;
 }
 
-bool Kestrune::FindRadio() {
-  if (forcedPort_ != 0) state_.Settings.PortNum = forcedPort_;
-  if (state_.Settings.PortNum != 0) TryKnownPort();
-  if (forcedPort_ == 0 && (!session_.pcrPortOpen() || state_.Settings.PortNum == 0)) SearchPorts();
-  return session_.pcrPortOpen();
-}
-
-void Kestrune::TryKnownPort() {
-  constexpr int kTries = 2;
-  log_.DebugPrint(fmt::format("Trying port {}", state_.Settings.PortNum));
-  for (int attempt = 1; attempt <= kTries; ++attempt) {
-    log_.DebugPrint(fmt::format("Try {}", attempt));
-    session_.SetCOMPort(state_.Settings.PortNum);
-    session_.SetPortOpen(true);
-    if (!session_.pcrPortOpen()) continue;
-    outside_.Loop.Sleep(milliseconds(1500));
-    outside_.Loop.PumpEvents();
-    if (state_.Run.ShuttingDown) return;
-    if (session_.pcrPowerOn(true)) {
-      forcedPort_ = state_.Settings.PortNum;
-      return;
-    }
-    if (state_.Run.ShuttingDown) return;
-  }
-  state_.Settings.PortNum = 0;
-  session_.SetPortOpen(false);
-}
-
-void Kestrune::SearchPorts() {
-  constexpr int kTries = 4;
-  for (int attempt = 1; attempt <= kTries && !state_.Run.ShuttingDown; ++attempt) {
-    log_.DebugPrint(fmt::format("Looking for port try {}", attempt));
-    session_.pcrFindPort();
-    if (session_.pcrPortOpen()) return;
-  }
-}
-
-StartOutcome Kestrune::ReportNoRadio() {
+StartOutcome Kestrune::ReportNoRadio(const radio::RadioSearch& search) {
+  whyNoRadio_ = search.AsResult().Cause();
   outside_.Windows.ClosePleaseWait();
   FailToStart(
       "Error connecting to radio",
       "An error has occurred attempting to connect to your satellite radio. Is it connected? Is it turned "
       "on? Do you have any other satellite radio applications running at the same time? Check the "
-      "connections and try again.");
+      "connections and try again." +
+          (search.AnyDevice() ? fmt::format("\n\nReason: {}.", whyNoRadio_) : std::string()));
   return StartOutcome::Failed;
 }
 
@@ -197,31 +159,20 @@ void Kestrune::FailToStart(const std::string& title, const std::string& text) {
   Close();
 }
 
-void Kestrune::ReadRadioID() {
-  constexpr int kTries = 10;
-  state_.Settings.PortNum = session_.pcrCOMPort();
+void Kestrune::ReadRadioID(std::int16_t port) {
+  state_.Settings.PortNum = port;
   outside_.Windows.ShowPort(state_.Settings.PortNum);
   log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();
-  for (int attempt = 0; attempt < kTries && !state_.Run.ShuttingDown; ++attempt) {
-    state_.Radio.RadioID = session_.pcrRadioID();
-    if (!state_.Radio.RadioID.empty()) break;
-    outside_.Loop.Sleep(milliseconds(200));
-    outside_.Loop.PumpEvents();
-  }
+  state_.Radio.RadioID = bringUp_.ReadRadioID();
   log_.DoLog("Radio ID " + state_.Radio.RadioID);
 }
 
 void Kestrune::TuneStoredChannel() {
-  constexpr int kRounds = 8;
-  base::Ignored(session_.pcrSelectChannel(state_.Radio.ChannelNumber));
+  // A radio that confirms nothing may have obeyed all the same.
+  base::Ignored(bringUp_.Tune(state_.Radio.ChannelNumber));
   state_.Recording.SongBoundarySeen = false;
-  base::Ignored(session_.pcrMute(false));
-  for (int round = 0; round < kRounds && !state_.Run.ShuttingDown; ++round) {
-    outside_.Loop.Sleep(milliseconds(500));
-    outside_.Windows.ShowMainWindowDisabled();
-    outside_.Loop.PumpEvents();
-  }
+  bringUp_.Settle([this] { outside_.Windows.ShowMainWindowDisabled(); });
 }
 
 bool Kestrune::FirstRun() {

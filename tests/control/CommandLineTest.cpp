@@ -43,6 +43,15 @@ TEST(CommandLine, ValuesStandInTheNextWordOrBehindAnEqualsSign) {
   EXPECT_EQ(Parse({"--profile=a=b"}).Chosen.Profile, "a=b");
 }
 
+TEST(CommandLine, AUnitThatWouldBeTheNextOptionsSlashIsRefused) {
+  EXPECT_THAT(Parse({"/multi", "/port", "1"}).Error, HasSubstr("/multi takes a unit"));
+  EXPECT_THAT(Parse({"/MULTI /debug"}).Error, HasSubstr("/multi takes a unit"));
+  EXPECT_THAT(Parse({"/multi", "/"}).Error, HasSubstr("/multi takes a unit"));
+  for (const char* const unit : {"1", "x", "\\", "."})
+    EXPECT_EQ(Parse({"/multi", unit, "/port", "1"}).Error, "");
+  EXPECT_EQ(Parse({"/port", "1", "/multi"}).Error, "") << "the option alone is a single unit";
+}
+
 TEST(CommandLine, PortDevicesAreGatheredByNumber) {
   const CommandLine line = Parse({"--port-device", "3=/dev/pts/4", "--port-device=16=/dev/x=y",
                                   "--port-device", "1=/dev/ttyUSB9", "--port-device", "3=/dev/pts/5"});

@@ -66,6 +66,12 @@ TEST_F(Starts, APortBeyondTheLastIsNamed) {
   EXPECT_THAT(outcome.Errors, HasSubstr("17=/dev/null"));
 }
 
+TEST_F(Starts, AMissingUnitIsNamedWithTheUsage) {
+  const Outcome outcome = RunKestrune({"/multi", "/port", "1"});
+  EXPECT_EQ(outcome.Exit, 2);
+  EXPECT_THAT(outcome.Errors, AllOf(HasSubstr("/multi takes a unit"), HasSubstr("usage: kestrune")));
+}
+
 TEST_F(Starts, HelpAndVersionAreNoFailure) {
   const Outcome help = RunKestrune({"--help"});
   EXPECT_EQ(help.Exit, 0);

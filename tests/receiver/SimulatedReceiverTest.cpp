@@ -24,7 +24,7 @@ class SimulatedReceiverTest : public ::testing::Test {
       Received += bytes;
     });
     Radio.SetCommPort(1);
-    ASSERT_EQ(Radio.Open(), "");
+    ASSERT_EQ(Radio.Open().Cause(), "");
   }
 
   SimulatedEventLoop Loop;
@@ -73,7 +73,7 @@ TEST_F(SimulatedReceiverTest, BytesArriveDuringASleepButTheHandlerWaitsForThePum
 TEST_F(SimulatedReceiverTest, OnlyItsPortHasADevice) {
   Radio.Close();
   Radio.SetCommPort(2);
-  EXPECT_NE(Radio.Open(), "");
+  EXPECT_NE(Radio.Open().Cause(), "");
   EXPECT_FALSE(Radio.IsOpen());
 }
 
@@ -86,9 +86,9 @@ TEST_F(SimulatedReceiverTest, AnUnpluggedLineReadsAsClosedAndDropsWrites) {
   const std::size_t before = Received.size();
   Loop.Run(seconds(1));
   EXPECT_EQ(Received.size(), before);
-  EXPECT_NE(Radio.Open(), "");
+  EXPECT_NE(Radio.Open().Cause(), "");
   Radio.Plug();
-  EXPECT_EQ(Radio.Open(), "");
+  EXPECT_EQ(Radio.Open().Cause(), "");
   EXPECT_EQ(Radio.Opens(), 2);
 }
 
@@ -119,7 +119,7 @@ TEST_F(SimulatedReceiverTest, AnHourOfPollingIsTheSameEachTime) {
     setup.Receiver.Misbehaviours = {{"lost", 0.1}, {"junk", 0.1}};
     SimulatedReceiver radio(loop, setup);
     radio.SetCommPort(1);
-    EXPECT_EQ(radio.Open(), "");
+    EXPECT_EQ(radio.Open().Cause(), "");
     std::string received;
     radio.SetReceiveHandler([&] { received += radio.Input(); });
     const auto timer = loop.MakeTimer(milliseconds(200), [&] {
@@ -139,7 +139,7 @@ TEST(SimulatedReceiverLife, MayGoAwayWhileBytesAreUnderWay) {
   {
     SimulatedReceiver radio(loop);
     radio.SetCommPort(1);
-    ASSERT_EQ(radio.Open(), "");
+    ASSERT_EQ(radio.Open().Cause(), "");
     ASSERT_TRUE(radio.Output(kIdentifier));
     loop.Run(milliseconds(40));
   }

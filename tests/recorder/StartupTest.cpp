@@ -25,10 +25,12 @@ class CalledWindows final : public recorder::Windows {
   void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
   void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
   void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
+  void ShowMainWindowDisabled() override { ++ShownDisabled; }
   void EnableMainWindow() override { Calls.emplace_back("enable"); }
   void ShowRememberedWindows() override { Calls.emplace_back("remembered windows"); }
   void ShowWaitCursor(bool wait) override { Calls.emplace_back(wait ? "wait cursor" : "normal cursor"); }
   std::vector<std::string> Calls;
+  int ShownDisabled = 0;
 };
 
 class StartupTest : public ::testing::Test {
@@ -178,7 +180,7 @@ TEST_F(StartupTest, WithoutARadioTheUserIsToldAndTheProgramCloses) {
             "turned on? "
             "Do you have any other satellite radio applications running at the same time? Check the "
             "connections and "
-            "try again.");
+            "try again.\n\nReason: port 1 opens, but no radio answers there.");
   EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
   EXPECT_TRUE(rig.Logged("Shutting Down"));
   EXPECT_THAT(rig.Recordings(), IsEmpty());
@@ -219,11 +221,96 @@ TEST_F(StartupTest, ARefusedPortIsLoggedAsZeroAndTheStoredOneIsUsed) {
   EXPECT_EQ(rig->PortNum(), 1);
 }
 
-TEST_F(StartupTest, AForcedPortWithoutARadioIsNotSearchedFurther) {
-  // The option stays in force, and with it nothing but that port.
+TEST_F(StartupTest, AForcedPortWithoutARadioFallsBackToTheSearch) {
+  rig.Set("PortNum", "5");
+  rig.Radio.SittingOnPort = 2;
   rig.Environment.Command = "/port 5";
+  rig.Start();
+  EXPECT_EQ(rig->PortNum(), 2);
+}
+
+TEST_F(StartupTest, AStartWithoutARadioLeavesTheStoredPortAsItWas) {
+  rig.Set("PortNum", "3");
+  rig.Radio.SittingOnPort = 0;
   rig.Start(StartOutcome::Failed);
-  EXPECT_THAT(rig.Radio.Commands, IsEmpty());
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+  EXPECT_EQ(rig.Setting("PortNum"), "3");
+}
+
+TEST_F(StartupTest, AStartWithoutARadioLeavesTheStoredPortAsItWasThoughAnotherOneWasForced) {
+  rig.Set("PortNum", "3");
+  rig.Environment.Command = "/port 7";
+  rig.Radio.SittingOnPort = 0;
+  rig.Start(StartOutcome::Failed);
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+  EXPECT_EQ(rig.Setting("PortNum"), "3");
+}
+
+constexpr const char* kChannelList = "/home/user/Application Data/Kestrune/ChannelList.txt";
+constexpr const char* kSavedList = "44\tHarbour\t\t\tRock\n51\tFred\t\t\tAlternative\n";
+
+TEST_F(StartupTest, AStartWithoutARadioLeavesTheChannelListAsItWas) {
+  rig.Files.MakeFolders("/home/user/Application Data/Kestrune");
+  rig.Files.Put(kChannelList, kSavedList);
+  rig.Radio.SittingOnPort = 0;
+  rig.Start(StartOutcome::Failed);
+  EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 20s));
+  EXPECT_EQ(rig.Files.Text(kChannelList), kSavedList);
+}
+
+TEST_F(StartupTest, ACloseDuringTheWalkLeavesTheChannelListAsItWas) {
+  rig.Files.MakeFolders("/home/user/Application Data/Kestrune");
+  rig.Files.Put(kChannelList, kSavedList);
+  rig.Start();
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->ChannelList().Table().ChannelCount() > 4; }, 20s));
+  rig.CloseAndWait();
+  EXPECT_EQ(rig.Files.Text(kChannelList), kSavedList);
+}
+
+TEST_F(StartupTest, ACloseDuringTheFirstWalkKeepsNoPartOfTheList) {
+  rig.Start();
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->ChannelList().Table().ChannelCount() > 4; }, 20s));
+  rig.CloseAndWait();
+  EXPECT_FALSE(rig.Files.Exists(kChannelList));
+}
+
+TEST_F(StartupTest, WhyADeviceCannotBeOpenedIsNotHiddenByThePortsAfterIt) {
+  rig.Radio.SittingOnPort = 4;
+  rig.Radio.Answers = false;
+  rig.Radio.Obstacles = {{3, "/dev/ttyUSB2 is in use by gpsd (process 7); close that program first"}};
+  rig.Start(StartOutcome::Failed);
+  EXPECT_EQ(rig->WhyNoRadio(), "/dev/ttyUSB2 is in use by gpsd (process 7); close that program first");
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_THAT(
+      rig.Dialogs.Shown[0].Text,
+      ::testing::EndsWith("and try again.\n\nReason: /dev/ttyUSB2 is in use by gpsd (process 7); close "
+                          "that program first."));
+  EXPECT_THAT(rig.LogTexts(), ::testing::IsSupersetOf(
+                                  {std::string("No radio on port 3: /dev/ttyUSB2 is in use by gpsd (process "
+                                               "7); close that program first"),
+                                   std::string("No radio on port 4: the port opens, but no radio answers")}));
+}
+
+TEST_F(StartupTest, WithoutAnySerialDeviceTheMessageGivesNoReason) {
+  rig.Radio.SittingOnPort = 0;
+  rig.Start(StartOutcome::Failed);
+  EXPECT_EQ(rig->WhyNoRadio(), "there is no serial device; is the radio plugged in?");
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_THAT(rig.Dialogs.Shown[0].Text, ::testing::EndsWith("Check the connections and try again."));
+  EXPECT_FALSE(rig.Logged("No radio on port"));
+}
+
+TEST_F(StartupTest, MiceOnSerialLinesAreDisabledBeforeTheRadioIsSought) {
+  rig.SerialEnumerator.Answer = "ACPI mouse: 1 matching device";
+  rig.SerialEnumerator.WhenDisabled = [&] { EXPECT_THAT(rig.Radio.Commands, IsEmpty()); };
+  rig.Start();
+  EXPECT_EQ(rig.SerialEnumerator.Disabled, 1);
+}
+
+TEST_F(StartupTest, TheMainWindowIsShownEachHalfSecondWhileTheRadioSettles) {
+  rig.MeetWindows(windows);
+  rig.Start();
+  EXPECT_EQ(windows.ShownDisabled, 1 + 8);
 }
 
 TEST_F(StartupTest, AnEmptyIdentifierIsLoggedAndAccepted) {

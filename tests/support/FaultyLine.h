@@ -35,7 +35,8 @@ class FaultyLine final : public platform::SerialPort {
   void SetCommPort(std::int16_t number) override { honest_.SetCommPort(number); }
   void SetSettings(std::string_view settings) override { honest_.SetSettings(settings); }
   void SetReceiveThreshold(int bytes) override { honest_.SetReceiveThreshold(bytes); }
-  [[nodiscard]] std::string Open() override { return honest_.Open(); }
+  [[nodiscard]] bool Exists() const override { return honest_.Exists(); }
+  base::Result Open() override { return honest_.Open(); }
   void Close() override { honest_.Close(); }
   [[nodiscard]] bool IsOpen() const override { return honest_.IsOpen(); }
   void SetDataTerminalReady(bool on) override { honest_.SetDataTerminalReady(on); }

@@ -49,14 +49,19 @@ void ScriptedSerialPort::SetReceiveThreshold(int bytes) {
   threshold_ = static_cast<std::size_t>(bytes);
 }
 
-std::string ScriptedSerialPort::Open() {
-  calls_.emplace_back("Open");
+std::string ScriptedSerialPort::Refusal() const {
   auto refusal = refusals_.find(commPort_);
   if (refusal == refusals_.end()) refusal = refusals_.find(0);
-  if (refusal != refusals_.end() && !refusal->second.empty()) return refusal->second;
+  return refusal == refusals_.end() ? std::string() : refusal->second;
+}
+
+base::Result ScriptedSerialPort::Open() {
+  calls_.emplace_back("Open");
+  if (const std::string refusal = Refusal(); !refusal.empty()) return base::Result::Failed(refusal);
   open_ = true;
   openedPort_ = commPort_;
-  return {};
+  waiting_ = greeting_;
+  return base::Result::Done();
 }
 
 void ScriptedSerialPort::Close() {

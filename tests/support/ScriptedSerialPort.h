@@ -5,6 +5,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,13 @@ class ScriptedSerialPort final : public platform::SerialPort {
   /// Opening this port fails with the text; 0 means every port that is not told otherwise. An empty text lets
   /// it open again.
   void Refuse(std::int16_t port, std::string text) { refusals_[port] = std::move(text); }
+  /// The same, and there is no device at all.
+  void Remove(std::int16_t port, std::string text) {
+    refusals_[port] = std::move(text);
+    absent_.insert(port);
+  }
+  /// These bytes wait to be read whenever a port has been opened.
+  void GreetWith(std::string bytes) { greeting_ = std::move(bytes); }
   /// The line goes dead while it is open.
   void Die();
 
@@ -62,7 +70,10 @@ class ScriptedSerialPort final : public platform::SerialPort {
   void SetCommPort(std::int16_t number) override;
   void SetSettings(std::string_view settings) override;
   void SetReceiveThreshold(int bytes) override;
-  [[nodiscard]] std::string Open() override;
+  [[nodiscard]] bool Exists() const override {
+    return !absent_.contains(refusals_.contains(commPort_) ? commPort_ : std::int16_t{0});
+  }
+  base::Result Open() override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool on) override;
@@ -80,9 +91,12 @@ class ScriptedSerialPort final : public platform::SerialPort {
     int Times;
   };
 
+  [[nodiscard]] std::string Refusal() const;
+
   SimulatedEventLoop& loop_;
   std::function<void()> handler_;
   std::map<std::int16_t, std::string> refusals_;
+  std::set<std::int16_t> absent_;
   std::vector<Rule> rules_;
   std::vector<Written> writes_;
   std::size_t taken_ = 0;
@@ -96,6 +110,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   bool requestToSend_ = false;
   bool notified_ = false;  // a notification is on its way
   std::string waiting_;
+  std::string greeting_;
 };
 
 }  // namespace kestrune::test

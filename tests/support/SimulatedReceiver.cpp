@@ -40,11 +40,11 @@ void SimulatedReceiver::SetReceiveThreshold(int bytes) {
   NotifyIfEnough();
 }
 
-std::string SimulatedReceiver::Open() {
-  if (!plugged_ || port_ != setup_.Port) return "There is no such device.";
+base::Result SimulatedReceiver::Open() {
+  if (!Exists()) return base::Result::Failed("there is no such device");
   open_ = true;
   ++opens_;
-  return {};
+  return base::Result::Done();
 }
 
 void SimulatedReceiver::Close() {

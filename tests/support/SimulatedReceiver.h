@@ -59,7 +59,8 @@ class SimulatedReceiver final : public platform::SerialPort {
   void SetCommPort(std::int16_t number) override { port_ = number; }
   void SetSettings(std::string_view settings) override { settings_ = settings; }
   void SetReceiveThreshold(int bytes) override;
-  [[nodiscard]] std::string Open() override;
+  [[nodiscard]] bool Exists() const override { return plugged_ && port_ == setup_.Port; }
+  base::Result Open() override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool on) override { dataTerminalReady_ = on; }

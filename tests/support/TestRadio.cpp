@@ -32,10 +32,13 @@ void TestRadio::Play(int channel, std::string artist, std::string song) {
   Channels[channel].Song = std::move(song);
 }
 
-std::string TestRadio::Open() {
-  if (port_ != SittingOnPort) return fmt::format("Port {} does not exist.", port_);
+base::Result TestRadio::Open() {
+  if (const auto obstacle = Obstacles.find(port_); obstacle != Obstacles.end()) {
+    return base::Result::Failed(obstacle->second);
+  }
+  if (port_ != SittingOnPort) return base::Result::Failed(fmt::format("there is no port {}", port_));
   open_ = true;
-  return {};
+  return base::Result::Done();
 }
 
 std::string TestRadio::Input() {

@@ -23,13 +23,15 @@ class TestRadio final : public platform::SerialPort {
     std::string Song;
   };
 
-  /// Sits on port 1; the other ports cannot be opened.
+  /// Sits on port 1; the other ports have no device.
   explicit TestRadio(SimulatedEventLoop& loop);
 
   // What the test does with it. Channels are answered in rising order.
   std::map<int, Playing> Channels;
   void Play(int channel, std::string artist, std::string song);
-  std::int16_t SittingOnPort = 1;
+  std::int16_t SittingOnPort = 1;  ///< 0: nowhere
+  /// Devices that cannot be opened, by their ports, each with the cause.
+  std::map<std::int16_t, std::string> Obstacles;
   bool Answers = true;    ///< false: nothing comes back
   bool PoweredOn = true;  ///< false: everything but power on is refused
   bool RefusesTuning = false;
@@ -46,7 +48,8 @@ class TestRadio final : public platform::SerialPort {
   void SetCommPort(std::int16_t number) override { port_ = number; }
   void SetSettings(std::string_view /*settings*/) override {}
   void SetReceiveThreshold(int bytes) override { threshold_ = bytes; }
-  [[nodiscard]] std::string Open() override;
+  [[nodiscard]] bool Exists() const override { return port_ == SittingOnPort || Obstacles.contains(port_); }
+  base::Result Open() override;
   void Close() override { open_ = false; }
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool /*on*/) override {}

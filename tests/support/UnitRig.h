@@ -10,6 +10,7 @@
 #include "recorder/Kestrune.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeProcesses.h"
+#include "support/FakeSerialEnumerator.h"
 #include "support/FakeSleepInhibitor.h"
 #include "support/FakeWeb.h"
 #include "support/MemoryFiles.h"
@@ -111,7 +112,7 @@ class UnitRig {
   ScriptedDialogs Dialogs;
   CountedSounds Sounds;
   recorder::Windows Windows;
-  platform::SerialEnumerator SerialEnumerator;
+  FakeSerialEnumerator SerialEnumerator;
   FakeWeb Web;
   FakeProcesses Processes;
   FakeSleepInhibitor SleepInhibitor;

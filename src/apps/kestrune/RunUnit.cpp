@@ -136,7 +136,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
     switch (unit.Load()) {
       case recorder::StartOutcome::Failed:
         status = kFailed;
-        if (!unit.Session().pcrLastError().empty()) Say(unit.Session().pcrLastError());
+        if (!unit.WhyNoRadio().empty()) Say(unit.WhyNoRadio());
         break;
       case recorder::StartOutcome::NotAgreed:
         QCoreApplication::exit(kFailed);

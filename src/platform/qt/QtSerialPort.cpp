@@ -5,12 +5,14 @@
 #include <QObject>
 #include <QString>
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <utility>
 
 #include <fmt/format.h>
 #include <poll.h>
+#include <unistd.h>
 
 #include "base/Ignored.h"
 #include "base/Text.h"
@@ -22,6 +24,9 @@ namespace {
 
 // Qt does not tell of a line that was hung up: reading it gives nothing, again and again.
 constexpr std::chrono::milliseconds kHangUpCheck{200};
+// The driver of a line takes a few kilobytes, which need seconds on their way.
+constexpr std::chrono::milliseconds kSendAgain{20};
+constexpr std::size_t kMostWaiting = 4096;
 
 bool HungUp(int handle) {
   pollfd state{handle, 0, 0};
@@ -84,10 +89,12 @@ QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
     : ports_(std::move(ports)),
       wakeup_(std::make_unique<Wakeup>(*this)),
       hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })),
-      afterSleep_(loop.MakeTimer(std::chrono::milliseconds(0), [this] {
-        afterSleep_->SetEnabled(false);
-        wakeup_->Post();
-      })) {
+      afterSleep_(loop.MakeTimer(std::chrono::milliseconds(0),
+                                 [this] {
+                                   afterSleep_->SetEnabled(false);
+                                   wakeup_->Post();
+                                 })),
+      sendAgain_(loop.MakeTimer(kSendAgain, [this] { SendWaiting(); })) {
   QObject::connect(&port_, &QSerialPort::readyRead, wakeup_.get(), [this] { NotifySoon(); });
   QObject::connect(&port_, &QSerialPort::errorOccurred, wakeup_.get(),
                    [this](QSerialPort::SerialPortError error) {
@@ -122,29 +129,38 @@ bool QtSerialPort::TakeSettings() {
          port_.setStopBits(settings.StopBits) && port_.setFlowControl(QSerialPort::NoFlowControl);
 }
 
-std::string QtSerialPort::Open() {
+bool QtSerialPort::Exists() const {
+  const std::string device = ports_.Device(number_);
+  return !device.empty() && ::access(device.c_str(), F_OK) == 0;
+}
+
+base::Result QtSerialPort::Open() {
   Close();
   const std::string device = ports_.Device(number_);
-  if (device.empty()) return fmt::format("There is no port {}.", number_);
-  std::string obstacle = WhySerialDeviceCannotOpen(device);
-  if (!obstacle.empty()) return obstacle;
+  if (device.empty()) return base::Result::Failed(fmt::format("there is no port {}", number_));
+  base::Result possible = CheckSerialDevice(device);
+  if (!possible.Ok()) return possible;
   dead_ = false;
   port_.setPortName(QString::fromStdString(device));
-  if (!TakeSettings()) return fmt::format("The line settings \"{}\" cannot be used.", settings_);
+  if (!TakeSettings()) {
+    return base::Result::Failed(fmt::format("the line settings \"{}\" cannot be used", settings_));
+  }
   if (!port_.open(QIODevice::ReadWrite)) {
-    return fmt::format("{} cannot be opened: {}.{}", device, port_.errorString().toStdString(),
-                       WhoMayHoldSerialDevice());
+    return base::Result::Failed(fmt::format("{} cannot be opened: {}{}", device,
+                                            port_.errorString().toStdString(), WhoMayHoldSerialDevice()));
   }
   // A pseudo-terminal outlives who had it open, and keeps what was not read. A header alone from there makes
   // the next frame's own header its length, and no reply is seen any more.
   base::Ignored(port_.clear(QSerialPort::Input));
   dead_ = false;
   hangUpCheck_->SetEnabled(true);
-  return {};
+  return base::Result::Done();
 }
 
 void QtSerialPort::Close() {
   hangUpCheck_->SetEnabled(false);
+  sendAgain_->SetEnabled(false);
+  waiting_.clear();
   port_.close();
 }
 
@@ -170,12 +186,31 @@ std::string QtSerialPort::Input() {
 }
 
 bool QtSerialPort::Output(std::string_view bytes) {
-  if (!IsOpen()) return false;
-  const auto size = static_cast<qint64>(bytes.size());
-  if (port_.write(bytes.data(), size) != size) return false;
+  if (!IsOpen() || waiting_.size() > kMostWaiting) return false;
+  waiting_ += bytes;
   // The caller may sleep before events run again, and what it wrote must not wait for that.
-  base::Ignored(port_.flush());
+  SendWaiting();
   return !dead_;
+}
+
+// Qt takes a line that is full for one that is gone, so it does not write.
+void QtSerialPort::SendWaiting() {
+  sendAgain_->SetEnabled(false);
+  if (!IsOpen()) return;
+  while (!waiting_.empty()) {
+    const ssize_t written = ::write(port_.handle(), waiting_.data(), waiting_.size());
+    if (written >= 0) {
+      waiting_.erase(0, static_cast<std::size_t>(written));
+      continue;
+    }
+    if (errno == EINTR) continue;
+    if (errno == EAGAIN) {
+      sendAgain_->SetEnabled(true);
+    } else {
+      dead_ = true;
+    }
+    return;
+  }
 }
 
 void QtSerialPort::SetReceiveHandler(std::function<void()> handler) {

@@ -27,7 +27,8 @@ class QtSerialPort final : public SerialPort {
   void SetCommPort(std::int16_t number) override { number_ = number; }
   void SetSettings(std::string_view settings) override { settings_ = settings; }
   void SetReceiveThreshold(int bytes) override;
-  [[nodiscard]] std::string Open() override;
+  [[nodiscard]] bool Exists() const override;
+  base::Result Open() override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override;
   void SetDataTerminalReady(bool on) override;
@@ -43,13 +44,16 @@ class QtSerialPort final : public SerialPort {
   void NotifySoon();
   void Notify();
   void CloseIfDead();
+  void SendWaiting();
 
   PortMap ports_;
   QSerialPort port_;
   std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
   std::unique_ptr<base::Timer> afterSleep_;
+  std::unique_ptr<base::Timer> sendAgain_;
   std::shared_ptr<std::function<void()>> handler_;
+  std::string waiting_;  // bytes that the line has not taken yet
   std::string settings_ = "9600,n,8,1";
   std::int16_t number_ = 0;
   int threshold_ = 1;

@@ -64,6 +64,10 @@ void Channels::SaveChannels() {
   base::Ignored(listFile_.Write(entries));
 }
 
+void Channels::SaveAtExit() {
+  if (walkEnded_ || state_.PoorChannelList) SaveChannels();
+}
+
 // Asking.
 
 void Channels::StartWalk() {
@@ -199,6 +203,7 @@ int Channels::ShowInGrid(std::int16_t channel) {
 
 void Channels::FinishWalk() {
   state_.ChannelsLoading = false;
+  walkEnded_ = true;
   journal_.DoLog(fmt::format("Channels loaded: {}", table_.ChannelCount()));
   RemoveStaleChannels();
   if (table_.ChannelCount() < kFewestChannels) {

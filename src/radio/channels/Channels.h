@@ -39,6 +39,9 @@ class Channels {
   void LoadChannels();
   /// Writes the list, rising by number; deletes it if PoorChannelList is set. Events run.
   void SaveChannels();
+  /// The same at the end of a run. A run whose walk has not ended knows only a part of the list, if any, and leaves
+  /// the file as it is, unless the user wants it gone.
+  void SaveAtExit();
 
   /// Ends FormLoading and asks the radio for its first channel. Once a run, after LoadChannels.
   void StartWalk();
@@ -90,6 +93,7 @@ class Channels {
   ChannelTable table_;
   ChannelGrid grid_;
   ChannelListFile listFile_;
+  bool walkEnded_ = false;
 };
 
 }  // namespace kestrune::radio

@@ -8,7 +8,8 @@
 
 namespace kestrune::radio {
 
-/// Frames that wait for the radio to answer the one before, oldest first; at most ten.
+/// Frames that wait for the radio to answer the one before, oldest first; at most ten. The queue is a part of the
+/// design that is switched off: in the program nothing enters it. See RadioSession::HoldCommands.
 class HoldingQueue {
  public:
   [[nodiscard]] std::int16_t Count() const { return static_cast<std::int16_t>(count_); }

@@ -1,5 +1,7 @@
 #include "radio/line/RadioSession.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
@@ -24,6 +26,8 @@ constexpr auto kPartialFramePoll = 40ms;
 constexpr auto kReplyTry = 150ms;
 constexpr int kReplyTries = 10;
 constexpr auto kHeldTooLong = 5s;
+// A device that keeps sending must not hold up the search or the end; a radio falls silent within a second.
+constexpr int kDrainRounds = 50;
 
 bool IsChannel(std::int16_t number) {
   return number >= 1 && number <= kLastChannel;
@@ -57,13 +61,13 @@ bool RadioSession::pcrPortOpen() {
 
 void RadioSession::SetPortOpen(bool open) {
   if (open == portOpen_) return;
-  std::string failure;
+  base::Result opened = base::Result::Done();
   if (open) {
     if (port_.IsOpen()) port_.Close();
     port_.SetCommPort(comPort_);
     port_.SetSettings("9600,n,8,1");
     port_.SetReceiveThreshold(kThresholdOpening);
-    failure = port_.Open();
+    opened = port_.Open();
     port_.SetReceiveThreshold(kThreshold);
   } else {
     pcrDrainBlocked();
@@ -71,25 +75,37 @@ void RadioSession::SetPortOpen(bool open) {
     port_.SetRequestToSend(false);
     if (port_.IsOpen()) port_.Close();
   }
-  if (failure.empty()) {
+  if (opened.Ok()) {
     portOpen_ = port_.IsOpen();
     if (portOpen_) {
       port_.SetDataTerminalReady(true);
       port_.SetRequestToSend(true);
     }
   } else {
-    lastError_ = std::move(failure);
+    lastError_ = opened.Cause();
   }
   ForgetAwaited();
 }
 
-void RadioSession::pcrFindPort() {
+PortTrial RadioSession::TryOpen(std::int16_t number) {
+  if (pcrPortOpen() && comPort_ != number) SetPortOpen(false);
+  comPort_ = number;
+  SetPortOpen(true);
+  if (pcrPortOpen()) {
+    return {
+        .Port = number, .Why = PortTrial::Reason::NoAnswer, .Cause = "the port opens, but no radio answers"};
+  }
+  return {.Port = number,
+          .Why = port_.Exists() ? PortTrial::Reason::NotOpened : PortTrial::Reason::NoDevice,
+          .Cause = lastError_};
+}
+
+void RadioSession::pcrFindPort(const std::function<void(PortTrial trial)>& report) {
   comPort_ = 0;
   replies_.pcrRadioID.clear();
   for (std::int16_t number = 1; number <= kLastPort && !run_.ShuttingDown; ++number) {
     SetPortOpen(false);
-    comPort_ = number;
-    SetPortOpen(true);
+    PortTrial trial = TryOpen(number);
     if (pcrPortOpen()) {
       journal_.DebugPrint(fmt::format("Opened port {}", number));
       DrainInput();
@@ -102,11 +118,12 @@ void RadioSession::pcrFindPort() {
     }
     ForgetAwaited();
     SetPortOpen(false);
+    report(std::move(trial));
   }
 }
 
 void RadioSession::DrainInput() {
-  while (!run_.ShuttingDown && !port_.Input().empty()) SleepAndPump(100ms);
+  for (int round = 0; round < kDrainRounds && !port_.Input().empty(); ++round) SleepAndPump(100ms);
 }
 
 // Operations.

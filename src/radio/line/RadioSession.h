@@ -14,6 +14,7 @@
 #include "radio/line/ChannelInfo.h"
 #include "radio/line/FrameReader.h"
 #include "radio/line/HoldingQueue.h"
+#include "radio/line/PortTrial.h"
 #include "radio/line/ReplyState.h"
 
 namespace kestrune::radio {
@@ -49,13 +50,16 @@ class RadioSession {
   [[nodiscard]] std::int16_t pcrCOMPort() const { return comPort_; }
   /// Number of the port that the next opening takes, 1 to 16.
   void SetCOMPort(std::int16_t number) { comPort_ = number; }
-  /// Why the last opening that failed did; never cleared.
+  /// Why the last opening that failed did, as base::Result has it; never cleared.
   [[nodiscard]] const std::string& pcrLastError() const { return lastError_; }
-  /// Tries the ports 1 to 16 until a radio powers on, and leaves that port open. pcrPortOpen alone tells
-  /// whether one was found: pcrCOMPort is 16 after a search in vain.
-  void pcrFindPort();
-  /// Reads and drops what the port has until it has nothing, 100 ms between two reads. A device that keeps
-  /// sending keeps this going.
+  /// Tries the ports 1 to 16 until a radio powers on, and leaves that port open. Only pcrPortOpen shows whether
+  /// one was found: pcrCOMPort is 16 after a search in vain. Each port without a radio is reported.
+  void pcrFindPort(const std::function<void(PortTrial trial)>& report);
+  /// Opens the port of this number, unless it is open already; another port is closed first. The reason is
+  /// NoAnswer if the port is open now: nobody has asked for a radio there yet.
+  [[nodiscard]] PortTrial TryOpen(std::int16_t number);
+  /// Reads and drops what the port has until it has nothing, 100 ms between two reads; at most fifty times, for a
+  /// device may keep sending.
   void DrainInput();
 
   // Operations. They return false at once if the port is closed.
@@ -96,22 +100,23 @@ class RadioSession {
   /// Bytes dropped so far because no frame began with them.
   [[nodiscard]] std::uint64_t JunkBytes() const { return reader_.JunkBytes(); }
 
+  /// The program's version. Nothing in the program calls it; it is part of the radio layer's public surface.
   [[nodiscard]] static std::string pcrVersion();
 
   // Frames.
 
   /// Writes a frame at once, whatever is awaited; whether the port takes it is nobody's concern.
   void pcrRawSend(std::string_view frame, bool bypassBlock);
-  /// The same, if the port is open.
+  /// The same, if the port is open. Nothing in the program calls it; it is part of the radio layer's public surface.
   void pcrSendBinary(std::string_view frame);
   /// True from a write until the next frame of any kind.
   [[nodiscard]] bool pcrWaitingForResponse() const { return waitingForResponse_; }
   [[nodiscard]] std::int16_t pcrNumBlockedCmds() const { return blockedCmds_.Count(); }
-  /// Waits while the port is open and the holding queue is not empty.
+  /// Waits while the port is open and the holding queue is not empty; with the queue off, not at all.
   void pcrDrainBlocked();
-  /// Switches the holding queue on: a frame that is sent without `bypassBlock` while an answer is awaited
-  /// then goes out after that answer. It is off: a radio that leaves one command unanswered would hold up the
-  /// rest.
+  /// Switches the holding queue on or off: with it on, a frame that is sent without `bypassBlock` while an answer
+  /// is awaited goes out after that answer. The program leaves it off, because a radio that leaves one command
+  /// unanswered would hold up all others; only tests switch it on.
   void HoldCommands(bool on) { holdCommands_ = on; }
 
   /// The receive path: reads all that the port has and handles every whole frame of it. The port's

@@ -369,7 +369,7 @@ TEST_F(RadioSessionTest, TwoOperationsCanWaitOnOneFlag) {
 
 TEST_F(RadioSessionTest, TheSearchTriesPorts1To16AndCostsNothingWhereNoneOpens) {
   port.Refuse(0, "No such device");
-  EXPECT_EQ(TimeOf([this] { session.pcrFindPort(); }), Milliseconds(0));
+  EXPECT_EQ(TimeOf([this] { FindPort(); }), Milliseconds(0));
   Strings tried;
   for (const std::string& call : port.Calls()) {
     if (call.starts_with("CommPort")) tried.push_back(call);
@@ -391,8 +391,7 @@ TEST_F(RadioSessionTest, TheSearchStopsAtTheRadioAndLeavesItsPortOpen) {
   port.Refuse(9, "");
   Reply(kPowerOn, kPowerOnReply, 100, 7);
   // 500 ms and a power on in vain at port 2; then 500 ms and one that works at port 7.
-  EXPECT_EQ(TimeOf([this] { session.pcrFindPort(); }),
-            Milliseconds(500 + 400 + 4800 + 500 + 400 + 120 + 400));
+  EXPECT_EQ(TimeOf([this] { FindPort(); }), Milliseconds(500 + 400 + 4800 + 500 + 400 + 120 + 400));
   EXPECT_TRUE(session.pcrPortOpen());
   EXPECT_EQ(session.pcrCOMPort(), 7);
   EXPECT_EQ(session.pcrRadioID(), "R0GHJK23");
@@ -400,7 +399,7 @@ TEST_F(RadioSessionTest, TheSearchStopsAtTheRadioAndLeavesItsPortOpen) {
 }
 
 TEST_F(RadioSessionTest, ASearchInVainOverSixteenOpenPortsEndsClosed) {
-  EXPECT_EQ(TimeOf([this] { session.pcrFindPort(); }), Milliseconds(16 * 5700));
+  EXPECT_EQ(TimeOf([this] { FindPort(); }), Milliseconds(16 * 5700));
   EXPECT_FALSE(session.pcrPortOpen());
   EXPECT_EQ(session.pcrCOMPort(), 16);
   EXPECT_FALSE(session.pcrWaitingForResponse());
@@ -410,7 +409,7 @@ TEST_F(RadioSessionTest, TheSearchForgetsTheIdentifier) {
   OpenPort();
   Arrive(kRadioIDReply);
   port.Refuse(0, "No such device");
-  session.pcrFindPort();
+  FindPort();
   EXPECT_EQ(session.pcrRadioID(), "");
 }
 

@@ -35,6 +35,9 @@ class SessionFixture : public ::testing::Test {
     session.SetCOMPort(number);
     session.SetPortOpen(true);
   }
+  void FindPort() {
+    session.pcrFindPort([this](const radio::PortTrial& trial) { inVain.push_back(trial); });
+  }
   void Arrive(std::string_view hex) {
     port.Arrive(Bytes(hex));
     loop.Run(Milliseconds(0));
@@ -59,6 +62,7 @@ class SessionFixture : public ::testing::Test {
   radio::RadioSession session{port, loop, run, journal};
   std::vector<radio::ChannelInfo> infos;
   Strings signalReplies;
+  std::vector<radio::PortTrial> inVain;
 };
 
 }  // namespace kestrune::test

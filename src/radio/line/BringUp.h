@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/EventLoop.h"
+#include "base/Journal.h"
+#include "base/Result.h"
+#include "base/RunState.h"
+#include "radio/line/PortTrial.h"
+#include "radio/line/RadioSession.h"
+
+namespace kestrune::radio {
+
+/// What the search for the radio came to.
+struct RadioSearch {
+  /// Where the radio answered, its port open; 0 if nowhere.
+  std::int16_t Port = 0;
+  /// The tries in vain, in their order; a port may stand there several times.
+  std::vector<PortTrial> InVain = {};
+
+  [[nodiscard]] bool Found() const { return Port != 0; }
+  /// Done if the radio was found. Otherwise the first device that could not be opened says why; if all opened,
+  /// the first that did not answer; and if there was no device at all, that.
+  [[nodiscard]] base::Result AsResult() const;
+  /// Whether a device was there that turned out not to be the radio, or could not be asked.
+  [[nodiscard]] bool AnyDevice() const;
+};
+
+/// Brings the radio up: opens its port and powers it on, asks for its identifier, tunes and unmutes it.
+///
+/// The steps can run again at any time, in this order, also on a line that is open or has died. Each takes as
+/// long as its waits and serves events meanwhile. Once ShuttingDown is set a step ends with its next wait, and
+/// its result means nothing.
+class BringUp {
+ public:
+  /// All must outlive this object.
+  BringUp(RadioSession& session, base::EventLoop& loop, const base::RunState& run, base::Journal& journal);
+
+  /// Tries the known port twice (0: none is known), then all ports up to four times, and leaves the port with the
+  /// radio open. A failed try of the known port costs up to 6.7 s, the search 5.7 s for each device without a
+  /// radio. Each device without a radio gets one line in the log.
+  [[nodiscard]] RadioSearch FindRadio(std::int16_t knownPort);
+
+  /// Asks for the identifier up to ten times, 17 s at most; empty if none came, which is no obstacle.
+  [[nodiscard]] std::string ReadRadioID();
+
+  /// Tunes the radio to a channel and unmutes it, 3 s at most. Fails if the radio has confirmed neither the
+  /// channel nor any mute command; what it did is not known then.
+  base::Result Tune(std::int16_t channel);
+
+  /// Gives the radio four seconds to settle on its channel: eight times half a second, `round` and what is due.
+  void Settle(const std::function<void()>& round);
+
+ private:
+  [[nodiscard]] bool TryKnownPort(std::int16_t port, RadioSearch& search);
+  void SearchPorts(RadioSearch& search);
+  void Keep(PortTrial trial, RadioSearch& search);
+
+  RadioSession& session_;
+  base::EventLoop& loop_;
+  const base::RunState& run_;
+  base::Journal& journal_;
+};
+
+}  // namespace kestrune::radio
