@@ -518,6 +518,20 @@ TEST_F(ChannelsTest, TuningShowsTheChannelFromTheTableAndAsksTheRadio) {
   EXPECT_TRUE(Wrote({"5A A5 00 06 10 02 0C 00 00 01 01 19"}));
 }
 
+TEST_F(ChannelsTest, EventsRunWithTheNewTextsShownBeforeTheRadioIsAsked) {
+  LoadTwelve();
+  std::vector<std::string> notesThen;
+  std::size_t writesThen = 0;
+  loop.Post([&] {
+    notesThen = events.Notes;
+    writesThen = port.Writes().size();
+  });
+  const std::size_t writesBefore = port.Writes().size();
+  channels.SetChannelNumber(5);
+  EXPECT_THAT(notesThen, ElementsAre("tuned 5 S5/G5/Artist/Song", "bare title"));
+  EXPECT_EQ(writesThen, writesBefore);
+}
+
 TEST_F(ChannelsTest, TuningToTheTunedChannelDoesNothingNotEvenAFrame) {
   LoadTwelve();
   EXPECT_EQ(TimeOf([this] { channels.SetChannelNumber(12); }), Milliseconds(0));
@@ -658,6 +672,29 @@ TEST_F(ChannelsTest, ReloadingDeletesTheListAtTheExit) {
   channels.SaveChannels();
   EXPECT_FALSE(files.Exists(kListPath));
   channels.SaveChannels();  // a list that is gone already is no failure
+}
+
+TEST_F(ChannelsTest, TheExitLeavesTheListAloneUntilAWalkHasEnded) {
+  const std::string list = "9\tNine\t\t\tPop\n";
+  files.Put(kListPath, list);
+  channels.SaveAtExit();
+  EXPECT_EQ(files.Text(kListPath), list) << "nothing has been loaded yet";
+  channels.LoadChannels();
+  channels.StartWalk();
+  Plain(12);
+  channels.SaveAtExit();
+  EXPECT_EQ(files.Text(kListPath), list);
+  Walk({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+  files.Put(kListPath, list);
+  channels.SaveAtExit();
+  EXPECT_NE(files.Text(kListPath), list);
+}
+
+TEST_F(ChannelsTest, TheExitDeletesAListThatIsToBeReloadedInAnyCase) {
+  files.Put(kListPath, "9\tNine\t\t\tPop\n");
+  channels.mnuReload();
+  channels.SaveAtExit();
+  EXPECT_FALSE(files.Exists(kListPath));
 }
 
 TEST_F(ChannelsTest, AListThatCannotBeWrittenIsSwallowed) {

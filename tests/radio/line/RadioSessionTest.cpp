@@ -151,6 +151,15 @@ TEST_F(RadioSessionTest, APowerOffReplySatisfiesPowerOnToo) {
   EXPECT_TRUE(session.pcrPowerOn(false));
 }
 
+TEST_F(RadioSessionTest, APowerReplyOfBeforeSatisfiesNoLaterCommand) {
+  OpenPort();
+  port.WhenWritten(Bytes(kPowerOn), Bytes(kPowerOnReply), Milliseconds(20), 0, 1);
+  EXPECT_TRUE(session.pcrPowerOn(false));
+  EXPECT_FALSE(session.pcrPowerOn(false));
+  Arrive("5A A5 00 02 81 00 ED ED");
+  EXPECT_FALSE(session.pcrPowerOff());
+}
+
 TEST_F(RadioSessionTest, NoEventRunsInThePausesOfPowerOn) {
   OpenPort();
   Reply(kSetup, "5A A5 00 02 81 00 ED ED", 10);  // in the first pause
@@ -213,6 +222,25 @@ TEST_F(RadioSessionTest, AKnownIdentifierNeedsNoOpenPort) {
 TEST_F(RadioSessionTest, AnIdentifierThatDoesNotComeStaysEmptyAfter1500Milliseconds) {
   OpenPort();
   EXPECT_EQ(TimeOf([this] { EXPECT_EQ(session.pcrRadioID(), ""); }), Milliseconds(1500));
+}
+
+TEST_F(RadioSessionTest, AnIdentifierOfBeforeTheSearchAnswersNoLaterQuestion) {
+  OpenPort(3);
+  Arrive(kRadioIDReply);
+  port.Refuse(0, "No such device");
+  FindPort();
+  port.Refuse(3, "");
+  OpenPort(3);
+  Reply(kRadioID, kRadioIDReply, 310);
+  EXPECT_EQ(TimeOf([this] { EXPECT_EQ(session.pcrRadioID(), "R0GHJK23"); }), Milliseconds(450));
+}
+
+TEST_F(RadioSessionTest, ARefusalOfBeforePowersNoRadioOn) {
+  OpenPort();
+  Arrive("5A A5 00 01 FF ED ED");
+  Reply(kRadioID, kRadioIDReply, 20);
+  EXPECT_EQ(session.pcrRadioID(), "R0GHJK23");
+  EXPECT_TRUE(Wrote({kRadioID}));
 }
 
 TEST_F(RadioSessionTest, ARadioThatIsOffIsPoweredOnForItsIdentifier) {
@@ -419,6 +447,36 @@ TEST_F(RadioSessionTest, ADeviceThatTalksIsDrainedBeforeItIsAsked) {
   port.Arrive("abc");
   EXPECT_EQ(TimeOf([this] { session.DrainInput(); }), Milliseconds(400));
   EXPECT_EQ(port.Waiting(), 0U);
+}
+
+TEST_F(RadioSessionTest, TheSearchDrainsAPortBeforeItAsksThere) {
+  port.Refuse(0, "No such device");
+  port.Refuse(2, "");
+  port.GreetWith("ab");
+  port.ArriveAfter(Milliseconds(50), "cd");
+  FindPort();
+  ASSERT_FALSE(port.Writes().empty());
+  EXPECT_EQ(port.Writes().front().At, Milliseconds(2 * 100 + 500));
+}
+
+TEST_F(RadioSessionTest, ADeviceThatNeverStopsTalkingHoldsUpTheSearchForFiveSecondsAtMost) {
+  OpenPort();
+  for (int count = 0; count < 200; ++count) port.ArriveAfter(Milliseconds(count * 50), "a");
+  port.Arrive("a");
+  EXPECT_EQ(TimeOf([this] { session.DrainInput(); }), Milliseconds(5000));
+}
+
+TEST_F(RadioSessionTest, EachPortThatIsNoRadiosIsReportedWithItsReason) {
+  port.Remove(0, "there is no device");
+  port.Refuse(2, "");
+  port.Refuse(5, "the line is in use");
+  FindPort();
+  ASSERT_EQ(inVain.size(), 16U);
+  EXPECT_EQ(inVain[0].Port, 1);
+  EXPECT_EQ(inVain[0].Why, radio::PortTrial::Reason::NoDevice);
+  EXPECT_EQ(inVain[1].Why, radio::PortTrial::Reason::NoAnswer);
+  EXPECT_EQ(inVain[4].Why, radio::PortTrial::Reason::NotOpened);
+  EXPECT_EQ(inVain[4].Cause, "the line is in use");
 }
 
 }  // namespace

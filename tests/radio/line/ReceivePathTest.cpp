@@ -385,6 +385,16 @@ TEST_F(ReceivePathTest, AHeldFrameFollowsTheAnswerToTheOneBefore) {
   EXPECT_TRUE(session.pcrWaitingForResponse());
 }
 
+TEST_F(ReceivePathTest, ASilentReplyCountsAsAnAnswerAndOneOfAnInvalidTypeDoesNot) {
+  session.HoldCommands(true);
+  session.pcrRawSend(Bytes("01"), false);
+  session.pcrRawSend(Bytes("02"), false);
+  Arrive("5A A5 00 01 12 ED ED");
+  EXPECT_TRUE(Wrote({"01"}));
+  Arrive("5A A5 00 01 E3 ED ED");
+  EXPECT_TRUE(Wrote({"02"}));
+}
+
 TEST_F(ReceivePathTest, AHeldFrameGoesOutWithoutAnAnswerAfterMoreThanFiveSeconds) {
   session.HoldCommands(true);
   session.pcrRawSend(Bytes("01"), false);
