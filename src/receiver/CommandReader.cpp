@@ -19,9 +19,9 @@ void CommandReader::Skip(std::size_t count) {
   skippedBytes_ += static_cast<int>(count);
 }
 
-std::vector<std::string> CommandReader::Feed(std::string_view bytes) {
+std::vector<Command> CommandReader::Feed(std::string_view bytes) {
   buffer_.append(bytes);
-  std::vector<std::string> commands;
+  std::vector<Command> commands;
   for (;;) {
     const std::size_t header = buffer_.find(kHeader);
     if (header == std::string::npos) {
@@ -39,7 +39,8 @@ std::vector<std::string> CommandReader::Feed(std::string_view bytes) {
     }
     const std::size_t whole = kBeforePayload + length + kTrailer;
     if (buffer_.size() < whole) return commands;
-    commands.push_back(buffer_.substr(kBeforePayload, length));
+    commands.push_back(
+        {buffer_.substr(kBeforePayload, length), buffer_.substr(kBeforePayload + length, kTrailer)});
     buffer_.erase(0, whole);
   }
 }

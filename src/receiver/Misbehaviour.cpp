@@ -12,8 +12,8 @@ constexpr std::uint8_t kSelectType = 0x10;
 class Junk final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (!Strikes(Rate())) return;
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (!StrikesNow(now)) return;
     std::string bytes(static_cast<std::size_t>(Chance().Between(1, 12)), '\0');
     for (char& byte : bytes) byte = static_cast<char>(Chance().Between(0, 255));
     sendings.insert(sendings.begin(), {std::move(bytes), milliseconds(0)});
@@ -23,8 +23,8 @@ class Junk final : public Misbehaviour {
 class Split final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (sendings.empty() || sendings.back().Bytes.size() < 2 || !Strikes(Rate())) return;
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (sendings.empty() || sendings.back().Bytes.size() < 2 || !StrikesNow(now)) return;
     Sending& whole = sendings.back();
     const int size = static_cast<int>(whole.Bytes.size());
     const auto cut = static_cast<std::size_t>(Chance().Between(1, size - 1));
@@ -37,17 +37,18 @@ class Split final : public Misbehaviour {
 class Lost final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (!sendings.empty() && Strikes(Rate())) sendings.clear();
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (!sendings.empty() && StrikesNow(now)) sendings.clear();
   }
 };
 
 class Refuse final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void BeforeAnswer(std::string_view command, ReceiverModel& model) override {
+  bool BeforeAnswer(milliseconds now, std::string_view command, ReceiverModel& model) override {
     const bool select = !command.empty() && static_cast<std::uint8_t>(command[0]) == kSelectType;
-    if (select && Strikes(Rate())) model.RefuseNextSelect();
+    if (select && StrikesNow(now)) model.RefuseNextSelect();
+    return true;
   }
 };
 
@@ -55,7 +56,7 @@ class Silence final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
   void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
-    if (now >= until_ && Strikes(Rate())) until_ = now + kLength;
+    if (now >= until_ && StrikesNow(now)) until_ = now + kLength;
     if (now < until_) sendings.clear();
   }
 
@@ -67,16 +68,67 @@ class Silence final : public Misbehaviour {
 class PowerLoss final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void BeforeAnswer(std::string_view /*command*/, ReceiverModel& model) override {
-    if (model.PoweredOn() && Strikes(Rate())) model.SetPower(false);
+  bool BeforeAnswer(milliseconds now, std::string_view /*command*/, ReceiverModel& model) override {
+    if (model.PoweredOn() && StrikesNow(now)) model.SetPower(false);
+    return true;
+  }
+};
+
+/// The supply fails for a moment. The receiver comes back as it likes: on, on another channel, not muted.
+class Restart final : public Misbehaviour {
+ public:
+  using Misbehaviour::Misbehaviour;
+  bool BeforeAnswer(milliseconds now, std::string_view /*command*/, ReceiverModel& model) override {
+    if (!dead_ && StrikesNow(now)) {
+      dead_ = true;
+      until_ = now + kLength;
+      model.SetPower(false);
+    }
+    if (dead_ && now >= until_) {
+      dead_ = false;
+      model.SetPower(true);
+      model.SetMuted(false);
+      Wander(model);
+    }
+    return !dead_;
+  }
+
+  /// On to the station after the tuned one, or round to the first.
+  static void Wander(ReceiverModel& model) {
+    const LineUp& stations = model.Stations();
+    const Station* next = stations.After(model.TunedChannel());
+    if (next == nullptr) next = stations.After(0);
+    if (next != nullptr) model.SetTunedChannel(next->Number);
+  }
+
+ private:
+  static constexpr milliseconds kLength{3000};
+  milliseconds until_{0};
+  bool dead_ = false;
+};
+
+class Wander final : public Misbehaviour {
+ public:
+  using Misbehaviour::Misbehaviour;
+  bool BeforeAnswer(milliseconds now, std::string_view /*command*/, ReceiverModel& model) override {
+    if (StrikesNow(now)) Restart::Wander(model);
+    return true;
+  }
+};
+
+class Deaf final : public Misbehaviour {
+ public:
+  using Misbehaviour::Misbehaviour;
+  bool BeforeAnswer(milliseconds now, std::string_view /*command*/, ReceiverModel& /*model*/) override {
+    return !StrikesNow(now);
   }
 };
 
 class Corrupt final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (sendings.empty() || sendings.back().Bytes.empty() || !Strikes(Rate())) return;
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (sendings.empty() || sendings.back().Bytes.empty() || !StrikesNow(now)) return;
     std::string& bytes = sendings.back().Bytes;
     const auto place = static_cast<std::size_t>(Chance().Between(0, static_cast<int>(bytes.size()) - 1));
     bytes[place] = static_cast<char>(static_cast<std::uint8_t>(bytes[place]) ^ Chance().Between(1, 255));
@@ -86,19 +138,19 @@ class Corrupt final : public Misbehaviour {
 class Late final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (sendings.empty() || !Strikes(Rate())) return;
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (sendings.empty() || !StrikesNow(now)) return;
     sendings.front().Delay += milliseconds(Chance().Between(1000, 3000));
   }
 };
 
-/// A frame that nobody asked for, behind the answer.
+/// A frame that nobody asked for, after the answer.
 class Unasked final : public Misbehaviour {
  public:
-  Unasked(std::string name, double rate, std::uint64_t seed, std::string payload)
-      : Misbehaviour(std::move(name), rate, seed), payload_(std::move(payload)) {}
-  void AfterAnswer(milliseconds /*now*/, std::vector<Sending>& sendings) override {
-    if (Strikes(Rate())) sendings.push_back({FrameOf(payload_), milliseconds(0)});
+  Unasked(MisbehaviourWish wish, std::uint64_t seed, std::string payload)
+      : Misbehaviour(std::move(wish), seed), payload_(std::move(payload)) {}
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (StrikesNow(now)) sendings.push_back({FrameOf(payload_), milliseconds(0)});
   }
 
  private:
@@ -108,27 +160,33 @@ class Unasked final : public Misbehaviour {
 }  // namespace
 
 // The seed is mixed with the name, so that one misbehaviour strikes alike with and without the others.
-Misbehaviour::Misbehaviour(std::string name, double rate, std::uint64_t seed)
-    : name_(std::move(name)), rate_(rate), dice_(seed ^ HashOf(name_)) {}
+Misbehaviour::Misbehaviour(MisbehaviourWish wish, std::uint64_t seed)
+    : wish_(std::move(wish)), dice_(seed ^ HashOf(wish_.Name)) {}
 
-void Misbehaviour::BeforeAnswer(std::string_view /*command*/, ReceiverModel& /*model*/) {}
+bool Misbehaviour::BeforeAnswer(milliseconds /*now*/, std::string_view /*command*/,
+                                ReceiverModel& /*model*/) {
+  return true;
+}
 
 void Misbehaviour::AfterAnswer(milliseconds /*now*/, std::vector<Sending>& /*sendings*/) {}
 
-bool Misbehaviour::Strikes(double rate) {
-  if (dice_.Fraction() >= rate) return false;
-  ++strikes_;
-  return true;
+bool Misbehaviour::StrikesNow(milliseconds now) {
+  const bool strikes = wish_.At ? strikes_ == 0 && now >= *wish_.At : dice_.Fraction() < wish_.Rate;
+  if (strikes) ++strikes_;
+  return strikes;
 }
 
 const std::vector<MisbehaviourName>& MisbehaviourNames() {
   static const std::vector<MisbehaviourName> kNames = {
-      {"junk", "1 to 12 bytes of noise in front of an answer"},
+      {"junk", "1 to 12 bytes of noise precede an answer"},
       {"split", "an answer comes in two parts, 100 to 400 ms apart"},
-      {"lost", "an answer never comes"},
+      {"lost", "a command is obeyed, but its answer never comes"},
+      {"deaf", "a command is dropped: neither obeyed nor answered"},
       {"refuse", "the choice of a channel is refused"},
       {"silence", "no answer to anything for 5 seconds"},
-      {"off", "the receiver loses its power"},
+      {"off", "the receiver is switched off and refuses all commands"},
+      {"restart", "the receiver loses its power for 3 seconds and comes back on another channel"},
+      {"wander", "the receiver changes to another channel"},
       {"corrupt", "one byte of an answer is wrong"},
       {"late", "an answer comes 1 to 3 seconds late"},
       {"setup", "the receiver asks to be set up again"},
@@ -138,17 +196,20 @@ const std::vector<MisbehaviourName>& MisbehaviourNames() {
 }
 
 std::unique_ptr<Misbehaviour> MakeMisbehaviour(const MisbehaviourWish& wish, std::uint64_t seed) {
-  const auto& [name, rate] = wish;
-  if (name == "junk") return std::make_unique<Junk>(name, rate, seed);
-  if (name == "split") return std::make_unique<Split>(name, rate, seed);
-  if (name == "lost") return std::make_unique<Lost>(name, rate, seed);
-  if (name == "refuse") return std::make_unique<Refuse>(name, rate, seed);
-  if (name == "silence") return std::make_unique<Silence>(name, rate, seed);
-  if (name == "off") return std::make_unique<PowerLoss>(name, rate, seed);
-  if (name == "corrupt") return std::make_unique<Corrupt>(name, rate, seed);
-  if (name == "late") return std::make_unique<Late>(name, rate, seed);
-  if (name == "setup") return std::make_unique<Unasked>(name, rate, seed, std::string("\xF2\x01\x00", 3));
-  if (name == "notice") return std::make_unique<Unasked>(name, rate, seed, std::string("\xE3\x01\x00", 3));
+  const std::string& name = wish.Name;
+  if (name == "junk") return std::make_unique<Junk>(wish, seed);
+  if (name == "split") return std::make_unique<Split>(wish, seed);
+  if (name == "lost") return std::make_unique<Lost>(wish, seed);
+  if (name == "deaf") return std::make_unique<Deaf>(wish, seed);
+  if (name == "refuse") return std::make_unique<Refuse>(wish, seed);
+  if (name == "silence") return std::make_unique<Silence>(wish, seed);
+  if (name == "off") return std::make_unique<PowerLoss>(wish, seed);
+  if (name == "restart") return std::make_unique<Restart>(wish, seed);
+  if (name == "wander") return std::make_unique<Wander>(wish, seed);
+  if (name == "corrupt") return std::make_unique<Corrupt>(wish, seed);
+  if (name == "late") return std::make_unique<Late>(wish, seed);
+  if (name == "setup") return std::make_unique<Unasked>(wish, seed, std::string("\xF2\x01\x00", 3));
+  if (name == "notice") return std::make_unique<Unasked>(wish, seed, std::string("\xE3\x01\x00", 3));
   return nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,33 +19,39 @@ struct Sending {
   std::chrono::milliseconds Delay{0};  ///< for how long the line rests before the first byte
 };
 
-/// A fault with a name, laid around an honest receiver. It strikes with its probability at each command; the
-/// same seed gives the same strikes.
+/// What somebody asked for: a name, and when it is to strike.
+struct MisbehaviourWish {
+  std::string Name;
+  double Rate = 0.1;  ///< the probability for each command, from 0 to 1
+  /// If set, it strikes once instead: at the first command from this moment on, since the receiver's start.
+  std::optional<std::chrono::milliseconds> At = std::nullopt;
+};
+
+/// A fault with a name, laid around an honest receiver. The same seed gives the same strikes.
 class Misbehaviour {
  public:
-  Misbehaviour(std::string name, double rate, std::uint64_t seed);
+  Misbehaviour(MisbehaviourWish wish, std::uint64_t seed);
   virtual ~Misbehaviour() = default;
   Misbehaviour(const Misbehaviour&) = delete;
   Misbehaviour& operator=(const Misbehaviour&) = delete;
 
-  [[nodiscard]] const std::string& Name() const { return name_; }
+  [[nodiscard]] const std::string& Name() const { return wish_.Name; }
   /// How often it has struck.
   [[nodiscard]] int Strikes() const { return strikes_; }
 
-  /// Before the receiver answers.
-  virtual void BeforeAnswer(std::string_view command, ReceiverModel& model);
+  /// Before the receiver answers. False: the command never reaches it.
+  [[nodiscard]] virtual bool BeforeAnswer(std::chrono::milliseconds now, std::string_view command,
+                                          ReceiverModel& model);
   /// What it answered, to be spoiled.
   virtual void AfterAnswer(std::chrono::milliseconds now, std::vector<Sending>& sendings);
 
  protected:
-  /// Throws the dice for one command.
-  [[nodiscard]] bool Strikes(double rate);
-  [[nodiscard]] double Rate() const { return rate_; }
+  /// Whether it strikes at this command; to be asked once a command at most.
+  [[nodiscard]] bool StrikesNow(std::chrono::milliseconds now);
   [[nodiscard]] Dice& Chance() { return dice_; }
 
  private:
-  std::string name_;
-  double rate_;
+  MisbehaviourWish wish_;
   Dice dice_;
   int strikes_ = 0;
 };
@@ -55,12 +62,6 @@ struct MisbehaviourName {
   std::string_view Meaning;
 };
 [[nodiscard]] const std::vector<MisbehaviourName>& MisbehaviourNames();
-
-/// What somebody asked for: a name and a probability from 0 to 1 for each command.
-struct MisbehaviourWish {
-  std::string Name;
-  double Rate = 0.1;
-};
 
 /// Null if the name is unknown.
 [[nodiscard]] std::unique_ptr<Misbehaviour> MakeMisbehaviour(const MisbehaviourWish& wish,

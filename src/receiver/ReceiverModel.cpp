@@ -2,12 +2,14 @@
 
 #include <utility>
 
+#include "receiver/CommandRules.h"
 #include "receiver/Timeline.h"
 #include "receiver/WireText.h"
 
 namespace kestrune::receiver {
 namespace {
 
+constexpr std::uint8_t kSelect = 0x10;
 constexpr std::size_t kIdentifierSize = 8;
 constexpr std::size_t kTextSize = 16;
 constexpr std::size_t kBeforePayload = 4;
@@ -64,6 +66,10 @@ ReceiverModel::ReceiverModel(LineUp lineUp, Setup setup)
 
 std::vector<std::string> ReceiverModel::Answer(std::chrono::milliseconds now, std::string_view command) {
   const std::uint8_t type = ByteAt(command, 0);
+  if (!FaultOfPayload(command).empty()) {
+    if (type != kSelect || !poweredOn_) return {};
+    RefuseNextSelect();
+  }
   switch (type) {
     case 0x00:
       return {PowerOn()};
@@ -76,7 +82,7 @@ std::vector<std::string> ReceiverModel::Answer(std::chrono::milliseconds now, st
   }
   if (!poweredOn_) return {FrameOf(std::string{'\xFF', static_cast<char>(type)})};
   switch (type) {
-    case 0x10:
+    case kSelect:
       return {Select(command)};
     case 0x13:
       return {Mute(command)};
@@ -107,7 +113,8 @@ std::string ReceiverModel::Select(std::string_view command) {
   const int channel = ByteAt(command, 2);
   Payload reply(0x90, 6);
   reply.Byte(7, static_cast<unsigned>(channel)).Byte(8, 0).Byte(9, 0);
-  const bool refused = lineUp_.Find(channel) == nullptr || std::exchange(refuseNextSelect_, false);
+  const bool toldToRefuse = std::exchange(refuseNextSelect_, false);
+  const bool refused = toldToRefuse || lineUp_.Find(channel) == nullptr;
   if (refused) {
     reply.Byte(5, 0);
   } else {

@@ -17,8 +17,8 @@ struct SignalLevels {
   std::uint16_t Terrestrial = 136;  ///< 0 is full, 680 is nothing
 };
 
-/// The receiver itself: its state, and its answer to each command. Time is told by the caller, in
-/// milliseconds since the receiver's start.
+/// The receiver itself: its state, and its answer to each command. The caller passes the time, in milliseconds
+/// since the receiver's start.
 class ReceiverModel {
  public:
   struct Setup {
@@ -31,7 +31,8 @@ class ReceiverModel {
 
   ReceiverModel(LineUp lineUp, Setup setup);
 
-  /// The frames that answer a command's payload: none or one.
+  /// The frames that answer a command's payload: none or one. Every byte counts: a select with a wrong field is
+  /// refused, and any other command that FaultOfPayload finds wrong is neither obeyed nor answered.
   [[nodiscard]] std::vector<std::string> Answer(std::chrono::milliseconds now, std::string_view command);
 
   [[nodiscard]] const LineUp& Stations() const { return lineUp_; }
@@ -43,9 +44,10 @@ class ReceiverModel {
   [[nodiscard]] std::chrono::milliseconds Lead() const { return setup_.Lead; }
 
   void SetPower(bool on) { poweredOn_ = on; }
+  void SetMuted(bool on) { muted_ = on; }
   void SetTunedChannel(int number) { tuned_ = number; }
   void SetLevels(SignalLevels levels) { setup_.Levels = levels; }
-  /// The next select of a known channel is refused, and the channel stays.
+  /// The next select is refused, and the channel stays.
   void RefuseNextSelect() { refuseNextSelect_ = true; }
 
  private:

@@ -9,12 +9,10 @@
 namespace kestrune::receiver {
 namespace {
 
-std::string HexOf(std::string_view bytes) {
-  std::string text;
-  for (const char byte : bytes) {
-    text += fmt::format("{}{:02X}", text.empty() ? "" : " ", static_cast<std::uint8_t>(byte));
-  }
-  return text;
+/// What a receiver does with a command that is wrong.
+std::string_view Reaction(const std::string& faultOfTrailer, const std::string& payload) {
+  constexpr char kSelect = 0x10;
+  return faultOfTrailer.empty() && payload.front() == kSelect ? "refused" : "ignored";
 }
 
 }  // namespace
@@ -36,26 +34,27 @@ void VirtualReceiver::Receive(Milliseconds now, std::string_view bytes) {
   if (bytes.empty()) return;
   if (replay_ && !replayStart_) replayStart_ = now;
   RenderUntil(now);
-  for (const std::string& command : reader_.Feed(bytes)) Answer(now, command);
+  for (const Command& command : reader_.Feed(bytes)) Answer(now, command);
 }
 
-void VirtualReceiver::Answer(Milliseconds now, const std::string& command) {
-  if (log_ != nullptr) log_->Write(now, "command", {{"payload", HexOf(command)}});
-  if (replay_) return;
+void VirtualReceiver::Answer(Milliseconds now, const Command& command) {
+  const std::string faultOfTrailer = FaultOfTrailer(command);
+  const std::string fault = faultOfTrailer.empty() ? FaultOfPayload(command.Payload) : faultOfTrailer;
+  if (log_ != nullptr) {
+    log_->Write(now, "command", {{"payload", HexOf(command.Payload)}});
+    if (!fault.empty()) {
+      log_->Write(now, Reaction(faultOfTrailer, command.Payload),
+                  {{"payload", HexOf(command.Payload)}, {"why", fault}});
+    }
+  }
+  if (replay_ || !faultOfTrailer.empty()) return;
   const bool powered = model_.PoweredOn();
   const bool muted = model_.Muted();
   const int tuned = model_.TunedChannel();
-
   std::vector<int> strikes;
-  for (const auto& misbehaviour : misbehaviours_) {
-    strikes.push_back(misbehaviour->Strikes());
-    misbehaviour->BeforeAnswer(command, model_);
-  }
-  std::vector<Sending> sendings;
-  for (std::string& frame : model_.Answer(now, command))
-    sendings.push_back({std::move(frame), Milliseconds(0)});
-  for (const auto& misbehaviour : misbehaviours_) misbehaviour->AfterAnswer(now, sendings);
+  for (const auto& misbehaviour : misbehaviours_) strikes.push_back(misbehaviour->Strikes());
 
+  const std::vector<Sending> sendings = AnswerOf(now, command.Payload);
   Microseconds at = std::max<Microseconds>(now + options_.ReplyDelay, pacer_.FreeAt());
   for (const Sending& sending : sendings) {
     at += sending.Delay;
@@ -71,6 +70,20 @@ void VirtualReceiver::Answer(Milliseconds now, const std::string& command) {
     }
   }
   for (const Sending& sending : sendings) log_->Write(now, "answer", {{"bytes", HexOf(sending.Bytes)}});
+}
+
+std::vector<Sending> VirtualReceiver::AnswerOf(Milliseconds now, const std::string& payload) {
+  bool reaches = true;
+  for (const auto& misbehaviour : misbehaviours_) {
+    if (!misbehaviour->BeforeAnswer(now, payload, model_)) reaches = false;
+  }
+  if (!reaches) return {};
+  std::vector<Sending> sendings;
+  for (std::string& frame : model_.Answer(now, payload)) {
+    sendings.push_back({std::move(frame), Milliseconds(0)});
+  }
+  for (const auto& misbehaviour : misbehaviours_) misbehaviour->AfterAnswer(now, sendings);
+  return sendings;
 }
 
 void VirtualReceiver::LogState(Milliseconds now, bool powered, bool muted, int tuned) {

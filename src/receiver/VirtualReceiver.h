@@ -73,7 +73,8 @@ class VirtualReceiver {
   }
 
  private:
-  void Answer(Milliseconds now, const std::string& command);
+  void Answer(Milliseconds now, const Command& command);
+  [[nodiscard]] std::vector<Sending> AnswerOf(Milliseconds now, const std::string& payload);
   void RenderUntil(Milliseconds now);
   void LogState(Milliseconds now, bool powered, bool muted, int tuned);
   void LogSong(Milliseconds now, std::string_view event, const Playing& playing);

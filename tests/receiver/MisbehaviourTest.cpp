@@ -24,22 +24,25 @@ std::string Wire(const std::vector<Sending>& sendings) {
 
 std::vector<Sending> Spoil(const std::string& name, std::uint64_t seed = 1) {
   std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
-  MakeMisbehaviour({name, 1.0}, seed)->AfterAnswer(milliseconds(0), sendings);
+  MakeMisbehaviour({.Name = name, .Rate = 1.0}, seed)->AfterAnswer(milliseconds(0), sendings);
   return sendings;
 }
 
 /// All that a misbehaviour does to a hundred answers.
 std::string History(const std::string& name, double rate, std::uint64_t seed) {
   ReceiverModel model(receiver::LineUpOfSize(5), {});
-  const auto misbehaviour = MakeMisbehaviour({name, rate}, seed);
+  const auto misbehaviour = MakeMisbehaviour({.Name = name, .Rate = rate}, seed);
   std::string history;
   for (int i = 0; i < 100; ++i) {
-    misbehaviour->BeforeAnswer(kSelect3, model);
+    const milliseconds now(i * 1000);
+    history += std::to_string(model.TunedChannel()) + " ";
     std::vector<Sending> sendings;
-    for (const std::string& frame : model.Answer(milliseconds(0), kSelect3)) {
-      sendings.push_back({frame, milliseconds(0)});
+    if (misbehaviour->BeforeAnswer(now, kSelect3, model)) {
+      history += std::to_string(model.TunedChannel()) + " ";
+      for (const std::string& frame : model.Answer(now, kSelect3))
+        sendings.push_back({frame, milliseconds(0)});
+      misbehaviour->AfterAnswer(now, sendings);
     }
-    misbehaviour->AfterAnswer(milliseconds(i * 1000), sendings);
     for (const Sending& sending : sendings) {
       history += std::to_string(sending.Delay.count()) + ":" + sending.Bytes + "|";
     }
@@ -49,19 +52,19 @@ std::string History(const std::string& name, double rate, std::uint64_t seed) {
 }
 
 TEST(Misbehaviour, EveryNameMakesOneThatStrikesAlwaysAtRate1AndNeverAtRate0) {
-  ASSERT_EQ(receiver::MisbehaviourNames().size(), 10U);
+  ASSERT_EQ(receiver::MisbehaviourNames().size(), 13U);
   for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
     const std::string text(name);
     EXPECT_FALSE(meaning.empty());
-    ASSERT_NE(MakeMisbehaviour({text, 0.5}, 1), nullptr) << name;
-    EXPECT_EQ(MakeMisbehaviour({text, 0.5}, 1)->Name(), name);
+    ASSERT_NE(MakeMisbehaviour({.Name = text}, 1), nullptr) << name;
+    EXPECT_EQ(MakeMisbehaviour({.Name = text}, 1)->Name(), name);
     EXPECT_EQ(History(text, 0.0, 1), History("lost", 0.0, 1)) << name;
     EXPECT_NE(History(text, 1.0, 1), History(text, 0.0, 1)) << name;
   }
 }
 
 TEST(Misbehaviour, AnUnknownNameMakesNone) {
-  EXPECT_EQ(MakeMisbehaviour({"sulk", 1.0}, 1), nullptr);
+  EXPECT_EQ(MakeMisbehaviour({.Name = "sulk"}, 1), nullptr);
 }
 
 TEST(Misbehaviour, TheSameSeedStrikesAlikeAndAnotherOtherwise) {
@@ -73,7 +76,7 @@ TEST(Misbehaviour, TheSameSeedStrikesAlikeAndAnotherOtherwise) {
 }
 
 TEST(Misbehaviour, StrikesAboutAsOftenAsItsRate) {
-  const auto lost = MakeMisbehaviour({"lost", 0.25}, 7);
+  const auto lost = MakeMisbehaviour({.Name = "lost", .Rate = 0.25}, 7);
   for (int i = 0; i < 10000; ++i) {
     std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
     lost->AfterAnswer(milliseconds(0), sendings);
@@ -130,7 +133,7 @@ TEST(Misbehaviour, ANoticeComesBehindTheAnswer) {
 
 TEST(Misbehaviour, SilenceLastsFiveSeconds) {
   // A rate that strikes once in a while, so that the end of a silence shows.
-  const auto silence = MakeMisbehaviour({"silence", 0.01}, 3);
+  const auto silence = MakeMisbehaviour({.Name = "silence", .Rate = 0.01}, 3);
   milliseconds begin{-1};
   milliseconds end{-1};
   for (milliseconds now{0}; end.count() < 0 && now < std::chrono::hours(1); now += milliseconds(100)) {
@@ -144,10 +147,10 @@ TEST(Misbehaviour, SilenceLastsFiveSeconds) {
 
 TEST(Misbehaviour, RefuseTouchesOnlyTheChoiceOfAChannel) {
   ReceiverModel model(receiver::LineUpOfSize(5), {});
-  const auto refuse = MakeMisbehaviour({"refuse", 1.0}, 1);
-  refuse->BeforeAnswer("\x31", model);
+  const auto refuse = MakeMisbehaviour({.Name = "refuse", .Rate = 1.0}, 1);
+  EXPECT_TRUE(refuse->BeforeAnswer(milliseconds(0), "\x31", model));
   EXPECT_EQ(refuse->Strikes(), 0);
-  refuse->BeforeAnswer(kSelect3, model);
+  EXPECT_TRUE(refuse->BeforeAnswer(milliseconds(0), kSelect3, model));
   EXPECT_EQ(refuse->Strikes(), 1);
   EXPECT_EQ(model.Answer(milliseconds(0), kSelect3).front().at(5), '\0');
   EXPECT_EQ(model.TunedChannel(), 1);
@@ -155,8 +158,53 @@ TEST(Misbehaviour, RefuseTouchesOnlyTheChoiceOfAChannel) {
 
 TEST(Misbehaviour, OffTakesThePower) {
   ReceiverModel model(receiver::LineUpOfSize(5), {});
-  MakeMisbehaviour({"off", 1.0}, 1)->BeforeAnswer("\x31", model);
+  EXPECT_TRUE(
+      MakeMisbehaviour({.Name = "off", .Rate = 1.0}, 1)->BeforeAnswer(milliseconds(0), "\x31", model));
   EXPECT_FALSE(model.PoweredOn());
+}
+
+TEST(Misbehaviour, ARestartIsThreeSecondsOfNothingAndThenAnotherChannel) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {.Tuned = 5});
+  model.SetMuted(true);
+  const auto restart = MakeMisbehaviour({.Name = "restart", .At = milliseconds(1000)}, 1);
+  EXPECT_TRUE(restart->BeforeAnswer(milliseconds(999), "\x31", model));
+  EXPECT_TRUE(model.PoweredOn());
+  for (const int now : {1000, 2500, 3999}) {
+    EXPECT_FALSE(restart->BeforeAnswer(milliseconds(now), "\x31", model)) << now;
+    EXPECT_FALSE(model.PoweredOn());
+  }
+  EXPECT_TRUE(restart->BeforeAnswer(milliseconds(4000), "\x31", model));
+  EXPECT_TRUE(model.PoweredOn());
+  EXPECT_FALSE(model.Muted());
+  EXPECT_EQ(model.TunedChannel(), 1) << "after the last one comes the first";
+  EXPECT_TRUE(restart->BeforeAnswer(milliseconds(9000), "\x31", model));
+  EXPECT_EQ(restart->Strikes(), 1);
+}
+
+TEST(Misbehaviour, AReceiverThatWandersStaysOnAndSaysNothing) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {.Tuned = 2});
+  EXPECT_TRUE(
+      MakeMisbehaviour({.Name = "wander", .Rate = 1.0}, 1)->BeforeAnswer(milliseconds(0), "\x31", model));
+  EXPECT_EQ(model.TunedChannel(), 3);
+  EXPECT_TRUE(model.PoweredOn());
+}
+
+TEST(Misbehaviour, ADeafReceiverObeysNothing) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {});
+  EXPECT_FALSE(
+      MakeMisbehaviour({.Name = "deaf", .Rate = 1.0}, 1)->BeforeAnswer(milliseconds(0), kSelect3, model));
+  EXPECT_EQ(model.TunedChannel(), 1);
+}
+
+TEST(Misbehaviour, OneWithAMomentStrikesOnceFromThenOn) {
+  const auto lost = MakeMisbehaviour({.Name = "lost", .At = milliseconds(500)}, 1);
+  std::vector<int> struck;
+  for (int now = 0; now < 1000; now += 100) {
+    std::vector<Sending> sendings = {{kFrame, milliseconds(0)}};
+    lost->AfterAnswer(milliseconds(now), sendings);
+    if (sendings.empty()) struck.push_back(now);
+  }
+  EXPECT_EQ(struck, std::vector<int>{500});
 }
 
 TEST(Misbehaviour, OneStrikesAlikeWithAndWithoutTheOthers) {

@@ -389,6 +389,8 @@ TEST_F(RadioProgram, AWrongOptionIsNamedAndTheUsageShown) {
       {{"--tuned", "0"}, "kestrune-radio: --tuned: \"0\" is no whole number from 1 to 255\nUsage: "},
       {{"--misbehave", "sulk"}, "kestrune-radio: --misbehave: \"sulk\" is no misbehaviour\nUsage: "},
       {{"--misbehave", "junk=2"}, "kestrune-radio: --misbehave: \"2\" is no rate from 0 to 1\nUsage: "},
+      {{"--misbehave", "junk@soon"},
+       "kestrune-radio: --misbehave: \"soon\" is no number of seconds above 0\nUsage: "},
       {{"--misbehave", "junk,,lost"}, "kestrune-radio: --misbehave: \"\" is no misbehaviour\nUsage: "},
       {{"--seed", "-1"}, "kestrune-radio: --seed: \"-1\" is no whole number\nUsage: "},
       {{"--baud", "0"}, "kestrune-radio: --baud: \"0\" is no whole number from 50 to 4000000\nUsage: "},

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "WireBytes.h"
+#include "receiver/CommandRules.h"
 #include "receiver/ReceiverModel.h"
 
 namespace kestrune::test {
@@ -162,6 +163,45 @@ TEST_F(ReceiverModelTest, SetupStepsAreAnsweredWithTheirOwnType) {
 TEST_F(ReceiverModelTest, AnUnknownCommandIsNotAnswered) {
   EXPECT_THAT(Model.Answer(milliseconds(0), "\x22"), IsEmpty());
   EXPECT_THAT(Model.Answer(milliseconds(0), "\x7F"), IsEmpty());
+}
+
+TEST_F(ReceiverModelTest, ACommandWithAWrongByteIsNeitherObeyedNorAnswered) {
+  const std::string wrong[] = {
+      Bytes("\x00\x10\x10\x10\x00"),
+      Bytes("\x00\x10\x10\x10"),
+      Bytes("\x00\x10\x10\x10\x01\x01"),
+      Bytes("\x01\x01"),
+      Bytes("\x13\x02"),
+      Bytes("\x13"),
+      Bytes("\x25\x07\x08\x00"),
+      Bytes("\x25\x08\x08\x01"),
+      Bytes("\x25\x08\x08"),
+      Bytes("\x31\x00"),
+      Bytes("\x40\x00"),
+      Bytes("\x43\x01"),
+      Bytes("\x74\x00\x00"),
+      Bytes("\x74\x0D\x01"),
+      Bytes("\x74\x02\x01\x02"),
+      Bytes("\x74\x04\x01\x01"),
+      Bytes("\x74\x0B\x00"),
+      Bytes("\x74\x05"),
+  };
+  for (const std::string& command : wrong) {
+    EXPECT_THAT(Model.Answer(milliseconds(0), command), IsEmpty()) << receiver::HexOf(command);
+  }
+  EXPECT_TRUE(Model.PoweredOn());
+  EXPECT_FALSE(Model.Muted());
+}
+
+TEST_F(ReceiverModelTest, ASelectWithAWrongFieldIsRefused) {
+  for (const std::string& command : {Bytes("\x10\x01\xC8\x00\x00\x01"), Bytes("\x10\x02\xC8\x01\x00\x01"),
+                                     Bytes("\x10\x02\xC8\x00\x01\x01"), Bytes("\x10\x02\xC8\x00\x00\x00"),
+                                     Bytes("\x10\x02\xC8\x00\x00")}) {
+    EXPECT_EQ(Answer(command).substr(0, 7), Bytes("\x5A\xA5\x00\x06\x90\x00\x00"))
+        << receiver::HexOf(command);
+  }
+  EXPECT_EQ(Model.TunedChannel(), 8);
+  EXPECT_EQ(Answer(Bytes("\x10\x02\xC8\x00\x00\x01")).at(5), '\x01') << "the next one is taken";
 }
 
 TEST(ReceiverModelOff, EveryCommandButPowerAndSetupIsRejected) {

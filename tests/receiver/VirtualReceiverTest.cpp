@@ -134,6 +134,43 @@ TEST(VirtualReceiver, AReplayStartsWithTheFirstByteAndAnswersNothingElse) {
   EXPECT_EQ(receiver.Send(seconds(60)), "");
 }
 
+TEST(VirtualReceiver, ReportsACommandWithAWrongByte) {
+  std::ostringstream out;
+  receiver::JsonLines log(out);
+  VirtualReceiver receiver(TwoStations(), {}, &log);
+  receiver.Receive(milliseconds(1000), Bytes("\x5A\xA5\x00\x02\x13\x02\xED\xED"));
+  receiver.Receive(milliseconds(2000), Bytes("\x5A\xA5\x00\x02\x13\x01\x01\x00"));
+  receiver.Receive(milliseconds(3000), Bytes("\x5A\xA5\x00\x06\x10\x02\x09\x07\x00\x01\xED\xED"));
+  EXPECT_EQ(receiver.Send(seconds(10)), Bytes("\x5A\xA5\x00\x06\x90\x00\x00\x09\x00\x00\x01\x9E"));
+  EXPECT_FALSE(receiver.Model().Muted());
+  EXPECT_EQ(receiver.Model().TunedChannel(), 8);
+  EXPECT_EQ(out.str(),
+            R"({"time":1.0,"event":"command","payload":"13 02"}
+{"time":1.0,"event":"ignored","payload":"13 02","why":"byte 2 is 02"}
+{"time":2.0,"event":"command","payload":"13 01"}
+{"time":2.0,"event":"ignored","payload":"13 01","why":"the trailer is 01 00, and neither ED ED nor 01 15"}
+{"time":3.0,"event":"command","payload":"10 02 09 07 00 01"}
+{"time":3.0,"event":"refused","payload":"10 02 09 07 00 01","why":"byte 4 is 07"}
+{"time":3.0,"event":"answer","bytes":"5A A5 00 06 90 00 00 09 00 00 01 9E"}
+)");
+}
+
+TEST(VirtualReceiver, ARestartSilencesTheSoundAndEndsOnAnotherChannel) {
+  std::ostringstream out;
+  receiver::JsonLines log(out);
+  ReceiverOptions options;
+  options.Misbehaviours = {{.Name = "restart", .At = milliseconds(1000)}};
+  VirtualReceiver receiver(TwoStations(), options, &log);
+  for (int now = 900; now <= 4200; now += 300) receiver.Receive(milliseconds(now), kMuteOff);
+  EXPECT_EQ(receiver.Model().TunedChannel(), 9);
+  std::string events;
+  for (const std::string name : {"power", "tuned", "misbehaviour"}) {
+    events += name + std::to_string(out.str().find("\"" + name + "\"") != std::string::npos);
+  }
+  EXPECT_EQ(events, "power1tuned1misbehaviour1");
+  EXPECT_EQ(receiver.Send(seconds(10)), kMuteOffReply + kMuteOffReply) << "before and after";
+}
+
 TEST(VirtualReceiver, LogsWhatItDid) {
   std::ostringstream out;
   receiver::JsonLines log(out);

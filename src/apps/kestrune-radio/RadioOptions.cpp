@@ -80,17 +80,21 @@ std::string ReadSignal(std::string_view text, RadioOptions& options) {
 
 std::string ReadMisbehaviour(std::string_view text, RadioOptions& options) {
   receiver::MisbehaviourWish wish;
-  const std::size_t equals = text.find('=');
-  wish.Name = text.substr(0, equals);
+  const std::size_t end = text.find_first_of("=@");
+  wish.Name = text.substr(0, end);
   if (receiver::MakeMisbehaviour(wish, 0) == nullptr) {
     return fmt::format("\"{}\" is no misbehaviour", wish.Name);
   }
-  if (equals != std::string_view::npos) {
-    const auto rate = NumberFrom<double>(text.substr(equals + 1));
-    if (!rate || !(*rate >= 0 && *rate <= 1)) {
-      return fmt::format("\"{}\" is no rate from 0 to 1", text.substr(equals + 1));
+  if (end != std::string_view::npos) {
+    const std::string_view value = text.substr(end + 1);
+    if (text[end] == '@') {
+      std::string error = ReadSeconds(value, wish.At);
+      if (!error.empty()) return error;
+    } else {
+      const auto rate = NumberFrom<double>(value);
+      if (!rate || !(*rate >= 0 && *rate <= 1)) return fmt::format("\"{}\" is no rate from 0 to 1", value);
+      wish.Rate = *rate;
     }
-    wish.Rate = *rate;
   }
   options.Receiver.Misbehaviours.push_back(std::move(wish));
   return {};
@@ -208,8 +212,9 @@ std::string RadioUsage() {
       "  --channels N         a line-up of N plain channels, 1 to 254\n"
       "  --tuned N            the channel at the start (the first one)\n"
       "  --off                starts powered off\n"
-      "  --misbehave NAME[=RATE][,...]\n"
-      "                       misbehaves with this probability at each command (0.1):\n";
+      "  --misbehave NAME[=RATE|@SECONDS][,...]\n"
+      "                       misbehaves with this probability at each command (0.1), or once after so many\n"
+      "                       seconds:\n";
   for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
     usage += fmt::format("                         {:<9}{}\n", name, meaning);
   }
