@@ -44,6 +44,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
   set("WAV_Frequency", "1000");
   set("WAV_Channels", "1");
   set("FileDir", "/music/");
+  set("FilenameFormat", "%c %a - %s");
   set("MinSongLength", "45");
   set("CheckUpdatesAtStartup", "False");
   set("LegalAgreement", "True");
@@ -64,6 +65,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .Processes = processes_,
                                                                  .SleepInhibitor = sleepInhibitor_});
   unit_->SetClosedHandler([this] { closed_ = true; });
+  ledger_.TrueChannel = [this] { return radio_.TunedChannel; };
   unit_->LogBook().List().SetChangeHandler([this](schedule::LogList::Change change) {
     if (change == schedule::LogList::Change::Added) TakeLogLine(unit_->LogBook().List().Lines().back());
   });
@@ -93,11 +95,13 @@ void DayOfRadio::Run() {
     Every(1000s, 9000s, [this] { loop_.StepWallClock(std::chrono::minutes(Draw(-120, 120))); });
   }
   if (plan_.BadMoments) Every(1000s, 5000s, [this] { HaveABadMoment(); });
+  if (plan_.Unplugs) PullTheCable();
   for (auto second = 0s; second < plan_.Length; ++second) {
     loop_.Run(1s);
     LookOver();
   }
   framesLost_ = unit_->Recorder()->FramesLost();
+  lineOpenAtTheEnd_ = line_.IsOpen();
   line_.Now = {};
   unit_->Close();
   Check(loop_.RunUntil([this] { return closed_; }, 1min), "the close did not end");
@@ -153,13 +157,29 @@ void DayOfRadio::PressSomething() {
 
 void DayOfRadio::HaveABadMoment() {
   const std::chrono::seconds length(Draw(3, 120));
-  if (Draw(0, 1) == 0) {
-    radio_.Answers = false;
-    loop_.AtHardware(length, [this] { radio_.Answers = true; });
-  } else {
-    radio_.PoweredOn = false;
-    loop_.AtHardware(length, [this] { radio_.PoweredOn = true; });
+  switch (Draw(0, 2)) {
+    case 0:
+      radio_.Answers = false;
+      loop_.AtHardware(length, [this] { radio_.Answers = true; });
+      break;
+    case 1:
+      radio_.PoweredOn = false;
+      loop_.AtHardware(length, [this] { radio_.PoweredOn = true; });
+      break;
+    default:
+      radio_.PoweredOn = false;
+      loop_.AtHardware(length, [this, channel = Draw(30, 69)] {
+        radio_.PoweredOn = true;
+        radio_.TunedChannel = channel;
+      });
+      break;
   }
+}
+
+void DayOfRadio::PullTheCable() {
+  const std::chrono::seconds length(std::chrono::seconds(plan_.Length).count());
+  loop_.AtHardware(length / 2 + std::chrono::seconds(Draw(0, 600)), [this] { radio_.Unplug(); });
+  loop_.AtHardware(length * 3 / 4, [this] { radio_.Plug(); });
 }
 
 void DayOfRadio::PlanSomething() {
@@ -229,14 +249,24 @@ void DayOfRadio::LookOver() {
     if (!path.starts_with("/music/")) continue;
     const bool temporary = path.find("/Capture") != std::string::npos;
     if (temporary) continue;
-    Check(files_.Text(path) == LedgerCaptureFile::kWholeText, "not whole under its final name: " + path);
-    ++songsKept_;
-    static_cast<void>(files_.Remove(path));
+    TakeSong(path);
   }
 
   Check(state.RecordedCount == keptThisSession_, "songs kept and the counter differ");
   Check(state.TooShortCount + state.TooLongCount + state.RestrictedCount == refusedThisSession_,
         "songs refused and the counters differ");
+}
+
+void DayOfRadio::TakeSong(const std::string& path) {
+  const std::string content = files_.Text(path);
+  const bool whole = content.starts_with(LedgerCaptureFile::kWholeText);
+  Check(whole, "not whole under its final name: " + path);
+  ++songsKept_;
+  static_cast<void>(files_.Remove(path));
+  if (!whole) return;
+  const std::string heard = content.substr(LedgerCaptureFile::kWholeText.size());
+  const std::string name = path.substr(path.rfind('/') + 1);
+  if (!name.starts_with(heard + " ")) misnamed_.push_back(name + " was channel " + heard);
 }
 
 void DayOfRadio::TakeLogLine(const std::string& line) {

@@ -14,15 +14,16 @@
 namespace kestrune::test {
 
 /// A unit left running: songs change on all channels, a user records, stops, tunes and changes options now and
-/// then, and the line and the radio have bad moments. All of it follows from the seed. Once a second the state is
-/// looked over; what does not add up is kept as a complaint.
+/// then, and the line and the radio have bad moments. All of it follows from the seed. The state is checked once
+/// a second; what does not add up is kept as a complaint.
 class DayOfRadio {
  public:
   struct Plan {
     std::uint32_t Seed = 1;
     std::chrono::hours Length{24};
     FaultyLine::Faults Faults{};
-    bool BadMoments = true;  ///< the radio falls silent, is switched off, is unplugged
+    bool BadMoments = true;  ///< the radio falls silent, is switched off, comes back on another channel
+    bool Unplugs = false;    ///< once its cable is pulled, and plugged in again
     bool User = true;        ///< somebody presses buttons
     bool Schedule = false;   ///< and plans events, and the wall clock is set now and then
   };
@@ -40,6 +41,9 @@ class DayOfRadio {
   [[nodiscard]] std::int64_t FramesLost() const { return framesLost_; }
   [[nodiscard]] int SongsKept() const { return songsKept_; }
   [[nodiscard]] int EventsBegun() const { return eventsBegun_; }
+  /// Songs whose names say another channel than the one that the radio really played for most of them.
+  [[nodiscard]] const std::vector<std::string>& Misnamed() const { return misnamed_; }
+  [[nodiscard]] bool LineOpenAtTheEnd() const { return lineOpenAtTheEnd_; }
 
  private:
   class Audio;
@@ -47,6 +51,8 @@ class DayOfRadio {
   void ChangeSongs();
   void PressSomething();
   void HaveABadMoment();
+  void PullTheCable();
+  void TakeSong(const std::string& path);
   void PlanSomething();
   void LookOver();
   void FollowSession();
@@ -81,10 +87,12 @@ class DayOfRadio {
   int song_ = 0;
   int songsKept_ = 0;
   int eventsBegun_ = 0;
+  std::vector<std::string> misnamed_;
+  bool lineOpenAtTheEnd_ = false;
   std::int64_t framesLost_ = 0;
   std::vector<std::string> logTexts_;
   bool requested_ = false;         ///< whether recording was asked for at the last look
-  bool sessionAnnounced_ = false;  ///< the log told of a recording that has not been seen to begin
+  bool sessionAnnounced_ = false;  ///< the log announced a recording that has not been seen to begin
   int keptThisSession_ = 0;
   int refusedThisSession_ = 0;
 };

@@ -29,11 +29,12 @@ TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0)
-      << "every file begins with the sample behind the last one of the file before";
+      << "every file begins with the sample after the last one of the file before";
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_GT(day.Ledger().Captures, 20);
   EXPECT_GT(day.SongsKept(), 0);
   EXPECT_GT(day.Ledger().Samples, 23LL * 3600 * 1000);
+  EXPECT_THAT(day.Misnamed(), IsEmpty()) << "the radio played what the name says";
 }
 
 TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
@@ -42,6 +43,16 @@ TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
   EXPECT_GT(day.Ledger().Captures, 20);
+}
+
+TEST(DayOfRadio, ACableThatIsPulledLosesNoSound) {
+  DayOfRadio day({.Seed = Seed(), .Length = 4h, .BadMoments = false, .Unplugs = true});
+  day.Run();
+  EXPECT_THAT(day.Complaints(), IsEmpty());
+  EXPECT_EQ(day.Ledger().Breaks, 0);
+  EXPECT_EQ(day.FramesLost(), 0);
+  EXPECT_THAT(day.Misnamed(), IsEmpty());
+  EXPECT_FALSE(day.LineOpenAtTheEnd()) << "nothing opens the line again yet";
 }
 
 TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <variant>
 #include <vector>
@@ -19,6 +21,8 @@ struct CutLedger {
   std::int16_t Last = 0;
   int Open = 0;  ///< files open at the moment
   int MostOpen = 0;
+  /// The channel that the radio really plays at this moment.
+  std::function<int()> TrueChannel = [] { return 0; };
 
   void Take(std::int16_t sample) {
     if (Begun && sample != static_cast<std::int16_t>(Last + 1)) ++Breaks;
@@ -28,11 +32,12 @@ struct CutLedger {
   }
 };
 
-/// A capture file that keeps no sound, only what the ledger wants to know. On disk it says whether it is whole.
+/// A capture file that keeps no sound, only what the ledger wants to know. On disk it says whether it is whole, and
+/// then which channel was to be heard for most of it.
 class LedgerCaptureFile final : public platform::CaptureFile {
  public:
   static constexpr std::string_view kOpenText = "being written";
-  static constexpr std::string_view kWholeText = "whole";
+  static constexpr std::string_view kWholeText = "whole, of channel ";
 
   LedgerCaptureFile(CutLedger& ledger, platform::Files& files) : ledger_(ledger), files_(files) {}
   ~LedgerCaptureFile() override { Close(); }
@@ -57,6 +62,7 @@ class LedgerCaptureFile final : public platform::CaptureFile {
   platform::PcmFormat format_{.SampleRate = 1000, .Channels = 1};
   std::string path_;
   std::int64_t samples_ = 0;
+  std::map<int, std::int64_t> samplesOfChannel_;
   std::int16_t lastResult_ = 0;
 };
 

@@ -36,7 +36,7 @@ base::Result TestRadio::Open() {
   if (const auto obstacle = Obstacles.find(port_); obstacle != Obstacles.end()) {
     return base::Result::Failed(obstacle->second);
   }
-  if (port_ != SittingOnPort) return base::Result::Failed(fmt::format("there is no port {}", port_));
+  if (!Exists()) return base::Result::Failed(fmt::format("there is no port {}", port_));
   open_ = true;
   return base::Result::Done();
 }

@@ -29,6 +29,12 @@ class TestRadio final : public platform::SerialPort {
   // What the test does with it. Channels are answered in rising order.
   std::map<int, Playing> Channels;
   void Play(int channel, std::string artist, std::string song);
+  /// Pulls the cable: the line reads as closed, and the port has no device until Plug.
+  void Unplug() {
+    plugged_ = false;
+    open_ = false;
+  }
+  void Plug() { plugged_ = true; }
   std::int16_t SittingOnPort = 1;  ///< 0: nowhere
   /// Devices that cannot be opened, by their ports, each with the cause.
   std::map<std::int16_t, std::string> Obstacles;
@@ -48,7 +54,9 @@ class TestRadio final : public platform::SerialPort {
   void SetCommPort(std::int16_t number) override { port_ = number; }
   void SetSettings(std::string_view /*settings*/) override {}
   void SetReceiveThreshold(int bytes) override { threshold_ = bytes; }
-  [[nodiscard]] bool Exists() const override { return port_ == SittingOnPort || Obstacles.contains(port_); }
+  [[nodiscard]] bool Exists() const override {
+    return (plugged_ && port_ == SittingOnPort) || Obstacles.contains(port_);
+  }
   base::Result Open() override;
   void Close() override { open_ = false; }
   [[nodiscard]] bool IsOpen() const override { return open_; }
@@ -69,6 +77,7 @@ class TestRadio final : public platform::SerialPort {
   std::int16_t port_ = 0;
   int threshold_ = 1;
   bool open_ = false;
+  bool plugged_ = true;
 };
 
 }  // namespace kestrune::test
