@@ -26,7 +26,7 @@ class ReceiverModel {
     bool PoweredOn = true;
     int Tuned = 0;                        ///< 0: the first station
     std::chrono::milliseconds Lead{600};  ///< how far the text runs ahead of the sound
-    SignalLevels Levels;
+    SignalLevels Levels = {};
   };
 
   ReceiverModel(LineUp lineUp, Setup setup);

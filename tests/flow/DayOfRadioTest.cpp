@@ -21,11 +21,18 @@ std::uint32_t Seed() {
   return seed;
 }
 
+/// A few hours, or those of the variable KESTRUNE_DAY_HOURS.
+std::chrono::hours Length(std::chrono::hours few) {
+  const char* asked = std::getenv("KESTRUNE_DAY_HOURS");
+  return asked != nullptr ? std::chrono::hours(std::atol(asked)) : few;
+}
+
 constexpr FaultyLine::Faults kBadLine{
     .LostCommand = 0.01, .NoiseBefore = 0.01, .LostReply = 0.01, .CorruptByte = 0.01, .SplitFrame = 0.05};
 
-TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
-  DayOfRadio day({.Seed = Seed(), .BadMoments = false});
+TEST(DayOfRadio, AnHonestRadioLosesNothing) {
+  const std::chrono::hours length = Length(4h);
+  DayOfRadio day({.Seed = Seed(), .Length = length, .BadMoments = false});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0)
@@ -33,12 +40,12 @@ TEST(DayOfRadio, AnHonestRadioForADayLosesNothing) {
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_GT(day.Ledger().Captures, 20);
   EXPECT_GT(day.SongsKept(), 0);
-  EXPECT_GT(day.Ledger().Samples, 23LL * 3600 * 1000);
+  EXPECT_GT(day.Ledger().Samples, length / 1ms * 95 / 100);
   EXPECT_THAT(day.Misnamed(), IsEmpty()) << "the radio played what the name says";
 }
 
-TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
-  DayOfRadio day({.Seed = Seed(), .Faults = kBadLine});
+TEST(DayOfRadio, ABadLineAndABadRadioBreakNothing) {
+  DayOfRadio day({.Seed = Seed(), .Length = Length(4h), .Faults = kBadLine});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
@@ -46,7 +53,7 @@ TEST(DayOfRadio, ABadLineAndABadRadioForADayBreakNothing) {
 }
 
 TEST(DayOfRadio, ACableThatIsPulledLosesNoSound) {
-  DayOfRadio day({.Seed = Seed(), .Length = 4h, .BadMoments = false, .Unplugs = true});
+  DayOfRadio day({.Seed = Seed(), .Length = Length(2h), .BadMoments = false, .Unplugs = true});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
@@ -56,11 +63,11 @@ TEST(DayOfRadio, ACableThatIsPulledLosesNoSound) {
 }
 
 TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {
-  DayOfRadio day({.Seed = Seed(), .Length = 8h, .Faults = kBadLine, .Schedule = true});
+  DayOfRadio day({.Seed = Seed(), .Length = Length(4h), .Faults = kBadLine, .Schedule = true});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
-  EXPECT_GT(day.EventsBegun(), 5);
+  EXPECT_GT(day.EventsBegun(), 1);
 }
 
 TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {
@@ -68,7 +75,7 @@ TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {
   std::vector<std::string> logs[2];
   std::uint64_t handlers[2];
   for (int run = 0; run < 2; ++run) {
-    DayOfRadio day({.Seed = seed, .Length = 2h, .Faults = kBadLine});
+    DayOfRadio day({.Seed = seed, .Length = 1h, .Faults = kBadLine});
     day.Run();
     logs[run] = day.LogTexts();
     handlers[run] = day.HandlersRun();

@@ -164,7 +164,7 @@ TEST(Misbehaviour, OffTakesThePower) {
 }
 
 TEST(Misbehaviour, ARestartIsThreeSecondsOfNothingAndThenAnotherChannel) {
-  ReceiverModel model(receiver::LineUpOfSize(5), {.Tuned = 5});
+  ReceiverModel model(receiver::LineUpOfSize(5), {.Tuned = 6});
   model.SetMuted(true);
   const auto restart = MakeMisbehaviour({.Name = "restart", .At = milliseconds(1000)}, 1);
   EXPECT_TRUE(restart->BeforeAnswer(milliseconds(999), "\x31", model));
