@@ -23,7 +23,7 @@ struct WindowRow {
   const char* BoxTip = "";
   bool MainWindow::*Checked = nullptr;  ///< the state of the box
   /// The setting of this key remembers the box for the next start; empty if nothing does.
-  std::string_view SettingKey;
+  std::string_view SettingKey{};
   std::int16_t config::Settings::*Setting = nullptr;
   bool Permanent = false;         ///< lives as long as the program; a close hides it
   bool HidesWithMain = true;      ///< is hidden while the main window is minimized
