@@ -14,6 +14,8 @@ class [[nodiscard]] Result {
   [[nodiscard]] static Result Failed(std::string cause) { return Result(std::move(cause)); }
 
   [[nodiscard]] bool Ok() const { return cause_.empty(); }
+  /// The same, for a condition.
+  explicit operator bool() const { return Ok(); }
   [[nodiscard]] const std::string& Cause() const { return cause_; }
 
   bool operator==(const Result&) const = default;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/CaptureSound.h"
+#include "platform/NumberedResult.h"
 #include "platform/PcmFormat.h"
 
 namespace kestrune::platform {
@@ -46,9 +47,9 @@ class AudioRecorder {
   [[nodiscard]] virtual std::int32_t TimeToBytes(std::int32_t milliseconds) const = 0;
   virtual void SetBlockSize(std::int32_t bytes) = 0;
   virtual void Prepare() = 0;
-  /// Begins a capture: 0 or more on success, negative if device or format are none. A device that does not open
-  /// now is no failure; OpenError says what is wrong with it.
-  [[nodiscard]] virtual std::int16_t StartRecording() = 0;
+  /// Begins a capture. Fails if there is no such device or format. A device that does not open now is no failure;
+  /// OpenError says what is wrong with it.
+  virtual NumberedResult StartRecording() = 0;
   virtual void Stop() = 0;
   /// Why the device could not be opened when it was tried last, for people; empty if it could.
   [[nodiscard]] virtual std::string OpenError() const = 0;

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/Result.h"
+
 namespace kestrune::platform {
 
 /// What a tag says. All texts are UTF-8.
@@ -21,8 +23,8 @@ class TagWriter {
  public:
   virtual ~TagWriter() = default;
 
-  /// False if the file cannot be opened or its format holds no tags; it is then as it was.
-  [[nodiscard]] virtual bool Write(std::string_view path, const Tags& tags) = 0;
+  /// Fails if the file cannot be opened or written; it is then as it was. A format that holds no tags is no failure.
+  virtual base::Result Write(std::string_view path, const Tags& tags) = 0;
 };
 
 }  // namespace kestrune::platform

@@ -41,8 +41,7 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   if (file == nullptr) return;
   state_.CaptureSlots[static_cast<std::size_t>(slot)].LengthMs = 0;
 
-  file->Create(fileName);
-  result = file->LastResult();
+  result = file->Create(fileName).Number;
   if (result < 0) {
     journal_.DoLog(fmt::format("Error {} creating output file", result));
     return;
@@ -50,9 +49,9 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   recorder.SetFormat(file->FormatValues());
   recorder.SetBlockSize(recorder.TimeToBytes(kBlockMs));
   recorder.Prepare();
-  result = recorder.StartRecording();
+  result = recorder.StartRecording().Number;
   if (result < 0) {
-    file->Close();
+    base::Ignored(file->Close());
     journal_.DoLog(fmt::format("Error {} recording input", result));
     return;
   }
@@ -66,7 +65,7 @@ void Capture::RecordStop(std::int16_t slot) {
   audio_.AudioRecord->Stop();
   platform::CaptureFile* const file = audio_.File(slot);
   if (file == nullptr) return;
-  file->Close();
+  base::Ignored(file->Close());
 
   const CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(slot)];
   const platform::Tags tags{

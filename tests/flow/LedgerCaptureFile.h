@@ -40,21 +40,21 @@ class LedgerCaptureFile final : public platform::CaptureFile {
   static constexpr std::string_view kWholeText = "whole, of channel ";
 
   LedgerCaptureFile(CutLedger& ledger, platform::Files& files) : ledger_(ledger), files_(files) {}
-  ~LedgerCaptureFile() override { Close(); }
+  ~LedgerCaptureFile() override { static_cast<void>(Close()); }
 
   /// Only a WAV format changes the shape of what is counted.
   void SetFormat(const platform::CaptureFormat& format) override {
     if (std::holds_alternative<platform::WavFormat>(format)) format_ = platform::FormatValues(format);
   }
-  void Create(std::string_view path) override;
-  [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }
+  platform::NumberedResult Create(std::string_view path) override;
   [[nodiscard]] platform::PcmFormat FormatValues() const override { return format_; }
-  [[nodiscard]] bool WriteBlock(std::span<const std::int16_t> samples) override;
+  base::Result WriteBlock(std::span<const std::int16_t> samples) override;
   [[nodiscard]] std::int32_t Length() const override {
     return static_cast<std::int32_t>(samples_ * 1000 / format_.SampleRate);
   }
   [[nodiscard]] std::string FormatDescription() const override { return "counted samples"; }
-  void Close() override;
+  base::Result Close() override;
+  void Release() override {}
 
  private:
   CutLedger& ledger_;
@@ -63,7 +63,6 @@ class LedgerCaptureFile final : public platform::CaptureFile {
   std::string path_;
   std::int64_t samples_ = 0;
   std::map<int, std::int64_t> samplesOfChannel_;
-  std::int16_t lastResult_ = 0;
 };
 
 }  // namespace kestrune::test

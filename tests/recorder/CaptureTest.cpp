@@ -35,7 +35,7 @@ class CalledRecorder final : public platform::AudioRecorder {
   }
   void SetBlockSize(std::int32_t bytes) override { Called("block", bytes); }
   void Prepare() override { calls_.emplace_back("prepare"); }
-  [[nodiscard]] std::int16_t StartRecording() override {
+  platform::NumberedResult StartRecording() override {
     calls_.emplace_back("start");
     return StartResult;
   }
@@ -51,7 +51,7 @@ class CalledRecorder final : public platform::AudioRecorder {
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }
   [[nodiscard]] std::int64_t FramesLost() const override { return 0; }
 
-  std::int16_t StartResult = 0;
+  platform::NumberedResult StartResult;
   platform::CaptureSound CapturedSound;
   std::vector<std::int16_t> Block;
   std::function<void()> OnBlock;
@@ -64,9 +64,9 @@ class CalledRecorder final : public platform::AudioRecorder {
 class KeptTags final : public platform::TagWriter {
  public:
   explicit KeptTags(std::vector<std::pair<std::string, platform::Tags>>& written) : written_(written) {}
-  [[nodiscard]] bool Write(std::string_view path, const platform::Tags& tags) override {
+  base::Result Write(std::string_view path, const platform::Tags& tags) override {
     written_.emplace_back(path, tags);
-    return true;
+    return base::Result::Done();
   }
 
  private:
@@ -162,7 +162,7 @@ TEST_F(CaptureTest, AFailedCreationIsLoggedAndNothingIsStarted) {
 }
 
 TEST_F(CaptureTest, AFailedStartIsLoggedAndTheFileClosed) {
-  recorder->StartResult = -7;
+  recorder->StartResult = {.Number = -7, .Cause = "the input is gone"};
   capture.RecordStart(0, "/music/Capture0.wav", result);
   EXPECT_EQ(result, -7);
   EXPECT_THAT(log.Lines, ElementsAre("Error -7 recording input"));

@@ -33,7 +33,7 @@ class ListedRecorder final : public platform::AudioRecorder {
   [[nodiscard]] std::int32_t TimeToBytes(std::int32_t /*milliseconds*/) const override { return 0; }
   void SetBlockSize(std::int32_t /*bytes*/) override {}
   void Prepare() override {}
-  [[nodiscard]] std::int16_t StartRecording() override { return 0; }
+  platform::NumberedResult StartRecording() override { return {}; }
   void Stop() override {}
   [[nodiscard]] std::span<const std::int16_t> GetBlock() const override { return {}; }
   [[nodiscard]] std::vector<std::int16_t> GetDisplaySamples(std::int32_t /*count*/) const override {

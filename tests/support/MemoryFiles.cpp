@@ -7,6 +7,14 @@
 namespace kestrune::test {
 namespace {
 
+// The system's words.
+constexpr const char* kNoSuchFile = "No such file or directory";
+constexpr const char* kDenied = "Permission denied";
+constexpr const char* kFull = "No space left on device";
+constexpr const char* kTaken = "File exists";
+constexpr const char* kIsFolder = "Is a directory";
+constexpr const char* kToldToFail = "Input/output error";
+
 bool Matches(std::string_view name, std::string_view pattern) {
   if (pattern.empty()) return name.empty();
   if (pattern.front() == '*') {
@@ -54,28 +62,55 @@ bool MemoryFiles::Fails(FileOperation operation) const {
   return true;
 }
 
-bool MemoryFiles::Writable(const std::string& path) const {
+base::Result MemoryFiles::Writable(const std::string& path) const {
   const std::string parent = Parent(path);
-  return folders_.contains(parent) && !unwritable_.contains(parent);
+  if (!folders_.contains(parent)) return base::Result::Failed(kNoSuchFile);
+  return unwritable_.contains(parent) ? base::Result::Failed(kDenied) : base::Result::Done();
 }
 
-bool MemoryFiles::Write(const std::string& path, std::string text) {
-  if (DiskFull || !Writable(path) || folders_.contains(path)) return false;
+std::string MemoryFiles::Followed(std::string_view path) const {
+  const std::string clean = Clean(path);
+  const auto link = links_.find(clean);
+  return link == links_.end() ? clean : link->second;
+}
+
+base::Result MemoryFiles::Write(const std::string& path, std::string text) {
+  if (DiskFull) return base::Result::Failed(kFull);
+  if (const base::Result writable = Writable(path); !writable) return writable;
+  if (folders_.contains(path)) return base::Result::Failed(kIsFolder);
   files_[path] = std::move(text);
-  return true;
+  return base::Result::Done();
+}
+
+void MemoryFiles::PlantLink(std::string_view path, std::string_view target) {
+  links_[Clean(path)] = Clean(target);
+}
+
+platform::NumberedResult MemoryFiles::CreateHeld(std::string_view path) {
+  const std::string clean = Clean(path);
+  if (held_.contains(clean) || folders_.contains(clean)) {
+    return {.Number = platform::kNameHeld, .Cause = "Device or resource busy"};
+  }
+  links_.erase(clean);
+  const base::Result created = Replace(path, {});
+  if (!created) return {.Number = -1, .Cause = created.Cause()};
+  return {};
 }
 
 bool MemoryFiles::Exists(std::string_view path) const {
-  const std::string clean = Clean(path);
+  const std::string clean = Followed(path);
   return files_.contains(clean) || folders_.contains(clean);
 }
 
-bool MemoryFiles::CreateFolder(std::string_view path) {
+base::Result MemoryFiles::CreateFolder(std::string_view path) {
   Calls.push_back(fmt::format("CreateFolder {}", path));
   const std::string clean = Clean(path);
-  if (Fails(FileOperation::CreateFolder) || DiskFull || Exists(clean) || !Writable(clean)) return false;
+  if (Fails(FileOperation::CreateFolder)) return base::Result::Failed(kToldToFail);
+  if (DiskFull) return base::Result::Failed(kFull);
+  if (Exists(clean)) return base::Result::Failed(kTaken);
+  if (const base::Result writable = Writable(clean); !writable) return writable;
   folders_.insert(clean);
-  return true;
+  return base::Result::Done();
 }
 
 bool MemoryFiles::MakeOwnFolder(std::string_view path) {
@@ -98,17 +133,21 @@ std::string MemoryFiles::CreatePrivateFolder(std::string_view parent) {
   return clean;
 }
 
-bool MemoryFiles::RemoveFolder(std::string_view path) {
+base::Result MemoryFiles::RemoveFolder(std::string_view path) {
   Calls.push_back(fmt::format("RemoveFolder {}", path));
   const std::string clean = Clean(path);
-  if (Fails(FileOperation::RemoveFolder) || !folders_.contains(clean) || !Writable(clean)) return false;
+  if (Fails(FileOperation::RemoveFolder)) return base::Result::Failed(kToldToFail);
+  if (!folders_.contains(clean)) return base::Result::Failed(kNoSuchFile);
+  if (const base::Result writable = Writable(clean); !writable) return writable;
   const std::string inside = clean + "/";
   const auto file = files_.lower_bound(inside);
-  if (file != files_.end() && file->first.starts_with(inside)) return false;
   const auto folder = folders_.lower_bound(inside);
-  if (folder != folders_.end() && folder->starts_with(inside)) return false;
+  if ((file != files_.end() && file->first.starts_with(inside)) ||
+      (folder != folders_.end() && folder->starts_with(inside))) {
+    return base::Result::Failed("Directory not empty");
+  }
   folders_.erase(clean);
-  return true;
+  return base::Result::Done();
 }
 
 std::vector<std::string> MemoryFiles::Matching(std::string_view folder, std::string_view pattern) const {
@@ -122,58 +161,75 @@ std::vector<std::string> MemoryFiles::Matching(std::string_view folder, std::str
   return names;
 }
 
-bool MemoryFiles::Remove(std::string_view path) {
+base::Result MemoryFiles::Remove(std::string_view path) {
   Calls.push_back(fmt::format("Remove {}", path));
   const std::string clean = Clean(path);
-  if (Fails(FileOperation::Remove) || !Writable(clean)) return false;
-  return files_.erase(clean) > 0;
+  if (Fails(FileOperation::Remove)) return base::Result::Failed(kToldToFail);
+  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (links_.erase(clean) > 0 || files_.erase(clean) > 0) return base::Result::Done();
+  return base::Result::Failed(kNoSuchFile);
 }
 
-bool MemoryFiles::RenameNoReplace(std::string_view from, std::string_view to) {
+base::Result MemoryFiles::RemoveUnlessHeld(std::string_view path) {
+  if (held_.contains(Clean(path))) return base::Result::Failed("Device or resource busy");
+  return Remove(path);
+}
+
+platform::RenameResult MemoryFiles::RenameNoReplace(std::string_view from, std::string_view to) {
   Calls.push_back(fmt::format("Rename {} {}", from, to));
   const std::string source = Clean(from);
   const std::string target = Clean(to);
-  if (Fails(FileOperation::Rename) || !files_.contains(source) || Exists(target) || !Writable(source) ||
-      !Writable(target)) {
-    return false;
+  if (takenAtRename_) files_[target] = *std::exchange(takenAtRename_, std::nullopt);
+  if (Fails(FileOperation::Rename)) return {.Outcome = base::Result::Failed(kToldToFail)};
+  if (!files_.contains(source)) return {.Outcome = base::Result::Failed(kNoSuchFile)};
+  if (Exists(target) || links_.contains(target)) {
+    return {.Outcome = base::Result::Failed(kTaken), .NameTaken = true};
+  }
+  for (const std::string& path : {source, target}) {
+    if (const base::Result writable = Writable(path); !writable) return {.Outcome = writable};
   }
   auto file = files_.extract(source);
   file.key() = target;
   files_.insert(std::move(file));
-  return true;
+  return {};
 }
 
-bool MemoryFiles::Copy(std::string_view from, std::string_view to) {
+base::Result MemoryFiles::Copy(std::string_view from, std::string_view to) {
   Calls.push_back(fmt::format("Copy {} {}", from, to));
   const auto source = files_.find(Clean(from));
-  if (Fails(FileOperation::Copy) || source == files_.end()) return false;
+  if (Fails(FileOperation::Copy)) return base::Result::Failed(kToldToFail);
+  if (source == files_.end()) return base::Result::Failed(kNoSuchFile);
   return Write(Clean(to), source->second);
 }
 
 std::optional<std::string> MemoryFiles::Read(std::string_view path) const {
-  const auto file = files_.find(Clean(path));
+  const auto file = files_.find(Followed(path));
   if (Fails(FileOperation::Read) || file == files_.end()) return std::nullopt;
   return file->second;
 }
 
-bool MemoryFiles::Replace(std::string_view path, std::string_view text) {
+base::Result MemoryFiles::Replace(std::string_view path, std::string_view text) {
   Calls.push_back(fmt::format("Replace {}", path));
-  if (Fails(FileOperation::Replace)) return false;
-  return Write(Clean(path), std::string(text));
+  if (Fails(FileOperation::Replace)) return base::Result::Failed(kToldToFail);
+  return Write(Followed(path), std::string(text));
 }
 
-bool MemoryFiles::Append(std::string_view path, std::string_view text) {
+base::Result MemoryFiles::Append(std::string_view path, std::string_view text) {
   Calls.push_back(fmt::format("Append {}", path));
-  const std::string clean = Clean(path);
-  if (Fails(FileOperation::Append) || DiskFull || !Writable(clean) || folders_.contains(clean)) return false;
+  const std::string clean = Followed(path);
+  if (Fails(FileOperation::Append)) return base::Result::Failed(kToldToFail);
+  if (DiskFull) return base::Result::Failed(kFull);
+  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (folders_.contains(clean)) return base::Result::Failed(kIsFolder);
   files_[clean].append(text);
-  return true;
+  return base::Result::Done();
 }
 
-bool MemoryFiles::CreateProgram(std::string_view path, std::string_view bytes) {
+base::Result MemoryFiles::CreateProgram(std::string_view path, std::string_view bytes) {
   Calls.push_back(fmt::format("CreateProgram {}", path));
   const std::string clean = Clean(path);
-  if (Fails(FileOperation::CreateProgram) || Exists(clean) || path.ends_with('/')) return false;
+  if (Fails(FileOperation::CreateProgram)) return base::Result::Failed(kToldToFail);
+  if (Exists(clean) || path.ends_with('/')) return base::Result::Failed(kTaken);
   return Write(clean, std::string(bytes));
 }
 

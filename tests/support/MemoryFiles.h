@@ -8,8 +8,10 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "platform/CaptureFile.h"
 #include "platform/Files.h"
 
 namespace kestrune::test {
@@ -35,20 +37,21 @@ enum class FileOperation {
 class MemoryFiles final : public platform::Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
-  [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] base::Result CreateFolder(std::string_view path) override;
   [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   /// Named "private" and a number that counts up.
   [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
-  [[nodiscard]] bool RemoveFolder(std::string_view path) override;
+  [[nodiscard]] base::Result RemoveFolder(std::string_view path) override;
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
                                                   std::string_view pattern) const override;
-  [[nodiscard]] bool Remove(std::string_view path) override;
-  [[nodiscard]] bool RenameNoReplace(std::string_view from, std::string_view to) override;
-  [[nodiscard]] bool Copy(std::string_view from, std::string_view to) override;
+  [[nodiscard]] base::Result Remove(std::string_view path) override;
+  [[nodiscard]] base::Result RemoveUnlessHeld(std::string_view path) override;
+  [[nodiscard]] platform::RenameResult RenameNoReplace(std::string_view from, std::string_view to) override;
+  [[nodiscard]] base::Result Copy(std::string_view from, std::string_view to) override;
   [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
-  [[nodiscard]] bool Replace(std::string_view path, std::string_view text) override;
-  [[nodiscard]] bool Append(std::string_view path, std::string_view text) override;
-  [[nodiscard]] bool CreateProgram(std::string_view path, std::string_view bytes) override;
+  [[nodiscard]] base::Result Replace(std::string_view path, std::string_view text) override;
+  [[nodiscard]] base::Result Append(std::string_view path, std::string_view text) override;
+  [[nodiscard]] base::Result CreateProgram(std::string_view path, std::string_view bytes) override;
   [[nodiscard]] std::unique_ptr<platform::OpenTextFile> OpenForWriting(std::string_view path) override;
   [[nodiscard]] double FreeBytes(std::string_view path) const override;
 
@@ -69,6 +72,15 @@ class MemoryFiles final : public platform::Files {
   /// Every call of the operation fails from now on.
   void FailAlways(FileOperation operation) { FailNext(operation, std::numeric_limits<int>::max()); }
   void Heal() { failures_.clear(); }
+  /// Another process holds the file, which it is writing.
+  void HoldByAnother(std::string_view path) { held_.insert(Clean(path)); }
+  /// Plants a link to another file. Exists, Read, Replace and Append follow it; Remove removes the link.
+  void PlantLink(std::string_view path, std::string_view target);
+  /// Right before the next rename, somebody else puts a file under its new name.
+  void TakeNameAtRename(std::string text) { takenAtRename_ = std::move(text); }
+  /// Creates an empty file that was not there before, as a capture does.
+  [[nodiscard]] platform::NumberedResult CreateHeld(std::string_view path);
+
   /// Nothing in this folder itself can be made, changed, renamed or removed.
   void MakeUnwritable(std::string_view folder) { unwritable_.insert(Clean(folder)); }
 
@@ -87,13 +99,18 @@ class MemoryFiles final : public platform::Files {
   /// True, and one failure used up, if the operation has been told to fail.
   [[nodiscard]] bool Fails(FileOperation operation) const;
   /// Whether an entry of that name may be made, changed or removed.
-  [[nodiscard]] bool Writable(const std::string& path) const;
-  [[nodiscard]] bool Write(const std::string& path, std::string text);
+  [[nodiscard]] base::Result Writable(const std::string& path) const;
+  /// The file that a path leads to.
+  [[nodiscard]] std::string Followed(std::string_view path) const;
+  [[nodiscard]] base::Result Write(const std::string& path, std::string text);
 
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
   std::set<std::string> ownFolders_;
   std::set<std::string> unwritable_;
+  std::set<std::string> held_;
+  std::map<std::string, std::string> links_;
+  std::optional<std::string> takenAtRename_;
   int privateFolders_ = 0;
   mutable std::map<FileOperation, int> failures_;
 };

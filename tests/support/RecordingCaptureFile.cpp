@@ -46,23 +46,29 @@ void RecordingCaptureFile::SetFormat(const platform::CaptureFormat& format) {
   Calls.push_back(description_);
 }
 
-void RecordingCaptureFile::Create(std::string_view path) {
+platform::NumberedResult RecordingCaptureFile::Create(std::string_view path) {
   Calls.push_back(fmt::format("Create {}", path));
-  open_ = !FailCreate && (files_ == nullptr || files_->Replace(path, {}));
-  lastResult_ = open_ ? 0 : -1;
-  if (open_) Written.push_back({std::string(path), format_, {}, false});
+  open_ = held_ = false;
+  if (FailCreate) return {.Number = -1, .Cause = "Permission denied"};
+  if (files_ != nullptr) {
+    if (auto created = files_->CreateHeld(path); !created) return created;
+  }
+  open_ = held_ = true;
+  Written.push_back({std::string(path), format_, {}, false});
+  return {};
 }
 
-bool RecordingCaptureFile::WriteBlock(std::span<const std::int16_t> samples) {
-  if (!open_ || FailWrites) return false;
+base::Result RecordingCaptureFile::WriteBlock(std::span<const std::int16_t> samples) {
+  if (!open_) return base::Result::Failed("no file is open");
+  if (FailWrites) return base::Result::Failed("No space left on device");
   File& file = Written.back();
   if (files_ != nullptr) {
     const auto bytes = std::as_bytes(samples);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (!files_->Append(file.Path, text)) return false;
+    if (auto written = files_->Append(file.Path, text); !written) return written;
   }
   file.Samples.insert(file.Samples.end(), samples.begin(), samples.end());
-  return true;
+  return base::Result::Done();
 }
 
 std::int32_t RecordingCaptureFile::Length() const {
@@ -72,10 +78,11 @@ std::int32_t RecordingCaptureFile::Length() const {
   return static_cast<std::int32_t>(frames * 1000 / file.Format.SampleRate);
 }
 
-void RecordingCaptureFile::Close() {
+base::Result RecordingCaptureFile::Close() {
   Calls.emplace_back("Close");
   if (open_) Written.back().Closed = true;
   open_ = false;
+  return base::Result::Done();
 }
 
 }  // namespace kestrune::test

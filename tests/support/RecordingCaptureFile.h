@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/CaptureFile.h"
-#include "platform/Files.h"
+#include "support/MemoryFiles.h"
 
 namespace kestrune::test {
 
@@ -22,26 +22,27 @@ class RecordingCaptureFile final : public platform::CaptureFile {
     bool Closed = false;
   };
 
-  explicit RecordingCaptureFile(platform::Files* files = nullptr) : files_(files) {}
+  explicit RecordingCaptureFile(MemoryFiles* files = nullptr) : files_(files) {}
 
   void SetFormat(const platform::CaptureFormat& format) override;
-  void Create(std::string_view path) override;
-  [[nodiscard]] std::int16_t LastResult() const override { return lastResult_; }
+  platform::NumberedResult Create(std::string_view path) override;
   [[nodiscard]] platform::PcmFormat FormatValues() const override { return format_; }
-  [[nodiscard]] bool WriteBlock(std::span<const std::int16_t> samples) override;
+  base::Result WriteBlock(std::span<const std::int16_t> samples) override;
   [[nodiscard]] std::int32_t Length() const override;
   /// The text of the last SetFormat, or "nothing prepared".
   [[nodiscard]] std::string FormatDescription() const override { return description_; }
-  void Close() override;
+  base::Result Close() override;
+  void Release() override { held_ = false; }
 
   [[nodiscard]] bool IsOpen() const { return open_; }
+  /// Whether the newest file is kept from other processes.
+  [[nodiscard]] bool IsHeld() const { return held_; }
 
-  /// While set, Create fails and leaves no file.
+  /// While set, Create fails with -1 and leaves no file.
   bool FailCreate = false;
   /// While set, the file takes no more.
   bool FailWrites = false;
-  /// "SetFormatWAV 44100 2 16", "Create PATH", "Close" and so on; blocks are not listed here, but kept in
-  /// Written.
+  /// "SetFormatWAV 44100 2 16", "Create PATH", "Close" and so on; blocks are kept in Written instead.
   std::vector<std::string> Calls;
   /// The parameters of the last SetFormat for MP3.
   platform::Mp3Parameters Mp3;
@@ -49,11 +50,11 @@ class RecordingCaptureFile final : public platform::CaptureFile {
   std::vector<File> Written;
 
  private:
-  platform::Files* files_;
+  MemoryFiles* files_;
   platform::PcmFormat format_;
   std::string description_ = "nothing prepared";
-  std::int16_t lastResult_ = 0;
   bool open_ = false;
+  bool held_ = false;
 };
 
 }  // namespace kestrune::test

@@ -34,9 +34,9 @@ class KeptTags final : public platform::TagWriter {
  public:
   using List = std::vector<std::pair<std::string, platform::Tags>>;
   explicit KeptTags(List& list) : list_(list) {}
-  [[nodiscard]] bool Write(std::string_view path, const platform::Tags& tags) override {
+  base::Result Write(std::string_view path, const platform::Tags& tags) override {
     list_.emplace_back(path, tags);
-    return true;
+    return base::Result::Done();
   }
 
  private:
@@ -46,7 +46,7 @@ class KeptTags final : public platform::TagWriter {
 /// The real recorder over the simulated source, and capture files that keep their samples.
 class RigAudio final : public platform::AudioLibrary {
  public:
-  RigAudio(SimulatedEventLoop& loop, platform::SoundSource& source, platform::Files& files)
+  RigAudio(SimulatedEventLoop& loop, platform::SoundSource& source, MemoryFiles& files)
       : loop_(loop), source_(source), files_(files) {}
 
   [[nodiscard]] std::unique_ptr<platform::AudioRecorder> MakeAudioRecorder() override {
@@ -67,7 +67,7 @@ class RigAudio final : public platform::AudioLibrary {
  private:
   SimulatedEventLoop& loop_;
   platform::SoundSource& source_;
-  platform::Files& files_;
+  MemoryFiles& files_;
   std::size_t made_ = 0;
 };
 

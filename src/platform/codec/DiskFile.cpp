@@ -2,21 +2,30 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/Ignored.h"
+#include "platform/posix/HeldFile.h"
+#include "platform/posix/SystemError.h"
 
 namespace kestrune::platform {
 namespace {
+
+// A song is for everybody whom the user's own mask lets read it.
+constexpr mode_t kSongMode = 0666;
 
 bool WriteAll(int descriptor, std::int64_t offset, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::pwrite(descriptor, bytes.data(), bytes.size(), offset);
     if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
+    if (written <= 0) {
+      if (written == 0) errno = ENOSPC;
+      return false;
+    }
     offset += written;
     bytes = bytes.subspan(static_cast<std::size_t>(written));
   }
@@ -30,39 +39,51 @@ bool IsPlainFile(int descriptor) {
 
 }  // namespace
 
+bool DiskFile::Take(FileDescriptor file, std::string_view path) {
+  error_ = file.IsOpen() ? 0 : errno;
+  file_ = std::move(file);
+  path_ = path;
+  size_ = 0;
+  return IsOpen();
+}
+
+bool DiskFile::Fails(int error) {
+  error_ = error;
+  return false;
+}
+
 bool DiskFile::Create(std::string_view path) {
   Close();
-  path_ = path;
-  descriptor_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  return IsOpen();
+  return Take(CreateHeld(std::string(path), kSongMode), path);
 }
 
 bool DiskFile::OpenExisting(std::string_view path) {
   Close();
-  path_ = path;
-  descriptor_ = ::open(path_.c_str(), O_RDWR | O_CLOEXEC);
-  if (!IsOpen()) return false;
-  if (!IsPlainFile(descriptor_)) {
+  if (!Take(FileDescriptor(::open(std::string(path).c_str(), O_RDWR | O_CLOEXEC)), path)) return false;
+  if (!IsPlainFile(file_.Number())) {
     Close();
-    return false;
+    return Fails(EINVAL);
   }
-  size_ = ::lseek(descriptor_, 0, SEEK_END);
+  size_ = ::lseek(file_.Number(), 0, SEEK_END);
   return true;
 }
 
 bool DiskFile::Append(std::span<const std::byte> bytes) {
-  if (!IsOpen()) return false;
-  if (!WriteAll(descriptor_, size_, bytes)) {
+  if (!IsOpen()) return Fails(EBADF);
+  if (!WriteAll(file_.Number(), size_, bytes)) {
+    const int error = errno;
     base::Ignored(Truncate(size_));
-    return false;
+    return Fails(error);
   }
   size_ += static_cast<std::int64_t>(bytes.size());
   return true;
 }
 
 bool DiskFile::WriteAt(std::int64_t offset, std::span<const std::byte> bytes) {
-  if (!IsOpen() || offset < 0 || offset + static_cast<std::int64_t>(bytes.size()) > size_) return false;
-  return WriteAll(descriptor_, offset, bytes);
+  if (!IsOpen() || offset < 0 || offset + static_cast<std::int64_t>(bytes.size()) > size_) {
+    return Fails(EINVAL);
+  }
+  return WriteAll(file_.Number(), offset, bytes) || Fails(errno);
 }
 
 std::optional<std::string> DiskFile::ReadAt(std::int64_t offset, std::size_t count) const {
@@ -71,7 +92,7 @@ std::optional<std::string> DiskFile::ReadAt(std::int64_t offset, std::size_t cou
   std::size_t done = 0;
   while (done < count) {
     const ssize_t got =
-        ::pread(descriptor_, bytes.data() + done, count - done, offset + static_cast<std::int64_t>(done));
+        ::pread(file_.Number(), bytes.data() + done, count - done, offset + static_cast<std::int64_t>(done));
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) return std::nullopt;
     done += static_cast<std::size_t>(got);
@@ -80,20 +101,23 @@ std::optional<std::string> DiskFile::ReadAt(std::int64_t offset, std::size_t cou
 }
 
 bool DiskFile::Truncate(std::int64_t size) {
-  if (!IsOpen() || ::ftruncate(descriptor_, size) != 0) return false;
+  if (!IsOpen()) return Fails(EBADF);
+  if (::ftruncate(file_.Number(), size) != 0) return Fails(errno);
   size_ = size;
   return true;
 }
 
 void DiskFile::Close() {
-  if (IsOpen()) ::close(descriptor_);
-  descriptor_ = -1;
+  file_.Close();
   size_ = 0;
 }
 
+base::Result DiskFile::Failure() const {
+  return FailedWith(error_);
+}
+
 void DiskFile::CloseAndRemove() {
-  // A device is never removed, whatever the user entered as the folder of recordings.
-  if (IsOpen() && IsPlainFile(descriptor_)) ::unlink(path_.c_str());
+  if (IsOpen()) ::unlink(path_.c_str());
   Close();
 }
 

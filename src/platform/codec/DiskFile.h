@@ -7,21 +7,24 @@
 #include <string>
 #include <string_view>
 
+#include "base/Result.h"
+#include "platform/posix/FileDescriptor.h"
+
 namespace kestrune::platform {
 
-/// A file on disk that reports every failure. Closes itself when destroyed.
+/// A file on disk that reports every failure, and why. Closes itself when destroyed.
 class DiskFile {
  public:
   DiskFile() = default;
-  ~DiskFile() { Close(); }
+  ~DiskFile() = default;
   DiskFile(const DiskFile&) = delete;
   DiskFile& operator=(const DiskFile&) = delete;
 
-  /// Opens for writing and empties what is there.
+  /// Creates a file that is held while it is open, see platform/posix/HeldFile.h.
   [[nodiscard]] bool Create(std::string_view path);
   /// Opens a plain file that exists, for reading and writing.
   [[nodiscard]] bool OpenExisting(std::string_view path);
-  [[nodiscard]] bool IsOpen() const { return descriptor_ >= 0; }
+  [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
 
   /// All or nothing: what does not fit whole is taken off again, so that the file ends where a block of the
   /// caller ends.
@@ -33,14 +36,24 @@ class DiskFile {
   [[nodiscard]] std::int64_t Size() const { return size_; }
   [[nodiscard]] bool Truncate(std::int64_t size);
 
+  /// The error number of the call that failed last, 0 if none has failed since the file was opened.
+  [[nodiscard]] int Error() const { return error_; }
+  /// The same in words. One of the calls must have failed.
+  [[nodiscard]] base::Result Failure() const;
+
   void Close();
-  /// Closes, and removes a plain file by the path of Create.
+  /// Closes, and removes the file by the path of Create.
   void CloseAndRemove();
 
  private:
+  /// Takes up a file that has just been opened, or the reason why it was not.
+  [[nodiscard]] bool Take(FileDescriptor file, std::string_view path);
+  [[nodiscard]] bool Fails(int error);
+
   std::string path_;
-  int descriptor_ = -1;
+  FileDescriptor file_;
   std::int64_t size_ = 0;
+  int error_ = 0;
 };
 
 }  // namespace kestrune::platform

@@ -8,11 +8,11 @@ namespace kestrune::platform {
 ///   mp3         ID3v2.4 into the reserved room (TPE1, TIT2, COMM, TENC for the encoder), and ID3v1 behind
 ///   ogg         Vorbis comments ARTIST, TITLE, COMMENT, ENCODER into the reserved room
 ///   wav, g726   a RIFF INFO list behind the sound (IART, INAM, ICMT, ISFT), UTF-8
-/// Raw and VOX files hold no tags. The sound is neither moved nor touched. Texts are cut at 900 bytes,
+/// Raw and VOX files hold no tags, and are left as they are. The sound is neither moved nor touched. Texts are cut at 900 bytes,
 /// control characters become blanks. Tagging again replaces the tags.
 class FileTagWriter final : public TagWriter {
  public:
-  [[nodiscard]] bool Write(std::string_view path, const Tags& tags) override;
+  base::Result Write(std::string_view path, const Tags& tags) override;
 };
 
 }  // namespace kestrune::platform

@@ -65,7 +65,7 @@ FileDescriptor IniSettingsStore::Lock(const std::string& path) const {
 }
 
 bool IniSettingsStore::Write(const std::string& path, const IniText& content) {
-  return ReplaceFile(path, [&content](int file) { return WriteAll(file, content.Text()); });
+  return ReplaceFile(path, [&content](int file) { return WriteAll(file, content.Text()); }).Ok();
 }
 
 std::string IniSettingsStore::GetSetting(std::string_view application, std::string_view section,

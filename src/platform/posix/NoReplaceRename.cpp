@@ -26,27 +26,36 @@ RenameOutcome RenameByLink(const std::string& from, const std::string& to) {
     return unsupported ? RenameOutcome::Unsupported : RenameOutcome::Refused;
   }
   if (::unlink(from.c_str()) == 0) return RenameOutcome::Done;
+  const int error = errno;
   base::Ignored(::unlink(to.c_str()));
+  errno = error;
   return RenameOutcome::Refused;
 }
 
 RenameOutcome RenameByClaim(const std::string& from, const std::string& to) {
   struct stat source {};
-  if (::stat(from.c_str(), &source) != 0 || !S_ISREG(source.st_mode)) return RenameOutcome::Refused;
+  if (::stat(from.c_str(), &source) != 0) return RenameOutcome::Refused;
+  if (!S_ISREG(source.st_mode)) {
+    errno = EINVAL;
+    return RenameOutcome::Refused;
+  }
   FileDescriptor claim(::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!claim.IsOpen()) return RenameOutcome::Refused;
   claim.Close();
   if (std::rename(from.c_str(), to.c_str()) == 0) return RenameOutcome::Done;
+  const int error = errno;
   base::Ignored(::unlink(to.c_str()));
+  errno = error;
   return RenameOutcome::Refused;
 }
 
-bool RenameNeverReplacing(const std::string& from, const std::string& to) {
+int RenameNeverReplacing(const std::string& from, const std::string& to) {
   for (const auto way : {RenameInOneStep, RenameByLink, RenameByClaim}) {
     const RenameOutcome outcome = way(from, to);
-    if (outcome != RenameOutcome::Unsupported) return outcome == RenameOutcome::Done;
+    if (outcome == RenameOutcome::Done) return 0;
+    if (outcome == RenameOutcome::Refused) return errno;
   }
-  return false;
+  return ENOTSUP;
 }
 
 }  // namespace kestrune::platform

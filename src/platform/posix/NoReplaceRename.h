@@ -8,7 +8,7 @@ namespace kestrune::platform {
 /// the same moment. Not every file system has each of them.
 enum class RenameOutcome {
   Done,
-  Refused,     ///< the name is taken, or the file cannot be renamed at all
+  Refused,     ///< the name is taken, or the file cannot be renamed at all; errno says which
   Unsupported  ///< this file system cannot do it in this way
 };
 
@@ -19,7 +19,7 @@ enum class RenameOutcome {
 /// An empty file claims the new name, then the file takes that one's place.
 [[nodiscard]] RenameOutcome RenameByClaim(const std::string& from, const std::string& to);
 
-/// The first of the three that the file system has.
-[[nodiscard]] bool RenameNeverReplacing(const std::string& from, const std::string& to);
+/// The first of the three that the file system has. 0, or the error; EEXIST if the new name is taken.
+[[nodiscard]] int RenameNeverReplacing(const std::string& from, const std::string& to);
 
 }  // namespace kestrune::platform

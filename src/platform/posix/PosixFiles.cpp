@@ -16,7 +16,9 @@
 #include "base/Ignored.h"
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/FileNames.h"
+#include "platform/posix/HeldFile.h"
 #include "platform/posix/NoReplaceRename.h"
+#include "platform/posix/SystemError.h"
 #include "platform/posix/WholeFile.h"
 
 namespace kestrune::platform {
@@ -31,8 +33,15 @@ struct CloseFolder {
 FileDescriptor OpenPlain(const std::string& path) {
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
-  if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-  return file;
+  if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0) return {};
+  if (S_ISREG(status.st_mode)) return file;
+  errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+  return {};
+}
+
+/// What the system answers to a path that it cannot take.
+base::Result NoSuchPath() {
+  return FailedWith(EINVAL);
 }
 
 bool CopyBytes(int from, int to) {
@@ -52,11 +61,12 @@ bool AppendOnce(int file, std::string_view text) {
     count = ::write(file, text.data(), text.size());
   } while (count < 0 && errno == EINTR);
   if (count == static_cast<ssize_t>(text.size())) return true;
-  if (count > 0) {
+  if (count >= 0) {
     const off_t end = ::lseek(file, 0, SEEK_CUR);
     struct stat status {};
     // Unless another process has appended behind it meanwhile.
     if (::fstat(file, &status) == 0 && status.st_size == end) base::Ignored(::ftruncate(file, end - count));
+    errno = ENOSPC;
   }
   return false;
 }
@@ -82,9 +92,10 @@ bool PosixFiles::Exists(std::string_view path) const {
   return name && ::stat(name->c_str(), &status) == 0;
 }
 
-bool PosixFiles::CreateFolder(std::string_view path) {
+base::Result PosixFiles::CreateFolder(std::string_view path) {
   const auto name = SystemPath(path);
-  return name && ::mkdir(name->c_str(), 0777) == 0;
+  if (!name) return NoSuchPath();
+  return ResultOf(::mkdir(name->c_str(), 0777));
 }
 
 bool PosixFiles::MakeOwnFolder(std::string_view path) {
@@ -102,9 +113,10 @@ std::string PosixFiles::CreatePrivateFolder(std::string_view parent) {
   return ::mkdtemp(name->data()) == nullptr ? std::string() : *name;
 }
 
-bool PosixFiles::RemoveFolder(std::string_view path) {
+base::Result PosixFiles::RemoveFolder(std::string_view path) {
   const auto name = SystemPath(path);
-  return name && ::rmdir(name->c_str()) == 0;
+  if (!name) return NoSuchPath();
+  return ResultOf(::rmdir(name->c_str()));
 }
 
 std::vector<std::string> PosixFiles::Matching(std::string_view folder, std::string_view pattern) const {
@@ -124,23 +136,34 @@ std::vector<std::string> PosixFiles::Matching(std::string_view folder, std::stri
   return names;
 }
 
-bool PosixFiles::Remove(std::string_view path) {
+base::Result PosixFiles::Remove(std::string_view path) {
   const auto name = SystemPath(path);
-  return name && ::unlink(name->c_str()) == 0;
+  if (!name) return NoSuchPath();
+  return ResultOf(::unlink(name->c_str()));
 }
 
-bool PosixFiles::RenameNoReplace(std::string_view from, std::string_view to) {
+base::Result PosixFiles::RemoveUnlessHeld(std::string_view path) {
+  const auto name = SystemPath(path);
+  if (!name) return NoSuchPath();
+  const int error = RemoveUnheld(*name);
+  return error == 0 ? base::Result::Done() : FailedWith(error);
+}
+
+RenameResult PosixFiles::RenameNoReplace(std::string_view from, std::string_view to) {
   const auto oldName = SystemPath(from);
   const auto newName = SystemPath(to);
-  return oldName && newName && RenameNeverReplacing(*oldName, *newName);
+  if (!oldName || !newName) return {.Outcome = NoSuchPath(), .NameTaken = false};
+  const int error = RenameNeverReplacing(*oldName, *newName);
+  if (error == 0) return {};
+  return {.Outcome = FailedWith(error), .NameTaken = error == EEXIST};
 }
 
-bool PosixFiles::Copy(std::string_view from, std::string_view to) {
+base::Result PosixFiles::Copy(std::string_view from, std::string_view to) {
   const auto source = SystemPath(from);
   const auto target = SystemPath(to);
-  if (!source || !target) return false;
+  if (!source || !target) return NoSuchPath();
   const FileDescriptor file = OpenPlain(*source);
-  if (!file.IsOpen()) return false;
+  if (!file.IsOpen()) return FailedWith(errno);
   return ReplaceFile(*target, [&file](int copy) { return CopyBytes(file.Number(), copy); });
 }
 
@@ -152,31 +175,30 @@ std::optional<std::string> PosixFiles::Read(std::string_view path) const {
   return ReadToEnd(file.Number());
 }
 
-bool PosixFiles::Replace(std::string_view path, std::string_view text) {
+base::Result PosixFiles::Replace(std::string_view path, std::string_view text) {
   const auto name = SystemPath(path);
-  return name && ReplaceFile(*name, [text](int file) { return WriteAll(file, text); });
+  if (!name) return NoSuchPath();
+  return ReplaceFile(*name, [text](int file) { return WriteAll(file, text); });
 }
 
-bool PosixFiles::Append(std::string_view path, std::string_view text) {
+base::Result PosixFiles::Append(std::string_view path, std::string_view text) {
   const auto name = SystemPath(path);
-  if (!name) return false;
-  FileDescriptor file(
-      ::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kOwnFile));
-  if (!file.IsOpen()) return false;
-  const bool written = AppendOnce(file.Number(), text);
-  return file.Close() && written;
+  if (!name) return NoSuchPath();
+  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kOwnFile));
+  if (!file.IsOpen()) return FailedWith(errno);
+  if (!AppendOnce(file.Number(), text)) return FailedWith(errno);
+  return file.Close() ? base::Result::Done() : FailedWith(errno);
 }
 
-bool PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
+base::Result PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
   const auto name = SystemPath(path);
-  if (!name) return false;
-  FileDescriptor file(
-      ::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnFolder));
-  if (!file.IsOpen()) return false;
-  const bool written = WriteAll(file.Number(), bytes);
-  if (file.Close() && written) return true;
-  base::Ignored(::unlink(name->c_str()));
-  return false;
+  if (!name) return NoSuchPath();
+  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnFolder));
+  if (!file.IsOpen()) return FailedWith(errno);
+  base::Result written = ResultOf(WriteAll(file.Number(), bytes) ? 0 : -1);
+  if (!file.Close() && written) written = FailedWith(errno);
+  if (!written) base::Ignored(::unlink(name->c_str()));
+  return written;
 }
 
 std::unique_ptr<OpenTextFile> PosixFiles::OpenForWriting(std::string_view path) {

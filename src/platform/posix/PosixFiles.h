@@ -14,24 +14,25 @@ namespace kestrune::platform {
 class PosixFiles final : public Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
-  [[nodiscard]] bool CreateFolder(std::string_view path) override;
+  [[nodiscard]] base::Result CreateFolder(std::string_view path) override;
   [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;
-  [[nodiscard]] bool RemoveFolder(std::string_view path) override;
+  [[nodiscard]] base::Result RemoveFolder(std::string_view path) override;
   /// A link to a plain file counts as one.
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
                                                   std::string_view pattern) const override;
   /// Removes a file, never a folder.
-  [[nodiscard]] bool Remove(std::string_view path) override;
-  [[nodiscard]] bool RenameNoReplace(std::string_view from, std::string_view to) override;
+  [[nodiscard]] base::Result Remove(std::string_view path) override;
+  [[nodiscard]] base::Result RemoveUnlessHeld(std::string_view path) override;
+  [[nodiscard]] RenameResult RenameNoReplace(std::string_view from, std::string_view to) override;
   /// Plain files only; a file of the new name is replaced as a whole.
-  [[nodiscard]] bool Copy(std::string_view from, std::string_view to) override;
+  [[nodiscard]] base::Result Copy(std::string_view from, std::string_view to) override;
   /// Plain files only, so that a pipe never holds up the caller.
   [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
-  [[nodiscard]] bool Replace(std::string_view path, std::string_view text) override;
-  [[nodiscard]] bool Append(std::string_view path, std::string_view text) override;
+  [[nodiscard]] base::Result Replace(std::string_view path, std::string_view text) override;
+  [[nodiscard]] base::Result Append(std::string_view path, std::string_view text) override;
   /// A link of that name counts as a file that was there.
-  [[nodiscard]] bool CreateProgram(std::string_view path, std::string_view bytes) override;
+  [[nodiscard]] base::Result CreateProgram(std::string_view path, std::string_view bytes) override;
   [[nodiscard]] std::unique_ptr<OpenTextFile> OpenForWriting(std::string_view path) override;
   /// A path that does not exist yet counts as lying in the nearest folder above it that does.
   [[nodiscard]] double FreeBytes(std::string_view path) const override;

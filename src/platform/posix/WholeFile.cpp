@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
@@ -14,6 +15,8 @@
 #include "base/Ignored.h"
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/FileNames.h"
+#include "platform/posix/HeldFile.h"
+#include "platform/posix/SystemError.h"
 
 namespace kestrune::platform {
 
@@ -24,12 +27,25 @@ std::string FollowLinks(const std::string& path) {
   return ::realpath(path.c_str(), target.data()) == nullptr ? path : std::string(target.data());
 }
 
+constexpr std::string_view kPrivatePattern = ".kestrune-*-*";
+
+/// Removes what processes that were killed while they wrote have left in the folder.
+void RemoveLeftovers(const std::string& folder) {
+  DIR* const open = ::opendir(folder.c_str());
+  if (open == nullptr) return;
+  while (const dirent* entry = ::readdir(open)) {
+    const std::string name(&entry->d_name[0]);
+    if (MatchesPattern(name, kPrivatePattern)) base::Ignored(RemoveUnheld(folder + "/" + name));
+  }
+  ::closedir(open);
+}
+
 /// A new file under a hidden name that is short, whatever the length of the name it is to take.
 FileDescriptor OpenPrivate(const std::string& folder, std::string& path) {
   for (int attempt = 0; attempt < 1000; ++attempt) {
     path = fmt::format("{}/.kestrune-{}-{}", folder, ::getpid(), attempt);
-    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnFile));
-    if (file.IsOpen() || errno != EEXIST) return file;
+    FileDescriptor file = CreateHeld(path, kOwnFile);
+    if (file.IsOpen() || errno != EBUSY) return file;
   }
   return {};
 }
@@ -62,27 +78,30 @@ bool WriteAll(int file, std::string_view text) {
     if (count > 0) {
       text.remove_prefix(static_cast<std::size_t>(count));
     } else if (count == 0 || errno != EINTR) {
+      if (count == 0) errno = ENOSPC;
       return false;
     }
   }
   return true;
 }
 
-bool ReplaceFile(const std::string& path, const std::function<bool(int file)>& write) {
+base::Result ReplaceFile(const std::string& path, const std::function<bool(int file)>& write) {
   const std::string target = FollowLinks(path);
   const std::string folder = FolderOf(target);
   std::string temporary;
+  RemoveLeftovers(folder);
   FileDescriptor file = OpenPrivate(folder, temporary);
-  if (!file.IsOpen()) return false;
+  if (!file.IsOpen()) return FailedWith(errno);
 
-  bool good = write(file.Number()) && ::fsync(file.Number()) == 0;
-  good = file.Close() && good;
-  if (!good || std::rename(temporary.c_str(), target.c_str()) != 0) {
+  const bool good = write(file.Number()) && ::fsync(file.Number()) == 0;
+  // The file stays open, and so held, until it has its name: nobody takes it for a leftover.
+  const base::Result done = ResultOf(good ? std::rename(temporary.c_str(), target.c_str()) : -1);
+  if (!done) {
     base::Ignored(::unlink(temporary.c_str()));
-    return false;
+    return done;
   }
   SyncFolder(folder);
-  return true;
+  return done;
 }
 
 }  // namespace kestrune::platform

@@ -80,11 +80,11 @@ std::int32_t RingRecorder::TimeToBytes(std::int32_t milliseconds) const {
                                    static_cast<std::int64_t>(sizeof(std::int16_t)));
 }
 
-std::int16_t RingRecorder::StartRecording() {
+NumberedResult RingRecorder::StartRecording() {
   if (recording_) Stop();
-  if (!Recordable(format_)) return kBadFormat;
+  if (!Recordable(format_)) return {.Number = kBadFormat, .Cause = "the input cannot record this sample format"};
   const SoundDevice* device = SelectedDevice();
-  if (device == nullptr) return kNoSuchDevice;
+  if (device == nullptr) return {.Number = kNoSuchDevice, .Cause = "there is no such input"};
   if (!open_ || openId_ != device->Id || openFormat_ != format_) OpenSource(*device);
   const auto channels = static_cast<std::size_t>(format_.Channels);
   const std::int32_t bytes = blockBytes_ > 0 ? blockBytes_ : TimeToBytes(kBlockMilliseconds);
@@ -96,7 +96,7 @@ std::int16_t RingRecorder::StartRecording() {
   recording_ = true;
   pollTimer_->SetEnabled(true);
   displayTimer_->SetEnabled(true);
-  return kStarted;
+  return {};
 }
 
 void RingRecorder::Stop() {

@@ -72,7 +72,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void SetBlockSize(std::int32_t bytes) override { blockBytes_ = bytes; }
   /// Does nothing: StartRecording prepares what is needed.
   void Prepare() override {}
-  [[nodiscard]] std::int16_t StartRecording() override;
+  NumberedResult StartRecording() override;
   void Stop() override;
 
   [[nodiscard]] std::span<const std::int16_t> GetBlock() const override { return block_; }

@@ -39,7 +39,7 @@ std::vector<ChannelEntry> ChannelListFile::Read() const {
 }
 
 bool ChannelListFile::Write(const std::vector<ChannelEntry>& entries) {
-  return files_.Replace(path_, Format(entries));
+  return files_.Replace(path_, Format(entries)).Ok();
 }
 
 std::vector<ChannelEntry> ChannelListFile::Parse(std::string_view text) {

@@ -24,7 +24,7 @@ class ChannelListFile {
   [[nodiscard]] std::vector<ChannelEntry> Read() const;
   /// Replaces the file; false if that failed.
   [[nodiscard]] bool Write(const std::vector<ChannelEntry>& entries);
-  [[nodiscard]] bool Remove() { return files_.Remove(path_); }
+  [[nodiscard]] bool Remove() { return files_.Remove(path_).Ok(); }
 
   /// An entry a line, whatever it holds: a number that is none, or that no channel can have, is 0, and
   /// missing fields are empty. The genre of channel 1 is left out.

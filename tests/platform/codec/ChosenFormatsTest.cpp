@@ -37,12 +37,11 @@ class ChosenFormats : public testing::Test {
     settings_.FileFormat = format;
     specs_.SetFileSpecs(0);
     std::string path = folder_.Path("song." + std::string(format));
-    file_.Create(path);
-    EXPECT_EQ(file_.LastResult(), 0) << specs_.FileFormatString();
+    EXPECT_EQ(file_.Create(path).Number, 0) << specs_.FileFormatString();
     const auto shape = file_.FormatValues();
     frames_ = static_cast<std::size_t>(shape.SampleRate);
     EXPECT_TRUE(WriteBlocks(file_, MakeMusic(frames_, shape.SampleRate, shape.Channels)));
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     return path;
   }
 
@@ -223,10 +222,9 @@ TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
         EXPECT_EQ(specs_.FileFormatString(), fmt::format("MP3, {} kbit/s constant, {} Hz, {}", real, rate,
                                                          channels == 1 ? "mono" : "joint stereo"));
         const std::string path = folder_.Path(fmt::format("{}-{}.mp3", channels, position));
-        file_.Create(path);
-        ASSERT_EQ(file_.LastResult(), 0) << specs_.FileFormatString();
+        ASSERT_EQ(file_.Create(path).Number, 0) << specs_.FileFormatString();
         ASSERT_TRUE(WriteBlocks(file_, MakeMusic(kSamples, rate, static_cast<std::int16_t>(channels))));
-        file_.Close();
+        EXPECT_TRUE(file_.Close());
         const Mp3Stream stream = ParseMp3(ReadFile(path));
         ASSERT_FALSE(stream.Broken);
         for (const Mp3Frame& frame : stream.Sound()) {
@@ -328,9 +326,9 @@ TEST_F(ChosenFormats, TheMp3FiltersTakeTheirBandAway) {
     settings_.FileFormat = "MP3";
     specs_.SetFileSpecs(0);
     const std::string path = folder_.Path("tones.mp3");
-    file_.Create(path);
+    EXPECT_TRUE(file_.Create(path));
     EXPECT_TRUE(WriteBlocks(file_, MakeTones(44100, 44100, 2, tones)));
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     const auto decoded = DecodeWithFfmpeg(path);
     std::vector<double> found;
     for (const double tone : tones) found.push_back(ToneLevel(decoded, 2, 44100, tone));

@@ -42,10 +42,9 @@ class DecodedSound : public testing::Test {
   std::vector<std::int16_t> WriteMusic(const std::string& path, std::size_t frames = kFrames) {
     const auto format = file_.FormatValues();
     auto music = MakeMusic(frames, format.SampleRate, format.Channels);
-    file_.Create(path);
-    EXPECT_GE(file_.LastResult(), 0);
+    EXPECT_GE(file_.Create(path).Number, 0);
     EXPECT_TRUE(WriteBlocks(file_, music));
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     EXPECT_EQ(file_.Length(), static_cast<std::int64_t>(frames) * 1000 / format.SampleRate);
     return music;
   }
@@ -131,12 +130,12 @@ TEST_F(DecodedSound, VoxBlocksOfOddSizesAddNoSample) {
   const std::string path = folder_.Path("a.vox");
   file_.SetFormat(platform::VoxFormat{8000});
   const auto music = MakeMusic(8001, 8000, 1);
-  file_.Create(path);
+  EXPECT_TRUE(file_.Create(path));
   for (std::size_t at = 0; at < music.size(); at += 333) {
     ASSERT_TRUE(
         file_.WriteBlock(std::span(music).subspan(at, std::min<std::size_t>(333, music.size() - at))));
   }
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   EXPECT_EQ(ReadFile(path).size(), 4001U);  // the last byte filled up
   EXPECT_GT(SignalToNoise(music, DecodeWithSox(path, "-t vox -r 8000 -c 1")), 12);
 }
@@ -348,9 +347,9 @@ TEST_F(DecodedSound, OggQualityAndBitrateChangeTheSize) {
   const auto size = [&](std::int16_t nominal, std::int16_t quality) {
     file_.SetFormat(platform::OggFormat{44100, 2, nominal, 0, 0, quality});
     const std::string path = folder_.Path("a.ogg");
-    file_.Create(path);
+    EXPECT_TRUE(file_.Create(path));
     EXPECT_TRUE(WriteBlocks(file_, MakeNoise(44100 * 4, 1)));
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     return ReadFile(path).size();
   };
   EXPECT_LT(size(128, 0), size(128, 4));
@@ -410,10 +409,9 @@ TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.Name);
     row.Prepare(file_);
-    file_.Create(folder_.Path(row.Name));
-    EXPECT_EQ(file_.LastResult(), 0);
+    EXPECT_EQ(file_.Create(folder_.Path(row.Name)).Number, 0);
     EXPECT_TRUE(file_.WriteBlock({}));
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     EXPECT_EQ(file_.Length(), 0);
     EXPECT_TRUE(DecodeWithFfmpeg(folder_.Path(row.Name), row.Options).empty());
   }
@@ -431,10 +429,10 @@ class ThreeFiles : public DecodedSound {
     std::vector<std::int16_t> joined;
     for (std::size_t i = 0; i < 3; ++i) {
       const std::string path = folder_.Path("song." + extension);
-      file_.Create(path);
+      EXPECT_TRUE(file_.Create(path));
       ASSERT_TRUE(WriteBlocks(
           file_, std::span(music).subspan(cuts[i] * channels, (cuts[i + 1] - cuts[i]) * channels)));
-      file_.Close();
+      EXPECT_TRUE(file_.Close());
       const auto decoded = decode(path);
       ASSERT_EQ(decoded.size(), (cuts[i + 1] - cuts[i]) * channels);
       joined.insert(joined.end(), decoded.begin(), decoded.end());

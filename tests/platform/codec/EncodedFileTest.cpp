@@ -33,15 +33,14 @@ class EncodedFileTest : public testing::Test {
  protected:
   std::int16_t ResultOf(const std::function<void(EncodedFile&)>& prepare) {
     prepare(file_);
-    file_.Create(path_);
-    const std::int16_t result = file_.LastResult();
+    const std::int16_t result = file_.Create(path_).Number;
     if (result < 0) {
       EXPECT_FALSE(std::filesystem::exists(path_)) << "a refused format leaves no file";
       const std::vector<std::int16_t> block(64);
       EXPECT_FALSE(file_.WriteBlock(block));
       EXPECT_EQ(file_.Length(), 0);
     }
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     std::filesystem::remove(path_);
     return result;
   }
@@ -64,27 +63,22 @@ TEST_F(EncodedFileTest, CreateBeforeAnyFormatIsRefused) {
 
 TEST_F(EncodedFileTest, AMissingFolderIsSaidAndLeavesNothing) {
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
-  file_.Create(folder_.Path("missing/capture.wav"));
-  EXPECT_EQ(file_.LastResult(), platform::kFileNotOpened);
+  EXPECT_EQ(file_.Create(folder_.Path("missing/capture.wav")).Number, platform::kFileNotOpened);
   EXPECT_FALSE(std::filesystem::exists(folder_.Path("missing")));
-  file_.Create(folder_.Path(""));
-  EXPECT_EQ(file_.LastResult(), platform::kFileNotOpened);
+  EXPECT_EQ(file_.Create(folder_.Path("")).Number, platform::kFileNotOpened);
 }
 
 TEST_F(EncodedFileTest, ALaterCreateForgetsAnEarlierFailure) {
   file_.SetFormat(platform::WavFormat{44100, 2, 7});
-  file_.Create(path_);
-  EXPECT_LT(file_.LastResult(), 0);
+  EXPECT_LT(file_.Create(path_).Number, 0);
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
-  file_.Create(path_);
-  EXPECT_EQ(file_.LastResult(), 0);
+  EXPECT_EQ(file_.Create(path_).Number, 0);
 }
 
 TEST_F(EncodedFileTest, ARefusedFormatLeavesAFileOfThatNameAsItWas) {
   WriteFile(path_, "precious");
   file_.SetFormat(platform::WavFormat{44100, 3, 16});
-  file_.Create(path_);
-  EXPECT_EQ(file_.LastResult(), platform::kShapeRefused);
+  EXPECT_EQ(file_.Create(path_).Number, platform::kShapeRefused);
   EXPECT_EQ(ReadFile(path_), "precious");
 }
 
@@ -198,13 +192,13 @@ TEST_F(EncodedFileTest, SetFormatDoesNotTouchTheOpenFile) {
   const auto music = MakeMusic(10000, 44100, 2);
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
   const std::string path = folder_.Path("a.wav");
-  file_.Create(path);
+  EXPECT_TRUE(file_.Create(path));
   ASSERT_TRUE(file_.WriteBlock(std::span(music).first(8000)));
   file_.SetFormat(platform::VoxFormat{8000});
   EXPECT_EQ(file_.FormatValues(), (platform::PcmFormat{8000, 1}));
   ASSERT_TRUE(file_.WriteBlock(std::span(music).subspan(8000)));
   EXPECT_EQ(file_.Length(), 10000 * 1000 / 44100);
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   EXPECT_EQ(DecodeWithFfmpeg(path), music);
 }
 
@@ -214,31 +208,31 @@ TEST_F(EncodedFileTest, CreateReplacesAFileAndClosesTheOneThatIsOpen) {
   const std::string second = folder_.Path("b.wav");
   WriteFile(second, std::string(1000000, 'x'));
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
-  file_.Create(first);
+  EXPECT_TRUE(file_.Create(first));
   ASSERT_TRUE(file_.WriteBlock(music));
-  file_.Create(second);
+  EXPECT_TRUE(file_.Create(second));
   EXPECT_EQ(file_.Length(), 0);
   ASSERT_TRUE(file_.WriteBlock(music));
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   EXPECT_EQ(DecodeWithFfmpeg(first), music);
   EXPECT_EQ(DecodeWithFfmpeg(second), music);
   EXPECT_LT(ReadFile(second).size(), 30000U);
 }
 
 TEST_F(EncodedFileTest, CloseWithoutAnOpenFileDoesNothing) {
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
-  file_.Close();
-  file_.Create(path_);
-  file_.Close();
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
+  EXPECT_TRUE(file_.Create(path_));
+  EXPECT_TRUE(file_.Close());
+  EXPECT_TRUE(file_.Close());
   const std::vector<std::int16_t> block(64);
   EXPECT_FALSE(file_.WriteBlock(block));
 }
 
 TEST_F(EncodedFileTest, LengthIsWholeMillisecondsAndStaysAfterClose) {
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
-  file_.Create(path_);
+  EXPECT_TRUE(file_.Create(path_));
   const std::vector<std::int16_t> second(88200);
   ASSERT_TRUE(file_.WriteBlock(std::span(second).first(2 * 44)));
   EXPECT_EQ(file_.Length(), 0);
@@ -246,17 +240,17 @@ TEST_F(EncodedFileTest, LengthIsWholeMillisecondsAndStaysAfterClose) {
   EXPECT_EQ(file_.Length(), 1);
   ASSERT_TRUE(file_.WriteBlock(second));
   EXPECT_EQ(file_.Length(), 1001);
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   EXPECT_EQ(file_.Length(), 1001);
 }
 
 TEST_F(EncodedFileTest, APartFrameIsNotTakenAndSaid) {
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
   const std::string path = folder_.Path("a.wav");
-  file_.Create(path);
+  EXPECT_TRUE(file_.Create(path));
   const std::vector<std::int16_t> samples{1, 2, 3, 4, 5};
   EXPECT_FALSE(file_.WriteBlock(samples));
-  file_.Close();
+  EXPECT_TRUE(file_.Close());
   EXPECT_EQ(DecodeWithFfmpeg(path), (std::vector<std::int16_t>{1, 2, 3, 4}));
 }
 
@@ -275,11 +269,11 @@ TEST_F(EncodedFileTest, AFileWhoseEndNeverCameCanStillBePlayed) {
   };
   for (const auto& [name, prepare] : rows) {
     prepare();
-    file_.Create(folder_.Path(name));
+    EXPECT_TRUE(file_.Create(folder_.Path(name)));
     ASSERT_TRUE(WriteBlocks(file_, music));
     const std::string copy = folder_.Path("killed-" + name);
     std::filesystem::copy_file(folder_.Path(name), copy);
-    file_.Close();
+    EXPECT_TRUE(file_.Close());
     EXPECT_GT(DecodeWithFfmpeg(copy).size(), music.size() / 4) << name;
   }
   EXPECT_EQ(DecodeWithFfmpeg(folder_.Path("killed-a.wav")), music);

@@ -58,10 +58,9 @@ class FileTagWriterTest : public testing::Test {
     const auto format = file.FormatValues();
     // An odd number of bytes where the format allows it.
     sound_ = MakeMusic(30001, format.SampleRate, format.Channels);
-    file.Create(path);
-    EXPECT_EQ(file.LastResult(), 0);
+    EXPECT_EQ(file.Create(path).Number, 0);
     EXPECT_TRUE(WriteBlocks(file, sound_));
-    file.Close();
+    EXPECT_TRUE(file.Close());
     return path;
   }
 
@@ -269,7 +268,7 @@ TEST_F(FileTagWriterTest, ACutOffFileIsTaggedOrLeftButItsSoundNeverSpoilt) {
 TEST_F(FileTagWriterTest, AFileWhoseEndNeverCameHoldsNoInfoList) {
   EncodedFile file;
   file.SetFormat(platform::WavFormat{44100, 2, 16});
-  file.Create(folder_.Path("a.wav"));
+  EXPECT_TRUE(file.Create(folder_.Path("a.wav")));
   ASSERT_TRUE(file.WriteBlock(MakeMusic(1000, 44100, 2)));
   const std::string before = ReadFile(folder_.Path("a.wav"));
   EXPECT_FALSE(writer_.Write(folder_.Path("a.wav"), SomeTags()));

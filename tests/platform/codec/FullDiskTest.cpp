@@ -9,6 +9,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 
+#include "base/Ignored.h"
 #include "platform/codec/CaptureErrors.h"
 #include "platform/codec/Decoders.h"
 #include "platform/codec/EncodedFile.h"
@@ -127,10 +128,9 @@ TEST(FullDisk, AShortFileIsFinishedAndPlays) {
       const FileSizeLimit limit(150001);
       EncodedFile file;
       row.Prepare(file);
-      file.Create(path);
-      ASSERT_EQ(file.LastResult(), 0);
+      ASSERT_EQ(file.Create(path).Number, 0);
       taken = FillUp(file);
-      file.Close();
+      base::Ignored(file.Close());
     }
     ASSERT_GT(taken, 0U);
     EXPECT_LE(ReadFile(path).size(), 150001U);
@@ -151,25 +151,18 @@ TEST(FullDisk, AFileThatTakesNotEvenItsHeaderIsRemoved) {
     const FileSizeLimit limit(20);
     EncodedFile file;
     row.Prepare(file);
-    file.Create(folder.Path(row.Name));
-    EXPECT_EQ(file.LastResult(), platform::kDiskFull);
+    EXPECT_EQ(file.Create(folder.Path(row.Name)).Number, platform::kDiskFull);
     EXPECT_FALSE(std::filesystem::exists(folder.Path(row.Name)));
     EXPECT_FALSE(file.WriteBlock({}));
-    file.Close();
+    EXPECT_TRUE(file.Close());
   }
 }
 
-TEST(FullDisk, ADeviceThatIsAlwaysFullIsRefusedAndNotRemoved) {
+TEST(FullDisk, ADeviceIsNeitherWrittenNorRemoved) {
   for (const Row& row : Formats()) {
     EncodedFile file;
     row.Prepare(file);
-    file.Create("/dev/full");
-    if (file.LastResult() == 0) {
-      EXPECT_FALSE(file.WriteBlock(MakeNoise(2000, 7)));
-      file.Close();
-    } else {
-      EXPECT_EQ(file.LastResult(), platform::kDiskFull);
-    }
+    EXPECT_EQ(file.Create("/dev/full").Number, platform::kNameHeld);
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
   }
 }
@@ -182,9 +175,9 @@ TEST(FullDisk, TagsInReservedRoomAreWrittenAllTheSame) {
     const FileSizeLimit limit(150001);
     EncodedFile file;
     row.Prepare(file);
-    file.Create(path);
+    EXPECT_TRUE(file.Create(path));
     FillUp(file);
-    file.Close();
+    base::Ignored(file.Close());
     const FileSizeLimit noMore(std::filesystem::file_size(path));
     platform::FileTagWriter writer;
     EXPECT_TRUE(writer.Write(path, {"Artist", "Title", "", "", 1}));
@@ -200,9 +193,9 @@ TEST(FullDisk, AnInfoListThatDoesNotFitLeavesTheFileAsItWas) {
     const std::string path = folder.Path(row.Name);
     EncodedFile file;
     row.Prepare(file);
-    file.Create(path);
+    EXPECT_TRUE(file.Create(path));
     ASSERT_TRUE(file.WriteBlock(MakeNoise(1000, 8)));
-    file.Close();
+    EXPECT_TRUE(file.Close());
     const std::string before = ReadFile(path);
     const FileSizeLimit limit(before.size() + 10);
     platform::FileTagWriter writer;
@@ -223,10 +216,9 @@ TEST(FullDisk, ASmallVolumeGivesTheSame) {
     const std::string path = volume + "/" + row.Name;
     EncodedFile file;
     row.Prepare(file);
-    file.Create(path);
-    EXPECT_EQ(file.LastResult(), 0);
+    EXPECT_EQ(file.Create(path).Number, 0);
     const std::size_t taken = FillUp(file);
-    file.Close();
+    base::Ignored(file.Close());
     EXPECT_GT(taken, 0U);
     ExpectWhatWasTaken(row, path, taken);
     std::filesystem::remove(path);

@@ -193,8 +193,7 @@ TEST(RandomMp3Parameters, GiveAnExactFileOrARefusalAndNeverACrash) {
         p.DifferentBlockTypes, p.ShortBlocks, p.ComplyISO, p.VBREnforceMinBitRate, p.IncludeCRC));
     platform::EncodedFile file;
     file.SetFormat(p);
-    file.Create(path);
-    if (file.LastResult() < 0) {
+    if (!file.Create(path)) {
       ASSERT_FALSE(std::filesystem::exists(path));
       continue;
     }
@@ -204,7 +203,7 @@ TEST(RandomMp3Parameters, GiveAnExactFileOrARefusalAndNeverACrash) {
         coin() ? MakeClicks(frames, p.Frequency, p.Channels)
                : MakeNoise(frames * static_cast<std::size_t>(p.Channels), static_cast<unsigned>(run));
     ASSERT_TRUE(WriteBlocks(file, sound));
-    file.Close();
+    EXPECT_TRUE(file.Close());
     const auto stream = ParseMp3(ReadFile(path));
     ASSERT_FALSE(stream.Broken);
     const auto info = ParseInfo(stream);

@@ -149,10 +149,9 @@ TEST(Mp3Bitrates, ASingleBitrateBetweenTheLimitsIsConstant) {
   platform::EncodedFile file;
   file.SetFormat(parameters);
   EXPECT_EQ(file.FormatDescription(), "MP3, 32 kbit/s constant, 32000 Hz, mono");
-  file.Create(path);
-  ASSERT_EQ(file.LastResult(), 0);
+  ASSERT_EQ(file.Create(path).Number, 0);
   ASSERT_TRUE(WriteBlocks(file, MakeClicks(6462, 32000, 1)));
-  file.Close();
+  EXPECT_TRUE(file.Close());
   const auto stream = ParseMp3(ReadFile(path));
   EXPECT_EQ(ParseInfo(stream).Method, 1);
   for (const auto& frame : stream.Sound()) ASSERT_EQ(frame.Bitrate, 32);

@@ -55,9 +55,9 @@ std::string Encode(const Mp3Parameters& parameters, const std::vector<std::int16
   TempFolder folder;
   platform::EncodedFile file;
   file.SetFormat(parameters);
-  file.Create(folder.Path("a.mp3"));
+  EXPECT_TRUE(file.Create(folder.Path("a.mp3")));
   EXPECT_TRUE(WriteBlocks(file, samples));
-  file.Close();
+  EXPECT_TRUE(file.Close());
   return ReadFile(folder.Path("a.mp3"));
 }
 

@@ -33,10 +33,9 @@ class Mp3ParametersTest : public testing::Test {
   Mp3Stream Encode(const std::vector<std::int16_t>& sound) {
     platform::EncodedFile file;
     file.SetFormat(parameters_);
-    file.Create(path_);
-    EXPECT_EQ(file.LastResult(), 0);
+    EXPECT_EQ(file.Create(path_).Number, 0);
     EXPECT_TRUE(WriteBlocks(file, sound));
-    file.Close();
+    EXPECT_TRUE(file.Close());
     auto stream = ParseMp3(ReadFile(path_));
     EXPECT_FALSE(stream.Broken);
     EXPECT_EQ(DecodeWithFfmpeg(path_).size(), sound.size());

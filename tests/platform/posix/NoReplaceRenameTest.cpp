@@ -68,9 +68,9 @@ INSTANTIATE_TEST_SUITE_P(Ways, NoReplaceRename,
 TEST(RenameNeverReplacing, TakesTheFirstWayThereIs) {
   const TemporaryFolder folder;
   PutFile(folder / "from", "text");
-  EXPECT_TRUE(RenameNeverReplacing(folder / "from", folder / "to"));
+  EXPECT_EQ(RenameNeverReplacing(folder / "from", folder / "to"), 0);
   EXPECT_EQ(FileText(folder / "to"), "text");
-  EXPECT_FALSE(RenameNeverReplacing(folder / "from", folder / "other"));
+  EXPECT_EQ(RenameNeverReplacing(folder / "from", folder / "other"), ENOENT);
 }
 
 }  // namespace

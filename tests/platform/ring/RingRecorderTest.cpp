@@ -36,7 +36,7 @@ class RingRecorderTest : public ::testing::Test {
     Recorder->SetFormat(format);
     Recorder->SetBlockSize(Recorder->TimeToBytes(100));
     Recorder->Prepare();
-    return Recorder->StartRecording();
+    return Recorder->StartRecording().Number;
   }
 
   /// Numbers of the frames taken since the last call.
@@ -85,7 +85,7 @@ TEST_F(RingRecorderTest, TimeToBytesCountsWholeFrames) {
 TEST_F(RingRecorderTest, AnOddBlockSizeIsCutToWholeFrames) {
   Recorder->SetFormat({44100, 2});
   Recorder->SetBlockSize(4003);
-  ASSERT_EQ(Recorder->StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(Recorder->StartRecording().Number, RingRecorder::kStarted);
   Loop.Run(milliseconds(500));
   ASSERT_FALSE(BlockSizes.empty());
   EXPECT_EQ(BlockSizes[0], 2000U);
@@ -93,7 +93,7 @@ TEST_F(RingRecorderTest, AnOddBlockSizeIsCutToWholeFrames) {
 
 TEST_F(RingRecorderTest, WithoutABlockSizeABlockIsATenthOfASecond) {
   Recorder->SetFormat({8000, 1});
-  ASSERT_EQ(Recorder->StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(Recorder->StartRecording().Number, RingRecorder::kStarted);
   Loop.Run(milliseconds(500));
   ASSERT_FALSE(BlockSizes.empty());
   EXPECT_EQ(BlockSizes[0], 800U);
@@ -602,7 +602,7 @@ TEST(RingRecorderThreads, CutsWhileTheSourcesThreadDeliversLoseNothing) {
     taken.clear();
     recorder.SetFormat({rate, 2});
     while (!source.Done() || taken.size() < 2 * std::size_t{ThreadedSource::kFrames}) {
-      ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+      ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
       loop.Run(milliseconds(random() % 150));
       recorder.Stop();
     }

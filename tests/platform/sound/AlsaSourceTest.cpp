@@ -86,14 +86,14 @@ TEST_F(AlsaSourceTest, RecordsWhatIsPlayedWithoutLossOrDoubling) {
     taken.insert(taken.end(), block.begin(), block.end());
   });
   recorder.SetFormat({44100, 2});
-  ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(loop.RunUntil([&] { return !taken.empty(); }, milliseconds(10000)));
   const std::int64_t lostAtStart = recorder.FramesLost();
   auto player = Server.Play(file);
   for (int cut = 0; cut < 40; ++cut) {
     loop.Run(milliseconds(90 + cut));
     recorder.Stop();
-    ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+    ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
   }
   recorder.Stop();
   FrameLedger ledger;

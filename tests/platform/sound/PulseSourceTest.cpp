@@ -132,7 +132,7 @@ TEST_F(PulseSourceTest, TwoHundredCutsOfARealServersSoundLoseAndDoubleNothing) {
   recorder.SetDeviceIndex(4);
   recorder.SetFormat({44100, 2});
   recorder.SetBlockSize(recorder.TimeToBytes(100));
-  ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(Loop.RunUntil([&] { return !taken.empty(); }, milliseconds(10000)));
   // The idle device had planned to sleep.
   const std::int64_t lostAtStart = recorder.FramesLost();
@@ -145,7 +145,7 @@ TEST_F(PulseSourceTest, TwoHundredCutsOfARealServersSoundLoseAndDoubleNothing) {
     ledger.Add(SimulatedSoundSource::FrameNumbers(taken));
     taken.clear();
     if (random() % 5 == 0) Loop.Sleep(milliseconds(random() % 40));
-    ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+    ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
     ++cuts;
   };
   while (cuts < 220) {
@@ -175,7 +175,7 @@ TEST_F(PulseSourceTest, AServerThatIsKilledAndComesBackIsRecordedOn) {
   ASSERT_EQ(recorder.DeviceCount(), 6);
   recorder.SetDeviceIndex(4);
   recorder.SetFormat({44100, 2});
-  ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(Loop.RunUntil([&] { return !taken.empty(); }, milliseconds(10000)));
   auto player = Server.Play(Numbers(44100 * 60));
   Loop.Run(milliseconds(1500));
@@ -191,7 +191,7 @@ TEST_F(PulseSourceTest, AServerThatIsKilledAndComesBackIsRecordedOn) {
   // A cut while nothing is there.
   const auto cutStart = std::chrono::steady_clock::now();
   recorder.Stop();
-  ASSERT_EQ(recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
   EXPECT_LT(std::chrono::steady_clock::now() - cutStart, milliseconds(100))
       << "the main thread waits for no server";
 
@@ -227,7 +227,7 @@ class PulseRecorder {
   std::chrono::milliseconds Cut() {
     const auto start = std::chrono::steady_clock::now();
     Recorder.Stop();
-    EXPECT_EQ(Recorder.StartRecording(), RingRecorder::kStarted);
+    EXPECT_EQ(Recorder.StartRecording().Number, RingRecorder::kStarted);
     Taken = 0;
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
   }
@@ -242,7 +242,7 @@ TEST_F(PulseSourceTest, TheMapperStaysWithItsDeviceWhileTheServerStartsAnew) {
   ASSERT_EQ(rig.Recorder.DeviceCount(), 6);
   rig.Recorder.SetDeviceIndex(5);
   ASSERT_EQ(rig.Recorder.DeviceName(), RingRecorder::kMapperName);
-  ASSERT_EQ(rig.Recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(rig.Recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(Loop.RunUntil([&] { return rig.Taken > 44100; }, milliseconds(10000)));
   Server.Kill();
   Loop.Run(milliseconds(1500));
@@ -263,7 +263,7 @@ TEST_F(PulseSourceTest, TheMapperStaysWithItsDeviceWhileTheServerStartsAnew) {
 TEST_F(PulseSourceTest, ADeviceThatCannotBeOpenedAtACutIsTriedAgainUntilItCan) {
   PulseRecorder rig(Loop, Server);
   ASSERT_EQ(rig.Recorder.DeviceCount(), 6);
-  ASSERT_EQ(rig.Recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(rig.Recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(Loop.RunUntil([&] { return rig.Taken > 44100; }, milliseconds(10000)));
   Server.Kill();
   Loop.Run(milliseconds(200));
@@ -283,7 +283,7 @@ TEST_F(PulseSourceTest, AServerThatAnswersNothingHoldsNobodyUp) {
   PulseRecorder rig(Loop, Server);
   ASSERT_EQ(rig.Recorder.DeviceCount(), 6);
   rig.Recorder.SetDeviceIndex(5);
-  ASSERT_EQ(rig.Recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(rig.Recorder.StartRecording().Number, RingRecorder::kStarted);
   ASSERT_TRUE(Loop.RunUntil([&] { return rig.Taken > 44100; }, milliseconds(10000)));
   Server.Halt();
   Loop.Run(milliseconds(300));
@@ -310,7 +310,7 @@ TEST_F(PulseSourceTest, ADeviceNamedWithTheMarksOfTheListTextIsRecordedFrom) {
   ASSERT_EQ(found.Listed.size(), 6U);
   rig.Recorder.SetDeviceIndex(found.Index);
   EXPECT_EQ(rig.Recorder.DeviceId(), "odd");
-  ASSERT_EQ(rig.Recorder.StartRecording(), RingRecorder::kStarted);
+  ASSERT_EQ(rig.Recorder.StartRecording().Number, RingRecorder::kStarted);
   EXPECT_TRUE(Loop.RunUntil([&] { return rig.Taken > 44100; }, milliseconds(10000)));
 }
 
