@@ -21,6 +21,7 @@
 #include "platform/posix/PosixFiles.h"
 #include "platform/ring/RingRecorder.h"
 #include "recorder/Capture.h"
+#include "support/FakeFileSync.h"
 #include "support/SimulatedEventLoop.h"
 #include "support/SimulatedSoundSource.h"
 
@@ -96,7 +97,10 @@ class Rig {
     capture_.RecordStop(finished);
     Begin(static_cast<std::int16_t>(1 - finished));
     const Milliseconds cost = std::chrono::steady_clock::now() - start;
-    if (!files_.Remove(capture_.TemporaryFile(finished))) result_ = -1;
+    recorder::CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(finished)];
+    if (record.Outcome.File.empty()) result_ = -1;
+    songFiles_.Discard(record);
+    capture_.Release(finished);
     return cost;
   }
 
@@ -117,7 +121,9 @@ class Rig {
   config::Settings& settings_ = all_.Settings;
   config::FileSpecs fileSpecs_{[this](std::int16_t slot) { return audio_.File(slot); }, settings_,
                                state_.CaptureSlot, [] { return std::nullopt; }};
-  recorder::Capture capture_{audio_, all_, fileSpecs_, files_, journal_};
+  FakeFileSync sync_;
+  recorder::SongFiles songFiles_{files_, sync_, journal_};
+  recorder::Capture capture_{audio_, all_, fileSpecs_, songFiles_, journal_};
   std::int32_t result_ = 0;
 };
 

@@ -5,7 +5,7 @@
 
 namespace kestrune::platform {
 
-/// What the program is told by the place where it runs. Folders come without a separator at the end.
+/// What the program knows of the place where it runs. Folders come without a separator at the end.
 class Environment {
  public:
   virtual ~Environment() = default;
@@ -16,7 +16,7 @@ class Environment {
   [[nodiscard]] virtual std::string ExecutableFolder() const = 0;
   /// Where recordings go until the user chooses: the folder Kestrune in the user's music folder.
   [[nodiscard]] virtual std::string DefaultRecordingFolder() const = 0;
-  /// The raw command line behind the program's name, without the long options.
+  /// The raw command line after the program's name, without the long options.
   [[nodiscard]] virtual std::string CommandLine() const = 0;
 };
 

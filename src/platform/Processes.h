@@ -19,9 +19,9 @@ class Processes {
   virtual ~Processes() = default;
 
   /// Starts a program without waiting for it. The command line is words as base::SplitWords reads them, the
-  /// first of them the program, which is looked for as a shell would; no shell takes part. `hidden`: what it
-  /// prints is seen nowhere, else where this program's own output goes. The process identifier; 0 if it could
-  /// not be started.
+  /// first of them the program, which is found as a shell would find it; no shell is involved. `hidden`: its
+  /// output is discarded, else it goes where this program's own output goes. Returns the process identifier; 0 if the
+  /// program could not be started.
   [[nodiscard]] virtual std::int32_t Start(std::string_view commandLine, bool hidden) = 0;
   /// Waits for a program that Start has started, for so many milliseconds, or without limit if the number is 0.
   /// Events are served meanwhile.

@@ -5,8 +5,8 @@
 
 namespace kestrune::platform {
 
-/// What the system's enumerator of serial lines says of mice. This class as it is stands for a system without
-/// such an enumerator, and so for Linux: no driver takes a serial line for a mouse there unless it is told to.
+/// What the system's enumerator of serial lines knows of mice. The class itself serves a system without such an
+/// enumerator, as Linux is: there no driver takes a serial line for a mouse unless it is configured to.
 class SerialEnumerator {
  public:
   virtual ~SerialEnumerator() = default;

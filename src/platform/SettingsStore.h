@@ -6,7 +6,7 @@
 namespace kestrune::platform {
 
 /// The per-user store of named text values. Applications, sections and keys compare without regard to case.
-/// A value written is on disk when the call returns, and a write never takes away what another process has
+/// A value written is on disk when the call returns, and a write never undoes what another process has
 /// written to another key meanwhile. Used from the main thread.
 class SettingsStore {
  public:

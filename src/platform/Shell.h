@@ -4,8 +4,8 @@
 
 namespace kestrune::platform {
 
-/// The desktop's way of opening things. Main thread; a call returns at once and does not wait for what it
-/// started.
+/// Opens files and addresses as the desktop does. Used from the main thread; a call returns at once and does not wait
+/// for what it started.
 class Shell {
  public:
   virtual ~Shell() = default;

@@ -7,7 +7,7 @@
 
 namespace kestrune::platform {
 
-/// What a tag says. All texts are UTF-8.
+/// The contents of a tag. All texts are UTF-8.
 struct Tags {
   std::string Artist;
   std::string Title;

@@ -9,7 +9,7 @@
 
 namespace kestrune::platform {
 
-/// A connection to a server, by hand. Each call that waits serves events meanwhile and waits no longer than the
+/// A plain connection to a server. Each call that waits serves events meanwhile and waits no longer than the
 /// time given; after a failure the others fail too.
 class Socket {
  public:

@@ -2,27 +2,21 @@
 
 #include <fmt/format.h>
 
-#include "base/Ignored.h"
-#include "recorder/Capture.h"
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
 namespace {
 
-/// The next name to try for a song whose name is taken: a last digit from 1 to 8 goes up by one, everything
-/// else gets a 1 behind it. So the copies of x are x1 to x9, then x91.
-void AdvanceName(std::string& fileName) {
-  if (!fileName.empty() && fileName.back() >= '1' && fileName.back() <= '8') {
-    ++fileName.back();
-  } else {
-    fileName += '1';
-  }
+std::string PathOf(const CaptureRecord& capture, const std::string& suffix) {
+  return capture.FileName + suffix + "." + capture.Extension;
 }
+
+constexpr const char* kDuplicate = ", duplicate song in output directory";
 
 }  // namespace
 
 Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
-                         const schedule::Restrictions& restrictions, platform::Files& files,
+                         const schedule::Restrictions& restrictions, SongFiles& songFiles,
                          base::EventLoop& loop, base::Journal& journal)
     : state_(state.Recording),
       radio_(state.Radio),
@@ -30,36 +24,55 @@ Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
       fileSpecs_(fileSpecs),
       modes_(state),
       restrictions_(restrictions),
-      files_(files),
+      songFiles_(songFiles),
       loop_(loop),
       journal_(journal) {}
 
 void Disposition::Dispose(std::int16_t finished) {
   CaptureRecord& capture = state_.CaptureSlots[static_cast<std::size_t>(finished)];
-  const std::string temporary = capture.Folder + Capture::TemporaryName(finished, capture.Extension);
   const bool cutAtItsBeginning = state_.WaitingForNextSong && !state_.StopPending;
   if (cutAtItsBeginning) {
-    base::Ignored(files_.Remove(temporary));
+    songFiles_.Discard(capture);
     state_.Incomplete = false;
     return;
   }
 
+  const bool incomplete = state_.Incomplete || capture.Outcome.Shortened();
   Verdict verdict{
-      .Keep = true, .Suffix = state_.Incomplete ? " (Incomplete)" : "", .Seconds = capture.LengthMs / 1000};
+      .Keep = true, .Suffix = incomplete ? " (Incomplete)" : "", .Seconds = capture.LengthMs / 1000};
   TestLength(capture, verdict);
+  TestSound(capture, verdict);
   TestLists(capture, verdict);
   TestDuplicates(capture, verdict);
-
-  const std::string target = capture.FileName + verdict.Suffix + "." + capture.Extension;
-  if (verdict.Keep) {
-    ++state_.RecordedCount;
-    journal_.DoLog(LogLine("Recorded: Channel ", capture, verdict, " " + fileSpecs_.FileFormatString()));
-    base::Ignored(files_.RenameNoReplace(temporary, target));
-  } else {
-    base::Ignored(files_.Remove(temporary));
-  }
+  if (verdict.Keep) Keep(capture, verdict);
+  if (!verdict.Keep) songFiles_.Discard(capture);
   loop_.PumpEvents();
   state_.Incomplete = false;
+}
+
+void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
+  // The name may be taken at any moment, by another unit for one.
+  MovedSong moved = songFiles_.Move(capture, PathOf(capture, verdict.Suffix), loop_.Now());
+  while (moved.Where == MovedSong::To::NameTaken && settings_.SaveDuplicates) {
+    AdvanceName(capture.FileName);
+    moved = songFiles_.Move(capture, PathOf(capture, verdict.Suffix), loop_.Now());
+  }
+  switch (moved.Where) {
+    case MovedSong::To::FinalName:
+      ++state_.RecordedCount;
+      journal_.DoLog(LogLine("Recorded: Channel ", capture, verdict, " " + fileSpecs_.FileFormatString()));
+      break;
+    case MovedSong::To::NameTaken:
+      Reject(capture, verdict, kDuplicate);
+      break;
+    case MovedSong::To::OwnName:
+      journal_.DoLog(LogLine("Not Renamed: Channel ", capture, verdict,
+                             fmt::format(", kept as \"{}\": {}", moved.Path, moved.Cause)));
+      break;
+    case MovedSong::To::Nowhere:
+      Reject(capture, verdict, ", " + moved.Cause);
+      break;
+  }
 }
 
 void Disposition::TestLength(const CaptureRecord& capture, Verdict& verdict) {
@@ -74,12 +87,23 @@ void Disposition::TestLength(const CaptureRecord& capture, Verdict& verdict) {
   }
 }
 
+void Disposition::TestSound(const CaptureRecord& capture, Verdict& verdict) {
+  if (!verdict.Keep || capture.LengthMs > 0) return;
+  const CaptureOutcome& outcome = capture.Outcome;
+  const std::string& cause = outcome.StartFailure.empty() ? outcome.WriteFailure : outcome.StartFailure;
+  Reject(capture, verdict, cause.empty() ? ", no sound came" : ", no sound was recorded: " + cause);
+}
+
 void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
-  if (modes_.CheckGrab() && verdict.Keep && !restrictions_.IsInGrabList(state_.LastArtist, state_.LastSong)) {
+  // An event's captures are judged by its own modes, also after its end.
+  const CaptureOutcome& outcome = capture.Outcome;
+  const bool grab = outcome.Event != 0 ? outcome.Modes.Grab : modes_.CheckGrab();
+  const bool kill = outcome.Event != 0 ? outcome.Modes.Kill : modes_.CheckKill();
+  if (grab && verdict.Keep && !restrictions_.IsInGrabList(state_.LastArtist, state_.LastSong)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, ", not found in the grab list");
   }
-  if (modes_.CheckKill() && verdict.Keep && restrictions_.IsInKillList(state_.LastArtist, state_.LastSong)) {
+  if (kill && verdict.Keep && restrictions_.IsInKillList(state_.LastArtist, state_.LastSong)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, ", found in the kill list");
   }
@@ -87,13 +111,11 @@ void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
 
 void Disposition::TestDuplicates(CaptureRecord& capture, Verdict& verdict) {
   if (!verdict.Keep) return;
-  const auto taken = [&] {
-    return files_.Exists(capture.FileName + verdict.Suffix + "." + capture.Extension);
-  };
+  const auto taken = [&] { return songFiles_.Exists(PathOf(capture, verdict.Suffix)); };
   if (settings_.SaveDuplicates) {
     while (taken()) AdvanceName(capture.FileName);
   } else if (taken()) {
-    Reject(capture, verdict, ", duplicate song in output directory");
+    Reject(capture, verdict, kDuplicate);
   }
 }
 

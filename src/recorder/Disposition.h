@@ -6,20 +6,21 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
-#include "platform/Files.h"
 #include "recorder/Modes.h"
+#include "recorder/SongFiles.h"
 #include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
 
 /// The fate of a finished capture: tested for its length, against the lists and for duplicates, then moved
-/// under its name or deleted, with one line in the log and one counter moved.
+/// to its name or deleted, with one line in the log and one counter changed. Nothing is called recorded before it has
+/// its name.
 class Disposition {
  public:
   /// All must outlive the object.
   Disposition(State& state, const config::FileSpecs& fileSpecs, const schedule::Restrictions& restrictions,
-              platform::Files& files, base::EventLoop& loop, base::Journal& journal);
+              SongFiles& songFiles, base::EventLoop& loop, base::Journal& journal);
 
   /// Called while the next capture is already running. Clears `Incomplete`.
   void Dispose(std::int16_t finished);
@@ -32,8 +33,10 @@ class Disposition {
   };
 
   void TestLength(const CaptureRecord& capture, Verdict& verdict);
+  void TestSound(const CaptureRecord& capture, Verdict& verdict);
   void TestLists(const CaptureRecord& capture, Verdict& verdict);
   void TestDuplicates(CaptureRecord& capture, Verdict& verdict);
+  void Keep(CaptureRecord& capture, Verdict& verdict);
   void Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why);
   [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,
                                     const Verdict& verdict, std::string_view tail) const;
@@ -44,7 +47,7 @@ class Disposition {
   const config::FileSpecs& fileSpecs_;
   Modes modes_;
   const schedule::Restrictions& restrictions_;
-  platform::Files& files_;
+  SongFiles& songFiles_;
   base::EventLoop& loop_;
   base::Journal& journal_;
 };

@@ -38,6 +38,7 @@
 #include "recorder/ResizeRule.h"
 #include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
+#include "recorder/SongFiles.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/State.h"
 #include "recorder/StayAwake.h"
@@ -226,6 +227,7 @@ class Kestrune final : private radio::ChannelEvents {
   presenters::RestrictListEditor restrictListEditor_;
   presenters::GrabKill grabKill_;
   config::FileSpecs fileSpecs_;
+  SongFiles songFiles_;
   Capture capture_;
   Disposition disposition_;
   Display display_;

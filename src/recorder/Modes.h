@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "recorder/State.h"
 
 namespace kestrune::recorder {
@@ -27,6 +29,13 @@ class Modes {
   [[nodiscard]] bool CheckKill() const {
     return Scheduled() ? schedule_.SchedSievanceKill : settings_.SievanceKill != 0;
   }
+  /// All four, as they are now.
+  [[nodiscard]] ModeSwitches InForce() const {
+    return {
+        .Integrel = CheckIntegrel(), .Cleftune = CheckCleftune(), .Grab = CheckGrab(), .Kill = CheckKill()};
+  }
+  /// The schedule entry that runs, 1 to 10; 0 for none.
+  [[nodiscard]] std::int16_t Event() const { return schedule_.ActiveSchedule; }
 
  private:
   [[nodiscard]] bool Scheduled() const { return schedule_.ActiveSchedule != 0; }

@@ -4,6 +4,7 @@
 #include "platform/AudioLibrary.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
+#include "platform/FileSync.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"
 #include "platform/SerialEnumerator.h"
@@ -22,6 +23,7 @@ struct Outside {
   platform::SerialPort& pcrComm;
   platform::AudioLibrary& Audio;
   platform::Files& Files;
+  platform::FileSync& FileSync;
   const platform::Environment& Environment;
   platform::SettingsStore& Settings;
   platform::Dialogs& Dialogs;

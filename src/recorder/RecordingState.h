@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/DateValue.h"
+#include "recorder/CaptureOutcome.h"
 #include "recorder/Phase.h"
 
 namespace kestrune::recorder {
@@ -19,6 +20,7 @@ struct CaptureRecord {
   std::string Genre;
   /// Folder of the final file, with a separator at its end; the capture itself lies here too.
   std::string Folder;
+  CaptureOutcome Outcome;
 };
 
 /// In place of artist and title it means that no song has been acted on, and so forces a difference.

@@ -31,12 +31,13 @@ void Kestrune::CloseFirstPass() {
 
 void Kestrune::DeleteLeftovers() {
   // The song in hand goes with them: a close does not keep it.
-  for (const int file : {0, 1}) {
+  for (const std::int16_t slot : {std::int16_t{0}, std::int16_t{1}}) {
+    capture_.Release(slot);
+    songFiles_.Discard(state_.Recording.CaptureSlots.at(static_cast<std::size_t>(slot)));
+  }
+  for (const int number : {0, 1}) {
     for (const CaptureRecord& record : state_.Recording.CaptureSlots) {
-      const std::string pattern = Capture::TemporaryName(static_cast<std::int16_t>(file), "*");
-      for (const std::string& name : outside_.Files.Matching(record.Folder, pattern)) {
-        base::Ignored(outside_.Files.Remove(record.Folder + name));
-      }
+      songFiles_.RemoveLeftovers(record.Folder, capture_.TemporaryName(number, "*"));
     }
   }
 }

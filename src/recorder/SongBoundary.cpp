@@ -2,13 +2,12 @@
 
 #include <chrono>
 
-#include "base/Ignored.h"
 #include "base/Text.h"
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
 
-SongBoundary::SongBoundary(State& state, const Parts& parts, platform::Files& files, base::EventLoop& loop)
+SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop)
     : state_(state.Recording),
       settings_(state.Settings),
       channels_(parts.Channels),
@@ -16,7 +15,7 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, platform::Files& fi
       capture_(parts.Capture),
       disposition_(parts.Disposition),
       display_(parts.Display),
-      files_(files),
+      songFiles_(songFiles),
       loop_(loop) {}
 
 void SongBoundary::Take(bool split) {
@@ -46,7 +45,7 @@ void SongBoundary::Take(bool split) {
   const bool wanted = state_.RecordRequested || state_.StopPending;
   const bool armed = state_.RecordArmed || state_.StopPending;
   if (!wanted || !armed) {
-    base::Ignored(files_.Remove(capture_.TemporaryFile(finished)));
+    songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
   } else {
     loop_.PumpEvents();
     if (!state_.StopPending) ShowRecording();
@@ -55,6 +54,7 @@ void SongBoundary::Take(bool split) {
     if (state_.StopPending) state_.StopPending = state_.SongBoundarySeen = false;
     state_.WaitingForNextSong = state_.StartPending = false;
   }
+  if (cut) capture_.Release(finished);
   FollowCurrentSong();
   display_.ShowSong(Tuned());
 }
@@ -78,18 +78,12 @@ void SongBoundary::NameNextSong(CaptureRecord& next) {
                                        .Genre = tuned.Genre,
                                        .SessionStart = state_.SessionStart,
                                        .Recorded = state_.RecordedCount});
-  CreateFolders(name.Folder);
+  songFiles_.MakeFolder(name.Folder);
   next.FileName = name.FileName;
   next.Folder = name.Folder;
   next.Song = radio_.CurrentSong;
   next.Artist = radio_.CurrentArtist;
   next.Genre = base::Trim(tuned.Genre);
-}
-
-void SongBoundary::CreateFolders(const std::string& folder) {
-  for (std::size_t end = folder.find('/', 1); end != std::string::npos; end = folder.find('/', end + 1)) {
-    base::Ignored(files_.CreateFolder(std::string_view(folder).substr(0, end)));
-  }
 }
 
 void SongBoundary::ShowRecording() {

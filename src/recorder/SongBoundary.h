@@ -3,11 +3,11 @@
 #include <cstdint>
 
 #include "base/EventLoop.h"
-#include "platform/Files.h"
 #include "radio/channels/Channels.h"
 #include "recorder/Capture.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
+#include "recorder/SongFiles.h"
 #include "recorder/State.h"
 
 namespace kestrune::recorder {
@@ -24,7 +24,7 @@ class SongBoundary {
     recorder::Display& Display;
   };
 
-  SongBoundary(State& state, const Parts& parts, platform::Files& files, base::EventLoop& loop);
+  SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop);
 
   /// `split`: songs are split into files, so that this may be a natural change of song.
   void Take(bool split);
@@ -35,7 +35,6 @@ class SongBoundary {
  private:
   void AwaitSound();
   void NameNextSong(CaptureRecord& next);
-  void CreateFolders(const std::string& folder);
   void ShowRecording();
   [[nodiscard]] const radio::ChannelEntry& Tuned() const;
 
@@ -46,7 +45,7 @@ class SongBoundary {
   Capture& capture_;
   Disposition& disposition_;
   Display& display_;
-  platform::Files& files_;
+  SongFiles& songFiles_;
   base::EventLoop& loop_;
 };
 

@@ -67,7 +67,9 @@ SongName BuildSongName(std::string_view filenameFormat, std::string_view fileDir
   for (const char forbidden : kForbidden) text = base::ReplaceAll(text, std::string_view(&forbidden, 1), "-");
 
   std::vector<std::string> components = base::Split(text, '\t');
-  const std::string name = WithoutLeadingDots(WithoutControls(components.back()));
+  std::string name = WithoutLeadingDots(WithoutControls(components.back()));
+  // An empty one would make a hidden file; it becomes what no artist and no title give.
+  if (name.empty()) name = " - ";
   components.pop_back();
 
   std::string folder(fileDir);

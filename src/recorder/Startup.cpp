@@ -85,6 +85,7 @@ void Kestrune::ReadCommandLine() {
   section_.SetMultiUnit(multiUnit_);
   log_.SetMultiUnit(multiUnit_);
   restrictions_.SetMultiUnit(multiUnit_);
+  capture_.SetMultiUnit(multiUnit_);
   channels_.SetListPlace(schedule::UserDataFolder(outside_.Environment), multiUnit_);
   schedule::CloseUserDataFolder(outside_.Files, outside_.Environment);
   log_.List().DoLog("Load");

@@ -55,6 +55,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .pcrComm = line_,
                                                                  .Audio = *audio_,
                                                                  .Files = files_,
+                                                                 .FileSync = fileSync_,
                                                                  .Environment = environment_,
                                                                  .Settings = store_,
                                                                  .Dialogs = dialogs_,

@@ -69,6 +69,7 @@ class DayOfRadio {
   FaultyLine line_;
   SimulatedSoundSource sound_{loop_, std::chrono::milliseconds(100)};
   MemoryFiles files_;
+  FakeFileSync fileSync_;
   MemorySettingsStore store_;
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;

@@ -153,6 +153,7 @@ class ScheduledFortnight : public ::testing::Test {
                                                                   .pcrComm = radio,
                                                                   .Audio = audio,
                                                                   .Files = files,
+                                                                  .FileSync = fileSync,
                                                                   .Environment = environment,
                                                                   .Settings = store,
                                                                   .Dialogs = dialogs,
@@ -254,6 +255,7 @@ class ScheduledFortnight : public ::testing::Test {
   TestRadio radio{loop};
   SimulatedSoundSource sound{loop, 1s};
   MemoryFiles files;
+  FakeFileSync fileSync;
   MemorySettingsStore store;
   FakeEnvironment environment;
   ScriptedDialogs dialogs;

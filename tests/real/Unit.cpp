@@ -16,7 +16,7 @@ Unit::Unit(std::string profile, Setup setup) : profile_(std::move(profile)), set
   setup_.Settings.insert({"CheckUpdatesAtStartup", "False"});
   std::filesystem::create_directories(profile_ + "/config");
   std::ofstream file(SettingsFile());
-  file << "[Kestrune]\n";
+  file << "[Kestrune" << setup_.Name << "]\n";
   for (const auto& [key, value] : setup_.Settings) {
     file << key << '=';
     for (const char c : value) file << (c == '\\' ? "\\\\" : std::string(1, c));
@@ -30,6 +30,9 @@ void Unit::Start() {
                   setup_.Environment};
   if (!setup_.Windows) {
     command.Arguments.insert(command.Arguments.begin(), {"--headless", "--accept-agreement"});
+  }
+  if (!setup_.Name.empty()) {
+    command.Arguments.insert(command.Arguments.end(), {"/multi", setup_.Name});
   }
   command.Arguments.insert(command.Arguments.end(), setup_.Arguments.begin(), setup_.Arguments.end());
   process_ = std::make_unique<Process>(command);
@@ -63,6 +66,7 @@ bool Unit::Record(int songs) {
 
 Outcome Unit::Ctl(std::vector<std::string> words) const {
   std::vector<std::string> arguments{"--profile", profile_};
+  if (!setup_.Name.empty()) arguments.insert(arguments.end(), {"--unit", setup_.Name});
   arguments.insert(arguments.end(), std::make_move_iterator(words.begin()),
                    std::make_move_iterator(words.end()));
   return RunToEnd({"kestrune-ctl", arguments, {}});
@@ -98,7 +102,7 @@ std::optional<int> Unit::Quit() {
 }
 
 std::string Unit::LogText() const {
-  std::ifstream file(DataFolder() + "/Kestrune.log");
+  std::ifstream file(DataFolder() + "/Kestrune" + setup_.Name + ".log");
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -108,7 +112,8 @@ std::vector<std::string> Unit::FilesBelow(const std::string& folder, bool captur
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, gone)) {
     if (!entry.is_regular_file(gone)) continue;
     const std::string name = entry.path().filename();
-    const bool capture = name.starts_with("Capture0.") || name.starts_with("Capture1.");
+    // "Capture", a number, and perhaps the unit's character.
+    const bool capture = name.starts_with("Capture") && name.size() > 7 && name[7] >= '0' && name[7] <= '9';
     if (capture == captures) files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());

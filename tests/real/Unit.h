@@ -30,6 +30,7 @@ class Unit {
     std::vector<std::string> Arguments{};  ///< further ones
     std::map<std::string, std::string> Environment{};
     bool WritesSettings = true;  ///< false: the profile is taken as it stands
+    std::string Name{};          ///< the unit's character, empty for a single one
     bool Windows = false;        ///< with windows, on the display of the environment; nobody has agreed yet
   };
 

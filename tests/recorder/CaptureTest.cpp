@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "recorder/Capture.h"
+#include "support/FakeFileSync.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingCaptureFile.h"
 
@@ -98,7 +99,8 @@ class CaptureTest : public ::testing::Test {
                                   .Song = "Slow Tide",
                                   .Artist = "Moonlighters",
                                   .Genre = "Rock",
-                                  .Folder = "/music/"};
+                                  .Folder = "/music/",
+                                  .Outcome = {}};
     }
     audio.AudioInformation = std::make_unique<KeptTags>(tagged);
     settings.FileFormat = "WAV";
@@ -122,7 +124,10 @@ class CaptureTest : public ::testing::Test {
   config::Settings& settings = all.Settings;
   config::FileSpecs fileSpecs{[this](std::int16_t slot) { return audio.File(slot); }, settings,
                               state.CaptureSlot, [] { return std::nullopt; }};
-  Capture capture{audio, all, fileSpecs, files, log};
+  schedule::ScheduleState& schedule = all.Schedule;
+  test::FakeFileSync sync;
+  SongFiles songFiles{files, sync, log};
+  Capture capture{audio, all, fileSpecs, songFiles, log};
   std::int32_t result = 99;
 };
 
@@ -156,8 +161,10 @@ TEST_F(CaptureTest, NoLevelsGoOutWhenGainControlIsOff) {
 TEST_F(CaptureTest, AFailedCreationIsLoggedAndNothingIsStarted) {
   captureFiles[0]->FailCreate = true;
   capture.RecordStart(0, "/music/Capture0.wav", result);
-  EXPECT_LT(result, 0);
-  EXPECT_THAT(log.Lines, ElementsAre("Error " + std::to_string(result) + " creating output file"));
+  EXPECT_THAT(log.Lines, ElementsAre("Error -1 creating output file",
+                                     "Cannot create \"/music/Capture0.wav\": Permission denied"));
+  EXPECT_EQ(state.CaptureSlots[0].Outcome.StartFailure, "Permission denied");
+  EXPECT_EQ(state.CaptureSlots[0].Outcome.File, "");
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "start"), 0);
 }
 
@@ -165,7 +172,9 @@ TEST_F(CaptureTest, AFailedStartIsLoggedAndTheFileClosed) {
   recorder->StartResult = {.Number = -7, .Cause = "the input is gone"};
   capture.RecordStart(0, "/music/Capture0.wav", result);
   EXPECT_EQ(result, -7);
-  EXPECT_THAT(log.Lines, ElementsAre("Error -7 recording input"));
+  EXPECT_THAT(log.Lines, ElementsAre("Error -7 recording input",
+                                     "Cannot record from the input device: the input is gone"));
+  EXPECT_EQ(state.CaptureSlots[0].Outcome.StartFailure, "the input is gone");
   EXPECT_FALSE(captureFiles[0]->IsOpen());
 }
 
@@ -183,6 +192,7 @@ TEST_F(CaptureTest, StopTagsWithTheTextsOfTheCapturesBeginning) {
   capture.RecordStop(0);
   EXPECT_THAT(calls, ElementsAre("stop"));
   EXPECT_FALSE(captureFiles[0]->IsOpen());
+  EXPECT_TRUE(captureFiles[0]->IsHeld()) << "until its fate is known";
   ASSERT_EQ(tagged.size(), 1U);
   EXPECT_EQ(tagged[0].first, "/music/Capture0.wav");
   EXPECT_EQ(tagged[0].second, (platform::Tags{.Artist = "Moonlighters",
@@ -224,13 +234,43 @@ TEST_F(CaptureTest, AFileThatTakesNoMoreIsNoReasonToStop) {
   captureFiles[0]->FailWrites = true;
   recorder->Block.assign(800, 7);
   recorder->OnBlock();
+  recorder->OnBlock();
   EXPECT_TRUE(captureFiles[0]->IsOpen());
-  EXPECT_THAT(log.Lines, IsEmpty());
+  EXPECT_THAT(log.Lines, ElementsAre("Cannot write \"/music/Capture0.wav\": No space left on device"));
+  EXPECT_TRUE(state.CaptureSlots[0].Outcome.Shortened());
 }
 
 TEST_F(CaptureTest, TheTemporaryNameBearsTheSlotAndTheExtension) {
   EXPECT_EQ(capture.TemporaryFile(0), "/music/Capture0.wav");
   EXPECT_EQ(capture.TemporaryFile(1), "/music/Capture1.wav");
+}
+
+TEST_F(CaptureTest, ANamedUnitHasNamesOfItsOwn) {
+  capture.SetMultiUnit("2");
+  EXPECT_EQ(capture.TemporaryFile(0), "/music/Capture0-2.wav");
+  EXPECT_EQ(capture.TemporaryName(3, "mp3"), "Capture3-2.mp3");
+}
+
+TEST_F(CaptureTest, TheOutcomeKeepsTheModesOfItsBeginning) {
+  settings.Integrel = true;
+  capture.RecordStart(0, "/music/Capture0.wav", result);
+  schedule.ActiveSchedule = 4;
+  schedule.SchedSievanceGrab = true;
+  capture.RecordStart(1, "/music/Capture1.wav", result);
+  EXPECT_EQ(state.CaptureSlots[0].Outcome.Event, 0);
+  EXPECT_TRUE(state.CaptureSlots[0].Outcome.Modes.Integrel);
+  EXPECT_EQ(state.CaptureSlots[1].Outcome.Event, 4);
+  EXPECT_TRUE(state.CaptureSlots[1].Outcome.Modes.Grab);
+  EXPECT_FALSE(state.CaptureSlots[1].Outcome.Modes.Integrel);
+}
+
+TEST_F(CaptureTest, AFolderFullOfHeldFilesIsAnErrorAndNoEndlessSearch) {
+  for (int number = 0; number < 200; ++number) {
+    files.HoldByAnother("/music/" + capture.TemporaryName(number, "wav"));
+  }
+  capture.RecordStart(0, "/music/Capture0.wav", result);
+  EXPECT_EQ(result, platform::kNameHeld);
+  EXPECT_EQ(state.CaptureSlots[0].Outcome.File, "");
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <functional>
 #include <optional>
 
 #include <gmock/gmock.h>
@@ -6,6 +7,7 @@
 #include "base/Ignored.h"
 #include "recorder/Disposition.h"
 #include "support/FakeEnvironment.h"
+#include "support/FakeFileSync.h"
 #include "support/MemoryFiles.h"
 #include "support/SimulatedEventLoop.h"
 
@@ -17,11 +19,15 @@ using ::testing::IsEmpty;
 
 class KeptLog final : public base::Journal {
  public:
-  void DoLog(std::string_view text) override { Lines.emplace_back(text); }
+  void DoLog(std::string_view text) override {
+    Lines.emplace_back(text);
+    if (OnLine) OnLine();
+  }
   void DebugPrint(std::string_view /*text*/) override {}
   [[nodiscard]] bool Tracing() const override { return false; }
   void Trace(std::string_view /*text*/) override {}
   std::vector<std::string> Lines;
+  std::function<void()> OnLine;
 };
 
 class DispositionTest : public ::testing::Test {
@@ -40,7 +46,9 @@ class DispositionTest : public ::testing::Test {
                .Song = "Slow Tide",
                .Artist = "Moonlighters",
                .Genre = "Rock",
-               .Folder = "/music/"};
+               .Folder = "/music/",
+               .Outcome = {}};
+    capture.Outcome.File = "/music/Capture1.mp3";
     files.Put("/music/Capture1.mp3", "sound");
     files.MakeFolders("/home/user/Application Data/Kestrune");
   }
@@ -69,7 +77,9 @@ class DispositionTest : public ::testing::Test {
   schedule::Restrictions restrictions{files, environment, log};
   config::FileSpecs fileSpecs{[](std::int16_t) { return nullptr; }, settings, state.CaptureSlot,
                               [] { return std::nullopt; }};
-  Disposition disposition{all, fileSpecs, restrictions, files, loop, log};
+  test::FakeFileSync sync;
+  SongFiles songFiles{files, sync, log};
+  Disposition disposition{all, fileSpecs, restrictions, songFiles, loop, log};
 };
 
 TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
@@ -211,6 +221,7 @@ TEST_F(DispositionTest, DuplicatesGetRisingNames) {
   for (int copy = 0; copy <= 11; ++copy) {
     state.CaptureSlots[1].FileName = "/music/x";
     files.Put("/music/Capture1.mp3", std::to_string(copy));
+    state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
     disposition.Dispose(1);
   }
   EXPECT_THAT(Music(), ElementsAre("x.mp3", "x1.mp3", "x2.mp3", "x3.mp3", "x4.mp3", "x5.mp3", "x6.mp3",
@@ -266,19 +277,92 @@ TEST_F(DispositionTest, AStopWhileWaitingDisposesOfTheCaptureAsIncomplete) {
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
 }
 
-TEST_F(DispositionTest, AFailedRenameLeavesTheCaptureAndHasBeenCounted) {
+TEST_F(DispositionTest, AFailedRenameKeepsTheSongUnderANameOfItsOwnAndIsNotCalledRecorded) {
   files.FailNext(test::FileOperation::Rename);
   disposition.Dispose(1);
-  EXPECT_THAT(Music(), ElementsAre("Capture1.mp3"));
-  EXPECT_EQ(state.RecordedCount, 1);
-  EXPECT_EQ(log.Lines.size(), 1U);
+  ASSERT_EQ(Music().size(), 1U);
+  const std::string kept = "/music/" + Music()[0];
+  EXPECT_NE(kept, "/music/Capture1.mp3");
+  EXPECT_EQ(files.Text(kept), "sound");
+  EXPECT_EQ(state.RecordedCount, 0);
+  EXPECT_THAT(log.Lines, ElementsAre("Not Renamed: Channel 44  \"Moonlighters - Slow Tide\"  Song length: "
+                                     "3:20, kept as \"" +
+                                     kept + "\": Input/output error"));
 }
 
-TEST_F(DispositionTest, AMissingCaptureFailsWithoutAWord) {
+TEST_F(DispositionTest, ANameThatIsTakenMeanwhileGivesTheNextOne) {
+  files.TakeNameAtRename("of another unit");
+  disposition.Dispose(1);
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "of another unit");
+  EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide1.mp3"), "sound");
+  EXPECT_EQ(state.RecordedCount, 1);
+}
+
+TEST_F(DispositionTest, WithoutSavedDuplicatesANameThatIsTakenMeanwhileMakesTheSongADuplicate) {
+  settings.SaveDuplicates = false;
+  files.TakeNameAtRename("of another unit");
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
+  ASSERT_EQ(log.Lines.size(), 1U);
+  EXPECT_TRUE(log.Lines[0].ends_with(", duplicate song in output directory"));
+}
+
+TEST_F(DispositionTest, ACaptureThatIsGoneIsNotCalledRecorded) {
   base::Ignored(files.Remove("/music/Capture1.mp3"));
   disposition.Dispose(1);
   EXPECT_THAT(Music(), IsEmpty());
-  EXPECT_EQ(state.RecordedCount, 1);
+  EXPECT_EQ(state.RecordedCount, 0);
+  EXPECT_THAT(log.Lines, ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: "
+                                     "3:20, No such file or directory"));
+}
+
+TEST_F(DispositionTest, NothingIsCalledRecordedBeforeItHasItsName) {
+  std::vector<std::string> atTheLine;
+  log.OnLine = [&] { atTheLine = Music(); };
+  disposition.Dispose(1);
+  EXPECT_THAT(atTheLine, ElementsAre("Moonlighters - Slow Tide.mp3"));
+}
+
+TEST_F(DispositionTest, ASongThatLacksSoundIsIncomplete) {
+  state.CaptureSlots[1].Outcome.MissingMs = 100;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
+}
+
+TEST_F(DispositionTest, LessThanABlockOfMissingSoundDoesNotMakeASongIncomplete) {
+  state.CaptureSlots[1].Outcome.MissingMs = 99;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
+}
+
+TEST_F(DispositionTest, ASongThatTheDiskDidNotTakeToItsEndIsIncomplete) {
+  state.CaptureSlots[1].Outcome.WriteFailure = "No space left on device";
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
+}
+
+TEST_F(DispositionTest, ASongWithoutAnySoundIsDroppedEvenIfAnyLengthIsKept) {
+  settings.MinSongLength = 0;
+  state.CaptureSlots[1].LengthMs = 0;
+  disposition.Dispose(1);
+  EXPECT_THAT(Music(), IsEmpty());
+  EXPECT_THAT(log.Lines, ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: "
+                                     "0:00, no sound came"));
+}
+
+TEST_F(DispositionTest, AnEventsLastSongIsJudgedByItsModesAfterItsEnd) {
+  Lists("0Somebody else\n");
+  state.CaptureSlots[1].Outcome.Event = 3;
+  state.CaptureSlots[1].Outcome.Modes.Grab = true;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RestrictedCount, 1) << "the event asked for the Grab list";
+
+  files.Put("/music/Capture1.mp3", "sound");
+  state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
+  state.CaptureSlots[1].Outcome.Modes.Grab = false;
+  settings.SievanceGrab = 1;
+  disposition.Dispose(1);
+  EXPECT_EQ(state.RecordedCount, 1) << "the user's own box must have no say";
 }
 
 TEST_F(DispositionTest, ARunningScheduleEntryDecidesWhetherTheListsApply) {
@@ -289,6 +373,7 @@ TEST_F(DispositionTest, ARunningScheduleEntryDecidesWhetherTheListsApply) {
   EXPECT_EQ(state.RecordedCount, 1) << "the user's own box must have no say";
   schedule.SchedSievanceGrab = true;
   files.Put("/music/Capture1.mp3", "sound");
+  state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
   disposition.Dispose(1);
   EXPECT_EQ(state.RestrictedCount, 1);
 }

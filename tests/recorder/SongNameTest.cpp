@@ -88,6 +88,14 @@ TEST(SongName, EmptyGenreLeavesNoEmptyFolder) {
   EXPECT_EQ(BuildSongName(kDefaultFormat, "/music/", "mp3", values).Folder, "/music/44 - Harbour/");
 }
 
+TEST(SongName, AnEmptyNameBecomesTwoBlanksAroundAHyphen) {
+  SongNameValues values = Moon();
+  values.Artist = values.Song = values.Genre = "";
+  for (const std::string_view format : {"", "%a", "%a%s", "%g\\%a", "Rock\\"}) {
+    EXPECT_TRUE(BuildSongName(format, "/music/", "mp3", values).FileName.ends_with("/ - ")) << format;
+  }
+}
+
 TEST(SongName, DoubledSeparatorsAreReducedToOne) {
   EXPECT_EQ(BuildSongName("%g\\\\\\%a", "/music//rock/", "mp3", Moon()).Folder, "/music/rock/Rock/");
 }

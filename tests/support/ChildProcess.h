@@ -9,7 +9,7 @@
 
 namespace kestrune::test {
 
-/// A program that a test runs beside itself; killed at the latest when this object goes.
+/// A program that a test runs alongside; killed at the latest when this object is destroyed.
 class ChildProcess {
  public:
   using Variables = std::vector<std::pair<std::string, std::string>>;

@@ -33,7 +33,7 @@ enum class FileOperation {
 };
 
 /// A file system in memory, with the strictness of the real one: a file needs its folder, a folder is removed
-/// only when empty, names differ by case. It can be told to fail at any step.
+/// only when empty, names differ by case. It can be made to fail at any step.
 class MemoryFiles final : public platform::Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
@@ -96,7 +96,7 @@ class MemoryFiles final : public platform::Files {
 
   [[nodiscard]] static std::string Clean(std::string_view path);
   [[nodiscard]] static std::string Parent(const std::string& path);
-  /// True, and one failure used up, if the operation has been told to fail.
+  /// True, and one failure used up, if the operation is to fail.
   [[nodiscard]] bool Fails(FileOperation operation) const;
   /// Whether an entry of that name may be made, changed or removed.
   [[nodiscard]] base::Result Writable(const std::string& path) const;

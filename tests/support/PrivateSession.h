@@ -7,7 +7,7 @@
 
 namespace kestrune::test {
 
-/// A desktop session of a test's own, with a session manager that does as it is told.
+/// A desktop session of a test's own, with a session manager that obeys the test.
 class PrivateSession {
  public:
   PrivateSession();

@@ -11,8 +11,8 @@
 
 namespace kestrune::test {
 
-/// A capture file that encodes nothing: it keeps every call as text and the samples as they came. With Files
-/// behind it, the file itself stands there too, its bytes being the samples.
+/// A capture file that encodes nothing: it keeps every call as text and the samples as they came. With files
+/// given, the file itself is there too, and its bytes are the samples.
 class RecordingCaptureFile final : public platform::CaptureFile {
  public:
   struct File {

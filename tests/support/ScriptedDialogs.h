@@ -6,7 +6,7 @@
 
 namespace kestrune::test {
 
-/// Answers as told and keeps what was asked.
+/// Answers as the test wants and keeps what was asked.
 class ScriptedDialogs final : public platform::Dialogs {
  public:
   [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {

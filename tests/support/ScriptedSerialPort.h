@@ -15,7 +15,7 @@
 
 namespace kestrune::test {
 
-/// A serial line whose other end follows a script. Bytes reach it at told moments, also while the program
+/// A serial line whose other end follows a script. Bytes reach it at given moments, even while the program
 /// sleeps; what is written to it is kept with its moment.
 ///
 /// Bytes that arrive while the line is closed are lost. Closing drops what was not read.
@@ -39,7 +39,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   /// Of several rules for a frame the first that is not used up counts.
   void WhenWritten(std::string frame, std::string reply, Duration after, std::int16_t port = 0,
                    int times = std::numeric_limits<int>::max());
-  /// Opening this port fails with the text; 0 means every port that is not told otherwise. An empty text lets
+  /// Opening this port fails with the text; 0 means every port without a text of its own. An empty text lets
   /// it open again.
   void Refuse(std::int16_t port, std::string text) { refusals_[port] = std::move(text); }
   /// The same, and there is no device at all.

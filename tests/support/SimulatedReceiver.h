@@ -14,7 +14,7 @@
 
 namespace kestrune::test {
 
-/// The virtual receiver on simulated time, behind the serial port that the program opens. Bytes need their
+/// The virtual receiver on simulated time, at the other end of the serial port that the program opens. Bytes need their
 /// time in both directions and arrive in lumps, as a USB adapter hands them over. The receiver's time 0 is
 /// the making of this object.
 class SimulatedReceiver final : public platform::SerialPort {

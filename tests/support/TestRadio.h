@@ -13,7 +13,7 @@
 namespace kestrune::test {
 
 /// A radio at the other end of the line, small enough to be seen through: it answers each command after a
-/// moment with bytes laid out here by hand, and plays what the test tells it to.
+/// moment with bytes laid out here by hand, and plays what the test asks for.
 class TestRadio final : public platform::SerialPort {
  public:
   struct Playing {

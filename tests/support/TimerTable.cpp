@@ -4,7 +4,7 @@
 
 namespace kestrune::test {
 
-/// While enabled it stands in the table under its next moment; while its handler runs it stands there
+/// While enabled it is in the table under its next moment; while its handler runs it is there
 /// only if the handler has asked for it anew, which is what keeps it from firing within itself.
 class TimerTable::TableTimer final : public base::Timer {
  public:

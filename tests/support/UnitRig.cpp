@@ -35,6 +35,7 @@ void UnitRig::MeetWindows(recorder::Windows& windows) {
                                                                 .pcrComm = Radio,
                                                                 .Audio = Audio,
                                                                 .Files = Files,
+                                                                .FileSync = FileSync,
                                                                 .Environment = Environment,
                                                                 .Settings = Store,
                                                                 .Dialogs = Dialogs,

@@ -9,6 +9,7 @@
 #include "platform/ring/RingRecorder.h"
 #include "recorder/Kestrune.h"
 #include "support/FakeEnvironment.h"
+#include "support/FakeFileSync.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeSerialEnumerator.h"
 #include "support/FakeSleepInhibitor.h"
@@ -79,7 +80,7 @@ class UnitRig {
 
   /// Makes the unit anew, with other windows than none; they must outlive it.
   void MeetWindows(recorder::Windows& windows);
-  /// Loads, and fails the test if that ends otherwise than told.
+  /// Loads, and fails the test if that ends in another way than expected.
   void Start(recorder::StartOutcome expected = recorder::StartOutcome::Running);
   /// Lets the walk through the channels end.
   void FinishWalk();
@@ -107,6 +108,7 @@ class UnitRig {
   TestRadio Radio{Loop};
   SimulatedSoundSource Sound{Loop};
   MemoryFiles Files;
+  FakeFileSync FileSync;
   MemorySettingsStore Store;
   FakeEnvironment Environment;
   ScriptedDialogs Dialogs;

@@ -22,6 +22,7 @@
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/UnitLock.h"
+#include "platform/posix/WorkerFileSync.h"
 #include "platform/qt/QtSerialPort.h"
 #include "platform/qt/SignalWatch.h"
 #include "platform/qtdbus/LoginInhibitor.h"
@@ -90,6 +91,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
     options.AudioPipe = demo->SoundPath();
   }
   platform::PosixFiles files;
+  platform::WorkerFileSync fileSync(loop);
   platform::IniSettingsStore settings(environment.SettingsFolder());
   platform::QtSerialPort port(loop, PortsOf(options));
   platform::SerialEnumerator serialEnumerator;
@@ -108,6 +110,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                            .pcrComm = port,
                            .Audio = audio,
                            .Files = files,
+                           .FileSync = fileSync,
                            .Environment = environment,
                            .Settings = settings,
                            .Dialogs = face->Dialogs(),

@@ -9,7 +9,7 @@ namespace kestrune::platform {
 inline constexpr std::int16_t kCreated = 0;
 /// The file cannot be opened for writing: folder missing, no right, a name that the volume refuses.
 inline constexpr std::int16_t kFileNotOpened = -1;
-/// The file was opened, but took not even what stands in front of the sound: the disk is full.
+/// The file was opened, but not even its header fitted: the disk is full.
 inline constexpr std::int16_t kDiskFull = -2;
 /// No SetFormat call came before Create.
 inline constexpr std::int16_t kNoFormat = -3;

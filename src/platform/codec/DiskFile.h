@@ -26,10 +26,10 @@ class DiskFile {
   [[nodiscard]] bool OpenExisting(std::string_view path);
   [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
 
-  /// All or nothing: what does not fit whole is taken off again, so that the file ends where a block of the
-  /// caller ends.
+  /// All or nothing: a part that was written before a failure is removed again, so that the file ends with a whole
+  /// block of the caller.
   [[nodiscard]] bool Append(std::span<const std::byte> bytes);
-  /// Writes over bytes that are there already.
+  /// Overwrites bytes that are there already.
   [[nodiscard]] bool WriteAt(std::int64_t offset, std::span<const std::byte> bytes);
   /// Exactly `count` bytes, or nothing.
   [[nodiscard]] std::optional<std::string> ReadAt(std::int64_t offset, std::size_t count) const;

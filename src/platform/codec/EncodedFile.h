@@ -10,8 +10,8 @@ namespace kestrune::platform {
 
 /// Capture files on disk, encoded by the libraries of the desktop. The numbers of Create are in CaptureErrors.h.
 ///
-/// What the formats themselves bound: VOX holds two samples a byte, G.726 a whole number of bytes of its 2 to
-/// 5 bits a sample. A capture that ends in between is filled up with its last sample; a G.726 file says its
+/// Limits of the formats themselves: VOX holds two samples a byte, G.726 a whole number of bytes of its 2 to
+/// 5 bits a sample. A capture that ends in between is filled up with its last sample; a G.726 file holds its
 /// true length in its fact chunk, VOX has no place for it.
 class EncodedFile final : public CaptureFile {
  public:

@@ -14,9 +14,9 @@ class Encoder {
  public:
   virtual ~Encoder() = default;
 
-  /// Checks the parameters and readies the encoder, with no file in hand yet. kCreated or a negative result.
+  /// Checks the parameters and readies the encoder, before there is a file. kCreated or a negative result.
   [[nodiscard]] virtual std::int16_t Prepare() = 0;
-  /// Writes what stands in front of the sound. The file outlives the encoder. False if the file fails.
+  /// Writes what precedes the sound. The file outlives the encoder. False if the file fails.
   [[nodiscard]] virtual bool Begin(DiskFile& file) = 0;
   /// Encodes whole frames. After a failure nothing more is written, and only Finish may follow.
   [[nodiscard]] virtual bool Write(std::span<const std::int16_t> samples) = 0;

@@ -78,7 +78,7 @@ bool LameEncoder::Begin(DiskFile& file) {
   infoFrame_.emplace(stream);
   walker_.emplace(stream.Rate.Version, stream.Hertz);
 
-  // A tag needs one frame at least, so the room says what encodes until the tags are written.
+  // A tag needs one frame at least, so it holds the encoder's name until the tags are written.
   TagTexts untagged({});
   untagged.Encoder = std::string("LAME ") + get_lame_short_version();
   return file_->Append(AsBytes(Id3v2Tag(untagged))) && file_->Append(AsBytes(infoFrame_->Placeholder()));

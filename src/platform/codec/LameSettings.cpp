@@ -118,7 +118,7 @@ std::int16_t ApplyMp3Parameters(lame_global_flags* lame, const Mp3Parameters& pa
   lame_set_error_protection(lame, parameters.IncludeCRC ? 1 : 0);
   lame_set_strict_ISO(lame, parameters.ComplyISO ? 1 : 0);
   lame_set_emphasis(lame, parameters.DeEmphasis == 2 ? 3 : parameters.DeEmphasis);
-  // The file's own frames around the sound: the tag's room in front, and the info frame.
+  // What the file itself puts before the sound: the room for the tag, and the info frame.
   lame_set_write_id3tag_automatic(lame, 0);
   lame_set_bWriteVbrTag(lame, 0);
   return kCreated;

@@ -105,7 +105,7 @@ std::string Mp3InfoFrame::Placeholder() const {
   AppendBe(frame, 0xE3U | static_cast<unsigned>(stream_.Rate.Version) << 3, 1);
   AppendBe(frame, static_cast<unsigned>(bitrateIndex_) << 4 | static_cast<unsigned>(stream_.Rate.Index) << 2,
            1);
-  // Original, as the frames behind it.
+  // Original, like the frames after it.
   AppendBe(frame, static_cast<unsigned>(stream_.ModeBits) << 6 | 4U | stream_.EmphasisBits, 1);
   frame.resize(size_, '\0');
   return frame;
@@ -126,10 +126,10 @@ std::string Mp3InfoFrame::Frame(const Contents& contents) const {
   frame += "LAME3.100";
   AppendBe(frame, contents.Method, 1);
   AppendBe(frame, static_cast<unsigned>(std::clamp(contents.LowPass / 100, 0, 255)), 1);
-  frame.append(4 + 2 + 2 + 1, '\0');  // loudness not measured, details of the psychoacoustics not told
+  frame.append(4 + 2 + 2 + 1, '\0');  // loudness not measured, details of the psychoacoustics not given
   AppendBe(frame, contents.Bitrate, 1);
   AppendBe(frame, static_cast<unsigned>(contents.Delay) << 12 | static_cast<unsigned>(contents.Padding), 3);
-  frame.append(1 + 1 + 2, '\0');  // source, gain and preset not told
+  frame.append(1 + 1 + 2, '\0');  // source, gain and preset not given
   AppendBe(frame, Capped(streamBytes), 4);
   AppendBe(frame, contents.SoundCrc, 2);
   AppendBe(frame, Mp3Crc(0, AsBytes(frame)), 2);

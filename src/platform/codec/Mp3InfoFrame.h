@@ -10,14 +10,14 @@
 
 namespace kestrune::platform {
 
-/// Where each hundredth of the sound begins in the file. It takes note of where frames end, and thins its
-/// notes out as they grow many.
+/// Where each hundredth of the sound begins in the file. It notes where frames end, and drops every
+/// second note when there are too many.
 class Mp3SeekTable {
  public:
   /// Frames and bytes of sound so far; neither falls.
   void Note(std::int64_t frames, std::int64_t bytes);
-  /// 100 bytes: the part of the stream's bytes, in 256ths, that lies in front of each hundredth of its
-  /// frames. `lead` are the stream's bytes in front of the sound.
+  /// 100 bytes: the part of the stream's bytes, in 256ths, that comes before each hundredth of its
+  /// frames. `lead` is the number of bytes before the sound.
   [[nodiscard]] std::string Table(std::int64_t lead) const;
 
  private:
@@ -31,7 +31,7 @@ class Mp3SeekTable {
 };
 
 /// The first frame of an MP3 stream, silent itself, that says how long the sound is and how much to cut off
-/// at both ends: with it a player gives back exactly the samples that were encoded.
+/// at both ends: with it a player reproduces exactly the samples that were encoded.
 ///
 /// LAME's own frame is left out at bitrates whose frames cannot hold it, and always has a seek table. This
 /// one takes a frame of a higher bitrate then.
@@ -60,7 +60,7 @@ class Mp3InfoFrame {
   explicit Mp3InfoFrame(const Stream& stream);
 
   [[nodiscard]] std::int64_t Size() const { return static_cast<std::int64_t>(size_); }
-  /// A silent frame, to be written over at the end.
+  /// A silent frame, to be overwritten at the end.
   [[nodiscard]] std::string Placeholder() const;
   [[nodiscard]] std::string Frame(const Contents& contents) const;
 
@@ -70,7 +70,7 @@ class Mp3InfoFrame {
   std::size_t size_ = 0;
 };
 
-/// The 16-bit checksum of the info frame, carried on over pieces; begins with 0.
+/// The 16-bit checksum of the info frame, over several pieces; begins with 0.
 [[nodiscard]] std::uint16_t Mp3Crc(std::uint16_t crc, std::span<const std::byte> bytes);
 
 }  // namespace kestrune::platform

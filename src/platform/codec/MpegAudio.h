@@ -52,8 +52,8 @@ class MpegFrameWalker {
   MpegVersion version_;
   std::int32_t hertz_;
   std::array<std::byte, kHeaderBytes> header_{};
-  std::int64_t size_ = kHeaderBytes;  ///< of the frame in hand, as far as known
-  std::int64_t taken_ = 0;            ///< of the frame in hand
+  std::int64_t size_ = kHeaderBytes;  ///< of the present frame, as far as known
+  std::int64_t taken_ = 0;            ///< of the present frame
   std::int64_t frames_ = 0;
   std::int64_t frameBytes_ = 0;
 };

@@ -38,10 +38,10 @@ std::string InfoList(const TagTexts& texts) {
 
 struct Layout {
   bool Long = false;          ///< RF64
-  std::int64_t SoundEnd = 0;  ///< where the chunk behind the data begins
+  std::int64_t SoundEnd = 0;  ///< where the chunk after the data begins
 };
 
-/// Nothing if the file is none of ours, was never finished, or has more behind the sound than an INFO list.
+/// Nothing if the file is none of ours, was never finished, or has more after the sound than an INFO list.
 std::optional<Layout> FindLayout(const DiskFile& file) {
   const auto head = file.ReadAt(0, 12);
   if (!head || head->substr(8) != "WAVE") return std::nullopt;

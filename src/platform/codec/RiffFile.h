@@ -24,7 +24,7 @@ struct RiffSound {
 
 /// Writes a RIFF/WAVE file: an empty chunk that becomes the 64-bit sizes of RF64 if need be, the format, a
 /// fact chunk for all but PCM, and the data. Until Finish the data reaches "to the end of the file", so that
-/// a file whose end never came can still be played.
+/// a file that was never finished can still be played.
 class RiffFile {
  public:
   explicit RiffFile(const RiffSound& sound) : sound_(sound) {}
@@ -42,7 +42,7 @@ class RiffFile {
   std::int64_t dataStart_ = 0;
 };
 
-/// Writes the INFO list behind the sound of a finished file, in place of one that is there. False, and the
+/// Writes the INFO list after the sound of a finished file, in place of one that is there. False, and the
 /// file as it was, if it is no such file or takes no more.
 [[nodiscard]] bool WriteRiffInfo(DiskFile& file, const TagTexts& texts);
 

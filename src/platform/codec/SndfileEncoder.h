@@ -28,7 +28,7 @@ class SndfileEncoder final : public Encoder {
     void operator()(SNDFILE* sound) const { sf_close(sound); }
   };
 
-  /// What the library writes to. It does not tell a failure in every format, so the failure is kept here.
+  /// What the library writes to. It does not report a failure in every format, so the failure is kept here.
   struct Sink {
     DiskFile* File = nullptr;
     bool Failed = false;

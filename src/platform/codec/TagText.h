@@ -13,7 +13,7 @@ inline constexpr std::size_t kTagRoom = 4096;
 /// A longer text is cut, so that four of them and what frames them always fit into the room.
 inline constexpr std::size_t kMaxTagText = 900;
 
-/// The texts of a tag, made fit for a file. They come from the radio, so anything may stand in them.
+/// The texts of a tag, made fit for a file. They come from the radio, so they may hold anything.
 struct TagTexts {
   explicit TagTexts(const Tags& tags);
 

@@ -8,10 +8,10 @@
 
 namespace kestrune::platform {
 
-/// A Vorbis comment packet of exactly kTagRoom bytes: zeros behind the framing bit, which decoders pass over.
+/// A Vorbis comment packet of exactly kTagRoom bytes: zeros after the framing bit, which decoders skip.
 [[nodiscard]] std::string VorbisCommentPacket(const TagTexts& texts);
 
-/// Writes the comment packet of an Ogg Vorbis file of ours, which stands alone on the second page, in place.
+/// Writes the comment packet of an Ogg Vorbis file of ours, which is alone on the second page, in place.
 /// False, and the file as it was, if the file has no such page.
 [[nodiscard]] bool WriteVorbisComment(DiskFile& file, const TagTexts& texts);
 

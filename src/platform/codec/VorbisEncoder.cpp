@@ -105,7 +105,7 @@ bool VorbisEncoder::Write(std::span<const std::int16_t> samples) {
 }
 
 bool VorbisEncoder::Finish() {
-  // A page that would not fit is gone, and with it the thread of the stream: what is on disk stays as it is.
+  // A page that did not fit is gone, and the stream cannot go on without it: what is on disk stays as it is.
   if (failed_) return false;
   // The encoder marks its last packet with the true length, which trims the last block on decoding.
   return vorbis_analysis_wrote(&dsp_, 0) == 0 && DrainEncoder() && FlushPages();

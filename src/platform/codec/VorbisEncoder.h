@@ -10,7 +10,7 @@
 
 namespace kestrune::platform {
 
-/// Ogg Vorbis, by quality or managed by bitrate. The comment packet is padded and stands alone on its page,
+/// Ogg Vorbis, by quality or managed by bitrate. The comment packet is padded and alone on its page,
 /// so that tags are written in place.
 class VorbisEncoder final : public Encoder {
  public:

@@ -6,7 +6,7 @@
 
 namespace kestrune::platform {
 
-/// Dialogs of a program without windows: each is written down and answered at once with the answer that
+/// Dialogs of a program without windows: each is printed and answered at once with the answer that
 /// changes least, Cancel before No before Ok. The agreement counts as accepted only if that was said at the
 /// start.
 class ConsoleDialogs final : public Dialogs {

@@ -19,8 +19,8 @@ int ProcessIdOf(const std::string& name) {
   return error == std::errc{} && end == nameEnd ? id : 0;
 }
 
-/// Processes come and go while they are looked at, and others' are closed to us: each failure just means
-/// "no".
+/// Processes come and go while they are looked at, and those of others cannot be looked into: each failure just
+/// means "no".
 bool HasOpen(const fs::path& process, const fs::path& device) {
   std::error_code error;
   for (fs::directory_iterator file(process / "fd", error), end; !error && file != end;

@@ -14,8 +14,8 @@ struct DeviceHolder {
 /// Looks through the open files of all processes that this user may see. `path` may be a link to the device.
 [[nodiscard]] DeviceHolder FindDeviceHolder(const std::string& path);
 
-/// The names of those services that look into every serial line they find and that run now. They belong to the
-/// system, so that an ordinary user sees them run but not what they hold.
+/// The names of the running services that probe every serial line they find. They belong to the system: an ordinary
+/// user sees that they run, but not what they hold.
 [[nodiscard]] std::vector<std::string> RunningLineServices();
 
 }  // namespace kestrune::platform

@@ -23,7 +23,7 @@ class FileDescriptor {
   [[nodiscard]] bool IsOpen() const { return number_ >= 0; }
   [[nodiscard]] int Number() const { return number_; }
 
-  /// False if the system reports now that what was written did not arrive.
+  /// False, with the reason in errno, if the system reports now that something written before was lost.
   bool Close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
 
  private:

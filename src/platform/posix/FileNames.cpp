@@ -52,7 +52,7 @@ std::string FolderOf(const std::string& path) {
 
 bool MakeFolders(const std::string& path, mode_t mode) {
   for (std::size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1)) {
-    // A parent that stands there already is no failure, and one that cannot be made shows at the end.
+    // A parent that exists already is no failure, and one that cannot be made shows at the end.
     base::Ignored(::mkdir(path.substr(0, at).c_str(), mode));
   }
   return ::mkdir(path.c_str(), mode) == 0 || IsFolder(path);

@@ -15,7 +15,7 @@ inline constexpr mode_t kOwnFolder = 0700;
 /// The path as the system takes it; nothing if it holds a NUL, after which the system would not look.
 [[nodiscard]] std::optional<std::string> SystemPath(std::string_view path);
 
-/// A file name for any text: lower case, letters, digits, "-" and "_" as they stand, every other byte as "%"
+/// A file name for any text: lower case, letters, digits, "-" and "_" unchanged, every other byte as "%"
 /// and two hexadecimal digits. Texts that differ by more than case give different names.
 [[nodiscard]] std::string FileNameFor(std::string_view text);
 

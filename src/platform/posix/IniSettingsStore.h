@@ -13,9 +13,9 @@
 
 namespace kestrune::platform {
 
-/// Settings in one text file an application. Each write takes a lock that all units share, reads the file
-/// anew, changes the one key in it and puts the file in place as a whole; a read takes the file anew if
-/// another process has written it. A file that cannot be read gives defaults and is not written over.
+/// Settings in one text file per application. Each write takes a lock that all units share, reads the file
+/// anew, changes the one key in it and puts the file in place as a whole; a read loads the file again if
+/// another process has written it. A file that cannot be read gives defaults and is not overwritten.
 class IniSettingsStore final : public SettingsStore {
  public:
   /// The folder is made with the first write if it is missing.
@@ -32,15 +32,15 @@ class IniSettingsStore final : public SettingsStore {
   [[nodiscard]] std::string FileOf(std::string_view application) const;
 
  private:
-  /// What was last read of a file. The file is kept open, so that none that comes after it can be taken for
-  /// it.
+  /// What was last read of a file. The file is kept open, so that no later file can be taken
+  /// for it.
   struct KnownFile {
     FileDescriptor Open;
     struct stat Status {};
     IniText Content;
   };
 
-  /// The file as it stands now; null if it cannot be read. A file that is absent is empty.
+  /// The file as it is now; null if it cannot be read. A file that is absent is empty.
   [[nodiscard]] const IniText* Current(const std::string& path);
   [[nodiscard]] FileDescriptor Lock(const std::string& path) const;
   [[nodiscard]] static bool Write(const std::string& path, const IniText& content);

@@ -11,7 +11,7 @@ namespace kestrune::platform {
 
 namespace {
 
-// Behind a backslash: the letter in the file and the character it stands for.
+// After a backslash: the letter in the file and the character it stands for.
 struct Escape {
   char Letter;
   char Character;
@@ -67,7 +67,7 @@ std::string_view TrimBlanks(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
 }
 
-/// The position of the first "=" that no backslash stands before.
+/// The position of the first "=" without a backslash before it.
 std::size_t FindEquals(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '\\') {
@@ -126,7 +126,7 @@ void IniText::Set(std::string_view section, std::string_view key, std::string_vi
     *same = std::move(line);
     return;
   }
-  // A new key comes last in its section, before the blank lines that part it from the next one.
+  // A new key comes last in its section, before the blank lines that separate it from the next one.
   auto place = std::find_if(lines_.rbegin(), lines_.rend(), [&line](const Line& each) {
     return each.Section == line.Section && !TrimBlanks(each.Raw).empty();
   });

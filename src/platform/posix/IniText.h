@@ -7,15 +7,15 @@
 
 namespace kestrune::platform {
 
-/// The text of a settings file: sections in brackets, one "key=value" a line. Sections and keys compare
-/// without regard to case. Lines that are neither, comments among them, are kept as they stand. Any bytes may
+/// The text of a settings file: sections in brackets, one "key=value" per line. Sections and keys compare
+/// without regard to case. Lines that are neither, comments among them, are kept unchanged. Any bytes may
 /// be stored: a backslash introduces what a line cannot hold, and blanks at the ends of a value.
 class IniText {
  public:
   IniText() = default;
   explicit IniText(std::string_view text);
 
-  /// Where a key stands several times, the last one counts.
+  /// If a key appears several times, the last one counts.
   [[nodiscard]] std::optional<std::string> Get(std::string_view section, std::string_view key) const;
   void Set(std::string_view section, std::string_view key, std::string_view value);
   /// False if the key is absent.
@@ -25,8 +25,8 @@ class IniText {
 
  private:
   struct Line {
-    std::string Raw;                   ///< as it stands in the file, with its end
-    std::string Section;               ///< the section it lies in, or opens, folded
+    std::string Raw;                   ///< as in the file, with its line end
+    std::string Section;               ///< the section that it belongs to, or opens, folded
     std::optional<std::string> Key{};  ///< folded; absent if the line is no key
     std::string Value{};
   };

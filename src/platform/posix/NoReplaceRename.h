@@ -4,7 +4,7 @@
 
 namespace kestrune::platform {
 
-/// Three ways to give a file a new name that never replace another file, also not one that takes the name at
+/// Three ways to give a file a new name that never replace another file, not even one that takes the name at
 /// the same moment. Not every file system has each of them.
 enum class RenameOutcome {
   Done,

@@ -7,7 +7,7 @@
 
 namespace kestrune::platform {
 
-/// Which device stands behind a port number: 1 to 8 are USB adapters, 9 to 12 modems on USB, 13 to 16 serial
+/// Which device a port number means: 1 to 8 are USB adapters, 9 to 12 modems on USB, 13 to 16 serial
 /// lines on the board. Each can be given another device.
 class PortMap {
  public:
@@ -20,7 +20,7 @@ class PortMap {
   /// A number outside 1 to 16 is ignored.
   void SetDevice(std::int16_t number, std::string path);
 
-  /// Takes over "N=PATH", as on the command line. Empty on success, else what is wrong with it.
+  /// Applies "N=PATH", as on the command line. Empty on success, else what is wrong with it.
   [[nodiscard]] std::string SetFromText(std::string_view text);
 
  private:

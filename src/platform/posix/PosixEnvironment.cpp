@@ -70,13 +70,14 @@ std::string ListedMusicFolder(const std::string& list, const std::string& home) 
       value += rest.front();
       rest.remove_prefix(1);
     }
-    // A line without its closing quotation mark says nothing.
+    // A line without its closing quotation mark is ignored.
     if (!rest.empty() && value.starts_with('/')) folder = WithoutEndSeparator(std::move(value));
   }
   return folder;
 }
 
-/// Makes the folder if need be and sees that it is a folder, no link, of this user, closed to everybody else.
+/// Makes the folder if need be, and checks that it is a folder and no link, belongs to this user, and is closed to
+/// everybody else.
 bool MakePrivate(const std::string& path) {
   base::Ignored(::mkdir(path.c_str(), kOwnFolder));
   struct stat status {};
@@ -100,7 +101,7 @@ PosixEnvironment::PosixEnvironment(StartArguments arguments)
 
 std::string PosixEnvironment::InProfile(std::string_view name) const {
   std::string path = fmt::format("{}/{}", *profileFolder_, name);
-  // Who uses the folder finds out that it is missing.
+  // Whoever uses the folder notices if it is missing.
   base::Ignored(MakeFolders(path, kOwnFolder));
   return path;
 }

@@ -10,17 +10,17 @@ namespace kestrune::platform {
 
 /// What the program was started with.
 struct StartArguments {
-  /// The program's first argument; without a folder in it, or empty, the system is asked where the program
-  /// lies.
+  /// The program's first argument; if it is empty or names no folder, the system is asked where the
+  /// program is.
   std::string ExecutablePath;
-  /// The command line behind the program's name, without the long options.
+  /// The command line after the program's name, without the long options.
   std::string CommandLine;
-  /// A folder that everything of this run lies in: home, temporary folder, settings, socket and recordings.
+  /// The folder that holds everything of this run: home, temporary folder, settings, socket and recordings.
   std::optional<std::string> ProfileFolder;
 };
 
 /// The user's surroundings on Linux. Variables are read anew at each call. The folders of a profile are made,
-/// for the user alone, when they are first asked for.
+/// for the user alone, when they are first used.
 class PosixEnvironment final : public Environment {
  public:
   explicit PosixEnvironment(StartArguments arguments);
@@ -31,10 +31,10 @@ class PosixEnvironment final : public Environment {
   [[nodiscard]] std::string DefaultRecordingFolder() const override;
   [[nodiscard]] std::string CommandLine() const override { return commandLine_; }
 
-  /// Where the settings files lie: the folder kestrune in the user's configuration folder. It may not exist
+  /// Where the settings files are: the folder kestrune in the user's configuration folder. It may not exist
   /// yet.
   [[nodiscard]] std::string SettingsFolder() const;
-  /// Where sockets and locks of running units lie: a folder of the user's own, mode 0700. Empty if there is
+  /// Where the sockets and locks of running units are: a folder of the user's own, mode 0700. Empty if there is
   /// none that is safe, as when somebody else has taken its name.
   [[nodiscard]] std::string RuntimeFolder() const;
 

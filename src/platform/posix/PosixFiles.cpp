@@ -29,7 +29,7 @@ struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-/// Opens a plain file for reading; what is none is not opened, or its reader would wait for its writer.
+/// Opens a plain file for reading. Nothing else is opened: the reader of a pipe would wait for its writer.
 FileDescriptor OpenPlain(const std::string& path) {
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
@@ -54,7 +54,7 @@ bool CopyBytes(int from, int to) {
   }
 }
 
-/// One write, and if the system takes only a part of it, that part is taken back.
+/// One write, and if the system takes only a part of it, that part is removed again.
 bool AppendOnce(int file, std::string_view text) {
   ssize_t count = 0;
   do {
@@ -64,7 +64,7 @@ bool AppendOnce(int file, std::string_view text) {
   if (count >= 0) {
     const off_t end = ::lseek(file, 0, SEEK_CUR);
     struct stat status {};
-    // Unless another process has appended behind it meanwhile.
+    // Unless another process has appended something meanwhile.
     if (::fstat(file, &status) == 0 && status.st_size == end) base::Ignored(::ftruncate(file, end - count));
     errno = ENOSPC;
   }
@@ -184,7 +184,8 @@ base::Result PosixFiles::Replace(std::string_view path, std::string_view text) {
 base::Result PosixFiles::Append(std::string_view path, std::string_view text) {
   const auto name = SystemPath(path);
   if (!name) return NoSuchPath();
-  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kOwnFile));
+  FileDescriptor file(
+      ::open(name->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kOwnFile));
   if (!file.IsOpen()) return FailedWith(errno);
   if (!AppendOnce(file.Number(), text)) return FailedWith(errno);
   return file.Close() ? base::Result::Done() : FailedWith(errno);
@@ -193,7 +194,8 @@ base::Result PosixFiles::Append(std::string_view path, std::string_view text) {
 base::Result PosixFiles::CreateProgram(std::string_view path, std::string_view bytes) {
   const auto name = SystemPath(path);
   if (!name) return NoSuchPath();
-  FileDescriptor file(::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnFolder));
+  FileDescriptor file(
+      ::open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnFolder));
   if (!file.IsOpen()) return FailedWith(errno);
   base::Result written = ResultOf(WriteAll(file.Number(), bytes) ? 0 : -1);
   if (!file.Close() && written) written = FailedWith(errno);

@@ -31,10 +31,10 @@ class PosixFiles final : public Files {
   [[nodiscard]] std::optional<std::string> Read(std::string_view path) const override;
   [[nodiscard]] base::Result Replace(std::string_view path, std::string_view text) override;
   [[nodiscard]] base::Result Append(std::string_view path, std::string_view text) override;
-  /// A link of that name counts as a file that was there.
+  /// A link of that name counts as an existing file.
   [[nodiscard]] base::Result CreateProgram(std::string_view path, std::string_view bytes) override;
   [[nodiscard]] std::unique_ptr<OpenTextFile> OpenForWriting(std::string_view path) override;
-  /// A path that does not exist yet counts as lying in the nearest folder above it that does.
+  /// A path that does not exist yet counts as being in the nearest folder above it that does.
   [[nodiscard]] double FreeBytes(std::string_view path) const override;
 };
 

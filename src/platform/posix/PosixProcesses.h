@@ -11,8 +11,8 @@
 
 namespace kestrune::platform {
 
-/// Programs of the machine, looked for through PATH. A started program has no standard input, and none of this
-/// program's other files. It outlives this object.
+/// The machine's programs, found through PATH. A program that was started has no standard input and none of this
+/// program's other open files. It outlives this object.
 class PosixProcesses final : public Processes {
  public:
   /// The loop must outlive this object; waits go through it.
@@ -26,12 +26,12 @@ class PosixProcesses final : public Processes {
   void StopWaiting() override { stopped_ = true; }
 
  private:
-  /// Takes note of those that have ended: until somebody does, the system keeps their numbers.
+  /// Collects those that have ended: until then the system keeps their numbers.
   void Collect();
   [[nodiscard]] bool Started(pid_t process) const;
 
   base::EventLoop& loop_;
-  std::vector<pid_t> running_;  ///< as far as is known
+  std::vector<pid_t> running_;  ///< as far as known
   bool stopped_ = false;
 };
 

@@ -5,9 +5,9 @@
 
 namespace kestrune::platform {
 
-/// Where sockets and locks of running units lie: the folder run of a profile's folder if one is given, else
-/// the folder kestrune in the session's runtime folder, else one in /tmp under the user's number. Makes
-/// nothing and looks at nothing, so that a client can ask where to look.
+/// The folder of the sockets and locks of running units: "run" in the profile's folder if there is a profile, else
+/// "kestrune" in the session's runtime folder, else one in /tmp with the user's number. Creates and reads nothing, so
+/// that a client can ask where to look.
 [[nodiscard]] std::string RuntimeFolderPath(std::string_view profileFolder);
 
 }  // namespace kestrune::platform

@@ -22,7 +22,7 @@ std::string RealFile(const std::string& path) {
 
 }  // namespace
 
-// The build knows how the two folders of an installation lie to each other.
+// The build knows the relative path between the two folders of an installation.
 const std::string_view kSharedFolder = KESTRUNE_SHARED_FOLDER;
 
 std::string SideFile(std::string_view executableFolder, std::string_view name,

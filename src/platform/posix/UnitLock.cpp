@@ -15,7 +15,7 @@ namespace kestrune::platform {
 
 namespace {
 
-/// A lock on the whole file that belongs to the open file, not to the process, and that can be asked about
+/// A lock on the whole file that belongs to the open file, not to the process, and that can be queried
 /// without being taken: a probe never keeps a unit from starting.
 struct flock WholeFileLock() {
   struct flock lock {};
@@ -39,7 +39,7 @@ bool UnitLock::TryAcquire() {
   FileDescriptor file(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   struct flock lock = WholeFileLock();
   if (!file.IsOpen() || ::fcntl(file.Number(), F_OFD_SETLK, &lock) != 0) return false;
-  // The number serves those who ask who it is; the lock holds without it.
+  // The number is for those who ask who holds the lock; the lock itself does not need it.
   base::Ignored(::ftruncate(file.Number(), 0) == 0 &&
                 WriteAll(file.Number(), fmt::format("{}\n", ::getpid())));
   held_ = std::move(file);
@@ -50,7 +50,7 @@ std::optional<pid_t> UnitLock::HolderPid() const {
   if (held_.IsOpen()) return ::getpid();
   const FileDescriptor file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
   if (!file.IsOpen()) return std::nullopt;
-  // Where the lock is to be had, nobody holds the unit, whatever the file says.
+  // If the lock is free, nobody runs the unit, whatever the file says.
   struct flock lock = WholeFileLock();
   if (::fcntl(file.Number(), F_OFD_GETLK, &lock) != 0 || lock.l_type == F_UNLCK) return std::nullopt;
   const auto text = ReadToEnd(file.Number());

@@ -10,8 +10,7 @@
 
 namespace kestrune::platform {
 
-/// Says that a process runs this unit. The system lets go of it when the process ends, however it ends; the
-/// file stays.
+/// Marks a unit as running. The system releases the lock when the process ends, however it ends; the file stays.
 class UnitLock {
  public:
   /// Names the lock; takes nothing yet.
@@ -20,7 +19,7 @@ class UnitLock {
   UnitLock(const UnitLock&) = delete;
   UnitLock& operator=(const UnitLock&) = delete;
 
-  /// True if this object holds the lock afterwards. False if another holds it, or the folder is not there.
+  /// True if this object holds the lock afterwards. False if another holds it, or the folder is missing.
   [[nodiscard]] bool TryAcquire();
 
   /// The process that holds the lock; nothing if none does.

@@ -9,7 +9,7 @@
 
 namespace kestrune::platform {
 
-/// Reads an open file from where it stands to its end; nothing if a read fails.
+/// Reads an open file from its current position to its end; nothing if a read fails.
 [[nodiscard]] std::optional<std::string> ReadToEnd(int file);
 
 /// Writes all of the text; false, with the reason in errno, if the system took only part of it.

@@ -82,7 +82,8 @@ std::int32_t RingRecorder::TimeToBytes(std::int32_t milliseconds) const {
 
 NumberedResult RingRecorder::StartRecording() {
   if (recording_) Stop();
-  if (!Recordable(format_)) return {.Number = kBadFormat, .Cause = "the input cannot record this sample format"};
+  if (!Recordable(format_))
+    return {.Number = kBadFormat, .Cause = "the input cannot record this sample format"};
   const SoundDevice* device = SelectedDevice();
   if (device == nullptr) return {.Number = kNoSuchDevice, .Cause = "there is no such input"};
   if (!open_ || openId_ != device->Id || openFormat_ != format_) OpenSource(*device);

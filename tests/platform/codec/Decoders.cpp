@@ -61,7 +61,7 @@ std::map<std::string, std::string> Probe(const std::string& path) {
   std::istringstream lines(outcome.Output);
   for (std::string line; std::getline(lines, line);) {
     const std::size_t split = line.find('=');
-    // Facts of the format come last, and stand for the file where the stream has none.
+    // Facts of the format come last, and are used where the stream has none.
     if (split == std::string::npos) continue;
     const std::string value = line.substr(split + 1);
     if (value != "N/A") facts[line.substr(0, split)] = value;

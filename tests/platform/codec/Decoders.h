@@ -16,7 +16,7 @@ Outcome RunProgram(const std::string& command);
 /// With standard error in the output too.
 Outcome RunProgramAll(const std::string& command);
 
-/// Interleaved samples as ffmpeg, oggdec or sox decode the file. `options` stand in front of the input: for
+/// Interleaved samples as ffmpeg, oggdec or sox decode the file. `options` come before the input: for
 /// files without a header. Empty if the program fails.
 std::vector<std::int16_t> DecodeWithFfmpeg(const std::string& path, const std::string& options = {});
 std::vector<std::int16_t> DecodeWithOggdec(const std::string& path);

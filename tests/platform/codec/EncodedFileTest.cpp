@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -321,6 +322,47 @@ TEST_F(EncodedFileTest, DescriptionsNameFormatAndMainParameters) {
   EXPECT_EQ(file_.FormatDescription(), "VOX, 4-bit ADPCM, 8000 Hz, mono");
   file_.SetFormat(platform::G726Format{8000, 5});
   EXPECT_EQ(file_.FormatDescription(), "G.726, 5-bit ADPCM, 8000 Hz, mono");
+}
+
+TEST_F(EncodedFileTest, APlantedLinkIsReplacedAndItsTargetKept) {
+  const std::string diary = folder_.Path("diary");
+  std::ofstream(diary) << "private";
+  std::filesystem::create_symlink(diary, path_);
+  file_.SetFormatWAV(8000, 1, 16);
+  EXPECT_TRUE(file_.Create(path_));
+  EXPECT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
+  EXPECT_TRUE(file_.Close());
+  EXPECT_EQ(ReadFile(diary), "private");
+  EXPECT_FALSE(std::filesystem::is_symlink(path_));
+}
+
+TEST_F(EncodedFileTest, AFileIsHeldFromItsCreationToItsRelease) {
+  file_.SetFormatWAV(8000, 1, 16);
+  ASSERT_TRUE(file_.Create(path_));
+  ASSERT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
+  EncodedFile other;
+  other.SetFormatWAV(8000, 1, 16);
+  EXPECT_EQ(other.Create(path_).Number, platform::kNameHeld);
+  ASSERT_TRUE(file_.Close());
+  const std::string whole = ReadFile(path_);
+  EXPECT_EQ(other.Create(path_).Number, platform::kNameHeld) << "its fate is still open";
+  EXPECT_EQ(ReadFile(path_), whole);
+  file_.Release();
+  EXPECT_TRUE(other.Create(path_));
+}
+
+TEST_F(EncodedFileTest, AReleaseInMidCaptureDoesNothing) {
+  file_.SetFormatWAV(8000, 1, 16);
+  ASSERT_TRUE(file_.Create(path_));
+  file_.Release();
+  EXPECT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
+}
+
+TEST_F(EncodedFileTest, ARefusalSaysWhy) {
+  file_.SetFormatWAV(44100, 2, 12);
+  EXPECT_EQ(file_.Create(path_).Cause, "the format does not have this number of channels or bits");
+  file_.SetFormatWAV(44100, 2, 16);
+  EXPECT_EQ(file_.Create(folder_.Path("missing/capture")).Cause, "No such file or directory");
 }
 
 }  // namespace

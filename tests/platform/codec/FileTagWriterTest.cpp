@@ -253,7 +253,7 @@ TEST_F(FileTagWriterTest, ACutOffFileIsTaggedOrLeftButItsSoundNeverSpoilt) {
       SCOPED_TRACE(fmt::format("{} {}", name, size));
       const std::string cut = whole.substr(0, size);
       WriteFile(path, cut);
-      const bool tagged = writer_.Write(path, SomeTags());
+      const bool tagged = writer_.Write(path, SomeTags()).Ok();
       const std::string after = ReadFile(path);
       if (tagged) {
         ASSERT_GE(size, head);

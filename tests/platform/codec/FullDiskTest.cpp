@@ -26,7 +26,7 @@ using platform::EncodedFile;
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) {
-    // Without this the process would be killed instead of told.
+    // Without this the process would be killed instead of getting an error.
     std::signal(SIGXFSZ, SIG_IGN);
     ::getrlimit(RLIMIT_FSIZE, &before_);
     rlimit limit = before_;
@@ -95,7 +95,7 @@ std::size_t FillUp(EncodedFile& file) {
       static_cast<std::size_t>(format.SampleRate / 10) * static_cast<std::size_t>(format.Channels), 6);
   std::size_t taken = 0;
   for (int i = 0; i < 1000 && file.WriteBlock(sound); ++i) taken += sound.size();
-  EXPECT_FALSE(file.WriteBlock(sound)) << "what has failed stays failed";
+  EXPECT_EQ(file.WriteBlock(sound).Cause().empty(), false) << "what has failed stays failed";
   EXPECT_EQ(file.Length(), static_cast<std::int64_t>(taken) / format.Channels * 1000 / format.SampleRate);
   return taken;
 }

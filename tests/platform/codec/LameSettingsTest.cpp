@@ -146,7 +146,7 @@ TEST_F(LameSettingsTest, NothingIsResampledInside) {
 }
 
 /// Parameters drawn at random, on and off their ranges: each is refused, or gives a file of whole frames
-/// whose info frame tells the exact length.
+/// whose info frame gives the exact length.
 TEST(RandomMp3Parameters, GiveAnExactFileOrARefusalAndNeverACrash) {
   const unsigned seed = std::random_device{}();
   SCOPED_TRACE(fmt::format("seed {}", seed));

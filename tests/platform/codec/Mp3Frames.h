@@ -7,7 +7,7 @@
 
 namespace kestrune::test {
 
-/// What stands in the header and the side information of one MPEG layer III frame.
+/// What is in the header and the side information of one MPEG layer III frame.
 struct Mp3Frame {
   std::size_t At = 0;
   std::size_t Bytes = 0;
@@ -27,7 +27,7 @@ struct Mp3Frame {
   std::array<std::array<Granule, 2>, 2> Granules{};  ///< by granule, then channel
 };
 
-/// The frames of a file behind its ID3v2 tag, up to the ID3v1 tag; the first is the info frame. Stops, with
+/// The frames of a file after its ID3v2 tag, up to the ID3v1 tag; the first is the info frame. Stops, with
 /// `Broken` set, where no frame follows.
 struct Mp3Stream {
   std::vector<Mp3Frame> Frames;

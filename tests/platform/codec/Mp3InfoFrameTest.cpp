@@ -77,7 +77,7 @@ TEST(Mp3InfoFrame, SaysWhatTheLibrarysOwnSays) {
     EXPECT_EQ(ours.Padding, theirs.Padding);
     EXPECT_EQ(ours.MusicBytes, theirs.MusicBytes);
     EXPECT_EQ(ours.MusicCrc, theirs.MusicCrc);
-    // Theirs counts the bytes of a frame when it is encoded, ours where it stands.
+    // Theirs counts the bytes of a frame when it is encoded, ours where it lies in the file.
     for (std::size_t i = 0; i < 100; ++i) EXPECT_NEAR(ours.Table[i], theirs.Table[i], 8) << i;
   }
 }

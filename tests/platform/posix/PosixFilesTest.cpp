@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/posix/HeldFile.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/TemporaryFolder.h"
 
@@ -368,6 +369,49 @@ TEST_F(FullDiskTest, WorksAgainOnceThereIsRoom) {
   EXPECT_FALSE(files.Replace(folder / "log", std::string(20000, 'y')));
   EXPECT_TRUE(files.Remove(folder / "filler"));
   EXPECT_TRUE(files.Replace(folder / "log", std::string(20000, 'y')));
+}
+
+TEST_F(PosixFilesTest, WhatKilledProcessesLeftInTheFolderGoesWithTheNextWrite) {
+  PutFile(folder / ".kestrune-123-0", "half a list");
+  PutFile(folder / ".kestrune-4194304-7", "half a list");
+  PutFile(folder / ".kestrune-notes", "not ours");
+  EXPECT_TRUE(files.Replace(folder / "list.txt", "text"));
+  EXPECT_EQ(FileText(folder / "list.txt"), "text");
+  EXPECT_EQ(FileText(folder / ".kestrune-notes"), "not ours");
+  EXPECT_EQ(CountNames(folder.Path()), 2U);
+}
+
+TEST_F(PosixFilesTest, AWriteOfAnotherProcessIsNoLeftover) {
+  const platform::FileDescriptor other = platform::CreateHeld(folder / ".kestrune-123-0", 0600);
+  ASSERT_TRUE(other.IsOpen());
+  EXPECT_TRUE(files.Replace(folder / "list.txt", "text"));
+  EXPECT_EQ(CountNames(folder.Path()), 2U);
+}
+
+TEST_F(PosixFilesTest, AFailureSaysWhy) {
+  PutFile(folder / "a", "text");
+  PutFile(folder / "b", "text");
+  const platform::RenameResult taken = files.RenameNoReplace(folder / "a", folder / "b");
+  EXPECT_TRUE(taken.NameTaken);
+  EXPECT_EQ(taken.Outcome.Cause(), "File exists");
+  const platform::RenameResult absent = files.RenameNoReplace(folder / "none", folder / "c");
+  EXPECT_FALSE(absent.NameTaken);
+  EXPECT_EQ(absent.Outcome.Cause(), "No such file or directory");
+  EXPECT_EQ(files.Remove(folder / "none").Cause(), "No such file or directory");
+  EXPECT_EQ(files.CreateFolder(folder / "a").Cause(), "File exists");
+  EXPECT_EQ(files.Replace(folder / "none/a", "text").Cause(), "No such file or directory");
+  EXPECT_EQ(files.Append(folder / "none/a", "text").Cause(), "No such file or directory");
+  EXPECT_EQ(files.Copy(folder / "none", folder / "c").Cause(), "No such file or directory");
+  EXPECT_EQ(files.RenameNoReplace(folder / "a", folder / std::string(300, 'x')).Outcome.Cause(),
+            "File name too long");
+}
+
+TEST_F(PosixFilesTest, AHeldFileIsNotRemovedAsALeftover) {
+  const platform::FileDescriptor capture = platform::CreateHeld(folder / "Capture0.wav", 0600);
+  PutFile(folder / "Capture1.wav", "left");
+  EXPECT_EQ(files.RemoveUnlessHeld(folder / "Capture0.wav").Cause(), "Device or resource busy");
+  EXPECT_TRUE(files.RemoveUnlessHeld(folder / "Capture1.wav"));
+  EXPECT_EQ(CountNames(folder.Path()), 1U);
 }
 
 }  // namespace

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/CaptureSound.h"
+
+namespace kestrune::recorder {
+
+/// The four mode switches, as they were at one moment.
+struct ModeSwitches {
+  bool Integrel = false;
+  bool Cleftune = false;
+  bool Grab = false;
+  bool Kill = false;
+
+  bool operator==(const ModeSwitches&) const = default;
+};
+
+/// What became of one capture, from its start to its final name. Each failure on the way is kept here with its reason;
+/// the log has it since the moment when it happened.
+struct CaptureOutcome {
+  /// Full path while the fate of the capture is open; empty if it was not created, and after its end.
+  std::string File;
+  std::string StartFailure;  ///< why there is no file, or no sound for it; empty if the start went well
+  std::string WriteFailure;  ///< the system's reason why the file took no more; empty as long as it does
+
+  platform::CaptureSound
+      Sound;                   ///< what came and what is missing; complete once the capture has been stopped
+  std::int64_t MissingMs = 0;  ///< length of what is missing, in milliseconds
+
+  std::int16_t Event = 0;  ///< the schedule entry that ran when the capture began, 1 to 10; 0 for none
+  ModeSwitches Modes;      ///< in force when the capture began: that entry's, or the user's
+
+  std::string FinalName;  ///< full path of the song; empty as long as there is none
+
+  /// Less than this, one block of sound, does not make a song incomplete.
+  static constexpr std::int64_t kNoticeableMs = 100;
+  /// Whether the song is shorter than it should be.
+  [[nodiscard]] bool Shortened() const { return !WriteFailure.empty() || MissingMs >= kNoticeableMs; }
+};
+
+}  // namespace kestrune::recorder
