@@ -319,7 +319,7 @@ TEST_F(ChosenFormats, TheMp3BoxesReachTheFrames) {
   EXPECT_TRUE(reservoir);
 }
 
-TEST_F(ChosenFormats, TheMp3FiltersTakeTheirBandAway) {
+TEST_F(ChosenFormats, TheMp3FiltersRemoveTheirBand) {
   const double tones[] = {100.0, 1000.0, 12000.0};
   const auto levels = [&] {
     EXPECT_TRUE(mp3_.cmdOK());

@@ -62,7 +62,7 @@ TEST_F(EncodedFileTest, CreateBeforeAnyFormatIsRefused) {
   EXPECT_EQ(file_.FormatDescription(), "No format");
 }
 
-TEST_F(EncodedFileTest, AMissingFolderIsSaidAndLeavesNothing) {
+TEST_F(EncodedFileTest, AMissingFolderIsReportedAndLeavesNothing) {
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
   EXPECT_EQ(file_.Create(folder_.Path("missing/capture.wav")).Number, platform::kFileNotOpened);
   EXPECT_FALSE(std::filesystem::exists(folder_.Path("missing")));
@@ -245,7 +245,7 @@ TEST_F(EncodedFileTest, LengthIsWholeMillisecondsAndStaysAfterClose) {
   EXPECT_EQ(file_.Length(), 1001);
 }
 
-TEST_F(EncodedFileTest, APartFrameIsNotTakenAndSaid) {
+TEST_F(EncodedFileTest, APartFrameIsNotTakenAndReported) {
   file_.SetFormat(platform::WavFormat{44100, 2, 16});
   const std::string path = folder_.Path("a.wav");
   EXPECT_TRUE(file_.Create(path));
@@ -328,7 +328,7 @@ TEST_F(EncodedFileTest, APlantedLinkIsReplacedAndItsTargetKept) {
   const std::string diary = folder_.Path("diary");
   std::ofstream(diary) << "private";
   std::filesystem::create_symlink(diary, path_);
-  file_.SetFormatWAV(8000, 1, 16);
+  file_.SetFormat(platform::WavFormat{8000, 1, 16});
   EXPECT_TRUE(file_.Create(path_));
   EXPECT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
   EXPECT_TRUE(file_.Close());
@@ -337,11 +337,11 @@ TEST_F(EncodedFileTest, APlantedLinkIsReplacedAndItsTargetKept) {
 }
 
 TEST_F(EncodedFileTest, AFileIsHeldFromItsCreationToItsRelease) {
-  file_.SetFormatWAV(8000, 1, 16);
+  file_.SetFormat(platform::WavFormat{8000, 1, 16});
   ASSERT_TRUE(file_.Create(path_));
   ASSERT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
   EncodedFile other;
-  other.SetFormatWAV(8000, 1, 16);
+  other.SetFormat(platform::WavFormat{8000, 1, 16});
   EXPECT_EQ(other.Create(path_).Number, platform::kNameHeld);
   ASSERT_TRUE(file_.Close());
   const std::string whole = ReadFile(path_);
@@ -352,16 +352,16 @@ TEST_F(EncodedFileTest, AFileIsHeldFromItsCreationToItsRelease) {
 }
 
 TEST_F(EncodedFileTest, AReleaseInMidCaptureDoesNothing) {
-  file_.SetFormatWAV(8000, 1, 16);
+  file_.SetFormat(platform::WavFormat{8000, 1, 16});
   ASSERT_TRUE(file_.Create(path_));
   file_.Release();
   EXPECT_TRUE(file_.WriteBlock(std::vector<std::int16_t>(800)));
 }
 
 TEST_F(EncodedFileTest, ARefusalSaysWhy) {
-  file_.SetFormatWAV(44100, 2, 12);
+  file_.SetFormat(platform::WavFormat{44100, 2, 12});
   EXPECT_EQ(file_.Create(path_).Cause, "the format does not have this number of channels or bits");
-  file_.SetFormatWAV(44100, 2, 16);
+  file_.SetFormat(platform::WavFormat{44100, 2, 16});
   EXPECT_EQ(file_.Create(folder_.Path("missing/capture")).Cause, "No such file or directory");
 }
 

@@ -143,7 +143,7 @@ TEST(FullDisk, AShortFileIsFinishedAndPlays) {
   }
 }
 
-TEST(FullDisk, AFileThatTakesNotEvenItsHeaderIsRemoved) {
+TEST(FullDisk, AFileWithoutRoomForItsHeaderIsRemoved) {
   for (const Row& row : Formats()) {
     if (row.Name == "a.raw" || row.Name == "a.vox") continue;  // they have no header
     SCOPED_TRACE(row.Name);

@@ -52,7 +52,7 @@ TEST_F(LameSettingsTest, CodingMethodsAreLamesOwn) {
   }
 }
 
-TEST_F(LameSettingsTest, QualitiesAreTakenAsTheyStand) {
+TEST_F(LameSettingsTest, QualitiesAreTakenUnchanged) {
   for (std::int16_t quality = 0; quality <= 9; ++quality) {
     auto parameters = Base();
     parameters.VBRCodingMethod = 1;
@@ -106,7 +106,7 @@ TEST_F(LameSettingsTest, BlockSwitchesDoNotUndoEachOther) {
   }
 }
 
-TEST_F(LameSettingsTest, StrictIsoAndReservoirAreTold) {
+TEST_F(LameSettingsTest, StrictIsoAndReservoirAreSet) {
   for (const bool on : {false, true}) {
     auto parameters = Base();
     parameters.ComplyISO = on;

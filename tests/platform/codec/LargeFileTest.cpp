@@ -66,7 +66,7 @@ TEST(LargeFile, BelowFourGiBIsPlainRiffWithRoomLeft) {
   EXPECT_EQ(Probe(path)["duration_ts"], std::to_string((kFourGiB - 1000) / 4));
 }
 
-TEST(LargeFile, TagsGoBehindTheSoundOfRf64) {
+TEST(LargeFile, TagsFollowTheSoundOfRf64) {
   TempFolder folder;
   const std::string path = folder.Path("a.wav");
   const std::int64_t bytes = kFourGiB + 400000;

@@ -61,7 +61,7 @@ std::string Encode(const Mp3Parameters& parameters, const std::vector<std::int16
   return ReadFile(folder.Path("a.mp3"));
 }
 
-TEST(Mp3InfoFrame, SaysWhatTheLibrarysOwnSays) {
+TEST(Mp3InfoFrame, HoldsTheSameAsTheLibrarysOwn) {
   const auto music = MakeMusic(200000, 44100, 2);
   for (const std::int16_t method : {-1, 0, 1, 4}) {
     SCOPED_TRACE(method);
@@ -107,7 +107,7 @@ TEST(Mp3InfoFrame, ChecksumIsTheOneOfThePolynomialTurnedAround) {
             0xBB3D);
 }
 
-TEST(Mp3InfoFrame, StandsInAFrameThatHoldsItAtTheLowestBitrates) {
+TEST(Mp3InfoFrame, UsesALargeEnoughFrameAtTheLowestBitrates) {
   for (const std::int32_t rate : {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000}) {
     for (const std::int16_t channels : {1, 2}) {
       auto parameters = Parameters(-1);

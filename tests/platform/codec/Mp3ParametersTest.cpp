@@ -133,7 +133,7 @@ TEST_F(Mp3ParametersTest, CodingMethodsVaryTheBitrateButForTheConstantOne) {
   }
 }
 
-TEST_F(Mp3ParametersTest, CodingMethodStandsInTheInfoFrame) {
+TEST_F(Mp3ParametersTest, CodingMethodIsInTheInfoFrame) {
   const int expected[] = {1, 4, 3, 4, 4, 2};
   for (std::int16_t method = -1; method <= 4; ++method) {
     parameters_.VBRCodingMethod = method;
@@ -242,7 +242,7 @@ TEST_F(Mp3ParametersTest, BitReservoirOffLetsNoFrameReachBack) {
       std::any_of(frames.begin(), frames.end(), [](const Mp3Frame& f) { return f.MainDataBegin > 0; }));
 }
 
-TEST_F(Mp3ParametersTest, ShortBlocksStandInTheFileOnlyIfAllowed) {
+TEST_F(Mp3ParametersTest, ShortBlocksAreInTheFileOnlyIfAllowed) {
   const auto clicks = MakeClicks(88200, 44100, 2);
   parameters_.ShortBlocks = true;
   EXPECT_GT(ShortGranules(Encode(clicks)), 0U);
@@ -253,7 +253,7 @@ TEST_F(Mp3ParametersTest, ShortBlocksStandInTheFileOnlyIfAllowed) {
   }
 }
 
-TEST_F(Mp3ParametersTest, DifferentBlockTypesStandInADualChannelFileOnlyIfAllowed) {
+TEST_F(Mp3ParametersTest, DifferentBlockTypesAreInADualChannelFileOnlyIfAllowed) {
   const auto clicks = MakeClicks(88200, 44100, 2);
   parameters_.TypeStereo = 4;
   parameters_.DifferentBlockTypes = true;

@@ -37,7 +37,7 @@ TEST(TagText, BytesThatAreNoUtf8BecomeQuestionMarks) {
   EXPECT_EQ(CleanTagText("\xF0\x9F\x8E"), "???");
 }
 
-TEST(TagText, ALongTextIsCutInFrontOfTheCharacterThatGoesOver) {
+TEST(TagText, ALongTextIsCutBeforeTheCharacterThatDoesNotFit) {
   EXPECT_EQ(CleanTagText(std::string(100000, 'x')), std::string(kMaxTagText, 'x'));
   std::string umlauts = "x";
   for (int i = 0; i < 1000; ++i) umlauts += "ü";

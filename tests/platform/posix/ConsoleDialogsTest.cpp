@@ -30,7 +30,7 @@ TEST(ConsoleDialogs, EachKindIsAnsweredWithWhatChangesLeast) {
   }
 }
 
-TEST(ConsoleDialogs, TheAgreementIsAcceptedOnlyIfThatWasSaid) {
+TEST(ConsoleDialogs, TheAgreementIsAcceptedOnlyIfTheOptionWasGiven) {
   std::ostringstream out;
   EXPECT_TRUE(ConsoleDialogs(out, true).AskForAgreement());
   EXPECT_EQ(out.str(), "");

@@ -27,7 +27,7 @@ TEST(FileNameFor, KeepsPlainCharactersAndSpellsOutTheRest) {
   EXPECT_EQ(FileNameFor(""), "");
 }
 
-TEST(FolderOf, IsWhatStandsBeforeTheLastSeparator) {
+TEST(FolderOf, IsWhatPrecedesTheLastSeparator) {
   EXPECT_EQ(FolderOf("/a/b"), "/a");
   EXPECT_EQ(FolderOf("/a"), "/");
   EXPECT_EQ(FolderOf("a"), ".");

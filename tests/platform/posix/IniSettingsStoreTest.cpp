@@ -166,7 +166,7 @@ TEST_F(IniSettingsStoreTest, AnApplicationWithAnEndlessNameFailsQuietly) {
   EXPECT_EQ(store.GetSetting(name, "s", "k", "d"), "d");
 }
 
-TEST_F(IniSettingsStoreTest, OnAFullDiskTheOldSettingsStand) {
+TEST_F(IniSettingsStoreTest, OnAFullDiskTheOldSettingsStay) {
   std::filesystem::create_directory(folder / "config");
   const std::string config = folder / "config";
   if (::mount("tmpfs", config.c_str(), "tmpfs", 0, "size=16k") != 0) {

@@ -40,7 +40,7 @@ TEST(IniText, WritesWhatAReaderOfTheFileExpects) {
             "FilenameFormat=%g\\\\%c - %t\\\\%a - %s\n");
 }
 
-TEST(IniText, LinesItDoesNotUnderstandStayAsTheyStand) {
+TEST(IniText, LinesItDoesNotUnderstandStayUnchanged) {
   IniText ini(
       "; a comment\n\nrubbish\n[Kestrune\n[Kestrune]\r\n# Channel=1\nChannel=2\r\n\x01\xFF\n\n[Other]\nx");
   EXPECT_EQ(ini.Get("Kestrune", "Channel"), "2");
@@ -57,7 +57,7 @@ TEST(IniText, ACommentIsNoKey) {
   EXPECT_EQ(ini.Get("a", ";x"), std::nullopt);
 }
 
-TEST(IniText, OfAKeyThatStandsTwiceTheLastCounts) {
+TEST(IniText, IfAKeyAppearsTwiceTheLastCounts) {
   IniText ini("[a]\nx=1\nX=2\n[b]\nx=9\n[A]\nx=3\n");
   EXPECT_EQ(ini.Get("a", "x"), "3");
   ini.Set("a", "x", "4");

@@ -55,7 +55,7 @@ TEST_F(PosixEnvironmentTest, TempIsTheVariableElseTheSystemsFolder) {
   EXPECT_EQ(Plain().Variable("Temp"), "/two");
 }
 
-TEST_F(PosixEnvironmentTest, OtherVariablesAreReadAsTheyStand) {
+TEST_F(PosixEnvironmentTest, OtherVariablesAreReadUnchanged) {
   const VariableValue other("KESTRUNE_TEST_VARIABLE", "a/");
   EXPECT_EQ(Plain().Variable("KESTRUNE_TEST_VARIABLE"), "a/");
   EXPECT_EQ(Plain().Variable("KESTRUNE_TEST_NONE"), "");
@@ -66,7 +66,7 @@ TEST_F(PosixEnvironmentTest, TheCommandLineIsPassedOn) {
   EXPECT_EQ(Plain().CommandLine(), "/multi2 /debug");
 }
 
-TEST_F(PosixEnvironmentTest, TheExecutableFolderIsWhereTheProgramReallyLies) {
+TEST_F(PosixEnvironmentTest, TheExecutableFolderIsWhereTheProgramReallyIs) {
   std::filesystem::create_directories(folder / "real");
   PutFile(folder / "real/program", "");
   std::filesystem::create_symlink("real/program", folder / "link");
@@ -109,7 +109,7 @@ TEST_F(PosixEnvironmentTest, TheDesktopsListNamesAnotherMusicFolder) {
   }
 }
 
-TEST_F(PosixEnvironmentTest, TheListLiesInTheConfigurationFolder) {
+TEST_F(PosixEnvironmentTest, TheListIsInTheConfigurationFolder) {
   std::filesystem::create_directories(folder / "configuration");
   PutFile(folder / "configuration/user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/Tunes\"\n");
   const VariableValue set("XDG_CONFIG_HOME", folder / "configuration");
@@ -153,7 +153,7 @@ TEST_F(PosixEnvironmentTest, ARuntimeFolderOfSomebodyElseIsRefused) {
   EXPECT_EQ(Plain().RuntimeFolder(), "");
 }
 
-TEST_F(PosixEnvironmentTest, WithoutARuntimeFolderOfTheSystemItLiesInTmpUnderTheUsersNumber) {
+TEST_F(PosixEnvironmentTest, WithoutARuntimeFolderOfTheSystemItIsInTmpWithTheUsersNumber) {
   const std::string path = "/tmp/kestrune-" + std::to_string(::geteuid());
   const bool existed = std::filesystem::exists(path);
   EXPECT_EQ(Plain().RuntimeFolder(), path);

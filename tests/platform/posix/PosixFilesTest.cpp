@@ -270,7 +270,7 @@ TEST_F(PosixFilesTest, AProgramIsMadeForItsUserAlone) {
   EXPECT_TRUE(files.CreateProgram(folder / "empty", ""));
 }
 
-TEST_F(PosixFilesTest, AProgramNeverTakesANameThatIsThere) {
+TEST_F(PosixFilesTest, AProgramNeverTakesAnExistingName) {
   PutFile(folder / "file", "old");
   std::filesystem::create_symlink(folder / "target", folder / "link");
   std::filesystem::create_directory(folder / "folder");
@@ -371,7 +371,7 @@ TEST_F(FullDiskTest, WorksAgainOnceThereIsRoom) {
   EXPECT_TRUE(files.Replace(folder / "log", std::string(20000, 'y')));
 }
 
-TEST_F(PosixFilesTest, WhatKilledProcessesLeftInTheFolderGoesWithTheNextWrite) {
+TEST_F(PosixFilesTest, TheNextWriteRemovesWhatKilledProcessesLeftInTheFolder) {
   PutFile(folder / ".kestrune-123-0", "half a list");
   PutFile(folder / ".kestrune-4194304-7", "half a list");
   PutFile(folder / ".kestrune-notes", "not ours");

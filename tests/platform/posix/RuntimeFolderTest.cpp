@@ -12,7 +12,7 @@ namespace {
 
 using test::VariableValue;
 
-TEST(RuntimeFolder, LiesInTheSessionsFolder) {
+TEST(RuntimeFolder, IsInTheSessionsFolder) {
   const VariableValue session("XDG_RUNTIME_DIR", "/run/user/1000");
   EXPECT_EQ(RuntimeFolderPath(""), "/run/user/1000/kestrune");
   const VariableValue withEnd("XDG_RUNTIME_DIR", "/run/user/1000//");

@@ -44,11 +44,11 @@ TEST_F(SideFilesTest, AFolderOfThatNameIsNoFile) {
   EXPECT_EQ(Help(), folder / "share/kestrune/Documentation/Kestrune.html");
 }
 
-TEST_F(SideFilesTest, AMissingFileIsToldBesideTheProgram) {
+TEST_F(SideFilesTest, AMissingFileIsNamedBesideTheProgram) {
   EXPECT_EQ(Help(), folder / "bin/Documentation/Kestrune.html");
 }
 
-TEST_F(SideFilesTest, ANameAloneLiesInTheFolderItself) {
+TEST_F(SideFilesTest, ANameAloneIsInTheFolderItself) {
   PutFile(folder / "share/kestrune/Agreement.html", "installed");
   EXPECT_EQ(SideFile(folder / "bin", "Agreement.html", "../share/kestrune"),
             folder / "share/kestrune/Agreement.html");
