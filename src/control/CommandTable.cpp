@@ -108,80 +108,86 @@ constexpr std::array kScheduleOptions{
 Reply Done(Json result = nullptr) {
   return {ExitCode::Done, {}, std::move(result)};
 }
-
-Reply From(CommandResult result) {
-  if (result.Done) return Done();
-  return {ExitCode::Refused, std::move(result.Reason), nullptr};
+Reply Refused(std::string reason) {
+  return {ExitCode::Refused, std::move(reason), nullptr};
 }
 
-Reply RunStatus(ControlTarget& target, Arguments /*none*/) {
-  return Done(ToJson(target.Status()));
+/// Replies when the wish has been answered.
+Answered Reporting(const Replied& replied) {
+  return [replied](const base::Result& result) { replied(result.Ok() ? Done() : Refused(result.Cause())); };
 }
-Reply RunChannels(ControlTarget& target, Arguments /*none*/) {
-  return Done(ToJson(target.Channels()));
+
+// Questions.
+
+void RunStatus(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  replied(Done(ToJson(target.Status())));
 }
-Reply RunRecord(ControlTarget& target, Arguments /*none*/) {
-  return From(target.Record());
+void RunChannels(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  replied(Done(ToJson(target.Channels())));
 }
-Reply RunStop(ControlTarget& target, Arguments /*none*/) {
-  return From(target.Stop());
-}
-Reply RunQuit(ControlTarget& target, Arguments /*none*/) {
-  return From(target.Quit());
-}
-Reply RunTune(ControlTarget& target, Arguments arguments) {
-  return From(target.Tune(WholeNumber(arguments[0]).value_or(0)));
-}
-Reply RunMute(ControlTarget& target, Arguments arguments) {
-  return From(target.Mute(arguments[0] == "on"));
-}
-Reply RunLog(ControlTarget& target, Arguments arguments) {
+void RunLog(ControlTarget& target, Arguments arguments, const Replied& replied) {
   const std::size_t lines =
       arguments.empty() ? kUsualLogLines : static_cast<std::size_t>(WholeNumber(arguments[0]).value_or(0));
-  return Done(Json(target.LogLines(lines)));
+  replied(Done(Json(target.LogLines(lines))));
 }
-Reply RunGet(ControlTarget& target, Arguments arguments) {
+void RunGet(ControlTarget& target, Arguments arguments, const Replied& replied) {
   SettingResult setting = target.Get(arguments[0]);
-  if (!setting.Done) return {ExitCode::Refused, std::move(setting.Reason), nullptr};
-  return Done(Json(std::move(setting.Value)));
+  replied(setting.Done ? Done(Json(std::move(setting.Value))) : Refused(std::move(setting.Reason)));
 }
-Reply RunSet(ControlTarget& target, Arguments arguments) {
-  return From(target.Set(arguments[0], arguments[1]));
+void RunSchedule(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  replied(Done(ToJson(target.Schedule())));
 }
-Reply RunUpdate(ControlTarget& target, Arguments /*none*/) {
-  UpdateResult update = target.Update();
-  if (!update.Done) return {ExitCode::Refused, std::move(update.Reason), nullptr};
-  return Done(ToJson(update.Report));
+void RunLists(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  replied(Done(ToJson(target.Lists())));
 }
 
-Reply RunSchedule(ControlTarget& target, Arguments /*none*/) {
-  return Done(ToJson(target.Schedule()));
+// Wishes.
+
+void RunRecord(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  target.Record(Reporting(replied));
 }
-Reply RunScheduleSet(ControlTarget& target, Arguments arguments) {
-  return From(target.SetSchedule(ReadScheduleChange(arguments)));
+void RunStop(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  target.Stop(Reporting(replied));
 }
-Reply RunScheduleEnable(ControlTarget& target, Arguments arguments) {
-  return From(target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), true));
+void RunQuit(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  target.Quit(Reporting(replied));
 }
-Reply RunScheduleDisable(ControlTarget& target, Arguments arguments) {
-  return From(target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), false));
+void RunTune(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.Tune(WholeNumber(arguments[0]).value_or(0), Reporting(replied));
 }
-Reply RunScheduleClear(ControlTarget& target, Arguments arguments) {
-  return From(target.ClearSchedule(WholeNumber(arguments[0]).value_or(0)));
+void RunMute(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.Mute(arguments[0] == "on", Reporting(replied));
+}
+void RunSet(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.Set(arguments[0], arguments[1], Reporting(replied));
+}
+void RunUpdate(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  target.Update([replied](const UpdateResult& update) {
+    replied(update.Done ? Done(ToJson(update.Report)) : Refused(update.Reason));
+  });
+}
+void RunScheduleSet(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.SetSchedule(ReadScheduleChange(arguments), Reporting(replied));
+}
+void RunScheduleEnable(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), true, Reporting(replied));
+}
+void RunScheduleDisable(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.EnableSchedule(WholeNumber(arguments[0]).value_or(0), false, Reporting(replied));
+}
+void RunScheduleClear(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.ClearSchedule(WholeNumber(arguments[0]).value_or(0), Reporting(replied));
 }
 
 schedule::RestrictList ListOf(std::string_view name) {
   const auto* found = std::find(kListNames.begin(), kListNames.end(), name);
   return static_cast<schedule::RestrictList>(found - kListNames.begin());
 }
-Reply RunLists(ControlTarget& target, Arguments /*none*/) {
-  return Done(ToJson(target.Lists()));
+void RunListsAdd(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.AddToList(ListOf(arguments[0]), arguments[1], Reporting(replied));
 }
-Reply RunListsAdd(ControlTarget& target, Arguments arguments) {
-  return From(target.AddToList(ListOf(arguments[0]), arguments[1]));
-}
-Reply RunListsRemove(ControlTarget& target, Arguments arguments) {
-  return From(target.RemoveFromList(ListOf(arguments[0]), arguments[1]));
+void RunListsRemove(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  target.RemoveFromList(ListOf(arguments[0]), arguments[1], Reporting(replied));
 }
 
 constexpr std::array kCommands{
@@ -346,9 +352,9 @@ std::optional<std::string> WhatIsWrong(const Request& request) {
   return WhatIsWrongWithOptions(*command, all.subspan(given.size()));
 }
 
-Reply RunCommand(ControlTarget& target, const Request& request) {
+void RunCommand(ControlTarget& target, const Request& request, const Replied& replied) {
   const Command* command = FindCommand(request);
-  return command->Run(target, ArgumentsOf(*command, request));
+  command->Run(target, ArgumentsOf(*command, request), replied);
 }
 
 }  // namespace kestrune::control

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,6 +10,9 @@
 #include "control/Protocol.h"
 
 namespace kestrune::control {
+
+/// Takes a command's reply.
+using Replied = std::function<void(const Reply&)>;
 
 /// One argument of a command.
 struct Argument {
@@ -32,8 +36,10 @@ struct Command {
   std::string_view Name;  ///< one word, or two: "schedule", "schedule set"
   std::span<const Argument> Arguments;
   std::string_view Help;
-  /// The arguments are those of the table, without the second word of the name.
-  Reply (*Run)(ControlTarget& target, std::span<const std::string> arguments) = nullptr;
+  /// The arguments are those of the table, without the second word of the name. `replied` is called once, at once
+  /// for a question and when a wish has been answered.
+  void (*Run)(ControlTarget& target, std::span<const std::string> arguments,
+              const Replied& replied) = nullptr;
   /// If a command has options, at least one is to be given, behind its arguments.
   std::span<const CommandOption> Options = {};
 };
@@ -54,7 +60,7 @@ struct Command {
 
 /// One line that names what is wrong with a request and what is allowed; nothing if it can be run.
 [[nodiscard]] std::optional<std::string> WhatIsWrong(const Request& request);
-/// Runs a request of which nothing is wrong.
-[[nodiscard]] Reply RunCommand(ControlTarget& target, const Request& request);
+/// Runs a request of which nothing is wrong; `replied` is called as Command::Run says.
+void RunCommand(ControlTarget& target, const Request& request, const Replied& replied);
 
 }  // namespace kestrune::control

@@ -8,16 +8,16 @@
 
 namespace kestrune::control {
 
-std::string Dispatch(ControlTarget& target, std::string_view line) {
+void Dispatch(ControlTarget& target, std::string_view line, const std::function<void(std::string)>& answer) {
   const std::variant<Request, ReadError> read = RequestFromLine(line);
   if (const auto* error = std::get_if<ReadError>(&read)) {
-    return ToLine(Reply{ExitCode::WrongUse, error->Reason, nullptr});
+    return answer(ToLine(Reply{ExitCode::WrongUse, error->Reason, nullptr}));
   }
   const auto& request = std::get<Request>(read);
   if (const std::optional<std::string> wrong = WhatIsWrong(request)) {
-    return ToLine(Reply{ExitCode::WrongUse, *wrong, nullptr});
+    return answer(ToLine(Reply{ExitCode::WrongUse, *wrong, nullptr}));
   }
-  return ToLine(RunCommand(target, request));
+  RunCommand(target, request, [answer](const Reply& reply) { answer(ToLine(reply)); });
 }
 
 }  // namespace kestrune::control

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -7,9 +8,9 @@
 
 namespace kestrune::control {
 
-/// Answers one line of the control socket, its end taken off, with one line. Takes any bytes; what is no good
-/// request is answered with exit 2 and a reason, and reaches the target in no way. A target that waits may
-/// let events run, and a further line be dispatched inside.
-[[nodiscard]] std::string Dispatch(ControlTarget& target, std::string_view line);
+/// Answers one line of the control socket, given without its end, with one line. `answer` is called exactly once:
+/// within the call for a question, later for a wish. Takes any bytes; what is no valid request is answered at once
+/// with exit 2 and a reason, and does not reach the target.
+void Dispatch(ControlTarget& target, std::string_view line, const std::function<void(std::string)>& answer);
 
 }  // namespace kestrune::control

@@ -13,22 +13,7 @@
 namespace kestrune::control {
 namespace {
 
-CommandResult Done() {
-  return {.Done = true, .Reason = ""};
-}
-CommandResult Refused(std::string reason) {
-  return {.Done = false, .Reason = std::move(reason)};
-}
-
-constexpr const char* kStarting = "the program is still starting";
-constexpr const char* kClosing = "the program is closing";
-
-/// Why the unit takes no command now, as its windows would take no input; empty if it does.
-std::string Unavailable(const recorder::Kestrune& unit) {
-  if (unit.Run().ShuttingDown) return kClosing;
-  if (unit.Run().FormLoading) return kStarting;
-  return {};
-}
+using base::Result;
 
 }  // namespace
 
@@ -89,33 +74,20 @@ std::vector<ChannelReport> UnitTarget::Channels() {
   return reports;
 }
 
-CommandResult UnitTarget::Record() {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (!unit_.MayRecord()) return Refused("recording has been asked for already");
-  unit_.cmdRecord();
-  return Done();
+void UnitTarget::Record(Answered answered) {
+  unit_.Wishes().Record(std::move(answered));
 }
 
-CommandResult UnitTarget::Stop() {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (!unit_.MayStop()) return Refused("nothing is being recorded");
-  unit_.cmdStop();
-  return Done();
+void UnitTarget::Stop(Answered answered) {
+  unit_.Wishes().Stop(std::move(answered));
 }
 
-CommandResult UnitTarget::Tune(int channelNumber) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (unit_.Recording().GetRecordingStatus()) {
-    return Refused("the channel cannot be changed while recording is under way; stop it first");
-  }
-  unit_.SetChannelNumber(static_cast<std::int16_t>(channelNumber));
-  return Done();
+void UnitTarget::Tune(int channelNumber, Answered answered) {
+  unit_.Wishes().Tune(static_cast<std::int16_t>(channelNumber), std::move(answered));
 }
 
-CommandResult UnitTarget::Mute(bool muted) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  if (!unit_.SetMute(muted)) return Refused("the radio cannot be muted while recording is under way");
-  return Done();
+void UnitTarget::Mute(bool muted, Answered answered) {
+  unit_.Wishes().Mute(muted, std::move(answered));
 }
 
 std::vector<std::string> UnitTarget::LogLines(std::size_t atMost) {
@@ -131,31 +103,26 @@ SettingResult UnitTarget::Get(std::string_view key) {
   return {.Done = false, .Reason = fmt::format("there is no setting \"{}\"", key), .Value = ""};
 }
 
-CommandResult UnitTarget::Set(std::string_view key, std::string_view value) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  const config::SettingOutcome outcome = unit_.ChangeSetting(key, value);
-  if (!outcome.Done()) return Refused(outcome.Refusal);
-  if (!outcome.Saved)
-    return Refused("the new value holds until the end, but the settings could not be written");
-  return Done();
+void UnitTarget::Set(std::string_view key, std::string_view value, Answered answered) {
+  unit_.Wishes().ChangeSetting(std::string(key), std::string(value), std::move(answered));
 }
 
-UpdateResult UnitTarget::Update() {
+void UnitTarget::Update(std::function<void(const UpdateResult&)> answered) {
   const auto refused = [](std::string reason) {
     return UpdateResult{.Done = false, .Reason = std::move(reason), .Report = {}};
   };
-  if (std::string why = Unavailable(unit_); !why.empty()) return refused(std::move(why));
-  const std::optional<recorder::UpdateAnswer> answer = unit_.AskForUpdate();
-  if (!answer) return refused("an update check is under way already");
-  if (unit_.Run().ShuttingDown) return refused(kClosing);
-  if (answer->Result == config::kNotRetrieved) {
-    return refused("Unable to retrieve current version number from the web.");
-  }
-  return {.Done = true,
-          .Reason = "",
-          .Report = {.Running = config::RunningVersionText(),
-                     .Newer = answer->Result == config::kNewerVersion,
-                     .DownloadAddress = answer->DownloadAddress}};
+  unit_.Wishes().AskForUpdate(
+      [answered = std::move(answered), refused](const Result& asked, const recorder::UpdateAnswer& answer) {
+        if (!asked.Ok()) return answered(refused(asked.Cause()));
+        if (answer.Result == config::kNotRetrieved) {
+          return answered(refused("Unable to retrieve current version number from the web."));
+        }
+        answered({.Done = true,
+                  .Reason = "",
+                  .Report = {.Running = config::RunningVersionText(),
+                             .Newer = answer.Result == config::kNewerVersion,
+                             .DownloadAddress = answer.DownloadAddress}});
+      });
 }
 
 std::vector<ScheduleReport> UnitTarget::Schedule() {
@@ -183,31 +150,39 @@ schedule::SchedulerSettings UnitTarget::EntrySettings() const {
                              std::string_view text) { return section.SaveText(key, text); }};
 }
 
-CommandResult UnitTarget::ChangeEntry(
-    const std::function<std::optional<std::string>(const StoredSchedule&)>& change) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  // The window's save would undo the change, or the change would be made under the user's hands.
-  if (unit_.EntryEditors().HaveChanges())
-    return Refused("the schedule is being edited in its window; save or close it first");
-  StoredSchedule stored{.Settings = EntrySettings(), .Channels = unit_.SchedulerChannels(), .Now = unit_.Now()};
-  if (std::optional<std::string> why = change(stored)) return Refused(*std::move(why));
-  unit_.ReloadSchedule();
-  unit_.EntryEditors().EntriesChanged();
-  return Done();
+void UnitTarget::ChangeEntry(std::function<std::optional<std::string>(const StoredSchedule&)> change,
+                             Answered answered) {
+  unit_.Wishes().Ask(
+      [&unit = unit_, settings = EntrySettings(), change = std::move(change)] {
+        // The window's save would undo the change, or the change would be made under the user's hands.
+        if (unit.EntryEditors().HaveChanges())
+          return Result::Failed("the schedule is being edited in its window; save or close it first");
+        const StoredSchedule stored{
+            .Settings = settings, .Channels = unit.SchedulerChannels(), .Now = unit.Now()};
+        if (const std::optional<std::string> why = change(stored)) return Result::Failed(*why);
+        unit.ReloadSchedule();
+        unit.EntryEditors().EntriesChanged();
+        return Result::Done();
+      },
+      std::move(answered));
 }
 
-CommandResult UnitTarget::SetSchedule(const ScheduleChange& change) {
-  return ChangeEntry([&](const StoredSchedule& stored) { return SetEntry(stored, change); });
+void UnitTarget::SetSchedule(const ScheduleChange& change, Answered answered) {
+  ChangeEntry([change](const StoredSchedule& stored) { return SetEntry(stored, change); },
+              std::move(answered));
 }
 
-CommandResult UnitTarget::EnableSchedule(int number, bool enabled) {
-  return ChangeEntry([&](const StoredSchedule& stored) {
-    return enabled ? EnableEntry(stored, number) : DisableEntry(stored, number);
-  });
+void UnitTarget::EnableSchedule(int number, bool enabled, Answered answered) {
+  ChangeEntry(
+      [number, enabled](const StoredSchedule& stored) {
+        return enabled ? EnableEntry(stored, number) : DisableEntry(stored, number);
+      },
+      std::move(answered));
 }
 
-CommandResult UnitTarget::ClearSchedule(int number) {
-  return ChangeEntry([&](const StoredSchedule& stored) { return ClearEntry(stored, number); });
+void UnitTarget::ClearSchedule(int number, Answered answered) {
+  ChangeEntry([number](const StoredSchedule& stored) { return ClearEntry(stored, number); },
+              std::move(answered));
 }
 
 namespace {
@@ -232,33 +207,37 @@ ListsReport UnitTarget::Lists() {
           .KillSongs = Fragments(lists, KillSongs)};
 }
 
-CommandResult UnitTarget::AddToList(schedule::RestrictList list, std::string_view text) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  const std::string_view fragment = base::Trim(text);
-  const std::vector<std::string> present = Fragments(unit_.Restrictions(), list);
-  if (present.size() >= schedule::Restrictions::kMaxRows) return Refused("the list is full");
-  if (std::any_of(present.begin(), present.end(),
-                  [fragment](const std::string& one) { return base::EqualsNoCase(one, fragment); })) {
-    return Refused(fmt::format("{} is on the list already", Quoted(fragment)));
-  }
-  return unit_.GrabKill().Append(list, fragment) ? Done() : Refused(kListsNotWritten);
+void UnitTarget::AddToList(schedule::RestrictList list, std::string_view text, Answered answered) {
+  unit_.Wishes().Ask(
+      [&unit = unit_, list, fragment = std::string(base::Trim(text))] {
+        const std::vector<std::string> present = Fragments(unit.Restrictions(), list);
+        if (present.size() >= schedule::Restrictions::kMaxRows) return Result::Failed("the list is full");
+        if (std::any_of(present.begin(), present.end(),
+                        [&fragment](const std::string& one) { return base::EqualsNoCase(one, fragment); })) {
+          return Result::Failed(fmt::format("{} is on the list already", Quoted(fragment)));
+        }
+        return unit.GrabKill().Append(list, fragment) ? Result::Done() : Result::Failed(kListsNotWritten);
+      },
+      std::move(answered));
 }
 
-CommandResult UnitTarget::RemoveFromList(schedule::RestrictList list, std::string_view text) {
-  if (std::string why = Unavailable(unit_); !why.empty()) return Refused(std::move(why));
-  // The editor holds all lists as they were when it opened, and its save would bring the entry back.
-  if (unit_.RestrictListEditor().IsLoaded()) {
-    return Refused("the lists are being edited in their window; close it first");
-  }
-  const schedule::Restrictions::Removal removed = unit_.Restrictions().Remove(list, text);
-  if (!removed.Failure.empty()) return Refused(removed.Failure);
-  return removed.Count > 0 ? Done() : Refused(fmt::format("{} is not on the list", Quoted(base::Trim(text))));
+void UnitTarget::RemoveFromList(schedule::RestrictList list, std::string_view text, Answered answered) {
+  unit_.Wishes().Ask(
+      [&unit = unit_, list, fragment = std::string(base::Trim(text))] {
+        // The editor holds all lists as they were when it opened, and its save would bring the entry back.
+        if (unit.RestrictListEditor().IsLoaded()) {
+          return Result::Failed("the lists are being edited in their window; close it first");
+        }
+        const schedule::Restrictions::Removal removed = unit.Restrictions().Remove(list, fragment);
+        if (!removed.Failure.empty()) return Result::Failed(removed.Failure);
+        if (removed.Count > 0) return Result::Done();
+        return Result::Failed(fmt::format("{} is not on the list", Quoted(fragment)));
+      },
+      std::move(answered));
 }
 
-CommandResult UnitTarget::Quit() {
-  if (unit_.Run().ShuttingDown) return Refused(kClosing);
-  unit_.RequestClose();
-  return Done();
+void UnitTarget::Quit(Answered answered) {
+  unit_.Wishes().Close(std::move(answered));
 }
 
 }  // namespace kestrune::control

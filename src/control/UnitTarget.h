@@ -10,8 +10,8 @@
 
 namespace kestrune::control {
 
-/// The control socket's hands on a running unit. It goes through the same doors as a person at the windows,
-/// and is refused where a person would be.
+/// The control socket's side of a running unit. What it asks for goes in at the same door as what a person does at
+/// the windows, and is refused where a person would be.
 class UnitTarget final : public ControlTarget {
  public:
   /// The unit must outlive the target.
@@ -19,29 +19,29 @@ class UnitTarget final : public ControlTarget {
 
   [[nodiscard]] StatusReport Status() override;
   [[nodiscard]] std::vector<ChannelReport> Channels() override;
-  [[nodiscard]] CommandResult Record() override;
-  [[nodiscard]] CommandResult Stop() override;
-  [[nodiscard]] CommandResult Tune(int channelNumber) override;
-  [[nodiscard]] CommandResult Mute(bool muted) override;
   [[nodiscard]] std::vector<std::string> LogLines(std::size_t atMost) override;
   [[nodiscard]] SettingResult Get(std::string_view key) override;
-  [[nodiscard]] CommandResult Set(std::string_view key, std::string_view value) override;
   [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
-  [[nodiscard]] CommandResult SetSchedule(const ScheduleChange& change) override;
-  [[nodiscard]] CommandResult EnableSchedule(int number, bool enabled) override;
-  [[nodiscard]] CommandResult ClearSchedule(int number) override;
   [[nodiscard]] ListsReport Lists() override;
-  [[nodiscard]] CommandResult AddToList(schedule::RestrictList list, std::string_view text) override;
-  [[nodiscard]] CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override;
-  [[nodiscard]] UpdateResult Update() override;
-  [[nodiscard]] CommandResult Quit() override;
+
+  void Record(Answered answered) override;
+  void Stop(Answered answered) override;
+  void Tune(int channelNumber, Answered answered) override;
+  void Mute(bool muted, Answered answered) override;
+  void Set(std::string_view key, std::string_view value, Answered answered) override;
+  void SetSchedule(const ScheduleChange& change, Answered answered) override;
+  void EnableSchedule(int number, bool enabled, Answered answered) override;
+  void ClearSchedule(int number, Answered answered) override;
+  void AddToList(schedule::RestrictList list, std::string_view text, Answered answered) override;
+  void RemoveFromList(schedule::RestrictList list, std::string_view text, Answered answered) override;
+  void Update(std::function<void(const UpdateResult&)> answered) override;
+  void Quit(Answered answered) override;
 
  private:
   [[nodiscard]] schedule::SchedulerSettings EntrySettings() const;
-  /// Runs a command on a stored entry, unless an open editor has changes. The schedule and the open editors read
-  /// the entries again afterwards.
-  [[nodiscard]] CommandResult ChangeEntry(
-      const std::function<std::optional<std::string>(const StoredSchedule&)>& change);
+  /// Asks for a command on a stored entry, which is refused while an open editor has changes. The schedule and the
+  /// open editors read the entries again after it.
+  void ChangeEntry(std::function<std::optional<std::string>(const StoredSchedule&)> change, Answered answered);
 
   recorder::Kestrune& unit_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -29,15 +30,23 @@ struct Message {
   MessageButtons Buttons = MessageButtons::Ok;
 };
 
-/// What the program asks of the user outside its windows. The main thread calls; a call returns when the user
-/// has answered, and events run meanwhile.
+/// What the program asks of the user outside its windows. All calls come on the main thread.
 class Dialogs {
  public:
+  using Answered = std::function<void(MessageAnswer)>;
+
   virtual ~Dialogs() = default;
 
+  /// Shows a message and returns when the user has answered; events run meanwhile. For windows: what runs between
+  /// the events must not wait for a user, and uses Open.
   [[nodiscard]] virtual MessageAnswer Show(const Message& message) = 0;
-  /// Shows the first-run agreement; false ends the program.
+  /// Shows a message and returns at once. `answered` is called exactly once: from the event loop when the user
+  /// has answered, or within the call if nobody is asked.
+  virtual void Open(const Message& message, Answered answered) = 0;
+  /// Shows the first-run agreement and returns when the user has answered; false ends the program.
   [[nodiscard]] virtual bool AskForAgreement() = 0;
+  /// The program closes: what is open is answered with the answer that changes least, and so is all that follows.
+  virtual void GiveUp() = 0;
 };
 
 }  // namespace kestrune::platform

@@ -84,9 +84,13 @@ void ChannelChooser::Quit() {
 
 bool ChannelChooser::RefuseWhileRecording() {
   if (!getRecordingStatus_()) return false;
+  Refuse();
+  return true;
+}
+
+void ChannelChooser::Refuse() {
   sounds_.Play("SystemAsterisk");
   PutSelectionBack();
-  return true;
 }
 
 void ChannelChooser::PutSelectionBack() {
@@ -98,7 +102,9 @@ void ChannelChooser::tmrChannelChange_Timer() {
   if (quitFlag_) return;
   tmrChannelChange_->SetInterval(kChangeDelay);
   if (tmrUpdate_.Enabled()) {
-    channels_.SetChannelNumber(pendingChannel_);
+    Tune(pendingChannel_, [this] {
+      if (!quitFlag_) Refuse();
+    });
     return;
   }
   tmrChannelChange_->SetInterval(kNextTry);

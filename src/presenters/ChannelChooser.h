@@ -30,6 +30,12 @@ class ChannelChooser {
   /// Takes a text for the Grab or Kill list: "Artist" or "Song", and the cell's text without the blanks
   /// around it.
   std::function<void(std::string_view word, std::string_view text)> OfferForList = [](auto, auto) {};
+  /// Asks for a channel; `refused` is called if recording keeps the one that is tuned. Tunes at once unless it is
+  /// set.
+  std::function<void(std::int16_t channel, std::function<void()> refused)> Tune =
+      [this](std::int16_t channel, const std::function<void()>& /*refused*/) {
+        channels_.SetChannelNumber(channel);
+      };
   /// Clears `chkChannelListing` of the main window, which hides this one.
   std::function<void()> ClearChannelListing = [] {};
 
@@ -57,6 +63,7 @@ class ChannelChooser {
 
  private:
   [[nodiscard]] bool RefuseWhileRecording();
+  void Refuse();
   void PutSelectionBack();
   void tmrChannelChange_Timer();
 

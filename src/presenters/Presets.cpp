@@ -33,7 +33,7 @@ void Presets::cmdPresetStation_Click(int index) {
   } else if (getRecordingStatus_()) {
     sounds_.Play("SystemAsterisk");
   } else {
-    channels_.SetChannelNumber(ChannelOf(index));
+    Tune(ChannelOf(index), [this] { sounds_.Play("SystemAsterisk"); });
   }
 }
 

@@ -39,6 +39,13 @@ class Presets {
   /// Called for a press of a button without a preset: show the window in which presets are chosen.
   std::function<void()> ShowPresets = [] {};
 
+  /// Asks for a channel; `refused` is called if recording keeps the one that is tuned. Tunes at once unless it is
+  /// set.
+  std::function<void(std::int16_t channel, std::function<void()> refused)> Tune =
+      [this](std::int16_t channel, const std::function<void()>& /*refused*/) {
+        channels_.SetChannelNumber(channel);
+      };
+
   /// Fills the buttons from the settings: at the start, and whenever presets were saved.
   void LoadPresets();
   [[nodiscard]] const std::array<PresetButton, kCount>& Buttons() const { return buttons_; }

@@ -22,15 +22,13 @@ constexpr milliseconds kQuitInterval{2000};
 
 Kestrune::Kestrune(const Outside& outside)
     : outside_(outside),
+      door_(outside.Loop),
+      boxes_(outside.Dialogs, door_),
+      wishes_(*this, door_),
       section_(outside.Settings),
       tmrUpdate_(outside.Loop.MakeTimer(kUpdateInterval, [this] { updateCycle_.Tick(); })),
       tmrClock_(outside.Loop.MakeTimer(kClockInterval, [this] { clock_.Tick(); })),
       tmrQuit_(outside.Loop.MakeTimer(kQuitInterval, [this] { tmrQuit_Timer(); })),
-      tmrClose_(outside.Loop.MakeTimer(milliseconds(0),
-                                       [this] {
-                                         tmrClose_->SetEnabled(false);
-                                         Close();
-                                       })),
       log_(outside.Files, outside.Environment, outside.Loop),
       session_(outside.pcrComm, outside.Loop, state_.Run, log_),
       bringUp_(session_, outside.Loop, state_.Run, log_),
@@ -55,7 +53,7 @@ Kestrune::Kestrune(const Outside& outside)
                    {.Channels = channels_, .Boundary = boundary_, .Commands = commands_, .Display = display_},
                    outside.Loop, *tmrUpdate_),
       clock_(state_, restrictions_, outside.Windows, session_, outside.Loop),
-      options_(state_.Settings, section_, state_.Run, outside.Dialogs),
+      options_(state_.Settings, section_, state_.Run, boxes_),
       switches_(window_, outside.Windows, state_.Settings, section_, state_.Run),
       resize_(window_, outside.Windows, state_.Settings, state_.Run),
       presets_(channels_, outside.Sounds,
@@ -73,8 +71,10 @@ Kestrune::Kestrune(const Outside& outside)
                                                .lblArtist = window.lblArtist.Caption,
                                                .lblSong = window.lblSong.Caption};
                  }),
-      update_(outside, state_.Run, commands_, [this] { Close(); }),
+      update_(outside, state_.Run, commands_, boxes_, [this] { wishes_.Close(); }),
       stayAwake_(state_, outside.SleepInhibitor, outside.Loop) {
+  // A unit that has not begun to load takes no wishes either.
+  state_.Run.FormLoading = true;
   session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
     channels_.pcrChannelInfoReceived(info);
   };
@@ -82,7 +82,17 @@ Kestrune::Kestrune(const Outside& outside)
                                       std::int16_t terrestrial) {
     display_.pcrSignalReceived(satellite1, satellite2, terrestrial);
   };
-  updateCycle_.SetSchedulePass([this] { schedulePass_.Run(); });
+  const auto tune = [this](std::int16_t channel, std::function<void()> refused) {
+    wishes_.Tune(channel, [refused = std::move(refused)](const base::Result& result) {
+      if (!result.Ok()) refused();
+    });
+  };
+  presets_.Tune = tune;
+  channelChooser_.Tune = tune;
+  // A pass may tune, and a wish whose wait let this tick in may be tuning: the next pass is early enough.
+  updateCycle_.SetSchedulePass([this] {
+    if (!door_.Serving()) schedulePass_.Run();
+  });
 }
 
 Kestrune::~Kestrune() = default;
@@ -97,22 +107,10 @@ bool Kestrune::SetMute(bool on) {
   return true;
 }
 
-void Kestrune::mnuRecord_Click() {
-  if (MayRecord()) cmdRecord();
-}
-
-void Kestrune::mnuStop_Click() {
-  if (MayStop()) cmdStop();
-}
-
-void Kestrune::mnuMute_Click() {
-  base::Ignored(SetMute(!state_.Recording.Muted));
-}
-
 void Kestrune::mnuReload_Click() {
   channels_.mnuReload();
-  base::Ignored(outside_.Dialogs.Show({.Title = std::string(radio::Channels::kReloadTitle),
-                                       .Text = std::string(radio::Channels::kReloadText)}));
+  boxes_.Show({.Title = std::string(radio::Channels::kReloadTitle),
+               .Text = std::string(radio::Channels::kReloadText)});
 }
 
 std::string Kestrune::Explanation() const {

@@ -25,10 +25,12 @@
 #include "radio/line/BringUp.h"
 #include "radio/line/RadioSession.h"
 #include "recorder/AudioObjects.h"
+#include "recorder/Boxes.h"
 #include "recorder/Capture.h"
 #include "recorder/Clock.h"
 #include "recorder/Display.h"
 #include "recorder/Disposition.h"
+#include "recorder/Door.h"
 #include "recorder/InputDevices.h"
 #include "recorder/LevelMeter.h"
 #include "recorder/MainWindow.h"
@@ -45,6 +47,7 @@
 #include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
 #include "recorder/WindowSwitches.h"
+#include "recorder/Wishes.h"
 #include "schedule/entries/EntryEditors.h"
 #include "schedule/lists/Restrictions.h"
 #include "schedule/log/Log.h"
@@ -64,11 +67,19 @@ class Kestrune final : private radio::ChannelEvents {
   /// serves events meanwhile.
   [[nodiscard]] StartOutcome Load();
 
-  /// A request to close, from wherever it comes. The first pass stops the recorder; two seconds later the
-  /// second half saves and ends, and `closed` is called. Further requests meanwhile change nothing.
-  void Close();
-  /// The same once the caller has returned to the loop.
-  void RequestClose() { tmrClose_->SetEnabled(true); }
+  /// What comes from outside while the unit runs: buttons, keys, the control socket, signals, the session's end.
+  [[nodiscard]] recorder::Wishes& Wishes() { return wishes_; }
+
+  /// The close itself: a wish's last step, not to be called within another step of the run. The first pass keeps
+  /// what was stopped and waits for its cut, and stops the recorder; two seconds later the second half saves and
+  /// ends, and `closed` is called. False if the close has begun already.
+  ///
+  /// A close that is asked for during the load (Wishes::Close) does not wait for all of it: EndWaits sets
+  /// ShuttingDown, so that each wait ends at its next look, open dialogs are given up, Load returns after the step
+  /// that it was in, and the close is the next thing that happens.
+  bool Close();
+  /// Ends what a close must not wait for; it changes nothing else.
+  void EndWaits();
   void SetClosedHandler(std::function<void()> closed) { closed_ = std::move(closed); }
 
   // What windows and the control socket read.
@@ -127,10 +138,12 @@ class Kestrune final : private radio::ChannelEvents {
   void ReloadSchedule();
   /// The radio's identifier, asked for if it is not known yet, for 1.5 s at most; may be empty.
   [[nodiscard]] std::string pcrRadioID() { return session_.pcrRadioID(); }
-  /// Asks the maker's server for a newer version, and the user what to do about it.
+  /// Asks the maker's server for a newer version, and the user what to do about it; returns at once.
   void mnuCheckUpdate() { update_.mnuCheckUpdate(); }
-  /// The same without a word to the user; nothing if such a check is under way already.
-  [[nodiscard]] std::optional<UpdateAnswer> AskForUpdate() { return update_.Ask(); }
+  /// The same without a word to the user; see UpdateCommand::Ask.
+  void AskForUpdate(std::function<void(const base::Result&, const UpdateAnswer&)> answered) {
+    update_.Ask(std::move(answered));
+  }
   /// The scheduler, newly loaded, its channels as the channels window lists them.
   [[nodiscard]] std::shared_ptr<presenters::Scheduler> OpenScheduler();
   /// The channels as the channels window lists them.
@@ -154,9 +167,6 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] MainWindow& WindowRecord() { return window_; }
   /// What becomes of the song that plays, and why.
   [[nodiscard]] std::string Explanation() const;
-  void mnuRecord_Click();
-  void mnuStop_Click();
-  void mnuMute_Click();
   void mnuReload_Click();
 
   // The rules of the windows of channels and presets.
@@ -167,6 +177,7 @@ class Kestrune final : private radio::ChannelEvents {
 
  private:
   // The load sequence, told in Startup.cpp.
+  [[nodiscard]] StartOutcome LoadSteps();
   void CreateAudioObjects();
   void ReadCommandLine();
   void ReadSettings();
@@ -179,6 +190,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] bool FirstRun();
   void PrepareRecording();
   void CheckTemporarySpace();
+  void FinishLoad();
 
   // The close, told in Shutdown.cpp.
   void CloseFirstPass();
@@ -202,6 +214,11 @@ class Kestrune final : private radio::ChannelEvents {
 
   Outside outside_;
   std::function<void()> closed_ = [] {};
+  bool loading_ = false;
+  bool closing_ = false;
+  Door door_;
+  Boxes boxes_;
+  recorder::Wishes wishes_;
 
   State state_;
   schedule::EntryEditors entryEditors_;
@@ -216,7 +233,6 @@ class Kestrune final : private radio::ChannelEvents {
   std::unique_ptr<base::Timer> tmrUpdate_;
   std::unique_ptr<base::Timer> tmrClock_;
   std::unique_ptr<base::Timer> tmrQuit_;
-  std::unique_ptr<base::Timer> tmrClose_;
 
   schedule::Log log_;
   AudioObjects audio_;

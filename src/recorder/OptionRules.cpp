@@ -6,19 +6,20 @@ namespace kestrune::recorder {
 
 void OptionRules::chkIntegrel_Click(bool checked) {
   if (run_.FormLoading) return;
-  if (!checked) {
-    const platform::MessageAnswer answer = dialogs_.Show(
-        {.Title = "Disable Integrel",
-         .Text =
-             "Unchecking this option will allow Kestrune to record songs that are not complete - starting "
-             "when the record button is pressed and ending when the stop button is pressed, instead of "
-             "waiting for a song change to begin. Are you sure you want to do this?",
-         .Icon = platform::MessageIcon::Warning,
-         .Buttons = platform::MessageButtons::YesNo});
-    if (answer != platform::MessageAnswer::Yes) checked = true;
-  }
-  settings_.Integrel = checked;
-  base::Ignored(section_.SaveBool("Integrel", settings_.Integrel));
+  if (checked) return TakeIntegrel(true);
+  boxes_.Show(
+      {.Title = "Disable Integrel",
+       .Text = "Unchecking this option will allow Kestrune to record songs that are not complete - starting "
+               "when the record button is pressed and ending when the stop button is pressed, instead of "
+               "waiting for a song change to begin. Are you sure you want to do this?",
+       .Icon = platform::MessageIcon::Warning,
+       .Buttons = platform::MessageButtons::YesNo},
+      [this](platform::MessageAnswer answer) { TakeIntegrel(answer != platform::MessageAnswer::Yes); });
+}
+
+void OptionRules::TakeIntegrel(bool on) {
+  settings_.Integrel = on;
+  base::Ignored(section_.SaveBool("Integrel", on));
 }
 
 void OptionRules::chkRadioOnAtExit_Click(bool checked) {

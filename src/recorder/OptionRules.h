@@ -3,7 +3,7 @@
 #include "base/RunState.h"
 #include "config/settings/Settings.h"
 #include "config/settings/SettingsSection.h"
-#include "platform/Dialogs.h"
+#include "recorder/Boxes.h"
 
 namespace kestrune::recorder {
 
@@ -14,10 +14,10 @@ class OptionRules {
  public:
   /// All must outlive the object.
   OptionRules(config::Settings& settings, const config::SettingsSection& section, const base::RunState& run,
-              platform::Dialogs& dialogs)
-      : settings_(settings), section_(section), run_(run), dialogs_(dialogs) {}
+              Boxes& boxes)
+      : settings_(settings), section_(section), run_(run), boxes_(boxes) {}
 
-  /// Asks before whole songs are given up; events run meanwhile.
+  /// Asks before whole songs are given up; until the answer is Yes all stays as it was.
   void chkIntegrel_Click(bool checked);
   void chkRadioOnAtExit_Click(bool checked);
   void chkSievanceGrab_Click(bool checked);
@@ -26,10 +26,12 @@ class OptionRules {
   void mnuCheckUpdatesAtStartup_Click();
 
  private:
+  void TakeIntegrel(bool on);
+
   config::Settings& settings_;
   const config::SettingsSection& section_;
   const base::RunState& run_;
-  platform::Dialogs& dialogs_;
+  Boxes& boxes_;
 };
 
 }  // namespace kestrune::recorder

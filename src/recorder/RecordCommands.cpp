@@ -13,22 +13,7 @@ RecordCommands::RecordCommands(State& state, Display& display, radio::RadioSessi
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
 
-bool RecordCommands::HeldBack(Command command) {
-  if (state_.Recording.BoundaryBusy) heldBack_.push_back(command);
-  return state_.Recording.BoundaryBusy;
-}
-
-void RecordCommands::RunHeldBack() {
-  std::vector<Command> commands;
-  commands.swap(heldBack_);
-  for (const Command command : commands) {
-    if (command == Command::Record && state_.MayRecord()) cmdRecord();
-    if (command == Command::Stop && state_.MayStop()) cmdStop();
-  }
-}
-
 void RecordCommands::cmdRecord() {
-  if (HeldBack(Command::Record)) return;
   RecordingState& recording = state_.Recording;
   if (state_.Radio.ChannelsLoading) {
     // The end of the channel load performs the command again.
@@ -67,7 +52,6 @@ void RecordCommands::cmdRecord() {
 }
 
 void RecordCommands::cmdStop() {
-  if (HeldBack(Command::Stop)) return;
   RecordingState& recording = state_.Recording;
   if (recording.Phase == Phase::WaitingForChannelLoad) {
     recording.Phase = Phase::Idle;

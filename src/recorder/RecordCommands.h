@@ -1,6 +1,5 @@
 #pragma once
 
-#include <vector>
 
 #include "base/EventLoop.h"
 #include "radio/line/RadioSession.h"
@@ -21,14 +20,7 @@ class RecordCommands {
   void cmdRecord();
   void cmdStop();
 
-  /// Carries out what was asked for within a boundary.
-  void RunHeldBack();
-
  private:
-  enum class Command { Record, Stop };
-  /// True, and the command kept for later, if a boundary is being taken: it is half way between two songs, and
-  /// a command that changed the flags there would be meant for one and hit the other.
-  [[nodiscard]] bool HeldBack(Command command);
   void TakeSession(base::DateValue start);
 
   State& state_;
@@ -37,7 +29,6 @@ class RecordCommands {
   radio::RadioSession& session_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
-  std::vector<Command> heldBack_;
 };
 
 }  // namespace kestrune::recorder

@@ -1,12 +1,23 @@
 // The close of the run: two passes with two seconds between them, in which the radio and the line finish.
 #include "base/Ignored.h"
+#include "recorder/Closing.h"
 #include "recorder/Kestrune.h"
 
 namespace kestrune::recorder {
 
-void Kestrune::Close() {
-  if (state_.Run.ShuttingDown) return;
+bool Kestrune::Close() {
+  if (closing_) return false;
+  closing_ = true;
+  updateCycle_.FinishStop();
   CloseFirstPass();
+  return true;
+}
+
+void Kestrune::EndWaits() {
+  update_.StopWaiting();
+  if (!loading_) return;
+  state_.Run.ShuttingDown = true;
+  outside_.Dialogs.GiveUp();
 }
 
 void Kestrune::CloseFirstPass() {
@@ -88,6 +99,7 @@ void Kestrune::CloseSecondPass() {
   tmrClock_->SetEnabled(false);
   log_.CloseTrace();
   audio_.Release();
+  door_.ShutForGood(kClosing);
   closed_();
 }
 

@@ -6,6 +6,7 @@
 #include "config/settings/SettingKeys.h"
 #include "config/settings/TransferSettings.h"
 #include "radio/line/SerMouseKill.h"
+#include "recorder/Closing.h"
 #include "recorder/InputDevices.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
@@ -18,9 +19,17 @@ constexpr double kWantedTemporaryBytes = 2048000000.0;
 
 }  // namespace
 
-// A close can come from within any wait. The steps behind it would find the radio and the audio objects gone,
-// so the sequence ends at the next wait's end.
+// A close that is asked for meanwhile waits at the door; ShuttingDown tells that it does.
 StartOutcome Kestrune::Load() {
+  const Door::Hold hold(door_);
+  loading_ = true;
+  const StartOutcome outcome = LoadSteps();
+  loading_ = false;
+  if (outcome == StartOutcome::NotAgreed) door_.ShutForGood(kClosing);
+  return outcome;
+}
+
+StartOutcome Kestrune::LoadSteps() {
   if (state_.Run.ShuttingDown) {
     Close();
     return StartOutcome::Closed;
@@ -36,7 +45,7 @@ StartOutcome Kestrune::Load() {
   outside_.Windows.HideAndDisableMainWindow();
   outside_.Loop.PumpEvents();
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
-  if (!Agree()) return StartOutcome::NotAgreed;
+  if (!Agree()) return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
   presets_.LoadPresets();
   radio::DisableSerialMouse(outside_.SerialEnumerator);
@@ -67,9 +76,6 @@ StartOutcome Kestrune::Load() {
   channels_.StartWalk();
   stayAwake_.Start();
   CheckTemporarySpace();
-  outside_.Windows.ShowRememberedWindows();
-  // A build that was told of no server has nobody to ask, and no user is to hear so at every start.
-  if (state_.Settings.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
   return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }
 
@@ -154,10 +160,11 @@ StartOutcome Kestrune::ReportNoRadio(const radio::RadioSearch& search) {
 }
 
 void Kestrune::FailToStart(const std::string& title, const std::string& text) {
-  base::Ignored(
-      outside_.Dialogs.Show({.Title = title, .Text = text, .Icon = platform::MessageIcon::Critical}));
-  outside_.Windows.RemoveTrayIcon();
-  Close();
+  boxes_.Show({.Title = title, .Text = text, .Icon = platform::MessageIcon::Critical},
+              [this](platform::MessageAnswer /*ok*/) {
+                outside_.Windows.RemoveTrayIcon();
+                Close();
+              });
 }
 
 void Kestrune::ReadRadioID(std::int16_t port) {
@@ -190,14 +197,23 @@ void Kestrune::PrepareRecording() {
 }
 
 void Kestrune::CheckTemporarySpace() {
-  if (outside_.Files.FreeBytes(outside_.Environment.Variable("Temp")) >= kWantedTemporaryBytes) return;
+  if (outside_.Files.FreeBytes(outside_.Environment.Variable("Temp")) >= kWantedTemporaryBytes) {
+    return FinishLoad();
+  }
   log_.DoLog("Less than 2 gigabytes free on Temp drive");
-  base::Ignored(outside_.Dialogs.Show(
-      {.Title = "Drive Space",
-       .Text = "You have less than two gigabytes free space on the hard drive containing\n"
-               "your system TEMP directory. It is highly recommended you run with a minimum\n"
-               "of two gigabytes of free space.",
-       .Icon = platform::MessageIcon::Information}));
+  boxes_.Show({.Title = "Drive Space",
+               .Text = "You have less than two gigabytes free space on the hard drive containing\n"
+                       "your system TEMP directory. It is highly recommended you run with a minimum\n"
+                       "of two gigabytes of free space.",
+               .Icon = platform::MessageIcon::Information},
+              [this](platform::MessageAnswer /*ok*/) { FinishLoad(); });
+}
+
+void Kestrune::FinishLoad() {
+  if (state_.Run.ShuttingDown) return;
+  outside_.Windows.ShowRememberedWindows();
+  // A build that was told of no server has nobody to ask, and no user is to hear so at every start.
+  if (state_.Settings.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
 }
 
 }  // namespace kestrune::recorder

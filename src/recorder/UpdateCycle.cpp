@@ -37,14 +37,7 @@ void UpdateCycle::Tick() {
     return EndTick();
   }
   const bool split = modes_.CheckCleftune();
-  if (GateOpen(split)) {
-    state_.BoundaryBusy = true;
-    boundary_.Take(split);
-    state_.BoundaryBusy = false;
-    commands_.RunHeldBack();
-    // The commands turn the timer on, and this tick is not over.
-    tmrUpdate_.SetEnabled(false);
-  }
+  if (GateOpen(split)) TakeBoundary(split);
 
   loop_.PumpEvents();
   if (const radio::ChannelEntry* tuned = channels_.TunedRow()) {
@@ -57,6 +50,20 @@ void UpdateCycle::Tick() {
   }
   if (updateTick_ == 0) schedulePass_();
   EndTick();
+}
+
+void UpdateCycle::FinishStop() {
+  if (!state_.StopPending) return;
+  updateBusy_ = true;
+  tmrUpdate_.SetEnabled(false);
+  TakeBoundary(modes_.CheckCleftune());
+  EndTick();
+}
+
+void UpdateCycle::TakeBoundary(bool split) {
+  state_.BoundaryBusy = true;
+  boundary_.Take(split);
+  state_.BoundaryBusy = false;
 }
 
 bool UpdateCycle::GateOpen(bool split) const {

@@ -28,10 +28,14 @@ class UpdateCycle {
 
   void Tick();
 
+  /// Carries out a stop that still waits for its tick, so that the piece is kept; not within a tick.
+  void FinishStop();
+
   /// What every twentieth tick ends with, while the cycle is still marked busy and its timer is off.
   void SetSchedulePass(std::function<void()> pass) { schedulePass_ = std::move(pass); }
 
  private:
+  void TakeBoundary(bool split);
   [[nodiscard]] bool GateOpen(bool split) const;
   void EndTick();
 

@@ -67,7 +67,7 @@ void Desktop::Attach(recorder::Kestrune& unit) {
   main_->OfferForList = [this](std::string_view word, const std::string& caption) {
     if (!base::Trim(caption).empty()) OfferForList(word, caption);
   };
-  main_->CloseAsked = [this] { unit_->RequestClose(); };
+  main_->CloseAsked = [this] { unit_->Wishes().Close(); };
   main_->StateChanged = [this] {
     ReadMainWindow();
     ApplyResizeRule();
@@ -416,7 +416,7 @@ bool Desktop::eventFilter(QObject* watched, QEvent* event) {
 
 void Desktop::HideAll() {
   if (main_ == nullptr) return;
-  outside_.GiveUpDialogs();
+  outside_.Dialogs.GiveUp();
   SetBusyCursor(false);
   pleaseWait_.reset();
   splash_.reset();

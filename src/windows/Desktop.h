@@ -32,8 +32,6 @@ class Desktop final : public QObject, public recorder::Windows {
     platform::Shell& Shell;
     std::string HelpFile;  ///< full path of Kestrune.html
     MakerLinks Links;
-    /// Answers whatever message is open, and all that follow, as if nobody were there.
-    std::function<void()> GiveUpDialogs = [] {};
   };
   using Maker = std::function<std::unique_ptr<OpenWindow>()>;
 

@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -66,27 +67,27 @@ QMessageBox::StandardButtons ButtonsOf(MessageButtons buttons) {
   return QMessageBox::Ok;
 }
 
-}  // namespace
+/// A box that stops nothing.
+struct OpenBox {
+  platform::Dialogs::Answered Tell;
+  std::optional<OrdinaryPointer> Pointer{std::in_place};
+};
 
-QtDialogs::QtDialogs(std::string agreementFile, bool agreementAccepted)
-    : agreementFile_(std::move(agreementFile)), agreementAccepted_(agreementAccepted) {}
-
-MessageAnswer QtDialogs::Show(const platform::Message& message) {
-  const MessageAnswer safe = SafeAnswer(message.Buttons);
-  if (givenUp_) return safe;
-  const OrdinaryPointer pointer;
+/// On the heap, over the window that is in front.
+QMessageBox* MakeBox(const platform::Message& message) {
   QWidget* parent = QApplication::activeModalWidget();
   if (parent == nullptr) parent = QApplication::activeWindow();
-  // On the heap and watched: the window over which it stands may go first.
-  const QPointer<QMessageBox> box = new QMessageBox(IconOf(message.Icon), ToQt(message.Title),
-                                                    ToQt(message.Text), ButtonsOf(message.Buttons), parent);
+  auto* box = new QMessageBox(IconOf(message.Icon), ToQt(message.Title), ToQt(message.Text),
+                              ButtonsOf(message.Buttons), parent);
   box->setTextFormat(Qt::PlainText);
   box->setWindowIcon(ProgramIcon());
   box->setEscapeButton(message.Buttons == MessageButtons::YesNoCancel ? QMessageBox::Cancel
                        : message.Buttons == MessageButtons::YesNo     ? QMessageBox::No
                                                                       : QMessageBox::Ok);
-  const int pressed = box->exec();
-  delete box.data();
+  return box;
+}
+
+MessageAnswer AnswerOf(int pressed, MessageButtons buttons) {
   switch (pressed) {
     case QMessageBox::Yes:
       return MessageAnswer::Yes;
@@ -95,8 +96,40 @@ MessageAnswer QtDialogs::Show(const platform::Message& message) {
     case QMessageBox::Cancel:
       return MessageAnswer::Cancel;
     default:
-      return safe;
+      return platform::SafeAnswer(buttons);
   }
+}
+
+}  // namespace
+
+QtDialogs::QtDialogs(std::string agreementFile, bool agreementAccepted)
+    : agreementFile_(std::move(agreementFile)), agreementAccepted_(agreementAccepted) {}
+
+MessageAnswer QtDialogs::Show(const platform::Message& message) {
+  if (givenUp_) return SafeAnswer(message.Buttons);
+  const OrdinaryPointer pointer;
+  // Watched: the window over which it stands may go first.
+  const QPointer<QMessageBox> box = MakeBox(message);
+  const int pressed = box->exec();
+  delete box.data();
+  return AnswerOf(pressed, message.Buttons);
+}
+
+void QtDialogs::Open(const platform::Message& message, Answered answered) {
+  if (givenUp_) return answered(SafeAnswer(message.Buttons));
+  QMessageBox* box = MakeBox(message);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->setWindowModality(Qt::ApplicationModal);
+  // It ends when it is answered, or with the window over which it stands.
+  const auto open = std::make_shared<OpenBox>();
+  open->Tell = std::move(answered);
+  const auto end = [open, buttons = message.Buttons](int pressed) {
+    open->Pointer.reset();
+    if (const Answered tell = std::exchange(open->Tell, {})) tell(AnswerOf(pressed, buttons));
+  };
+  QObject::connect(box, &QDialog::finished, box, end);
+  QObject::connect(box, &QObject::destroyed, qApp, [end] { end(QMessageBox::NoButton); });
+  box->show();
 }
 
 bool QtDialogs::AskForAgreement() {

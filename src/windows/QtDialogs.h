@@ -14,9 +14,10 @@ class QtDialogs final : public platform::Dialogs {
   QtDialogs(std::string agreementFile, bool agreementAccepted);
 
   [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override;
+  /// The box takes all input of the program's windows, and the loop goes on.
+  void Open(const platform::Message& message, Answered answered) override;
   [[nodiscard]] bool AskForAgreement() override;
-
-  void GiveUp();
+  void GiveUp() override;
 
  private:
   std::string agreementFile_;

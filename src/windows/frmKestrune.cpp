@@ -139,9 +139,9 @@ void frmKestrune::MakeMenus() {
 
   QMenu& file = addMenu("mnuFile", "&File");
   AddEntry(
-      file, "mnuRecord", "&Record", [this] { unit_.mnuRecord_Click(); }, "Ctrl+R");
+      file, "mnuRecord", "&Record", [this] { unit_.Wishes().Record(); }, "Ctrl+R");
   AddEntry(
-      file, "mnuStop", "&Stop", [this] { unit_.mnuStop_Click(); }, "Ctrl+S");
+      file, "mnuStop", "&Stop", [this] { unit_.Wishes().Stop(); }, "Ctrl+S");
   AddEntry(file, "mnuExit", "E&xit", leave(CloseAsked), "Ctrl+Q");
 
   QMenu& options = addMenu("mnuOptions", "&Options");
@@ -154,7 +154,7 @@ void frmKestrune::MakeMenus() {
     AddEntry(options, window.Entry, window.EntryText, std::move(chosen), key.c_str());
   };
   addWindow(WindowName::Channels);
-  AddEntry(options, "mnuReload", "&Reload Channel Listing", [this] { unit_.mnuReload_Click(); });
+  AddEntry(options, "mnuReload", "&Reload Channel Listing", [this] { unit_.Wishes().ReloadChannels(); });
   addWindow(WindowName::Log);
   addWindow(WindowName::Schedule);
   addWindow(WindowName::KestruneNow);
@@ -164,15 +164,15 @@ void frmKestrune::MakeMenus() {
   AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");
   AddEntry(options, "mnuSievanceKill", "&Kill List On", flip("chkSievanceKill"), "Ctrl+K");
   AddEntry(options, "mnuCleftune", "&Cleftune On", [this] {
-    unit_.Options().mnuCleftune_Click();
+    AskFor([&rules = unit_.Options()] { rules.mnuCleftune_Click(); });
   })->setCheckable(true);
   AddEntry(
-      options, "mnuMute", "Mute Au&dio", [this] { unit_.mnuMute_Click(); }, "Ctrl+D")
+      options, "mnuMute", "Mute Au&dio", [this] { unit_.Wishes().ToggleMute(); }, "Ctrl+D")
       ->setCheckable(true);
   AddEntry(options, "mnuRadioOnAtExit", "Radio On At E&xit", flip("chkRadioOnAtExit"));
   addWindow(WindowName::Presets);
   AddEntry(options, "mnuCheckUpdatesAtStartup", "Check for &Updates at Startup", [this] {
-    unit_.Options().mnuCheckUpdatesAtStartup_Click();
+    AskFor([&rules = unit_.Options()] { rules.mnuCheckUpdatesAtStartup_Click(); });
   })->setCheckable(true);
   addWindow(WindowName::Config);
 
@@ -294,11 +294,11 @@ QWidget* frmKestrune::MakeRecording() {
   cmdRecord_->setIcon(MarkIcon(true, WarningColour(palette())));
   cmdStop_->setIcon(MarkIcon(false, palette().color(QPalette::ButtonText)));
   connect(cmdRecord_, &QPushButton::clicked, this, [this] {
-    unit_.cmdRecord();
+    unit_.Wishes().Record();
     Refresh();
   });
   connect(cmdStop_, &QPushButton::clicked, this, [this] {
-    unit_.cmdStop();
+    unit_.Wishes().Stop();
     Refresh();
   });
   buttons->addWidget(cmdRecord_);
@@ -386,30 +386,33 @@ QWidget* frmKestrune::MakeBoxes() {
   auto* both = new QWidget(this);
   auto* row = new QHBoxLayout(both);
   row->setContentsMargins(0, 0, 0, 0);
-  recorder::OptionRules& rules = unit_.Options();
+  /// The box of an option: what the user did is a wish.
+  const auto option = [this](void (recorder::OptionRules::*rule)(bool)) {
+    return [this, rule](bool on) { AskFor([&rules = unit_.Options(), rule, on] { (rules.*rule)(on); }); };
+  };
   recorder::WindowSwitches& switches = unit_.Switches();
 
   auto* options = new QGroupBox(tr("Options"), both);
   auto* left = new QGridLayout(options);
   left->addWidget(AddBox("chkIntegrel", "Integrel", "Ensure only complete songs are recorded", "mnuIntegrel",
-                         &MainWindow::chkIntegrel, [&rules](bool on) { rules.chkIntegrel_Click(on); }),
+                         &MainWindow::chkIntegrel, option(&recorder::OptionRules::chkIntegrel_Click)),
                   0, 0);
   left->addWidget(AddBox("chkSievanceGrab", "Grab List On",
                          "Check to cause Kestrune to record only those artists or songs which appear in the "
                          "grab lists",
                          "mnuSievanceGrab", &MainWindow::chkSievanceGrab,
-                         [&rules](bool on) { rules.chkSievanceGrab_Click(on); }),
+                         option(&recorder::OptionRules::chkSievanceGrab_Click)),
                   1, 0);
   left->addWidget(AddBox("chkSievanceKill", "Kill List On",
                          "Check to cause Kestrune to never record those artists or songs which appear in the "
                          "kill lists",
                          "mnuSievanceKill", &MainWindow::chkSievanceKill,
-                         [&rules](bool on) { rules.chkSievanceKill_Click(on); }),
+                         option(&recorder::OptionRules::chkSievanceKill_Click)),
                   2, 0);
   left->addWidget(
       AddBox("chkRadioOnAtExit", "Radio On At Exit",
              "Check to cause Kestrune to leave the radio on and playing when exiting", "mnuRadioOnAtExit",
-             &MainWindow::chkRadioOnAtExit, [&rules](bool on) { rules.chkRadioOnAtExit_Click(on); }),
+             &MainWindow::chkRadioOnAtExit, option(&recorder::OptionRules::chkRadioOnAtExit_Click)),
       0, 1);
 
   auto* windows = new QGroupBox(tr("Windows"), both);
@@ -426,6 +429,13 @@ QWidget* frmKestrune::MakeBoxes() {
   row->addWidget(options, 1);
   row->addWidget(windows, 1);
   return both;
+}
+
+void frmKestrune::AskFor(std::function<void()> wish) {
+  unit_.Wishes().Ask([wish = std::move(wish)] {
+    wish();
+    return base::Result::Done();
+  });
 }
 
 QAction* frmKestrune::Entry(const char* name) const {

@@ -60,6 +60,8 @@ class frmKestrune final : public QMainWindow {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void AskFor(std::function<void()> wish);
+
   struct Box {
     QCheckBox* Control;
     QAction* Entry;

@@ -11,6 +11,14 @@
 namespace kestrune::control {
 namespace {
 
+/// What a line is answered with, at once.
+std::string Dispatch(ControlTarget& target, std::string_view line) {
+  std::vector<std::string> answers;
+  control::Dispatch(target, line, [&answers](const std::string& answer) { answers.push_back(answer); });
+  EXPECT_EQ(answers.size(), 1U) << line;
+  return answers.empty() ? std::string() : answers.front();
+}
+
 using test::FakeControlTarget;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -49,9 +57,30 @@ TEST(ControlServer, EachCommandReachesItsDoor) {
     EXPECT_EQ(Dispatch(target, road.Line), kDone) << road.Line;
     EXPECT_THAT(target.Calls, ElementsAre(road.Call));
 
-    target.NextResult = {false, "the radio is busy"};
+    target.NextResult = base::Result::Failed("the radio is busy");
     EXPECT_EQ(Dispatch(target, road.Line), R"({"exit":1,"reason":"the radio is busy","result":null})");
   }
+}
+
+TEST(ControlServer, AWishIsAnsweredWhenItHasBeenCarriedOut) {
+  for (const char* command : {"record", "stop", "quit"}) {
+    FakeControlTarget target;
+    target.Keep = true;
+    std::vector<std::string> answers;
+    const auto keep = [&answers](const std::string& answer) { answers.push_back(answer); };
+    control::Dispatch(target, R"({"command":")" + std::string(command) + R"("})", keep);
+    EXPECT_THAT(answers, IsEmpty());
+    ASSERT_EQ(target.Kept.size(), 1U);
+    target.Kept.front()(base::Result::Failed("too late"));
+    EXPECT_THAT(answers, ElementsAre(R"({"exit":1,"reason":"too late","result":null})"));
+  }
+}
+
+TEST(ControlServer, AQuestionIsAnsweredAlthoughAWishWaits) {
+  FakeControlTarget target;
+  target.Keep = true;
+  control::Dispatch(target, R"({"command":"record"})", [](const std::string& /*answer*/) {});
+  EXPECT_THAT(Dispatch(target, R"({"command":"status"})"), StartsWith(R"({"exit":0)"));
 }
 
 TEST(ControlServer, StatusAnswersWithTheReport) {

@@ -1,3 +1,9 @@
+#include <chrono>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "control/UnitTarget.h"
@@ -19,58 +25,83 @@ ScheduleChange TonightOn(int channel) {
   return change;
 }
 
-TEST(UnitTarget, AnEntryThatIsSetCountsAtOnce) {
+using schedule::RestrictList;
+
+/// A unit behind the control socket's target; each wish is asked for and given the time to be answered.
+class UnitTargetTest : public ::testing::Test {
+ protected:
+  /// Asks, lets time pass and returns the one answer.
+  base::Result Ask(const std::function<void(Answered)>& ask) {
+    std::vector<base::Result> answers;
+    ask([&answers](const base::Result& result) { answers.push_back(result); });
+    rig.Run(std::chrono::seconds(3));
+    EXPECT_EQ(answers.size(), 1U);
+    return answers.empty() ? base::Result::Failed("no answer") : answers.front();
+  }
+  base::Result Set(const ScheduleChange& change) {
+    return Ask([this, &change](Answered answered) { target.SetSchedule(change, std::move(answered)); });
+  }
+  base::Result Enable(int number, bool enabled) {
+    return Ask([&](Answered answered) { target.EnableSchedule(number, enabled, std::move(answered)); });
+  }
+  base::Result Clear(int number) {
+    return Ask([&](Answered answered) { target.ClearSchedule(number, std::move(answered)); });
+  }
+  base::Result Add(RestrictList list, const std::string& text) {
+    return Ask([&](Answered answered) { target.AddToList(list, text, std::move(answered)); });
+  }
+  base::Result Remove(RestrictList list, const std::string& text) {
+    return Ask([&](Answered answered) { target.RemoveFromList(list, text, std::move(answered)); });
+  }
+
   UnitRig rig;
+  UnitTarget target{*rig};
+};
+
+TEST_F(UnitTargetTest, AnEntryThatIsSetCountsAtOnce) {
   rig.StartIdle();
-  UnitTarget target(*rig);
   const std::vector<ChannelReport> channels = target.Channels();
   ASSERT_FALSE(channels.empty());
-  const CommandResult set = target.SetSchedule(TonightOn(channels[0].Number));
-  EXPECT_TRUE(set.Done) << set.Reason;
+  const base::Result set = Set(TonightOn(channels[0].Number));
+  EXPECT_TRUE(set.Ok()) << set.Cause();
   EXPECT_TRUE(rig->Entries()[2].Enabled);
   const ScheduleReport report = target.Schedule().at(2);
   EXPECT_EQ(report.On, "Every Saturday");
   EXPECT_EQ(report.At, "8:00 PM");
   EXPECT_EQ(report.Minutes, 60);
   EXPECT_EQ(report.Station, channels[0].Station);
-  EXPECT_TRUE(target.EnableSchedule(3, false).Done);
+  EXPECT_TRUE(Enable(3, false).Ok());
   EXPECT_FALSE(rig->Entries()[2].Enabled);
-  EXPECT_TRUE(target.ClearSchedule(3).Done);
+  EXPECT_TRUE(Clear(3).Ok());
   EXPECT_NE(target.Schedule().at(2).On, "Every Saturday");
 }
 
-TEST(UnitTarget, ARefusalLeavesTheScheduleAlone) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, ARefusalLeavesTheScheduleAlone) {
   rig.StartIdle();
-  UnitTarget target(*rig);
-  const CommandResult set = target.SetSchedule(TonightOn(254));
-  EXPECT_FALSE(set.Done);
-  EXPECT_EQ(set.Reason, "channel 254 is not in the channel list");
+  const base::Result set = Set(TonightOn(254));
+  EXPECT_FALSE(set.Ok());
+  EXPECT_EQ(set.Cause(), "channel 254 is not in the channel list");
   EXPECT_FALSE(rig->Entries()[2].Enabled);
 }
 
-TEST(UnitTarget, AnOpenSchedulerWithChangesKeepsCommandsOnEntriesOut) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, AnOpenSchedulerWithChangesKeepsCommandsOnEntriesOut) {
   rig.StartIdle();
-  UnitTarget target(*rig);
   const int channel = target.Channels().at(0).Number;
   const auto scheduler = rig->OpenScheduler();
-  EXPECT_TRUE(target.SetSchedule(TonightOn(channel)).Done) << "it has none yet";
+  EXPECT_TRUE(Set(TonightOn(channel)).Ok()) << "it has none yet";
   EXPECT_TRUE(scheduler->Row(2).Enabled) << "and shows what the command did";
   scheduler->TickKill(5, true);
   const std::string why = "the schedule is being edited in its window; save or close it first";
-  EXPECT_EQ(target.SetSchedule(TonightOn(channel)).Reason, why);
-  EXPECT_EQ(target.EnableSchedule(3, false).Reason, why);
-  EXPECT_EQ(target.ClearSchedule(3).Reason, why);
+  EXPECT_EQ(Set(TonightOn(channel)).Cause(), why);
+  EXPECT_EQ(Enable(3, false).Cause(), why);
+  EXPECT_EQ(Clear(3).Cause(), why);
   EXPECT_TRUE(scheduler->cmdSave());
   EXPECT_EQ(rig.Setting("ScheduleEnabled3"), "1") << "the save does not undo the command";
-  EXPECT_TRUE(target.EnableSchedule(3, false).Done);
+  EXPECT_TRUE(Enable(3, false).Ok());
 }
 
-TEST(UnitTarget, BeforeTheLoadNoEntryIsShown) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, BeforeTheLoadNoEntryIsShown) {
   rig.Set("ScheduleStartDate1", "Jan 7, 1967 8:00 PM");
-  UnitTarget target(*rig);
   std::vector<ScheduleReport> early;
   rig.Loop.AtHardware(std::chrono::milliseconds(1),
                       [&] { rig.Loop.Post([&] { early = target.Schedule(); }); });
@@ -83,59 +114,51 @@ TEST(UnitTarget, BeforeTheLoadNoEntryIsShown) {
   EXPECT_FALSE(target.Schedule().at(1).Set);
 }
 
-TEST(UnitTarget, NothingIsScheduledBeforeTheStartIsOver) {
-  UnitRig rig;
-  UnitTarget target(*rig);
+TEST_F(UnitTargetTest, NothingIsScheduledBeforeTheStartIsOver) {
   bool asked = false;
   rig.Loop.AtHardware(std::chrono::seconds(1), [&] {
     rig.Loop.Post([&] {
-      EXPECT_EQ(target.SetSchedule(TonightOn(8)).Reason, "the program is still starting");
-      asked = true;
+      target.SetSchedule(TonightOn(8), [&asked](const base::Result& result) {
+        EXPECT_EQ(result.Cause(), "the program is still starting");
+        asked = true;
+      });
     });
   });
   rig.Start();
   EXPECT_TRUE(asked);
 }
 
-using schedule::RestrictList;
-
-TEST(UnitTarget, WhatIsAddedToAListCountsAtOnceAndIsInTheFile) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, WhatIsAddedToAListCountsAtOnceAndIsInTheFile) {
   rig.StartIdle();
-  UnitTarget target(*rig);
-  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, " Moon ").Done);
-  EXPECT_TRUE(target.AddToList(RestrictList::KillSongs, "Rain & Sun").Done);
+  EXPECT_TRUE(Add(RestrictList::GrabArtists, " Moon ").Ok());
+  EXPECT_TRUE(Add(RestrictList::KillSongs, "Rain & Sun").Ok());
   EXPECT_TRUE(rig->Restrictions().IsInGrabList("The Moonlighters", ""));
   EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moon"});
   EXPECT_EQ(target.Lists().KillSongs, std::vector<std::string>{"Rain & Sun"});
   EXPECT_EQ(rig.Files.Read(rig->Restrictions().RestrictionFile()), "0Moon\n3Rain & Sun\n");
-  EXPECT_EQ(target.AddToList(RestrictList::GrabArtists, "moon").Reason, R"("moon" is on the list already)");
+  EXPECT_EQ(Add(RestrictList::GrabArtists, "moon").Cause(), R"("moon" is on the list already)");
 }
 
-TEST(UnitTarget, WhatIsRemovedFromAListIsGoneFromThatListAlone) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, WhatIsRemovedFromAListIsGoneFromThatListAlone) {
   rig.StartIdle();
-  UnitTarget target(*rig);
   for (const auto list : {RestrictList::GrabArtists, RestrictList::KillArtists})
-    EXPECT_TRUE(target.AddToList(list, "Moon").Done);
-  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, "Moonlight").Done);
-  EXPECT_TRUE(target.RemoveFromList(RestrictList::GrabArtists, "MOON").Done);
+    EXPECT_TRUE(Add(list, "Moon").Ok());
+  EXPECT_TRUE(Add(RestrictList::GrabArtists, "Moonlight").Ok());
+  EXPECT_TRUE(Remove(RestrictList::GrabArtists, "MOON").Ok());
   EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moonlight"});
   EXPECT_EQ(target.Lists().KillArtists, std::vector<std::string>{"Moon"});
-  EXPECT_EQ(target.RemoveFromList(RestrictList::GrabArtists, "Moon").Reason, R"("Moon" is not on the list)");
+  EXPECT_EQ(Remove(RestrictList::GrabArtists, "Moon").Cause(), R"("Moon" is not on the list)");
   rig->RestrictListEditor().Load();
-  EXPECT_EQ(target.RemoveFromList(RestrictList::KillArtists, "Moon").Reason,
+  EXPECT_EQ(Remove(RestrictList::KillArtists, "Moon").Cause(),
             "the lists are being edited in their window; close it first");
 }
 
-TEST(UnitTarget, AFullListTakesNoMore) {
-  UnitRig rig;
+TEST_F(UnitTargetTest, AFullListTakesNoMore) {
   rig.StartIdle();
-  UnitTarget target(*rig);
   for (int row = 0; row < schedule::Restrictions::kMaxRows; ++row)
     EXPECT_TRUE(rig->GrabKill().Append(RestrictList::GrabSongs, std::to_string(row)));
-  EXPECT_EQ(target.AddToList(RestrictList::GrabSongs, "Moon").Reason, "the list is full");
-  EXPECT_TRUE(target.AddToList(RestrictList::GrabArtists, "Moon").Done);
+  EXPECT_EQ(Add(RestrictList::GrabSongs, "Moon").Cause(), "the list is full");
+  EXPECT_TRUE(Add(RestrictList::GrabArtists, "Moon").Ok());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "control/ControlServer.h"
 #include "control/PeopleText.h"
@@ -30,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   target.Log = {line};
   target.NextLists.KillSongs = {line};
   target.NextSchedule.emplace_back().Station = line;
-  const std::string answer = control::Dispatch(target, line);
+  std::string answer;
+  control::Dispatch(target, line, [&answer](std::string text) { answer = std::move(text); });
   Require(answer.find('\n') == std::string::npos);
   const auto reply = control::ReplyFromLine(answer);
   Require(reply.has_value());

@@ -12,24 +12,13 @@
 #include "support/FakeEnvironment.h"
 #include "support/MemorySettingsStore.h"
 #include "support/RecordingCaptureFile.h"
+#include "support/ScriptedDialogs.h"
 
 namespace kestrune::test {
 
 /// The configuration over settings in memory; what it asked of the outside is kept.
 class ConfigurationRig {
  public:
-  class AnsweringDialogs final : public platform::Dialogs {
-   public:
-    [[nodiscard]] platform::MessageAnswer Show(const platform::Message& message) override {
-      Shown.push_back(message);
-      return Answer;
-    }
-    [[nodiscard]] bool AskForAgreement() override { return true; }
-
-    std::vector<platform::Message> Shown;
-    platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
-  };
-
   /// The saves so far as "KEY=VALUE".
   [[nodiscard]] std::vector<std::string> Saves() const {
     constexpr std::string_view kSave = "save Lorimel/Kestrune/";
@@ -44,7 +33,7 @@ class ConfigurationRig {
   MemorySettingsStore Store;
   config::SettingsSection Section{Store};
   FakeEnvironment Environment;
-  AnsweringDialogs Dialogs;
+  ScriptedDialogs Dialogs;
   RecordingCaptureFile Idle;
   std::int16_t CaptureSlot = 0;
   config::FileSpecs Specs{[this](std::int16_t slot) { return slot == 1 - CaptureSlot ? &Idle : nullptr; },

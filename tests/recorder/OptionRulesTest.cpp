@@ -1,13 +1,17 @@
+#include <chrono>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "recorder/OptionRules.h"
 #include "support/MemorySettingsStore.h"
 #include "support/ScriptedDialogs.h"
+#include "support/SimulatedEventLoop.h"
 
 namespace kestrune::test {
 namespace {
 
+using namespace std::chrono_literals;
 using platform::MessageAnswer;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -23,13 +27,17 @@ class OptionRulesTest : public ::testing::Test {
   config::SettingsSection section{store};
   base::RunState run;
   ScriptedDialogs dialogs;
-  recorder::OptionRules rules{settings, section, run, dialogs};
+  SimulatedEventLoop loop;
+  recorder::Door door{loop};
+  recorder::Boxes boxes{dialogs, door};
+  recorder::OptionRules rules{settings, section, run, boxes};
 };
 
 TEST_F(OptionRulesTest, UncheckingIntegrelAsksFirst) {
   settings.Integrel = true;
   dialogs.Answer = MessageAnswer::Yes;
   rules.chkIntegrel_Click(false);
+  loop.Run(10ms);
   ASSERT_THAT(dialogs.Shown, SizeIs(1));
   EXPECT_EQ(dialogs.Shown[0].Title, "Disable Integrel");
   EXPECT_EQ(
@@ -47,8 +55,21 @@ TEST_F(OptionRulesTest, NoChecksIntegrelAgain) {
   settings.Integrel = true;
   dialogs.Answer = MessageAnswer::No;
   rules.chkIntegrel_Click(false);
+  loop.Run(10ms);
   EXPECT_TRUE(settings.Integrel);
   EXPECT_EQ(Stored("Integrel"), "True");
+}
+
+TEST_F(OptionRulesTest, WhileTheUserIsAskedIntegrelStaysOn) {
+  settings.Integrel = true;
+  dialogs.KeepOpen = true;
+  rules.chkIntegrel_Click(false);
+  loop.Run(1h);
+  EXPECT_TRUE(settings.Integrel);
+  dialogs.Press(MessageAnswer::Yes);
+  EXPECT_TRUE(settings.Integrel) << "the answer is a wish and waits for the loop";
+  loop.Run(10ms);
+  EXPECT_FALSE(settings.Integrel);
 }
 
 TEST_F(OptionRulesTest, CheckingIntegrelAsksNothing) {

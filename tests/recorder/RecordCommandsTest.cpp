@@ -198,10 +198,10 @@ TEST_F(RecordCommandsTest, AStopWithinABoundaryLeavesTheFinishedSongWhole) {
     unit.StartIdle();
     unit->cmdRecord();
     unit.Run(30s);
-    // The press falls into the wait for the sound and is served by the pump behind the cut.
+    // The press falls into the wait for the sound, and the pump after the cut must not serve it.
     unit.Radio.Play(44, "Lanterns", "North Pier");
     ASSERT_TRUE(unit.Loop.RunUntil([&] { return unit->Radio().CurrentSong == "North Pier"; }, 5s));
-    unit.Loop.AtHardware(300ms, [&] { unit.Loop.Post([&] { unit->cmdStop(); }); });
+    unit.Loop.AtHardware(300ms, [&] { unit.Loop.Post([&] { unit->Wishes().Stop(); }); });
     unit.Run(3s);
     EXPECT_TRUE(unit.Logged("Recorded: Channel 44  \"Moonlighters - Slow Tide\"")) << wholeSongs;
     EXPECT_EQ(unit->Window().lblRecording.Caption, "") << wholeSongs;
@@ -217,7 +217,7 @@ TEST_F(RecordCommandsTest, ARecordWithinTheBoundaryOfAStopKeepsThePieceThatWasSt
   rig.Run(30s);
   PressStop();
   rig.Loop.Post([&] {});
-  rig.Loop.AtHardware(1ms, [&] { rig.Loop.Post([&] { rig->cmdRecord(); }); });
+  rig.Loop.AtHardware(1ms, [&] { rig.Loop.Post([&] { rig->Wishes().Record(); }); });
   rig.Run(3s);
   EXPECT_TRUE(State().RecordRequested);
   EXPECT_EQ(Status(), "Recording");

@@ -353,9 +353,9 @@ TEST_F(ScheduledEventsTest, AButtonPressedWithinABoundaryDoesNotGetInTheWayOfAnE
       const auto pressButton = [&] {
         if (unit->Recording().BoundaryBusy) ++withinABoundary;
         if (unit->Window().cmdRecord.Enabled) {
-          unit->cmdRecord();
+          unit->Wishes().Record();
         } else if (unit->Window().cmdStop.Enabled) {
-          unit->cmdStop();
+          unit->Wishes().Stop();
         }
       };
       unit.Loop.AtHardware(press, [&] { unit.Loop.Post(pressButton); });

@@ -65,6 +65,7 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
   rig.Environment.Variables["KESTRUNE_UPDATE_ADDRESS"] = "https://updates.invalid/NewVersion.txt";
   rig.MeetWindows(windows);
   rig.Start();
+  rig.Run(10ms);
   EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "port 1",
                                          "no please wait", "channels window", "first configuration", "enable",
                                          "remembered windows", "wait cursor", "normal cursor"));

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -27,6 +29,11 @@ class UpdateCommandTest : public ::testing::Test {
     rig.Web.Bytes = "installer";
     rig.Dialogs.Answer = MessageAnswer::Yes;
   }
+  /// The menu's command, up to the answer of the last message.
+  void CheckUpdate() {
+    rig->mnuCheckUpdate();
+    rig.Run(100ms);
+  }
   [[nodiscard]] const platform::Message& OnlyMessage() {
     EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
     return rig.Dialogs.Shown.front();
@@ -38,7 +45,7 @@ class UpdateCommandTest : public ::testing::Test {
 TEST_F(UpdateCommandTest, UpToDateIsTold) {
   rig.StartIdle();
   rig.Web.Text = "003.000.029";
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_EQ(OnlyMessage().Text, "You are running the current, most up-to-date version of Kestrune.");
   EXPECT_EQ(OnlyMessage().Title, "Current Version");
   EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
@@ -47,7 +54,7 @@ TEST_F(UpdateCommandTest, UpToDateIsTold) {
 
 TEST_F(UpdateCommandTest, AVersionThatCannotBeRetrievedIsTold) {
   rig.StartIdle();
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_EQ(OnlyMessage().Text, "Unable to retrieve current version number from the web.");
   EXPECT_EQ(OnlyMessage().Title, "Error");
   EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
@@ -59,7 +66,7 @@ TEST_F(UpdateCommandTest, ANewerVersionIsAskedAboutAndNoChangesNothing) {
   OfferUpdate();
   rig.Dialogs.Answer = MessageAnswer::No;
   rig->cmdRecord();
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_EQ(OnlyMessage().Text,
             "There is an updated version of Kestrune available. Do you want to install it?");
   EXPECT_EQ(OnlyMessage().Title, "New Version Available");
@@ -80,11 +87,11 @@ TEST_F(UpdateCommandTest, YesStopsRecordingDownloadsRunsAndCloses) {
     recordingAtDownload = rig->Recording().RecordRequested;
     installed = rig.Files.Text("/tmp/private1/My Setup.bin");
   };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_FALSE(recordingAtDownload);
   EXPECT_EQ(installed, "installer");
-  EXPECT_THAT(rig.Processes.Calls,
-              ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "wait 4711 0", "stop waiting"));
+  EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "wait 4711 0",
+                                               "stop waiting", "stop waiting"));
   EXPECT_TRUE(rig->Run().ShuttingDown);
   EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 1min));
 }
@@ -99,7 +106,7 @@ TEST_F(UpdateCommandTest, TheWindowOfTheDownloadIsOpenWhileItLasts) {
     openWithin = rig->UpdatingWindow().Visible;
     barWithin = rig->UpdatingWindow().pbrDownload;
   };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_TRUE(openWithin);
   EXPECT_EQ(barWithin, 10);
   EXPECT_FALSE(rig->UpdatingWindow().Visible);
@@ -109,7 +116,7 @@ TEST_F(UpdateCommandTest, AFailedDownloadRunsNothingAndSendsTheUserToTheWebSite)
   rig.StartIdle();
   OfferUpdate();
   rig.Web.Bytes.clear();
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
   EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
   EXPECT_FALSE(rig->Run().ShuttingDown);
@@ -119,7 +126,7 @@ TEST_F(UpdateCommandTest, AnInstallerThatCannotBeStartedLeavesTheProgramRunning)
   rig.StartIdle();
   OfferUpdate();
   rig.Processes.Starts = false;
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\""));
   EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
   EXPECT_FALSE(rig->Run().ShuttingDown);
@@ -131,7 +138,7 @@ TEST_F(UpdateCommandTest, TheDownloadsFolderGoesOnceTheInstallerHasEnded) {
   OfferUpdate();
   bool thereWithin = false;
   rig.Processes.During = [&] { thereWithin = rig.Files.Exists("/tmp/private1/My Setup.bin"); };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_TRUE(thereWithin);
   EXPECT_FALSE(rig.Files.Exists("/tmp/private1"));
 }
@@ -140,7 +147,7 @@ TEST_F(UpdateCommandTest, WithoutAPlaceForTheFileTheUserIsSentToTheWebSite) {
   rig.StartIdle();
   OfferUpdate();
   rig.Files.MakeUnwritable("/tmp");
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   ASSERT_EQ(rig.Dialogs.Shown.size(), 2U);
   EXPECT_EQ(rig.Dialogs.Shown[1].Title, "Download Error");
   EXPECT_EQ(rig.Dialogs.Shown[1].Text,
@@ -153,7 +160,7 @@ TEST_F(UpdateCommandTest, AFileThatIsNotThereIsPassedOver) {
   rig.StartIdle();
   OfferUpdate();
   rig.Files.FailNext(FileOperation::CreateProgram);
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
   EXPECT_FALSE(rig->Run().ShuttingDown);
@@ -163,7 +170,7 @@ TEST_F(UpdateCommandTest, AVersionWithoutAnAddressInstallsNothing) {
   rig.StartIdle();
   OfferUpdate();
   rig.Web.Text = "003.000.030";
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
   EXPECT_FALSE(rig->Run().ShuttingDown);
 }
@@ -171,6 +178,7 @@ TEST_F(UpdateCommandTest, AVersionWithoutAnAddressInstallsNothing) {
 TEST_F(UpdateCommandTest, WithoutANetworkEveryStartEndsWithTheErrorBox) {
   rig.Set("CheckUpdatesAtStartup", "True");
   rig.Start();
+  rig.Run(100ms);
   EXPECT_EQ(OnlyMessage().Text, "Unable to retrieve current version number from the web.");
 }
 
@@ -178,6 +186,7 @@ TEST_F(UpdateCommandTest, AStartWithAServerThatHasNothingNewSaysSoToo) {
   rig.Set("CheckUpdatesAtStartup", "True");
   rig.Web.Text = "003.000.029";
   rig.Start();
+  rig.Run(100ms);
   EXPECT_EQ(OnlyMessage().Title, "Current Version");
 }
 
@@ -192,9 +201,11 @@ TEST_F(UpdateCommandTest, OneCheckAtATime) {
   bool refused = false;
   rig.Web.During = [&] {
     rig->mnuCheckUpdate();
-    refused = !rig->AskForUpdate();
+    rig->AskForUpdate([&](const base::Result& asked, const recorder::UpdateAnswer& /*answer*/) {
+      refused = asked.Cause() == "an update check is under way already";
+    });
   };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_TRUE(refused);
   EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
   EXPECT_THAT(rig.Web.Calls, ElementsAre("FetchText https://h/NewVersion.txt"));
@@ -203,7 +214,11 @@ TEST_F(UpdateCommandTest, OneCheckAtATime) {
 TEST_F(UpdateCommandTest, AskingAloneTellsTheUserNothing) {
   rig.StartIdle();
   OfferUpdate();
-  const auto answer = rig->AskForUpdate();
+  std::optional<recorder::UpdateAnswer> answer;
+  rig->AskForUpdate([&](const base::Result& asked, const recorder::UpdateAnswer& given) {
+    if (asked.Ok()) answer = given;
+  });
+  rig.Run(100ms);
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->Result, 1);
   EXPECT_EQ(answer->DownloadAddress, "https://h/My Setup.bin");
@@ -215,9 +230,37 @@ TEST_F(UpdateCommandTest, ACloseWithinTheCheckEndsItWithoutAWord) {
   rig.StartIdle();
   OfferUpdate();
   rig.Web.During = [&] { rig->Close(); };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_THAT(rig.Dialogs.Shown, IsEmpty());
   EXPECT_THAT(rig.Web.Calls, ElementsAre("FetchText https://h/NewVersion.txt", "StopWaiting"));
+}
+
+TEST_F(UpdateCommandTest, WishesAreServedWhileTheServerIsAsked) {
+  rig.StartIdle();
+  bool recording = false;
+  rig.Web.During = [&] {
+    rig->Wishes().Record();
+    rig.Run(10ms);
+    recording = rig->Recording().RecordRequested;
+  };
+  CheckUpdate();
+  EXPECT_TRUE(recording);
+}
+
+TEST_F(UpdateCommandTest, AMessageStopsNothingAndItsAnswerIsAWish) {
+  rig.StartIdle();
+  OfferUpdate();
+  rig.Dialogs.KeepOpen = true;
+  rig->Wishes().Record();
+  CheckUpdate();
+  rig.NextSong("Lanterns", "North Pier");
+  EXPECT_EQ(rig->Recording().LastSong, "North Pier") << "the songs are followed while the box is open";
+  EXPECT_THAT(rig.Processes.Calls, IsEmpty());
+  rig.Dialogs.Press(MessageAnswer::Yes);
+  EXPECT_TRUE(rig->Recording().RecordRequested);
+  rig.Run(100ms);
+  EXPECT_FALSE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->Run().ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, ACloseWithinTheDownloadRunsNothing) {
@@ -226,7 +269,7 @@ TEST_F(UpdateCommandTest, ACloseWithinTheDownloadRunsNothing) {
   rig.Web.During = [&] {
     if (rig->UpdatingWindow().Visible) rig->Close();
   };
-  rig->mnuCheckUpdate();
+  CheckUpdate();
   EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
   EXPECT_THAT(rig.Processes.Calls, ElementsAre("stop waiting"));
 }

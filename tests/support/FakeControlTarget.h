@@ -1,22 +1,27 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "base/Result.h"
 #include "control/ControlTarget.h"
 
 namespace kestrune::test {
 
-/// Notes each call as one text, and answers with what the test put in.
+/// Notes each call as one text, and answers at once with what the test put in, unless it keeps the wishes.
 class FakeControlTarget : public control::ControlTarget {
  public:
   std::vector<std::string> Calls;
   control::StatusReport NextStatus;
   std::vector<control::ChannelReport> NextChannels;
-  control::CommandResult NextResult{true, ""};
+  base::Result NextResult = base::Result::Done();
+  /// If set, wishes are kept here and not answered; the test answers them.
+  bool Keep = false;
+  std::vector<control::Answered> Kept;
   control::SettingResult NextSetting{true, "", ""};
   control::UpdateResult NextUpdate{true, "", {}};
   std::vector<std::string> Log;
@@ -32,12 +37,14 @@ class FakeControlTarget : public control::ControlTarget {
     Calls.emplace_back("Channels");
     return NextChannels;
   }
-  control::CommandResult Record() override { return Note("Record"); }
-  control::CommandResult Stop() override { return Note("Stop"); }
-  control::CommandResult Tune(int channelNumber) override {
-    return Note(fmt::format("Tune {}", channelNumber));
+  void Record(control::Answered answered) override { Note("Record", std::move(answered)); }
+  void Stop(control::Answered answered) override { Note("Stop", std::move(answered)); }
+  void Tune(int channelNumber, control::Answered answered) override {
+    Note(fmt::format("Tune {}", channelNumber), std::move(answered));
   }
-  control::CommandResult Mute(bool muted) override { return Note(fmt::format("Mute {}", muted)); }
+  void Mute(bool muted, control::Answered answered) override {
+    Note(fmt::format("Mute {}", muted), std::move(answered));
+  }
   std::vector<std::string> LogLines(std::size_t atMost) override {
     Calls.push_back(fmt::format("LogLines {}", atMost));
     return Log;
@@ -46,43 +53,48 @@ class FakeControlTarget : public control::ControlTarget {
     Calls.push_back(fmt::format("Get {}", key));
     return NextSetting;
   }
-  control::CommandResult Set(std::string_view key, std::string_view value) override {
-    return Note(fmt::format("Set {}={}", key, value));
+  void Set(std::string_view key, std::string_view value, control::Answered answered) override {
+    Note(fmt::format("Set {}={}", key, value), std::move(answered));
   }
   std::vector<control::ScheduleReport> Schedule() override {
     Calls.emplace_back("Schedule");
     return NextSchedule;
   }
-  control::CommandResult SetSchedule(const control::ScheduleChange& change) override {
+  void SetSchedule(const control::ScheduleChange& change, control::Answered answered) override {
     Change = change;
-    return Note(fmt::format("SetSchedule {}", change.Number));
+    Note(fmt::format("SetSchedule {}", change.Number), std::move(answered));
   }
-  control::CommandResult EnableSchedule(int number, bool enabled) override {
-    return Note(fmt::format("EnableSchedule {} {}", number, enabled));
+  void EnableSchedule(int number, bool enabled, control::Answered answered) override {
+    Note(fmt::format("EnableSchedule {} {}", number, enabled), std::move(answered));
   }
-  control::CommandResult ClearSchedule(int number) override {
-    return Note(fmt::format("ClearSchedule {}", number));
+  void ClearSchedule(int number, control::Answered answered) override {
+    Note(fmt::format("ClearSchedule {}", number), std::move(answered));
   }
   control::ListsReport Lists() override {
     Calls.emplace_back("Lists");
     return NextLists;
   }
-  control::CommandResult AddToList(schedule::RestrictList list, std::string_view text) override {
-    return Note(fmt::format("AddToList {} {}", static_cast<int>(list), text));
+  void AddToList(schedule::RestrictList list, std::string_view text, control::Answered answered) override {
+    Note(fmt::format("AddToList {} {}", static_cast<int>(list), text), std::move(answered));
   }
-  control::CommandResult RemoveFromList(schedule::RestrictList list, std::string_view text) override {
-    return Note(fmt::format("RemoveFromList {} {}", static_cast<int>(list), text));
+  void RemoveFromList(schedule::RestrictList list, std::string_view text,
+                      control::Answered answered) override {
+    Note(fmt::format("RemoveFromList {} {}", static_cast<int>(list), text), std::move(answered));
   }
-  control::UpdateResult Update() override {
+  void Update(std::function<void(const control::UpdateResult&)> answered) override {
     Calls.emplace_back("Update");
-    return NextUpdate;
+    answered(NextUpdate);
   }
-  control::CommandResult Quit() override { return Note("Quit"); }
+  void Quit(control::Answered answered) override { Note("Quit", std::move(answered)); }
 
  private:
-  control::CommandResult Note(std::string call) {
+  void Note(std::string call, control::Answered answered) {
     Calls.push_back(std::move(call));
-    return NextResult;
+    if (Keep) {
+      Kept.push_back(std::move(answered));
+    } else {
+      answered(NextResult);
+    }
   }
 };
 

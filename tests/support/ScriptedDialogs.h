@@ -1,5 +1,8 @@
 #pragma once
 
+#include <deque>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "platform/Dialogs.h"
@@ -13,6 +16,25 @@ class ScriptedDialogs final : public platform::Dialogs {
     Shown.push_back(message);
     return Answer;
   }
+  void Open(const platform::Message& message, Answered answered) override {
+    Shown.push_back(message);
+    if (KeepOpen) {
+      OpenBoxes.push_back(std::move(answered));
+    } else {
+      answered(Answer);
+    }
+  }
+  /// The user answers the oldest box that is open.
+  void Press(platform::MessageAnswer answer) {
+    const Answered answered = std::move(OpenBoxes.front());
+    OpenBoxes.pop_front();
+    answered(answer);
+  }
+  void GiveUp() override {
+    ++GivenUp;
+    OnGiveUp();
+    while (!OpenBoxes.empty()) Press(platform::MessageAnswer::No);
+  }
   [[nodiscard]] bool AskForAgreement() override {
     ++AgreementAsked;
     return Agrees;
@@ -20,6 +42,10 @@ class ScriptedDialogs final : public platform::Dialogs {
 
   std::vector<platform::Message> Shown;
   platform::MessageAnswer Answer = platform::MessageAnswer::Ok;
+  bool KeepOpen = false;  ///< boxes that stop nothing stay open until Press
+  std::deque<Answered> OpenBoxes;
+  int GivenUp = 0;
+  std::function<void()> OnGiveUp = [] {};
   int AgreementAsked = 0;
   bool Agrees = true;
 };

@@ -21,11 +21,7 @@ class DesktopRig {
                  .Dialogs = Unit.Dialogs,
                  .Shell = Shell,
                  .HelpFile = "/program/Documentation/Kestrune.html",
-                 .Links = {.WebSite = "https://radio.example", .Mail = "help@radio.example"},
-                 .GiveUpDialogs = [this] {
-                   ++GivenUp;
-                   OnGiveUp();
-                 }}) {
+                 .Links = {.WebSite = "https://radio.example", .Mail = "help@radio.example"}}) {
     Unit.MeetWindows(Desktop);
     Desktop.Attach(*Unit);
   }
@@ -50,8 +46,6 @@ class DesktopRig {
 
   UnitRig Unit;
   RecordingShell Shell;
-  int GivenUp = 0;
-  std::function<void()> OnGiveUp = [] {};
   windows::Desktop Desktop;
 };
 

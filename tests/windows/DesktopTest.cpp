@@ -296,7 +296,7 @@ TEST_F(DesktopTest, TheCloseBoxClosesInTwoPasses) {
   rig.Run(100ms);
   EXPECT_TRUE(rig.Unit->Run().ShuttingDown);
   EXPECT_TRUE(rig.Main().isHidden());
-  EXPECT_EQ(rig.GivenUp, 1);
+  EXPECT_EQ(rig.Unit.Dialogs.GivenUp, 1);
   EXPECT_FALSE(rig.Unit.Closed);
   rig.Main().close();
   EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
@@ -328,7 +328,7 @@ TEST_F(DesktopTest, ACloseFromAFailedStartGoesTheSameWay) {
 }
 
 TEST_F(DesktopTest, ACloseWithinTheLoadEndsIt) {
-  rig.Unit.Loop.AtHardware(2s, [this] { rig.Unit->RequestClose(); });
+  rig.Unit.Loop.AtHardware(2s, [this] { rig.Unit->Wishes().Close(); });
   rig.Unit.Start(StartOutcome::Closed);
   EXPECT_TRUE(rig.Unit.Loop.RunUntil([this] { return rig.Unit.Closed; }, 20s));
 }

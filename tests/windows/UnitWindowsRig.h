@@ -22,7 +22,7 @@ class UnitWindowsRig : public DesktopRig {
     Unit.Set("MainTop", "1500");
     Unit.Set("MainLeft", "1500");
     // What the program does with the windows that wait for an answer.
-    OnGiveUp = [] { windows::QtDialogs("", true).GiveUp(); };
+    Unit.Dialogs.OnGiveUp = [] { windows::QtDialogs("", true).GiveUp(); };
   }
   ~UnitWindowsRig() { Desktop.Detach(); }
   UnitWindowsRig(const UnitWindowsRig&) = delete;

@@ -606,7 +606,7 @@ TEST_F(UnitWindowsTest, AnEndAtAnyMomentOfTheLoad) {
   for (auto moment = 0ms; moment < 8s; moment += 431ms) {
     SCOPED_TRACE(moment.count());
     UnitWindowsRig own;
-    own.Unit.Loop.AtHardware(moment, [&] { own.Unit->RequestClose(); });
+    own.Unit.Loop.AtHardware(moment, [&] { own.Unit->Wishes().Close(); });
     static_cast<void>(own.Unit->Load());
     EXPECT_TRUE(own.Unit.Loop.RunUntil([&] { return own.Unit.Closed; }, 60s));
     for (const QWidget* window : QApplication::topLevelWidgets())

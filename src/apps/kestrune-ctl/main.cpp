@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
@@ -9,11 +10,13 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <variant>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "apps/kestrune-ctl/UnitWait.h"
 #include "base/Version.h"
 #include "control/CommandTable.h"
 #include "control/ConsoleText.h"
@@ -30,12 +33,15 @@ namespace {
 
 using control::ExitCode;
 
-/// A unit that waits for the radio, or sleeps through a song's delay, answers late.
+/// A wish is answered once the unit has carried it out, which it does between two steps: not within a cut, a tuning
+/// or a song's delay.
 constexpr std::chrono::seconds kPatience{45};
 
 constexpr std::array kOptions{
     control::LongOption{"--unit", "U", "talk to unit U (one character); without it, to the single unit"},
     control::LongOption{"--profile", "DIR", "talk to the unit that runs with this profile"},
+    control::LongOption{"--wait", "SECONDS",
+                        "wait so long for a unit that is starting, or not there yet, then run the command"},
     control::LongOption{"--json", "", "write the result as one line of JSON"},
     control::LongOption{"--help", "", "show this text"},
     control::LongOption{"--version", "", "show the version"},
@@ -44,6 +50,7 @@ constexpr std::array kOptions{
 struct Invocation {
   std::string Unit;
   std::string Profile;
+  std::chrono::seconds Wait{0};
   bool Json = false;
   bool Help = false;
   bool Version = false;
@@ -69,6 +76,15 @@ void Complain(std::string_view reason) {
 bool IsOneCharacter(std::string_view text) {
   const std::optional<control::CodePoint> first = control::FirstCodePoint(text);
   return first && first->Bytes == text.size();
+}
+
+std::optional<std::chrono::seconds> ReadWait(std::string_view text) {
+  constexpr int kLongest = 86400;
+  int seconds = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+  if (error != std::errc() || stop != end || seconds < 1 || seconds > kLongest) return std::nullopt;
+  return std::chrono::seconds(seconds);
 }
 
 /// What the unit itself would say against the request, said here first.
@@ -107,6 +123,11 @@ Invocation Parse(std::span<const std::string> words) {
     if (given.Name == "--unit") {
       invocation.Unit = given.Value;
       if (!IsOneCharacter(given.Value)) invocation.Error = "--unit takes one character";
+    }
+    if (given.Name == "--wait") {
+      const std::optional<std::chrono::seconds> wait = ReadWait(given.Value);
+      if (!wait) invocation.Error = "--wait takes a whole number of seconds from 1 to 86400";
+      invocation.Wait = wait.value_or(invocation.Wait);
     }
     if (given.Name == "--profile") {
       invocation.Profile = given.Value;
@@ -168,6 +189,10 @@ ExitCode Run(std::span<const std::string> words) {
 
   const std::string path =
       platform::ControlSocketPath(platform::RuntimeFolderPath(invocation.Profile), invocation.Unit);
+  if (invocation.Wait.count() > 0 && !ctl::WaitForUnit(path, invocation.Wait)) {
+    Complain("the unit is still starting");
+    return ExitCode::Refused;
+  }
   const platform::AskResult asked = platform::Ask(path, control::ToLine(invocation.Request), kPatience);
   switch (asked.Outcome) {
     case platform::AskOutcome::Answered:

@@ -35,8 +35,7 @@ DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& env
            .Dialogs = dialogs_,
            .Shell = shell_,
            .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
-           .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""},
-           .GiveUpDialogs = [this] { dialogs_.GiveUp(); }}) {}
+           .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""}}) {}
 
 void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
   desktop_.Attach(unit);
@@ -51,7 +50,7 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
-  sessionEnd_.emplace(command, [&unit] { unit.RequestClose(); });
+  sessionEnd_.emplace(command, [&unit] { unit.Wishes().Close(); });
 }
 
 void DesktopFace::Detach() {

@@ -124,13 +124,15 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(
       platform::ControlSocketPath(runtimeFolder, name),
-      [&target](std::string_view request) { return control::Dispatch(target, request); });
+      [&target](std::string_view request, const platform::LocalControlSocket::Reply& reply) {
+        control::Dispatch(target, request, reply);
+      });
   if (socket.Status() != platform::LocalControlSocket::State::Listening) {
     Say("no control socket: " + socket.Reason());
     return kFailed;
   }
 
-  const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.RequestClose(); });
+  const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.Wishes().Close(); });
   int status = kDone;
   unit.SetClosedHandler([&status] { QCoreApplication::exit(status); });
   std::unique_ptr<base::Timer> start;
@@ -148,6 +150,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
       case recorder::StartOutcome::Closed:
         break;
     }
+    loop.KeepUserOutOfPumps();
   });
   start->SetEnabled(true);
   const int ended = QCoreApplication::exec();

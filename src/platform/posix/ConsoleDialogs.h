@@ -15,7 +15,9 @@ class ConsoleDialogs final : public Dialogs {
   ConsoleDialogs(std::ostream& out, bool agreementAccepted);
 
   [[nodiscard]] MessageAnswer Show(const Message& message) override;
+  void Open(const Message& message, Answered answered) override { answered(Show(message)); }
   [[nodiscard]] bool AskForAgreement() override;
+  void GiveUp() override {}
 
  private:
   std::ostream& out_;

@@ -182,7 +182,7 @@ bool QtEventLoop::Asleep() {
 
 void QtEventLoop::PumpEvents() {
   ++pumps_;
-  QCoreApplication::processEvents();
+  QCoreApplication::processEvents(userWaits_ ? QEventLoop::ExcludeUserInputEvents : QEventLoop::AllEvents);
   // What the devices posted in this round belongs to it: their bytes were there when the round began.
   QCoreApplication::sendPostedEvents();
   --pumps_;

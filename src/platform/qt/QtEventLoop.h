@@ -31,6 +31,10 @@ class QtEventLoop final : public base::EventLoop {
   void Sleep(std::chrono::milliseconds duration) override;
   void PumpEvents() override;
   [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }
+  /// From now on no pump lets the user of windows in: keys, the mouse and closes wait for the outer loop, so that
+  /// what they start, such as a message box, never stands inside a step that waits. Until then they come in, so
+  /// that a start can be closed.
+  void KeepUserOutOfPumps() { userWaits_ = true; }
   /// True within a Sleep: an adapter that gets an event of its own then keeps it until a timer of the loop
   /// fires.
   [[nodiscard]] static bool Asleep();
@@ -43,6 +47,7 @@ class QtEventLoop final : public base::EventLoop {
   class HostedTimer;
 
   WhileAsleep whileAsleep_;
+  bool userWaits_ = false;
   int pumps_ = 0;  // on the stack
   std::unique_ptr<TimerHost> host_;
 };

@@ -25,16 +25,21 @@ constexpr std::chrono::milliseconds kPauseWithoutFiles{100};
 }  // namespace
 
 struct LocalControlSocket::Client {
+  std::uint64_t Id = 0;
   FileDescriptor Socket;
   QSocketNotifier* Readable = nullptr;
   QSocketNotifier* Writable = nullptr;
   std::string Received;  ///< not yet answered
   std::string Unfetched;
-  bool Busy = false;   ///< its lines are being answered further up the stack
-  bool Ended = false;  ///< nothing more is read; it goes once it has fetched all
+  std::uint64_t Lines = 0;  ///< handed out to be answered
+  bool Awaiting = false;    ///< the reply to the last of them
+  bool Busy = false;        ///< its lines are being handed out further up the stack
+  bool Ended = false;       ///< nothing more is read; it goes once it has fetched all
   bool Broken = false;
 
-  [[nodiscard]] bool MayBeAnswered() const { return !Broken && Unfetched.size() <= kMostUnfetched; }
+  [[nodiscard]] bool MayBeAnswered() const {
+    return !Broken && !Awaiting && Unfetched.size() <= kMostUnfetched;
+  }
 
   /// Sends what the system takes now.
   void Flush() {
@@ -92,7 +97,9 @@ void LocalControlSocket::Accept() {
   if (!PeerIsSameUser(socket) || clients_.size() >= kMostClients) return;
 
   const int number = socket.Number();
-  auto& client = *(clients_[number] = std::make_unique<Client>());
+  const std::uint64_t id = ++lastClient_;
+  auto& client = *(clients_[id] = std::make_unique<Client>());
+  client.Id = id;
   client.Socket = std::move(socket);
   client.Readable = new QSocketNotifier(number, QSocketNotifier::Read, &owner_);
   client.Writable = new QSocketNotifier(number, QSocketNotifier::Write, &owner_);
@@ -124,12 +131,12 @@ void LocalControlSocket::Work(Client& client) {
   }
   client.Busy = true;
   client.Readable->setEnabled(false);
-  AnswerLines(client, answer_);
+  AnswerLines(client);
   client.Busy = false;
   Settle(client);
 }
 
-void LocalControlSocket::AnswerLines(Client& client, const Answer& answer) {
+void LocalControlSocket::AnswerLines(Client& client) {
   while (client.MayBeAnswered()) {
     const std::size_t end = client.Received.find('\n');
     std::string line;
@@ -142,14 +149,28 @@ void LocalControlSocket::AnswerLines(Client& client, const Answer& answer) {
     } else {
       return;
     }
-    client.Unfetched += answer(line);
-    client.Unfetched += '\n';
-    client.Flush();
+    client.Awaiting = true;
+    const std::uint64_t number = ++client.Lines;
+    answer_(line, [this, alive = std::weak_ptr(alive_), id = client.Id, number](const std::string& reply) {
+      if (!alive.expired()) TakeReply(id, number, reply);
+    });
   }
 }
 
+void LocalControlSocket::TakeReply(std::uint64_t id, std::uint64_t line, const std::string& reply) {
+  const auto place = clients_.find(id);
+  if (place == clients_.end()) return;
+  Client& client = *place->second;
+  if (!client.Awaiting || client.Lines != line) return;
+  client.Awaiting = false;
+  client.Unfetched += reply;
+  client.Unfetched += '\n';
+  client.Flush();
+  Work(client);
+}
+
 void LocalControlSocket::Settle(Client& client) {
-  const bool finished = client.Ended && client.Unfetched.empty();
+  const bool finished = client.Ended && !client.Awaiting && client.Unfetched.empty();
   if (client.Broken || finished) {
     Drop(client);
     return;
@@ -165,7 +186,7 @@ void LocalControlSocket::Drop(Client& client) {
     notifier->disconnect();
     notifier->deleteLater();
   }
-  clients_.erase(client.Socket.Number());
+  clients_.erase(client.Id);
 }
 
 }  // namespace kestrune::platform

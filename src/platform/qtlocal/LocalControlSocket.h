@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -14,24 +15,25 @@ class QSocketNotifier;
 
 namespace kestrune::platform {
 
-/// Serves lines on a socket of the file system from Qt's event loop: each line that a client sends is handed
-/// to `answer` without its end, and what that gives goes back as one line.
+/// Serves lines on a socket of the file system from Qt's event loop: each line that a client sends is handed to
+/// `answer` without its end, and what that replies, now or later, goes back as one line.
 ///
-/// 1. A socket that a dead process left is replaced; one that still listens is not. Between two processes
-/// that
-///    start at the same moment the unit's lock decides: its holder alone makes this object.
-/// 2. The path lies in the runtime folder, which must exist. A process of another user is shown out unheard.
-/// 3. A client's lines are answered in their order, one after another. While `answer` lets events run, lines
-/// of
-///    other clients may be answered inside it.
-/// 4. No client costs more than about 64 KiB of what it sent and 1 MiB and one answer of what it has not yet
-///    fetched: one that does not fetch is not read further; one that sends more than 64 KiB without a line
-///    end has that handed to `answer` as it is and is then cut.
+/// 1. A socket that a dead process left is replaced; one that still listens is not. If two processes start at the
+///    same moment, the unit's lock decides: only its holder makes this object.
+/// 2. The path lies in the runtime folder, which must exist. A process of another user is disconnected unheard.
+/// 3. A client's lines are answered in their order: the next one is handed to `answer` once the reply to the one
+///    before has come. Other clients are served meanwhile, also inside an `answer` that lets events run.
+/// 4. No client costs more than about 64 KiB of what it sent, and 1 MiB and one reply of what it has not fetched yet:
+///    one that does not fetch is not read further; one that sends more than 64 KiB without a line end has that
+///    handed to `answer` as it is and is then cut.
+/// 5. A reply may come at any time, and comes to nothing once the client or this object has gone.
 ///
 /// Made, used and destroyed on the thread of the event loop, and not destroyed from within `answer`.
 class LocalControlSocket {
  public:
-  using Answer = std::function<std::string(std::string_view line)>;
+  /// Takes one line without its end. Only the first call counts.
+  using Reply = std::function<void(std::string line)>;
+  using Answer = std::function<void(std::string_view line, const Reply& reply)>;
 
   enum class State { Listening, AnotherListens, Failed };
 
@@ -51,7 +53,8 @@ class LocalControlSocket {
   void Accept();
   void Read(Client& client);
   void Work(Client& client);
-  static void AnswerLines(Client& client, const Answer& answer);
+  void AnswerLines(Client& client);
+  void TakeReply(std::uint64_t id, std::uint64_t line, const std::string& reply);
   void Settle(Client& client);
   void Drop(Client& client);
 
@@ -59,7 +62,9 @@ class LocalControlSocket {
   Answer answer_;
   FileDescriptor listener_;
   QSocketNotifier* listening_ = nullptr;
-  std::map<int, std::unique_ptr<Client>> clients_;
+  std::map<std::uint64_t, std::unique_ptr<Client>> clients_;  // by a number that is never used again
+  std::uint64_t lastClient_ = 0;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
   State state_ = State::Failed;
   std::string reason_;
   QTimer resume_;  ///< lets clients in again after the process ran out of files

@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
+#include <QTimer>
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -12,6 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Answering.h"
 #include "control/ControlServer.h"
 #include "platform/local/ControlSocketPath.h"
 #include "platform/posix/RuntimeFolder.h"
@@ -23,6 +25,7 @@
 namespace kestrune::platform {
 namespace {
 
+using test::Answering;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -48,7 +51,9 @@ class KestruneCtlTest : public ::testing::Test {
     return server;
   }
   std::unique_ptr<LocalControlSocket> Serve() {
-    return Serve([this](std::string_view line) { return control::Dispatch(target_, line); });
+    return Serve([this](std::string_view line, const LocalControlSocket::Reply& reply) {
+      control::Dispatch(target_, line, reply);
+    });
   }
 
   /// Runs the program to its end while the socket is served.
@@ -217,25 +222,27 @@ TEST_F(KestruneCtlTest, NoUnitIsExitThree) {
 }
 
 TEST_F(KestruneCtlTest, EachUnitAnswersForItself) {
-  const auto single = Serve([](std::string_view) { return R"({"exit":0,"reason":"","result":"single"})"; });
+  const auto single =
+      Serve(Answering([](std::string_view) { return R"({"exit":0,"reason":"","result":"single"})"; }));
   const auto second =
-      Serve([](std::string_view) { return R"({"exit":0,"reason":"","result":"second"})"; }, "2");
+      Serve(Answering([](std::string_view) { return R"({"exit":0,"reason":"","result":"second"})"; }), "2");
   EXPECT_EQ(Run({"get", "K"}).Out, "single\n");
   EXPECT_EQ(Run({"--unit", "2", "get", "K"}).Out, "second\n");
   EXPECT_EQ(Run({"--unit=2", "get", "K"}).Out, "second\n");
 }
 
 TEST_F(KestruneCtlTest, WithoutAProfileTheSessionsFolderCounts) {
-  const LocalControlSocket server(folder_.Path() + "/session/kestrune/kestrune.sock", [](std::string_view) {
-    return std::string(R"({"exit":0,"reason":"","result":"session"})");
-  });
+  const LocalControlSocket server(folder_.Path() + "/session/kestrune/kestrune.sock",
+                                  Answering([](std::string_view) {
+                                    return std::string(R"({"exit":0,"reason":"","result":"session"})");
+                                  }));
   EXPECT_EQ(RunPlain({"get", "K"}).Out, "session\n");
   EXPECT_EQ(Run({"get", "K"}).Status, 3);
 }
 
 TEST_F(KestruneCtlTest, AnAnswerThatMakesNoSenseIsRefused) {
   std::string answer;
-  const auto server = Serve([&](std::string_view) { return answer; });
+  const auto server = Serve(Answering([&](std::string_view) { return answer; }));
   for (const char* nonsense : {"", "x", "{}", R"({"exit":7,"reason":"","result":null})"}) {
     answer = nonsense;
     const Ended ended = Run({"status"});
@@ -250,19 +257,72 @@ TEST_F(KestruneCtlTest, AnAnswerThatMakesNoSenseIsRefused) {
 }
 
 TEST_F(KestruneCtlTest, TheUnitsOwnWordOnWrongUseCounts) {
-  const auto server =
-      Serve([](std::string_view) { return R"({"exit":2,"reason":"unknown here","result":null})"; });
+  const auto server = Serve(
+      Answering([](std::string_view) { return R"({"exit":2,"reason":"unknown here","result":null})"; }));
   const Ended ended = Run({"quit"});
   EXPECT_EQ(ended.Status, 2);
   EXPECT_EQ(ended.Err, "kestrune-ctl: unknown here\n");
 }
 
+TEST_F(KestruneCtlTest, WaitLetsAUnitThatIsStartingFinishFirst) {
+  target_.NextStatus.Loading = true;
+  const auto server = Serve();
+  QTimer::singleShot(700, qApp, [this] { target_.NextStatus.Loading = false; });
+  const Ended ended = Run({"--wait", "20", "record"});
+  EXPECT_EQ(ended.Status, 0) << ended.Err;
+  EXPECT_GE(std::count(target_.Calls.begin(), target_.Calls.end(), "Status"), 2);
+  EXPECT_EQ(target_.Calls.back(), "Record");
+  EXPECT_FALSE(target_.NextStatus.Loading);
+}
+
+TEST_F(KestruneCtlTest, WaitAlsoWaitsForAUnitThatIsNotThereYet) {
+  std::unique_ptr<LocalControlSocket> server;
+  QTimer::singleShot(700, qApp, [&] { server = Serve(); });
+  const Ended ended = Run({"--wait=20", "record"});
+  EXPECT_EQ(ended.Status, 0) << ended.Err;
+  EXPECT_THAT(target_.Calls, ElementsAre("Status", "Record"));
+}
+
+TEST_F(KestruneCtlTest, WaitHasAnEnd) {
+  const Ended absent = Run({"--wait", "1", "record"});
+  EXPECT_EQ(absent.Status, 3);
+  EXPECT_EQ(absent.Err, "kestrune-ctl: no unit is running\n");
+  target_.NextStatus.Loading = true;
+  const auto server = Serve();
+  const Ended starting = Run({"--wait", "1", "record"});
+  EXPECT_EQ(starting.Status, 1);
+  EXPECT_EQ(starting.Err, "kestrune-ctl: the unit is still starting\n");
+  EXPECT_THAT(target_.Calls, ::testing::Each("Status"));
+}
+
+TEST_F(KestruneCtlTest, WaitTakesWholeSeconds) {
+  const auto server = Serve();
+  for (const char* wrong : {"0", "-1", "1.5", "x", "", "86401", "99999999999"}) {
+    const Ended ended = Run({"--wait", wrong, "record"});
+    EXPECT_EQ(ended.Status, 2) << wrong;
+    EXPECT_THAT(ended.Err, HasSubstr("--wait takes a whole number of seconds from 1 to 86400"));
+  }
+  EXPECT_THAT(target_.Calls, IsEmpty());
+}
+
+TEST_F(KestruneCtlTest, AWishIsReportedWhenItHasBeenCarriedOut) {
+  target_.Keep = true;
+  const auto server = Serve();
+  QTimer::singleShot(500, qApp, [this] {
+    ASSERT_EQ(target_.Kept.size(), 1U);
+    target_.Kept.front()(base::Result::Failed("too late"));
+  });
+  const Ended ended = Run({"stop"});
+  EXPECT_EQ(ended.Status, 1);
+  EXPECT_EQ(ended.Err, "kestrune-ctl: too late\n");
+}
+
 TEST_F(KestruneCtlTest, HelpAndVersionNeedNoUnit) {
   const Ended help = RunPlain({"--help"});
   EXPECT_EQ(help.Status, 0);
-  for (const char* part :
-       {"status", "channels", "record", "stop", "tune N", "mute on|off", "log [N]", "get KEY",
-        "set KEY VALUE", "quit", "--unit U", "--profile DIR", "--json", "exit status: 0 done"}) {
+  for (const char* part : {"status", "channels", "record", "stop", "tune N", "mute on|off", "log [N]",
+                           "get KEY", "set KEY VALUE", "quit", "--unit U", "--profile DIR", "--wait SECONDS",
+                           "--json", "exit status: 0 done"}) {
     EXPECT_THAT(help.Out, HasSubstr(part));
   }
   const Ended version = RunPlain({"--version"});

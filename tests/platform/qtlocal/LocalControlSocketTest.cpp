@@ -17,6 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "Answering.h"
 #include "control/ControlServer.h"
 #include "platform/local/LocalSocket.h"
 #include "platform/posix/TemporaryFolder.h"
@@ -96,10 +97,10 @@ class LocalControlSocketTest : public ::testing::Test {
 
   /// A server that notes each line and answers with it behind "re ".
   std::unique_ptr<LocalControlSocket> Serve() {
-    return std::make_unique<LocalControlSocket>(Path(), [this](std::string_view line) {
-      lines_.emplace_back(line);
-      return "re " + std::string(line);
-    });
+    return std::make_unique<LocalControlSocket>(Path(), Answering([this](std::string_view line) {
+                                                  lines_.emplace_back(line);
+                                                  return "re " + std::string(line);
+                                                }));
   }
 
   test::TemporaryFolder folder_;
@@ -184,8 +185,9 @@ TEST_F(LocalControlSocketTest, OneWhoEndsItsTalkStillGetsEveryAnswer) {
 
 TEST_F(LocalControlSocketTest, RubbishWithoutLineEndIsCutAt64KiB) {
   test::FakeControlTarget target;
-  const LocalControlSocket server(Path(),
-                                  [&](std::string_view line) { return control::Dispatch(target, line); });
+  const LocalControlSocket server(Path(), [&](std::string_view line, const LocalControlSocket::Reply& reply) {
+    control::Dispatch(target, line, reply);
+  });
   TestClient client(Path());
   const std::string rubbish(300'000, 'x');
   std::size_t sent = 0;
@@ -205,10 +207,10 @@ TEST_F(LocalControlSocketTest, RubbishWithoutLineEndIsCutAt64KiB) {
 TEST_F(LocalControlSocketTest, OneWhoDoesNotFetchIsNotReadFurther) {
   int answered = 0;
   const std::string big(200'000, 'b');
-  const LocalControlSocket server(Path(), [&](std::string_view line) {
-    ++answered;
-    return std::string(line) + big;
-  });
+  const LocalControlSocket server(Path(), Answering([&](std::string_view line) {
+                                    ++answered;
+                                    return std::string(line) + big;
+                                  }));
   TestClient slow(Path());
   std::string questions;
   for (int i = 100; i < 200; ++i) questions += std::to_string(i) + '\n';
@@ -233,10 +235,10 @@ TEST_F(LocalControlSocketTest, OneWhoDoesNotFetchIsNotReadFurther) {
 TEST_F(LocalControlSocketTest, OneWhoGoesWithoutFetchingDoesNoHarm) {
   std::string big(5'000'000, 'b');
   int answered = 0;
-  const LocalControlSocket server(Path(), [&](std::string_view) {
-    ++answered;
-    return big;
-  });
+  const LocalControlSocket server(Path(), Answering([&](std::string_view) {
+                                    ++answered;
+                                    return big;
+                                  }));
   {
     TestClient client(Path());
     client.Put("x\n");
@@ -252,15 +254,15 @@ TEST_F(LocalControlSocketTest, OtherClientsAreAnsweredInsideAnAnswerThatWaits) {
   std::unique_ptr<TestClient> first;
   std::unique_ptr<TestClient> second;
   std::vector<std::string> order;
-  const LocalControlSocket server(Path(), [&](std::string_view line) {
-    order.push_back("begin " + std::string(line));
-    if (line == "wait") {
-      second->Put("quick\n");
-      EXPECT_EQ(second->Await(1), "re quick\n");
-    }
-    order.push_back("end " + std::string(line));
-    return "re " + std::string(line);
-  });
+  const LocalControlSocket server(Path(), Answering([&](std::string_view line) {
+                                    order.push_back("begin " + std::string(line));
+                                    if (line == "wait") {
+                                      second->Put("quick\n");
+                                      EXPECT_EQ(second->Await(1), "re quick\n");
+                                    }
+                                    order.push_back("end " + std::string(line));
+                                    return "re " + std::string(line);
+                                  }));
   first = std::make_unique<TestClient>(Path());
   second = std::make_unique<TestClient>(Path());
   // The line behind the waiting one waits too.
@@ -273,16 +275,111 @@ TEST_F(LocalControlSocketTest, OtherClientsAreAnsweredInsideAnAnswerThatWaits) {
 TEST_F(LocalControlSocketTest, OneWhoGoesDuringItsOwnAnswerDoesNoHarm) {
   std::unique_ptr<TestClient> client;
   bool answered = false;
-  const LocalControlSocket server(Path(), [&](std::string_view) {
-    client.reset();
-    for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
-    answered = true;
-    return std::string("late");
-  });
+  const LocalControlSocket server(Path(), Answering([&](std::string_view) {
+                                    client.reset();
+                                    for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
+                                    answered = true;
+                                    return std::string("late");
+                                  }));
   client = std::make_unique<TestClient>(Path());
   client->Put("x\ny\n");
   EXPECT_TRUE(PumpUntil([&] { return answered; }));
   for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
+}
+
+/// A server that keeps the replies for the test to give.
+struct KeptReplies {
+  std::vector<LocalControlSocket::Reply> Replies;
+  [[nodiscard]] LocalControlSocket::Answer Answer() {
+    return [this](std::string_view /*line*/, const LocalControlSocket::Reply& reply) {
+      Replies.push_back(reply);
+    };
+  }
+};
+
+TEST_F(LocalControlSocketTest, AReplyThatComesLaterGoesOut) {
+  KeptReplies kept;
+  const LocalControlSocket server(Path(), kept.Answer());
+  TestClient client(Path());
+  client.Put("x\n");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 1; }));
+  EXPECT_EQ(client.Got(), "");
+  kept.Replies[0]("late");
+  EXPECT_EQ(client.Await(1), "late\n");
+}
+
+TEST_F(LocalControlSocketTest, AClientsNextLineWaitsForTheReplyToTheOneBefore) {
+  KeptReplies kept;
+  const LocalControlSocket server(Path(), kept.Answer());
+  TestClient client(Path());
+  client.Put("x\ny\n");
+  ASSERT_TRUE(PumpUntil([&] { return !kept.Replies.empty(); }));
+  for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
+  ASSERT_EQ(kept.Replies.size(), 1U);
+  kept.Replies[0]("first");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 2; }));
+  kept.Replies[1]("second");
+  EXPECT_EQ(client.Await(2), "first\nsecond\n");
+}
+
+TEST_F(LocalControlSocketTest, OtherClientsAreServedWhileAReplyIsStillToCome) {
+  KeptReplies kept;
+  const LocalControlSocket server(Path(), kept.Answer());
+  TestClient patient(Path());
+  patient.Put("x\n");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 1; }));
+  TestClient other(Path());
+  other.Put("y\n");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 2; }));
+  kept.Replies[1]("second");
+  EXPECT_EQ(other.Await(1), "second\n");
+  EXPECT_EQ(patient.Got(), "");
+}
+
+TEST_F(LocalControlSocketTest, OnlyTheFirstReplyToALineCounts) {
+  KeptReplies kept;
+  const LocalControlSocket server(Path(), kept.Answer());
+  TestClient client(Path());
+  client.Put("x\ny\n");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 1; }));
+  kept.Replies[0]("first");
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 2; }));
+  kept.Replies[0]("again");
+  kept.Replies[1]("second");
+  EXPECT_EQ(client.Await(2), "first\nsecond\n");
+}
+
+TEST_F(LocalControlSocketTest, AReplyToOneWhoHasGoneComesToNothing) {
+  KeptReplies kept;
+  {
+    const LocalControlSocket server(Path(), kept.Answer());
+    {
+      TestClient client(Path());
+      client.Put("x\n");
+      ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 1; }));
+    }
+    for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
+    kept.Replies[0]("late");
+    // Its place is another's now, and the reply is not.
+    TestClient next(Path());
+    next.Put("y\n");
+    ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 2; }));
+    kept.Replies[0]("later");
+    EXPECT_EQ(next.Got(), "");
+  }
+  kept.Replies[1]("after the end of the server");
+}
+
+TEST_F(LocalControlSocketTest, OneWhoEndsItsTalkStillGetsAReplyThatComesLater) {
+  KeptReplies kept;
+  const LocalControlSocket server(Path(), kept.Answer());
+  TestClient client(Path());
+  client.Put("x\n");
+  client.EndPutting();
+  ASSERT_TRUE(PumpUntil([&] { return kept.Replies.size() == 1; }));
+  for (int i = 0; i < 10; ++i) QCoreApplication::processEvents();
+  kept.Replies[0]("late");
+  EXPECT_EQ(client.Await(1), "late\n");
 }
 
 TEST_F(LocalControlSocketTest, ASecondOneOnTheSamePathIsTold) {

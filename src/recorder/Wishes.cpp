@@ -1,0 +1,129 @@
+#include "recorder/Wishes.h"
+
+#include <optional>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "base/DatePattern.h"
+#include "recorder/Closing.h"
+#include "recorder/Kestrune.h"
+
+namespace kestrune::recorder {
+namespace {
+
+using base::Result;
+
+constexpr const char* kStarting = "the program is still starting";
+
+/// What keeps people from recording, stopping and tuning while the schedule records.
+std::string RunningEvent(const Kestrune& unit) {
+  const schedule::ScheduleState& schedule = unit.Schedule();
+  return fmt::format("schedule entry {} is recording until {}", schedule.ActiveSchedule,
+                     base::FormatDate(schedule.RemainingUntil, "mmm d, h:nn am/pm"));
+}
+
+Result RefusedByEvent(const Kestrune& unit) {
+  return Result::Failed(RunningEvent(unit) + "; disable that entry first");
+}
+
+bool InEvent(const Kestrune& unit) {
+  return unit.Schedule().ActiveSchedule != 0;
+}
+
+}  // namespace
+
+void Wishes::Ask(Door::Wish wish, Answered answered) {
+  if (unit_.Run().FormLoading && !unit_.Run().ShuttingDown) {
+    if (answered) answered(Result::Failed(kStarting));
+    return;
+  }
+  door_.Ask([&unit = unit_,
+             wish = std::move(wish)] { return unit.Run().ShuttingDown ? Result::Failed(kClosing) : wish(); },
+            std::move(answered));
+}
+
+void Wishes::Record(Answered answered) {
+  Ask(
+      [&unit = unit_] {
+        if (!unit.MayRecord()) {
+          return Result::Failed(InEvent(unit) ? RunningEvent(unit) + " already"
+                                              : "recording has been asked for already");
+        }
+        unit.cmdRecord();
+        return Result::Done();
+      },
+      std::move(answered));
+}
+
+void Wishes::Stop(Answered answered) {
+  Ask(
+      [&unit = unit_] {
+        if (InEvent(unit) && !unit.MayStop()) return RefusedByEvent(unit);
+        if (!unit.MayStop()) return Result::Failed("nothing is being recorded");
+        unit.cmdStop();
+        return Result::Done();
+      },
+      std::move(answered));
+}
+
+void Wishes::Tune(std::int16_t channel, Answered answered) {
+  Ask([this, channel] { return TuneNow(channel); }, std::move(answered));
+}
+
+Result Wishes::TuneNow(std::int16_t channel) {
+  if (unit_.Recording().GetRecordingStatus()) {
+    if (InEvent(unit_)) return RefusedByEvent(unit_);
+    return Result::Failed("the channel cannot be changed while recording is under way; stop it first");
+  }
+  unit_.SetChannelNumber(channel);
+  return Result::Done();
+}
+
+void Wishes::Mute(bool on, Answered answered) {
+  Ask([this, on] { return MuteNow(on); }, std::move(answered));
+}
+
+void Wishes::ToggleMute(Answered answered) {
+  Ask([this] { return MuteNow(!unit_.Recording().Muted); }, std::move(answered));
+}
+
+Result Wishes::MuteNow(bool on) {
+  if (unit_.SetMute(on)) return Result::Done();
+  if (InEvent(unit_)) return RefusedByEvent(unit_);
+  return Result::Failed("the radio cannot be muted while recording is under way; stop it first");
+}
+
+void Wishes::ReloadChannels(Answered answered) {
+  Ask(
+      [&unit = unit_] {
+        unit.mnuReload_Click();
+        return Result::Done();
+      },
+      std::move(answered));
+}
+
+void Wishes::ChangeSetting(std::string key, std::string value, Answered answered) {
+  Ask(
+      [&unit = unit_, key = std::move(key), value = std::move(value)] {
+        const config::SettingOutcome outcome = unit.ChangeSetting(key, value);
+        if (!outcome.Done()) return Result::Failed(outcome.Refusal);
+        if (outcome.Saved) return Result::Done();
+        return Result::Failed("the new value holds until the end, but the settings could not be written");
+      },
+      std::move(answered));
+}
+
+void Wishes::AskForUpdate(std::function<void(const base::Result&, const UpdateAnswer&)> answered) {
+  if (unit_.Run().ShuttingDown) return answered(Result::Failed(kClosing), {});
+  if (unit_.Run().FormLoading) return answered(Result::Failed(kStarting), {});
+  unit_.AskForUpdate(std::move(answered));
+}
+
+void Wishes::Close(Answered answered) {
+  unit_.EndWaits();
+  door_.Ask([&unit = unit_] { return unit.Close() ? Result::Done() : Result::Failed(kClosing); },
+            std::move(answered));
+}
+
+}  // namespace kestrune::recorder
