@@ -38,7 +38,7 @@ void Clock::Tick() {
   }
   const schedule::ScheduleState& event = state_.Schedule;
   if (event.ActiveSchedule != 0 && loop_.Now() <= event.RemainingUntil) {
-    state_.Clock.SecondsLeft = base::SecondsBetween(loop_.Now(), event.RemainingUntil);
+    state_.Clock.SecondsLeft = base::TimeUntil(loop_, event.RemainingUntil).count();
   }
   signalTick_ = (signalTick_ + 1) % kTicksPerSignalPoll;
   if (signalTick_ == 0) base::Ignored(session_.pcrGetSignalLevels());

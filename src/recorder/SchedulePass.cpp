@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "base/DatePattern.h"
+#include "schedule/entries/MissedRuns.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -24,41 +25,78 @@ SchedulePass::SchedulePass(State& state, radio::Channels& channels, RecordComman
       channels_(channels),
       commands_(commands),
       log_(log),
+      loop_(loop),
       tmrUpdate_(tmrUpdate),
       search_(state.Entries, [&loop] { return loop.Now(); }) {}
 
 void SchedulePass::Run() {
+  LogMissedRuns();
   std::int16_t due = 0;
   if (const auto found = search_.Find()) {
     due = found->Due;
     schedule_.RemainingUntil = found->RemainingUntil;
   }
-  if (schedule_.ActiveSchedule != 0 && due != schedule_.ActiveSchedule) EndEvent();
+  const bool ends = schedule_.ActiveSchedule != 0 && due != schedule_.ActiveSchedule;
+  if (ends) EndEvent();
 
   // The two commands turn the timer on, and the pass is not over.
   tmrUpdate_.SetEnabled(false);
-  if (due == 0) return;
+  if (due == 0) {
+    if (ends) CutForTheUser();
+    return;
+  }
   if (schedule_.ActiveSchedule == 0) {
     // A recording by hand gives way, and the event begins one pass later.
     if (state_.Phase != Phase::Idle) return commands_.cmdStop();
+    // A piece that has still to be finished would be lost in the start of the event, which goes on with it.
+    if (state_.StopPending) return;
     BeginEvent(due);
     tmrUpdate_.SetEnabled(false);
   }
-  if (due == schedule_.ActiveSchedule) FollowEntry(due);
+  if (due != schedule_.ActiveSchedule) return;
+  FollowEntry(due);
+  if (state_.Phase == Phase::Idle && !state_.StopPending) Resume(due);
+}
+
+void SchedulePass::LogMissedRuns() {
+  const base::DateValue now = loop_.Now();
+  const auto text = [](base::DateValue moment) { return base::FormatDate(moment, "mmm d, h:nn:ss am/pm"); };
+  if (lastPass_) {
+    for (const std::int16_t number : schedule::MissedRuns(entries_, *lastPass_, now)) {
+      if (number == schedule_.ActiveSchedule) continue;
+      log_.DoLog(fmt::format("Scheduled event {} missed - the clock went from {} to {}", number,
+                             text(*lastPass_), text(now)));
+    }
+  }
+  lastPass_ = now;
+}
+
+base::DateValue SchedulePass::Until() const {
+  return loop_.WallAfter(base::TimeUntil(loop_, schedule_.RemainingUntil));
 }
 
 void SchedulePass::EndEvent() {
+  const bool piece = state_.IsRecording() && state_.Incomplete;
   commands_.cmdStop();
+  // What began as a piece is kept as one, even if the entry has been changed to whole songs since.
+  if (piece) state_.StopPending = state_.Incomplete = true;
   const std::int16_t ended = schedule_.ActiveSchedule;
   schedule_.ActiveSchedule = 0;
   clock_.EventMarkShown = false;
   log_.DoLog(fmt::format("Scheduled event {} completed - {} songs recorded", ended, state_.RecordedCount));
 }
 
+void SchedulePass::CutForTheUser() {
+  if (state_.StopPending) return;  // which cuts too
+  state_.ForceSongChange = state_.SkipSongDelay = true;
+  state_.SongBoundarySeen = false;
+  state_.LastArtist = state_.LastSong = kNoSong;
+}
+
 void SchedulePass::BeginEvent(std::int16_t due) {
   const schedule::ScheduleEntry& entry = Entry(due);
   log_.DoLog(fmt::format("Scheduled event {} beginning on channel {} until {}", due, entry.Channel,
-                         base::FormatDate(schedule_.RemainingUntil, "mmm d, h:nn:ss am/pm")));
+                         base::FormatDate(Until(), "mmm d, h:nn:ss am/pm")));
   channels_.SetChannelNumber(entry.Channel);
   schedule_.SchedEndTime = entry.EndDate;
   TakeModes(entry);
@@ -73,9 +111,26 @@ void SchedulePass::BeginEvent(std::int16_t due) {
   // Before the recording starts, which already asks the entry for its modes and its bit rate.
   schedule_.ActiveSchedule = due;
   commands_.cmdRecord();
+  // A piece begins with a cut of its own: the capture in hand is not of the event.
+  if (state_.StartPending) state_.ForceSongChange = true;
   state_.SettleTicks = kSettleTicks;
   state_.WaitingForNextSong = true;
   TakeSongAsOld();
+}
+
+void SchedulePass::Resume(std::int16_t due) {
+  log_.DoLog(fmt::format("Scheduled event {} recording again", due));
+  const std::int16_t recorded = state_.RecordedCount;
+  const std::int16_t tooShort = state_.TooShortCount;
+  const std::int16_t tooLong = state_.TooLongCount;
+  const std::int16_t restricted = state_.RestrictedCount;
+  commands_.cmdRecord();
+  tmrUpdate_.SetEnabled(false);
+  // It is the same event, and its last line counts all its songs.
+  state_.RecordedCount = recorded;
+  state_.TooShortCount = tooShort;
+  state_.TooLongCount = tooLong;
+  state_.RestrictedCount = restricted;
 }
 
 void SchedulePass::FollowEntry(std::int16_t due) {
@@ -86,8 +141,7 @@ void SchedulePass::FollowEntry(std::int16_t due) {
     state_.WaitingForNextSong = true;
   }
   if (schedule_.SchedEndTime != entry.EndDate) {
-    log_.DoLog("Schedule changed, now recording until " +
-               base::FormatDate(schedule_.RemainingUntil, "mmm d, h:nn am/pm"));
+    log_.DoLog("Schedule changed, now recording until " + base::FormatDate(Until(), "mmm d, h:nn am/pm"));
     schedule_.SchedEndTime = entry.EndDate;
   }
   TakeModes(entry);

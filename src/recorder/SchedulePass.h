@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
@@ -11,23 +12,32 @@
 
 namespace kestrune::recorder {
 
-/// Every fourth second, at the end of an update tick: it begins the event that is due, ends the one that is
-/// not, and follows changes to the entry that runs. It presses the same two buttons as a person and tunes the
-/// same way; the user's own settings are never touched, and the channel is not given back.
+/// Every four seconds, at the end of an update tick: begins the event that is due, ends the one that no longer is,
+/// and follows changes to the running entry. It uses the same two commands and the same tuning as a person; the
+/// user's own settings are never touched. After an event the radio stays on its channel.
 class SchedulePass {
  public:
   /// All must outlive the object.
   SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands, base::Journal& log,
                const base::EventLoop& loop, base::Timer& tmrUpdate);
 
-  /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Events run
-  /// inside while the radio is tuned.
+  /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Replies of the radio
+  /// are handled inside it while the radio is tuned.
   void Run();
 
  private:
+  /// Logs what the clock went past since the last pass.
+  void LogMissedRuns();
+  /// What the wall clock will show when the event ends; differs from RemainingUntil if a step leaves that out.
+  [[nodiscard]] base::DateValue Until() const;
   void EndEvent();
+  /// The capture in hand has the ended entry's bit rate and modes: lets the next tick begin another, which is not a
+  /// whole song.
+  void CutForTheUser();
   void BeginEvent(std::int16_t due);
   void FollowEntry(std::int16_t due);
+  /// Records again for the running event, whatever stopped it: a change of the file format does.
+  void Resume(std::int16_t due);
   void MoveToChannel(const schedule::ScheduleEntry& entry);
   void TakeModes(const schedule::ScheduleEntry& entry);
   void TakeSongAsOld();
@@ -43,8 +53,10 @@ class SchedulePass {
   radio::Channels& channels_;
   RecordCommands& commands_;
   base::Journal& log_;
+  const base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
   schedule::DueSearch search_;
+  std::optional<base::DateValue> lastPass_;
 };
 
 }  // namespace kestrune::recorder

@@ -49,8 +49,10 @@ void SongBoundary::Take(bool split) {
   } else {
     loop_.PumpEvents();
     if (!state_.StopPending) ShowRecording();
-    const bool goesOn = state_.StartPending && !state_.StopPending;
-    if (!goesOn) disposition_.Dispose(finished);
+    const bool begins = state_.StartPending && !state_.StopPending;
+    if (!begins) disposition_.Dispose(finished);
+    // What a forced cut ended before the start was asked for by nobody.
+    if (begins && cut) songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
     if (state_.StopPending) state_.StopPending = state_.SongBoundarySeen = false;
     state_.WaitingForNextSong = state_.StartPending = false;
   }

@@ -65,6 +65,8 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
     loop.StepWallClock(std::chrono::seconds(base::SecondsBetween(loop.Now(), At(hour, minute, second))));
     tmrUpdate->SetEnabled(false);
     journal.Log.clear();
+    // The ticks since the last pass have finished a stopped piece.
+    state.StopPending = false;
     pass.Run();
     return journal.Log;
   }
@@ -421,16 +423,32 @@ TEST_F(SchedulePassTest, ARecordPressedWhileTheEventTunesBeginsTheCountEarly) {
   EXPECT_EQ(state.RecordedCount, 0);
 }
 
-TEST_F(SchedulePassTest, AStopBesideTheScheduleLeavesTheEventRunningWithoutARecording) {
-  // A change of the file format stops every recording; the event does not begin it again.
+TEST_F(SchedulePassTest, AStopFromElsewhereDoesNotEndTheRecordingOfAnEvent) {
+  // A change of the file format stops whatever is being recorded.
   entries[0] = Once(20, 0, 60, 46);
   PassAt(20, 0);
+  state.RecordedCount = 3;
+  state.TooShortCount = 2;
   Press(false);
-  EXPECT_THAT(PassAt(20, 10), IsEmpty());
+  EXPECT_THAT(PassAt(20, 10), ElementsAre("Scheduled event 1 recording again"));
   EXPECT_EQ(schedule.ActiveSchedule, 1);
-  EXPECT_FALSE(state.RecordRequested);
-  EXPECT_TRUE(all.MayRecord());
-  EXPECT_THAT(PassAt(21, 1), ElementsAre("Scheduled event 1 completed - 0 songs recorded"));
+  EXPECT_TRUE(state.RecordRequested);
+  EXPECT_FALSE(all.MayRecord());
+  EXPECT_FALSE(tmrUpdate->Enabled());
+  EXPECT_EQ(state.TooShortCount, 2);
+  EXPECT_THAT(PassAt(20, 10, 4), IsEmpty());
+  EXPECT_THAT(PassAt(21, 1), ElementsAre("Scheduled event 1 completed - 3 songs recorded"));
+}
+
+TEST_F(SchedulePassTest, AStopThatCutsIsFinishedBeforeAnEventBegins) {
+  entries[2] = Once(20, 0, 60, 46);
+  entries[2].Integrel = false;
+  entries[0] = Once(20, 30, 10, 45);
+  PassAt(20, 0);
+  EXPECT_THAT(PassAt(20, 31), ElementsAre("Scheduled event 3 completed - 0 songs recorded"));
+  EXPECT_TRUE(state.StopPending);
+  EXPECT_EQ(schedule.ActiveSchedule, 0);
+  EXPECT_EQ(PassAt(20, 31, 4).at(0), "Scheduled event 1 beginning on channel 45 until Mar 9, 8:40:59 pm");
 }
 
 TEST_F(SchedulePassTest, MorningNoonAndMidnightReadAsOnAClockFace) {

@@ -10,7 +10,9 @@ namespace {
 using namespace std::chrono_literals;
 using base::DateValue;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 /// March 9, 2005 was a Wednesday; the rest of the year's days by their date.
 DateValue On(int month, int day, int hour, int minute, int second = 0) {
@@ -231,12 +233,11 @@ TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
               ElementsAre("Scheduled event 1 beginning on channel 46 until Mar 9, 8:10:59 pm",
                           "Scheduled event is NOT utilizing Cleftune",
                           "Scheduled event 1 completed - 0 songs recorded"))
-      << "the one file is closed behind the line";
+      << "the one file is closed after the line";
   int recorded = 0;
   for (const std::string& line : rig.LogTexts()) recorded += line.starts_with("Recorded: ") ? 1 : 0;
   EXPECT_EQ(recorded, 1);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Moonlighters - Slow Tide (Incomplete)\""))
-      << "the capture in hand goes on, and keeps the name with which it began on the other channel";
+  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""));
   EXPECT_EQ(rig->Recording().RecordedCount, 1);
 }
 
@@ -314,14 +315,121 @@ TEST_F(ScheduledEventsTest, AnEventTakesItsOwnBitRateAndTheUsersComesBack) {
   ASSERT_EQ(Active(), 1);
   EXPECT_EQ(prepared().Bitrate, 64);
   EXPECT_EQ(prepared().Channels, 1);
-  RunTo(At(20, 6, 10));
-  rig.NextSong("Moonlighters", "Slow Tide");
-  ASSERT_EQ(Active(), 0);
-  EXPECT_EQ(prepared().Bitrate, 192);
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 0; }, 10min));
+  rig.Run(500ms);
+  EXPECT_EQ(prepared().Bitrate, 192) << "from the event's end on, not only from the next song";
   EXPECT_EQ(prepared().Channels, 2);
 }
 
-TEST_F(ScheduledEventsTest, TheUsersModesAreAskedAgainBehindTheEvent) {
+TEST_F(ScheduledEventsTest, AfterAnEventOfWholeSongsTheCaptureInHandIsNoWholeSong) {
+  Store(1, {.Duration = "0:05"});
+  StartIdleAt(At(19, 59));
+  RunTo(At(20, 3));
+  rig.NextSong("Lanterns", "North Pier");
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 0; }, 10min));
+  rig.Run(1s);
+  EXPECT_FALSE(rig->Recording().SongBoundarySeen);
+  EXPECT_LT(rig->Recording().CaptureSlots.at(static_cast<std::size_t>(rig->Recording().CaptureSlot)).LengthMs,
+            1100);
+  EXPECT_EQ(rig.Recordings().size(), 1U) << "the song that the event's end cut short is gone";
+}
+
+TEST_F(ScheduledEventsTest, AFileOfOneEventIsFinishedBeforeTheNextEventBegins) {
+  Store(3, {.Channel = 50, .Integrel = false, .Cleftune = false});
+  Store(1, {.Start = "Mar 9, 2005 8:02 PM", .Duration = "0:05", .Channel = 45});
+  StartIdleAt(At(20, 0));
+  RunTo(At(20, 2, 20));
+  EXPECT_EQ(Active(), 1);
+  EXPECT_TRUE(rig.Logged("Recorded: Channel 50  \"Artist 50 - Song 50 (Incomplete)\""));
+  EXPECT_THAT(ScheduleLines(),
+              ElementsAre("Scheduled event 3 beginning on channel 50 until Mar 9, 9:00:59 pm",
+                          "Scheduled event is NOT utilizing Cleftune",
+                          "Scheduled event 3 completed - 0 songs recorded",
+                          "Scheduled event 1 beginning on channel 45 until Mar 9, 8:07:59 pm",
+                          "Scheduled event is utilizing Integrel"));
+}
+
+TEST_F(ScheduledEventsTest, AnEventWithoutIntegrelBeginsWithACutOfItsOwn) {
+  rig.Set("FilenameFormat", "%d %s");
+  Store(1, {.Duration = "0:01", .Channel = 44, .Integrel = false, .Cleftune = false});
+  StartIdleAt(At(19, 50));
+  RunTo(At(20, 3));
+  int recorded = 0;
+  for (const std::string& line : rig.LogTexts()) {
+    if (!line.starts_with("Recorded: ")) continue;
+    ++recorded;
+    EXPECT_NE(line.find("Song length: 1:5"), std::string::npos) << line;
+  }
+  EXPECT_EQ(recorded, 1);
+  ASSERT_EQ(rig.Recordings().size(), 2U) << "the file, and the capture in hand";
+  bool named = false;
+  for (const std::string& name : rig.Recordings()) named = named || name.starts_with("20050309_2000 ");
+  EXPECT_TRUE(named);
+}
+
+TEST_F(ScheduledEventsTest, TheFilesOfAnEventAreJudgedByItsModesTheLastOneToo) {
+  rig.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "2Artist 46\n");
+  rig.Set("SievanceKill", "1");
+  Store(1, {.Duration = "0:02", .Integrel = false});
+  StartIdleAt(At(20, 0));
+  ASSERT_TRUE(rig->Restrictions().IsInKillList("Artist 46", ""));
+  ASSERT_TRUE(rig->CurrentSettings().SievanceKill);
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
+  RunTo(At(20, 3, 10));
+  ASSERT_EQ(Active(), 0);
+  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""))
+      << "the user's Kill list is no matter of this event";
+}
+
+TEST_F(ScheduledEventsTest, TickingIntegrelDoesNotLoseTheOneFileOfARunningEvent) {
+  const Planned oneFile{.Duration = "0:02", .Integrel = false, .Cleftune = false};
+  Store(1, oneFile);
+  StartIdleAt(At(20, 0));
+  RunTo(At(20, 1));
+  Planned whole = oneFile;
+  whole.Integrel = true;
+  Plan(1, whole);
+  RunTo(At(20, 3, 10));
+  ASSERT_EQ(Active(), 0);
+  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""));
+}
+
+TEST_F(ScheduledEventsTest, AChangeOfTheFormatDoesNotEndTheRecordingOfAnEvent) {
+  for (const bool whole : {false, true}) {
+    UnitRig unit;
+    const auto set = [&](const char* key, const char* value) { unit.Set(key, value); };
+    set("ScheduleEnabled1", "1");
+    set("ScheduleChannel1", "46");
+    set("ScheduleStartDate1", "Jan 15, 1967 12:00 AM");
+    set("ScheduleDuration1", "23:59");
+    set("ScheduleIntegrel1", whole ? "1" : "0");
+    set("ScheduleMatchGrab1", "0");
+    set("ScheduleMatchKill1", "0");
+    unit.StartIdle();
+    unit.Run(10s);
+    unit.NextSong("Lanterns", "North Pier");
+    unit.Run(1min);
+    unit.NextSong("Cellar", "Blue Door");
+    unit.Run(1min);
+    ASSERT_EQ(unit->Schedule().ActiveSchedule, 1);
+    const int recorded = unit->Recording().RecordedCount;
+    ASSERT_GE(recorded, 1);
+    ASSERT_TRUE(unit->ChangeSetting("FileFormat", "OGG").Done());
+    unit.Run(kOnePass);
+    EXPECT_TRUE(unit->Recording().RecordRequested);
+    EXPECT_TRUE(unit.Logged("Scheduled event 1 recording again"));
+    EXPECT_GE(unit->Recording().RecordedCount, recorded) << "the event counts on";
+    EXPECT_FALSE(unit->Window().cmdStop.Enabled);
+    unit.Run(1min);
+    unit.NextSong("Moonlighters", "Slow Tide");
+    EXPECT_TRUE(unit.Logged("Recorded: Channel 46  \"Cellar - Blue Door"));
+    unit.Run(1min);
+    unit.NextSong("Harbour", "Grey Gulls");
+    EXPECT_TRUE(unit.Logged("Recorded: Channel 46  \"Moonlighters - Slow Tide\""));
+  }
+}
+
+TEST_F(ScheduledEventsTest, TheUsersModesAreAskedAgainAfterTheEvent) {
   // The user wants pieces, the event whole songs.
   rig.Set("Integrel", "False");
   Store(1, {.Duration = "0:01"});
@@ -444,13 +552,40 @@ TEST_F(SteppedClockTest, InSpringAnEventThatEndsInTheGapEndsAtTheStep) {
   EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Apr 3, 2:30:59 am"), whole, completed));
 }
 
-TEST_F(SteppedClockTest, InSpringAnEventInsideTheGapIsSkippedWithoutATrace) {
+TEST_F(SteppedClockTest, InSpringAnEventInsideTheGapIsLoggedAsMissed) {
   Store(1, {.Start = "Jan 1, 1967 2:15 AM", .Duration = "0:30"});
   StartIdleAt(On(4, 3, 1, 59));
   RunTo(On(4, 3, 2, 0));
   SpringForward();
   rig.Run(1min);
-  EXPECT_THAT(ScheduleLines(), IsEmpty());
+  ASSERT_EQ(ScheduleLines().size(), 1U);
+  EXPECT_THAT(ScheduleLines().front(),
+              StartsWith("Scheduled event 1 missed - the clock went from Apr 3, 1:59:"));
+  EXPECT_THAT(ScheduleLines().front(), HasSubstr(" am to Apr 3, 3:00:0"));
+}
+
+TEST_F(SteppedClockTest, InSpringTheTimeLeftCountsTheHourThatIsLeftOut) {
+  Store(1, {.Start = "Jan 1, 1967 1:00 AM", .Duration = "2:30"});
+  StartIdleAt(On(4, 3, 1, 0));
+  rig.Loop.StepWallClockAt(On(4, 3, 2, 0), 1h);
+  RunTo(On(4, 3, 1, 30));
+  rig.Run(200ms);
+  EXPECT_EQ(Window().lblRemaining.Caption, "01:00:59");
+  RunTo(On(4, 3, 3, 10));
+  rig.Run(200ms);
+  EXPECT_EQ(Window().lblRemaining.Caption, "00:20:59");
+  EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Apr 3, 3:30:59 am"), whole));
+}
+
+TEST_F(SteppedClockTest, InSpringAnEndInTheGapIsTheStep) {
+  Store(1, {.Start = "Jan 1, 1967 1:00 AM", .Duration = "1:30"});
+  StartIdleAt(On(4, 3, 0, 59));
+  rig.Loop.StepWallClockAt(On(4, 3, 2, 0), 1h);
+  RunTo(On(4, 3, 1, 30));
+  rig.Run(200ms);
+  EXPECT_EQ(Window().lblRemaining.Caption, "00:30:00");
+  RunTo(On(4, 3, 3, 1));
+  EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Apr 3, 3:00:00 am"), whole, completed));
 }
 
 TEST_F(SteppedClockTest, InSpringAnEventThatBeginsInTheGapBeginsAtTheStepWithItsTrueEnd) {
@@ -520,12 +655,13 @@ TEST_F(SteppedClockTest, AStepForwardPastAStartBeginsTheEventLateWithItsTrueEnd)
   EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Mar 9, 9:00:59 pm"), whole));
 }
 
-TEST_F(SteppedClockTest, AStepForwardPastAWholeEventSkipsIt) {
+TEST_F(SteppedClockTest, AStepForwardPastAWholeEventIsLogged) {
   Store(1, {});
   StartIdleAt(At(19, 0));
   SetClock(At(21, 1));
   rig.Run(1min);
-  EXPECT_THAT(ScheduleLines(), IsEmpty());
+  ASSERT_EQ(ScheduleLines().size(), 1U);
+  EXPECT_THAT(ScheduleLines().front(), StartsWith("Scheduled event 1 missed - "));
 }
 
 TEST_F(SteppedClockTest, AStepBackIntoAnEventThatWasOverBeginsItAgain) {
@@ -553,7 +689,9 @@ TEST_F(SteppedClockTest, ADayLostInSleepBeginsWhatIsDueAtTheWaking) {
   StartIdleAt(At(22, 0));
   SetClock(On(3, 11, 8, 30));
   rig.Run(kOnePass);
-  EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Mar 11, 9:00:59 am"), whole));
+  EXPECT_THAT(ScheduleLines(),
+              ElementsAre(StartsWith("Scheduled event 1 missed - "), Begins("Mar 11, 9:00:59 am"), whole))
+      << "and says that the day before was missed";
 }
 
 }  // namespace
