@@ -208,13 +208,15 @@ TEST_F(SoundServerFaults, AServerThatAnswersNothingStopsNoTick) {
   Record("2");
   const std::int64_t lostBefore = Lost();
   pulse_.Halt();
+  const auto song = [this] { return unit_->Status().value("song", ""); };
   for (int cut = 0; cut < 2; ++cut) {
-    EXPECT_TRUE(unit_->WaitForBoundary());
+    const std::string before = song();
+    EXPECT_TRUE(WaitUntil(kPatience, [&] { return song() != before; }));
     const auto asked = std::chrono::steady_clock::now();
     EXPECT_TRUE(unit_->Status().is_object());
-    EXPECT_LT(std::chrono::steady_clock::now() - asked, 2s);
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, 3s) << "with the song delay in it";
   }
-  EXPECT_GT(Lost(), lostBefore + 44100);
+  EXPECT_TRUE(WaitUntil(kPatience, [&] { return Lost() > lostBefore + 44100; }));
   pulse_.Continue();
   EXPECT_TRUE(WaitForSongs(*unit_, unit_->RecordedCount() + 2));
   EXPECT_EQ(unit_->Quit(), 0);
