@@ -34,6 +34,9 @@ class Files {
   virtual ~Files() = default;
 
   [[nodiscard]] virtual bool Exists(std::string_view path) const = 0;
+  /// Whether files could be created in the folder or, while it does not exist, in the nearest folder above it that
+  /// does; the cause is the system's.
+  [[nodiscard]] virtual base::Result CheckWritable(std::string_view folder) const = 0;
   /// Creates one folder, not its parents; fails if it exists already.
   [[nodiscard]] virtual base::Result CreateFolder(std::string_view path) = 0;
   /// Makes a folder and the parents that are missing, all closed to other users, and closes one that is there already.

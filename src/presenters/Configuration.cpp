@@ -1,27 +1,24 @@
 #include "presenters/Configuration.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
 #include "base/Numbers.h"
 #include "config/formats/FormatTable.h"
-#include "config/settings/ConfigurationSave.h"
-#include "config/settings/SettingKeys.h"
+#include "config/settings/SettingChecks.h"
 
 namespace kestrune::presenters {
 namespace {
 
-/// The keys of a save, in the order in which they are written.
-constexpr std::string_view kSavedKeys[] = {
-    "MinSongLength", "MaxSongLength",  "SongDelay",        "FileDir",      "FilenameFormat",
-    "FileFormat",    "AGCEnabled",     "AGCLowLevel",      "AGCHighLevel", "AGCAttackTime",
-    "InputDevice",   "SaveDuplicates", "TaskBarMinimized",
-};
+constexpr std::string_view kSaveTitle = "Save Configuration Changes";
 
 ChoiceList MinLengths() {
   ChoiceList list;
@@ -66,15 +63,118 @@ std::int16_t SongDelayOf(const std::string& text) {
   return base::ToInt16(std::abs(base::LeadingNumber(text.substr(0, kRead)))).value_or(0);
 }
 
+bool TakeNumber(std::int16_t& field, std::string_view text) {
+  const std::optional<std::int16_t> number = base::ToInt16(text);
+  if (number) field = *number;
+  return number.has_value();
+}
+
 }  // namespace
+
+/// A control of the window and its setting.
+struct Configuration::Field {
+  std::string_view Key;
+  std::string_view Control;
+  void (*Show)(ConfigurationControls& controls, const config::Settings& settings);
+  /// False if the control's text is no value of the setting.
+  bool (*Take)(const ConfigurationControls& controls, config::Settings& settings);
+};
+
+// In the order in which a save stores the settings.
+const std::array<Configuration::Field, 13> Configuration::kFields{{
+    {"MinSongLength", "cboMinLength",
+     [](auto& controls, const auto& settings) { controls.cboMinLength.SelectValue(settings.MinSongLength); },
+     [](const auto& controls, auto& settings) {
+       settings.MinSongLength = ChosenOr(controls.cboMinLength, settings.MinSongLength);
+       return true;
+     }},
+    {"MaxSongLength", "cboMaxLength",
+     [](auto& controls, const auto& settings) { controls.cboMaxLength.SelectValue(settings.MaxSongLength); },
+     [](const auto& controls, auto& settings) {
+       settings.MaxSongLength = ChosenOr(controls.cboMaxLength, settings.MaxSongLength);
+       return true;
+     }},
+    {"SongDelay", "cboSongDelay",
+     [](auto& controls, const auto& settings) { controls.cboSongDelay.SelectValue(settings.SongDelay); },
+     [](const auto& controls, auto& settings) {
+       settings.SongDelay = SongDelayOf(controls.cboSongDelay.Text());
+       return true;
+     }},
+    {"FileDir", "txtFileDir",
+     [](auto& controls, const auto& settings) { controls.txtFileDir = settings.FileDir; },
+     [](const auto& controls, auto& settings) {
+       settings.FileDir = controls.txtFileDir;
+       return true;
+     }},
+    {"FilenameFormat", "txtFilenameFormat",
+     [](auto& controls, const auto& settings) { controls.txtFilenameFormat = settings.FilenameFormat; },
+     [](const auto& controls, auto& settings) {
+       settings.FilenameFormat = controls.txtFilenameFormat;
+       return true;
+     }},
+    {"FileFormat", "cboFileFormat",
+     [](auto& controls, const auto& settings) { controls.cboFileFormat.SelectText(settings.FileFormat); },
+     [](const auto& controls, auto& settings) {
+       if (controls.cboFileFormat.Row >= 0) settings.FileFormat = controls.cboFileFormat.Text();
+       return true;
+     }},
+    {"AGCEnabled", "chkAGCEnabled",
+     [](auto& controls, const auto& settings) {
+       controls.chkAGCEnabled = controls.AGCSpinsVisible = settings.AGCEnabled;
+     },
+     [](const auto& controls, auto& settings) {
+       settings.AGCEnabled = controls.chkAGCEnabled;
+       return true;
+     }},
+    {"AGCLowLevel", "txtAGCLowLevel",
+     [](auto& controls, const auto& settings) {
+       controls.txtAGCLowLevel = std::to_string(settings.AGCLowLevel);
+     },
+     [](const auto& controls, auto& settings) {
+       return TakeNumber(settings.AGCLowLevel, controls.txtAGCLowLevel);
+     }},
+    {"AGCHighLevel", "txtAGCHighLevel",
+     [](auto& controls, const auto& settings) {
+       controls.txtAGCHighLevel = std::to_string(settings.AGCHighLevel);
+     },
+     [](const auto& controls, auto& settings) {
+       return TakeNumber(settings.AGCHighLevel, controls.txtAGCHighLevel);
+     }},
+    {"AGCAttackTime", "txtAGCAttackTime",
+     [](auto& controls, const auto& settings) {
+       controls.txtAGCAttackTime = std::to_string(settings.AGCAttackTime);
+     },
+     [](const auto& controls, auto& settings) {
+       return TakeNumber(settings.AGCAttackTime, controls.txtAGCAttackTime);
+     }},
+    {"InputDevice", "cboDevice",
+     [](auto& controls, const auto& settings) { controls.cboDevice.SelectValue(settings.InputDevice); },
+     [](const auto& controls, auto& settings) {
+       settings.InputDevice = ChosenOr(controls.cboDevice, settings.InputDevice);
+       return true;
+     }},
+    {"SaveDuplicates", "chkDuplicates",
+     [](auto& controls, const auto& settings) { controls.chkDuplicates = settings.SaveDuplicates; },
+     [](const auto& controls, auto& settings) {
+       settings.SaveDuplicates = controls.chkDuplicates;
+       return true;
+     }},
+    {"TaskBarMinimized", "chkTaskBarMinimized",
+     [](auto& controls, const auto& settings) { controls.chkTaskBarMinimized = settings.TaskBarMinimized; },
+     [](const auto& controls, auto& settings) {
+       settings.TaskBarMinimized = controls.chkTaskBarMinimized;
+       return true;
+     }},
+}};
 
 Configuration::Configuration(ConfigurationAccess access)
     : access_(std::move(access)),
-      filenameFormats_(controls_.txtFilenameFormat),
-      mp3_(access_.Settings, access_.Section),
-      ogg_(access_.Settings, access_.Section) {
+      filenameFormats_(controls_.txtFilenameFormat,
+                       [this](std::string_view text) { txtFilenameFormat(text); }),
+      mp3_(access_.Settings),
+      ogg_(access_.Settings) {
   for (const OptionWindow& design : OptionWindows()) {
-    buttons_.try_emplace(design.FileFormat, design, access_.Settings, access_.Section);
+    buttons_.try_emplace(design.FileFormat, design, access_.Settings);
   }
 }
 
@@ -84,29 +184,35 @@ FormatOptions* Configuration::Buttons(std::string_view fileFormat) {
 }
 
 void Configuration::Load() {
-  const config::Settings& settings = access_.Settings;
+  shown_ = access_.Settings.Current();
   fieldToMend_ = {};
   controls_.cboMinLength = MinLengths();
-  controls_.cboMinLength.SelectValue(settings.MinSongLength);
   controls_.cboMaxLength = MaxLengths();
-  controls_.cboMaxLength.SelectValue(settings.MaxSongLength);
   controls_.cboSongDelay = SongDelays();
-  controls_.cboSongDelay.SelectValue(settings.SongDelay);
-  controls_.txtFileDir = settings.FileDir;
-  controls_.txtFilenameFormat = settings.FilenameFormat;
   controls_.cboFileFormat = FileFormats();
-  controls_.cboFileFormat.SelectText(settings.FileFormat);
-  controls_.chkAGCEnabled = settings.AGCEnabled;
-  controls_.AGCSpinsVisible = settings.AGCEnabled;
-  controls_.txtAGCLowLevel = std::to_string(settings.AGCLowLevel);
-  controls_.txtAGCHighLevel = std::to_string(settings.AGCHighLevel);
-  controls_.txtAGCAttackTime = std::to_string(settings.AGCAttackTime);
-  controls_.chkDuplicates = settings.SaveDuplicates;
-  controls_.chkTaskBarMinimized = settings.TaskBarMinimized;
   FillDevices();
+  for (const Field& field : kFields) field.Show(controls_, shown_);
   ShowFormat();
-  controls_.cboDevice.SelectValue(settings.InputDevice);
+  touched_.reset();
+  songDelayOffList_ = controls_.cboSongDelay.Row < 0;
+  first_ = false;
   dirty_ = false;
+}
+
+void Configuration::LoadFirst() {
+  Load();
+  first_ = true;
+}
+
+void Configuration::Follow() {
+  const config::Settings& current = access_.Settings.Current();
+  if (current == shown_) return;
+  if (current.SongDelay != shown_.SongDelay) songDelayOffList_ = false;
+  shown_ = current;
+  for (std::size_t i = 0; i < kFields.size(); ++i) {
+    if (!touched_[i]) kFields[i].Show(controls_, current);
+  }
+  controls_.lblFormatSpecifications = access_.FileSpecs.FileFormatString();
 }
 
 void Configuration::FillDevices() {
@@ -116,36 +222,49 @@ void Configuration::FillDevices() {
   }
 }
 
-void Configuration::Choose(ChoiceList& list, int row) {
+void Configuration::Touch(std::string_view key) {
+  const auto field = std::ranges::find(kFields, key, &Field::Key);
+  touched_.set(static_cast<std::size_t>(field - kFields.begin()));
+}
+
+void Configuration::Choose(std::string_view key, ChoiceList& list, int row) {
   list.Select(row);
+  Touch(key);
   dirty_ = true;
 }
 
+void Configuration::Type(std::string_view key, std::string& control, std::string_view text) {
+  control = text;
+  Touch(key);
+}
+
 void Configuration::cboMinLength(int row) {
-  Choose(controls_.cboMinLength, row);
+  Choose("MinSongLength", controls_.cboMinLength, row);
 }
 
 void Configuration::cboMaxLength(int row) {
-  Choose(controls_.cboMaxLength, row);
+  Choose("MaxSongLength", controls_.cboMaxLength, row);
 }
 
 void Configuration::cboSongDelay(int row) {
-  Choose(controls_.cboSongDelay, row);
+  Choose("SongDelay", controls_.cboSongDelay, row);
 }
 
 void Configuration::cboDevice(int row) {
-  Choose(controls_.cboDevice, row);
+  Choose("InputDevice", controls_.cboDevice, row);
 }
 
 void Configuration::cboFileFormat(int row) {
-  Choose(controls_.cboFileFormat, row);
+  Choose("FileFormat", controls_.cboFileFormat, row);
   TakeFileFormat();
   ShowFormat();
 }
 
 void Configuration::TakeFileFormat() {
   if (controls_.cboFileFormat.Row < 0) return;
-  base::Ignored(config::WriteFileFormat(access_.Settings, controls_.cboFileFormat.Text(), access_.cmdStop));
+  config::Settings wished = access_.Settings.Current();
+  wished.FileFormat = controls_.cboFileFormat.Text();
+  base::Ignored(access_.Settings.Change(wished, {"FileFormat"}, config::SettingLife::ThisRun));
 }
 
 void Configuration::ShowFormat() {
@@ -154,30 +273,58 @@ void Configuration::ShowFormat() {
 }
 
 void Configuration::FormatOptionsClosed() {
+  Follow();
   TakeFileFormat();
   ShowFormat();
+}
+
+void Configuration::txtFileDir(std::string_view text) {
+  Type("FileDir", controls_.txtFileDir, text);
+}
+
+void Configuration::txtFilenameFormat(std::string_view text) {
+  Type("FilenameFormat", controls_.txtFilenameFormat, text);
 }
 
 void Configuration::chkAGCEnabled(bool checked) {
   controls_.chkAGCEnabled = checked;
   controls_.AGCSpinsVisible = checked;
+  Touch("AGCEnabled");
+}
+
+void Configuration::txtAGCLowLevel(std::string_view text) {
+  Type("AGCLowLevel", controls_.txtAGCLowLevel, text);
+}
+
+void Configuration::txtAGCHighLevel(std::string_view text) {
+  Type("AGCHighLevel", controls_.txtAGCHighLevel, text);
+}
+
+void Configuration::txtAGCAttackTime(std::string_view text) {
+  Type("AGCAttackTime", controls_.txtAGCAttackTime, text);
 }
 
 void Configuration::StepAGCLowLevel(int direction) {
-  controls_.txtAGCLowLevel = Stepped(controls_.txtAGCLowLevel, kAGCLevelRange, direction);
+  txtAGCLowLevel(Stepped(controls_.txtAGCLowLevel, kAGCLevelRange, direction));
 }
 
 void Configuration::StepAGCHighLevel(int direction) {
-  controls_.txtAGCHighLevel = Stepped(controls_.txtAGCHighLevel, kAGCLevelRange, direction);
+  txtAGCHighLevel(Stepped(controls_.txtAGCHighLevel, kAGCLevelRange, direction));
 }
 
 void Configuration::StepAGCAttackTime(int direction) {
-  controls_.txtAGCAttackTime = Stepped(controls_.txtAGCAttackTime, kAGCAttackRange, direction);
+  txtAGCAttackTime(Stepped(controls_.txtAGCAttackTime, kAGCAttackRange, direction));
 }
 
 void Configuration::chkDuplicates(bool checked) {
   controls_.chkDuplicates = checked;
+  Touch("SaveDuplicates");
   dirty_ = true;
+}
+
+void Configuration::chkTaskBarMinimized(bool checked) {
+  controls_.chkTaskBarMinimized = checked;
+  Touch("TaskBarMinimized");
 }
 
 std::string Configuration::cmdBrowse() {
@@ -190,82 +337,77 @@ std::string Configuration::cmdBrowse() {
 
 void Configuration::FolderChosen(std::string_view folder) {
   folder = folder.substr(0, folder.find('\0'));
-  if (!folder.empty()) controls_.txtFileDir = folder;
+  if (!folder.empty()) txtFileDir(folder);
 }
 
 void Configuration::cmdDefault() {
+  constexpr std::string_view kReset[] = {"MinSongLength",  "MaxSongLength",  "SongDelay",       "FileFormat",
+                                         "FilenameFormat", "SaveDuplicates", "TaskBarMinimized"};
   const config::Settings defaults;
-  controls_.cboMinLength.SelectText("45 Sec");
-  controls_.cboMaxLength.SelectText("Unlimited");
-  controls_.cboSongDelay.SelectText("600");
-  controls_.cboFileFormat.SelectText("MP3");
+  for (const Field& field : kFields) {
+    if (std::ranges::find(kReset, field.Key) != std::end(kReset)) field.Show(controls_, defaults);
+  }
+  touched_.set();
   TakeFileFormat();
-  controls_.txtFilenameFormat = defaults.FilenameFormat;
-  controls_.chkDuplicates = true;
-  controls_.chkTaskBarMinimized = true;
   ShowFormat();
   dirty_ = true;
 }
 
 bool Configuration::cmdSave() {
-  config::Settings& settings = access_.Settings;
   fieldToMend_ = {};
-  const std::int16_t minimum = ChosenOr(controls_.cboMinLength, settings.MinSongLength);
-  const std::int16_t maximum = ChosenOr(controls_.cboMaxLength, settings.MaxSongLength);
-  if (!config::SongLengthsAgree(minimum, maximum)) {
-    base::Ignored(access_.Dialogs.Show({.Title = std::string(config::kSongLengthTitle),
-                                        .Text = std::string(config::kSongLengthText),
-                                        .Icon = platform::MessageIcon::Warning,
-                                        .Buttons = platform::MessageButtons::Ok}));
+  lengthsRefused_ = false;
+  if (songDelayOffList_) Touch("SongDelay");
+  config::Settings wished = access_.Settings.Current();
+  std::vector<std::string_view> keys;
+  for (std::size_t i = 0; i < kFields.size(); ++i) {
+    const Field& field = kFields[i];
+    if (touched_[i] && !field.Take(controls_, wished) && fieldToMend_.empty()) fieldToMend_ = field.Control;
+    const bool format = field.Key == "FileFormat" && controls_.cboFileFormat.Row >= 0;
+    if (touched_[i] || first_ || format) keys.push_back(field.Key);
+  }
+  if (!config::SongLengthsAgree(wished.MinSongLength, wished.MaxSongLength)) {
+    fieldToMend_ = {};
+    lengthsRefused_ = true;
+    Tell(config::kSongLengthTitle, config::kSongLengthText);
     return false;
   }
   controls_.txtFilenameFormat = config::CleanFilenameFormat(controls_.txtFilenameFormat);
+  if (!fieldToMend_.empty()) return false;
 
-  // The three numbers are read before anything is written, so that nothing is half saved.
-  const std::optional<std::int16_t> highLevel = base::ToInt16(controls_.txtAGCHighLevel);
-  const std::optional<std::int16_t> lowLevel = base::ToInt16(controls_.txtAGCLowLevel);
-  const std::optional<std::int16_t> attackTime = base::ToInt16(controls_.txtAGCAttackTime);
-  if (!highLevel)
-    fieldToMend_ = "txtAGCHighLevel";
-  else if (!lowLevel)
-    fieldToMend_ = "txtAGCLowLevel";
-  else if (!attackTime)
-    fieldToMend_ = "txtAGCAttackTime";
-  if (!highLevel || !lowLevel || !attackTime) return false;
-
-  settings.FilenameFormat = controls_.txtFilenameFormat;
-  settings.MinSongLength = minimum;
-  settings.MaxSongLength = maximum;
-  settings.SongDelay = SongDelayOf(controls_.cboSongDelay.Text());
-  config::WriteFileDir(settings, controls_.txtFileDir);
-  TakeFileFormat();
-  settings.AGCEnabled = controls_.chkAGCEnabled;
-  settings.AGCHighLevel = *highLevel;
-  settings.AGCLowLevel = *lowLevel;
-  settings.AGCAttackTime = *attackTime;
-  settings.SaveDuplicates = controls_.chkDuplicates;
-  const std::int16_t device =
-      std::exchange(settings.InputDevice, ChosenOr(controls_.cboDevice, settings.InputDevice));
-  settings.TaskBarMinimized = controls_.chkTaskBarMinimized;
-
-  for (const std::string_view key : kSavedKeys) {
-    base::Ignored(config::SaveSetting(access_.Section, settings, key));
+  const config::SettingOutcome outcome = access_.Settings.Change(wished, keys);
+  if (!outcome.Done()) {
+    const auto refused = std::ranges::find(kFields, outcome.Key, &Field::Key);
+    if (refused != kFields.end()) fieldToMend_ = refused->Control;
+    Tell(kSaveTitle, outcome.Refusal);
+    return false;
   }
+  if (!outcome.Warning.empty()) Tell(kSaveTitle, outcome.Warning);
+  if (!outcome.Saved) {
+    Tell(kSaveTitle, "The settings could not be saved.");
+    return false;
+  }
+  touched_.reset();
   dirty_ = false;
-  if (settings.InputDevice != device) access_.DeviceChanged();
   return true;
+}
+
+void Configuration::Tell(std::string_view title, std::string_view text) {
+  base::Ignored(access_.Dialogs.Show({.Title = std::string(title),
+                                      .Text = std::string(text),
+                                      .Icon = platform::MessageIcon::Warning,
+                                      .Buttons = platform::MessageButtons::Ok}));
 }
 
 bool Configuration::CloseBox() {
   if (!dirty_) return true;
   const platform::MessageAnswer answer =
-      access_.Dialogs.Show({.Title = "Save Configuration Changes",
+      access_.Dialogs.Show({.Title = std::string(kSaveTitle),
                             .Text = "You have made changes, do you want to save your changes first?",
                             .Icon = platform::MessageIcon::Information,
                             .Buttons = platform::MessageButtons::YesNoCancel});
   if (answer == platform::MessageAnswer::Cancel) return false;
   if (answer != platform::MessageAnswer::Yes) return true;
-  return cmdSave() || fieldToMend_.empty();
+  return cmdSave() || lengthsRefused_;
 }
 
 }  // namespace kestrune::presenters

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <bitset>
 #include <map>
 #include <string>
 #include <string_view>
@@ -17,9 +19,10 @@ namespace kestrune::presenters {
 inline constexpr SpinRange kAGCLevelRange{-90, 0, 1};    ///< dB
 inline constexpr SpinRange kAGCAttackRange{50, 200, 1};  ///< milliseconds
 
-/// The rules of the configuration window, and those of the windows that open from it. It shows the settings as
-/// they were at Load, and writes them when they are saved; the file format alone takes effect when it is
-/// chosen, and no cancel undoes that. Methods named for a control are what the user does with it.
+/// The rules of the configuration window and of the windows that open from it. A save changes the settings whose
+/// controls the user has touched since Load, and no other; the untouched controls follow the settings. The file format
+/// alone takes effect as soon as it is chosen, and no cancel undoes that. Methods named for a control are what the
+/// user does with it.
 class Configuration {
  public:
   explicit Configuration(ConfigurationAccess access);
@@ -27,12 +30,16 @@ class Configuration {
   Configuration& operator=(const Configuration&) = delete;
 
   [[nodiscard]] const ConfigurationControls& Controls() const { return controls_; }
-  [[nodiscard]] const config::SettingsSection& Section() const { return access_.Section; }
+  [[nodiscard]] const config::SettingsSection& Section() const { return access_.Settings.Section(); }
   /// Whether a close by the close box asks first. What is typed or spun does not count.
   [[nodiscard]] bool Dirty() const { return dirty_; }
 
-  /// Fills the window; it prepares the idle capture slot too.
+  /// Fills the window, and prepares the idle capture slot too.
   void Load();
+  /// The same for the first run, in which a save stores every setting of the window.
+  void LoadFirst();
+  /// Shows what has been changed elsewhere since Load in the controls that the user has not touched.
+  void Follow();
 
   void cboMinLength(int row);
   void cboMaxLength(int row);
@@ -40,38 +47,42 @@ class Configuration {
   void cboDevice(int row);
   /// Takes effect at once: stops what is being recorded if the format differs, and prepares the idle slot.
   void cboFileFormat(int row);
-  void txtFileDir(std::string_view text) { controls_.txtFileDir = text; }
-  void txtFilenameFormat(std::string_view text) { controls_.txtFilenameFormat = text; }
+  void txtFileDir(std::string_view text);
+  void txtFilenameFormat(std::string_view text);
   void chkAGCEnabled(bool checked);
-  void txtAGCLowLevel(std::string_view text) { controls_.txtAGCLowLevel = text; }
-  void txtAGCHighLevel(std::string_view text) { controls_.txtAGCHighLevel = text; }
-  void txtAGCAttackTime(std::string_view text) { controls_.txtAGCAttackTime = text; }
+  void txtAGCLowLevel(std::string_view text);
+  void txtAGCHighLevel(std::string_view text);
+  void txtAGCAttackTime(std::string_view text);
   void StepAGCLowLevel(int direction);
   void StepAGCHighLevel(int direction);
   void StepAGCAttackTime(int direction);
   void chkDuplicates(bool checked);
-  void chkTaskBarMinimized(bool checked) { controls_.chkTaskBarMinimized = checked; }
+  void chkTaskBarMinimized(bool checked);
 
-  /// Gives the folder that the chooser starts with.
+  /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
-  /// What came back from it, empty if the user chose nothing; it counts up to its first zero character.
+  /// The chooser's answer up to its first zero character; empty if the user chose nothing.
   void FolderChosen(std::string_view folder);
 
   /// The option window of the chosen format has closed: the idle slot is prepared with what it saved.
   void FormatOptionsClosed();
 
-  /// No format record, nor folder, device or gain control.
+  /// Sets the defaults, but for folder, device and gain control, and leaves the format records alone. From then on
+  /// every control counts as touched.
   void cmdDefault();
 
-  /// Writes the settings and the store, and gives true: the window closes. False after the message on song
-  /// lengths, or if a gain number is none; then nothing is written, and FieldToMend names the text box. A list
-  /// without a selected row leaves its setting as it is, but for the song delay, which becomes 0.
+  /// Changes and stores the settings of the touched controls, and returns true: the window closes. Returns false,
+  /// with nothing changed, after a message on the song lengths or on the folder, or if one of the gain numbers is no
+  /// number; FieldToMend then names the text box, if there is one. Returns false, with the settings changed, after a
+  /// message that they could not be stored. A list without a selected row leaves its setting as it is; only a song
+  /// delay that was not on its list at Load becomes 0. The file format is always stored, since a choice that was
+  /// cancelled may not be in the store yet.
   [[nodiscard]] bool cmdSave();
-  /// Empty if no text is in the way.
+  /// The name of the text box whose text was refused; empty if none was.
   [[nodiscard]] std::string_view FieldToMend() const { return fieldToMend_; }
 
-  /// The user closes the window by its close box. Asks if something was changed; true if it may close, also
-  /// if the save that the user wanted stopped on the song lengths.
+  /// The user closes the window by its close box. Asks if something was changed. True if it may close, which
+  /// includes a save that stopped at the song lengths.
   [[nodiscard]] bool CloseBox();
 
   [[nodiscard]] FilenameFormatSelect& FilenameFormats() { return filenameFormats_; }
@@ -81,14 +92,25 @@ class Configuration {
   [[nodiscard]] FormatOptions* Buttons(std::string_view fileFormat);
 
  private:
+  struct Field;
+  static const std::array<Field, 13> kFields;
+
   void FillDevices();
-  void Choose(ChoiceList& list, int row);
+  void Touch(std::string_view key);
+  void Choose(std::string_view key, ChoiceList& list, int row);
+  void Type(std::string_view key, std::string& control, std::string_view text);
   void TakeFileFormat();
   void ShowFormat();
+  void Tell(std::string_view title, std::string_view text);
 
   ConfigurationAccess access_;
   ConfigurationControls controls_;
+  config::Settings shown_;  ///< as of Load, or the last Follow
+  std::bitset<13> touched_;
+  bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
+  bool first_ = false;
   bool dirty_ = false;
+  bool lengthsRefused_ = false;
   std::string_view fieldToMend_;
   FilenameFormatSelect filenameFormats_;
   Mp3Options mp3_;

@@ -34,7 +34,7 @@ std::string_view FilenameFormatSelect::Caption(std::size_t row) const {
 }
 
 void FilenameFormatSelect::cmdSelect(std::size_t row) {
-  txtFilenameFormat_ = kRows[row].Format;
+  choose_(kRows[row].Format);
 }
 
 }  // namespace kestrune::presenters

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kestrune::presenters {
 
@@ -19,8 +21,9 @@ struct FilenameFormatRow {
 /// The rules of the window that offers them. Choosing saves nothing: the configuration does, when it is saved.
 class FilenameFormatSelect {
  public:
-  /// Writes into `txtFilenameFormat`, the text of the configuration window, which must outlive this object.
-  explicit FilenameFormatSelect(std::string& txtFilenameFormat) : txtFilenameFormat_(txtFilenameFormat) {}
+  /// `txtFilenameFormat` is the text of the configuration window, which must outlive this object; `choose` writes it.
+  FilenameFormatSelect(const std::string& txtFilenameFormat, std::function<void(std::string_view)> choose)
+      : txtFilenameFormat_(txtFilenameFormat), choose_(std::move(choose)) {}
 
   /// What the button of the row says: "Select", or that the row is the present format. The last row is never
   /// marked.
@@ -28,7 +31,8 @@ class FilenameFormatSelect {
   void cmdSelect(std::size_t row);
 
  private:
-  std::string& txtFilenameFormat_;
+  const std::string& txtFilenameFormat_;
+  std::function<void(std::string_view)> choose_;
 };
 
 }  // namespace kestrune::presenters

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "base/Ignored.h"
-#include "config/settings/SettingKeys.h"
-
 namespace kestrune::presenters {
 namespace {
 
@@ -100,15 +97,14 @@ const OptionWindow* FindOptionWindow(std::string_view fileFormat) {
   return found != std::end(kWindows) ? found : nullptr;
 }
 
-FormatOptions::FormatOptions(const OptionWindow& design, config::Settings& settings,
-                             const config::SettingsSection& section)
-    : design_(design), settings_(settings), section_(section) {
+FormatOptions::FormatOptions(const OptionWindow& design, config::SettingsDoor& settings)
+    : design_(design), settings_(settings) {
   Load();
 }
 
 void FormatOptions::Load() {
   values_.clear();
-  for (const OptionGroup& group : design_.Groups) values_.push_back(group.Read(settings_));
+  for (const OptionGroup& group : design_.Groups) values_.push_back(group.Read(settings_.Current()));
 }
 
 int FormatOptions::On(std::size_t group) const {
@@ -121,11 +117,12 @@ void FormatOptions::Choose(std::size_t group, std::size_t button) {
   values_[group] = design_.Groups[group].Buttons[button].Value;
 }
 
-void FormatOptions::cmdOK() {
+bool FormatOptions::cmdOK() {
+  config::Settings wished = settings_.Current();
   for (std::size_t group = 0; group < values_.size(); ++group) {
-    design_.Groups[group].Write(settings_, values_[group]);
+    design_.Groups[group].Write(wished, values_[group]);
   }
-  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys(design_.FileFormat)));
+  return settings_.ChangeFormat(wished, design_.FileFormat).Saved;
 }
 
 }  // namespace kestrune::presenters

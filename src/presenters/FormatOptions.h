@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
+#include "config/settings/SettingsDoor.h"
 #include "presenters/OptionGroup.h"
 
 namespace kestrune::presenters {
@@ -29,8 +28,7 @@ struct OptionWindow {
 class FormatOptions {
  public:
   /// All must outlive this object.
-  FormatOptions(const OptionWindow& design, config::Settings& settings,
-                const config::SettingsSection& section);
+  FormatOptions(const OptionWindow& design, config::SettingsDoor& settings);
 
   [[nodiscard]] const OptionWindow& Design() const { return design_; }
   /// Copies the record of the running program.
@@ -38,13 +36,12 @@ class FormatOptions {
   /// The button of the group that is on; -1 if none is.
   [[nodiscard]] int On(std::size_t group) const;
   void Choose(std::size_t group, std::size_t button);
-  /// Takes the copy over into the running program and saves the format's keys.
-  void cmdOK();
+  /// Takes the copy over into the running program and stores it. True if it was stored: the window closes.
+  [[nodiscard]] bool cmdOK();
 
  private:
   const OptionWindow& design_;
-  config::Settings& settings_;
-  const config::SettingsSection& section_;
+  config::SettingsDoor& settings_;
   std::vector<std::int32_t> values_;  ///< one a group
 };
 

@@ -6,9 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "base/Ignored.h"
 #include "base/Numbers.h"
-#include "config/settings/SettingKeys.h"
 
 namespace kestrune::presenters {
 namespace {
@@ -65,13 +63,12 @@ const config::BitrateTable& Mp3Bitrates() {
   return kBitrates;
 }
 
-Mp3Options::Mp3Options(config::Settings& settings, const config::SettingsSection& section)
-    : settings_(settings), section_(section) {
+Mp3Options::Mp3Options(config::SettingsDoor& settings) : settings_(settings) {
   Load();
 }
 
 void Mp3Options::Load() {
-  record_ = settings_.FormatMP3;
+  record_ = settings_.Current().FormatMP3;
   controls_ = {};
   fieldToMend_ = {};
 
@@ -217,9 +214,9 @@ bool Mp3Options::cmdOK() {
   record.HighPassFilter = controls_.chkHFilt;
   record.LowPassFilter = controls_.chkLFilt;
   record_ = record;
-  settings_.FormatMP3 = record;
-  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys("MP3")));
-  return true;
+  config::Settings wished = settings_.Current();
+  wished.FormatMP3 = record;
+  return settings_.ChangeFormat(wished, "MP3").Saved;
 }
 
 }  // namespace kestrune::presenters

@@ -7,8 +7,7 @@
 #include <string_view>
 
 #include "config/formats/BitrateTable.h"
-#include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
+#include "config/settings/SettingsDoor.h"
 #include "presenters/ChoiceList.h"
 #include "presenters/SpinRange.h"
 
@@ -72,7 +71,7 @@ struct Mp3Controls {
 class Mp3Options {
  public:
   /// The references must outlive this object.
-  Mp3Options(config::Settings& settings, const config::SettingsSection& section);
+  explicit Mp3Options(config::SettingsDoor& settings);
 
   [[nodiscard]] const Mp3Controls& Controls() const { return controls_; }
   /// Copies the record of the running program.
@@ -107,9 +106,9 @@ class Mp3Options {
   void chkHFilt(bool checked);
   void chkLFilt(bool checked);
 
-  /// Takes the choices over into the running program, saves the format's keys and gives true: the window
-  /// closes. False if a filter number is none: nothing is taken over, FieldToMend names its text box, and that
-  /// one is enabled whatever its filter says.
+  /// Takes the choices over into the running program and stores them. True if they were stored: the window closes.
+  /// False, with nothing taken over, if the text of a filter is no number: FieldToMend names the text box, and that one
+  /// is enabled whether or not its filter is on.
   [[nodiscard]] bool cmdOK();
   [[nodiscard]] std::string_view FieldToMend() const { return fieldToMend_; }
 
@@ -119,8 +118,7 @@ class Mp3Options {
   }
   [[nodiscard]] bool ReadFilters(config::FormatMP3& record);
 
-  config::Settings& settings_;
-  const config::SettingsSection& section_;
+  config::SettingsDoor& settings_;
   config::FormatMP3 record_;
   Mp3Controls controls_;
   std::string_view fieldToMend_;

@@ -5,9 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "base/Ignored.h"
 #include "base/Numbers.h"
-#include "config/settings/SettingKeys.h"
 
 namespace kestrune::presenters {
 namespace {
@@ -46,13 +44,12 @@ const config::BitrateTable& OggBitrates() {
   return kBitrates;
 }
 
-OggOptions::OggOptions(config::Settings& settings, const config::SettingsSection& section)
-    : settings_(settings), section_(section) {
+OggOptions::OggOptions(config::SettingsDoor& settings) : settings_(settings) {
   Load();
 }
 
 void OggOptions::Load() {
-  const config::FormatOGG& record = settings_.FormatOGG;
+  const config::FormatOGG& record = settings_.Current().FormatOGG;
   controls_ = {};
   LoadSlider(controls_.NominalBitrate, kNominal, record.Bitrate);
   LoadSlider(controls_.MaxBitrate, kMax, record.MaxBitrate);
@@ -110,8 +107,9 @@ void OggOptions::ShowQuality() {
   }
 }
 
-void OggOptions::cmdOK() {
-  config::FormatOGG record = settings_.FormatOGG;
+bool OggOptions::cmdOK() {
+  config::Settings wished = settings_.Current();
+  config::FormatOGG& record = wished.FormatOGG;
   record.Bitrate = kBitrates.Bitrate(controls_.NominalBitrate.Position);
   record.MaxBitrate = kBitrates.Bitrate(controls_.MaxBitrate.Position);
   record.MinBitrate = kBitrates.Bitrate(controls_.MinBitrate.Position);
@@ -119,8 +117,7 @@ void OggOptions::cmdOK() {
   record.Quality =
       base::ToInt16(static_cast<double>(controls_.Quality) / kQualityUnit).value_or(record.Quality);
   record.VbrEnabled = controls_.chkVbr;
-  settings_.FormatOGG = record;
-  base::Ignored(config::SaveSettings(section_, settings_, config::FormatKeys("OGG")));
+  return settings_.ChangeFormat(wished, "OGG").Saved;
 }
 
 }  // namespace kestrune::presenters

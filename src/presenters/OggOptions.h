@@ -3,8 +3,7 @@
 #include <string>
 
 #include "config/formats/BitrateTable.h"
-#include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
+#include "config/settings/SettingsDoor.h"
 
 namespace kestrune::presenters {
 
@@ -37,7 +36,7 @@ struct OggControls {
 class OggOptions {
  public:
   /// The references must outlive this object.
-  OggOptions(config::Settings& settings, const config::SettingsSection& section);
+  explicit OggOptions(config::SettingsDoor& settings);
 
   [[nodiscard]] const OggControls& Controls() const { return controls_; }
   /// Copies the record of the running program.
@@ -49,15 +48,14 @@ class OggOptions {
   void Quality(int value);
   void chkVbr(bool checked);
   void chkQuality(bool checked);
-  /// Takes the choices over into the running program and saves the format's keys.
-  void cmdOK();
+  /// Takes the choices over into the running program and stores them. True if they were stored: the window closes.
+  [[nodiscard]] bool cmdOK();
 
  private:
   void ShowVbr();
   void ShowQuality();
 
-  config::Settings& settings_;
-  const config::SettingsSection& section_;
+  config::SettingsDoor& settings_;
   OggControls controls_;
 };
 

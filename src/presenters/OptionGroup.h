@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
 
 namespace kestrune::presenters {
 

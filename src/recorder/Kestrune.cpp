@@ -5,7 +5,6 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
-#include "config/settings/SettingKeys.h"
 #include "recorder/Explanation.h"
 #include "schedule/entries/ReloadSchedule.h"
 
@@ -47,14 +46,21 @@ Kestrune::Kestrune(const Outside& outside)
           {.Channels = channels_, .Capture = capture_, .Disposition = disposition_, .Display = display_},
           songFiles_, outside.Loop),
       commands_(state_, display_, session_, outside.Loop, *tmrUpdate_),
-      settingChanges_(state_.Settings, section_, [this] { commands_.cmdStop(); }),
+      settingsDoor_({.Settings = state_.Settings,
+                     .Section = section_,
+                     .Environment = outside.Environment,
+                     .Files = outside.Files,
+                     .Log = log_},
+                    {.StopRecording = [this] { commands_.StopRecording(); },
+                     .PrepareFormat = [this] { fileSpecs_.SetFileSpecs(-1); },
+                     .DeviceChanged = [this] { InputDeviceChanged(); }}),
       schedulePass_(state_, channels_, commands_, log_, outside.Loop, *tmrUpdate_),
       updateCycle_(state_,
                    {.Channels = channels_, .Boundary = boundary_, .Commands = commands_, .Display = display_},
                    outside.Loop, *tmrUpdate_),
       clock_(state_, restrictions_, outside.Windows, session_, outside.Loop),
-      options_(state_.Settings, section_, state_.Run, boxes_),
-      switches_(window_, outside.Windows, state_.Settings, section_, state_.Run),
+      options_(settingsDoor_, state_.Run, boxes_),
+      switches_(window_, outside.Windows, settingsDoor_, state_.Run),
       resize_(window_, outside.Windows, state_.Settings, state_.Run),
       presets_(channels_, outside.Sounds,
                {.Read = [this](std::string_view key) { return section_.Text(key, ""); },
@@ -124,18 +130,6 @@ void Kestrune::AudioRecord_Timer() {
                      audio_.File(state_.Recording.CaptureSlot)->FormatValues());
 }
 
-std::optional<std::string> Kestrune::ReadSetting(std::string_view key) const {
-  return settingChanges_.Get(key);
-}
-
-config::SettingOutcome Kestrune::ChangeSetting(std::string_view key, std::string_view value) {
-  const std::int16_t device = state_.Settings.InputDevice;
-  config::SettingOutcome outcome = settingChanges_.Set(key, value);
-  if (outcome.FormatChanged) fileSpecs_.SetFileSpecs(-1);
-  if (state_.Settings.InputDevice != device) InputDeviceChanged();
-  return outcome;
-}
-
 void Kestrune::ReloadSchedule() {
   schedule::ReloadSchedule(
       [this](std::string_view key, std::string_view defaultText) { return section_.Text(key, defaultText); },
@@ -158,10 +152,10 @@ std::shared_ptr<presenters::Scheduler> Kestrune::OpenScheduler() {
       .Dialogs = outside_.Dialogs,
       .Log = log_,
       .Editors = entryEditors_,
-      .Settings = {.Read = [this](std::string_view key,
-                                  std::string_view text) { return section_.Text(key, text); },
-                   .Save = [this](std::string_view key,
-                                  std::string_view text) { return section_.SaveText(key, text); }},
+      .Settings = {
+          .Read = [this](std::string_view key, std::string_view text) { return section_.Text(key, text); },
+          .Save = [this](std::string_view key,
+                         std::string_view text) { return section_.SaveText(key, text); }},
       .ReloadSchedule = [this] { ReloadSchedule(); }};
   return std::make_shared<presenters::Scheduler>(std::move(ports), SchedulerChannels());
 }
@@ -172,19 +166,17 @@ std::optional<std::string> Kestrune::ScheduledBitRate() const {
 }
 
 presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
-  return {.Settings = state_.Settings,
-          .Section = section_,
+  return {.Settings = settingsDoor_,
           .FileSpecs = fileSpecs_,
           .Dialogs = outside_.Dialogs,
           .Environment = outside_.Environment,
-          .Devices = [this] { return inputDevices_.Listed; },
-          .cmdStop = [this] { commands_.cmdStop(); },
-          .DeviceChanged = [this] { InputDeviceChanged(); }};
+          .Devices = [this] { return inputDevices_.Listed; }};
 }
 
 void Kestrune::KeepInputDeviceId() {
-  state_.Settings.InputDeviceId = inputDevices_.IdOf(state_.Settings.InputDevice);
-  base::Ignored(config::SaveSetting(section_, state_.Settings, "InputDeviceId"));
+  config::Settings wished = state_.Settings;
+  wished.InputDeviceId = inputDevices_.IdOf(wished.InputDevice);
+  base::Ignored(settingsDoor_.Change(wished, {"InputDeviceId"}));
 }
 
 void Kestrune::InputDeviceChanged() {

@@ -9,8 +9,8 @@
 #include "base/EventLoop.h"
 #include "base/RunState.h"
 #include "config/formats/FileSpecs.h"
-#include "config/settings/SettingChanges.h"
 #include "config/settings/Settings.h"
+#include "config/settings/SettingsDoor.h"
 #include "config/settings/SettingsSection.h"
 #include "presenters/ChannelChooser.h"
 #include "presenters/ConfigurationAccess.h"
@@ -151,9 +151,13 @@ class Kestrune final : private radio::ChannelEvents {
   /// The open editors of the schedule's entries.
   [[nodiscard]] schedule::EntryEditors& EntryEditors() { return entryEditors_; }
   /// A setting by its key; nothing if there is no such key.
-  [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const;
-  /// Changes one setting as a save of the configuration would, and lets it take effect.
-  config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value);
+  [[nodiscard]] std::optional<std::string> ReadSetting(std::string_view key) const {
+    return settingsDoor_.Get(key);
+  }
+  /// Changes one setting, stores it and lets it take effect.
+  config::SettingOutcome ChangeSetting(std::string_view key, std::string_view value) {
+    return settingsDoor_.Set(key, value);
+  }
   /// For the configuration window. What is built on it must not outlive this object.
   [[nodiscard]] presenters::ConfigurationAccess ConfigurationAccess();
 
@@ -249,7 +253,7 @@ class Kestrune final : private radio::ChannelEvents {
   Display display_;
   SongBoundary boundary_;
   RecordCommands commands_;
-  config::SettingChanges settingChanges_;
+  config::SettingsDoor settingsDoor_;
   SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;

@@ -1,8 +1,25 @@
 #include "recorder/OptionRules.h"
 
+#include <cstdint>
+
 #include "base/Ignored.h"
 
 namespace kestrune::recorder {
+namespace {
+
+constexpr std::int16_t CheckState(bool checked) {
+  return checked ? 1 : 0;
+}
+
+}  // namespace
+
+template <typename Value>
+void OptionRules::Change(Value config::Settings::*field, Value value, std::string_view key) {
+  config::Settings wished = settings_.Current();
+  wished.*field = value;
+  base::Ignored(settings_.Change(
+      wished, {key}, run_.FormLoading ? config::SettingLife::ThisRun : config::SettingLife::Stored));
+}
 
 void OptionRules::chkIntegrel_Click(bool checked) {
   if (run_.FormLoading) return;
@@ -18,34 +35,29 @@ void OptionRules::chkIntegrel_Click(bool checked) {
 }
 
 void OptionRules::TakeIntegrel(bool on) {
-  settings_.Integrel = on;
-  base::Ignored(section_.SaveBool("Integrel", on));
+  Change(&config::Settings::Integrel, on, "Integrel");
 }
 
 void OptionRules::chkRadioOnAtExit_Click(bool checked) {
   if (run_.FormLoading) return;
-  settings_.RadioOnAtExit = checked;
-  base::Ignored(section_.SaveBool("RadioOnAtExit", checked));
+  Change(&config::Settings::RadioOnAtExit, checked, "RadioOnAtExit");
 }
 
 void OptionRules::chkSievanceGrab_Click(bool checked) {
-  settings_.SievanceGrab = checked ? 1 : 0;
+  Change(&config::Settings::SievanceGrab, CheckState(checked), "SievanceGrab");
 }
 
 void OptionRules::chkSievanceKill_Click(bool checked) {
-  settings_.SievanceKill = checked ? 1 : 0;
+  Change(&config::Settings::SievanceKill, CheckState(checked), "SievanceKill");
 }
 
 void OptionRules::mnuCleftune_Click() {
-  settings_.Cleftune = !settings_.Cleftune;
-  if (!run_.FormLoading) base::Ignored(section_.SaveBool("Cleftune", settings_.Cleftune));
+  Change(&config::Settings::Cleftune, !settings_.Current().Cleftune, "Cleftune");
 }
 
 void OptionRules::mnuCheckUpdatesAtStartup_Click() {
-  settings_.CheckUpdatesAtStartup = !settings_.CheckUpdatesAtStartup;
-  if (!run_.FormLoading) {
-    base::Ignored(section_.SaveBool("CheckUpdatesAtStartup", settings_.CheckUpdatesAtStartup));
-  }
+  Change(&config::Settings::CheckUpdatesAtStartup, !settings_.Current().CheckUpdatesAtStartup,
+         "CheckUpdatesAtStartup");
 }
 
 }  // namespace kestrune::recorder

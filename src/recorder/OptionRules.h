@@ -1,8 +1,9 @@
 #pragma once
 
+#include <string_view>
+
 #include "base/RunState.h"
-#include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
+#include "config/settings/SettingsDoor.h"
 #include "recorder/Boxes.h"
 
 namespace kestrune::recorder {
@@ -13,9 +14,8 @@ namespace kestrune::recorder {
 class OptionRules {
  public:
   /// All must outlive the object.
-  OptionRules(config::Settings& settings, const config::SettingsSection& section, const base::RunState& run,
-              Boxes& boxes)
-      : settings_(settings), section_(section), run_(run), boxes_(boxes) {}
+  OptionRules(config::SettingsDoor& settings, const base::RunState& run, Boxes& boxes)
+      : settings_(settings), run_(run), boxes_(boxes) {}
 
   /// Asks before whole songs are given up; until the answer is Yes all stays as it was.
   void chkIntegrel_Click(bool checked);
@@ -27,9 +27,10 @@ class OptionRules {
 
  private:
   void TakeIntegrel(bool on);
+  template <typename Value>
+  void Change(Value config::Settings::*field, Value value, std::string_view key);
 
-  config::Settings& settings_;
-  const config::SettingsSection& section_;
+  config::SettingsDoor& settings_;
   const base::RunState& run_;
   Boxes& boxes_;
 };

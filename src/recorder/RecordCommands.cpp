@@ -67,6 +67,10 @@ void RecordCommands::cmdStop() {
   tmrUpdate_.SetEnabled(true);
 }
 
+void RecordCommands::StopRecording() {
+  if (state_.Recording.Phase != Phase::Idle) cmdStop();
+}
+
 void RecordCommands::TakeSession(base::DateValue start) {
   state_.Recording.RecordStartTime = start;
   state_.Recording.SessionStart = start;

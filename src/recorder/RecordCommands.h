@@ -19,6 +19,9 @@ class RecordCommands {
 
   void cmdRecord();
   void cmdStop();
+  /// Stops what is recorded or waited for; does nothing while the recorder is idle. It is for steps that no recording
+  /// may outlast: a stop while idle would save the song in hand, for which nobody asked.
+  void StopRecording();
 
  private:
   void TakeSession(base::DateValue start);

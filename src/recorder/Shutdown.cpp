@@ -86,10 +86,12 @@ void Kestrune::SaveAtExit() {
     base::Ignored(section_.SaveSingle("MainTop", window_.Top));
     base::Ignored(section_.SaveSingle("MainLeft", window_.Left));
   }
-  base::Ignored(section_.SaveInt16("Channel", state_.Radio.ChannelNumber));
-  base::Ignored(section_.SaveInt16("SievanceGrab", state_.Settings.SievanceGrab != 0 ? 1 : 0));
-  base::Ignored(section_.SaveInt16("SievanceKill", state_.Settings.SievanceKill != 0 ? 1 : 0));
-  base::Ignored(section_.SaveInt16("PortNum", state_.Settings.PortNum));
+  config::Settings last = state_.Settings;
+  last.Channel = state_.Radio.ChannelNumber;
+  last.SievanceGrab = last.SievanceGrab != 0 ? 1 : 0;
+  last.SievanceKill = last.SievanceKill != 0 ? 1 : 0;
+  base::Ignored(settingsDoor_.Change(last, {"Channel", "SievanceGrab", "SievanceKill"}));
+  base::Ignored(settingsDoor_.SaveAtExit());
 }
 
 void Kestrune::CloseSecondPass() {

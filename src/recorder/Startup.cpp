@@ -3,7 +3,6 @@
 
 #include "base/Ignored.h"
 #include "base/Version.h"
-#include "config/settings/SettingKeys.h"
 #include "config/settings/TransferSettings.h"
 #include "radio/line/SerMouseKill.h"
 #include "recorder/Closing.h"
@@ -110,7 +109,7 @@ void Kestrune::ReadCommandLine() {
 }
 
 void Kestrune::ReadSettings() {
-  config::LoadSettings(section_, outside_.Environment, state_.Settings);
+  settingsDoor_.Load();
   state_.Radio.ChannelNumber = state_.Settings.Channel;
 }
 
@@ -120,8 +119,9 @@ bool Kestrune::FindInputDevices() {
   const InputDevices& found = inputDevices_;
   inputDeviceName_ = found.Configured;
   if (found.Index != state_.Settings.InputDevice) {
-    state_.Settings.InputDevice = found.Index;
-    base::Ignored(config::SaveSetting(section_, state_.Settings, "InputDevice"));
+    config::Settings wished = state_.Settings;
+    wished.InputDevice = found.Index;
+    base::Ignored(settingsDoor_.Change(wished, {"InputDevice"}));
   }
   if (wanted.empty()) KeepInputDeviceId();
   if (!wanted.empty() && found.IdOf(found.Index) != wanted) {
@@ -142,8 +142,9 @@ bool Kestrune::FindInputDevices() {
 bool Kestrune::Agree() {
   if (state_.Settings.LegalAgreement) return true;
   if (!outside_.Dialogs.AskForAgreement()) return false;
-  state_.Settings.LegalAgreement = true;
-  base::Ignored(section_.SaveBool("LegalAgreement", true));
+  config::Settings agreed = state_.Settings;
+  agreed.LegalAgreement = true;
+  base::Ignored(settingsDoor_.Change(agreed, {"LegalAgreement"}));
   return true;
 }
 
@@ -168,7 +169,9 @@ void Kestrune::FailToStart(const std::string& title, const std::string& text) {
 }
 
 void Kestrune::ReadRadioID(std::int16_t port) {
-  state_.Settings.PortNum = port;
+  config::Settings wished = state_.Settings;
+  wished.PortNum = port;
+  base::Ignored(settingsDoor_.Change(wished, {"PortNum"}));
   outside_.Windows.ShowPort(state_.Settings.PortNum);
   log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();

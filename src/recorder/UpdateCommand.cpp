@@ -78,7 +78,7 @@ void UpdateCommand::TellLast(std::string title, std::string text, platform::Mess
 void UpdateCommand::Install(const std::string& downloadAddress) {
   if (run_.ShuttingDown) return;
   busy_ = true;
-  commands_.cmdStop();
+  commands_.StopRecording();
   errand_.Start([this, downloadAddress] { DownloadAndRun(downloadAddress); });
 }
 

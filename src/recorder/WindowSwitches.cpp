@@ -18,8 +18,9 @@ void WindowSwitches::Click(WindowName name, bool checked) {
   window_.*row.Checked = checked;
   Follow(name, checked);
   if (row.Setting == nullptr) return;
-  settings_.*row.Setting = checked ? 1 : 0;
-  base::Ignored(section_.SaveInt16(row.SettingKey, settings_.*row.Setting));
+  config::Settings wished = settings_.Current();
+  wished.*row.Setting = checked ? 1 : 0;
+  base::Ignored(settings_.Change(wished, {row.SettingKey}));
 }
 
 void WindowSwitches::cmdMixer_Click() {
@@ -30,7 +31,7 @@ void WindowSwitches::cmdMixer_Click() {
 void WindowSwitches::ShowRemembered() {
   // A box that stays as it is has no click.
   for (const WindowRow& row : WindowTable()) {
-    if (row.Setting != nullptr && settings_.*row.Setting != 0) Click(row.Name, true);
+    if (row.Setting != nullptr && settings_.Current().*row.Setting != 0) Click(row.Name, true);
   }
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "base/RunState.h"
-#include "config/settings/Settings.h"
-#include "config/settings/SettingsSection.h"
+#include "config/settings/SettingsDoor.h"
 #include "recorder/MainWindow.h"
 #include "recorder/WindowTable.h"
 #include "recorder/Windows.h"
@@ -15,9 +14,9 @@ namespace kestrune::recorder {
 class WindowSwitches {
  public:
   /// All must outlive the object.
-  WindowSwitches(MainWindow& window, Windows& windows, config::Settings& settings,
-                 const config::SettingsSection& section, const base::RunState& run)
-      : window_(window), windows_(windows), settings_(settings), section_(section), run_(run) {}
+  WindowSwitches(MainWindow& window, Windows& windows, config::SettingsDoor& settings,
+                 const base::RunState& run)
+      : window_(window), windows_(windows), settings_(settings), run_(run) {}
 
   /// The user, or a window that closes, has set the window's box.
   void Click(WindowName name, bool checked);
@@ -33,8 +32,7 @@ class WindowSwitches {
 
   MainWindow& window_;
   Windows& windows_;
-  config::Settings& settings_;
-  const config::SettingsSection& section_;
+  config::SettingsDoor& settings_;
   const base::RunState& run_;
 };
 

@@ -69,8 +69,7 @@ void OptionButtons::Refresh() {
 }
 
 bool OptionButtons::cmdOK() {
-  options_.cmdOK();
-  return true;
+  return options_.cmdOK();
 }
 
 }  // namespace kestrune::windows

@@ -277,8 +277,7 @@ void frmConfig::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) AlignLabels();
 }
 
-void frmConfig::Load() {
-  configuration_.Load();
+void frmConfig::Place() {
   Refresh();
   MoveToConfigPlace(*this, configuration_.Section());
   cboMinLength_->setFocus();
@@ -286,7 +285,8 @@ void frmConfig::Load() {
 
 void frmConfig::ShowModeless() {
   if (!isVisible()) {
-    Load();
+    configuration_.Load();
+    Place();
     show();
   }
   raise();
@@ -295,13 +295,15 @@ void frmConfig::ShowModeless() {
 
 void frmConfig::ShowFirst() {
   if (isVisible()) return;
-  Load();
+  configuration_.LoadFirst();
+  Place();
   cmdCancel_->hide();
   exec();
   cmdCancel_->show();
 }
 
 void frmConfig::Refresh() {
+  configuration_.Follow();
   const presenters::ConfigurationControls& controls = configuration_.Controls();
   ShowChoices(*cboMinLength_, controls.cboMinLength);
   ShowChoices(*cboMaxLength_, controls.cboMaxLength);

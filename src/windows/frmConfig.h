@@ -32,7 +32,7 @@ class frmConfig final : public QDialog {
   void ShowModeless();
   /// The first run: modal, and without its cancel. Returns once it has closed.
   void ShowFirst();
-  /// Shows the rules' record.
+  /// Shows the rules' record, and with it what has been changed elsewhere.
   void Refresh();
 
   /// Escape: the same as the cancel button, and nothing while that is hidden.
@@ -77,7 +77,7 @@ class frmConfig final : public QDialog {
   void cmdSave();
   void cmdCancel();
 
-  void Load();
+  void Place();
   void OpenModal(QDialog& window, const std::function<void()>& closed);
   void FocusFieldToMend();
   void SavePlace();

@@ -364,6 +364,7 @@ void frmFormatMP3::Refresh() {
 bool frmFormatMP3::cmdOK() {
   if (options_.cmdOK()) return true;
   Refresh();
+  if (options_.FieldToMend().empty()) return false;
   auto* field = findChild<QLineEdit*>(ToQt(options_.FieldToMend()));
   for (int page = 0; page < tabMP3_->count(); ++page) {
     if (tabMP3_->widget(page)->isAncestorOf(field)) tabMP3_->setCurrentIndex(page);

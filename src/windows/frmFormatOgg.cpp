@@ -151,8 +151,7 @@ void frmFormatOgg::Refresh() {
 }
 
 bool frmFormatOgg::cmdOK() {
-  options_.cmdOK();
-  return true;
+  return options_.cmdOK();
 }
 
 }  // namespace kestrune::windows

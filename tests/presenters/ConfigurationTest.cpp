@@ -1,4 +1,7 @@
+#include <algorithm>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -10,7 +13,9 @@ namespace kestrune::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 class ConfigurationTest : public ::testing::Test {
  protected:
@@ -84,6 +89,8 @@ TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromI
     rig_.Settings.MinSongLength = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboMinLength.Text(), row.Text);
+    ChooseMin(row.Text);
+    rig_.Settings.MinSongLength = 47;
     ASSERT_TRUE(window_.cmdSave());
     EXPECT_EQ(rig_.Settings.MinSongLength, row.Value);
   }
@@ -92,6 +99,8 @@ TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromI
     rig_.Settings.MaxSongLength = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboMaxLength.Text(), row.Text);
+    ChooseMax(row.Text);
+    rig_.Settings.MaxSongLength = 47;
     ASSERT_TRUE(window_.cmdSave());
     EXPECT_EQ(rig_.Settings.MaxSongLength, row.Value);
   }
@@ -99,6 +108,8 @@ TEST_F(ConfigurationTest, EveryRowOfEveryListIsSelectedByItsSettingAndSavedFromI
     rig_.Settings.SongDelay = static_cast<std::int16_t>(row.Value);
     window_.Load();
     EXPECT_EQ(Shown().cboSongDelay.Text(), row.Text);
+    window_.cboSongDelay(Shown().cboSongDelay.Row);
+    rig_.Settings.SongDelay = 47;
     ASSERT_TRUE(window_.cmdSave());
     EXPECT_EQ(rig_.Settings.SongDelay, row.Value);
   }
@@ -131,7 +142,7 @@ TEST_F(ConfigurationTest, LoadPreparesTheIdleSlotAndShowsItsDescription) {
   window_.Load();
   EXPECT_THAT(rig_.Idle.Calls, ElementsAre("SetFormatWAV 44100 2 16"));
   EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 16");
-  EXPECT_EQ(rig_.Stops, 0);
+  EXPECT_EQ(rig_.Stops(), 0);
 }
 
 TEST_F(ConfigurationTest, TheDevicesComeWithTheirIndexes) {
@@ -202,15 +213,15 @@ TEST_F(ConfigurationTest, AFormatTakesEffectWhenItIsChosenAndIsStoredOnlyBySavin
   window_.Load();
   ChooseFormat("VOX");
   EXPECT_EQ(rig_.Settings.FileFormat, "VOX");
-  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(rig_.Stops(), 1);
   EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatVOX 44100");
   EXPECT_TRUE(window_.Dirty());
   EXPECT_THAT(rig_.Saves(), IsEmpty()) << "a cancel now leaves the stored key as it was";
   ChooseFormat("VOX");
-  EXPECT_EQ(rig_.Stops, 1) << "the same format stops nothing";
+  EXPECT_EQ(rig_.Stops(), 1) << "the same format stops nothing";
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "FileFormat"), "VOX");
-  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(rig_.Stops(), 1);
 }
 
 TEST_F(ConfigurationTest, TheIdleSlotIsTheOneThatIsNotWritten) {
@@ -270,7 +281,7 @@ TEST_F(ConfigurationTest, DefaultsSetTheControlsTold) {
   EXPECT_TRUE(Shown().chkTaskBarMinimized);
   EXPECT_TRUE(window_.Dirty());
   EXPECT_EQ(rig_.Settings.FileFormat, "MP3") << "setting the list is choosing in it";
-  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(rig_.Stops(), 1);
   EXPECT_EQ(rig_.Idle.Calls.back(), "SetFormatMP3 44100 2 64");
   // And these stay.
   EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
@@ -313,7 +324,6 @@ TEST_F(ConfigurationTest, AMinimumThatIsNotOnTheListSelectsNothingAndIsKept) {
   EXPECT_EQ(Shown().cboMinLength.Text(), "");
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_EQ(rig_.Settings.MinSongLength, 47);
-  EXPECT_EQ(rig_.Store.Stored("Lorimel", "Kestrune", "MinSongLength"), "47");
 }
 
 TEST_F(ConfigurationTest, AFilenameFormatIsCleanedInTheBoxAndSaved) {
@@ -347,7 +357,7 @@ TEST_F(ConfigurationTest, AFormatThatIsNotOnTheListSelectsNothingAndIsKept) {
   EXPECT_EQ(Shown().cboFileFormat.Row, -1);
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_EQ(rig_.Settings.FileFormat, "mp3");
-  EXPECT_EQ(rig_.Stops, 0);
+  EXPECT_EQ(rig_.Stops(), 0);
 }
 
 TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
@@ -386,21 +396,181 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
   EXPECT_FALSE(window_.Dirty());
-  EXPECT_EQ(rig_.DeviceChanges, 1);
+  EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 1);
 }
 
 TEST_F(ConfigurationTest, ASaveThatKeepsTheDeviceAsksForNoOther) {
   window_.Load();
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.DeviceChanges, 0);
+  EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 0);
 }
 
-TEST_F(ConfigurationTest, AStoreThatCannotBeWrittenKeepsTheRunningProgramsValues) {
+TEST_F(ConfigurationTest, AStoreThatCannotBeWrittenKeepsTheWindowOpenAndIsLogged) {
   window_.Load();
   rig_.Store.FailWrites = true;
   ChooseMin("20 Sec");
+  EXPECT_FALSE(window_.cmdSave());
+  EXPECT_EQ(window_.FieldToMend(), "");
+  EXPECT_EQ(rig_.Settings.MinSongLength, 20) << "the running program has the new value";
+  EXPECT_THAT(rig_.Journal.Log, ElementsAre("The settings could not be saved"));
+  ASSERT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Text, "The settings could not be saved.");
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_FALSE(window_.CloseBox());
+
+  rig_.Store.FailWrites = false;
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Stored("MinSongLength"), "20");
+}
+
+TEST_F(ConfigurationTest, ASaveChangesAndStoresOnlyWhatTheUserTouched) {
+  window_.Load();
+  ChooseMin("20 Sec");
+  rig_.Settings.MaxSongLength = 600;
+  rig_.Settings.FileDir = "/elsewhere/";
+  rig_.Settings.SaveDuplicates = false;
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_THAT(rig_.Saves(), ElementsAre("MinSongLength=20", "FileFormat=MP3"));
+  EXPECT_EQ(rig_.Settings.MaxSongLength, 600);
+  EXPECT_EQ(rig_.Settings.FileDir, "/elsewhere/");
+  EXPECT_FALSE(rig_.Settings.SaveDuplicates);
+}
+
+TEST_F(ConfigurationTest, ADelayThatBecameUnlistedWhileTheWindowWasOpenIsKept) {
+  window_.Load();
+  rig_.Settings.SongDelay = 650;
+  window_.Follow();
+  EXPECT_EQ(Shown().cboSongDelay.Row, -1);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.SongDelay, 650);
+
+  window_.Load();
+  rig_.Settings.SongDelay = 670;
+  window_.Follow();
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Settings.SongDelay, 670) << "off its list at Load, but changed since";
+}
+
+TEST_F(ConfigurationTest, UntouchedControlsFollowWhatIsChangedElsewhere) {
+  window_.Load();
+  window_.txtFileDir("/mine");
+  ChooseMin("20 Sec");
+  rig_.Settings.MinSongLength = 60;
+  rig_.Settings.MaxSongLength = 900;
+  rig_.Settings.FileDir = "/theirs/";
+  rig_.Settings.FilenameFormat = "%a";
+  rig_.Settings.AGCEnabled = true;
+  rig_.Settings.AGCLowLevel = -60;
+  EXPECT_TRUE(rig_.Door.Set("FileFormat", "WAV").Done());
+  window_.Follow();
+  EXPECT_EQ(Shown().cboMinLength.Text(), "20 Sec");
+  EXPECT_EQ(Shown().txtFileDir, "/mine");
+  EXPECT_EQ(Shown().cboMaxLength.Text(), "15.0 Min");
+  EXPECT_EQ(Shown().txtFilenameFormat, "%a");
+  EXPECT_TRUE(Shown().AGCSpinsVisible);
+  EXPECT_EQ(Shown().txtAGCLowLevel, "-60");
+  EXPECT_EQ(Shown().cboFileFormat.Text(), "WAV");
+  EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 16");
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_EQ(rig_.Settings.MinSongLength, 20);
+  EXPECT_EQ(rig_.Settings.FileDir, "/mine/");
+  EXPECT_EQ(rig_.Settings.FilenameFormat, "%a");
+}
+
+TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
+  using presenters::Configuration;
+  const std::vector<std::pair<std::string, std::function<void(Configuration&)>>> touches{
+      {"MinSongLength=0", [](Configuration& window) { window.cboMinLength(0); }},
+      {"MaxSongLength=60", [](Configuration& window) { window.cboMaxLength(2); }},
+      {"SongDelay=0", [](Configuration& window) { window.cboSongDelay(0); }},
+      {"FileDir=/data/", [](Configuration& window) { window.txtFileDir("/data"); }},
+      {"FileDir=/data/", [](Configuration& window) { window.FolderChosen("/data"); }},
+      {"FilenameFormat=%s", [](Configuration& window) { window.txtFilenameFormat("%s"); }},
+      {"FilenameFormat=%a - %s", [](Configuration& window) { window.FilenameFormats().cmdSelect(0); }},
+      {"AGCEnabled=True", [](Configuration& window) { window.chkAGCEnabled(true); }},
+      {"AGCLowLevel=-1", [](Configuration& window) { window.txtAGCLowLevel("-1"); }},
+      {"AGCLowLevel=-9", [](Configuration& window) { window.StepAGCLowLevel(1); }},
+      {"AGCHighLevel=-2", [](Configuration& window) { window.txtAGCHighLevel("-2"); }},
+      {"AGCHighLevel=-41", [](Configuration& window) { window.StepAGCHighLevel(-1); }},
+      {"AGCAttackTime=60", [](Configuration& window) { window.txtAGCAttackTime("60"); }},
+      {"AGCAttackTime=50", [](Configuration& window) { window.StepAGCAttackTime(1); }},
+      {"InputDevice=3", [](Configuration& window) { window.cboDevice(1); }},
+      {"SaveDuplicates=False", [](Configuration& window) { window.chkDuplicates(false); }},
+      {"TaskBarMinimized=False", [](Configuration& window) { window.chkTaskBarMinimized(false); }},
+  };
+  for (const auto& [saved, touch] : touches) {
+    ConfigurationRig rig;
+    rig.Settings.FileDir = "/music/";
+    rig.Window.Load();
+    touch(rig.Window);
+    EXPECT_TRUE(rig.Window.cmdSave());
+    EXPECT_THAT(rig.Saves(), UnorderedElementsAre(saved, "FileFormat=MP3"));
+  }
+}
+
+TEST_F(ConfigurationTest, AfterDefaultSettingsEveryFieldIsSaved) {
+  window_.Load();
+  window_.cmdDefault();
+  rig_.Settings.TaskBarMinimized = false;
+  rig_.Settings.FileDir = "/elsewhere/";
+  window_.Follow();
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Saves().size(), 13U);
+  EXPECT_TRUE(rig_.Settings.TaskBarMinimized);
+  EXPECT_EQ(rig_.Settings.FileDir, "/music/") << "as it was shown";
+}
+
+TEST_F(ConfigurationTest, TheFirstConfigurationStoresEverySettingOfTheWindow) {
+  window_.LoadFirst();
+  rig_.Settings.MinSongLength = 60;
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Saves().size(), 13U);
+  EXPECT_EQ(rig_.Stored("MinSongLength"), "60") << "what nobody touched is stored as it is";
+}
+
+TEST_F(ConfigurationTest, AFormatWhoseChoiceWasCancelledIsStoredByTheNextSave) {
+  window_.Load();
+  ChooseFormat("VOX");
+  window_.Load();
+  EXPECT_EQ(rig_.Stored("FileFormat"), "(absent)");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Stored("FileFormat"), "VOX");
+}
+
+TEST_F(ConfigurationTest, AnEmptyOrRelativeFolderIsRefusedWithAMessage) {
+  for (const char* folder : {"", " ", "Music", "./songs"}) {
+    rig_.Dialogs.Shown.clear();
+    window_.Load();
+    ChooseMin("20 Sec");
+    window_.txtFileDir(folder);
+    EXPECT_FALSE(window_.cmdSave()) << folder;
+    EXPECT_EQ(window_.FieldToMend(), "txtFileDir");
+    ASSERT_EQ(rig_.Dialogs.Shown.size(), 1U);
+    EXPECT_THAT(rig_.Dialogs.Shown[0].Text, HasSubstr(std::string("\"") + folder + "\" is "));
+    EXPECT_EQ(rig_.Settings.FileDir, "/music/");
+    EXPECT_EQ(rig_.Settings.MinSongLength, 45);
+    EXPECT_THAT(rig_.Saves(), IsEmpty());
+  }
+  rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+  EXPECT_FALSE(window_.CloseBox()) << "the text is to be mended first";
+}
+
+TEST_F(ConfigurationTest, ATildeStandsForTheHomeFolder) {
+  window_.Load();
+  window_.txtFileDir("~/Music");
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Stored("FileDir"), "/home/user/Music/");
+}
+
+TEST_F(ConfigurationTest, AFolderThatCannotBeWrittenToIsSavedWithAMessage) {
+  rig_.Files.MakeFolders("/mnt/archive");
+  rig_.Files.MakeUnwritable("/mnt/archive");
+  window_.Load();
+  window_.txtFileDir("/mnt/archive");
+  EXPECT_TRUE(window_.cmdSave());
+  ASSERT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig_.Dialogs.Shown[0].Text, "Nothing can be recorded to /mnt/archive/: Permission denied");
+  EXPECT_EQ(rig_.Stored("FileDir"), "/mnt/archive/");
 }
 
 TEST_F(ConfigurationTest, AGainTextThatIsNoNumberKeepsTheWindowOpenAndSavesNothing) {
@@ -507,20 +677,21 @@ TEST_F(ConfigurationTest, AfterAnOptionWindowTheIdleSlotIsPreparedWithWhatItSave
   window_.Load();
   window_.Buttons("WAV")->Load();
   window_.Buttons("WAV")->Choose(1, 1);
-  window_.Buttons("WAV")->cmdOK();
+  EXPECT_TRUE(window_.Buttons("WAV")->cmdOK());
   window_.FormatOptionsClosed();
   EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatWAV 44100 2 8");
-  EXPECT_EQ(rig_.Stops, 0);
+  EXPECT_EQ(rig_.Stops(), 0);
   EXPECT_FALSE(window_.Dirty());
 }
 
-TEST_F(ConfigurationTest, AnOptionWindowPutsTheShownFormatBackIfItWasChangedElsewhere) {
+TEST_F(ConfigurationTest, AnOptionWindowDoesNotPutBackAFormatThatWasChangedElsewhere) {
   rig_.Settings.FileFormat = "WAV";
   window_.Load();
   rig_.Settings.FileFormat = "VOX";
   window_.FormatOptionsClosed();
-  EXPECT_EQ(rig_.Settings.FileFormat, "WAV");
-  EXPECT_EQ(rig_.Stops, 1);
+  EXPECT_EQ(rig_.Settings.FileFormat, "VOX");
+  EXPECT_EQ(rig_.Stops(), 0);
+  EXPECT_EQ(Shown().lblFormatSpecifications, "SetFormatVOX 44100");
 }
 
 TEST_F(ConfigurationTest, AReadyMadeFilenameFormatIsNoChangeAndSavesNothing) {

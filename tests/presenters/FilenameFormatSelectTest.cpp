@@ -13,7 +13,7 @@ namespace {
 class FilenameFormatSelectTest : public ::testing::Test {
  protected:
   std::string text_;
-  presenters::FilenameFormatSelect select_{text_};
+  presenters::FilenameFormatSelect select_{text_, [this](std::string_view text) { text_ = text; }};
 };
 
 TEST_F(FilenameFormatSelectTest, TheEightRowsReadAsTold) {

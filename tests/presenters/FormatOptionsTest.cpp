@@ -129,16 +129,16 @@ TEST_F(FormatOptionsTest, TheButtonsOfG726) {
 TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
   for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
     const std::string_view format = design.FileFormat;
-    presenters::FormatOptions options(design, rig_.Settings, rig_.Section);
+    presenters::FormatOptions options(design, rig_.Door);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
       for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
         options.Load();
         options.Choose(group, button);
         EXPECT_EQ(options.On(group), static_cast<int>(button));
-        options.cmdOK();
+        EXPECT_TRUE(options.cmdOK());
         EXPECT_EQ(groups[group].Read(rig_.Settings), groups[group].Buttons[button].Value);
-        presenters::FormatOptions next(design, rig_.Settings, rig_.Section);
+        presenters::FormatOptions next(design, rig_.Door);
         EXPECT_EQ(next.On(group), static_cast<int>(button)) << format;
       }
     }
@@ -147,12 +147,12 @@ TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
 
 TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
   for (const std::string_view format : {"RAW", "VOX", "WAV", "G726"}) {
-    presenters::FormatOptions options(*presenters::FindOptionWindow(format), rig_.Settings, rig_.Section);
+    presenters::FormatOptions options(*presenters::FindOptionWindow(format), rig_.Door);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
       for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
         options.Choose(group, button);
-        options.cmdOK();
+        EXPECT_TRUE(options.cmdOK());
         const config::Settings& now = rig_.Settings;
         const std::string wanted =
             format == "RAW"   ? fmt::format("SetFormatRAW {} {} {} 16", now.FormatRAW.Compression,
@@ -184,36 +184,36 @@ TEST_F(FormatOptionsTest, TheKeysAreSavedInTheirOrder) {
   };
   for (const Row& row : rows) {
     rig_.Store.Calls.clear();
-    presenters::FormatOptions options(*presenters::FindOptionWindow(row.Format), rig_.Settings, rig_.Section);
+    presenters::FormatOptions options(*presenters::FindOptionWindow(row.Format), rig_.Door);
     for (std::size_t group = 0; group < options.Design().Groups.size(); ++group) options.Choose(group, 0);
     if (row.Format == "RAW") options.Choose(1, 1);
-    options.cmdOK();
+    EXPECT_TRUE(options.cmdOK());
     EXPECT_EQ(rig_.Saves(), row.Saves);
   }
 }
 
 TEST_F(FormatOptionsTest, AWavRateThatIsNotOfferedSetsNoButtonAndStays) {
   rig_.Settings.FormatWAV.Frequency = 12000;
-  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Door);
   EXPECT_EQ(options.On(2), -1);
   options.Choose(0, 1);
-  options.cmdOK();
+  EXPECT_TRUE(options.cmdOK());
   EXPECT_EQ(rig_.Settings.FormatWAV.Frequency, 12000);
   EXPECT_EQ(rig_.Settings.FormatWAV.Channels, 1);
 }
 
 TEST_F(FormatOptionsTest, TheDefaultCompressionSetsNoButtonAndStaysUntilChosen) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), rig_.Door);
   EXPECT_EQ(options.On(0), -1);
-  options.cmdOK();
+  EXPECT_TRUE(options.cmdOK());
   EXPECT_EQ(rig_.Settings.FormatRAW.Compression, 0);
   options.Choose(0, 2);
-  options.cmdOK();
+  EXPECT_TRUE(options.cmdOK());
   EXPECT_EQ(rig_.Settings.FormatRAW.Compression, 1);
 }
 
 TEST_F(FormatOptionsTest, ACancelKeepsNothing) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Settings, rig_.Section);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), rig_.Door);
   options.Choose(0, 1);
   options.Load();
   EXPECT_EQ(options.On(0), 0);

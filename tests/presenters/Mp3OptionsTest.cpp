@@ -32,7 +32,7 @@ class Mp3OptionsTest : public ::testing::Test {
   }
 
   ConfigurationRig rig_;
-  Mp3Options options_{rig_.Settings, rig_.Section};
+  Mp3Options options_{rig_.Door};
   config::FormatMP3& record_ = rig_.Settings.FormatMP3;
 };
 

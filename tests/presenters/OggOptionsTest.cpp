@@ -24,7 +24,7 @@ class OggOptionsTest : public ::testing::Test {
   [[nodiscard]] const presenters::OggControls& Shown() const { return options_.Controls(); }
 
   ConfigurationRig rig_;
-  presenters::OggOptions options_{rig_.Settings, rig_.Section};
+  presenters::OggOptions options_{rig_.Door};
   config::FormatOGG& record_ = rig_.Settings.FormatOGG;
 };
 
@@ -62,7 +62,7 @@ TEST_F(OggOptionsTest, ABitrateThatIsNotOnTheTableShowsBelowTheSlidersLeast) {
   options_.Load();
   EXPECT_EQ(Shown().NominalBitrate.Position, 0);
   EXPECT_EQ(Shown().NominalBitrate.Label, "Current nominal bitrate: 96 kbit");
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_EQ(record_.Bitrate, 0);
 }
 
@@ -78,23 +78,23 @@ TEST_F(OggOptionsTest, EveryPositionOfEverySliderReachesTheEncoder) {
     EXPECT_EQ(Shown().MinBitrate.Label, "Current min bitrate: " + mirrored + " kbit");
     EXPECT_EQ(Shown().MaxBitrate.Label, "Current max bitrate: " + kbit + " kbit");
     EXPECT_EQ(Shown().MinBitrate.Tip, mirrored);
-    options_.cmdOK();
+    EXPECT_TRUE(options_.cmdOK());
     EXPECT_EQ(Prepared(), fmt::format("SetFormatOgg 44100 2 {0} {1} {0} -1", kbit, mirrored))
         << "the minimum is not held below the maximum";
   }
   options_.chkVbr(false);
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 320 0 0 -1");
 }
 
 TEST_F(OggOptionsTest, TheQualityOpensAsStoredAndIsSavedDividedByAHundred) {
   EXPECT_EQ(Shown().Quality, 4);
   options_.chkQuality(true);
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_EQ(record_.Quality, 0) << "OK without moving it";
   options_.Quality(400);
   EXPECT_EQ(Shown().QualityTip, "4");
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_EQ(record_.Quality, 4);
   EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 128 0 0 4");
 }
@@ -104,7 +104,7 @@ TEST_F(OggOptionsTest, TheQualityRoundsHalvesToEven) {
                                                        {150, 2}, {450, 4}, {550, 6}, {999, 10}, {1000, 10}};
   for (const auto& [value, quality] : rows) {
     options_.Quality(value);
-    options_.cmdOK();
+    EXPECT_TRUE(options_.cmdOK());
     EXPECT_EQ(record_.Quality, quality) << value;
   }
 }
@@ -171,7 +171,7 @@ TEST_F(OggOptionsTest, WithBothBoxesOnQualityWins) {
   options_.chkVbr(true);
   options_.chkQuality(true);
   options_.Quality(700);
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_TRUE(record_.VbrEnabled);
   EXPECT_TRUE(record_.QualityEnabled);
   EXPECT_EQ(Prepared(), "SetFormatOgg 44100 2 128 0 0 7");
@@ -186,7 +186,7 @@ TEST_F(OggOptionsTest, TheKeysAreSavedInTheirOrder) {
   options_.MaxBitrate(3);
   options_.Quality(800);
   options_.chkVbr(true);
-  options_.cmdOK();
+  EXPECT_TRUE(options_.cmdOK());
   EXPECT_THAT(rig_.Saves(), ElementsAre("OGG_Bitrate=112", "OGG_MaxBitrate=160", "OGG_MinBitrate=128",
                                         "OGG_Quality=8", "OGG_QualityEnabled=False", "OGG_VbrEnabled=True"));
 }

@@ -133,7 +133,7 @@ TEST_F(ConfigureWhileRecording, OptionsOfTheFormatHoldForTheNextCapture) {
   Begin();
   window->Buttons("WAV")->Load();
   window->Buttons("WAV")->Choose(1, 1);
-  window->Buttons("WAV")->cmdOK();
+  EXPECT_TRUE(window->Buttons("WAV")->cmdOK());
   window->FormatOptionsClosed();
   EXPECT_EQ(Status(), "Recording");
   const std::size_t idle = static_cast<std::size_t>(1 - State().CaptureSlot);

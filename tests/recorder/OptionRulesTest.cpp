@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "recorder/OptionRules.h"
-#include "support/MemorySettingsStore.h"
 #include "support/ScriptedDialogs.h"
+#include "support/SettingsRig.h"
 #include "support/SimulatedEventLoop.h"
 
 namespace kestrune::test {
@@ -22,15 +22,15 @@ class OptionRulesTest : public ::testing::Test {
     return store.Stored("Lorimel", "Kestrune", key);
   }
 
-  config::Settings settings;
-  MemorySettingsStore store;
-  config::SettingsSection section{store};
+  SettingsRig rig;
+  config::Settings& settings = rig.Settings;
+  MemorySettingsStore& store = rig.Store;
   base::RunState run;
   ScriptedDialogs dialogs;
   SimulatedEventLoop loop;
   recorder::Door door{loop};
   recorder::Boxes boxes{dialogs, door};
-  recorder::OptionRules rules{settings, section, run, boxes};
+  recorder::OptionRules rules{rig.Door, run, boxes};
 };
 
 TEST_F(OptionRulesTest, UncheckingIntegrelAsksFirst) {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "recorder/WindowSwitches.h"
-#include "support/MemorySettingsStore.h"
+#include "support/SettingsRig.h"
 #include "support/ToldWindows.h"
 
 namespace kestrune::test {
@@ -22,11 +22,11 @@ class WindowSwitchesTest : public ::testing::Test {
 
   MainWindow window;
   ToldWindows windows;
-  config::Settings settings;
-  MemorySettingsStore store;
-  config::SettingsSection section{store};
+  SettingsRig rig;
+  config::Settings& settings = rig.Settings;
+  MemorySettingsStore& store = rig.Store;
   base::RunState run;
-  WindowSwitches switches{window, windows, settings, section, run};
+  WindowSwitches switches{window, windows, rig.Door, run};
 };
 
 struct Switch {

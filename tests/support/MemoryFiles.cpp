@@ -102,6 +102,13 @@ bool MemoryFiles::Exists(std::string_view path) const {
   return files_.contains(clean) || folders_.contains(clean);
 }
 
+base::Result MemoryFiles::CheckWritable(std::string_view folder) const {
+  std::string nearest = Clean(folder);
+  while (!Exists(nearest) && !nearest.empty()) nearest = Parent(nearest);
+  if (!folders_.contains(nearest)) return base::Result::Failed("Not a directory");
+  return unwritable_.contains(nearest) ? base::Result::Failed("Permission denied") : base::Result::Done();
+}
+
 base::Result MemoryFiles::CreateFolder(std::string_view path) {
   Calls.push_back(fmt::format("CreateFolder {}", path));
   const std::string clean = Clean(path);

@@ -37,6 +37,7 @@ enum class FileOperation {
 class MemoryFiles final : public platform::Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
+  [[nodiscard]] base::Result CheckWritable(std::string_view folder) const override;
   [[nodiscard]] base::Result CreateFolder(std::string_view path) override;
   [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   /// Named "private" and a number that counts up.

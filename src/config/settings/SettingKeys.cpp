@@ -45,7 +45,7 @@ struct FieldText<std::string> {
   static std::optional<std::string> Parse(std::string_view text) { return std::string(text); }
 };
 
-/// The field at the end of a way of members.
+/// The field that the members lead to, one inside the other.
 template <auto... Members>
 auto& At(auto& settings) {
   // clang-format off
@@ -53,7 +53,7 @@ auto& At(auto& settings) {
   // clang-format on
 }
 
-/// A row of the table: the key and the way to its field.
+/// A row of the table: the key and the members that lead to its field.
 template <auto... Members>
 constexpr SettingKey Row(std::string_view key) {
   using Field = std::remove_cvref_t<decltype(At<Members...>(std::declval<Settings&>()))>;
@@ -63,83 +63,92 @@ constexpr SettingKey Row(std::string_view key) {
             const std::optional<Field> value = FieldText<Field>::Parse(text);
             if (value) At<Members...>(settings) = *value;
             return value.has_value();
-          }};
+          },
+          [](Settings& to, const Settings& from) { At<Members...>(to) = At<Members...>(from); }};
+}
+
+/// A row for a field of a format record.
+template <auto... Members>
+constexpr SettingKey Record(std::string_view key) {
+  return Row<Members...>(key).With(SettingEffect::FormatRecord);
 }
 
 constexpr SettingKey kSettingKeys[] = {
-    Row<&Settings::Channel>("Channel"),
-    Row<&Settings::SievanceGrab>("SievanceGrab"),
-    Row<&Settings::SievanceKill>("SievanceKill"),
-    Row<&Settings::MinSongLength>("MinSongLength"),
-    Row<&Settings::MaxSongLength>("MaxSongLength"),
-    Row<&Settings::SongDelay>("SongDelay"),
-    Row<&Settings::FileDir>("FileDir"),
-    Row<&Settings::FileFormat>("FileFormat"),
+    Row<&Settings::Channel>("Channel").StoredAtExit().Following(
+        "it is the tuned channel, which the command tune changes"),
+    Row<&Settings::SievanceGrab>("SievanceGrab").CheckedBy(CheckSievanceGrab).StoredAtExit(),
+    Row<&Settings::SievanceKill>("SievanceKill").CheckedBy(CheckSievanceKill).StoredAtExit(),
+    Row<&Settings::MinSongLength>("MinSongLength").CheckedBy(CheckSongLengths),
+    Row<&Settings::MaxSongLength>("MaxSongLength").CheckedBy(CheckSongLengths),
+    Row<&Settings::SongDelay>("SongDelay").CheckedBy(CheckSongDelay),
+    Row<&Settings::FileDir>("FileDir").CheckedBy(CheckFileDir).With(SettingEffect::Folder),
+    Row<&Settings::FileFormat>("FileFormat").CheckedBy(CheckFileFormat).With(SettingEffect::FileFormat),
     Row<&Settings::RadioOnAtExit>("RadioOnAtExit"),
-    Row<&Settings::FilenameFormat>("FilenameFormat"),
+    Row<&Settings::FilenameFormat>("FilenameFormat").CheckedBy(CheckFilenameFormat),
     Row<&Settings::SaveDuplicates>("SaveDuplicates"),
     Row<&Settings::TaskBarMinimized>("TaskBarMinimized"),
     Row<&Settings::Integrel>("Integrel"),
-    Row<&Settings::InputDevice>("InputDevice"),
-    Row<&Settings::InputDeviceId>("InputDeviceId"),
+    Row<&Settings::InputDevice>("InputDevice").With(SettingEffect::InputDevice),
+    Row<&Settings::InputDeviceId>("InputDeviceId").Following("it follows InputDevice"),
     Row<&Settings::AGCEnabled>("AGCEnabled"),
     Row<&Settings::AGCLowLevel>("AGCLowLevel"),
     Row<&Settings::AGCHighLevel>("AGCHighLevel"),
     Row<&Settings::AGCAttackTime>("AGCAttackTime"),
-    Row<&Settings::PortNum>("PortNum"),
+    Row<&Settings::PortNum>("PortNum").StoredAtExit().Following(
+        "it is the port on which the radio was found, which the option /port changes"),
     Row<&Settings::Cleftune>("Cleftune"),
     Row<&Settings::CheckUpdatesAtStartup>("CheckUpdatesAtStartup"),
 
-    Row<&Settings::Format726, &Format726::Bits>("726_Bits"),
-    Row<&Settings::Format726, &Format726::Frequency>("726_Frequency"),
+    Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
+    Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),
 
-    Row<&Settings::FormatMP3, &FormatMP3::ATHControl>("MP3_ATHControl"),
-    Row<&Settings::FormatMP3, &FormatMP3::Bitrate>("MP3_Bitrate"),
+    Record<&Settings::FormatMP3, &FormatMP3::ATHControl>("MP3_ATHControl"),
+    Record<&Settings::FormatMP3, &FormatMP3::Bitrate>("MP3_Bitrate"),
     // The bit reservoir has always been stored under this bare prefix.
-    Row<&Settings::FormatMP3, &FormatMP3::BitReservoir>("MP3_"),
-    Row<&Settings::FormatMP3, &FormatMP3::Channels>("MP3_Channels"),
-    Row<&Settings::FormatMP3, &FormatMP3::ComplyISO>("MP3_ComplyISO"),
-    Row<&Settings::FormatMP3, &FormatMP3::DeEmphasis>("MP3_DeEmphasis"),
-    Row<&Settings::FormatMP3, &FormatMP3::DifferentBlockTypes>("MP3_DifferentBlockTypes"),
-    Row<&Settings::FormatMP3, &FormatMP3::Frequency>("MP3_Frequency"),
-    Row<&Settings::FormatMP3, &FormatMP3::HighPassFilter>("MP3_HighPassFilter"),
-    Row<&Settings::FormatMP3, &FormatMP3::HighPassFilterFreq>("MP3_HighPassFilterFreq"),
-    Row<&Settings::FormatMP3, &FormatMP3::HighPassFilterWidth>("MP3_HighPassFilterWidth"),
-    Row<&Settings::FormatMP3, &FormatMP3::IncludeCRC>("MP3_IncludeCRC"),
-    Row<&Settings::FormatMP3, &FormatMP3::LowPassFilter>("MP3_LowPassFilter"),
-    Row<&Settings::FormatMP3, &FormatMP3::LowPassFilterFreq>("MP3_LowPassFilterFreq"),
-    Row<&Settings::FormatMP3, &FormatMP3::LowPassFilterWidth>("MP3_LowPassFilterWidth"),
-    Row<&Settings::FormatMP3, &FormatMP3::Quality>("MP3_Quality"),
-    Row<&Settings::FormatMP3, &FormatMP3::ShortBlocks>("MP3_ShortBlocks"),
-    Row<&Settings::FormatMP3, &FormatMP3::TypeStereo>("MP3_TypeStereo"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBRCodingMethod>("MP3_VBRCodingMethod"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBREnforceMinBitRate>("MP3_VBREnforceMinBitRate"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBRHeader>("MP3_VBRHeader"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBRMaxBitrate>("MP3_VBRMaxBitrate"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBRQuality>("MP3_VBRQuality"),
-    Row<&Settings::FormatMP3, &FormatMP3::VBRTargetBitrate>("MP3_VBRTargetBitrate"),
+    Record<&Settings::FormatMP3, &FormatMP3::BitReservoir>("MP3_"),
+    Record<&Settings::FormatMP3, &FormatMP3::Channels>("MP3_Channels"),
+    Record<&Settings::FormatMP3, &FormatMP3::ComplyISO>("MP3_ComplyISO"),
+    Record<&Settings::FormatMP3, &FormatMP3::DeEmphasis>("MP3_DeEmphasis"),
+    Record<&Settings::FormatMP3, &FormatMP3::DifferentBlockTypes>("MP3_DifferentBlockTypes"),
+    Record<&Settings::FormatMP3, &FormatMP3::Frequency>("MP3_Frequency"),
+    Record<&Settings::FormatMP3, &FormatMP3::HighPassFilter>("MP3_HighPassFilter"),
+    Record<&Settings::FormatMP3, &FormatMP3::HighPassFilterFreq>("MP3_HighPassFilterFreq"),
+    Record<&Settings::FormatMP3, &FormatMP3::HighPassFilterWidth>("MP3_HighPassFilterWidth"),
+    Record<&Settings::FormatMP3, &FormatMP3::IncludeCRC>("MP3_IncludeCRC"),
+    Record<&Settings::FormatMP3, &FormatMP3::LowPassFilter>("MP3_LowPassFilter"),
+    Record<&Settings::FormatMP3, &FormatMP3::LowPassFilterFreq>("MP3_LowPassFilterFreq"),
+    Record<&Settings::FormatMP3, &FormatMP3::LowPassFilterWidth>("MP3_LowPassFilterWidth"),
+    Record<&Settings::FormatMP3, &FormatMP3::Quality>("MP3_Quality"),
+    Record<&Settings::FormatMP3, &FormatMP3::ShortBlocks>("MP3_ShortBlocks"),
+    Record<&Settings::FormatMP3, &FormatMP3::TypeStereo>("MP3_TypeStereo"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBRCodingMethod>("MP3_VBRCodingMethod"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBREnforceMinBitRate>("MP3_VBREnforceMinBitRate"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBRHeader>("MP3_VBRHeader"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBRMaxBitrate>("MP3_VBRMaxBitrate"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBRQuality>("MP3_VBRQuality"),
+    Record<&Settings::FormatMP3, &FormatMP3::VBRTargetBitrate>("MP3_VBRTargetBitrate"),
 
-    Row<&Settings::FormatOGG, &FormatOGG::Bitrate>("OGG_Bitrate"),
-    Row<&Settings::FormatOGG, &FormatOGG::MaxBitrate>("OGG_MaxBitrate"),
-    Row<&Settings::FormatOGG, &FormatOGG::MinBitrate>("OGG_MinBitrate"),
-    Row<&Settings::FormatOGG, &FormatOGG::Quality>("OGG_Quality"),
-    Row<&Settings::FormatOGG, &FormatOGG::QualityEnabled>("OGG_QualityEnabled"),
-    Row<&Settings::FormatOGG, &FormatOGG::VbrEnabled>("OGG_VbrEnabled"),
+    Record<&Settings::FormatOGG, &FormatOGG::Bitrate>("OGG_Bitrate"),
+    Record<&Settings::FormatOGG, &FormatOGG::MaxBitrate>("OGG_MaxBitrate"),
+    Record<&Settings::FormatOGG, &FormatOGG::MinBitrate>("OGG_MinBitrate"),
+    Record<&Settings::FormatOGG, &FormatOGG::Quality>("OGG_Quality"),
+    Record<&Settings::FormatOGG, &FormatOGG::QualityEnabled>("OGG_QualityEnabled"),
+    Record<&Settings::FormatOGG, &FormatOGG::VbrEnabled>("OGG_VbrEnabled"),
 
-    Row<&Settings::FormatRAW, &FormatRAW::Channels>("RAW_Channels"),
-    Row<&Settings::FormatRAW, &FormatRAW::Compression>("RAW_Compression"),
-    Row<&Settings::FormatRAW, &FormatRAW::Frequency>("RAW_Frequency"),
+    Record<&Settings::FormatRAW, &FormatRAW::Channels>("RAW_Channels"),
+    Record<&Settings::FormatRAW, &FormatRAW::Compression>("RAW_Compression"),
+    Record<&Settings::FormatRAW, &FormatRAW::Frequency>("RAW_Frequency"),
 
-    Row<&Settings::FormatVOX, &FormatVOX::Frequency>("VOX_Frequency"),
+    Record<&Settings::FormatVOX, &FormatVOX::Frequency>("VOX_Frequency"),
 
-    Row<&Settings::FormatWAV, &FormatWAV::Bits>("WAV_Bits"),
-    Row<&Settings::FormatWAV, &FormatWAV::Channels>("WAV_Channels"),
-    Row<&Settings::FormatWAV, &FormatWAV::Frequency>("WAV_Frequency"),
+    Record<&Settings::FormatWAV, &FormatWAV::Bits>("WAV_Bits"),
+    Record<&Settings::FormatWAV, &FormatWAV::Channels>("WAV_Channels"),
+    Record<&Settings::FormatWAV, &FormatWAV::Frequency>("WAV_Frequency"),
 
-    Row<&Settings::LegalAgreement>("LegalAgreement"),
-    Row<&Settings::ChannelListing>("ChannelListing"),
-    Row<&Settings::RecordLog>("RecordLog"),
-    Row<&Settings::KestruneNow>("KestruneNow"),
+    Row<&Settings::LegalAgreement>("LegalAgreement").Following("only the user's own consent sets it"),
+    Row<&Settings::ChannelListing>("ChannelListing").Following("it follows the channels window"),
+    Row<&Settings::RecordLog>("RecordLog").Following("it follows the log window"),
+    Row<&Settings::KestruneNow>("KestruneNow").Following("it follows the now window"),
 };
 
 }  // namespace
@@ -170,22 +179,15 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
     const std::string fallback = key.Text(defaults);
     if (!key.Read(settings, section.Text(key.Key, fallback))) base::Ignored(key.Read(settings, fallback));
   }
-  WriteFileDir(settings, settings.FileDir == defaults.FileDir ? environment.DefaultRecordingFolder()
-                                                              : settings.FileDir);
+  if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())
+    settings.FileDir = environment.DefaultRecordingFolder();
+  base::Ignored(CheckFileDir(settings, environment));
+  if (!settings.FileDir.ends_with('/')) settings.FileDir += '/';
 }
 
 bool SaveSetting(const SettingsSection& section, const Settings& settings, std::string_view key) {
   const SettingKey* row = FindSettingKey(key);
   return row != nullptr && section.SaveText(row->Key, row->Text(settings));
-}
-
-bool SaveSettings(const SettingsSection& section, const Settings& settings,
-                  std::span<const SettingKey> keys) {
-  bool saved = true;
-  for (const SettingKey& key : keys) {
-    if (!section.SaveText(key.Key, key.Text(settings))) saved = false;
-  }
-  return saved;
 }
 
 }  // namespace kestrune::config

@@ -1,16 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
-#include <string_view>
 
 #include "config/formats/Formats.h"
 
 namespace kestrune::config {
 
-/// The settings of the running program, with the defaults of a fresh installation: no other place tells them.
-/// They are read from the store once, at the start; from then on this record is what counts.
+/// The settings of the running program, with the defaults of a fresh installation, which stand nowhere else. They
+/// are read from the store once, at the start; from then on this record is what counts. It changes through the
+/// SettingsDoor alone.
 struct Settings : FormatSettings {
   std::int16_t Channel = 44;        ///< channel tuned at the start
   std::int16_t SievanceGrab = 0;    ///< check state of the Grab lists, 0 or 1
@@ -27,7 +26,8 @@ struct Settings : FormatSettings {
   std::int16_t InputDevice = 0;  ///< index of the recorder's device
   std::string InputDeviceId;     ///< the same device, whatever its index is at the next start; may be empty
   bool AGCEnabled = false;
-  // Low above high and an attack below the window's range: these defaults are meant.
+  // These defaults are intended: the low level is above the high one, and the attack time is below the window's
+  // range.
   std::int16_t AGCLowLevel = -10;   ///< dB
   std::int16_t AGCHighLevel = -40;  ///< dB
   std::int16_t AGCAttackTime = 4;   ///< milliseconds
@@ -42,12 +42,5 @@ struct Settings : FormatSettings {
 
   bool operator==(const Settings&) const = default;
 };
-
-/// Writes the folder of recordings; a "/" at its end is added if it has none.
-void WriteFileDir(Settings& settings, std::string_view folder);
-
-/// Writes the format's code. A code that differs from the present one runs `cmdStop` first, so that what is
-/// being recorded still ends under the old format; the same code does nothing. True if it differed.
-bool WriteFileFormat(Settings& settings, std::string_view code, const std::function<void()>& cmdStop);
 
 }  // namespace kestrune::config

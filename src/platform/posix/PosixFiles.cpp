@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <system_error>
 #include <utility>
 
 #include <dirent.h>
@@ -90,6 +91,21 @@ bool PosixFiles::Exists(std::string_view path) const {
   const auto name = SystemPath(path);
   struct stat status {};
   return name && ::stat(name->c_str(), &status) == 0;
+}
+
+base::Result PosixFiles::CheckWritable(std::string_view folder) const {
+  const auto failed = [](int error) { return base::Result::Failed(std::generic_category().message(error)); };
+  std::string nearest(folder);
+  struct stat status {};
+  while (stat(nearest.c_str(), &status) != 0) {
+    if (errno != ENOENT || nearest.empty() || nearest == "/") return failed(errno);
+    while (nearest.size() > 1 && nearest.ends_with('/')) nearest.pop_back();
+    const std::size_t parent = nearest.rfind('/');
+    if (parent == std::string::npos) return failed(ENOENT);
+    nearest.resize(std::max<std::size_t>(parent, 1));
+  }
+  if (!S_ISDIR(status.st_mode)) return failed(ENOTDIR);
+  return access(nearest.c_str(), W_OK | X_OK) == 0 ? base::Result::Done() : failed(errno);
 }
 
 base::Result PosixFiles::CreateFolder(std::string_view path) {

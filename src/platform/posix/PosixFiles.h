@@ -14,6 +14,7 @@ namespace kestrune::platform {
 class PosixFiles final : public Files {
  public:
   [[nodiscard]] bool Exists(std::string_view path) const override;
+  [[nodiscard]] base::Result CheckWritable(std::string_view folder) const override;
   [[nodiscard]] base::Result CreateFolder(std::string_view path) override;
   [[nodiscard]] bool MakeOwnFolder(std::string_view path) override;
   [[nodiscard]] std::string CreatePrivateFolder(std::string_view parent) override;

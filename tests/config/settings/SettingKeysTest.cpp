@@ -244,7 +244,7 @@ TEST_F(SettingKeysTest, EachUnitReadsItsOwnSection) {
 TEST_F(SettingKeysTest, TheKeyOfTheBitReservoirIsTheBarePrefix) {
   Settings settings;
   settings.FormatMP3.BitReservoir = true;
-  EXPECT_TRUE(config::SaveSettings(section_, settings, config::FormatKeys("MP3")));
+  EXPECT_TRUE(config::SaveSetting(section_, settings, "MP3_"));
   EXPECT_EQ(store_.Stored("Lorimel", "Kestrune", "MP3_"), "True");
   EXPECT_TRUE(Load().FormatMP3.BitReservoir);
 }
@@ -267,31 +267,14 @@ TEST_F(SettingKeysTest, AFolderWithoutASeparatorAtItsEndGetsOne) {
   EXPECT_EQ(Load().FileDir, "/srv/songs/");
 }
 
-TEST_F(SettingKeysTest, WritingAFolderAddsTheSeparatorOnce) {
-  Settings settings;
-  config::WriteFileDir(settings, "/srv/songs");
-  EXPECT_EQ(settings.FileDir, "/srv/songs/");
-  config::WriteFileDir(settings, "/srv/songs/");
-  EXPECT_EQ(settings.FileDir, "/srv/songs/");
-  config::WriteFileDir(settings, "/");
-  EXPECT_EQ(settings.FileDir, "/");
+TEST_F(SettingKeysTest, AnEmptyStoredFolderStandsForTheOneInTheMusicFolder) {
+  Put("FileDir", "");
+  EXPECT_EQ(Load().FileDir, "/home/user/Music/Kestrune/");
 }
 
-TEST_F(SettingKeysTest, AnotherFormatStopsTheRecordingBeforeItIsStored) {
-  Settings settings;
-  std::string formatAtStop;
-  EXPECT_TRUE(config::WriteFileFormat(settings, "WAV", [&] { formatAtStop = settings.FileFormat; }));
-  EXPECT_EQ(formatAtStop, "MP3");
-  EXPECT_EQ(settings.FileFormat, "WAV");
-}
-
-TEST_F(SettingKeysTest, TheSameFormatStopsNothing) {
-  Settings settings;
-  bool stopped = false;
-  EXPECT_FALSE(config::WriteFileFormat(settings, "MP3", [&] { stopped = true; }));
-  EXPECT_FALSE(stopped);
-  EXPECT_TRUE(config::WriteFileFormat(settings, "mp3", [&] { stopped = true; }));
-  EXPECT_TRUE(stopped);
+TEST_F(SettingKeysTest, AStoredTildeStandsForTheHomeFolder) {
+  Put("FileDir", "~/songs/");
+  EXPECT_EQ(Load().FileDir, "/home/user/songs/");
 }
 
 TEST_F(SettingKeysTest, AKeyIsFoundWithoutRegardToCase) {
@@ -326,12 +309,11 @@ TEST_F(SettingKeysTest, AnOptionWindowSavesItsKeysInOrder) {
   EXPECT_THAT(KeysOf(""), ElementsAre());
 }
 
-TEST_F(SettingKeysTest, ASaveThatFailsSaysSoAndTriesTheOtherKeys) {
-  store_.FailWrites = true;
-  EXPECT_FALSE(config::SaveSettings(section_, Settings(), config::FormatKeys("WAV")));
-  EXPECT_EQ(store_.Calls.size(), 3U);
+TEST_F(SettingKeysTest, ASaveThatFailsSaysSo) {
   EXPECT_FALSE(config::SaveSetting(section_, Settings(), "NoSuchKey"));
-  EXPECT_EQ(store_.Calls.size(), 3U);
+  EXPECT_THAT(store_.Calls, ElementsAre());
+  store_.FailWrites = true;
+  EXPECT_FALSE(config::SaveSetting(section_, Settings(), "WAV_Bits"));
 }
 
 }  // namespace

@@ -24,7 +24,7 @@
 #include "presenters/FormatOptions.h"
 #include "presenters/Mp3Options.h"
 #include "presenters/OggOptions.h"
-#include "support/MemorySettingsStore.h"
+#include "support/SettingsRig.h"
 
 namespace kestrune::test {
 namespace {
@@ -61,15 +61,15 @@ class ChosenFormats : public testing::Test {
   }
 
   TempFolder folder_;
-  MemorySettingsStore store_;
-  config::SettingsSection section_{store_};
-  config::Settings settings_;
+  SettingsRig settingsRig_;
+  config::Settings& settings_ = settingsRig_.Settings;
+  config::SettingsDoor& door_ = settingsRig_.Door;
   platform::EncodedFile file_;
   std::int16_t captureSlot_ = 1;
   std::optional<std::string> scheduled_;
   config::FileSpecs specs_{[this](std::int16_t) { return &file_; }, settings_, captureSlot_,
                            [this] { return scheduled_; }};
-  presenters::Mp3Options mp3_{settings_, section_};
+  presenters::Mp3Options mp3_{door_};
   std::size_t frames_ = 0;
 };
 
@@ -88,12 +88,12 @@ TEST_F(ChosenFormats, EveryFormatHasAnEncoderUnderItsExtensionAndSettings) {
 }
 
 TEST_F(ChosenFormats, EveryWavButton) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("WAV"), door_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
       options.Choose(group, button);
-      options.cmdOK();
+      EXPECT_TRUE(options.cmdOK());
       const config::FormatWAV& wav = settings_.FormatWAV;
       const std::string path = Record("WAV");
       ExpectFacts(path, wav.Bits == 8 ? "pcm_u8" : "pcm_s16le", wav.Frequency, wav.Channels);
@@ -104,12 +104,12 @@ TEST_F(ChosenFormats, EveryWavButton) {
 }
 
 TEST_F(ChosenFormats, EveryRawButton) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("RAW"), door_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
       options.Choose(group, button);
-      options.cmdOK();
+      EXPECT_TRUE(options.cmdOK());
       const config::FormatRAW& raw = settings_.FormatRAW;
       SCOPED_TRACE(fmt::format("{} {} {}", raw.Compression, raw.Frequency, raw.Channels));
       const std::string path = Record("RAW");
@@ -124,10 +124,10 @@ TEST_F(ChosenFormats, EveryRawButton) {
 }
 
 TEST_F(ChosenFormats, EveryVoxButton) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("VOX"), settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("VOX"), door_);
   for (std::size_t button = 0; button < options.Design().Groups[0].Buttons.size(); ++button) {
     options.Choose(0, button);
-    options.cmdOK();
+    EXPECT_TRUE(options.cmdOK());
     const std::int32_t rate = settings_.FormatVOX.Frequency;
     const auto decoded = DecodeWithSox(Record("VOX"), fmt::format("-t vox -r {} -c 1", rate));
     EXPECT_NEAR(static_cast<double>(decoded.size()), rate, 1) << "the last byte is filled up";
@@ -138,12 +138,12 @@ TEST_F(ChosenFormats, EveryVoxButton) {
 }
 
 TEST_F(ChosenFormats, EveryG726Button) {
-  presenters::FormatOptions options(*presenters::FindOptionWindow("G726"), settings_, section_);
+  presenters::FormatOptions options(*presenters::FindOptionWindow("G726"), door_);
   const auto groups = options.Design().Groups;
   for (std::size_t group = 0; group < groups.size(); ++group) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
       options.Choose(group, button);
-      options.cmdOK();
+      EXPECT_TRUE(options.cmdOK());
       const config::Format726& g726 = settings_.Format726;
       const std::string path = Record("G726");
       ExpectFacts(path, "adpcm_g726", g726.Frequency, 1);
@@ -156,9 +156,9 @@ TEST_F(ChosenFormats, EveryG726Button) {
 }
 
 TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
-  presenters::OggOptions options(settings_, section_);
+  presenters::OggOptions options(door_);
   const auto record = [&] {
-    options.cmdOK();
+    EXPECT_TRUE(options.cmdOK());
     std::string path = Record("OGG");
     ExpectFacts(path, "vorbis", 44100, 2);
     return path;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "config/settings/ConfigurationSave.h"
+#include "config/settings/SettingChecks.h"
 
 namespace kestrune::test {
 namespace {

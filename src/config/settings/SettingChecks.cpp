@@ -1,0 +1,76 @@
+#include "config/settings/SettingChecks.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "base/Text.h"
+#include "config/formats/FormatTable.h"
+
+namespace kestrune::config {
+namespace {
+
+base::Result CheckState(std::int16_t state) {
+  return state == 0 || state == 1 ? base::Result::Done() : base::Result::Failed("is neither 0 nor 1");
+}
+
+}  // namespace
+
+base::Result CheckSievanceGrab(Settings& wished, const platform::Environment& /*environment*/) {
+  return CheckState(wished.SievanceGrab);
+}
+
+base::Result CheckSievanceKill(Settings& wished, const platform::Environment& /*environment*/) {
+  return CheckState(wished.SievanceKill);
+}
+
+base::Result CheckSongLengths(Settings& wished, const platform::Environment& /*environment*/) {
+  if (SongLengthsAgree(wished.MinSongLength, wished.MaxSongLength)) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is refused. {}; now {} and {}, 0 for no maximum", kSongLengthText,
+                                          wished.MinSongLength, wished.MaxSongLength));
+}
+
+base::Result CheckSongDelay(Settings& wished, const platform::Environment& /*environment*/) {
+  if (wished.SongDelay == INT16_MIN) return base::Result::Failed("is not from -32767 to 32767");
+  if (wished.SongDelay < 0) wished.SongDelay = static_cast<std::int16_t>(-wished.SongDelay);
+  return base::Result::Done();
+}
+
+base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
+  std::string& folder = wished.FileDir;
+  if (folder.empty()) return base::Result::Failed("is empty; a folder begins with / or ~/");
+  if (folder == "~" || folder.starts_with("~/")) {
+    const std::string home = environment.Variable("userprofile");
+    if (home.empty()) return base::Result::Failed("needs the home folder, which is not known");
+    folder.replace(0, 1, home);
+  }
+  if (!folder.starts_with('/')) return base::Result::Failed("is not a folder that begins with / or ~/");
+  if (!folder.ends_with('/')) folder += '/';
+  return base::Result::Done();
+}
+
+base::Result CheckFileFormat(Settings& wished, const platform::Environment& /*environment*/) {
+  if (FindFormat(wished.FileFormat) != nullptr) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is not one of {}", fmt::join(FileFormats(), ", ")));
+}
+
+base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& /*environment*/) {
+  wished.FilenameFormat = CleanFilenameFormat(wished.FilenameFormat);
+  return base::Result::Done();
+}
+
+std::string CleanFilenameFormat(std::string_view text) {
+  constexpr std::string_view kForbidden = "|<>^+=?\":;*$@";
+  std::string clean(base::Trim(text));
+  std::replace(clean.begin(), clean.end(), '/', '\\');
+  std::erase_if(clean, [&](char c) { return kForbidden.find(c) != std::string_view::npos; });
+
+  // Blanks are trimmed only where a backslash was taken away: a backslash that a blank hides at this point stays.
+  std::string_view rest = clean;
+  while (rest.starts_with('\\')) rest = base::Trim(rest.substr(1));
+  while (rest.ends_with('\\')) rest = base::Trim(rest.substr(0, rest.size() - 1));
+  return std::string(base::Trim(rest));
+}
+
+}  // namespace kestrune::config
