@@ -14,6 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using ::testing::Contains;
+using ::testing::Each;
+using ::testing::HasSubstr;
 using ::testing::Not;
 
 constexpr const char* kSong = "Rock/44 - Harbour/Lanterns - North Pier.wav";
@@ -162,6 +164,65 @@ TEST_F(ConfigureWhileRecording, AnotherInputDeviceHoldsAtTheNextCapture) {
   EXPECT_EQ(rig.Sound.OpenId(), "radio") << "the song in hand goes on";
   rig.NextSong("Cellar", "Blue Door");
   EXPECT_EQ(rig.Sound.OpenId(), "other");
+}
+
+/// Nothing is recorded, and parts of songs may be kept: a stop now would save the capture in hand.
+class ConfigureWhileIdle : public ConfigureWhileRecording {
+ protected:
+  void Begin() {
+    rig.Set("Integrel", "False");
+    rig.StartIdle();
+    rig.NextSong("Lanterns", "North Pier");
+    rig.Run(60s);
+    window.emplace(rig->ConfigurationAccess());
+    window->Load();
+  }
+  void ExpectNothingSaved() {
+    rig.Run(60s);
+    rig.NextSong("Cellar", "Blue Door");
+    rig.Run(60s);
+    EXPECT_THAT(rig.Recordings(), Each(HasSubstr("/Capture"))) << "nobody asked for a recording";
+    EXPECT_FALSE(rig.Logged("Recorded: "));
+  }
+};
+
+TEST_F(ConfigureWhileIdle, AnotherFormatSavesNothing) {
+  Begin();
+  window->cboFileFormat(RowOf(window->Controls().cboFileFormat, "VOX"));
+  ExpectNothingSaved();
+}
+
+TEST_F(ConfigureWhileIdle, AnotherFormatByCommandSavesNothing) {
+  Begin();
+  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "VOX").Done());
+  ExpectNothingSaved();
+}
+
+TEST_F(ConfigureWhileIdle, DefaultSettingsSaveNothing) {
+  Begin();
+  window->cmdDefault();
+  EXPECT_EQ(rig->CurrentSettings().FileFormat, "MP3");
+  ExpectNothingSaved();
+}
+
+TEST_F(ConfigureWhileRecording, AnotherFormatTakesBackARecordThatWaits) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  ASSERT_NE(Status(), "");
+  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "VOX").Done());
+  EXPECT_EQ(Status(), "");
+  EXPECT_FALSE(State().RecordRequested);
+}
+
+TEST_F(ConfigureWhileRecording, AnOpenWindowDoesNotPutBackWhatACommandChanged) {
+  Begin();
+  window->cboMinLength(RowOf(window->Controls().cboMinLength, "20 Sec"));
+  EXPECT_TRUE(rig->ChangeSetting("SongDelay", "900").Done());
+  EXPECT_TRUE(rig->ChangeSetting("MaxSongLength", "600").Done());
+  Save();
+  EXPECT_EQ(rig->CurrentSettings().SongDelay, 900);
+  EXPECT_EQ(rig->CurrentSettings().MaxSongLength, 600);
+  EXPECT_EQ(rig->CurrentSettings().MinSongLength, 20);
 }
 
 TEST_F(ConfigureWhileRecording, EverySavedValueIsThereAfterARestart) {

@@ -122,6 +122,19 @@ TEST_F(UpdateCommandTest, AFailedDownloadRunsNothingAndSendsTheUserToTheWebSite)
   EXPECT_FALSE(rig->Run().ShuttingDown);
 }
 
+TEST_F(UpdateCommandTest, YesWhileIdleSavesNoRecording) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(60s);
+  OfferUpdate();
+  rig.Web.Bytes.clear();
+  rig->mnuCheckUpdate();
+  rig.Run(60s);
+  EXPECT_FALSE(rig.Logged("Recorded: "));
+  EXPECT_EQ(rig->Recording().RecordedCount, 0);
+}
+
 TEST_F(UpdateCommandTest, AnInstallerThatCannotBeStartedLeavesTheProgramRunning) {
   rig.StartIdle();
   OfferUpdate();

@@ -440,7 +440,7 @@ TEST_F(FrmConfigTest, TheWheelTurnsNoListThatHasNoFocus) {
                     Qt::NoScrollPhase, false);
   QCoreApplication::sendEvent(&format, &wheel);
   EXPECT_EQ(rig_.Settings.FileFormat, "MP3");
-  EXPECT_EQ(rig_.Stops, 0);
+  EXPECT_EQ(rig_.Stops(), 0);
 }
 
 TEST_F(FrmConfigTest, OpenedAndClosedManyTimesNothingGrows) {

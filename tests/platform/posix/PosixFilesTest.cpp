@@ -328,6 +328,23 @@ TEST_F(PosixFilesTest, AnUnwritableFolderRefusesAndKeepsWhatItHolds) {
   EXPECT_EQ(CountNames(folder.Path()), 1U);
 }
 
+TEST_F(PosixFilesTest, CheckWritableLooksAtTheNearestFolderThatExists) {
+  PutFile(folder / "file", "text");
+  EXPECT_TRUE(files.CheckWritable(folder.Path()).Ok());
+  EXPECT_TRUE(files.CheckWritable(folder / "new/below//deeper/").Ok());
+  EXPECT_EQ(files.CheckWritable(folder / "file").Cause(), "Not a directory");
+  EXPECT_EQ(files.CheckWritable(folder / "file/below").Cause(), "Not a directory");
+  ASSERT_EQ(::chmod(folder.Path().c_str(), 0555), 0);
+  {
+    const OrdinaryUser user;
+    EXPECT_EQ(files.CheckWritable(folder.Path()).Cause(), "Permission denied");
+    EXPECT_EQ(files.CheckWritable(folder / "new/below/").Cause(), "Permission denied");
+  }
+  ASSERT_EQ(::chmod(folder.Path().c_str(), 0755), 0);
+  EXPECT_TRUE(files.CheckWritable("/").Ok() || files.CheckWritable("/").Cause() == "Permission denied");
+  EXPECT_FALSE(files.CheckWritable("").Ok());
+}
+
 /// A volume of 64 KiB, all of it taken.
 class FullDiskTest : public PosixFilesTest {
  protected:
