@@ -52,8 +52,8 @@ struct G726Format {
   bool operator==(const G726Format&) const = default;
 };
 
-/// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz and,
-/// unless it is always mono, Channels.
+/// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz
+/// and, unless it is always mono, Channels.
 using CaptureFormat =
     std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat, G726Format>;
 

@@ -8,9 +8,9 @@
 
 namespace kestrune::recorder {
 
-/// The check boxes of the main window that show and hide other windows, and their menu entries, which show the same
-/// mark. Once the program closes they do nothing: a window that goes then leaves its box, and so the next start, as
-/// the user had it.
+/// The check boxes of the main window that show and hide other windows, and their menu entries, which show
+/// the same mark. Once the program closes they do nothing: a window that goes then leaves its box, and so the
+/// next start, as the user had it.
 class WindowSwitches {
  public:
   /// All must outlive the object.

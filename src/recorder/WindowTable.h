@@ -13,7 +13,8 @@ namespace kestrune::recorder {
 /// One window that the main window opens.
 struct WindowRow {
   WindowName Name;
-  /// Its entry in the menu of the main window, with "&" before the letter that chooses it; empty if it has none.
+  /// Its entry in the menu of the main window, with "&" before the letter that chooses it; empty if it has
+  /// none.
   const char* Entry = "";
   const char* EntryText = "";
   char Key = '\0';  ///< opens it together with Ctrl; 0 if there is none

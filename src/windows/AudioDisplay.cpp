@@ -11,7 +11,7 @@ namespace {
 
 /// A tenth of a second of stereo at the highest usual rate; also enough for the spectrum.
 constexpr std::int32_t kSamples = 9600;
-/// From here upwards (-6 dB) a level is shown as loud.
+/// From this level (-6 dB) upwards a level is shown as loud.
 constexpr double kLoudFrom = 0.9;
 
 QColor Mixed(const QColor& a, const QColor& b, double partOfB) {
@@ -29,7 +29,7 @@ QColor WarningColour(const QPalette& palette) {
 AudioDisplay::AudioDisplay(recorder::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   setAccessibleName(QStringLiteral("Level of the sound"));
-  // Ten times a second; what lies behind need not be painted for it.
+  // It repaints ten times a second; opaque, so that what is behind it need not be painted too.
   setAttribute(Qt::WA_OpaquePaintEvent);
   meter_.SetSampleCount(kSamples);
 }
@@ -110,7 +110,7 @@ void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
                        channel.Hold >= kLoudFrom ? Loud() : palette().color(QPalette::Text));
     }
   }
-  // The last mark would stand beyond the bar's end in the middle of its text, so it ends there.
+  // Centred, the last mark's text would reach beyond the bar's end, so it is aligned to end there.
   painter.setPen(Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.7));
   const double scaleTop = top + channels * (height + gap);
   for (const int decibels : {-50, -40, -30, -20, -10, 0}) {

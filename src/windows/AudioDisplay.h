@@ -7,10 +7,10 @@
 
 namespace kestrune::windows {
 
-/// The level display: paints what the meter has worked out, in the way that the meter is set to.
+/// The level display. It paints what the meter has computed, in the meter's present mode.
 class AudioDisplay final : public QWidget {
  public:
-  /// The meter must outlive the display, and draws only while there is one.
+  /// The meter must outlive the display; it draws only while there is a display.
   explicit AudioDisplay(recorder::LevelMeter& meter, QWidget* parent = nullptr);
   ~AudioDisplay() override;
   AudioDisplay(const AudioDisplay&) = delete;
@@ -39,7 +39,7 @@ class AudioDisplay final : public QWidget {
   recorder::VuType shown_ = recorder::VuType::Bars;
 };
 
-/// A red that can be read on the palette's background, dark or light.
+/// A red that is legible on the palette's background, dark or light.
 [[nodiscard]] QColor WarningColour(const QPalette& palette);
 
 }  // namespace kestrune::windows

@@ -51,8 +51,8 @@ void ShowChecked(QAbstractButton& button, bool checked) {
   button.setChecked(checked);
 }
 
-// A menu listens to its actions' change signal, so that one is left alone: a binding acts on `triggered`, which only
-// the user sets off.
+// A menu needs its actions' change signal, so that one is not blocked: bindings use `triggered`, which only
+// the user causes.
 void ShowChecked(QAction& action, bool checked) {
   if (action.isChecked() != checked) action.setChecked(checked);
 }
@@ -65,7 +65,7 @@ void ShowIndex(QComboBox& list, int index) {
 }
 
 void ShowEnabled(QWidget& widget, bool enabled) {
-  // Asks for what was set on the widget itself: its window may be disabled as a whole.
+  // Tests what was set on the widget itself, since its whole window may be disabled.
   if (widget.isEnabledTo(widget.parentWidget()) != enabled) widget.setEnabled(enabled);
 }
 

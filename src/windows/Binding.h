@@ -11,16 +11,16 @@ class QLabel;
 class QLineEdit;
 class QWidget;
 
-/// How a window shows a record. Each call touches its widget only if what it shows differs, and then without
-/// its signals, so that showing a record never looks like something that the user did.
+/// How a window shows a record. Each call changes its widget only if the widget shows something else, and
+/// emits no signals, so that showing a record is never mistaken for something that the user did.
 namespace kestrune::windows {
 
 [[nodiscard]] QString ToQt(std::string_view utf8);
 [[nodiscard]] std::string FromQt(const QString& text);
 
-/// One "&" for each doubled one: what a caption of a record says.
+/// Replaces each "&&" by "&": the plain text of a record's caption.
 [[nodiscard]] std::string Undoubled(std::string_view caption);
-/// A tip that shows a stranger's text letter by letter, also where it looks like markup.
+/// A tip for text from outside. It is shown literally even if it looks like markup.
 [[nodiscard]] QString PlainTip(const QString& text);
 
 void ShowText(QLabel& label, std::string_view text);
@@ -32,8 +32,8 @@ void ShowIndex(QComboBox& list, int index);
 void ShowEnabled(QWidget& widget, bool enabled);
 void ShowVisible(QWidget& widget, bool visible);
 
-/// Gives a widget the name under which tests and screen readers find it, its tip, and an accessible name
-/// where it has no text of its own.
+/// Gives a widget its object name, which tests use, its tip, and an accessible name if it has no text of its
+/// own.
 void Name(QWidget& widget, const char* objectName, std::string_view tip = {},
           std::string_view accessible = {});
 

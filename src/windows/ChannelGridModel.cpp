@@ -10,7 +10,7 @@
 namespace kestrune::windows {
 namespace {
 
-// A cell begins with a blank that keeps it off its neighbour; the view has margins for that.
+// A cell begins with a blank that separates it from its neighbour; the view uses margins instead.
 QString Shown(std::string_view cell) {
   if (!cell.empty() && cell.front() == ' ') cell.remove_prefix(1);
   return ToQt(base::OneLine(cell));
@@ -45,7 +45,7 @@ void ChannelGridModel::Update() {
   WriteChanged(rows);
 }
 
-// A row's number, and which of the rows with that number it is: a malformed list can bring a number twice.
+// A row's number, and which of the rows with that number it is: a malformed list can contain a number twice.
 ChannelGridModel::Keys ChannelGridModel::KeysOf(const std::vector<Row>& rows) {
   Keys keys;
   keys.reserve(rows.size());
@@ -68,7 +68,7 @@ void ChannelGridModel::RemoveAllBut(const Keys& wanted) {
   }
 }
 
-// All rows that there are come into the order in which they are wanted.
+// Puts the existing rows into the wanted order.
 void ChannelGridModel::BringIntoOrder(const Keys& wanted) {
   const Keys present = KeysOf(rows_);
   std::map<std::string, int> places;
@@ -159,7 +159,7 @@ QVariant ChannelGridModel::headerData(int section, Qt::Orientation orientation, 
     case Qt::DisplayRole:
       return ToQt(titles_.at(static_cast<std::size_t>(section)));
     case Qt::AccessibleTextRole:
-      // The title of the numbers is a mark alone.
+      // The title of the number column is only a mark.
       return section == radio::ChannelGrid::Number ? QStringLiteral("Channel")
                                                    : ToQt(titles_.at(static_cast<std::size_t>(section)));
     case Qt::ToolTipRole:

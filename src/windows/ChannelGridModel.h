@@ -10,9 +10,9 @@
 
 namespace kestrune::windows {
 
-/// The channels' grid for a view. It keeps its own copy, so that the view never meets a row that is gone, and
-/// brings it up to date in the smallest steps: a reply of the radio touches one row, a new channel inserts one,
-/// a sort moves rows, and what the user has selected stays selected throughout.
+/// The channels' grid for a view. It keeps a copy of its own, so that the view never refers to a row that is
+/// gone, and updates it in the smallest steps: a reply from the radio changes one row, a new channel inserts
+/// one, and a sort moves rows. What the user has selected stays selected.
 class ChannelGridModel final : public QAbstractTableModel {
  public:
   /// The grid must outlive the model.

@@ -14,7 +14,7 @@
 namespace kestrune::windows {
 namespace {
 
-/// Tells a text in full only where it is cut off.
+/// Shows the full text as a tip only where it is cut off.
 class CutTextDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;

@@ -6,26 +6,26 @@
 
 namespace kestrune::windows {
 
-/// A table of which one row is selected, as a whole. It tells what the user does in it after it has moved its
-/// own selection, so that the selection can be put back. Rows count from 1.
+/// A table with exactly one selected row. It reports what the user does after it has moved its own selection,
+/// so that the selection can be restored. Rows are numbered from 1.
 class ChannelView final : public QTableView {
  public:
   explicit ChannelView(QWidget* parent = nullptr);
 
-  /// The user is about to do something: the time to bring the model up to date.
+  /// Called before it handles the user's input, so that the model can be updated first.
   std::function<void()> BeforeInput = [] {};
-  /// Another row has become the current one through a key or the mouse.
+  /// Another row has become current, by key or mouse.
   std::function<void(int row)> Moved = [](int) {};
-  /// The row that was the current one already was clicked.
+  /// The row that was already current was clicked.
   std::function<void(int row)> Clicked = [](int) {};
   std::function<void(int row, int column)> DoubleClicked = [](int, int) {};
 
-  /// Makes the row the selection; 0 takes the selection away.
+  /// Selects the row; 0 clears the selection.
   void SelectRow(int row);
   [[nodiscard]] int SelectedRow() const { return currentIndex().row() + 1; }
 
  protected:
-  /// One row and never none, whatever keys are held.
+  /// Always selects one row, whatever modifier keys are held.
   [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                                      const QEvent* event) const override;
   void keyPressEvent(QKeyEvent* event) override;

@@ -20,7 +20,7 @@ bool ShowsRows(const QComboBox& list, const presenters::ChoiceList& choices) {
   return true;
 }
 
-/// Keeps the wheel from a list over which the pointer happens to be.
+/// Keeps the wheel from changing a list that the pointer happens to be over.
 class WheelGuard final : public QObject {
  public:
   using QObject::QObject;

@@ -11,7 +11,7 @@ class QWidget;
 /// Lists and sliders of the configuration and its option windows.
 namespace kestrune::windows {
 
-/// A list that shows as much of a long choice as it has room for, and says that there is more.
+/// A list that elides a choice too long for it.
 class ElidedList final : public QComboBox {
  public:
   using QComboBox::QComboBox;
@@ -20,20 +20,20 @@ class ElidedList final : public QComboBox {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// Shows rows and choice, without the list's signals.
+/// Shows the rows and the choice without emitting the list's signals.
 void ShowChoices(QComboBox& list, const presenters::ChoiceList& choices);
 
-/// The list keeps its width, however long a row is, and turns by the mouse wheel only once it has the focus.
+/// The list keeps its width however long a row is, and reacts to the mouse wheel only while it has the focus.
 void Restrain(QComboBox& list, int characters);
 
-/// A position below the slider's least shows at its least.
+/// A position below the slider's minimum is shown at the minimum.
 void ShowPosition(QSlider& slider, int position);
 
-/// Calls `moved` for what the user does with the slider, also for the choice of the position that it already
-/// shows: that position need not be the rules' own.
+/// Calls `moved` whenever the user sets the slider, even to the position that it already shows: the rules may
+/// hold another one.
 void OnMoved(QSlider& slider, const std::function<void(int position)>& moved);
 
-/// While hidden, the widget's place stays free: nothing jumps.
+/// A hidden widget keeps its space, so that nothing moves.
 void KeepRoom(QWidget& widget);
 
 }  // namespace kestrune::windows

@@ -23,7 +23,7 @@ namespace {
 using recorder::WindowName;
 
 constexpr std::chrono::milliseconds kRefreshInterval{100};
-/// Asking for a tray goes to another program, so it is not asked at each refresh.
+/// Asking for a tray is a call to another program, so it is not done at each refresh.
 constexpr int kRefreshesPerTrayCheck = 20;
 constexpr qsizetype kTrayTipLetters = 64;
 
@@ -130,7 +130,7 @@ void Desktop::PlaceMainWindow() {
   const Place own = PlaceOf(*main_);
   const config::SettingsSection& section = unit_->Section();
   const Place stored{.Top = section.Single("MainTop", own.Top), .Left = section.Single("MainLeft", own.Left)};
-  // A window that is not moved goes where the desktop finds room for it.
+  // A window that is not moved is placed by the desktop.
   if (stored.Top != own.Top || stored.Left != own.Left) MoveTo(*main_, stored);
 }
 
@@ -201,7 +201,7 @@ void Desktop::AddTrayIcon() {
 }
 
 void Desktop::RemoveTrayIcon() {
-  // The menu may be what this call comes from.
+  // This call may come from the menu itself.
   if (tray_ != nullptr) tray_.release()->deleteLater();
   if (trayMenu_ != nullptr) trayMenu_.release()->deleteLater();
 }
@@ -270,7 +270,7 @@ void Desktop::ShowFirstConfiguration() {
 }
 
 void Desktop::ShowModally(QWidget& window) {
-  // What it is to show may have taken a wait, in which the program was told to close.
+  // Preparing what it shows may have waited, and the program may have been closed meanwhile.
   if (unit_->Run().ShuttingDown) return;
   const QPointer<QWidget> shown = &window;
   window.setWindowModality(Qt::ApplicationModal);
@@ -309,10 +309,10 @@ void Desktop::CloseUpdating() {
 // The other windows.
 
 Desktop::Kept* Desktop::Find(WindowName name) {
-  return const_cast<Kept*>(std::as_const(*this).Find(name));  // NOLINT: the one that is asked is not const
+  return const_cast<Kept*>(std::as_const(*this).Find(name));  // NOLINT: *this is not const
 }
 
-/// A window that was closed waits for the next refresh to be destroyed, and counts no longer.
+/// A closed window is destroyed at the next refresh and no longer counts.
 const Desktop::Kept* Desktop::Find(WindowName name) const {
   const auto place = kept_.find(name);
   if (place == kept_.end()) return nullptr;
@@ -442,7 +442,7 @@ void Desktop::UnloadChannelsAndLog() {
   }
 }
 
-// Only the closing rules run here. What they belong to goes with Detach, when nothing of it is in use.
+// Only the closing rules run here. The windows are destroyed by Detach, when nothing uses them any more.
 void Desktop::UnloadAll() {
   for (const WindowName name : std::vector(opened_.rbegin(), opened_.rend())) {
     if (IsPermanent(name)) continue;

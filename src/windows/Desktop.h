@@ -22,8 +22,8 @@
 
 namespace kestrune::windows {
 
-/// The windows of the program: it opens and closes them as the run asks for, keeps what is on screen like the
-/// records ten times a second, and carries the wishes of one window to another.
+/// The windows of the program. It opens and closes them as the run asks, refreshes what is on screen from the
+/// records ten times a second, and passes requests from one window to another.
 class Desktop final : public QObject, public recorder::Windows {
  public:
   struct Outside {
@@ -40,12 +40,12 @@ class Desktop final : public QObject, public recorder::Windows {
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
 
-  /// Once, before the unit loads.
+  /// Called once, before the unit loads.
   void Attach(recorder::Kestrune& unit);
-  /// Destroys all windows; before the unit goes.
+  /// Destroys all windows. Called before the unit is destroyed.
   void Detach();
 
-  /// How a window comes to be. Without one there is no such window, and nothing shows it.
+  /// Sets what creates a window. A window without a maker does not exist, and Show does nothing for it.
   void SetMaker(recorder::WindowName name, Maker maker);
 
   // Commands of other rooms.
@@ -55,7 +55,7 @@ class Desktop final : public QObject, public recorder::Windows {
 
   // What other windows ask for.
   void MainWindowToFront();
-  /// Gives the main window the focus and the key, which is told as HotKeyOf does.
+  /// Gives the main window the focus and the key, in HotKeyOf's numbering.
   void PassKey(int key);
   [[nodiscard]] frmKestrune* Main() const { return main_.get(); }
   /// The window while it is loaded, else null.
@@ -63,7 +63,7 @@ class Desktop final : public QObject, public recorder::Windows {
   /// Shows a window and waits until it is closed or the program closes; nothing else takes input meanwhile.
   void ShowModally(QWidget& window);
 
-  /// Shows all records that can be seen.
+  /// Refreshes every visible window.
   void Refresh();
 
   // The run's wishes.

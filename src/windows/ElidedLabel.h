@@ -5,14 +5,15 @@
 
 namespace kestrune::windows {
 
-/// A line of text whose length nobody knows beforehand: what does not fit is cut off with an ellipsis and
-/// stands whole in the tip, and the layout never moves for it. Always plain text, shown letter by letter.
+/// A line of text of unknown length. Text that does not fit is elided and shown in full in the tip, and the
+/// layout never changes because of it. The text is always plain and shown literally.
 class ElidedLabel final : public QLabel {
  public:
-  /// Asks the layout for room for so many letters.
+  /// Asks the layout for room for this many letters.
   explicit ElidedLabel(int letters, QWidget* parent = nullptr);
 
-  /// A double click, or Enter or the space bar while it has the focus; it takes the focus once this is set.
+  /// Called on a double click, and on Enter or the space bar while the label has the focus. Setting it makes
+  /// the label take the focus.
   void SetActivated(std::function<void()> activated);
 
   [[nodiscard]] QSize sizeHint() const override;

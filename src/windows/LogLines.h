@@ -6,7 +6,7 @@
 
 namespace kestrune::windows {
 
-/// The log's last lines as a list model. It listens to the list for as long as it lives.
+/// The log's last lines as a list model. It observes the list until it is destroyed.
 class LogLines final : public QAbstractListModel {
  public:
   /// The list must outlive the model.
@@ -23,8 +23,8 @@ class LogLines final : public QAbstractListModel {
   [[nodiscard]] int Held() const { return static_cast<int>(list_.Lines().size()); }
 
   schedule::LogList& list_;
-  int rows_ = 0;  // as the views know it
-  int gone_ = 0;  // taken from the top of the list, of which the views have not heard yet
+  int rows_ = 0;  // as the views know them
+  int gone_ = 0;  // removed from the top of the list, not yet reported to the views
 };
 
 }  // namespace kestrune::windows

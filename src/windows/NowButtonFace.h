@@ -4,13 +4,13 @@
 
 namespace kestrune::windows {
 
-/// A big button with a caption of some lines, each of which is cut off with an ellipsis where it is too long.
-/// "&&" in the caption shows "&".
+/// A big button with a caption of several lines, each elided if it is too long. "&&" in the caption shows
+/// "&".
 class NowButtonFace final : public QPushButton {
  public:
   explicit NowButtonFace(QWidget* parent = nullptr);
 
-  /// Green, or the colour of a button.
+  /// Green, or the normal button colour.
   void ShowTuned(bool tuned);
   [[nodiscard]] bool Tuned() const { return tuned_; }
 

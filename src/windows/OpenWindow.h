@@ -7,8 +7,8 @@
 
 namespace kestrune::windows {
 
-/// A window that the desktop keeps: it needs a Refresh() and, if it refuses to go before the program ends, a
-/// field QuitFlag.
+/// A window that the desktop keeps. The window needs a Refresh() and, if it refuses to close before the
+/// program ends, a field QuitFlag.
 class OpenWindow {
  public:
   virtual ~OpenWindow() = default;
@@ -19,11 +19,12 @@ class OpenWindow {
   /// Null if the window has destroyed itself.
   [[nodiscard]] virtual QWidget* Widget() const = 0;
   virtual void Refresh() = 0;
-  /// Shows it before all others.
+  /// Shows it in front of all others.
   virtual void Open() = 0;
-  /// The first run of the program: shows it in a way of its own, if it has one, and returns once it has closed.
+  /// At the first run of the program: shows it in its special way, if it has one, and returns once it has
+  /// closed.
   virtual void OpenFirst() = 0;
-  /// The program ends: the next close is for good.
+  /// The program ends: the next close is final.
   virtual void Quit() = 0;
 };
 

@@ -9,8 +9,8 @@ class QRadioButton;
 
 namespace kestrune::windows {
 
-/// An option window of groups of option buttons, laid out as the design of its rules says. Its name is frmFormat and
-/// the format's code.
+/// An option window of groups of option buttons, laid out as the design of its rules says. Its name is
+/// frmFormat and the format's code.
 class OptionButtons final : public OptionDialog {
  public:
   /// `options` must outlive the window; the constructor loads them.

@@ -8,8 +8,8 @@ class QVBoxLayout;
 
 namespace kestrune::windows {
 
-/// What the option windows of all formats share: room for their controls above cmdOK and cmdCancel. A cancel, by
-/// button, Escape or close box, keeps nothing; the rules' own copy is filled anew next time.
+/// What the option windows of all formats share: room for their controls above cmdOK and cmdCancel. A cancel,
+/// by button, Escape or close box, keeps nothing; the rules' own copy is filled anew next time.
 class OptionDialog : public QDialog {
  public:
   OptionDialog(const char* objectName, std::string_view caption, QWidget* parent);
@@ -17,7 +17,8 @@ class OptionDialog : public QDialog {
  protected:
   /// Where the controls go, from top to bottom.
   [[nodiscard]] QVBoxLayout& Body() { return *body_; }
-  /// Called by the derived constructor once its controls are there: so they come first by the Tab key.
+  /// Called by the derived constructor after it has added its controls, so that they come first in the tab
+  /// order.
   void AddButtons();
   /// The user pressed cmdOK; true closes the window.
   virtual bool cmdOK() = 0;

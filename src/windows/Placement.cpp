@@ -13,7 +13,7 @@ namespace kestrune::windows {
 namespace {
 
 constexpr float kTwipsPerPixel = 15;
-/// Of a window's upper edge this much stays on the screen, so that the user can take hold of it.
+/// This much of a window's upper edge stays on the screen, so that the user can grab it.
 constexpr int kReach = 60;
 
 int Pixels(float twips) {
@@ -25,8 +25,8 @@ int Pixels(float twips) {
 }  // namespace
 
 void MoveTo(QWidget& window, Place place) {
-  // A window that takes its size only when it is shown is put there without its frame, and would move up by its
-  // title bar from start to start.
+  // A window that gets its size only when it is shown is placed without its frame, and would move up by the
+  // height of its title bar at each start.
   if (!window.testAttribute(Qt::WA_Resized)) window.adjustSize();
   QPoint wanted(Pixels(place.Left), Pixels(place.Top));
   const QScreen* screen = QGuiApplication::screenAt(wanted);

@@ -4,8 +4,8 @@
 
 namespace kestrune::windows {
 
-/// The program's icon: the built-in pictures, else the desktop's icon of that name, else one drawn on the
-/// spot; never empty, as a tray shows nothing then.
+/// The program's icon: the built-in pictures, else the desktop's icon of that name, else one that is drawn
+/// here; never empty, since a tray would show nothing.
 [[nodiscard]] QIcon ProgramIcon();
 
 }  // namespace kestrune::windows

@@ -20,7 +20,7 @@ using platform::MessageAnswer;
 using platform::MessageButtons;
 using platform::MessageIcon;
 
-/// A question stands under the ordinary pointer, also while the program is busy.
+/// A question shows the ordinary pointer even while the program is busy.
 class OrdinaryPointer {
  public:
   OrdinaryPointer() {
@@ -142,7 +142,7 @@ bool QtDialogs::AskForAgreement() {
 
 void QtDialogs::GiveUp() {
   givenUp_ = true;
-  // From the innermost outwards; each returns to whoever asked once this call has returned.
+  // From the innermost outwards; each returns to its caller after this call has returned.
   for (QWidget* window : QApplication::topLevelWidgets()) {
     auto* dialog = qobject_cast<QDialog*>(window);
     if (dialog != nullptr && dialog->isVisible() && dialog->isModal()) dialog->reject();

@@ -6,8 +6,8 @@
 
 namespace kestrune::windows {
 
-/// Message boxes of the desktop. Once the program closes nobody is asked any more: what is open is answered,
-/// and so is all that follows, with the answer that changes least, Cancel before No before Ok.
+/// Message boxes of the desktop. Once the program closes nobody is asked any more: the open boxes and all
+/// later ones are answered with the answer that changes least, Cancel before No before Ok.
 class QtDialogs final : public platform::Dialogs {
  public:
   /// `agreementFile` is shown for the agreement, unless it was accepted on the command line.

@@ -4,7 +4,7 @@
 
 namespace kestrune::windows {
 
-/// The desktop's alert, whatever sound is asked for: Linux knows no system sounds by the product's names.
+/// Plays the desktop's alert for every sound: Linux has no system sounds of the product's names.
 class QtSounds final : public platform::Sounds {
  public:
   void Play(std::string_view name) override;

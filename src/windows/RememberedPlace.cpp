@@ -33,7 +33,7 @@ void RestorePlace(QWidget& window, const config::SettingsSection& section, std::
         section.Single(Key(name, "Width"), static_cast<float>(window.width()) * kTwipsPerPixel);
     window.resize(Pixels(width, window.minimumWidth()), Pixels(height, window.minimumHeight()));
   }
-  // A window that was never closed yet is placed by the desktop.
+  // A window that has never been closed is placed by the desktop.
   if (section.Text(Key(name, "Top"), {}).empty() && section.Text(Key(name, "Left"), {}).empty()) return;
   const Place here = PlaceOf(window);
   MoveTo(window, {.Top = section.Single(Key(name, "Top"), here.Top),

@@ -38,7 +38,7 @@ UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outsi
     unit_.GrabKill().DblClick(word == "Artist" ? Field::Artist : Field::Song, caption);
   };
   unit.GrabKill().SetWindow([this] { AskForList(); });
-  // A cell of the channels window is no caption of a label, so its ampersands are single.
+  // Cells of the channels window have single ampersands, unlike captions of labels.
   unit.ChannelsWindow().OfferForList = [this](std::string_view word, std::string_view text) {
     desktop_.OfferForList(word, base::DoubleAmpersands(text));
   };

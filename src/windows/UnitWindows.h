@@ -13,8 +13,8 @@
 
 namespace kestrune::windows {
 
-/// What opens from the main window: how each window comes to be, and what it asks of the others. It owns the
-/// rules that only a window needs.
+/// The windows that open from the main window: how each is created, and what it asks of the others. It owns
+/// the rules that only a window needs.
 class UnitWindows {
  public:
   struct Outside {
@@ -26,8 +26,8 @@ class UnitWindows {
     platform::Mixer& Mixer;
   };
 
-  /// The desktop is attached to the unit. All must outlive the object, but for the windows themselves, which
-  /// must be gone before it: see Desktop::Detach.
+  /// The desktop is attached to the unit. All must outlive the object. The windows themselves must be
+  /// destroyed before it: see Desktop::Detach.
   UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outside& outside);
   UnitWindows(const UnitWindows&) = delete;
   UnitWindows& operator=(const UnitWindows&) = delete;

@@ -33,7 +33,7 @@ int Pixels(float twips) {
 
 frmChannels::frmChannels(presenters::ChannelChooser& rules, const config::SettingsSection& section,
                          QWidget* parent)
-    // Only the height is the user's, so there is no button that fills the screen.
+    // The user can change only the height, so there is no maximise button.
     : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
       rules_(rules),
@@ -75,14 +75,14 @@ frmChannels::frmChannels(presenters::ChannelChooser& rules, const config::Settin
 void frmChannels::Refresh() {
   const bool opens = rules_.Grid().Enabled && !isEnabled();
   ShowEnabled(*this, rules_.Grid().Enabled);
-  // While it takes no input nothing in it can have the focus, and none comes back by itself.
+  // A disabled window loses its focus and does not regain it by itself.
   if (opens) grdChannels_->setFocus();
   model_->Update();
   ShowWidths();
   grdChannels_->SelectRow(rules_.Grid().SelectedRow());
 }
 
-// The last column takes what the others and the scroll bar leave.
+// The last column takes the width that the others and the scroll bar leave.
 void frmChannels::ShowWidths() {
   if (widths_ == rules_.Grid().Widths()) return;
   widths_ = rules_.Grid().Widths();
@@ -90,7 +90,7 @@ void frmChannels::ShowWidths() {
   const int number = grdChannels_->fontMetrics().horizontalAdvance(QStringLiteral("000")) + margin;
   for (int column = 0; column < radio::ChannelGrid::kColumns - 1; ++column) {
     const int told = widths_.at(static_cast<std::size_t>(column)) / kTwipsPerPixel;
-    // A number is never cut off, however big the font.
+    // A number is never cut off, however large the font.
     grdChannels_->setColumnWidth(column,
                                  column == radio::ChannelGrid::Number ? std::max(told, number) : told);
   }
@@ -103,7 +103,7 @@ void frmChannels::ClickTitle(int column) {
   grdChannels_->scrollTo(grdChannels_->currentIndex());
 }
 
-// What came while it was hidden is there at once, and the tuned channel in view.
+// Shows at once what has changed while it was hidden, and scrolls to the tuned channel.
 void frmChannels::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   Refresh();

@@ -20,7 +20,7 @@ class frmChannels final : public QWidget {
   frmChannels(presenters::ChannelChooser& rules, const config::SettingsSection& section,
               QWidget* parent = nullptr);
 
-  /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
+  /// A key of the main window was pressed, in HotKeyOf's numbering: pass it the focus and the key.
   std::function<void(int)> HotKey;
 
   /// Shows what has changed since the last call, and nothing else.

@@ -32,7 +32,7 @@ constexpr int kLengthCharacters = 10;
 constexpr int kDeviceCharacters = 40;
 constexpr int kNumberCharacters = 6;
 
-/// The nearest folder above that is there.
+/// The nearest existing folder at or above the path.
 QString ExistingFolder(const QString& path) {
   QFileInfo folder(path);
   while (!folder.isDir() && !folder.isRoot() && folder.filePath() != folder.path()) {
@@ -265,7 +265,7 @@ void frmConfig::AddButtons() {
   static_cast<QVBoxLayout*>(layout())->addLayout(row);
 }
 
-// The groups are grids of their own, so their first columns are made equally wide.
+// Each group has a grid of its own, so their first columns are made equally wide here.
 void frmConfig::AlignLabels() {
   int width = 0;
   for (const QLabel* label : labels_) width = std::max(width, label->sizeHint().width());

@@ -18,8 +18,8 @@ namespace kestrune::windows {
 
 class UpDown;
 
-/// The configuration. It is one window that is shown and hidden; the windows that open from it are made anew
-/// each time, are modal, and go with it.
+/// The configuration. It is one window that is shown and hidden. The windows that open from it are modal, are
+/// created anew each time and close with it.
 class frmConfig final : public QDialog {
  public:
   /// `configuration` must outlive the window.
@@ -28,18 +28,18 @@ class frmConfig final : public QDialog {
   /// Called when a save is done, to give the main window the focus.
   std::function<void()> FocusMainWindow = [] {};
 
-  /// Loads and shows it beside the main window; one that is open already just comes to the front.
+  /// Loads and shows it beside the main window; if it is already open, it only comes to the front.
   void ShowModeless();
-  /// The first run: modal, and without its cancel. Returns once it has closed.
+  /// For the first run: modal and without a cancel button. Returns once it has closed.
   void ShowFirst();
   /// Shows the rules' record, and with it what has been changed elsewhere.
   void Refresh();
 
-  /// Escape: the same as the cancel button, and nothing while that is hidden.
+  /// Escape does the same as the cancel button, and nothing while that is hidden.
   void reject() override;
 
  protected:
-  /// The user's close box asks, a close by the program does not.
+  /// A close by the user asks about changes, a close by the program does not.
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
 

@@ -131,7 +131,7 @@ QWidget* frmDateSelect::MakeCalendar() {
   cldDateSelect_->setNavigationBarVisible(false);
   cldDateSelect_->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
   cldDateSelect_->setDateEditEnabled(false);
-  // Red weekends would mean something here that they do not mean.
+  // Weekends are not red, since red would seem to have a meaning here.
   for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) cldDateSelect_->setWeekdayTextFormat(day, {});
   connect(cldDateSelect_, &QCalendarWidget::selectionChanged, this,
           [this] { rules_.MoveCalendar(FromQt(cldDateSelect_->selectedDate())); });
@@ -158,7 +158,7 @@ void frmDateSelect::Refresh() {
   ShowPage();
 }
 
-/// The month's name, and the days that have passed in the colour of what is not there: they give today.
+/// The month's name. Days that have passed are shown as disabled: choosing one gives today.
 void frmDateSelect::ShowPage() {
   const QDate first(cldDateSelect_->yearShown(), cldDateSelect_->monthShown(), 1);
   ShowText(*lblMonth_, base::FormatDate(FromQt(first), "mmmm yyyy"));
@@ -175,7 +175,7 @@ void frmDateSelect::ShowPage() {
 }
 
 void frmDateSelect::ChooseDate(QDate date) {
-  // A double click is told as a click and, behind it, as an activation.
+  // A double click arrives as a click and then as an activation.
   if (!isVisible()) return;
   rules_.ChooseDate(FromQt(date));
   accept();

@@ -11,8 +11,8 @@ class QLabel;
 
 namespace kestrune::windows {
 
-/// The date picker of the scheduler. Shown blocking, by exec(); any choice closes it, and closed without one it
-/// leaves the date as it came.
+/// The date picker of the scheduler. It is shown by exec(), which blocks. Any choice closes it; closed
+/// without one, it leaves the date unchanged.
 class frmDateSelect final : public QDialog {
  public:
   /// Both references must outlive the window.

@@ -41,7 +41,7 @@ frmFilenameFormatSelect::frmFilenameFormatSelect(presenters::FilenameFormatSelec
     label->setProperty("tag", ToQt(rows[row].Format));
     label->setWordWrap(true);
     label->setMinimumWidth(label->fontMetrics().averageCharWidth() * kDescriptionCharacters);
-    // On a small screen a window is first made too low for labels that wrap, unless they insist.
+    // On a small screen a window starts too low for labels that wrap, unless they have a minimum height.
     label->setMinimumHeight(label->heightForWidth(label->minimumWidth()));
     grid->addWidget(button, static_cast<int>(row), 0);
     grid->addWidget(label, static_cast<int>(row), 1);

@@ -19,7 +19,7 @@ constexpr int kMostQuality = 1000;
 constexpr int kQualityTick = 100;
 constexpr int kSliderCharacters = 50;
 
-/// The text at the handle, while the user moves it.
+/// The text at the handle while the user moves it.
 void ShowTip(QSlider& slider, std::string_view text) {
   slider.setAccessibleDescription(ToQt(text));
   if (slider.isVisible()) {
@@ -56,7 +56,7 @@ frmFormatOgg::frmFormatOgg(presenters::OggOptions& options, QWidget* parent)
   });
   Body().addWidget(frmOption);
 
-  // Either the bitrates are in sight or the quality, so they share their place.
+  // Either the bitrates or the quality are visible, so they share a place.
   auto* place = new QGridLayout;
   Body().addLayout(place);
   auto* bitrates = new QVBoxLayout;

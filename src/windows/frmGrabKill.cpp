@@ -37,7 +37,7 @@ frmGrabKill::frmGrabKill(presenters::GrabKill& rules, QWidget* parent) : QDialog
   lblQuestion->setTextFormat(Qt::PlainText);
   lblQuestion->setWordWrap(true);
   lblQuestion->setMinimumWidth(56 * fontMetrics().averageCharWidth());
-  // A caption doubles its ampersands; the user reads one.
+  // A caption has doubled ampersands; the user sees single ones.
   ShowText(*lblQuestion, base::ReplaceAll(rules.lblQuestion(), "&&", "&"));
 
   auto* answers = new QHBoxLayout;

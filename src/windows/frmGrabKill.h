@@ -6,10 +6,11 @@
 
 namespace kestrune::windows {
 
-/// The question of the quick addition. Shown blocking, by exec(); closed without a button it answers nothing.
+/// The question of the quick addition. It is shown by exec(), which blocks. Closed without a button, it gives
+/// no answer.
 class frmGrabKill final : public QDialog {
  public:
-  /// Shows the question as it stands in the rules, which must outlive the window.
+  /// Shows the question of the rules, which must outlive the window.
   explicit frmGrabKill(presenters::GrabKill& rules, QWidget* parent = nullptr);
 };
 

@@ -51,7 +51,7 @@ ElidedLabel* MakeElided(const char* name, int letters, QWidget* parent, const ch
   return label;
 }
 
-/// A label for a text of a known shape, which keeps its room whatever it shows and while it is hidden.
+/// A label for a text of known width. It keeps its space whatever it shows, and while it is hidden.
 QLabel* MakeFixed(const char* name, const char* widest, QWidget* parent) {
   QLabel* label = MakeLabel(name, "", parent);
   label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromUtf8(widest)));
@@ -130,7 +130,7 @@ void frmKestrune::MakeMenus() {
       if (Show) Show(name);
     };
   };
-  // By reference to the member: what leaves the window is set after it has been made.
+  // By reference to the member, which is set after the window has been created.
   const auto leave = [](std::function<void()>& way) {
     return [&way] {
       if (way) way();
@@ -359,7 +359,7 @@ QWidget* frmKestrune::MakePresets() {
       unit_.PresetButtons().cmdPresetStation_Click(i);
       Refresh();
     });
-    // Down the columns, as the now window has them.
+    // Column by column, as in the now window.
     constexpr int kRows = presenters::Presets::kCount / kPresetColumns;
     grid->addWidget(button, i % kRows, i / kRows);
     presets_.push_back(button);
@@ -490,10 +490,10 @@ void frmKestrune::ShowPreset(QPushButton& button, std::size_t number, const Pres
   const QString shown = button.fontMetrics().elidedText(whole, Qt::ElideRight, face.Room);
   const QString tip = ToQt(face.Tip);
   button.setToolTip(shown == whole ? tip : PlainTip(whole + QLatin1Char('\n') + tip));
-  // A button takes "&" for the mark of its key.
+  // A button takes "&" as the mark of its key.
   button.setText(QString(shown).replace(QLatin1Char('&'), QLatin1String("&&")));
   button.setAccessibleName(whole);
-  // What is not there yet stands back.
+  // A preset without a song yet is shown dimmed.
   QPalette colours = palette();
   if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
   button.setPalette(colours);
@@ -510,7 +510,7 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
     lblRecording_->setPalette(colours);
   }
   ShowText(*lblExplanation_, unit_.Explanation());
-  // The room of the clock stays: the text is taken away and not the label.
+  // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
   ShowVisible(*pctTimer_, record.pctTimer.Visible);
   ShowVisible(*lblcRemaining_, record.lblRemaining.Visible);
@@ -551,7 +551,7 @@ void frmKestrune::closeEvent(QCloseEvent* event) {
 void frmKestrune::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange && StateChanged) StateChanged();
-  // While it takes no input nothing in it can have the focus, and none comes back by itself.
+  // A disabled window loses its focus and does not regain it by itself.
   if (event->type() == QEvent::EnabledChange && isEnabled() && focusWidget() == nullptr)
     cmdRecord_->setFocus();
 }

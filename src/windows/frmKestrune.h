@@ -23,32 +23,33 @@ namespace kestrune::windows {
 class AudioDisplay;
 class ElidedLabel;
 
-/// The main window: what plays, what becomes of it, how loud it is; the switches, and the way to every other
+/// The main window: what plays, what happens to it, how loud it is; the switches, and the way to every other
 /// window.
 class frmKestrune final : public QMainWindow {
  public:
   /// The unit must outlive the window.
   explicit frmKestrune(recorder::Kestrune& unit);
 
-  // What leaves the window.
+  // What the window asks of others.
   std::function<void(recorder::WindowName)> Show;
   std::function<void()> mnuAbout;
   std::function<void()> mnuHelpWith;
   std::function<void()> mnuIntent;
   std::function<void()> mnuCheckUpdate;
   std::function<void()> mnuRadioID;
-  /// The user wants the artist or the song in a list: "Artist" or "Song", and the label's caption.
+  /// The user wants to add the artist or the song to a list. Takes "Artist" or "Song", and the label's
+  /// caption.
   std::function<void(std::string_view word, const std::string& caption)> OfferForList;
-  /// The window was minimised, restored, resized: the record's state is to follow.
+  /// The window was minimised, restored or resized: update the record's state.
   std::function<void()> StateChanged;
-  /// The close box; the window itself stays.
+  /// The close box was clicked; the window itself stays open.
   std::function<void()> CloseAsked;
 
   /// Shows the unit as it is now.
   void Refresh();
   /// Shows the record, and the presets and levels of now.
   void Refresh(const recorder::MainWindow& record);
-  /// A key as HotKeyOf tells it, pressed here or in another window.
+  /// Acts on a key in HotKeyOf's numbering, pressed here or in another window.
   void PressHotKey(int key);
 
   [[nodiscard]] QAction* Entry(const char* name) const;
@@ -68,7 +69,7 @@ class frmKestrune final : public QMainWindow {
     bool recorder::MainWindow::*Checked;
   };
 
-  /// What a preset button looks like depends on these; to cut its text to its width takes long.
+  /// What the look of a preset button depends on; it is kept because eliding the text is slow.
   struct PresetFace {
     std::string Caption;
     std::string Tip;

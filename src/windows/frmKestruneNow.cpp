@@ -47,9 +47,9 @@ QLabel* MakeLine(QWidget* parent, const char* name, const char* accessible) {
   return label;
 }
 
-// True if the label showed something else.
+// Returns true if the label showed something else.
 bool ShowLine(QLabel& label, const std::string& caption) {
-  // A label without a buddy takes no "&" for a mark, so the doubled one would show as two.
+  // A label without a buddy does not treat "&" as a mark, so "&&" would show as two.
   const QString text = ToQt(base::OneLine(base::ReplaceAll(caption, "&&", "&")));
   if (label.text() == text) return false;
   label.setText(text);

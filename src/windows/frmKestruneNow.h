@@ -14,15 +14,15 @@ namespace kestrune::windows {
 
 class NowButtonFace;
 
-/// What plays now, in letters to be read from afar. It is made anew each time it is shown and deletes itself
-/// when it closes, so its owner holds it in a QPointer.
+/// What plays now, in letters large enough to read from afar. It is created anew each time it is shown and
+/// deletes itself when it closes, so its owner holds it in a QPointer.
 class frmKestruneNow final : public QWidget {
  public:
   /// Loads the rules and places itself. All references must outlive the window.
   frmKestruneNow(presenters::NowScreen& rules, presenters::Presets& presets,
                  const config::SettingsSection& section, QWidget* parent = nullptr);
 
-  /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
+  /// A key of the main window was pressed, in HotKeyOf's numbering: pass it the focus and the key.
   std::function<void(int)> HotKey;
   /// It closes: `chkKestruneNow` is to be cleared.
   std::function<void()> Closed;

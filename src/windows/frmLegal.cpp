@@ -36,7 +36,7 @@ frmLegal::frmLegal(const std::string& agreementFile, platform::Dialogs& dialogs)
   Name(*cmdAgree, "cmdAgree");
   auto* cmdCancel = new QPushButton(QStringLiteral("Cancel"), this);
   Name(*cmdCancel, "cmdCancel");
-  // Enter on the agreement itself must not be taken for a yes.
+  // Enter in the agreement's text must not count as a yes.
   cmdAgree->setAutoDefault(false);
   cmdCancel->setAutoDefault(false);
   connect(cmdAgree, &QPushButton::clicked, this, [this] { cmdAgree_Click(); });

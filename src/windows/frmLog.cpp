@@ -17,8 +17,8 @@
 
 namespace kestrune::windows {
 
-/// Gives all lines the size of the widest one, so that the view need not measure thousands of them for each line
-/// that comes.
+/// Gives all lines the size of the widest one, so that the view need not measure thousands of lines for each
+/// new one.
 class LogLineDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -34,7 +34,7 @@ class LogLineDelegate final : public QStyledItemDelegate {
 };
 
 frmLog::frmLog(presenters::LogWindow& rules, const config::SettingsSection& section, QWidget* parent)
-    // A size of the user's own is what this window remembers, so it has no button that fills the screen.
+    // This window remembers a size of the user's choice, so it has no maximise button.
     : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
       rules_(rules),
@@ -80,7 +80,7 @@ frmLog::frmLog(presenters::LogWindow& rules, const config::SettingsSection& sect
     Measure(0);
     Follow();
   });
-  // The bar counts lines, so what the user reads stays in its place when the oldest lines go.
+  // The scroll bar counts lines, so what the user reads stays in place when the oldest lines are removed.
   connect(lines_, &QAbstractItemModel::rowsRemoved, this,
           [this, bar](const QModelIndex& /*parent*/, int first, int last) {
             const QScopedValueRollback moving(moving_, true);

@@ -24,7 +24,7 @@ class frmLog final : public QWidget {
   bool QuitFlag = false;
   /// The user has closed, which hid the window: `chkRecordLog` is to be cleared.
   std::function<void()> Hidden;
-  /// A key of the main window, told as HotKeyOf does: it is to get the focus and the key.
+  /// A key of the main window was pressed, in HotKeyOf's numbering: pass it the focus and the key.
   std::function<void(int)> HotKey;
 
   /// Runs also when the window is hidden through `chkRecordLog`.

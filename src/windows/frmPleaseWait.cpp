@@ -36,7 +36,7 @@ void frmPleaseWait::ShowPort(std::int16_t port) {
 }
 
 void frmPleaseWait::closeEvent(QCloseEvent* event) {
-  event->ignore();  // it goes when the radio is found, or is not
+  event->ignore();  // it closes when the search for the radio ends
 }
 
 }  // namespace kestrune::windows

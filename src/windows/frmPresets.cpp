@@ -33,7 +33,7 @@ frmPresets::frmPresets(presenters::PresetSetup& rules, const config::SettingsSec
       new QLabel(QStringLiteral("Select the channel to be associated with each preset button:"), this);
   Name(*lblInstructions, "lblInstructions");
 
-  // The lists differ in their choice alone, so they share their lines.
+  // The lists differ only in their choice, so they share their lines.
   auto* lines = new QStandardItemModel(this);
   for (const presenters::PresetSetup::Line& line : rules_.Lines()) {
     auto* item = new QStandardItem(ToQt(base::OneLine(line.Text)));

@@ -26,7 +26,7 @@ frmRadioID::frmRadioID(std::string_view radioID, QWidget* parent) : QDialog(pare
   font.setPointSizeF(lblPCRIDIs->font().pointSizeF() * 2);
   lblID->setFont(font);
   lblID->setTextFormat(Qt::PlainText);
-  // It is there to be told to somebody: it can be copied.
+  // The user has to pass it on, so it can be selected and copied.
   lblID->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   lblID->setText(ToQt(base::OneLine(radioID)));
 

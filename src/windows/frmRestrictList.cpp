@@ -23,7 +23,8 @@
 namespace kestrune::windows {
 namespace {
 
-/// What differs between the columns: two are for artists, two for songs; two lists have each other's tip.
+/// What differs between the columns: two are for artists and two for songs, and two lists have each other's
+/// tip.
 struct ColumnTexts {
   const char* ListTip;
   const char* TextTip;
@@ -53,7 +54,7 @@ QLabel* MakeLabel(const char* name, const char* caption, QWidget* parent) {
   return label;
 }
 
-/// Touches only the rows between what is alike at both ends, so that the list neither flickers nor scrolls.
+/// Changes only the rows between the equal ones at both ends, so that the list neither flickers nor scrolls.
 void ShowItems(QListWidget& list, const std::vector<std::string>& items) {
   const auto shown = static_cast<std::size_t>(list.count());
   const auto same = [&](std::size_t row, std::size_t item) {
@@ -67,7 +68,7 @@ void ShowItems(QListWidget& list, const std::vector<std::string>& items) {
   for (std::size_t row = head; row < shown - tail; ++row) delete list.takeItem(static_cast<int>(head));
   for (std::size_t item = head; item < items.size() - tail; ++item)
     list.insertItem(static_cast<int>(item), ToQt(items[item]));
-  // What the user has just added comes into view.
+  // Scrolls to what the user has just added.
   if (items.size() - tail == head + 1 && shown > 0) list.scrollToItem(list.item(static_cast<int>(head)));
 }
 
@@ -112,7 +113,7 @@ frmRestrictList::frmRestrictList(presenters::RestrictListEditor& rules, const ba
 }
 
 frmRestrictList::~frmRestrictList() {
-  // A window that has closed lives on for a moment, in which another one may have been opened.
+  // A closed window lives on for a moment, and another one may be opened meanwhile.
   if (!closed_) rules_.Unload();
 }
 
@@ -127,7 +128,7 @@ QVBoxLayout* frmRestrictList::MakeColumn(std::size_t index, QWidget* heading) {
   list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   list->setMinimumWidth(24 * fontMetrics().averageCharWidth());
   list->setMinimumHeight(4 * fontMetrics().lineSpacing());
-  // The keys move within the list; only a click or Enter goes on to the text.
+  // The keys move within the list; only a click or Enter moves on to the text.
   connect(list, &QListWidget::itemSelectionChanged, this, [this, index] { Click(index, false); });
   connect(list, &QListWidget::itemClicked, this, [this, index] { Click(index, true); });
   connect(list, &QListWidget::itemActivated, this, [this, index] { Click(index, true); });
@@ -142,7 +143,7 @@ QVBoxLayout* frmRestrictList::MakeColumn(std::size_t index, QWidget* heading) {
   const auto button = [&](const char* name, const char* caption, const char* tip) {
     auto* made = new QPushButton(QLatin1String(caption), this);
     Name(*made, named(name).c_str(), tip);
-    // Twelve buttons of a style's usual width would make the window wider than some screens.
+    // Twelve buttons of the style's usual width would make the window wider than some screens.
     made->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     made->setMinimumWidth(made->fontMetrics().horizontalAdvance(made->text()) +
                           4 * made->fontMetrics().averageCharWidth());
@@ -219,7 +220,7 @@ void frmRestrictList::cmdCancel() {
 
 void frmRestrictList::closeEvent(QCloseEvent* event) {
   SavePlace(*this, section_, "RestrictList");
-  // At the end of the program nobody is there any more to ask.
+  // At the end of the program there is nobody left to ask.
   const bool closes = run_.ShuttingDown || rules_.MayClose();
   event->setAccepted(closes);
   if (closes && !closed_) {

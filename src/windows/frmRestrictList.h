@@ -28,7 +28,7 @@ class frmRestrictList final : public QWidget {
   /// A close has ended, refused or not: `chkRestrictList` is to be ticked if it was refused, cleared if not.
   /// Does not come while the program shuts down.
   std::function<void(bool refused)> CloseEnded;
-  /// The main window is to get the focus.
+  /// Gives the main window the focus.
   std::function<void()> FocusMainWindow;
 
   void Refresh();

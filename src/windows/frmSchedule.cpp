@@ -36,7 +36,7 @@ using presenters::Scheduler;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
 
-/// What the desktop draws around the window, at most, and keeps for itself.
+/// The most that the desktop takes for the frame around the window and for itself.
 constexpr QSize kFrame(8, 48);
 
 /// The columns of the grid, from the left; narrow empty ones set the groups apart.
@@ -77,8 +77,7 @@ void Tighten(QPushButton& button, const char* widest) {
   button.setFixedWidth(metrics.horizontalAdvance(QLatin1String(widest)) + 3 * metrics.averageCharWidth());
 }
 
-/// Opens as wide as its items are. Where its own width does not follow them, it ends a long text with an
-/// ellipsis.
+/// Its popup is as wide as its items. If its own width does not follow them, it elides a long text.
 class NarrowList final : public QComboBox {
  public:
   using QComboBox::QComboBox;
@@ -109,8 +108,8 @@ class NarrowList final : public QComboBox {
 
 }  // namespace
 
-frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop& loop, const base::RunState& run,
-                         const config::SettingsSection& section, QWidget* parent)
+frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop& loop,
+                         const base::RunState& run, const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window),
       rules_(std::move(rules)),
       loop_(loop),
@@ -161,14 +160,14 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
   layout->addLayout(ends);
 
   Refresh();
-  // All of it where the screen is large enough; bars where it is not.
+  // Shows all of it if the screen is large enough, else scroll bars.
   const QMargins margins = layout->contentsMargins();
   QSize whole = page->sizeHint() +
                 QSize(margins.left() + margins.right(),
                       margins.top() + margins.bottom() + layout->spacing() + ends->sizeHint().height());
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QSize room = screen->availableSize() - kFrame;
-    // The bar under the rows is to hide none of them.
+    // The scroll bar under the rows must hide none of them.
     if (whole.width() > room.width()) whole.rheight() += scroll->horizontalScrollBar()->sizeHint().height();
     whole = whole.boundedTo(room);
   }
@@ -414,7 +413,7 @@ void frmSchedule::cmdCancel() {
   close();
 }
 
-/// The wheel turns a list only once the user has gone into it: else scrolling the rows would change them.
+/// The wheel changes a list only while it has the focus, else scrolling the rows would change them.
 bool frmSchedule::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {
     event->ignore();
@@ -427,7 +426,7 @@ void frmSchedule::closeEvent(QCloseEvent* event) {
   const QPointer<frmSchedule> self(this);
   const std::shared_ptr<Scheduler> rules = rules_;
   SavePlace(*this, section_, "Schedule");
-  // At the end of the program nobody is there any more to ask.
+  // At the end of the program there is nobody left to ask.
   const bool closes = rules->MayClose(!run_.ShuttingDown);
   event->setAccepted(closes);
   if (!self) return;

@@ -22,14 +22,14 @@ namespace kestrune::windows {
 class frmSchedule final : public QWidget {
  public:
   /// Takes rules that are newly loaded, and places itself. All references must outlive the window.
-  frmSchedule(std::shared_ptr<presenters::Scheduler> rules, const base::EventLoop& loop, const base::RunState& run,
-              const config::SettingsSection& section, QWidget* parent = nullptr);
+  frmSchedule(std::shared_ptr<presenters::Scheduler> rules, const base::EventLoop& loop,
+              const base::RunState& run, const config::SettingsSection& section, QWidget* parent = nullptr);
   ~frmSchedule() override;
 
   /// A close has ended, refused or not: `chkSchedule` is to be ticked if it was refused, cleared if not. Does
   /// not come while the program shuts down.
   std::function<void(bool refused)> CloseEnded;
-  /// The main window is to get the focus.
+  /// Gives the main window the focus.
   std::function<void()> FocusMainWindow;
 
   [[nodiscard]] const presenters::Scheduler& Rules() const { return *rules_; }
@@ -62,7 +62,7 @@ class frmSchedule final : public QWidget {
     QCheckBox* chkKill = nullptr;
     QComboBox* cboMP3BitRate = nullptr;
   };
-  /// A control of a row as it is told: its name, its tip, and what it is for those who hear it.
+  /// A control of a row: its name, its tip, and its accessible name.
   struct Control {
     const char* Name;
     const char* Tip;

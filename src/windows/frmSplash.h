@@ -10,13 +10,13 @@
 
 namespace kestrune::windows {
 
-/// The maker's places, which are no part of the program. An empty one is not shown.
+/// The maker's addresses, which are configured outside the program. An empty one is not shown.
 struct MakerLinks {
   std::string WebSite{};
   std::string Mail{};  ///< an address without a scheme
 };
 
-/// Says what program this is, at the start and on demand, for three seconds.
+/// Shows the program's name and version for three seconds, at the start and on demand.
 class frmSplash final : public QWidget {
  public:
   /// All must outlive the window.

@@ -13,7 +13,7 @@
 namespace kestrune::windows {
 namespace {
 
-/// About as often as a screen shows anything.
+/// About the refresh rate of a screen.
 constexpr std::chrono::milliseconds kRedraw{20};
 constexpr int kCharactersOfALine = 56;
 

@@ -9,12 +9,12 @@ class QProgressBar;
 
 namespace kestrune::windows {
 
-/// The window of a download. It asks nothing and can be put out of sight; the download goes on without it. Shown
-/// by whoever makes it, destroyed at the download's end. Refresh is to be called as often as the bar is to move
-/// smoothly; the window does so by itself while it is visible.
+/// The window of a download. It asks nothing and can be hidden; the download goes on without it. Whoever
+/// creates it shows it, and destroys it at the download's end. It calls Refresh by itself while it is
+/// visible, often enough for the bar to move smoothly.
 class frmUpdating final : public QWidget {
  public:
-  /// The record must outlive the window. A bar that runs at its own pace is what tells that the program lives.
+  /// The record must outlive the window. The bar moves at its own pace, to show that the program is alive.
   explicit frmUpdating(const config::UpdatingWindow& record, QWidget* parent = nullptr);
 
   void Refresh();

@@ -31,7 +31,7 @@ class ChannelGridModelTest : public ::testing::Test {
     }
     model.Update();
   }
-  // As the channel table does it: all four texts, whether they differ or not.
+  // As the channel table does it: sets all four texts, whether they differ or not.
   void Reply(int row, const std::string& artist, const std::string& song) {
     const ChannelGrid::Row cells = grid.At(row);
     grid.SetCell(row, ChannelGrid::Station, cells[ChannelGrid::Station]);
@@ -149,8 +149,8 @@ TEST_F(ChannelGridModelTest, TextsOfTheRadioAreShownAsTheyAreOnOneLineAndNeverAs
             QStringLiteral("<span>&lt;b&gt;Bold&lt;/b&gt;</span>"));
 }
 
-// Random changes of the grid, some of them between two updates: the model always ends up as the grid is, and what
-// points at a channel's row follows it until it goes.
+// Random changes of the grid, some of them between two updates: the model always ends up equal to the grid,
+// and what points at a channel's row follows it until it is removed.
 TEST_F(ChannelGridModelTest, FollowsAnyChangesOfTheGrid) {
   const char* asked = std::getenv("KESTRUNE_SEED");
   const std::uint32_t seed =
@@ -172,7 +172,7 @@ TEST_F(ChannelGridModelTest, FollowsAnyChangesOfTheGrid) {
       switch (pick(0, 9)) {
         case 0:
         case 1:
-          // Numbers come twice now and then, as from a malformed list.
+          // Some numbers appear twice, as in a malformed list.
           grid.AddRow({.Number = static_cast<std::int16_t>(pick(0, 255)), .Station = "S", .Song = "T"});
           break;
         case 2:
@@ -211,7 +211,7 @@ TEST_F(ChannelGridModelTest, FollowsAnyChangesOfTheGrid) {
       if (index.isValid()) {
         ASSERT_EQ(Cell(index.row() + 1, 0), windows::ToQt(number));
       } else if (!cleared) {
-        // It went with its row, or with one of several of its number.
+        // It was removed with its row, or with another of the same number.
         int left = 0;
         for (int row = 1; row <= grid.RowCount(); ++row) left += grid.At(row)[0] == number ? 1 : 0;
         ASSERT_LE(left, 2) << number;

@@ -40,16 +40,16 @@ inline void Press(QWidget& window, const char* name) {
   Find<QAbstractButton>(window, name).click();
 }
 
-/// What the window system does when the user clicks the window's close box; true if the window agreed.
+/// Does what the window system does when the user clicks the close box; returns true if the window agreed.
 inline bool ClickCloseBox(QWidget& window) {
   QCloseEvent event;
   QSpontaneKeyEvent::setSpontaneous(&event);
-  // sendEvent would take the mark off that tells the window system's events from the program's.
+  // sendEvent would clear the mark that distinguishes the window system's events from the program's.
   QCoreApplication::instance()->notify(&window, &event);
   return event.isAccepted();
 }
 
-/// Whether a label of the window reads so.
+/// Whether a label of the window has this text.
 inline bool HasLabel(const QWidget& window, const char* caption) {
   for (const QLabel* label : window.findChildren<QLabel*>()) {
     if (label->text() == QLatin1String(caption)) return true;

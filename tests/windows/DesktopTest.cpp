@@ -31,7 +31,7 @@ struct Diary {
   std::function<void()> OnClose = [] {};
 };
 
-/// Writes down what happens to it.
+/// Records what happens to it.
 class PlainWindow : public QWidget {
  public:
   PlainWindow(Diary& diary, std::string name) : diary_(diary), name_(std::move(name)) { Note("made"); }
@@ -212,7 +212,7 @@ TEST_F(DesktopTest, WithoutATrayAMinimisedProgramStaysInTheTaskBar) {
   EXPECT_TRUE(rig.Main().isMinimized());
 }
 
-/// A window with a way of its own for the program's first run.
+/// A window with a special way to show itself at the program's first run.
 class FirstRunWindow final : public PlainWindow {
  public:
   FirstRunWindow(Diary& diary, recorder::Kestrune& unit) : PlainWindow(diary, "config"), unit_(unit) {}

@@ -33,7 +33,7 @@ class FrmConfigTest : public ::testing::Test {
     const QList<QDialog*> dialogs = window_.findChildren<QDialog*>(Qt::FindDirectChildrenOnly);
     return dialogs.isEmpty() ? nullptr : dialogs.constFirst();
   }
-  /// Lets closed windows go.
+  /// Lets closed windows be destroyed.
   static void Settle() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents();
@@ -48,7 +48,7 @@ class FrmConfigTest : public ::testing::Test {
   int focused_ = 0;
 };
 
-TEST_F(FrmConfigTest, EveryControlReadsAsTold) {
+TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
   struct Row {
     const char* Name;
     const char* Caption;
@@ -237,7 +237,7 @@ TEST_F(FrmConfigTest, ARefusedLengthKeepsItOpen) {
   EXPECT_EQ(focused_, 0);
 }
 
-TEST_F(FrmConfigTest, AGainTextThatIsNoNumberGetsTheFocus) {
+TEST_F(FrmConfigTest, AGainTextThatIsNotANumberGetsTheFocus) {
   window_.ShowModeless();
   auto& attack = Find<QLineEdit>(window_, "txtAGCAttackTime");
   attack.selectAll();

@@ -135,7 +135,7 @@ TEST_F(FrmFormatTest, CancelEscapeAndCloseBoxKeepNothing) {
   EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
 }
 
-TEST_F(FrmFormatTest, OggReadsAsTold) {
+TEST_F(FrmFormatTest, OggHasItsTextsAndTips) {
   rig_.Settings.FormatOGG.VbrEnabled = true;
   const auto window = Make("OGG");
   EXPECT_EQ(window->windowTitle(), "Ogg Vorbis Options");
@@ -215,7 +215,7 @@ TEST_F(FrmFormatTest, AnOggBitrateBelowTheSliderCanBeMendedByTheFirstPosition) {
   EXPECT_EQ(rig_.Settings.FormatOGG.Bitrate, 112);
 }
 
-TEST_F(FrmFormatTest, Mp3ReadsAsTold) {
+TEST_F(FrmFormatTest, Mp3HasItsTextsAndTips) {
   const auto window = Make("MP3");
   EXPECT_EQ(window->windowTitle(), "MP3 Options");
   ExpectRows(
@@ -404,7 +404,7 @@ TEST_F(FrmFormatTest, Mp3HidesAndDisablesTheControlsOfAFilterThatIsOff) {
   }
 }
 
-TEST_F(FrmFormatTest, AFilterTextThatIsNoNumberKeepsItsWindowOpenWithTheFocusThere) {
+TEST_F(FrmFormatTest, AFilterTextThatIsNotANumberKeepsItsWindowOpenWithTheFocusThere) {
   const auto window = Make("MP3");
   window->show();
   window->activateWindow();

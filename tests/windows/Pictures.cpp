@@ -2,7 +2,7 @@
 //
 //   windows_pictures FOLDER     short and extreme texts, light and dark, at single and double scale
 //
-// A window joins with a line in kPictures.
+// A new window needs a line in kPictures.
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -45,7 +45,8 @@ using namespace std::chrono_literals;
 
 using recorder::WindowName;
 
-/// What a picture is made from: a unit with the desktop's windows, either short or extreme texts in its records.
+/// What a picture is taken of: a unit with the desktop's windows, and either short or extreme texts in its
+/// records.
 struct Stage {
   Stage() = default;
   ~Stage() { Rig.Desktop.Detach(); }
@@ -80,7 +81,7 @@ struct Stage {
     return *Rig.Desktop.WidgetOf(name);
   }
   void TakeOpened(WindowName name, const QString& picture) { Take(Open(name), picture); }
-  /// Of a window that blocks whoever opens it: `open` returns once the picture is taken.
+  /// For a window that blocks its caller: `open` returns once the picture is taken.
   void TakeBlocking(const std::function<void()>& open, const QString& name) {
     QTimer::singleShot(0, qApp, [this, name] {
       QWidget* window = QApplication::activeModalWidget();
@@ -92,7 +93,7 @@ struct Stage {
   }
 };
 
-/// As a user does who picks the item.
+/// Picks the item as a user does.
 void Choose(QComboBox& list, int row) {
   list.setCurrentIndex(row);
   emit list.activated(row);
@@ -102,7 +103,7 @@ void Play(Stage& stage) {
   UnitRig& unit = stage.Rig.Unit;
   unit.Set("MainTop", "0");  // or it would be the first run
   if (stage.Extreme) {
-    // As wide as 16 characters get, and what other texts would be but plain ones.
+    // As wide as 16 characters get, and texts that could be mistaken for markup.
     for (int channel = 100; channel <= 220; ++channel) {
       unit.Radio.Channels[channel] = {"WWWWWWWWWWWWWWWW", "WWWWWWWWWWWWWWWW", "WWWWWWWWWWWWWWWW",
                                       "WWWWWWWWWWWWWWWW"};
@@ -123,7 +124,7 @@ void TakeMain(Stage& stage) {
   Play(stage);
   recorder::MainWindow record = stage.Rig.Unit->Window();
   const auto take = [&stage, &record](const char* name) {
-    // Longer than any radio sends them.
+    // Longer than any radio sends.
     if (stage.Extreme) {
       record.lblChannel.Caption = "255: The Longest Name of Any && All Stations in the Sky";
       record.lblGenre.Caption = "Rock && Roll && Rhythm && Blues && Everything Else Under the Sun";
@@ -373,7 +374,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   testing::InitGoogleTest();
-  // A program has one scale, so the second is another program's.
+  // A process has one scale, so another process takes the second.
   const bool first = qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication::setStyle(QStringLiteral("Fusion"));

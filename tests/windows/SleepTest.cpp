@@ -38,7 +38,7 @@ TEST(SleepWithWindows, WhatIsOnScreenStaysPainted) {
   EXPECT_GT(window.Paints, before);
 }
 
-TEST(SleepWithWindows, NoTimerFiresWithinItAndADueOneFiresOnceBehindIt) {
+TEST(SleepWithWindows, NoTimerFiresWithinItAndADueOneFiresOnceAfterIt) {
   QtEventLoop loop(QtEventLoop::WhileAsleep::KeepPainted);
   int fired = 0;
   const auto timer = loop.MakeTimer(20ms, [&] { ++fired; });
@@ -72,7 +72,7 @@ TEST(SleepWithWindows, NoDeviceIsServedWithinItAndNothingIsLost) {
   ::close(ends[1]);
 }
 
-TEST(SleepWithWindows, ASleepLastsAsLongAsItIsTold) {
+TEST(SleepWithWindows, ASleepLastsAsLongAsItIsAskedTo) {
   QtEventLoop loop(QtEventLoop::WhileAsleep::KeepPainted);
   const auto before = loop.SteadyNow();
   loop.Sleep(75ms);

@@ -80,7 +80,7 @@ TEST(frmLegal, CancelAndEscapeRefuse) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST(frmLegal, EnterInTheTextIsNoYes) {
+TEST(frmLegal, EnterInTheTextDoesNotAgree) {
   const QTemporaryDir folder;
   ScriptedDialogs dialogs;
   windows::frmLegal window(AgreementIn(folder), dialogs);
@@ -154,7 +154,7 @@ TEST(frmSplash, APlaceThatNobodyGaveIsNotShown) {
   EXPECT_TRUE(Find<QLabel>(window, "lblMail").isHidden());
 }
 
-/// Answers the message that opens next, and tells what it was.
+/// Answers the message that opens next, and returns what it was.
 struct OpenedBox {
   std::string Title;
   std::string Text;

@@ -14,7 +14,7 @@
 
 namespace kestrune::test {
 
-/// The desktop with all of the program's windows, and not for the first time.
+/// The desktop with all of the program's windows, at a start that is not the first.
 class UnitWindowsRig : public DesktopRig {
  public:
   UnitWindowsRig() {
@@ -28,7 +28,7 @@ class UnitWindowsRig : public DesktopRig {
   UnitWindowsRig(const UnitWindowsRig&) = delete;
   UnitWindowsRig& operator=(const UnitWindowsRig&) = delete;
 
-  /// The program comes up for the first time here.
+  /// The first start of the program here.
   void ForgetTheLastRun() { base::Ignored(Unit.Store.DeleteSetting("Lorimel", "Kestrune", "MainTop")); }
   [[nodiscard]] bool Shows(recorder::WindowName name) const {
     const QWidget* window = Desktop.WidgetOf(name);

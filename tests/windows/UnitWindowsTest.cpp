@@ -92,7 +92,7 @@ class UnitWindowsTest : public ::testing::Test {
     return rig.Unit.Files.Read(rig.Unit->Restrictions().RestrictionFile()).value_or("");
   }
   [[nodiscard]] bool IsStored(const char* key) { return rig.Unit.Setting(key) != "(absent)"; }
-  /// As a person asks for the list from a text, and answers.
+  /// Asks for the list from a text and answers, as a user does.
   QString DoubleClickAndAnswer(QWidget& label, const char* answer) {
     QString question;
     EXPECT_EQ(rig.WithinModal([&] { QTest::mouseDClick(&label, Qt::LeftButton); },
@@ -103,7 +103,7 @@ class UnitWindowsTest : public ::testing::Test {
               "frmGrabKill");
     return question;
   }
-  /// Closes the unit from within a modal window, which `opens` opens; the end comes as ever.
+  /// Closes the unit from within the modal window that `opens` opens; the unit still ends as usual.
   template <typename Opens>
   QString CloseWithin(Opens opens) {
     QString name = rig.WithinModal(opens, [this](QWidget&) { rig.Unit->Close(); });
@@ -163,7 +163,7 @@ TEST_F(UnitWindowsTest, AWindowThatIsClosedByItselfTakesItsMarksAlong) {
     PressBox(each);
     ExpectOpen(each, true);
     ClickCloseBox(rig.Window(each.Name));
-    // What the window system does behind an accepted close is what close() does, but for the mark.
+    // After an accepted close the window system does what close() does, apart from the event's mark.
     if (QWidget* window = rig.Desktop.WidgetOf(each.Name); window != nullptr) window->hide();
     ExpectOpen(each, false);
   }

@@ -42,7 +42,7 @@ class frmGrabKillTest : public ::testing::Test {
   presenters::GrabKill addition_{lists_, editor_, files_, environment_, journal_};
 };
 
-TEST_F(frmGrabKillTest, ItsControlsAreAsTold) {
+TEST_F(frmGrabKillTest, ItsControlsHaveTheirTextsAndTips) {
   const struct {
     const char* Caption;
     const char* Tip;

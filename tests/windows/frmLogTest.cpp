@@ -79,7 +79,7 @@ class frmLogTest : public ::testing::Test {
   int hidden_ = 0;
 };
 
-TEST_F(frmLogTest, ItsControlsAreAsTold) {
+TEST_F(frmLogTest, ItsControlsHaveTheirTextsAndTips) {
   EXPECT_EQ(window_.windowTitle(), QStringLiteral("Kestrune Recording Log"));
   EXPECT_EQ(cmdClear().text(), QStringLiteral("Clear"));
   EXPECT_EQ(cmdClear().toolTip(), QStringLiteral("Clear recording log"));
@@ -253,7 +253,7 @@ TEST_F(frmLogTest, EscapeHides) {
   EXPECT_EQ(hidden_, 1);
 }
 
-TEST_F(frmLogTest, ALineFromTheRadioIsNoMarkup) {
+TEST_F(frmLogTest, ALineFromTheRadioIsNotMarkup) {
   list_.DoLog("<b>Moon & Sun</b>");
   EXPECT_EQ(lstLog().model()->index(0, 0).data().toString(), QStringLiteral("<b>Moon & Sun</b>"));
 }

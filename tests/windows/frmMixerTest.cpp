@@ -47,7 +47,7 @@ class frmMixerTest : public ::testing::Test {
   QPointer<windows::frmMixer> window_;
 };
 
-TEST_F(frmMixerTest, ItsControlsAreAsTold) {
+TEST_F(frmMixerTest, ItsControlsHaveTheirTextsAndTips) {
   mixer_.Lines.assign(8, {.Name = "Line"});
   Open();
   EXPECT_EQ(window_->windowTitle(), QStringLiteral("Kestrune Record Mixer"));
@@ -179,7 +179,7 @@ TEST_F(frmMixerTest, ADeviceWithoutLinesSaysSo) {
   EXPECT_TRUE(said);
 }
 
-TEST_F(frmMixerTest, ALongNameIsCutAndToldInTheTip) {
+TEST_F(frmMixerTest, ALongNameIsElidedAndFullInTheTip) {
   const std::string name =
       "Monitor of the <b>Very Long</b> & Widely Known Sound Card in the Back of the Machine";
   mixer_.Lines[0].Name = name;

@@ -52,7 +52,7 @@ class frmPresetsTest : public ChannelsFixture {
   int toFront = 0;
 };
 
-TEST_F(frmPresetsTest, ShowsTheToldTexts) {
+TEST_F(frmPresetsTest, ShowsItsTexts) {
   Open();
   EXPECT_EQ(window->windowTitle(), QStringLiteral("Preset Button Setup"));
   struct Told {

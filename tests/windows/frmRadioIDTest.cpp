@@ -10,7 +10,7 @@
 namespace kestrune::test {
 namespace {
 
-TEST(frmRadioID, ShowsTheToldTextsAndTheIdentifier) {
+TEST(frmRadioID, ShowsItsTextsAndTheIdentifier) {
   const windows::frmRadioID window("ABCD1234");
   EXPECT_EQ(window.windowTitle(), QStringLiteral("Radio ID"));
   EXPECT_TRUE(window.isModal());

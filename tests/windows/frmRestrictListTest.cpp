@@ -17,8 +17,8 @@
 #include "presenters/GrabKill.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
-#include "support/RecordingJournal.h"
 #include "support/MemorySettingsStore.h"
+#include "support/RecordingJournal.h"
 #include "support/Repetitions.h"
 #include "support/ScriptedDialogs.h"
 #include "windows/frmRestrictList.h"
@@ -88,7 +88,7 @@ class frmRestrictListTest : public ::testing::Test {
   int focused_ = 0;
 };
 
-TEST_F(frmRestrictListTest, ItsControlsAreAsTold) {
+TEST_F(frmRestrictListTest, ItsControlsHaveTheirTextsAndTips) {
   Open();
   EXPECT_EQ(window_->windowTitle(), QStringLiteral("Kestrune Grab/Kill Lists"));
   const struct {
@@ -218,7 +218,7 @@ TEST_F(frmRestrictListTest, ASaveThatFailsKeepsTheWindow) {
   EXPECT_TRUE(editor_.IsLoaded());
 }
 
-TEST_F(frmRestrictListTest, ARefusedCloseIsTold) {
+TEST_F(frmRestrictListTest, ARefusedCloseIsReported) {
   Open();
   Press("cmdDelete", 0);
   dialogs_.Answer = platform::MessageAnswer::Cancel;
@@ -230,7 +230,7 @@ TEST_F(frmRestrictListTest, ARefusedCloseIsTold) {
   EXPECT_THAT(closes_, ElementsAre(true, false));
 }
 
-TEST_F(frmRestrictListTest, AtShutdownItClosesWithoutAWord) {
+TEST_F(frmRestrictListTest, AtShutdownItClosesWithoutAsking) {
   Open();
   Press("cmdDelete", 0);
   run_.ShuttingDown = true;
@@ -292,7 +292,7 @@ TEST_F(frmRestrictListTest, OneThatIsOpenedWhileTheLastIsStillGoingKeepsItsLists
   EXPECT_THAT(editor_.Column(0).lstRestrict, ElementsAre("Anna", "Moon", "Sun"));
 }
 
-/// Bytes in use on the heap: what the allocator keeps for later is no growth.
+/// Bytes in use on the heap. What the allocator keeps for later does not count as growth.
 std::size_t HeapInUse() {
   return mallinfo2().uordblks;
 }

@@ -46,7 +46,7 @@ class frmScheduleTest : public ::testing::Test {
   QPushButton& Button(const char* name, int index = 0) { return Find<QPushButton>(name, index); }
   std::string Date(const char* name, int index = 0) { return Button(name, index).text().toStdString(); }
 
-  /// As a user does who has gone into the list and types the item's text.
+  /// Focuses the list and types the item's text, as a user does.
   void Choose(const char* name, int index, const char* text) {
     QComboBox& list = List(name, index);
     const int row = list.findText(QLatin1String(text));

@@ -5,8 +5,8 @@
 
 namespace kestrune::config {
 
-/// The settings of each recording format, with the defaults of a fresh installation. Frequencies in Hz, bitrates
-/// in kbit/s. Nothing is checked: what the user saved is passed on to the encoder as it is.
+/// The settings of each recording format, with the defaults of a fresh installation. Frequencies in Hz,
+/// bitrates in kbit/s. Nothing is checked: what the user saved is passed on to the encoder as it is.
 struct Format726 {
   std::int32_t Frequency = 44100;
   std::int16_t Bits = 4;  ///< bits a sample, 2 to 5

@@ -11,8 +11,8 @@
 
 namespace kestrune::platform {
 
-/// One recording format: what writes its sound and its tags. The functions that take a format must be given this
-/// one.
+/// One recording format: what writes its sound and its tags. The functions that take a format must be given
+/// this one.
 struct Codec {
   std::string_view Extension;  ///< lower case, with its point
   bool (*Holds)(const CaptureFormat& format);
@@ -25,8 +25,8 @@ struct Codec {
 
 /// Null for the empty format.
 [[nodiscard]] const Codec* FindCodec(const CaptureFormat& format);
-/// By the end of the file's name, in upper or lower case; null if no format has such files. The name alone counts,
-/// since the sound of a raw file may begin with any bytes.
+/// By the end of the file's name, in upper or lower case; null if no format has such files. The name alone
+/// counts, since the sound of a raw file may begin with any bytes.
 [[nodiscard]] const Codec* FindCodecOfFile(std::string_view path);
 
 }  // namespace kestrune::platform

@@ -8,8 +8,9 @@
 
 namespace kestrune::platform {
 
-/// Hands every parameter to LAME, before its lame_init_params. The bitrates must be those of WithRealBitrates.
-/// Returns kCreated, or a negative result if another parameter lies outside what MPEG layer III or LAME knows.
+/// Hands every parameter to LAME, before its lame_init_params. The bitrates must be those of
+/// WithRealBitrates. Returns kCreated, or a negative result if another parameter lies outside what MPEG layer
+/// III or LAME knows.
 ///
 /// Where the parameters leave room:
 /// - Bitrate is the constant bitrate, or the minimum of a variable one if VBREnforceMinBitRate asks for it.

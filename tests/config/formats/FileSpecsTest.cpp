@@ -107,7 +107,7 @@ TEST_F(FileSpecsTest, WavTakesItsRecord) {
   EXPECT_THAT(file0_.Calls, ElementsAre("SetFormatWAV 11025 1 8"));
 }
 
-// Each number differs from every other, so that no two fields can have changed places unseen.
+// All numbers differ, so that swapped fields would be noticed.
 TEST_F(FileSpecsTest, Mp3TakesEachFieldOfItsRecord) {
   settings_.FormatMP3 = {.Frequency = 32000,
                          .Bitrate = 11,
