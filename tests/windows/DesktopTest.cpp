@@ -238,10 +238,13 @@ TEST_F(DesktopTest, AKeyOfAnotherWindowReachesTheMainWindow) {
   rig.Unit.Set("Preset2", "51");
   rig.Unit.StartIdle();
   rig.Desktop.PassKey(113);
+  rig.Run(2s);
   EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 51);
   rig.Desktop.PassKey('R');
+  rig.Run(10ms);
   EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
   rig.Desktop.PassKey('S');
+  rig.Run(10ms);
   EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
 }
 

@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -239,6 +240,46 @@ TEST(QtDialogs, AnOpenMessageIsAnsweredWhenTheProgramClosesAndNoneFollows) {
   EXPECT_EQ(dialogs.Show({.Title = "T", .Text = "?", .Buttons = MessageButtons::YesNoCancel}),
             MessageAnswer::Cancel);
   EXPECT_FALSE(dialogs.AskForAgreement());
+}
+
+TEST(QtDialogs, AnOpenBoxHoldsUpNobodyAndTellsItsAnswerOnce) {
+  windows::QtDialogs dialogs("", false);
+  std::vector<MessageAnswer> answers;
+  dialogs.Open({.Title = "T", .Text = "?", .Buttons = MessageButtons::YesNo},
+               [&](MessageAnswer answer) { answers.push_back(answer); });
+  EXPECT_TRUE(answers.empty());
+  auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->windowTitle().toStdString(), "T");
+  box->button(QMessageBox::Yes)->click();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(answers, std::vector{MessageAnswer::Yes});
+}
+
+TEST(QtDialogs, AnOpenBoxIsAnsweredWhenTheProgramClosesAndNoneFollows) {
+  windows::QtDialogs dialogs("", false);
+  std::vector<MessageAnswer> answers;
+  const auto note = [&](MessageAnswer answer) { answers.push_back(answer); };
+  dialogs.Open({.Title = "T", .Text = "?", .Buttons = MessageButtons::YesNo}, note);
+  dialogs.GiveUp();
+  EXPECT_EQ(answers, std::vector{MessageAnswer::No});
+  dialogs.Open({.Title = "T", .Text = "?", .Buttons = MessageButtons::YesNoCancel}, note);
+  EXPECT_EQ(answers, (std::vector{MessageAnswer::No, MessageAnswer::Cancel}));
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(answers.size(), 2U);
+}
+
+TEST(QtDialogs, AnOpenBoxThatGoesWithItsWindowIsAnsweredToo) {
+  windows::QtDialogs dialogs("", false);
+  std::vector<MessageAnswer> answers;
+  {
+    QDialog window;
+    window.setModal(true);
+    window.show();
+    dialogs.Open({.Title = "T", .Text = "?", .Buttons = MessageButtons::YesNo},
+                 [&](MessageAnswer answer) { answers.push_back(answer); });
+  }
+  EXPECT_EQ(answers, std::vector{MessageAnswer::No});
 }
 
 TEST(QtDialogs, AMessageStandsUnderTheOrdinaryPointer) {

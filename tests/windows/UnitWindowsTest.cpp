@@ -452,8 +452,10 @@ TEST_F(UnitWindowsTest, TheKeysOfTheMainWindowWorkInTheOthers) {
     rig.Run(2s);
     EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 51);
     QTest::keyClick(&focus, Qt::Key_R, Qt::ControlModifier);
+    rig.Run(10ms);
     EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
     QTest::keyClick(&focus, Qt::Key_S, Qt::ControlModifier);
+    rig.Run(10ms);
     EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
     QTest::keyClick(&focus, Qt::Key_F3, Qt::ControlModifier);
     rig.Run(2s);

@@ -30,13 +30,22 @@ using ::testing::SizeIs;
 
 class frmKestruneTest : public ::testing::Test {
  protected:
-  void Press(const char* button) { QTest::mouseClick(&rig.Find<QPushButton>(button), Qt::LeftButton); }
+  /// What a click asks for is carried out by the loop, and shown by the next refresh.
+  void Settle() { rig.Run(110ms); }
+  void Press(const char* button) {
+    QTest::mouseClick(&rig.Find<QPushButton>(button), Qt::LeftButton);
+    Settle();
+  }
   void Tick(const char* box) {
     // At the box itself, not in the middle of the row that it may fill.
     auto& control = rig.Find<QCheckBox>(box);
     QTest::mouseClick(&control, Qt::LeftButton, {}, QPoint(8, control.height() / 2));
+    Settle();
   }
-  void Choose(const char* entry) { rig.Find<QAction>(entry).trigger(); }
+  void Choose(const char* entry) {
+    rig.Find<QAction>(entry).trigger();
+    Settle();
+  }
   [[nodiscard]] std::string Text(const char* label) {
     return windows::FromQt(rig.Find<QLabel>(label).text());
   }
@@ -204,8 +213,7 @@ TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
   QCoreApplication::processEvents();
   const auto before = places();
   const std::string longText(300, 'W');
-  for (auto* label :
-       {&record.lblChannel, &record.lblGenre, &record.lblArtist, &record.lblSong}) {
+  for (auto* label : {&record.lblChannel, &record.lblGenre, &record.lblArtist, &record.lblSong}) {
     label->Caption = longText;
   }
   record.lblRecording.Caption = "Waiting for channel load";

@@ -156,7 +156,7 @@ TEST_F(KestruneCtlTest, AFullLogComesWhole) {
 }
 
 TEST_F(KestruneCtlTest, ARefusalIsExitOneWithTheReason) {
-  target_.NextResult = {false, "no radio\x1B[2J"};
+  target_.NextResult = base::Result::Failed("no radio\x1B[2J");
   const auto server = Serve();
   const Ended ended = Run({"tune", "44"});
   EXPECT_EQ(ended.Status, 1);

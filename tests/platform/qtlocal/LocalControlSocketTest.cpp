@@ -28,6 +28,7 @@
 namespace kestrune::platform {
 namespace {
 
+using test::Answering;
 using test::PumpUntil;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -484,7 +485,7 @@ TEST_F(LocalControlSocketTest, OneWhoComesWhileNoFileIsFreeIsLetInLater) {
 TEST_F(LocalControlSocketTest, APathLongerThanAnAddressIsServed) {
   const std::string path = folder_.Path() + '/' + std::string(150, 'd') + "/kestrune.sock";
   std::filesystem::create_directory(folder_ / std::string(150, 'd'));
-  const LocalControlSocket server(path, [](std::string_view) { return std::string("far"); });
+  const LocalControlSocket server(path, Answering([](std::string_view) { return std::string("far"); }));
   ASSERT_EQ(server.Status(), LocalControlSocket::State::Listening) << server.Reason();
   TestClient client(path);
   client.Put("x\n");
