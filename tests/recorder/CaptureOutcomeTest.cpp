@@ -153,5 +153,35 @@ TEST_F(CaptureOutcomeTest, ASongThatCannotBeRenamedOutlivesTheNextCapturesAndThe
   EXPECT_EQ(rig.Files.Text("/music/Capture1.wav"), song);
 }
 
+TEST_F(CaptureOutcomeTest, ASongThatLacksSoundIsIncompleteAndTheLogSaysWhereItIsMissing) {
+  rig.StartIdle();
+  Record();
+  rig.Sound.Die(20s);
+  rig.Run(60s);
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(60s);
+  rig.NextSong("Cellar", "Blue Door");
+  EXPECT_THAT(Finished(),
+              ElementsAre("Lanterns - North Pier.wav", "Moonlighters - Slow Tide (Incomplete).wav"));
+  EXPECT_EQ(Lines("20.0 s of sound are missing from \"Moonlighters - Slow Tide\", the first at 1:0"), 1);
+}
+
+TEST_F(CaptureOutcomeTest, ASongThatTheDeviceMissedAltogetherIsNotKept) {
+  rig.Set("MinSongLength", "0");
+  rig.StartIdle();
+  Record();
+  rig.Sound.Die(120s);
+  rig.Run(20s);
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(50s);
+  rig.NextSong("Cellar", "Blue Door");
+  rig.Run(120s);
+  rig.NextSong("Quays", "Low Water");
+  EXPECT_THAT(Finished(), ElementsAre("Cellar - Blue Door (Incomplete).wav",
+                                      "Moonlighters - Slow Tide (Incomplete).wav"));
+  EXPECT_THAT(rig.LogTexts(), Contains("Not Recorded: Channel 44  \"Lanterns - North Pier (Incomplete)\"  "
+                                       "Song length: 0:00, no sound came"));
+}
+
 }  // namespace
 }  // namespace kestrune::test
