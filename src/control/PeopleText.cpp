@@ -40,7 +40,9 @@ std::string RadioText(const StatusReport& report) {
 std::string RecordingText(const StatusReport& report) {
   if (report.Recording.empty()) return "no";
   if (!report.RecordRequested || report.WaitingForNextSong) return report.Recording;
-  return fmt::format("{}, {}", report.Recording, Length(report.CaptureLengthMs));
+  return Joined({report.Recording, Length(report.CaptureLengthMs),
+                 report.CaptureFailure.empty() ? "" : "not being written: " + report.CaptureFailure},
+                ", ");
 }
 
 std::string ProgramText(const StatusReport& report) {

@@ -29,6 +29,7 @@ void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("recordRequested", report.RecordRequested);
   visit("waitingForNextSong", report.WaitingForNextSong);
   visit("captureLengthMs", report.CaptureLengthMs);
+  visit("captureFailure", report.CaptureFailure);
   visit("recordedCount", report.RecordedCount);
   visit("tooShortCount", report.TooShortCount);
   visit("tooLongCount", report.TooLongCount);

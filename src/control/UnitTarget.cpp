@@ -39,6 +39,8 @@ StatusReport UnitTarget::Status() {
   report.RecordRequested = recording.RecordRequested;
   report.WaitingForNextSong = recording.WaitingForNextSong;
   report.CaptureLengthMs = recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].LengthMs;
+  report.CaptureFailure =
+      recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].Outcome.Failure();
   report.RecordedCount = recording.RecordedCount;
   report.TooShortCount = recording.TooShortCount;
   report.TooLongCount = recording.TooLongCount;
@@ -144,8 +146,7 @@ std::vector<ScheduleReport> UnitTarget::Schedule() {
 
 schedule::SchedulerSettings UnitTarget::EntrySettings() const {
   const config::SettingsSection& section = unit_.Section();
-  return {.Read = [&section](std::string_view key,
-                             std::string_view text) { return section.Text(key, text); },
+  return {.Read = [&section](std::string_view key, std::string_view text) { return section.Text(key, text); },
           .Save = [&section](std::string_view key,
                              std::string_view text) { return section.SaveText(key, text); }};
 }

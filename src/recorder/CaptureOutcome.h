@@ -34,6 +34,11 @@ struct CaptureOutcome {
 
   std::string FinalName;  ///< full path of the song; empty as long as there is none
 
+  /// Why nothing more reaches the file; empty if all is well.
+  [[nodiscard]] const std::string& Failure() const {
+    return StartFailure.empty() ? WriteFailure : StartFailure;
+  }
+
   /// Less than this, one block of sound, does not make a song incomplete.
   static constexpr std::int64_t kNoticeableMs = 100;
   /// Whether the song is shorter than it should be.

@@ -89,8 +89,7 @@ void Disposition::TestLength(const CaptureRecord& capture, Verdict& verdict) {
 
 void Disposition::TestSound(const CaptureRecord& capture, Verdict& verdict) {
   if (!verdict.Keep || capture.LengthMs > 0) return;
-  const CaptureOutcome& outcome = capture.Outcome;
-  const std::string& cause = outcome.StartFailure.empty() ? outcome.WriteFailure : outcome.StartFailure;
+  const std::string& cause = capture.Outcome.Failure();
   Reject(capture, verdict, cause.empty() ? ", no sound came" : ", no sound was recorded: " + cause);
 }
 

@@ -1,5 +1,7 @@
 #include "recorder/Explanation.h"
 
+#include <cstddef>
+
 #include "recorder/Modes.h"
 
 namespace kestrune::recorder {
@@ -17,6 +19,10 @@ std::string ExplainRecording(const State& state, const schedule::Restrictions& r
     return modes.CheckCleftune() ? "Whole songs only: it begins with the next song."
                                  : "Whole songs only, but songs are not split: press Stop.";
   }
+  const CaptureOutcome& outcome =
+      recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].Outcome;
+  if (const std::string why = outcome.Failure(); !why.empty())
+    return "This song is not being written: " + why + ".";
   // What the lists are asked about at the end is the song with which the capture began.
   const bool known = recording.LastArtist != kNoSong || recording.LastSong != kNoSong;
   if (known && modes.CheckGrab() && !restrictions.IsInGrabList(recording.LastArtist, recording.LastSong)) {

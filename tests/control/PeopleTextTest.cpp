@@ -41,6 +41,13 @@ std::string Status(const StatusReport& report) {
   return PeopleText("status", ToJson(report)).value_or("none");
 }
 
+TEST(PeopleText, ARecordingThatIsNotWrittenSaysWhy) {
+  StatusReport report = Busy();
+  report.CaptureFailure = "No space left on device";
+  EXPECT_NE(Status(report).find("Recording  Recording, 1:01, not being written: No space left on device\n"),
+            std::string::npos);
+}
+
 TEST(PeopleText, ABusyUnitsStatus) {
   EXPECT_EQ(Status(Busy()),
             "Program    Kestrune 3.0.29, unit 2\n"

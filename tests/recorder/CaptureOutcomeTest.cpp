@@ -112,6 +112,7 @@ TEST_F(CaptureOutcomeTest, AFullDiskIsLoggedAtOnceAndTheSongIsIncomplete) {
   EXPECT_EQ(Lines("Cannot write \"/music/Capture1.wav\": No space left on device"), 1)
       << "once, not for every block";
   EXPECT_EQ(InHand().WriteFailure, "No space left on device");
+  EXPECT_EQ(rig->Explanation(), "This song is not being written: No space left on device.");
   rig.Files.DiskFull = false;
   rig.NextSong("Lanterns", "North Pier");
   EXPECT_THAT(Finished(), ElementsAre("Moonlighters - Slow Tide (Incomplete).wav"));

@@ -122,7 +122,8 @@ TEST_F(KestruneCtlTest, StatusForMachinesIsOneLineOfJson) {
   EXPECT_EQ(ended.Out,
             R"({"unit":"","version":"3.0.29","loading":false,"port":0,"radioID":"","channelNumber":0,)"
             R"("station":"","genre":"","artist":"","song":"","recording":"","recordRequested":false,)"
-            R"("waitingForNextSong":false,"captureLengthMs":0,"recordedCount":0,"tooShortCount":0,)"
+            R"("waitingForNextSong":false,"captureLengthMs":0,"captureFailure":"",)"
+            R"("recordedCount":0,"tooShortCount":0,)"
             R"("tooLongCount":0,"restrictedCount":0,"channelsLoading":false,"channelCount":0,)"
             R"("activeSchedule":0,"fileFormat":"","formatDescription":"","fileDir":"","inputDevice":"",)"
             R"("satellite1":0,"satellite2":0,"terrestrial":0,"samplesCaptured":0,"samplesLost":0})"
