@@ -1,9 +1,11 @@
 #include <string>
 #include <vector>
 
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "config/formats/FormatTable.h"
 #include "config/settings/SettingKeys.h"
 #include "config/settings/SettingsDoor.h"
 #include "support/SettingsRig.h"
@@ -339,7 +341,8 @@ TEST_F(SettingsDoorTest, EachOfTheSixFormatsIsTaken) {
 }
 
 TEST_F(SettingsDoorTest, AnUnknownFormatIsRefusedAndStopsNothing) {
-  Refused("FileFormat", "mp3", "FileFormat: \"mp3\" is not one of MP3, WAV, VOX, RAW, G726, OGG");
+  Refused("FileFormat", "mp3",
+          fmt::format("FileFormat: \"mp3\" is not one of {}", fmt::join(config::FileFormats(), ", ")));
 }
 
 TEST_F(SettingsDoorTest, WhatTheStopChangesIsNotTakenBack) {
