@@ -4,6 +4,8 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -106,6 +108,71 @@ TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
   EXPECT_EQ(unit.Status()["channelNumber"], 8) << "the channel is not given back";
   EXPECT_GT(unit.Recordings().size(), before);
   EXPECT_THAT(unit.Recordings(), Each(EndsWith(".wav")));
+  EXPECT_EQ(unit.Quit(), 0);
+}
+
+/// The lengths of the log's songs, in seconds.
+std::vector<int> SongLengths(const std::string& log) {
+  std::vector<int> lengths;
+  constexpr std::string_view kHead = "Song length: ";
+  for (std::size_t at = log.find(kHead); at != std::string::npos; at = log.find(kHead, at + 1)) {
+    const std::size_t minutes = at + kHead.size();
+    const std::size_t colon = log.find(':', minutes);
+    lengths.push_back(std::stoi(log.substr(minutes)) * 60 + std::stoi(log.substr(colon + 1)));
+  }
+  return lengths;
+}
+
+TEST(Schedules, AnEventOfOneFileHasItsOwnBeginningOutlivesAChangeOfFormatAndEndsWhenDisabled) {
+  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
+  const TemporaryFolder folder;
+  PrivatePulse pulse;
+  ASSERT_TRUE(pulse.Start());
+  const auto variables = pulse.Environment();
+  const std::map<std::string, std::string> environment(variables.begin(), variables.end());
+  const Receiver radio(
+      folder / "radio",
+      Receiver::Setup{TenStations(6), std::string("pulse:") + PrivatePulse::kSink, "tones", {}, environment});
+  const std::time_t begin = std::time(nullptr) + 30;
+  Unit unit(folder / "profile", Unit::Setup{"pulse",
+                                            radio.Link(),
+                                            {{"Channel", "25"},
+                                             {"MinSongLength", "0"},
+                                             {"FileFormat", "WAV"},
+                                             {"Cleftune", "False"},
+                                             {"ScheduleEnabled3", "1"},
+                                             {"ScheduleChannel3", "25"},
+                                             {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
+                                             {"ScheduleDuration3", "1:00"},
+                                             {"ScheduleIntegrel3", "0"},
+                                             {"ScheduleCleftune3", "0"},
+                                             {"ScheduleMatchGrab3", "0"},
+                                             {"ScheduleMatchKill3", "0"}},
+                                            {},
+                                            environment});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
+      << unit.Program().Errors();
+  const Outcome refused = unit.Ctl({"stop"});
+  EXPECT_EQ(refused.Exit, 1);
+  EXPECT_THAT(refused.Errors, HasSubstr("3")) << "it names the entry";
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return std::time(nullptr) >= begin + 10; }));
+
+  EXPECT_EQ(unit.Ctl({"set", "FileFormat", "OGG"}).Exit, 0);
+  const std::time_t changed = std::time(nullptr);
+  ASSERT_TRUE(WaitUntil(kPatience, [&] {
+    return unit.LogText().find("Scheduled event 3 recording again") != std::string::npos;
+  }));
+  EXPECT_EQ(unit.Status()["activeSchedule"], 3);
+  ASSERT_EQ(SongLengths(unit.LogText()).size(), 1U);
+  EXPECT_LE(SongLengths(unit.LogText()).front(), changed - begin + 1)
+      << "nothing from before the event is in its file";
+
+  EXPECT_EQ(unit.Ctl({"schedule", "disable", "3"}).Exit, 0);
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 0; }));
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return SongLengths(unit.LogText()).size() == 2; }));
+  EXPECT_THAT(unit.Recordings(),
+              testing::UnorderedElementsAre(EndsWith("(Incomplete).wav"), EndsWith("(Incomplete).ogg")));
   EXPECT_EQ(unit.Quit(), 0);
 }
 
