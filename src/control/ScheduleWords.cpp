@@ -38,8 +38,9 @@ std::optional<DateValue> ReadOn(std::string_view text) {
   }
   if (text.find(':') != std::string_view::npos) return std::nullopt;
   const std::optional<DateValue> date = base::ParseDate(text);
-  // Who writes a day of that month out means that day, which has long passed, and no code.
-  if (date && *date >= schedule::CodedDay(1) && *date <= schedule::CodedDay(schedule::kEveryDayCode)) return std::nullopt;
+  // A day of that month written out means that day, which has long passed, and not the code.
+  if (date && *date >= schedule::CodedDay(1) && *date <= schedule::CodedDay(schedule::kEveryDayCode))
+    return std::nullopt;
   return date;
 }
 

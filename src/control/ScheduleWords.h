@@ -10,7 +10,7 @@
 
 namespace kestrune::control {
 
-/// The words in which a schedule entry is told on the command line. Nothing if a text is none of them.
+// The words for a schedule entry on the command line. Each function returns nothing if the text is not one of them.
 
 /// "Every Day", "Every Saturday" (both as a coded day of January 1967) or a date; case does not count.
 [[nodiscard]] std::optional<base::DateValue> ReadOn(std::string_view text);
@@ -21,7 +21,7 @@ namespace kestrune::control {
 /// An item of the scheduler's list of bit rates as that list has it; case does not count.
 [[nodiscard]] std::optional<std::string> ReadBitRate(std::string_view text);
 
-/// The entry's number and behind it the options with their values, all of them checked.
+/// Reads the entry's number and the options with their values, which have been checked.
 [[nodiscard]] ScheduleChange ReadScheduleChange(std::span<const std::string> words);
 
 }  // namespace kestrune::control

@@ -5,12 +5,12 @@
 
 namespace kestrune::presenters {
 
-/// The rules of the date picker: a date of the calendar, or what recurs as a coded day of January 1967. It is
-/// made anew each time that the picker opens, and closes with the first choice.
+/// The rules of the date picker, which returns a date of the calendar, or a coded day of January 1967 for what recurs.
+/// A new one is made each time the picker opens; the first choice closes it.
 class DateSelect {
  public:
-  /// Takes the date that the caller has, and writes the answer back to it. A date that has passed, and so
-  /// every coded one, opens the calendar at today. The loop and the date must outlive the picker.
+  /// Starts from the date in `selDate` and writes the answer to it. A date that has passed, which every coded one
+  /// has, opens the calendar at today. The loop and the date must outlive the picker.
   DateSelect(const base::EventLoop& loop, base::DateValue& selDate);
 
   /// The day that the calendar shows and has selected, at midnight.

@@ -124,7 +124,7 @@ TEST(ScheduleSet, ABitRateAloneEnablesAsWell) {
   EXPECT_EQ(world.Stored("ScheduleEnabled3"), "1");
 }
 
-TEST(ScheduleSet, AnEmptyEntryHasToBeToldWhole) {
+TEST(ScheduleSet, AnEmptyEntryHasToBeGivenWhole) {
   for (int without = 0; without < 4; ++without) {
     SchedulerWorld world;
     ScheduleChange change = Whole(3, CodedDay(7), 23 * 60, 120);
@@ -248,7 +248,8 @@ TEST_F(ScheduleReports, SayWhatCountsNow) {
 }
 
 TEST_F(ScheduleReports, OfAnEntryThatWasNeverSetNothingIsSaid) {
-  entries[2] = {.Channel = 1, .StartDate = now, .EndDate = now.AddSeconds(3659), .Integrel = true, .Cleftune = true};
+  entries[2] = {
+      .Channel = 1, .StartDate = now, .EndDate = now.AddSeconds(3659), .Integrel = true, .Cleftune = true};
   set = 2;
   const ScheduleReport report = Reports().at(2);
   EXPECT_FALSE(report.Set);

@@ -8,7 +8,7 @@ namespace {
 
 using base::DateValue;
 
-TEST(ScheduleWords, EveryWayToTellADay) {
+TEST(ScheduleWords, EveryWayToGiveADay) {
   const struct {
     const char* Text;
     std::optional<DateValue> Day;
@@ -32,7 +32,7 @@ TEST(ScheduleWords, EveryWayToTellADay) {
   for (const auto& one : kCases) EXPECT_EQ(ReadOn(one.Text), one.Day) << one.Text;
 }
 
-TEST(ScheduleWords, EveryWayToTellATime) {
+TEST(ScheduleWords, EveryWayToGiveATime) {
   const struct {
     const char* Text;
     std::optional<int> Minutes;

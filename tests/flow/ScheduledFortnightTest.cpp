@@ -29,7 +29,7 @@ DateValue Moment(const std::string& text) {
 }
 
 // Songs change on all channels at five past, a quarter past and so on, ten minutes apart. Whole songs count
-// from the second change behind the beginning; pieces from the first.
+// from the second change after the beginning; pieces from the first.
 const std::vector<LogRow> kFortnight = {
     {"Jan 1, 2005 12:00:00", "Scheduled event 7 beginning on channel 51 until Jan 1, 12:30:59 pm"},
     {"Jan 1, 2005 12:00:00", "Scheduled event is utilizing Integrel"},

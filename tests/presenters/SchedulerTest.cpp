@@ -384,7 +384,7 @@ TEST(SchedulerSave, ARowWithoutLengthIsStoredDisabledAndNoMessageIsShown) {
   EXPECT_TRUE(world.Dialogs.Shown.empty());
 }
 
-TEST(SchedulerSave, AConflictIsToldAndNothingIsWritten) {
+TEST(SchedulerSave, AConflictIsShownAndNothingIsWritten) {
   SchedulerWorld world;
   Scheduler scheduler = world.Open();
   scheduler.TickEnabled(1, true);
@@ -404,7 +404,7 @@ TEST(SchedulerSave, AConflictIsToldAndNothingIsWritten) {
   EXPECT_FALSE(scheduler.SaveFailed());
 }
 
-TEST(SchedulerSave, ADailyRowOf24HoursIsTold) {
+TEST(SchedulerSave, ADailyRowOf24HoursIsRefused) {
   SchedulerWorld world;
   Scheduler scheduler = world.Open();
   scheduler.SetStartDate(6, schedule::CodedDay(15));

@@ -282,7 +282,7 @@ TEST_F(SchedulePassTest, APassBetweenTwoEventsEndsTheFirstAndTheNextPassBeginsTh
   EXPECT_EQ(schedule.ActiveSchedule, 2);
 }
 
-TEST_F(SchedulePassTest, ALowerEntryEndsARunningOneWhichBeginsAgainBehindIt) {
+TEST_F(SchedulePassTest, ALowerEntryEndsARunningOneWhichBeginsAgainAfterIt) {
   entries[2] = Once(20, 0, 120, 46);
   entries[0] = Once(20, 30, 10, 45);
   PassAt(20, 0);
@@ -360,7 +360,7 @@ TEST_F(SchedulePassTest, AChannelChangedByTheUserIsTunedBack) {
   EXPECT_EQ(radio.ChannelNumber, 46);
 }
 
-TEST_F(SchedulePassTest, AnotherEndAndAnotherChannelTellTheEndFirst) {
+TEST_F(SchedulePassTest, AnotherEndAndAnotherChannelLogTheEndFirst) {
   entries[0] = Once(20, 0, 60, 46);
   PassAt(20, 0);
   entries[0].Channel = 45;

@@ -241,7 +241,7 @@ TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
   EXPECT_EQ(rig->Recording().RecordedCount, 1);
 }
 
-TEST_F(ScheduledEventsTest, ALowerEntryEndsARunningOneWhichBeginsAgainBehindIt) {
+TEST_F(ScheduledEventsTest, ALowerEntryEndsARunningOneWhichBeginsAgainAfterIt) {
   Store(3, {.Channel = 50});
   Store(1, {.Start = "Mar 9, 2005 8:02 PM", .Duration = "0:01", .Channel = 45});
   StartIdleAt(At(20, 0));
@@ -256,7 +256,7 @@ TEST_F(ScheduledEventsTest, ALowerEntryEndsARunningOneWhichBeginsAgainBehindIt) 
   EXPECT_EQ(rig.Radio.TunedChannel, 50);
 }
 
-TEST_F(ScheduledEventsTest, AnEveryDayEventEndsBehindMidnightAtTheFirstPassBehindItsEnd) {
+TEST_F(ScheduledEventsTest, AnEveryDayEventEndsAfterMidnightAtTheFirstPassAfterItsEnd) {
   Store(1, {.Start = "Jan 15, 1967 11:00 PM", .Duration = "2:00"});
   StartIdleAt(On(3, 10, 0, 30));
   rig.Run(kOnePass);
@@ -283,7 +283,7 @@ TEST_F(ScheduledEventsTest, AStartInTheMiddleOfAnEventBeginsItWithItsRealEnd) {
   EXPECT_TRUE(rig->Recording().RecordRequested);
 }
 
-TEST_F(ScheduledEventsTest, AnEventThatBeginsDuringTheChannelLoadRecordsBehindIt) {
+TEST_F(ScheduledEventsTest, AnEventThatBeginsDuringTheChannelLoadRecordsAfterIt) {
   Store(1, {});
   SetClock(At(20, 0));
   rig.Start();
@@ -444,7 +444,7 @@ TEST_F(ScheduledEventsTest, TheUsersModesAreAskedAgainAfterTheEvent) {
 }
 
 TEST_F(ScheduledEventsTest, AButtonPressedWithinABoundaryDoesNotGetInTheWayOfAnEventThatFallsDue) {
-  // The boundary's wait blocks, so that the press is served behind the cut; whenever it comes, the event runs
+  // The boundary's wait blocks, so that the press is served after the cut; whenever it comes, the event runs
   // in the end.
   int withinABoundary = 0;
   for (const bool recording : {false, true}) {
@@ -675,7 +675,7 @@ TEST_F(SteppedClockTest, AStepBackIntoAnEventThatWasOverBeginsItAgain) {
               ElementsAre(Begins("Mar 9, 9:00:59 pm"), whole, completed, Begins("Mar 9, 9:00:59 pm"), whole));
 }
 
-TEST_F(SteppedClockTest, AStepBackInFrontOfARunningEventEndsIt) {
+TEST_F(SteppedClockTest, AStepBackToBeforeARunningEventEndsIt) {
   Store(1, {});
   StartIdleAt(At(20, 30));
   rig.Run(kOnePass);

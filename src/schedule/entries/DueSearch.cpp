@@ -38,7 +38,7 @@ std::optional<DateValue> DueSearch::SingleEnd(DateValue start, DateValue end) co
 
 std::optional<DateValue> DueSearch::WeeklyEnd(DateValue start, DateValue end) const {
   // The code week folds back to Sunday at each Saturday's end, while an entry's end runs on; the last shift
-  // is the one that carries a Saturday night over midnight. Where more than one test holds, the last counts.
+  // is the one that carries a Saturday night over midnight. If more than one test holds, the last one decides.
   const DateValue present = NowInCodeWeek();
   std::optional<DateValue> until;
   for (const int shift : {0, 7, -7}) {

@@ -17,11 +17,10 @@ struct DueEntry {
   bool operator==(const DueEntry&) const = default;
 };
 
-/// Finds the entry that is due. It looks at nothing but the present moment: what ran before, or was missed,
-/// makes no difference.
+/// Finds the entry that is due at the present moment. What ran before, or was missed, makes no difference.
 ///
-/// A start before Jan 15, 1967 is weekly, one on that day is daily, and every later one a single date. Other
-/// places draw these lines a little differently, each for its own purpose.
+/// A start before Jan 15, 1967 is weekly, one on that day is daily, and every later one a single date. The
+/// scheduler's window draws these lines a little differently.
 class DueSearch {
  public:
   using Clock = std::function<base::DateValue()>;
@@ -29,7 +28,7 @@ class DueSearch {
   /// The table must outlive the search. `now` is read anew at each comparison.
   DueSearch(const ScheduleEntries& entries, Clock now) : entries_(entries), now_(std::move(now)) {}
 
-  /// The lowest entry that is due, if any is.
+  /// The due entry with the lowest number, if any is due.
   [[nodiscard]] std::optional<DueEntry> Find() const;
 
  private:

@@ -16,8 +16,8 @@ class EntryEditor {
   virtual void EntriesChanged() = 0;
 };
 
-/// The editors that are open. Whoever else changes the stored entries asks first whether one of them has changes,
-/// which would be lost or undo the other's, and afterwards lets the editors read the entries again.
+/// The editors that are open. Before changing the stored entries elsewhere, ask whether an editor has changes, which
+/// its save would put over the new ones; afterwards let the editors read the entries again.
 class EntryEditors {
  public:
   /// The editor must be removed before it is destroyed.

@@ -19,7 +19,7 @@ struct ScheduleEntry {
   bool MatchGrab = false;       ///< the Grab lists apply
   bool MatchKill = false;       ///< the Kill lists apply
   std::string MP3BitRate = {};  ///< such as "128 Stereo" or "8 Mono"
-  bool Cleftune = false;        ///< one file a song
+  bool Cleftune = false;        ///< one file per song
 
   bool operator==(const ScheduleEntry&) const = default;
 };

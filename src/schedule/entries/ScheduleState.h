@@ -6,8 +6,8 @@
 
 namespace kestrune::schedule {
 
-/// What a running schedule entry lays over the user's own settings. While `ActiveSchedule` is 0 the rest has
-/// no meaning.
+/// What a running schedule entry puts in place of the user's own settings. While `ActiveSchedule` is 0 the rest has no
+/// meaning.
 struct ScheduleState {
   std::int16_t ActiveSchedule = 0;  ///< number of the running entry, 1 to 10
   bool SchedIntegrel = false;

@@ -4,15 +4,15 @@
 
 namespace kestrune::schedule {
 
-/// How a row shows the end of its entry: as "Every Day" from January 15 to 20, 1967, as a weekday before that,
-/// and as a date after it.
+/// How a row shows the end of its entry: as "Every Day" from January 15 to 20, 1967, as a weekday before, and as a
+/// date after.
 [[nodiscard]] SchedulerMoment ShownEnd(base::DateValue end);
 
-/// The end of a row as its start and its duration make it.
+/// The end of a row, from its start and duration.
 [[nodiscard]] SchedulerMoment EndTimeOf(const SchedulerRow& row);
 
-/// The minutes from a row's start to the end that it shows, always 1 to 2879. An end that fits the start in
-/// no other way is taken as the same time of day, and one that is not later as the next day's.
+/// The minutes from a row's start to the end that it shows, always 1 to 2879. If only one of the two recurs, the
+/// end's time of day alone counts; an end that is not later than the start is taken as the next day's.
 [[nodiscard]] int DurationOf(const SchedulerRow& row);
 
 }  // namespace kestrune::schedule

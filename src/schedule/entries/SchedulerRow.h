@@ -30,7 +30,7 @@ struct SchedulerRow {
   bool Cleftune = true;
   bool Grab = false;
   bool Kill = false;
-  std::string MP3BitRate;  ///< an item of the list of bit rates, or whatever is stored
+  std::string MP3BitRate;  ///< an item of the list of bit rates, or the text that is stored
 
   [[nodiscard]] std::int64_t DurationInMinutes() const { return DurationHours * 60 + DurationMinutes; }
 

@@ -28,7 +28,7 @@ struct SchedulerSettings {
 /// The list of bit rates: "8 Mono", "8 Stereo" to "192 Stereo".
 [[nodiscard]] const std::vector<std::string>& SchedulerBitRates();
 
-/// A row as it stands before anything is read into it: today at midnight for an hour, not enabled.
+/// A row before anything is read into it: today at midnight for an hour, not enabled.
 [[nodiscard]] SchedulerRow EmptySchedulerRow(base::DateValue now);
 
 /// Reads entry `number`, 1 to 10. A text that the row cannot show leaves its control as it is in the empty row; a

@@ -6,8 +6,8 @@
 
 namespace kestrune::schedule {
 
-/// Hands over the lines of a file's text one by one, their ends ("\n" or "\r\n") taken off; a last line
-/// without an end counts. Logs grow without limit, so their lines are never all held at once.
+/// Calls `visit` with each line of a file's text, without its end ("\n" or "\r\n"); a last line without an end is
+/// one too. Logs grow without limit, so their lines are never all held at once.
 template <typename Visit>
 void EachLine(std::string_view text, Visit visit) {
   while (!text.empty()) {

@@ -13,14 +13,14 @@
 namespace kestrune::schedule {
 
 /// The user's record of what the program did: the unit's log file, which grows until the user clears it, the
-/// list of its last lines and, in debug mode, the trace file. Every failure is swallowed, and a line that
-/// cannot reach the disk still reaches the list.
+/// list of its last lines and, in debug mode, the trace file. Every failure is ignored, and a line that cannot
+/// reach the disk still reaches the list.
 class Log final : public base::Journal {
  public:
   /// All references must outlive the log.
   Log(platform::Files& files, const platform::Environment& environment, const base::EventLoop& loop);
 
-  /// Names the log file after the unit; the empty unit is the one from the start.
+  /// Names the log file after the unit; the unit is empty until this is called.
   void SetMultiUnit(std::string_view multiUnit);
   void SetDebugMode(bool on) { debugMode_ = on; }
   [[nodiscard]] bool DebugMode() const { return debugMode_; }

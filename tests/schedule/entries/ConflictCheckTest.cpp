@@ -177,7 +177,7 @@ std::string PlainAnswer(const std::vector<PlainRow>& rows, const std::vector<boo
   return "none";
 }
 
-TEST(Save, AnswersAsTheRulesToldInWholeMinutesDo) {
+TEST(Save, AnswersAsTheRulesInWholeMinutesDo) {
   std::mt19937 dice(PrintedSeed());
   const auto roll = [&dice](int sides) { return static_cast<int>(dice() % static_cast<unsigned>(sides)); };
   const char* const weekdays[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",

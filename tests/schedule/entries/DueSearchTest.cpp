@@ -39,7 +39,7 @@ std::optional<DueEntry> First(DateValue until) {
   return DueEntry{1, until};
 }
 
-TEST(DueSearch, AMidnightCrossingDailyEventIsDueBehindMidnightUntilItsRealEnd) {
+TEST(DueSearch, AMidnightCrossingDailyEventIsDueAfterMidnightUntilItsRealEnd) {
   const ScheduleEntry night = Lasting(At(1967, 1, 15, 23, 0), 2, 0);
   EXPECT_EQ(DueAt(At(2005, 3, 9, 22, 59, 59), {night}), kNone);
   EXPECT_EQ(DueAt(At(2005, 3, 9, 23, 0), {night}), First(At(2005, 3, 10, 1, 0, 59)));
@@ -178,7 +178,7 @@ TEST(DueSearch, EachComparisonReadsTheClockAnew) {
   EXPECT_EQ(
       DueOn({At(2005, 3, 9, 20, 29, 59), At(2005, 3, 9, 20, 29, 59), At(2005, 3, 9, 20, 30, 0)}, wednesdays),
       First(At(2005, 3, 9, 21, 1, 0)))
-      << "what is left at the fold counts from the moment behind it";
+      << "the time left at the fold counts from the moment after it";
 }
 
 TEST(DueSearch, AMidnightBetweenDayAndTimeFoldsOntoTheBeginningOfTheOldDay) {

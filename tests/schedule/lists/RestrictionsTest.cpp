@@ -161,7 +161,7 @@ TEST_F(RestrictionsTest, TheMarkerInLowerCaseIsAnOrdinaryFragment) {
   EXPECT_TRUE(lists_.IsInGrabList("the {BLANK} ones", ""));
 }
 
-TEST_F(RestrictionsTest, TheMarkerWithABlankBehindItIsAnOrdinaryFragment) {
+TEST_F(RestrictionsTest, TheMarkerWithATrailingBlankIsAnOrdinaryFragment) {
   Load("0{Blank} \n");
   EXPECT_FALSE(lists_.IsInGrabList("", ""));
 }
@@ -177,7 +177,7 @@ TEST_F(RestrictionsTest, FragmentsKeepTheirBlanks) {
   EXPECT_TRUE(lists_.IsInGrabList("Moon Man", ""));
 }
 
-TEST_F(RestrictionsTest, AFullListTakesItsFirstThousandAndLetsOthersLoadBehindIt) {
+TEST_F(RestrictionsTest, AFullListTakesItsFirstThousandAndLaterLinesOfOthersLoad) {
   std::string text;
   for (int i = 1; i <= 1005; ++i) text += "3song " + std::to_string(i) + ".\n";
   text += "0Moon\n";
@@ -251,7 +251,9 @@ TEST_F(RestrictionsTest, AFileThatIsGoneEmptiesTheLists) {
 }
 
 TEST_F(RestrictionsTest, AByteOrderMarkIsNoPartOfTheFirstEntry) {
-  Load("\xEF\xBB\xBF" "0Moon\n0Sun\n");
+  Load(
+      "\xEF\xBB\xBF"
+      "0Moon\n0Sun\n");
   EXPECT_EQ(lists_.Fragment(RestrictList::GrabArtists, 1), "Moon");
   EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 2);
 }

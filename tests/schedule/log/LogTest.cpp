@@ -144,7 +144,7 @@ TEST_F(LogTest, ANulInATextIsABlank) {
 }
 
 TEST_F(LogTest, AccentsAreNoControlCharacters) {
-  // Café, a letter of three bytes, and U+00A0, the first character behind the control ones.
+  // Café, a letter of three bytes, and U+00A0, the first character after the control ones.
   log_.DoLog("Caf\xC3\xA9 \xE2\x82\xAC\xC2\xA0.");
   EXPECT_EQ(files_.Text(kPath), "Feb 9, 2006 09:07:05 Caf\xC3\xA9 \xE2\x82\xAC\xC2\xA0.\n");
 }
