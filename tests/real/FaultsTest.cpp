@@ -27,7 +27,10 @@ namespace kestrune::test {
 namespace {
 
 using Json = Unit::Json;
+using testing::Contains;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr double kSongSeconds = 5;
 
@@ -165,6 +168,8 @@ class SoundServerFaults : public Faults {
     const auto variables = pulse_.Environment();
     setup_.Audio = "pulse";
     setup_.Environment = {variables.begin(), variables.end()};
+    // A song is kept for what came before the fault.
+    setup_.Settings["MinSongLength"] = "1";
   }
 
   /// Records from the device of that number and waits for the middle of a song.
@@ -200,7 +205,9 @@ TEST_F(SoundServerFaults, TheMapperRecordsTheSongThatBeganWithoutASoundServer) {
   EXPECT_TRUE(WaitUntil(4s, [&] { return length() > 500; })) << "the song in hand has sound again";
   EXPECT_GT(Lost(), lostBefore);
   EXPECT_TRUE(WaitForSongs(*unit_, unit_->RecordedCount() + 2));
-  EXPECT_EQ(unit_->LogText().find("recording input"), std::string::npos);
+  EXPECT_THAT(unit_->LogText(), Not(HasSubstr("recording input")));
+  EXPECT_THAT(unit_->LogText(), HasSubstr("of sound are missing from"));
+  EXPECT_THAT(unit_->Recordings(), Contains(HasSubstr(" (Incomplete)"))) << "the song that lacks sound";
   EXPECT_EQ(unit_->Quit(), 0);
 }
 
