@@ -18,8 +18,8 @@ struct Row {
   std::array<Entry, 5> Songs;
 };
 
-// All invented. Odd texts are here on purpose: all capitals, all small letters, signs that file names do not
-// take, accents, and names longer than the sixteen characters that the radio has room for.
+// All invented. Odd texts are here on purpose: all capitals, all small letters, characters that file names
+// cannot have, accents, and names longer than the sixteen characters of a radio text.
 constexpr Row kRows[] = {
     {1,
      "The Preview",
@@ -232,7 +232,7 @@ LineUp BuiltInLineUp() {
     for (const Entry& song : row.Songs) {
       station.Songs.push_back({song.Artist, song.Title, std::chrono::seconds(song.Seconds)});
     }
-    // The stations are not all at the start of a song at once.
+    // The stations do not all begin a song at the same moment.
     station.Phase = std::chrono::seconds(row.Number * 37);
     lineUp.Stations.push_back(std::move(station));
   }

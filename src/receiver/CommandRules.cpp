@@ -17,7 +17,7 @@ constexpr std::uint8_t kSelect = 0x10;
 constexpr std::uint8_t kFirstChannel = 1;
 constexpr std::string_view kFiller = "\xED\xED";
 
-/// The bytes of a known payload, the type first; nothing stands for a channel.
+/// The bytes of a known payload, the type first; nullopt stands for any channel.
 using Bytes = std::vector<std::optional<std::uint8_t>>;
 
 const std::vector<Bytes>& KnownPayloads() {
@@ -46,7 +46,7 @@ std::uint8_t ByteAt(std::string_view bytes, std::size_t i) {
   return i < bytes.size() ? static_cast<std::uint8_t>(bytes[i]) : 0;
 }
 
-/// How many bytes from the first one on are as they should be.
+/// How many bytes are right, counted from the first one.
 std::size_t RightBytes(const Bytes& known, std::string_view payload) {
   std::size_t count = 0;
   while (count < known.size() && count < payload.size() &&

@@ -9,7 +9,7 @@ LinePacer::LinePacer(int baud) : baud_(baud) {}
 LinePacer::Microseconds LinePacer::Length(std::size_t bytes) const {
   constexpr std::int64_t kBitsAByte = 10;
   const std::int64_t bits = static_cast<std::int64_t>(bytes) * kBitsAByte;
-  // A byte is not there before its end: fractions round up.
+  // A byte has not arrived before its end: fractions round up.
   return Microseconds((bits * 1'000'000 + baud_ - 1) / baud_);
 }
 

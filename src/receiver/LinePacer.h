@@ -8,8 +8,8 @@
 
 namespace kestrune::receiver {
 
-/// A serial line's pace: a byte is ten bits, one start and one stop bit among them, and a byte is there when
-/// its last bit is. The line carries one byte at a time, in the order of queueing.
+/// A serial line's pace: a byte is ten bits with its start and stop bit, and has arrived when its last bit
+/// has. The line carries one byte at a time, in the order of queueing.
 class LinePacer {
  public:
   using Microseconds = std::chrono::microseconds;
@@ -18,11 +18,11 @@ class LinePacer {
 
   /// The first bit goes out at `at`, or when the line is free.
   void Queue(Microseconds at, std::string_view bytes);
-  /// The bytes that are through by now, each given once.
+  /// The bytes that have arrived by now, each returned once.
   [[nodiscard]] std::string Take(Microseconds now);
-  /// When the next byte is through; nothing if the line is idle.
+  /// When the next byte will have arrived; nothing if the line is idle.
   [[nodiscard]] std::optional<Microseconds> NextByte() const;
-  /// When all is through; in the past if the line is idle.
+  /// When all bytes will have arrived; in the past if the line is idle.
   [[nodiscard]] Microseconds FreeAt() const { return freeAt_; }
   void Clear() { runs_.clear(); }
 

@@ -30,36 +30,36 @@ std::optional<std::chrono::milliseconds> SecondsOf(const Json& object, const cha
 }
 
 std::string ReadSong(const Json& object, Song& song) {
-  if (!object.is_object()) return "a song is no object";
+  if (!object.is_object()) return "a song is not an object";
   const auto artist = TextOf(object, "artist");
   const auto title = TextOf(object, "title");
   const auto length = SecondsOf(object, "length");
-  if (!artist || !title) return "a song wants an \"artist\" and a \"title\"";
-  if (!length || length->count() == 0) return "a song wants a \"length\" in seconds above 0";
+  if (!artist || !title) return "a song needs an \"artist\" and a \"title\"";
+  if (!length || length->count() == 0) return "a song needs a \"length\" in seconds above 0";
   song = {*artist, *title, *length};
   return {};
 }
 
 std::string ReadStation(const Json& object, Station& station) {
-  if (!object.is_object()) return "a station is no object";
+  if (!object.is_object()) return "a station is not an object";
   const auto number = object.find("number");
-  if (number == object.end() || !number->is_number_integer()) return "a station wants a \"number\"";
+  if (number == object.end() || !number->is_number_integer()) return "a station needs a \"number\"";
   const auto value = number->get<std::int64_t>();
   if (value < 1 || value > kHighestChannel) return fmt::format("number {} is not within 1 to 255", value);
   station.Number = static_cast<int>(value);
   const auto name = TextOf(object, "name");
   const auto genre = TextOf(object, "genre");
-  if (!name || !genre) return fmt::format("station {} wants a \"name\" and a \"genre\"", value);
+  if (!name || !genre) return fmt::format("station {} needs a \"name\" and a \"genre\"", value);
   station.Name = *name;
   station.Genre = *genre;
   if (object.contains("phase")) {
     const auto phase = SecondsOf(object, "phase");
-    if (!phase) return fmt::format("station {}: \"phase\" is no number of seconds", value);
+    if (!phase) return fmt::format("station {}: \"phase\" is not a number of seconds", value);
     station.Phase = *phase;
   }
   const auto songs = object.find("songs");
   if (songs == object.end()) return {};
-  if (!songs->is_array()) return fmt::format("station {}: \"songs\" is no list", value);
+  if (!songs->is_array()) return fmt::format("station {}: \"songs\" is not a list", value);
   for (const Json& element : *songs) {
     std::string error = ReadSong(element, station.Songs.emplace_back());
     if (!error.empty()) return fmt::format("station {}: {}", value, error);
@@ -107,9 +107,9 @@ LineUp LineUpOfSize(int channels) {
 
 LineUpResult LineUpFromJson(std::string_view json) {
   const Json document = Json::parse(json.begin(), json.end(), nullptr, false);
-  if (document.is_discarded()) return {{}, "the line-up is no JSON"};
+  if (document.is_discarded()) return {{}, "the line-up is not JSON"};
   if (!document.is_object() || !document.contains("stations") || !document["stations"].is_array()) {
-    return {{}, "the line-up wants a list \"stations\""};
+    return {{}, "the line-up needs a list \"stations\""};
   }
   LineUpResult result;
   for (const Json& element : document["stations"]) {
@@ -123,7 +123,7 @@ LineUpResult LineUpFromJson(std::string_view json) {
   const auto twin =
       std::adjacent_find(stations.begin(), stations.end(),
                          [](const Station& a, const Station& b) { return a.Number == b.Number; });
-  if (twin != stations.end()) return {{}, fmt::format("station {} stands there twice", twin->Number)};
+  if (twin != stations.end()) return {{}, fmt::format("station {} is listed twice", twin->Number)};
   return result;
 }
 

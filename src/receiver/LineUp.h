@@ -17,17 +17,17 @@ struct Station {
   int Number = 0;  ///< 1 to 255
   std::string Name;
   std::string Genre;
-  std::vector<Song> Songs;             ///< played in this order, round and round; empty: silence without text
-  std::chrono::milliseconds Phase{0};  ///< how far into the round the station is at time 0
+  std::vector<Song> Songs;  ///< played in this order, again and again; if empty, silence without text
+  std::chrono::milliseconds Phase{0};  ///< how far into its list the station is at time 0
 };
 
-/// The stations of a receiver, rising by number, each number once.
+/// The stations of a receiver in ascending order, each number once.
 struct LineUp {
   std::vector<Station> Stations;
 
   /// Null if there is no such channel.
   [[nodiscard]] const Station* Find(int number) const;
-  /// The station with the next higher number; null behind the last one.
+  /// The station with the next higher number; null after the last one.
   [[nodiscard]] const Station* After(int number) const;
   /// Gives every song the same length.
   void SetSongLength(std::chrono::milliseconds length);
@@ -41,7 +41,7 @@ struct LineUp {
 
 struct LineUpResult {
   LineUp Value;
-  std::string Error;  ///< empty on success, else what is wrong and where
+  std::string Error;  ///< empty on success, otherwise what is wrong and where
 };
 
 /// {"stations": [{"number": 8, "name": "...", "genre": "...", "phase": seconds (optional),

@@ -74,7 +74,7 @@ class PowerLoss final : public Misbehaviour {
   }
 };
 
-/// The supply fails for a moment. The receiver comes back as it likes: on, on another channel, not muted.
+/// The power supply fails for a while. The receiver comes back switched on, on another channel and not muted.
 class Restart final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
@@ -93,7 +93,7 @@ class Restart final : public Misbehaviour {
     return !dead_;
   }
 
-  /// On to the station after the tuned one, or round to the first.
+  /// Tunes to the next station, after the last one to the first.
   static void Wander(ReceiverModel& model) {
     const LineUp& stations = model.Stations();
     const Station* next = stations.After(model.TunedChannel());
@@ -159,7 +159,7 @@ class Unasked final : public Misbehaviour {
 
 }  // namespace
 
-// The seed is mixed with the name, so that one misbehaviour strikes alike with and without the others.
+// The seed is mixed with the name, so that a misbehaviour strikes at the same commands with and without the others.
 Misbehaviour::Misbehaviour(MisbehaviourWish wish, std::uint64_t seed)
     : wish_(std::move(wish)), dice_(seed ^ HashOf(wish_.Name)) {}
 

@@ -16,7 +16,7 @@ namespace kestrune::receiver {
 /// Bytes on their way to the program.
 struct Sending {
   std::string Bytes;
-  std::chrono::milliseconds Delay{0};  ///< for how long the line rests before the first byte
+  std::chrono::milliseconds Delay{0};  ///< how long the line stays idle before the first byte
 };
 
 /// What somebody asked for: a name, and when it is to strike.
@@ -27,7 +27,7 @@ struct MisbehaviourWish {
   std::optional<std::chrono::milliseconds> At = std::nullopt;
 };
 
-/// A fault with a name, laid around an honest receiver. The same seed gives the same strikes.
+/// A fault with a name, wrapped around an honest receiver. The same seed gives the same strikes.
 class Misbehaviour {
  public:
   Misbehaviour(MisbehaviourWish wish, std::uint64_t seed);
@@ -42,11 +42,11 @@ class Misbehaviour {
   /// Before the receiver answers. False: the command never reaches it.
   [[nodiscard]] virtual bool BeforeAnswer(std::chrono::milliseconds now, std::string_view command,
                                           ReceiverModel& model);
-  /// What it answered, to be spoiled.
+  /// Spoils the answer.
   virtual void AfterAnswer(std::chrono::milliseconds now, std::vector<Sending>& sendings);
 
  protected:
-  /// Whether it strikes at this command; to be asked once a command at most.
+  /// Whether it strikes at this command; to be called once for a command at most.
   [[nodiscard]] bool StrikesNow(std::chrono::milliseconds now);
   [[nodiscard]] Dice& Chance() { return dice_; }
 

@@ -18,8 +18,8 @@ std::uint8_t ByteAt(std::string_view bytes, std::size_t i) {
   return i < bytes.size() ? static_cast<std::uint8_t>(bytes[i]) : 0;
 }
 
-/// The payload of a reply, its fields put at their offsets in the frame. What no field covers is 01, so that
-/// a reader that is off by one shows it.
+/// The payload of a reply, with its fields at their offsets in the frame. Every byte outside a field is 01, so that
+/// a reader that is off by one is caught.
 class Payload {
  public:
   Payload(std::uint8_t type, std::size_t size) : bytes_(size, '\x01') {
@@ -113,8 +113,8 @@ std::string ReceiverModel::Select(std::string_view command) {
   const int channel = ByteAt(command, 2);
   Payload reply(0x90, 6);
   reply.Byte(7, static_cast<unsigned>(channel)).Byte(8, 0).Byte(9, 0);
-  const bool toldToRefuse = std::exchange(refuseNextSelect_, false);
-  const bool refused = toldToRefuse || lineUp_.Find(channel) == nullptr;
+  const bool askedToRefuse = std::exchange(refuseNextSelect_, false);
+  const bool refused = askedToRefuse || lineUp_.Find(channel) == nullptr;
   if (refused) {
     reply.Byte(5, 0);
   } else {
@@ -135,11 +135,11 @@ std::string ReceiverModel::ChannelInfo(std::chrono::milliseconds now, std::strin
   Payload reply(0xA5, 73);
   // Channel 0 without texts is the end of the list, and the answer for a channel that does not exist.
   static const Station kNothing;
-  const Station& told = station != nullptr ? *station : kNothing;
-  const Playing playing = PlayingAt(told, now + setup_.Lead);
-  return reply.Byte(7, static_cast<unsigned>(told.Number))
-      .Bytes(10, WireText(told.Name, kTextSize))
-      .Bytes(28, WireText(told.Genre, kTextSize))
+  const Station& described = station != nullptr ? *station : kNothing;
+  const Playing playing = PlayingAt(described, now + setup_.Lead);
+  return reply.Byte(7, static_cast<unsigned>(described.Number))
+      .Bytes(10, WireText(described.Name, kTextSize))
+      .Bytes(28, WireText(described.Genre, kTextSize))
       .Bytes(45, WireText(playing.What != nullptr ? playing.What->Artist : "", kTextSize))
       .Bytes(61, WireText(playing.What != nullptr ? playing.What->Title : "", kTextSize))
       .Frame();

@@ -12,9 +12,9 @@ namespace kestrune::receiver {
 
 /// Raw signal values as the radio sends them.
 struct SignalLevels {
-  std::uint8_t Satellite1 = 54;     ///< 6 and less is nothing, 70 is full
+  std::uint8_t Satellite1 = 54;     ///< 6 or less is no signal, 70 is full
   std::uint8_t Satellite2 = 46;     ///< the same
-  std::uint16_t Terrestrial = 136;  ///< 0 is full, 680 is nothing
+  std::uint16_t Terrestrial = 136;  ///< 0 is full, 680 is no signal
 };
 
 /// The receiver itself: its state, and its answer to each command. The caller passes the time, in milliseconds
@@ -39,7 +39,7 @@ class ReceiverModel {
   [[nodiscard]] bool PoweredOn() const { return poweredOn_; }
   [[nodiscard]] bool Muted() const { return muted_; }
   [[nodiscard]] int TunedChannel() const { return tuned_; }
-  /// The tuned channel, or 0 while nothing is to be heard.
+  /// The tuned channel, or 0 while nothing is audible.
   [[nodiscard]] int AudibleChannel() const { return poweredOn_ && !muted_ ? tuned_ : 0; }
   [[nodiscard]] std::chrono::milliseconds Lead() const { return setup_.Lead; }
 

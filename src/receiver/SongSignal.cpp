@@ -21,7 +21,7 @@ class TuneSignal final : public SongSignal {
       ordinal_ = place.Ordinal;
     }
     player_->Render(firstFrame - place.StartFrame, interleaved);
-    // A song comes in quickly and fades at its end, so that a good cut falls into quiet.
+    // A song fades in quickly and fades out at its end, so that a good cut falls into quiet.
     const double fadeIn = 0.02 * sampleRate_;
     const double fadeOut = 0.8 * sampleRate_;
     for (std::size_t i = 0; i < interleaved.size(); ++i) {

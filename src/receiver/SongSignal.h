@@ -10,8 +10,8 @@ namespace kestrune::receiver {
 
 enum class SignalKind {
   Tunes,   ///< each song its own melody
-  Tones,   ///< each song its own pure frequency, to be recognised by a measurement
-  Counter  ///< each frame its own number, to be missed by nobody
+  Tones,   ///< each song its own pure frequency, which a measurement can recognise
+  Counter  ///< each frame its own number, so that a missing one shows
 };
 
 /// A song's place in the sound of the receiver. Frames count from the receiver's start.
@@ -34,11 +34,11 @@ class SongSignal {
 
 [[nodiscard]] std::unique_ptr<SongSignal> MakeSongSignal(SignalKind kind, int sampleRate);
 
-/// The frequency, in Hz, of the song in SignalKind::Tones: 200 to 8180 in steps of 20, another one for each
-/// of 400 songs, and never near that of the song before.
+/// The frequency, in Hz, of the song in SignalKind::Tones: 200 to 8180 in steps of 20, a different one for each of
+/// 400 songs, and never near that of the previous song.
 [[nodiscard]] double ToneFrequency(int ordinal);
 
-/// The frame that SignalKind::Counter gives a number: the lower 16 bits on the left, the upper ones on the
+/// The frame that stands for a number in SignalKind::Counter: the lower 16 bits on the left, the upper ones on the
 /// right.
 [[nodiscard]] constexpr std::int16_t CounterLeft(std::int64_t frame) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(frame & 0xFFFF));

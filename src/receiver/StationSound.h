@@ -17,8 +17,8 @@ class StationSound {
  public:
   StationSound(const LineUp& lineUp, SignalKind kind, int sampleRate);
 
-  /// Frames of a channel from `firstFrame` (0 or later) on; silence if there is no such channel or it has no
-  /// songs. The counter alone sounds on every channel that exists.
+  /// Frames of a channel, starting with `firstFrame` (0 or later); silence if there is no such channel or it has no
+  /// songs. Only the counter sounds on every channel that exists.
   void Render(int channel, std::int64_t firstFrame, std::span<std::int16_t> interleaved);
 
   [[nodiscard]] int SampleRate() const { return sampleRate_; }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kDay = std::chrono::hours(24);
 
-/// Takes the line's time off it; nothing if it begins with none.
+/// Takes the line's time off it; nothing if the line does not begin with a time.
 std::optional<std::chrono::milliseconds> TakeTime(std::string_view& line) {
   double seconds = 0;
   const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), seconds);

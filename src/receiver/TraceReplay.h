@@ -8,16 +8,16 @@
 
 namespace kestrune::receiver {
 
-/// The received lines of a trace file ("<seconds since midnight> < <bytes in hex>"), to be sent again with
-/// the same distances in time. Midnight may lie between two lines.
+/// The received lines of a trace file ("<seconds since midnight> < <bytes in hex>"), to be sent again at
+/// the same intervals. Midnight may fall between two lines.
 class TraceReplay {
  public:
-  /// Lines of other kinds are passed over; the first line with a time is moment 0.
+  /// Lines of other kinds are skipped; the first line with a time is moment 0.
   explicit TraceReplay(std::string_view trace);
 
-  /// The frames whose moment has come, each given once, in order.
+  /// The frames that are due, each returned once, in order.
   [[nodiscard]] std::vector<std::string> Take(std::chrono::milliseconds sinceStart);
-  /// When the next frame is due, counted from moment 0; nothing behind the last one.
+  /// When the next frame is due, counted from moment 0; nothing after the last one.
   [[nodiscard]] std::optional<std::chrono::milliseconds> Next() const;
   [[nodiscard]] std::size_t Frames() const { return entries_.size(); }
 

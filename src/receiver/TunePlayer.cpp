@@ -13,7 +13,7 @@ constexpr double kTurn = 2 * std::numbers::pi;
 constexpr int kDegrees = 5;
 constexpr std::array<int, kDegrees> kMajor = {0, 2, 4, 7, 9};
 constexpr std::array<int, kDegrees> kMinor = {0, 3, 5, 7, 10};
-// A note sounds on while the next ones begin.
+// A note rings on while the next ones begin.
 constexpr int kStepsANote = 4;
 constexpr double kAttackSeconds = 0.012;
 constexpr double kDecaySeconds = 0.35;

@@ -6,14 +6,13 @@
 
 namespace kestrune::receiver {
 
-/// A little melody on a five-note scale, with a bass below it and a soft start to each note: another one for
-/// each seed. A pure function of the position, so that any part of it can be asked for. It never reaches full
-/// scale.
+/// A short melody on a five-note scale, with a bass and a soft start to each note; each seed has its own. A pure
+/// function of the position, so that any part of it can be rendered. It never reaches full scale.
 class TunePlayer {
  public:
   TunePlayer(std::uint64_t seed, int sampleRate);
 
-  /// Stereo frames from the position on, counted in frames from the start of the tune.
+  /// Stereo frames from a position on; the position is in frames from the start of the tune.
   void Render(std::int64_t position, std::span<std::int16_t> interleaved) const;
 
  private:

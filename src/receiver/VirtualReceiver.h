@@ -24,12 +24,12 @@ struct ReceiverOptions {
   ReceiverModel::Setup Model;
   std::chrono::milliseconds ReplyDelay{20};  ///< from a command's last byte to the answer's first bit
   int Baud = 9600;
-  std::vector<MisbehaviourWish> Misbehaviours;  ///< unknown names are left out
+  std::vector<MisbehaviourWish> Misbehaviours;  ///< unknown names are ignored
   std::uint64_t Seed = 1;
 };
 
-/// The whole receiver at its end of the wire: commands in, paced bytes and sound out. It reads no clock; the
-/// caller tells the time since the receiver's start with each call, and it never goes back.
+/// The whole receiver at its end of the wire: it takes commands and gives paced bytes and sound. It reads no clock:
+/// the caller passes the time since the receiver's start with each call, and that time never goes back.
 class VirtualReceiver {
  public:
   using Milliseconds = std::chrono::milliseconds;
@@ -44,26 +44,26 @@ class VirtualReceiver {
   /// receives.
   void Replay(TraceReplay trace);
 
-  /// Bytes from the program, all of them here by now.
+  /// Bytes from the program that have arrived by now.
   void Receive(Milliseconds now, std::string_view bytes);
-  /// Bytes to the program that are through by now, each given once.
+  /// Bytes to the program that have been transmitted by now, each returned once.
   [[nodiscard]] std::string Send(Microseconds now);
   /// When Send will have something again; nothing if only a command can change that.
   [[nodiscard]] std::optional<Microseconds> NextByte() const;
-  /// What is still on its way to the program is lost.
+  /// Drops what is still on its way to the program.
   void DropUnsent() { pacer_.Clear(); }
 
-  /// Sound is made from this moment on. Frame n belongs to the moment n / sampleRate since the receiver's
+  /// Makes sound from this moment on. Frame n belongs to the moment n / sampleRate since the receiver's
   /// start.
   void StartSound(Milliseconds now, SignalKind kind, int sampleRate);
-  /// Stereo frames of what was to be heard, up to this moment, each given once. A change of channel, mute or
-  /// power falls on the frame of its moment.
+  /// Stereo frames of the audible sound up to this moment, each returned once. A change of channel, mute or power
+  /// falls on the frame of its moment.
   [[nodiscard]] std::vector<std::int16_t> TakeSound(Milliseconds now);
-  /// Frames given so far, and frame number of the first one.
+  /// The number of frames returned so far, and the frame number of the first one.
   [[nodiscard]] std::int64_t FramesTaken() const { return framesTaken_; }
   [[nodiscard]] std::int64_t FirstFrame() const { return firstFrame_; }
 
-  /// Notes the changes of text and sound of the tuned channel. Only the log needs it.
+  /// Logs the changes of text and sound on the tuned channel; without a log, does nothing.
   void Observe(Milliseconds now);
 
   [[nodiscard]] ReceiverModel& Model() { return model_; }

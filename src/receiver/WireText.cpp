@@ -7,7 +7,7 @@
 namespace kestrune::receiver {
 namespace {
 
-// The characters of 0x80 to 0x9F; 0 where the set leaves the place open.
+// The characters of 0x80 to 0x9F; 0 where the set has no character.
 constexpr std::array<char32_t, 32> kUpperControls = {
     0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -20,7 +20,7 @@ char ByteOf(char32_t character) {
   return static_cast<char>(0x80 + (place - kUpperControls.begin()));
 }
 
-/// Takes the first character off the text; a byte that is no UTF-8 stands for itself.
+/// Takes the first character off the text; a byte that is not UTF-8 is a character of its own.
 char32_t TakeCharacter(std::string_view& text) {
   const auto byteAt = [&text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
   const std::uint8_t first = byteAt(0);

@@ -6,8 +6,8 @@
 
 namespace kestrune::receiver {
 
-/// A text as the radio sends it: Windows-1252, one byte a character, cut to `width` characters and filled up
-/// with zero bytes. A character that the set lacks becomes "?".
+/// A text as the radio sends it: Windows-1252, one byte a character, cut to `width` characters and padded
+/// with zero bytes. A character that is not in the set becomes "?".
 [[nodiscard]] std::string WireText(std::string_view utf8, std::size_t width);
 
 }  // namespace kestrune::receiver

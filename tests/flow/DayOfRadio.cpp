@@ -87,7 +87,7 @@ void DayOfRadio::Run() {
   Check(unit_->Load() == recorder::StartOutcome::Running, "the start failed");
   line_.Now = plan_.Faults;
   Every(1s, 9s, [this] { ChangeSongs(); });
-  // What a user does reaches the program as a handler of its own, in whatever wait it stands.
+  // What a user does reaches the program as a handler of its own, during any wait.
   if (plan_.User) {
     Every(20s, 600s, [this] { loop_.Post([this] { PressSomething(); }); });
   }
@@ -215,7 +215,7 @@ void DayOfRadio::Check(bool holds, const std::string& complaint) {
 
 void DayOfRadio::FollowSession() {
   // The command that zeroes the counters is the one that asks for the recording. It may come later than what
-  // led to it: a press is held back while a song is put away, an event tunes first.
+  // led to it: a press is held back while a song is filed, and an event tunes first.
   const bool requested = unit_->Recording().RecordRequested;
   if (requested && !requested_) BeginSession();
   requested_ = requested;
@@ -240,12 +240,12 @@ void DayOfRadio::LookOver() {
   Check(!state.WaitingForNextSong || waiting || !state.RecordRequested || event, "waiting" + phase);
   Check(ledger_.Open <= 1, "two files open");
 
-  // What the devices remember of the day would hide what the program keeps.
+  // What the devices remember of the day would hide how much the program keeps.
   radio_.Commands.clear();
   files_.Calls.clear();
   audio_->ForgetTags();
 
-  // The kept files are looked at and taken away: a day of them would only slow the list down.
+  // The kept files are checked and removed: a day of them would only slow the list down.
   for (const std::string& path : files_.AllFiles()) {
     if (!path.starts_with("/music/")) continue;
     const bool temporary = path.find("/Capture") != std::string::npos;
@@ -275,7 +275,7 @@ void DayOfRadio::TakeLogLine(const std::string& line) {
   FollowSession();
   std::string text = line.substr(line.find(':') + 7);
   const bool ofEvent = text.starts_with("Scheduled event ");
-  // In a long wait an event can come and go between two looks.
+  // During a long wait an event can begin and end between two checks.
   const bool ends = ofEvent && text.find(" completed ") != std::string::npos;
   if (ends && sessionAnnounced_) BeginSession();
   if (text.starts_with("Recorded: ")) ++keptThisSession_;

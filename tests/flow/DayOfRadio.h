@@ -92,7 +92,7 @@ class DayOfRadio {
   bool lineOpenAtTheEnd_ = false;
   std::int64_t framesLost_ = 0;
   std::vector<std::string> logTexts_;
-  bool requested_ = false;         ///< whether recording was asked for at the last look
+  bool requested_ = false;         ///< whether recording was asked for at the last check
   bool sessionAnnounced_ = false;  ///< the log announced a recording that has not been seen to begin
   int keptThisSession_ = 0;
   int refusedThisSession_ = 0;

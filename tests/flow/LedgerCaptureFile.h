@@ -12,7 +12,7 @@
 
 namespace kestrune::test {
 
-/// What all captures of a run together have seen of a sound whose mono samples count up by one.
+/// What all captures of a run have received of a sound whose mono samples count up by one.
 struct CutLedger {
   std::int64_t Samples = 0;
   std::int64_t Captures = 0;

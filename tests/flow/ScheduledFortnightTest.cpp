@@ -129,8 +129,8 @@ const std::vector<LogRow> kFortnight = {
     {"Jan 15, 2005 11:30:00", "Scheduled event is utilizing Integrel"},
 };
 
-/// Real radio, ticks, sound and files around the events. Hours in which nothing is planned pass in hops of the
-/// wall clock, with a look at the schedule in each.
+/// Real radio, ticks, sound and files around the events. Hours in which nothing is planned pass in jumps of the
+/// wall clock, with a schedule pass after each.
 class ScheduledFortnight : public ::testing::Test {
  protected:
   ScheduledFortnight() {
@@ -222,7 +222,7 @@ class ScheduledFortnight : public ::testing::Test {
     }
   }
 
-  /// The lines of the schedule, each with its stamp.
+  /// The log lines of the schedule, each with its time stamp.
   [[nodiscard]] std::vector<LogRow> Logged() {
     std::vector<LogRow> rows;
     for (const std::string& line : unit->LogBook().List().Lines()) {
@@ -285,14 +285,14 @@ TEST_F(ScheduledFortnight, TheLogIsWhatTheCalendarSays) {
   Entry(10, "Dec 31, 2004 8:00 PM", "1:00", 55, "IC");
   ASSERT_EQ(unit->Load(), recorder::StartOutcome::Running);
 
-  // A recording by hand in the way of Monday's event, and one on Tuesday that is in nobody's.
+  // A recording by hand in the way of Monday's event, and one on Tuesday that is in the way of none.
   RunTo("Jan 3, 2005 19:50:00");
   unit->cmdRecord();
   RunTo("Jan 4, 2005 10:00:00");
   unit->cmdRecord();
   RunTo("Jan 4, 2005 10:12:00");
   unit->cmdStop();
-  // Somebody turns to another channel in the middle of Thursday's event.
+  // The user tunes to another channel in the middle of Thursday's event.
   RunTo("Jan 6, 2005 14:20:00");
   unit->SetChannelNumber(53);
   // The running entry is cut short, and keeps its new length a week later.

@@ -20,13 +20,13 @@ std::vector<std::string> Fed(receiver::CommandReader& reader, const std::string&
   return payloads;
 }
 
-TEST(CommandReader, GivesThePayloadOfAWholeFrame) {
+TEST(CommandReader, ReturnsThePayloadOfAWholeFrame) {
   receiver::CommandReader reader;
   EXPECT_THAT(Fed(reader, kMuteOn), ElementsAre(Bytes("\x13\x01")));
   EXPECT_EQ(reader.SkippedBytes(), 0);
 }
 
-TEST(CommandReader, GivesTheTrailerAsItCame) {
+TEST(CommandReader, ReturnsTheTrailerUnchanged) {
   receiver::CommandReader reader;
   const std::vector<receiver::Command> commands =
       reader.Feed(kMuteOn + Bytes("\x5A\xA5\x00\x01\x31\x00\x7F"));
@@ -43,12 +43,12 @@ TEST(CommandReader, CompletesAFrameThatComesByteByByte) {
   EXPECT_THAT(Fed(reader, kMuteOn.substr(kMuteOn.size() - 1)), ElementsAre(Bytes("\x13\x01")));
 }
 
-TEST(CommandReader, GivesTwoFramesOfOneReadInOrder) {
+TEST(CommandReader, ReturnsTwoFramesOfOneReadInOrder) {
   receiver::CommandReader reader;
   EXPECT_THAT(Fed(reader, kIdentifier + kMuteOn), ElementsAre("\x31", Bytes("\x13\x01")));
 }
 
-TEST(CommandReader, SkipsAndCountsNoiseInFrontOfAFrame) {
+TEST(CommandReader, SkipsAndCountsNoiseBeforeAFrame) {
   receiver::CommandReader reader;
   EXPECT_THAT(Fed(reader, "\x01\x5A\x02" + kIdentifier), ElementsAre("\x31"));
   EXPECT_EQ(reader.SkippedBytes(), 3);

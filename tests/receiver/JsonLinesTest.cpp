@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-TEST(JsonLines, OneObjectALineWithTimeAndEventInFront) {
+TEST(JsonLines, OneObjectALineBeginningWithTimeAndEvent) {
   std::ostringstream out;
   receiver::JsonLines lines(out);
   lines.Write(milliseconds(1250), "tuned", {{"channel", 8}});

@@ -26,7 +26,7 @@ TEST(LinePacer, NineHundredAndSixtyBytesTakeOneSecond) {
   EXPECT_EQ(line.Take(microseconds(1'000'000)).size(), 1U);
 }
 
-TEST(LinePacer, ABusyLineSendsTheNextFrameBehindTheFirst) {
+TEST(LinePacer, ABusyLineSendsTheNextFrameAfterTheFirst) {
   receiver::LinePacer line(1000);
   line.Queue(microseconds(0), "ab");
   line.Queue(microseconds(5000), "c");
@@ -42,7 +42,7 @@ TEST(LinePacer, AnIdleLineStartsWhenItIsAsked) {
   EXPECT_EQ(line.Take(microseconds(60'000)), "b");
 }
 
-TEST(LinePacer, TellsWhenTheNextByteIsThere) {
+TEST(LinePacer, KnowsWhenTheNextByteArrives) {
   receiver::LinePacer line(1000);
   EXPECT_FALSE(line.NextByte());
   line.Queue(microseconds(0), "ab");

@@ -42,7 +42,7 @@ TEST(BuiltInLineUp, EverySongHasTextsAndALengthAndIsAnotherOne) {
       EXPECT_TRUE(seen.insert(song.Artist + "|" + song.Title).second) << song.Artist << " " << song.Title;
       EXPECT_EQ(WireText(song.Artist + song.Title, 200).find('?') != std::string::npos,
                 (song.Artist + song.Title).find('?') != std::string::npos)
-          << song.Artist << " " << song.Title << " has a character that the radio lacks";
+          << song.Artist << " " << song.Title << " has a character that the radio cannot send";
     }
   }
 }
@@ -76,7 +76,7 @@ TEST(LineUp, SongLengthCanBeSetForAll) {
   }
 }
 
-TEST(LineUpOfSize, GivesTheAskedNumberOfChannels) {
+TEST(LineUpOfSize, HasTheNumberOfChannelsAskedFor) {
   for (const int channels : {0, 1, 2, 100, 254}) {
     const LineUp lineUp = receiver::LineUpOfSize(channels);
     EXPECT_EQ(lineUp.Stations.size(), static_cast<std::size_t>(channels));
@@ -109,27 +109,27 @@ TEST(LineUpFromJson, SaysWhatIsWrong) {
     const char* Json;
     const char* Error;
   } rows[] = {
-      {"{", "the line-up is no JSON"},
-      {"[]", "the line-up wants a list \"stations\""},
-      {R"({"stations": 1})", "the line-up wants a list \"stations\""},
-      {R"({"stations": [1]})", "a station is no object"},
-      {R"({"stations": [{"number": "1"}]})", "a station wants a \"number\""},
+      {"{", "the line-up is not JSON"},
+      {"[]", "the line-up needs a list \"stations\""},
+      {R"({"stations": 1})", "the line-up needs a list \"stations\""},
+      {R"({"stations": [1]})", "a station is not an object"},
+      {R"({"stations": [{"number": "1"}]})", "a station needs a \"number\""},
       {R"({"stations": [{"number": 0}]})", "number 0 is not within 1 to 255"},
       {R"({"stations": [{"number": 256}]})", "number 256 is not within 1 to 255"},
-      {R"({"stations": [{"number": 4, "name": "x"}]})", "station 4 wants a \"name\" and a \"genre\""},
+      {R"({"stations": [{"number": 4, "name": "x"}]})", "station 4 needs a \"name\" and a \"genre\""},
       {R"({"stations": [{"number": 4, "name": "x", "genre": "", "phase": -1}]})",
-       "station 4: \"phase\" is no number of seconds"},
+       "station 4: \"phase\" is not a number of seconds"},
       {R"({"stations": [{"number": 4, "name": "x", "genre": "", "songs": 1}]})",
-       "station 4: \"songs\" is no list"},
+       "station 4: \"songs\" is not a list"},
       {R"({"stations": [{"number": 4, "name": "x", "genre": "", "songs": [1]}]})",
-       "station 4: a song is no object"},
+       "station 4: a song is not an object"},
       {R"({"stations": [{"number": 4, "name": "x", "genre": "", "songs": [{"artist": ""}]}]})",
-       "station 4: a song wants an \"artist\" and a \"title\""},
+       "station 4: a song needs an \"artist\" and a \"title\""},
       {R"({"stations": [{"number": 4, "name": "x", "genre": "",
           "songs": [{"artist": "", "title": "", "length": 0}]}]})",
-       "station 4: a song wants a \"length\" in seconds above 0"},
+       "station 4: a song needs a \"length\" in seconds above 0"},
       {R"({"stations": [{"number": 4, "name": "", "genre": ""}, {"number": 4, "name": "", "genre": ""}]})",
-       "station 4 stands there twice"},
+       "station 4 is listed twice"},
   };
   for (const auto& row : rows) {
     const auto result = receiver::LineUpFromJson(row.Json);

@@ -67,7 +67,7 @@ TEST(Misbehaviour, AnUnknownNameMakesNone) {
   EXPECT_EQ(MakeMisbehaviour({.Name = "sulk"}, 1), nullptr);
 }
 
-TEST(Misbehaviour, TheSameSeedStrikesAlikeAndAnotherOtherwise) {
+TEST(Misbehaviour, TheSameSeedGivesTheSameStrikesAndAnotherOneOthers) {
   for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
     const std::string text(name);
     EXPECT_EQ(History(text, 0.3, 42), History(text, 0.3, 42)) << name;
@@ -84,7 +84,7 @@ TEST(Misbehaviour, StrikesAboutAsOftenAsItsRate) {
   EXPECT_NEAR(lost->Strikes(), 2500, 200);
 }
 
-TEST(Misbehaviour, JunkComesInFrontOfTheWholeAnswer) {
+TEST(Misbehaviour, JunkComesBeforeTheWholeAnswer) {
   const std::string wire = Wire(Spoil("junk"));
   EXPECT_GT(wire.size(), kFrame.size());
   EXPECT_LE(wire.size(), kFrame.size() + 12);
@@ -123,16 +123,16 @@ TEST(Misbehaviour, LateAnswersComeWholeAfterOneToThreeSeconds) {
   EXPECT_LE(sendings[0].Delay, milliseconds(3000));
 }
 
-TEST(Misbehaviour, SetupIsAskedForBehindTheAnswer) {
+TEST(Misbehaviour, SetupIsAskedForAfterTheAnswer) {
   EXPECT_EQ(Wire(Spoil("setup")), kFrame + Bytes("\x5A\xA5\x00\x03\xF2\x01\x00\x01\xF5"));
 }
 
-TEST(Misbehaviour, ANoticeComesBehindTheAnswer) {
+TEST(Misbehaviour, ANoticeComesAfterTheAnswer) {
   EXPECT_EQ(Wire(Spoil("notice")), kFrame + Bytes("\x5A\xA5\x00\x03\xE3\x01\x00\x01\xE6"));
 }
 
 TEST(Misbehaviour, SilenceLastsFiveSeconds) {
-  // A rate that strikes once in a while, so that the end of a silence shows.
+  // At this rate it strikes only now and then, so that the end of a silence shows.
   const auto silence = MakeMisbehaviour({.Name = "silence", .Rate = 0.01}, 3);
   milliseconds begin{-1};
   milliseconds end{-1};
@@ -207,7 +207,7 @@ TEST(Misbehaviour, OneWithAMomentStrikesOnceFromThenOn) {
   EXPECT_EQ(struck, std::vector<int>{500});
 }
 
-TEST(Misbehaviour, OneStrikesAlikeWithAndWithoutTheOthers) {
+TEST(Misbehaviour, OneStrikesTheSameWithAndWithoutTheOthers) {
   EXPECT_EQ(Wire(Spoil("junk", 5)), Wire(Spoil("junk", 5)));
   EXPECT_NE(History("junk", 0.5, 5), History("split", 0.5, 5));
 }

@@ -35,7 +35,7 @@ using ::testing::StartsWith;
 const std::string kIdentifier = Bytes("\x5A\xA5\x00\x01\x31\xED\xED");
 const std::string kIdentifierReply = Bytes("\x5A\xA5\x00\x0C\xB1\x01\x00\x01KSTR2605\x01\xCF");
 
-/// Reads until so many bytes are there, or the time is over, or there will be no more.
+/// Reads until that many bytes have come, the time is over or the line has ended.
 std::string ReadFrom(int file, std::size_t size, milliseconds limit = seconds(10)) {
   std::string bytes;
   const auto end = steady_clock::now() + limit;
@@ -51,7 +51,7 @@ std::string ReadFrom(int file, std::size_t size, milliseconds limit = seconds(10
   return bytes;
 }
 
-/// A running program; what it prints is caught. It is killed at the end if it still runs.
+/// A running program; what it prints is caught. It is killed at the end if it is still running.
 class Program {
  public:
   explicit Program(std::vector<std::string> command) {
@@ -239,7 +239,7 @@ TEST_F(RadioProgram, ItsBytesComeAtThePaceOfTheLine) {
   EXPECT_GE(steady_clock::now() - start, milliseconds(600));
 }
 
-TEST_F(RadioProgram, StartsPoweredOffIfTold) {
+TEST_F(RadioProgram, StartsPoweredOffIfAsked) {
   Program radio(RadioWith({"--off"}));
   const Line line(radio.Line());
   line.Send(kIdentifier);
@@ -250,7 +250,7 @@ TEST_F(RadioProgram, StartsPoweredOffIfTold) {
   EXPECT_EQ(line.Receive(kIdentifierReply.size()), kIdentifierReply);
 }
 
-TEST_F(RadioProgram, MisbehavesAsTold) {
+TEST_F(RadioProgram, MisbehavesAsAsked) {
   Program radio(RadioWith({"--misbehave=notice=1,corrupt=0"}));
   const Line line(radio.Line());
   line.Send(kIdentifier);
@@ -371,30 +371,30 @@ TEST_F(RadioProgram, AWrongOptionIsNamedAndTheUsageShown) {
       {{"--nope"}, "kestrune-radio: --nope: there is no such option\nUsage: "},
       {{"nope"}, "kestrune-radio: nope: there is no such option\nUsage: "},
       {{"--off=1"}, "kestrune-radio: --off=1: there is no such option\nUsage: "},
-      {{"--link"}, "kestrune-radio: --link: it wants a value\nUsage: "},
-      {{"--link", ""}, "kestrune-radio: --link: it wants a value\nUsage: "},
+      {{"--link"}, "kestrune-radio: --link: it needs a value\nUsage: "},
+      {{"--link", ""}, "kestrune-radio: --link: it needs a value\nUsage: "},
       {{"--sound", "loud"},
-       "kestrune-radio: --sound: \"loud\" is none of pipe:PATH, pulse:SINK, none\nUsage: "},
-      {{"--rate=1"}, "kestrune-radio: --rate: \"1\" is no whole number from 8000 to 192000\nUsage: "},
-      {{"--signal", "noise"},
-       "kestrune-radio: --signal: \"noise\" is none of tunes, tones, counter\nUsage: "},
-      {{"--songs", "0"}, "kestrune-radio: --songs: \"0\" is no number of seconds above 0\nUsage: "},
-      {{"--songs", "3x"}, "kestrune-radio: --songs: \"3x\" is no number of seconds above 0\nUsage: "},
+       "kestrune-radio: --sound: \"loud\" is not pipe:PATH, pulse:SINK or none\nUsage: "},
+      {{"--rate=1"}, "kestrune-radio: --rate: \"1\" is not a whole number from 8000 to 192000\nUsage: "},
+      {{"--signal", "noise"}, "kestrune-radio: --signal: \"noise\" is not tunes, tones or counter\nUsage: "},
+      {{"--songs", "0"}, "kestrune-radio: --songs: \"0\" is not a number of seconds above 0\nUsage: "},
+      {{"--songs", "3x"}, "kestrune-radio: --songs: \"3x\" is not a number of seconds above 0\nUsage: "},
       {{"--lead", "soon"},
-       "kestrune-radio: --lead: \"soon\" is no whole number from -60000 to 60000\nUsage: "},
+       "kestrune-radio: --lead: \"soon\" is not a whole number from -60000 to 60000\nUsage: "},
       {{"--channels", "255"},
-       "kestrune-radio: --channels: \"255\" is no whole number from 1 to 254\nUsage: "},
+       "kestrune-radio: --channels: \"255\" is not a whole number from 1 to 254\nUsage: "},
       {{"--channels", "5", "--line-up", "x"},
-       "kestrune-radio: --channels: there is a --line-up already\nUsage: "},
-      {{"--tuned", "0"}, "kestrune-radio: --tuned: \"0\" is no whole number from 1 to 255\nUsage: "},
-      {{"--misbehave", "sulk"}, "kestrune-radio: --misbehave: \"sulk\" is no misbehaviour\nUsage: "},
-      {{"--misbehave", "junk=2"}, "kestrune-radio: --misbehave: \"2\" is no rate from 0 to 1\nUsage: "},
+       "kestrune-radio: --channels: it cannot be combined with --line-up\nUsage: "},
+      {{"--tuned", "0"}, "kestrune-radio: --tuned: \"0\" is not a whole number from 1 to 255\nUsage: "},
+      {{"--misbehave", "sulk"}, "kestrune-radio: --misbehave: \"sulk\" is not a misbehaviour\nUsage: "},
+      {{"--misbehave", "junk=2"}, "kestrune-radio: --misbehave: \"2\" is not a rate from 0 to 1\nUsage: "},
       {{"--misbehave", "junk@soon"},
-       "kestrune-radio: --misbehave: \"soon\" is no number of seconds above 0\nUsage: "},
-      {{"--misbehave", "junk,,lost"}, "kestrune-radio: --misbehave: \"\" is no misbehaviour\nUsage: "},
-      {{"--seed", "-1"}, "kestrune-radio: --seed: \"-1\" is no whole number\nUsage: "},
-      {{"--baud", "0"}, "kestrune-radio: --baud: \"0\" is no whole number from 50 to 4000000\nUsage: "},
-      {{"--duration", "-1"}, "kestrune-radio: --duration: \"-1\" is no number of seconds above 0\nUsage: "},
+       "kestrune-radio: --misbehave: \"soon\" is not a number of seconds above 0\nUsage: "},
+      {{"--misbehave", "junk,,lost"}, "kestrune-radio: --misbehave: \"\" is not a misbehaviour\nUsage: "},
+      {{"--seed", "-1"}, "kestrune-radio: --seed: \"-1\" is not a whole number\nUsage: "},
+      {{"--baud", "0"}, "kestrune-radio: --baud: \"0\" is not a whole number from 50 to 4000000\nUsage: "},
+      {{"--duration", "-1"},
+       "kestrune-radio: --duration: \"-1\" is not a number of seconds above 0\nUsage: "},
       {{"--tuned", "2"}, "kestrune-radio: --tuned: the line-up has no channel 2\n"},
   };
   for (const auto& row : rows) {
@@ -428,7 +428,7 @@ TEST_F(RadioProgram, WhatCannotBeReadOrWrittenIsNamed) {
   }
 }
 
-TEST_F(RadioProgram, TellsItsUsageAndItsVersion) {
+TEST_F(RadioProgram, PrintsItsUsageAndItsVersion) {
   Program help(RadioWith({"--help"}));
   const std::string usage = help.Output();
   EXPECT_EQ(help.Wait(), 0);

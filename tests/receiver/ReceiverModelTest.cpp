@@ -72,7 +72,7 @@ TEST_F(ReceiverModelTest, SelectOfAnUnknownChannelIsRefused) {
   EXPECT_EQ(Model.TunedChannel(), 8);
 }
 
-TEST_F(ReceiverModelTest, OneSelectCanBeToldToBeRefused) {
+TEST_F(ReceiverModelTest, ASingleSelectCanBeRefused) {
   Model.RefuseNextSelect();
   EXPECT_EQ(Answer(Bytes("\x10\x02\xC8\x00\x00\x01")),
             Bytes("\x5A\xA5\x00\x06\x90\x00\x00\xC8\x00\x00\x01\x5D"));
@@ -98,7 +98,7 @@ const std::string kChannel8 = Bytes(
     "Call Me by Modem"
     "\x01\xA9");
 
-TEST_F(ReceiverModelTest, ChannelInfoTellsStationGenreArtistAndSong) {
+TEST_F(ReceiverModelTest, ChannelInfoHasStationGenreArtistAndSong) {
   EXPECT_EQ(Answer(Bytes("\x25\x08\x08\x00")), kChannel8);
 }
 
@@ -120,7 +120,7 @@ const std::string kChannel0 = Bytes(
     "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
     "\x01\xF3");
 
-TEST_F(ReceiverModelTest, BehindTheLastChannelComesChannel0WithoutTexts) {
+TEST_F(ReceiverModelTest, AfterTheLastChannelComesChannel0WithoutTexts) {
   EXPECT_EQ(Answer(Bytes("\x25\x09\xC8\x00")), kChannel0);
   EXPECT_EQ(Answer(Bytes("\x25\x09\xFF\x00")), kChannel0);
 }
@@ -141,11 +141,11 @@ TEST_F(ReceiverModelTest, TheTextRunsAheadOfTheSoundByTheLead) {
             Bytes("Glass Cadillac\0\0\xC9t\xE9\0\0\0\0\0\0\0\0\0\0\0\0\0"));
 }
 
-TEST_F(ReceiverModelTest, IdentifierStandsAtOffset8) {
+TEST_F(ReceiverModelTest, IdentifierIsAtOffset8) {
   EXPECT_EQ(Answer("\x31"), Bytes("\x5A\xA5\x00\x0C\xB1\x01\x00\x01KSTR2605\x01\xCF"));
 }
 
-TEST_F(ReceiverModelTest, SignalLevelsStandAtTheirOffsets) {
+TEST_F(ReceiverModelTest, SignalLevelsAreAtTheirOffsets) {
   Model.SetLevels({70, 20, 0x0144});
   EXPECT_EQ(Answer("\x43"),
             Bytes("\x5A\xA5\x00\x1A\xC3\x01\x00\x01\x01\x01\x01\x01\x01\x01\x01\x01\x01\x01\x01\x01"
@@ -226,7 +226,7 @@ TEST(ReceiverModelOff, EveryCommandButPowerAndSetupIsRejected) {
   EXPECT_EQ(model.Answer(milliseconds(0), "\x31").front().at(4), '\xB1');
 }
 
-TEST(ReceiverModelSetup, TunesTheFirstStationUnlessToldAnother) {
+TEST(ReceiverModelSetup, TunesTheFirstStationUnlessAskedForAnother) {
   EXPECT_EQ(ReceiverModel(TwoStations(), {}).TunedChannel(), 8);
   ReceiverModel::Setup setup;
   setup.Tuned = 200;
@@ -234,7 +234,7 @@ TEST(ReceiverModelSetup, TunesTheFirstStationUnlessToldAnother) {
   EXPECT_EQ(ReceiverModel({}, {}).TunedChannel(), 0);
 }
 
-TEST(ReceiverModelSetup, AShortIdentifierIsFilledUpWithBlanks) {
+TEST(ReceiverModelSetup, AShortIdentifierIsPaddedWithBlanks) {
   ReceiverModel::Setup setup;
   setup.Identifier = "ABC";
   ReceiverModel model(TwoStations(), setup);

@@ -27,7 +27,7 @@ TEST(Timeline, ASongPlaysFromItsStartUpToTheNext) {
   EXPECT_EQ(second.End, seconds(30));
 }
 
-TEST(Timeline, BehindTheLastSongTheFirstComesAgain) {
+TEST(Timeline, AfterTheLastSongTheFirstComesAgain) {
   const Playing again = PlayingAt(ThreeSongs(), seconds(35 * 1000 + 3));
   EXPECT_EQ(again.Index, 0U);
   EXPECT_EQ(again.Start, seconds(35 * 1000));

@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(TraceReplay, GivesTheReceivedLinesAtTheirDistances) {
+TEST(TraceReplay, SendsTheReceivedLinesAtTheirIntervals) {
   TraceReplay replay(
       "43200.5 > 5A A5 00 01 31 ED ED \n"
       "43200.75 < 5A A5 00 03 F4 01 00 01 F7 \n"

@@ -42,13 +42,13 @@ TEST(VirtualReceiver, AnswersAfterTheReplyDelayAtThePaceOfTheLine) {
   EXPECT_FALSE(receiver.NextByte());
 }
 
-TEST(VirtualReceiver, AnswersTwoCommandsOneBehindTheOther) {
+TEST(VirtualReceiver, AnswersTwoCommandsOneAfterTheOther) {
   VirtualReceiver receiver(TwoStations(), {});
   receiver.Receive(milliseconds(0), kMuteOn + kMuteOff);
   EXPECT_EQ(receiver.Send(seconds(1)), kMuteOnReply + kMuteOffReply);
 }
 
-TEST(VirtualReceiver, MisbehavesAsItWasTold) {
+TEST(VirtualReceiver, MisbehavesAsAsked) {
   ReceiverOptions options;
   options.Misbehaviours = {{"split", 1.0}, {"notice", 1.0}, {"nonsense", 1.0}};
   VirtualReceiver receiver(TwoStations(), options);
@@ -84,7 +84,7 @@ TEST(VirtualReceiver, WhatIsUnsentCanBeDropped) {
   EXPECT_EQ(receiver.Send(seconds(1)), "");
 }
 
-TEST(VirtualReceiver, GivesEverySampleOnce) {
+TEST(VirtualReceiver, ReturnsEverySampleOnce) {
   VirtualReceiver receiver(TwoStations(), {});
   receiver.StartSound(milliseconds(10), SignalKind::Counter, 44100);
   EXPECT_EQ(receiver.FirstFrame(), 441);

@@ -94,7 +94,7 @@ void PulseOutput::Play(std::span<const std::int16_t> interleaved) {
   const auto frames = static_cast<std::int64_t>(interleaved.size_bytes() / kFrameBytes);
   const bool written = pa_stream_write(stream_.get(), interleaved.data(), interleaved.size_bytes(), nullptr,
                                        0, PA_SEEK_RELATIVE) == 0;
-  // An overflow is told with the next round and stands for about one call's sound.
+  // An overflow is reported with the next round, and means about one call's worth of sound.
   if (!written || std::exchange(overflown_, false)) lostFrames_ += frames;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// What is wrong with a value, or empty.
+/// Returns what is wrong with a value; empty if nothing is.
 using Reader = std::function<std::string(std::string_view value, RadioOptions& options)>;
 
 template <typename Number>
@@ -27,7 +27,7 @@ std::optional<Number> NumberFrom(std::string_view text) {
 std::string ReadInt(std::string_view text, int low, int high, int& value) {
   const auto number = NumberFrom<int>(text);
   if (!number || *number < low || *number > high) {
-    return fmt::format("\"{}\" is no whole number from {} to {}", text, low, high);
+    return fmt::format("\"{}\" is not a whole number from {} to {}", text, low, high);
   }
   value = *number;
   return {};
@@ -36,14 +36,14 @@ std::string ReadInt(std::string_view text, int low, int high, int& value) {
 std::string ReadSeconds(std::string_view text, std::optional<milliseconds>& value) {
   const auto seconds = NumberFrom<double>(text);
   if (!seconds || !(*seconds >= 0.001 && *seconds <= 1e7)) {
-    return fmt::format("\"{}\" is no number of seconds above 0", text);
+    return fmt::format("\"{}\" is not a number of seconds above 0", text);
   }
   value = milliseconds(std::llround(*seconds * 1000));
   return {};
 }
 
 std::string ReadText(std::string_view text, std::string& value) {
-  if (text.empty()) return "it wants a value";
+  if (text.empty()) return "it needs a value";
   value = text;
   return {};
 }
@@ -60,7 +60,7 @@ std::string ReadSound(std::string_view text, RadioOptions& options) {
     options.Sound = SoundTarget::Pulse;
     options.SoundPlace = text.substr(kPulse.size());
   } else {
-    return fmt::format("\"{}\" is none of pipe:PATH, pulse:SINK, none", text);
+    return fmt::format("\"{}\" is not pipe:PATH, pulse:SINK or none", text);
   }
   return {};
 }
@@ -73,7 +73,7 @@ std::string ReadSignal(std::string_view text, RadioOptions& options) {
   } else if (text == "counter") {
     options.Signal = receiver::SignalKind::Counter;
   } else {
-    return fmt::format("\"{}\" is none of tunes, tones, counter", text);
+    return fmt::format("\"{}\" is not tunes, tones or counter", text);
   }
   return {};
 }
@@ -83,7 +83,7 @@ std::string ReadMisbehaviour(std::string_view text, RadioOptions& options) {
   const std::size_t end = text.find_first_of("=@");
   wish.Name = text.substr(0, end);
   if (receiver::MakeMisbehaviour(wish, 0) == nullptr) {
-    return fmt::format("\"{}\" is no misbehaviour", wish.Name);
+    return fmt::format("\"{}\" is not a misbehaviour", wish.Name);
   }
   if (end != std::string_view::npos) {
     const std::string_view value = text.substr(end + 1);
@@ -92,7 +92,7 @@ std::string ReadMisbehaviour(std::string_view text, RadioOptions& options) {
       if (!error.empty()) return error;
     } else {
       const auto rate = NumberFrom<double>(value);
-      if (!rate || !(*rate >= 0 && *rate <= 1)) return fmt::format("\"{}\" is no rate from 0 to 1", value);
+      if (!rate || !(*rate >= 0 && *rate <= 1)) return fmt::format("\"{}\" is not a rate from 0 to 1", value);
       wish.Rate = *rate;
     }
   }
@@ -118,7 +118,7 @@ std::string ReadLead(std::string_view text, RadioOptions& options) {
 
 std::string ReadSeed(std::string_view text, RadioOptions& options) {
   const auto seed = NumberFrom<std::uint64_t>(text);
-  if (!seed) return fmt::format("\"{}\" is no whole number", text);
+  if (!seed) return fmt::format("\"{}\" is not a whole number", text);
   options.Receiver.Seed = *seed;
   return {};
 }
@@ -182,13 +182,13 @@ ParsedOptions ParseRadioOptions(const std::vector<std::string_view>& arguments) 
     } else if (i + 1 < arguments.size()) {
       value = arguments[++i];
     } else {
-      return {{}, fmt::format("{}: it wants a value", name)};
+      return {{}, fmt::format("{}: it needs a value", name)};
     }
     const std::string error = reader->second(value, parsed.Options);
     if (!error.empty()) return {{}, fmt::format("{}: {}", name, error)};
   }
   if (parsed.Options.Channels != 0 && !parsed.Options.LineUpFile.empty()) {
-    return {{}, "--channels: there is a --line-up already"};
+    return {{}, "--channels: it cannot be combined with --line-up"};
   }
   return parsed;
 }
@@ -223,7 +223,7 @@ std::string RadioUsage() {
       "  --replay TRACE       sends what a trace file received, from the first byte on, and answers nothing\n"
       "  --jsonl FILE         writes what it does, one JSON object a line; - is the standard output\n"
       "  --baud N             bits a second (9600)\n"
-      "  --duration SECONDS   ends by itself\n"
+      "  --duration SECONDS   ends after this time\n"
       "  --help               shows this\n"
       "  --version            shows the version\n";
   return usage;

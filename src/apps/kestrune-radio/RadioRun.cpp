@@ -24,8 +24,8 @@ namespace {
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-// Longest and shortest rest of the loop: the first bounds how late a new connection is seen. The second hands
-// over at 9600 baud what a serial chip does, which collects about eight bytes before it tells of them.
+// The longest and the shortest rest of the loop. The first bounds how late a new connection is noticed. With the
+// second, bytes at 9600 baud come about eight at a time, as a serial chip delivers them.
 constexpr milliseconds kLongestRest{20};
 constexpr milliseconds kShortestRest{8};
 constexpr milliseconds kSoundRest{10};
@@ -98,7 +98,7 @@ class Running {
     const auto next = receiver_.NextByte();
     if (next) rest = std::min(rest, std::chrono::ceil<milliseconds>(*next - PreciseNow()));
     rest = std::max(rest, kShortestRest);
-    // A line that nobody has open is always ready, with nothing.
+    // A line that is not open at the other end always polls as ready, and has no bytes.
     pollfd state{connected_ ? line_.Handle() : -1, POLLIN, 0};
     ::poll(&state, 1, static_cast<int>(rest.count()));
   }

@@ -10,12 +10,12 @@ namespace kestrune::platform {
 
 /// The program's event loop: Qt's, on the main thread. A QCoreApplication must exist as long as this object.
 ///
-/// The wall clock is local time by the time zone of the process and follows it where it is changed, daylight
-/// saving included. Timers up to a second keep their time to the millisecond, longer ones to a twentieth of
+/// The wall clock is local time in the time zone of the process, and follows its changes, daylight saving
+/// included. Timers up to a second keep their time to the millisecond, longer ones to a twentieth of
 /// their interval.
 class QtEventLoop final : public base::EventLoop {
  public:
-  /// What a Sleep does about windows. `KeepPainted` still serves no timer of this loop, no device and no user:
+  /// What Sleep does about windows. Even with `KeepPainted` it serves no timer of this loop, no device and no user:
   /// what the user does meanwhile waits, but what is on screen stays whole.
   enum class WhileAsleep { Nothing, KeepPainted };
 
@@ -35,8 +35,7 @@ class QtEventLoop final : public base::EventLoop {
   /// what they start, such as a message box, never stands inside a step that waits. Until then they come in, so
   /// that a start can be closed.
   void KeepUserOutOfPumps() { userWaits_ = true; }
-  /// True within a Sleep: an adapter that gets an event of its own then keeps it until a timer of the loop
-  /// fires.
+  /// True during a Sleep: an adapter that gets an event of its own then keeps it until a timer of the loop fires.
   [[nodiscard]] static bool Asleep();
   [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(std::chrono::milliseconds interval,
                                                        std::function<void()> handler) override;

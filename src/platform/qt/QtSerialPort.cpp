@@ -22,9 +22,9 @@
 namespace kestrune::platform {
 namespace {
 
-// Qt does not tell of a line that was hung up: reading it gives nothing, again and again.
+// Qt does not report a line that was hung up: reading it just yields nothing.
 constexpr std::chrono::milliseconds kHangUpCheck{200};
-// The driver of a line takes a few kilobytes, which need seconds on their way.
+// A driver takes a few kilobytes, which need seconds on the line.
 constexpr std::chrono::milliseconds kSendAgain{20};
 constexpr std::size_t kMostWaiting = 4096;
 
@@ -70,8 +70,8 @@ bool ReadSettings(std::string_view text, LineSettings& settings) {
 
 }  // namespace
 
-/// Turns an event that was posted to it into a notification. With it go the connections and what is posted
-/// still.
+/// Turns an event that was posted to it into a notification. Destroying it removes the connections and the events
+/// still posted.
 class QtSerialPort::Wakeup final : public QObject {
  public:
   explicit Wakeup(QtSerialPort& port) : port_(port) {}
@@ -103,13 +103,12 @@ QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
                        case QSerialPort::ReadError:
                        case QSerialPort::WriteError:
                        case QSerialPort::DeviceNotFoundError:
-                         // Closed from here, the port would go away under Qt's own hands; the check closes
-                         // it.
+                         // Qt is still using the port here, so the next check closes it.
                          dead_ = true;
                          break;
                        default:
-                         // A pseudo-terminal has no modem lines; the rest tells of calls that return their
-                         // failure themselves.
+                         // A pseudo-terminal has no modem lines; the other errors belong to calls that
+                         // return their failure.
                          break;
                      }
                    });
@@ -149,8 +148,8 @@ base::Result QtSerialPort::Open() {
     return base::Result::Failed(fmt::format("{} cannot be opened: {}{}", device,
                                             port_.errorString().toStdString(), WhoMayHoldSerialDevice()));
   }
-  // A pseudo-terminal outlives who had it open, and keeps what was not read. A header alone from there makes
-  // the next frame's own header its length, and no reply is seen any more.
+  // A pseudo-terminal outlives the program that had it open, and keeps what was not read. A header left over from
+  // there would make the next frame's header its length, and no reply would be seen any more.
   base::Ignored(port_.clear(QSerialPort::Input));
   dead_ = false;
   hangUpCheck_->SetEnabled(true);
@@ -169,7 +168,7 @@ bool QtSerialPort::IsOpen() const {
 }
 
 void QtSerialPort::CloseIfDead() {
-  // The device's number is free for the next plugging-in only when nobody holds it any more.
+  // A device that is plugged in again gets its old number only if no program holds it any more.
   if (port_.isOpen() && !IsOpen()) Close();
 }
 
@@ -218,15 +217,15 @@ void QtSerialPort::SetReceiveHandler(std::function<void()> handler) {
 }
 
 void QtSerialPort::NotifySoon() {
-  // Qt tells of bytes only once while the one it told is still busy; posted, the handler runs within itself
-  // too.
+  // Qt reports bytes only once while the handler of that report is busy. Posted, the handler can run within
+  // itself.
   if (notifying_ || !port_.isOpen() || port_.bytesAvailable() < threshold_) return;
   notifying_ = true;
   wakeup_->Post();
 }
 
 void QtSerialPort::Notify() {
-  // A loop that keeps windows painted serves what was posted before it went to sleep.
+  // A loop that keeps windows painted still serves events that were posted before it went to sleep.
   if (QtEventLoop::Asleep()) return afterSleep_->SetEnabled(true);
   notifying_ = false;
   const auto handler = handler_;

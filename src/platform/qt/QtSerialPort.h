@@ -13,12 +13,12 @@
 
 namespace kestrune::platform {
 
-/// A serial line through Qt: real devices and pseudo-terminals, on which modem lines fail silently. The
-/// device is taken for this program alone. A number whose device is not there costs one look into the file
-/// system. What the device received before it was opened is dropped.
+/// A serial line through Qt: real devices and pseudo-terminals, on which modem lines fail silently. The device is
+/// opened for this program only. Trying a number without a device costs one look into the file system. What the
+/// device received before it was opened is dropped.
 class QtSerialPort final : public SerialPort {
  public:
-  /// The loop must outlive the port, and be Qt's.
+  /// The loop must outlive the port, and must be Qt's.
   QtSerialPort(base::EventLoop& loop, PortMap ports);
   ~QtSerialPort() override;
   QtSerialPort(const QtSerialPort&) = delete;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::array<int, 2> kSignals = {SIGTERM, SIGINT};
 
-// A signal handler reaches nothing but globals. It writes into the first end, the loop reads the second.
+// A signal handler can reach only globals. It writes to the first end, and the loop reads from the second.
 std::array<int, 2> signalSockets = {-1, -1};
 
 void Forward(int signal) {
@@ -58,7 +58,7 @@ SignalWatch::~SignalWatch() {
 }
 
 void SignalWatch::ReadSignals() {
-  // One a call: the handler may pump events, and may even destroy this object.
+  // One signal for each call: the handler may pump events, and may even destroy this object.
   char number = 0;
   if (::read(signalSockets[1], &number, 1) != 1) return;
   const auto handler = handler_;

@@ -7,11 +7,11 @@ class QSocketNotifier;
 
 namespace kestrune::platform {
 
-/// Turns SIGTERM and SIGINT into a call on the event loop. One at a time in a process; at its end the signals
-/// do again what they did before.
+/// Turns SIGTERM and SIGINT into a call on the event loop. There may be one in a process at a time; its end restores the
+/// former signal handlers.
 class SignalWatch {
  public:
-  /// The handler gets the signal's number. It runs from the event loop, once for each signal that came.
+  /// The handler gets the signal's number. It runs from the event loop, once for each signal received.
   explicit SignalWatch(std::function<void(int)> handler);
   ~SignalWatch();
   SignalWatch(const SignalWatch&) = delete;

@@ -21,8 +21,8 @@ class ChannelGrid {
 
   /// While true, a change of the selection is the program's own.
   bool IgnoreMove = false;
-  /// Whether the window takes input: the start sequence takes that away, the first reply of the walk gives it
-  /// back.
+  /// Whether the window takes input: the start sequence disables it, and the first reply of the walk enables it
+  /// again.
   bool Enabled = true;
 
   /// Widths and titles; then sorts by number, not ascending.
@@ -49,7 +49,7 @@ class ChannelGrid {
   [[nodiscard]] int FindRow(std::int16_t number) const;
 
   void AddRow(const ChannelEntry& entry);
-  /// Writes the cell of an existing row as it stands.
+  /// Writes the text unchanged into a cell of an existing row.
   void SetCell(int row, Column column, std::string text);
   void RemoveRow(int row);
   /// Leaves the title row alone.

@@ -9,8 +9,8 @@
 
 namespace kestrune::radio {
 
-/// The saved channel list: a line a channel, of five fields between tabs, which are number, station, two
-/// empty ones and genre. UTF-8.
+/// The saved channel list: one line for each channel, of five fields separated by tabs: number, station, two empty
+/// ones and genre. UTF-8.
 class ChannelListFile {
  public:
   explicit ChannelListFile(platform::Files& files) : files_(files) {}
@@ -26,7 +26,7 @@ class ChannelListFile {
   [[nodiscard]] bool Write(const std::vector<ChannelEntry>& entries);
   [[nodiscard]] bool Remove() { return files_.Remove(path_).Ok(); }
 
-  /// An entry a line, whatever it holds: a number that is none, or that no channel can have, is 0, and
+  /// One entry for each line, whatever it holds: a number that is invalid or out of range becomes 0, and
   /// missing fields are empty. The genre of channel 1 is left out.
   [[nodiscard]] static std::vector<ChannelEntry> Parse(std::string_view text);
   /// A tab or a line end within a text would break the file, so control characters become blanks.

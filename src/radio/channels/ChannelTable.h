@@ -21,12 +21,12 @@ class ChannelTable {
   /// another channel by now or none.
   [[nodiscard]] std::int16_t ChannelIndex(int number) const;
 
-  /// The entry of a slot; the empty one for a slot that is none.
+  /// The entry of a slot; the empty one for a number that is not a slot.
   [[nodiscard]] const ChannelEntry& At(int slot) const;
-  /// The entry of a slot to write into, null for slot 0 and for what is no slot.
+  /// The entry of a slot to write into; null for slot 0 and for a number that is not a slot.
   [[nodiscard]] ChannelEntry* Find(int slot);
 
-  /// Fills the next slot. False, and nothing done, if all are taken.
+  /// Fills the next slot. False, without a change, if all are taken.
   bool Add(ChannelEntry entry);
   /// Takes a filled slot out and moves all later ones down by one.
   void Remove(int slot);

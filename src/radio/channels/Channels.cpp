@@ -172,7 +172,7 @@ void Channels::AddToGrid(const ChannelEntry& entry) {
   grid_.IgnoreMove = false;
 }
 
-// True if the channel plays something else than before.
+// True if the channel plays something different from before.
 bool Channels::UpdateEntry(const ChannelInfo& info) {
   ChannelEntry& entry = *table_.Find(table_.ChannelIndex(info.Channel));
   const bool changed = info.Artist != entry.Artist || info.Song != entry.Song;
@@ -219,7 +219,7 @@ void Channels::RemoveStaleChannels() {
   for (int row = 1; row <= rows && row <= grid_.RowCount(); ++row) {
     const int slot = table_.ChannelIndex(grid_.NumberAt(row));
     if (table_.At(slot).Seen) continue;
-    // The row behind moves up to this place and is not looked at: it stays until the next start.
+    // The next row moves up to this place and is skipped: it stays until the next start.
     grid_.RemoveRow(row);
     table_.Remove(slot);
   }

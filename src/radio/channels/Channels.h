@@ -18,7 +18,7 @@
 namespace kestrune::radio {
 
 /// Keeps the table of the radio's channels: filled from the saved list, compared with a walk through the
-/// radio's own list, and then kept fresh by one small request after the other, every second one for the tuned
+/// radio's own list, and then kept up to date by one small request after another, every second one for the tuned
 /// channel.
 class Channels {
  public:
@@ -31,7 +31,7 @@ class Channels {
   Channels(RadioState& state, base::RunState& run, RadioSession& session, platform::Files& files,
            base::EventLoop& loop, base::Journal& journal, ChannelEvents& events);
 
-  /// Where the saved list lies: before LoadChannels and SaveChannels.
+  /// Sets where the saved list is. Call it before LoadChannels and SaveChannels.
   void SetListPlace(std::string_view userDataFolder, std::string_view multiUnit) {
     listFile_.SetPlace(userDataFolder, multiUnit);
   }
@@ -43,18 +43,18 @@ class Channels {
   /// the file as it is, unless the user wants it gone.
   void SaveAtExit();
 
-  /// Ends FormLoading and asks the radio for its first channel. Once a run, after LoadChannels.
+  /// Ends FormLoading and asks the radio for its first channel. Call it once, after LoadChannels.
   void StartWalk();
   /// One step of the walk or of the polling; does nothing while a reply is awaited, for 2 seconds at most.
   void RequestChannelInfo();
-  /// Takes a reply in. Events run inside, with InfoBusy set.
+  /// Handles a reply. Events run inside, with InfoBusy set.
   void pcrChannelInfoReceived(const ChannelInfo& info);
 
   [[nodiscard]] std::int16_t ChannelNumber() const { return state_.ChannelNumber; }
   /// Tunes the radio, which takes up to 1.5 s with events running; nothing at all for the tuned channel.
   void SetChannelNumber(std::int16_t number);
 
-  /// The list is to be made afresh at the next start. The caller shows kReloadText under kReloadTitle.
+  /// Has the list built afresh at the next start. The caller shows kReloadText under kReloadTitle.
   void mnuReload() { state_.PoorChannelList = true; }
 
   /// Writes artist and song of the last reply, for whatever channel it was, into that channel's entry and

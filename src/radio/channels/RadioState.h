@@ -6,7 +6,7 @@
 
 namespace kestrune::radio {
 
-/// What the rooms share of the radio and its channels.
+/// The state of the radio and its channels that several rooms share.
 struct RadioState {
   /// The identifier read at the start; may be empty.
   std::string RadioID;
@@ -29,7 +29,7 @@ struct RadioState {
   /// The next request is for the tuned channel.
   bool PollTunedNext = false;
   /// Last request or reply, on the steady clock: a stepped wall clock must not hold up the polling. At the
-  /// start it lies long ago.
+  /// start it is long past.
   std::chrono::milliseconds LastInfoRequest = -std::chrono::hours(24);
   /// A channel info reply is being handled.
   bool InfoBusy = false;

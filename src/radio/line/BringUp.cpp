@@ -31,17 +31,17 @@ const PortTrial* FirstOf(const std::vector<PortTrial>& trials, PortTrial::Reason
 
 base::Result RadioSearch::AsResult() const {
   if (Found()) return base::Result::Done();
-  if (const PortTrial* const refused = FirstOf(InVain, PortTrial::Reason::NotOpened)) {
+  if (const PortTrial* const refused = FirstOf(Failed, PortTrial::Reason::NotOpened)) {
     return base::Result::Failed(refused->Cause);
   }
-  if (const PortTrial* const silent = FirstOf(InVain, PortTrial::Reason::NoAnswer)) {
+  if (const PortTrial* const silent = FirstOf(Failed, PortTrial::Reason::NoAnswer)) {
     return base::Result::Failed(fmt::format("port {} opens, but no radio answers there", silent->Port));
   }
   return base::Result::Failed("there is no serial device; is the radio plugged in?");
 }
 
 bool RadioSearch::AnyDevice() const {
-  return std::any_of(InVain.begin(), InVain.end(),
+  return std::any_of(Failed.begin(), Failed.end(),
                      [](const PortTrial& trial) { return trial.Why != PortTrial::Reason::NoDevice; });
 }
 
@@ -90,13 +90,13 @@ void BringUp::SearchPorts(RadioSearch& search) {
 // A reason that repeats itself with each try is logged once.
 void BringUp::Keep(PortTrial trial, RadioSearch& search) {
   if (run_.ShuttingDown) return;
-  const bool known = std::any_of(search.InVain.begin(), search.InVain.end(), [&trial](const PortTrial& one) {
+  const bool known = std::any_of(search.Failed.begin(), search.Failed.end(), [&trial](const PortTrial& one) {
     return one.Port == trial.Port && one.Cause == trial.Cause;
   });
   if (!known && trial.Why != PortTrial::Reason::NoDevice) {
     journal_.DoLog(fmt::format("No radio on port {}: {}", trial.Port, trial.Cause));
   }
-  search.InVain.push_back(std::move(trial));
+  search.Failed.push_back(std::move(trial));
 }
 
 std::string BringUp::ReadRadioID() {

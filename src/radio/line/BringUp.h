@@ -18,8 +18,8 @@ namespace kestrune::radio {
 struct RadioSearch {
   /// Where the radio answered, its port open; 0 if nowhere.
   std::int16_t Port = 0;
-  /// The tries in vain, in their order; a port may stand there several times.
-  std::vector<PortTrial> InVain = {};
+  /// The unsuccessful tries, in order; a port may occur several times.
+  std::vector<PortTrial> Failed = {};
 
   [[nodiscard]] bool Found() const { return Port != 0; }
   /// Done if the radio was found. Otherwise the first device that could not be opened says why; if all opened,
@@ -44,7 +44,7 @@ class BringUp {
   /// radio. Each device without a radio gets one line in the log.
   [[nodiscard]] RadioSearch FindRadio(std::int16_t knownPort);
 
-  /// Asks for the identifier up to ten times, 17 s at most; empty if none came, which is no obstacle.
+  /// Asks for the identifier up to ten times, 17 s at most; empty if none came; the radio works all the same.
   [[nodiscard]] std::string ReadRadioID();
 
   /// Tunes the radio to a channel and unmutes it, 3 s at most. Fails if the radio has confirmed neither the

@@ -6,9 +6,8 @@
 
 namespace kestrune::radio {
 
-/// Every command that goes to the radio, as the hex text that `pcrHexToBinary` turns into bytes. The two last
-/// bytes are written out: the radio takes "ED ED" as a filler, and 01 with a sum behind it, which
-/// docs/serial-protocol.md explains.
+/// Every command that goes to the radio, as the hex text that `pcrHexToBinary` turns into bytes. The last two
+/// bytes are written out: either the filler "ED ED", or 01 and a sum, which docs/serial-protocol.md explains.
 namespace command {
 
 inline constexpr std::string_view kPowerOn = "5A A5 00 05 00 10 10 10 01 ED ED";

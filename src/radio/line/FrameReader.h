@@ -9,30 +9,30 @@ namespace kestrune::radio {
 
 /// What one call of `FrameReader::Next` came to.
 enum class FrameStep {
-  Nothing,     ///< too few bytes to look at
+  Nothing,     ///< too few bytes to examine
   Incomplete,  ///< the frame in front lacks bytes
   Frame,       ///< a frame was cut off
 };
 
 /// Cuts the radio's bytes into frames: 5A A5, a big-endian count of payload bytes, the payload, two bytes of
-/// trailer. It survives junk and tells how much it dropped:
+/// trailer. It survives junk and counts what it drops:
 ///
-/// 1. The buffer is looked at only while it holds more than 6 bytes.
-/// 2. A header at position 2 to 5 of the buffer is moved to its front; what stood before it is junk.
-/// 3. The length comes from the frame. Where there is no header in front, or the length has its top bit set,
-///    the length of the frame before counts once more, and so junk is cut in pieces of that size. Such a
-///    piece is handed out as if it were a frame.
+/// 1. The buffer is examined only while it holds more than 6 bytes.
+/// 2. A header at position 2 to 5 of the buffer is moved to its front; the bytes before it are junk.
+/// 3. The length comes from the frame. Without a header in front, or if the length has its top bit set, the
+///    length of the previous frame is used again, and so junk is cut in pieces of that size. Such a piece is
+///    returned as if it were a frame.
 ///
-/// The bytes given in are at every moment those of the frames with a header, the junk and the rest.
+/// At every moment the bytes appended are those of the frames with a header, the junk and the bytes pending.
 class FrameReader {
  public:
-  /// Lets go of the length that rule 3 falls back on; a run of the receive path begins with it.
+  /// Forgets the length that rule 3 falls back on; each run of the receive path begins with this.
   void BeginRun() { localLength_ = 0; }
 
   void Append(std::string_view bytes);
 
   /// Cuts the next frame off into `frame`, which is left alone otherwise. Costs time in proportion to the
-  /// bytes it cuts off, however much stands behind them.
+  /// bytes it cuts off, however much follows them.
   [[nodiscard]] FrameStep Next(std::string& frame);
 
   /// Whether there is enough for Next to look at.

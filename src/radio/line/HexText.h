@@ -5,8 +5,8 @@
 
 namespace kestrune::radio {
 
-/// The bytes that a hex text spells. Blanks are skipped wherever they stand, letters count in either case, a
-/// character that is no hex digit counts as 0, and a last digit without a partner is a high half.
+/// The bytes that a hex text spells. Blanks are skipped, letters count in either case, a character that is
+/// not a hex digit counts as 0, and a single last digit is the high half of a byte.
 [[nodiscard]] std::string pcrHexToBinary(std::string_view hexText);
 
 /// Two upper-case digits a byte, no blanks. Only the trace uses it, byte by byte.

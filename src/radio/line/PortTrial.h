@@ -8,7 +8,7 @@ namespace kestrune::radio {
 /// A port on which no radio was found.
 struct PortTrial {
   enum class Reason {
-    NoDevice,   ///< there is no device behind the number
+    NoDevice,   ///< the number has no device
     NotOpened,  ///< the device cannot be opened
     NoAnswer,   ///< the device opened, and no radio powered on
   };

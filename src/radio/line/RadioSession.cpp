@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr std::int16_t kLastPort = 16;
 constexpr std::int16_t kLastChannel = 255;
-// While the port opens each byte counts; from then on a notification for every byte would be too many.
+// While the port opens, each byte counts; afterwards, a notification for every byte would be too many.
 constexpr int kThresholdOpening = 1;
 constexpr int kThreshold = 5;
 constexpr auto kPartialFramePoll = 40ms;
@@ -204,7 +204,7 @@ bool RadioSession::pcrEnumerateChannels(std::int16_t nextChannel) {
   return true;
 }
 
-// What the replies left.
+// The values of the latest replies.
 
 std::string RadioSession::pcrGenre() const {
   return std::string(base::Trim(replies_.pcrGenre));
@@ -282,8 +282,8 @@ bool RadioSession::WaitFor(const std::function<bool()>& condition, int tries, Mi
 
 void RadioSession::pcrComm_OnComm() {
   loop_.PumpEvents();
-  // A notification that comes while events run inside the receive path: its bytes stay in the port, and the
-  // outer run reads them at its end.
+  // A notification can come while events run inside the receive path. Its bytes stay in the port, and the outer
+  // run reads them at its end.
   if (inOnComm_) return;
   inOnComm_ = true;
   reader_.BeginRun();
@@ -369,7 +369,7 @@ bool RadioSession::HandleFrame(std::string_view frame) {
       return true;
     case ReplyType::SetupAgain:
       Send(command::kSetup, true);
-      // The radio wants quiet after its setup, so nothing is served meanwhile.
+      // The radio needs quiet after its setup, so nothing is served meanwhile.
       loop_.Sleep(500ms);
       return true;
     case ReplyType::PowerIsOff:

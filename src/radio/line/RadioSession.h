@@ -19,15 +19,15 @@
 
 namespace kestrune::radio {
 
-/// The conversation with the radio: commands out, replies in, and the operations that wait for a reply.
+/// The conversation with the radio: commands, replies, and the operations that wait for a reply.
 ///
-/// Every wait is a bounded count of short sleeps between which events run, so timers and windows live on and
+/// Every wait is a bounded count of short sleeps between which events run, so timers and windows keep working and
 /// may call the same operations inside it. Nothing here fails loudly: an operation whose reply does not come
 /// returns false or an empty text. Once ShuttingDown is set no reply is read any more, and each wait runs
 /// out.
 class RadioSession {
  public:
-  /// All must outlive the session, which takes the port's receive handler for itself.
+  /// All must outlive the session, which sets the port's receive handler.
   RadioSession(platform::SerialPort& port, base::EventLoop& loop, const base::RunState& run,
                base::Journal& journal);
   ~RadioSession();
@@ -42,10 +42,10 @@ class RadioSession {
 
   // The port.
 
-  /// Whether the port is open, as the port itself says; an earlier state is forgotten.
+  /// Whether the port is open, as the port itself reports; this updates the last known state.
   [[nodiscard]] bool pcrPortOpen();
-  /// Opens or closes the port; nothing at all if that is its last known state. See pcrPortOpen and
-  /// pcrLastError for what came of it.
+  /// Opens or closes the port; does nothing if that is its last known state. pcrPortOpen and pcrLastError show the
+  /// outcome.
   void SetPortOpen(bool open);
   [[nodiscard]] std::int16_t pcrCOMPort() const { return comPort_; }
   /// Number of the port that the next opening takes, 1 to 16.
@@ -56,7 +56,7 @@ class RadioSession {
   /// one was found: pcrCOMPort is 16 after a search in vain. Each port without a radio is reported.
   void pcrFindPort(const std::function<void(PortTrial trial)>& report);
   /// Opens the port of this number, unless it is open already; another port is closed first. The reason is
-  /// NoAnswer if the port is open now: nobody has asked for a radio there yet.
+  /// NoAnswer if the port is open now: no radio has been asked for there yet.
   [[nodiscard]] PortTrial TryOpen(std::int16_t number);
   /// Reads and drops what the port has until it has nothing, 100 ms between two reads; at most fifty times, for a
   /// device may keep sending.
@@ -65,19 +65,19 @@ class RadioSession {
   // Operations. They return false at once if the port is closed.
 
   /// At most 400 ms of blocking sleep, 4.8 s of waiting, and 400 ms of blocking sleep again.
-  /// `bypassBlock` forgets what is awaited before.
+  /// With `bypassBlock`, what was awaited is forgotten first.
   [[nodiscard]] bool pcrPowerOn(bool bypassBlock);
   /// Waits 4.5 s at most.
   [[nodiscard]] bool pcrPowerOff();
-  /// The identifier known already, or else asked for, for 1.5 s at most; a radio that is off is powered on
-  /// for it. May be empty.
+  /// The identifier, if it is known; otherwise the radio is asked for it, for 1.5 s at most, and powered on if it is
+  /// off. May be empty.
   [[nodiscard]] std::string pcrRadioID();
   /// Channel 1 to 255; waits 1.5 s at most. True at once for the channel that was confirmed last.
   [[nodiscard]] bool pcrSelectChannel(std::int16_t channelNumber);
-  /// Waits 1.5 s at most, and only until the first mute reply of the run.
+  /// Waits 1.5 s at most, and not at all after the first mute reply of the run.
   [[nodiscard]] bool pcrMute(bool muteOn);
 
-  // These ask and do not wait: the periodic ticks call them.
+  // These send a request and do not wait: the periodic ticks call them.
 
   bool pcrGetSignalLevels();
   /// Channel 1 to 255. The result is false in every case, also when the request went out.
@@ -85,7 +85,7 @@ class RadioSession {
   /// Asks for the channel after the given one in the radio's list, for the first one after 0.
   bool pcrEnumerateChannels(std::int16_t nextChannel);
 
-  // What the replies left.
+  // The values of the latest replies.
 
   [[nodiscard]] const ReplyState& Replies() const { return replies_; }
   [[nodiscard]] std::int16_t pcrChannel() const { return replies_.pcrChannel; }
@@ -105,7 +105,7 @@ class RadioSession {
 
   // Frames.
 
-  /// Writes a frame at once, whatever is awaited; whether the port takes it is nobody's concern.
+  /// Writes a frame at once, whatever is awaited. A failure of the port is ignored.
   void pcrRawSend(std::string_view frame, bool bypassBlock);
   /// The same, if the port is open. Nothing in the program calls it; it is part of the radio layer's public surface.
   void pcrSendBinary(std::string_view frame);
@@ -119,7 +119,7 @@ class RadioSession {
   /// unanswered would hold up all others; only tests switch it on.
   void HoldCommands(bool on) { holdCommands_ = on; }
 
-  /// The receive path: reads all that the port has and handles every whole frame of it. The port's
+  /// The receive path: reads all that the port has received and handles every whole frame in it. The port's
   /// notification and tmrComm call it; a call from within itself does nothing.
   void pcrComm_OnComm();
 

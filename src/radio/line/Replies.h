@@ -18,7 +18,7 @@ enum class ReplyType : std::uint8_t {
   ChannelInfo = 0xA5,
   RadioID = 0xB1,
   Signal = 0xC3,
-  Silent = 0xE3,      ///< counts as a message and means nothing to the program
+  Silent = 0xE3,      ///< counts as a message, and is otherwise ignored
   SetupAgain = 0xF2,  ///< the radio asks for setup again
   PowerIsOff = 0xFF,  ///< the radio refuses a command because it is off
 };
@@ -30,11 +30,11 @@ struct SignalQuality {
 };
 
 // All of these take a whole frame, header and trailer included. Offsets count from the first header byte;
-// what lies behind the frame's end reads as 0 or as nothing.
+// a field beyond the frame's end reads as 0 or as empty.
 
 [[nodiscard]] std::uint8_t ByteAt(std::string_view frame, std::size_t offset);
 
-/// The eight characters of the identifier, as they stand.
+/// The eight characters of the identifier, unchanged.
 [[nodiscard]] std::string DecodePowerOnRadioID(std::string_view frame);
 [[nodiscard]] std::string DecodeRadioID(std::string_view frame);
 
@@ -44,7 +44,7 @@ struct SignalQuality {
 /// The radio's byte is read as a digit's character, so the raw values 0 and 1 are both False.
 [[nodiscard]] bool DecodeMute(std::string_view frame);
 
-/// Texts without zero bytes and without blanks around them, the artist and the song with their case repaired.
+/// The texts are without zero bytes and surrounding blanks; artist and song have their case repaired.
 [[nodiscard]] ChannelInfo DecodeChannelInfo(std::string_view frame);
 
 [[nodiscard]] SignalQuality DecodeSignal(std::string_view frame);

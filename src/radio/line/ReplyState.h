@@ -5,12 +5,12 @@
 
 namespace kestrune::radio {
 
-/// What the radio's replies left behind. A value stays until the next reply of its kind, whatever happens to
+/// The values of the radio's latest replies. A value stays until the next reply of its kind, whatever happens to
 /// the port. Texts are UTF-8; `pcrLastResponse` is bytes.
 struct ReplyState {
-  std::string pcrLastResponse;  ///< the last frame whole, known or not
+  std::string pcrLastResponse;  ///< the last whole frame, of a known type or not
 
-  // One channel info reply, for whatever channel it was.
+  // From one channel info reply, for any channel.
   std::int16_t pcrChannel = 0;
   std::string pcrStation;
   std::string pcrGenre;

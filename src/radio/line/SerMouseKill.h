@@ -4,8 +4,8 @@
 
 namespace kestrune::radio {
 
-/// Keeps mouse drivers off the serial lines: disables whatever the enumerator takes for a mouse. Without an
-/// answer it is disabled too. Nobody learns how it went.
+/// Keeps mouse drivers off the serial lines: disables whatever the enumerator takes for a mouse, also if the
+/// enumerator gives no answer. The outcome is not reported.
 void DisableSerialMouse(platform::SerialEnumerator& enumerator);
 
 }  // namespace kestrune::radio

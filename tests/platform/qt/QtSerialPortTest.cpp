@@ -274,7 +274,7 @@ TEST_F(QtSerialPortTest, WhatAnEarlierProgramLeftUnreadIsDropped) {
   EXPECT_EQ(Received, "hello");
 }
 
-TEST_F(QtSerialPortTest, OpeningAnOpenPortOpensItAnew) {
+TEST_F(QtSerialPortTest, OpeningAnOpenPortOpensItAgain) {
   ASSERT_EQ(Port->Open().Cause(), "");
   ASSERT_EQ(Port->Open().Cause(), "");
   EXPECT_TRUE(Port->IsOpen());

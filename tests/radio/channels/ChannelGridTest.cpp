@@ -25,12 +25,12 @@ class ChannelGridTest : public ::testing::Test {
   ChannelGrid grid;
 };
 
-TEST_F(ChannelGridTest, ARowIsTheNumberAndFourTextsBehindABlank) {
+TEST_F(ChannelGridTest, ARowIsTheNumberAndFourTextsWithALeadingBlank) {
   Add(45, "The Fox");
   EXPECT_THAT(grid.At(1), ElementsAre("45", " Station", " The Fox", " Song", " Genre"));
 }
 
-TEST_F(ChannelGridTest, SetupWritesTitlesAndWidthsAndLeavesTheMarkAloneOfTheFirstTitle) {
+TEST_F(ChannelGridTest, SetupWritesTitlesAndWidthsAndLeavesOnlyTheMarkOfTheFirstTitle) {
   grid.FormSetup();
   EXPECT_THAT(grid.Titles(), ElementsAre("> ", "Station Name", "Artist", "Song", "Station Genre"));
   EXPECT_THAT(grid.Widths(), ElementsAre(435, 2000, 2000, 2000, 2000));

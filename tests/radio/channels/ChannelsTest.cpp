@@ -18,7 +18,7 @@ using ::testing::IsEmpty;
 
 constexpr const char* kListPath = "/data/ChannelList.txt";
 
-// Writes down what the channels tell.
+// Writes down what the channels report.
 class NotedEvents final : public radio::ChannelEvents {
  public:
   void ShowChannel(const ChannelEntry& entry) override {
@@ -89,7 +89,7 @@ class ChannelsTest : public SessionFixture {
   [[nodiscard]] const ChannelEntry& Entry(int number) const {
     return channels.Table().At(channels.Table().ChannelIndex(number));
   }
-  // The walk's third end of the list does not come before ten channels and a tuned one are there.
+  // The walk does not end before there are ten channels and a tuned one.
   void LoadTwelve() {
     state.ChannelNumber = 12;
     Walk({3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14});
@@ -144,7 +144,7 @@ TEST_F(ChannelsTest, TheWalkEnablesTheChannelsWindow) {
   EXPECT_TRUE(channels.Grid().Enabled);
 }
 
-TEST_F(ChannelsTest, TheEndOfTheWalkIsToldWhileTheReplyIsBeingHandled) {
+TEST_F(ChannelsTest, TheEndOfTheWalkIsReportedWhileTheReplyIsBeingHandled) {
   bool busy = false;
   bool saved = false;
   events.OnWalkFinished = [&] {
@@ -319,7 +319,7 @@ TEST_F(ChannelsTest, PollingAlternatesBetweenTheTunedChannelAndTheNextSlot) {
                                     "#RequestChannelInfo Enum 3", "#RequestChannelInfo 12"));
 }
 
-TEST_F(ChannelsTest, AFullCycleTakesTwoRepliesAChannelAndBeginsAnew) {
+TEST_F(ChannelsTest, AFullCycleTakesTwoRepliesAChannelAndBeginsAgain) {
   LoadTwelve();
   for (int count = 0; count < 24; ++count) {
     channels.RequestChannelInfo();
@@ -452,12 +452,12 @@ TEST_F(ChannelsTest, AnEmptyStationDoesNotOverwriteTheGridsStation) {
   EXPECT_THAT(channels.Grid().At(3), ElementsAre("5", " S5", " Other", " Tune", " "));
 }
 
-TEST_F(ChannelsTest, WhileTheGridIsSortedOtherwiseTheSlotOfTheRowIsShown) {
+TEST_F(ChannelsTest, InAGridNotSortedByNumberTheSlotOfTheRowIsShown) {
   LoadTwelve();
   Plain(3, "Zappa", "Z");
   channels.Grid().Sort(ChannelGrid::Number, ChannelGrid::Order::Descending);
   Plain(12, "New", "Tune");
-  // Channel 12 stands in row 3 now, and slot 3 is channel 5's.
+  // Channel 12 is in row 3 now, and slot 3 is channel 5's.
   EXPECT_THAT(events.Notes, ElementsAre("show 5 S5/G5/Artist/Song"));
   EXPECT_EQ(channels.Grid().At(3)[ChannelGrid::Artist], " New");
   EXPECT_EQ(state.CurrentArtist, "New");

@@ -73,7 +73,7 @@ TEST_F(BringUpTest, TheKnownPortIsTriedTwiceBeforeTheSearch) {
   EXPECT_EQ(search.Port, 7);
   EXPECT_THAT(journal.Debug, ElementsAre("Trying port 3", "Try 1", "Try 2", "Looking for port try 1",
                                          "Opened port 3", "Opened port 7"));
-  // Twice a second and a half and a power on in vain; then half a second at each port.
+  // Twice a second and a half with a failed power on; then half a second at each port.
   EXPECT_THAT(TimesOf(kPowerOn), ElementsAre(1900, 8600, 14300, 20000));
 }
 
@@ -99,7 +99,7 @@ TEST_F(BringUpTest, AllPortsAreSearchedFourTimes) {
   const RadioSearch search = bringUp.FindRadio(0);
   EXPECT_FALSE(search.Found());
   EXPECT_EQ(TimesOf(kPowerOn).size(), 4U);
-  EXPECT_EQ(search.InVain.size(), 4U * 16);
+  EXPECT_EQ(search.Failed.size(), 4U * 16);
   EXPECT_FALSE(session.pcrPortOpen());
 }
 
@@ -148,9 +148,9 @@ TEST_F(BringUpTest, ACloseEndsTheSearchAndSaysNothingInTheLog) {
   EXPECT_THAT(journal.Log, IsEmpty());
 }
 
-// Once more, later.
+// Bringing the radio up once more, later.
 
-TEST_F(BringUpTest, ALineThatDiedIsOpenedAnewAtTheFirstTry) {
+TEST_F(BringUpTest, ALineThatDiedIsOpenedAgainAtTheFirstTry) {
   Reply(kPowerOn, kPowerOnReply, 3);
   ASSERT_TRUE(bringUp.FindRadio(3).Found());
   port.Die();

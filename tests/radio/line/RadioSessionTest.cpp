@@ -98,7 +98,7 @@ TEST_F(RadioSessionTest, AFailureToOpenIsKeptAsTheLastErrorAndNeverCleared) {
 TEST_F(RadioSessionTest, APortThatDiedReadsAsClosedAndCanBeOpenedAgain) {
   OpenPort();
   port.Die();
-  // Before anybody has looked, the last known state is still open.
+  // Until somebody asks, the last known state is still open.
   session.SetPortOpen(true);
   EXPECT_FALSE(port.IsOpen());
   EXPECT_FALSE(session.pcrPortOpen());
@@ -151,7 +151,7 @@ TEST_F(RadioSessionTest, APowerOffReplySatisfiesPowerOnToo) {
   EXPECT_TRUE(session.pcrPowerOn(false));
 }
 
-TEST_F(RadioSessionTest, APowerReplyOfBeforeSatisfiesNoLaterCommand) {
+TEST_F(RadioSessionTest, AnEarlierPowerReplySatisfiesNoLaterCommand) {
   OpenPort();
   port.WhenWritten(Bytes(kPowerOn), Bytes(kPowerOnReply), Milliseconds(20), 0, 1);
   EXPECT_TRUE(session.pcrPowerOn(false));
@@ -224,7 +224,7 @@ TEST_F(RadioSessionTest, AnIdentifierThatDoesNotComeStaysEmptyAfter1500Milliseco
   EXPECT_EQ(TimeOf([this] { EXPECT_EQ(session.pcrRadioID(), ""); }), Milliseconds(1500));
 }
 
-TEST_F(RadioSessionTest, AnIdentifierOfBeforeTheSearchAnswersNoLaterQuestion) {
+TEST_F(RadioSessionTest, AnIdentifierFromBeforeTheSearchAnswersNoLaterRequest) {
   OpenPort(3);
   Arrive(kRadioIDReply);
   port.Refuse(0, "No such device");
@@ -235,7 +235,7 @@ TEST_F(RadioSessionTest, AnIdentifierOfBeforeTheSearchAnswersNoLaterQuestion) {
   EXPECT_EQ(TimeOf([this] { EXPECT_EQ(session.pcrRadioID(), "R0GHJK23"); }), Milliseconds(450));
 }
 
-TEST_F(RadioSessionTest, ARefusalOfBeforePowersNoRadioOn) {
+TEST_F(RadioSessionTest, AnEarlierRefusalPowersNoRadioOn) {
   OpenPort();
   Arrive("5A A5 00 01 FF ED ED");
   Reply(kRadioID, kRadioIDReply, 20);
@@ -281,7 +281,7 @@ TEST_F(RadioSessionTest, ARefusedChannelTimesOut) {
   EXPECT_EQ(TimeOf([this] { EXPECT_FALSE(session.pcrSelectChannel(9)); }), Milliseconds(1500));
 }
 
-TEST_F(RadioSessionTest, AConfirmationOfAnotherChannelIsNone) {
+TEST_F(RadioSessionTest, AConfirmationOfAnotherChannelDoesNotCount) {
   OpenPort();
   Reply("5A A5 00 06 10 02 09 00 00 01 01 19", "5A A5 00 06 90 01 00 0A 00 00 ED ED", 20);
   EXPECT_FALSE(session.pcrSelectChannel(9));
@@ -395,7 +395,7 @@ TEST_F(RadioSessionTest, TwoOperationsCanWaitOnOneFlag) {
 
 // The search.
 
-TEST_F(RadioSessionTest, TheSearchTriesPorts1To16AndCostsNothingWhereNoneOpens) {
+TEST_F(RadioSessionTest, TheSearchTriesPorts1To16AndCostsNothingIfNoneOpens) {
   port.Refuse(0, "No such device");
   EXPECT_EQ(TimeOf([this] { FindPort(); }), Milliseconds(0));
   Strings tried;
@@ -418,7 +418,7 @@ TEST_F(RadioSessionTest, TheSearchStopsAtTheRadioAndLeavesItsPortOpen) {
   port.Refuse(7, "");
   port.Refuse(9, "");
   Reply(kPowerOn, kPowerOnReply, 100, 7);
-  // 500 ms and a power on in vain at port 2; then 500 ms and one that works at port 7.
+  // 500 ms and a failed power on at port 2; then 500 ms and one that works at port 7.
   EXPECT_EQ(TimeOf([this] { FindPort(); }), Milliseconds(500 + 400 + 4800 + 500 + 400 + 120 + 400));
   EXPECT_TRUE(session.pcrPortOpen());
   EXPECT_EQ(session.pcrCOMPort(), 7);
@@ -466,17 +466,17 @@ TEST_F(RadioSessionTest, ADeviceThatNeverStopsTalkingHoldsUpTheSearchForFiveSeco
   EXPECT_EQ(TimeOf([this] { session.DrainInput(); }), Milliseconds(5000));
 }
 
-TEST_F(RadioSessionTest, EachPortThatIsNoRadiosIsReportedWithItsReason) {
+TEST_F(RadioSessionTest, EachPortWithoutARadioIsReportedWithItsReason) {
   port.Remove(0, "there is no device");
   port.Refuse(2, "");
   port.Refuse(5, "the line is in use");
   FindPort();
-  ASSERT_EQ(inVain.size(), 16U);
-  EXPECT_EQ(inVain[0].Port, 1);
-  EXPECT_EQ(inVain[0].Why, radio::PortTrial::Reason::NoDevice);
-  EXPECT_EQ(inVain[1].Why, radio::PortTrial::Reason::NoAnswer);
-  EXPECT_EQ(inVain[4].Why, radio::PortTrial::Reason::NotOpened);
-  EXPECT_EQ(inVain[4].Cause, "the line is in use");
+  ASSERT_EQ(failedTrials.size(), 16U);
+  EXPECT_EQ(failedTrials[0].Port, 1);
+  EXPECT_EQ(failedTrials[0].Why, radio::PortTrial::Reason::NoDevice);
+  EXPECT_EQ(failedTrials[1].Why, radio::PortTrial::Reason::NoAnswer);
+  EXPECT_EQ(failedTrials[4].Why, radio::PortTrial::Reason::NotOpened);
+  EXPECT_EQ(failedTrials[4].Cause, "the line is in use");
 }
 
 }  // namespace

@@ -108,7 +108,7 @@ TEST_F(ReceivePathTest, SignalReply) {
   EXPECT_EQ(journal.Traced.back(), "!Signal 80 99 80");
 }
 
-TEST_F(ReceivePathTest, TheSilentReplyLeavesTheFrameLineAloneInTheTrace) {
+TEST_F(ReceivePathTest, TheSilentReplyLeavesOnlyTheFrameLineInTheTrace) {
   Arrive("5A A5 00 01 E3 ED ED");
   EXPECT_THAT(journal.Traced, ElementsAre("< 5A A5 00 01 E3 ED ED "));
 }
@@ -163,13 +163,13 @@ TEST_F(ReceivePathTest, AFrameInTwoHalvesArmsTheTimerAndIsHandledAsOne) {
   EXPECT_EQ(infos[0].Song, "Nightfall");
 }
 
-TEST_F(ReceivePathTest, NothingPollsForThePiecesOfABufferTooShortToLookAt) {
+TEST_F(ReceivePathTest, NothingPollsForThePiecesOfABufferTooShortToExamine) {
   port.Arrive(Bytes("5A A5 00 02 81"));
   loop.Run(Milliseconds(0));
   port.Arrive(Bytes("00 ED ED"));
   loop.Run(Milliseconds(0));
   loop.Run(Milliseconds(1000));
-  EXPECT_EQ(port.Waiting(), 3U) << "three bytes make no notification";
+  EXPECT_EQ(port.Waiting(), 3U) << "three bytes cause no notification";
   EXPECT_FALSE(session.Replies().pcrPowerReplySeen);
   port.Arrive(Bytes("5A A5"));
   loop.Run(Milliseconds(0));
@@ -186,7 +186,7 @@ TEST_F(ReceivePathTest, APartialFrameIsPolledEvery40Milliseconds) {
   EXPECT_TRUE(session.Replies().pcrMuteReplySeen);
 }
 
-TEST_F(ReceivePathTest, APartialFrameWaitsWithoutLimitAndTheTimerStopsBehindIt) {
+TEST_F(ReceivePathTest, APartialFrameWaitsWithoutLimitAndTheTimerStopsAfterIt) {
   port.Arrive(Bytes("5A A5 00 04 93 01 00"));
   loop.Run(Milliseconds(3'600'000));
   const auto before = loop.HandlersRun();
@@ -280,7 +280,7 @@ TEST_F(ReceivePathTest, AWriteIsAwaitedEvenIfThePortHasDied) {
   EXPECT_TRUE(session.pcrWaitingForResponse());
 }
 
-TEST_F(ReceivePathTest, SendBinaryWritesToAnOpenPortAlone) {
+TEST_F(ReceivePathTest, SendBinaryWritesOnlyToAnOpenPort) {
   session.pcrSendBinary(Bytes("01 02"));
   EXPECT_TRUE(Wrote({"01 02"}));
   EXPECT_EQ(journal.Traced.back(), "> 01 02 ");

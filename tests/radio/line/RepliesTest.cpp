@@ -34,12 +34,12 @@ TEST(Replies, AnIdentifierIsNeitherTrimmedNorChecked) {
   EXPECT_EQ(DecodeRadioID(Bytes("5A A5 00 0C B1 01 00 00 20 49 4F 20 E9 21 20 20 ED ED")), " IO \xC3\xA9!  ");
 }
 
-TEST(Replies, AnIdentifierBehindTheFramesEndIsEmpty) {
+TEST(Replies, AnIdentifierBeyondTheFramesEndIsEmpty) {
   EXPECT_EQ(DecodePowerOnRadioID(Bytes("5A A5 00 01 80 ED ED")), "");
   EXPECT_EQ(DecodeRadioID(Bytes("5A A5 00 01 B1 ED ED")), "");
 }
 
-TEST(Replies, AChannelIsSetOnlyBehindTheWholePattern) {
+TEST(Replies, AChannelIsSetOnlyAfterTheWholePattern) {
   EXPECT_EQ(DecodeChannelSet(Bytes("5A A5 00 06 90 01 00 2D 00 00 ED ED")), 45);
   EXPECT_EQ(DecodeChannelSet(Bytes("5A A5 00 06 90 01 00 FF 00 00 ED ED")), 255);
   EXPECT_EQ(DecodeChannelSet(Bytes("5A A5 00 06 90 01 01 2D 00 00 ED ED")), std::nullopt);
@@ -102,7 +102,7 @@ TEST(Replies, OtherPaddingStays) {
   EXPECT_EQ(DecodeChannelInfo(ChannelInfoFrame(9, "\tJazz\xFF", "", "", "")).Station, "\tJazz\xC3\xBF");
 }
 
-TEST(Replies, CaseIsRepairedInArtistAndSongAlone) {
+TEST(Replies, CaseIsRepairedOnlyInArtistAndSong) {
   const auto repaired = [](std::string_view text) {
     return DecodeChannelInfo(ChannelInfoFrame(9, "", "", text, "x")).Artist;
   };
@@ -123,7 +123,7 @@ TEST(Replies, CaseIsRepairedInArtistAndSongAlone) {
 }
 
 TEST(Replies, CaseIsRepairedBeforeTheTextIsDecoded) {
-  // An accented letter separates words: the letter behind it is capitalised.
+  // An accented letter separates words: the letter after it is capitalised.
   EXPECT_EQ(DecodeChannelInfo(ChannelInfoFrame(9, "", "", "BEYONC\xC9S", "")).Artist, "Beyonc\xC3\xA9S");
 }
 

@@ -36,7 +36,7 @@ class SessionFixture : public ::testing::Test {
     session.SetPortOpen(true);
   }
   void FindPort() {
-    session.pcrFindPort([this](const radio::PortTrial& trial) { inVain.push_back(trial); });
+    session.pcrFindPort([this](const radio::PortTrial& trial) { failedTrials.push_back(trial); });
   }
   void Arrive(std::string_view hex) {
     port.Arrive(Bytes(hex));
@@ -62,7 +62,7 @@ class SessionFixture : public ::testing::Test {
   radio::RadioSession session{port, loop, run, journal};
   std::vector<radio::ChannelInfo> infos;
   Strings signalReplies;
-  std::vector<radio::PortTrial> inVain;
+  std::vector<radio::PortTrial> failedTrials;
 };
 
 }  // namespace kestrune::test
