@@ -17,7 +17,7 @@ struct ChoiceRow {
   bool operator==(const ChoiceRow&) const = default;
 };
 
-/// A list as a window shows it: its rows and the selected one. What is not on the list selects nothing.
+/// A list as a window shows it: its rows and the selected one. Selecting what is not on the list selects nothing.
 struct ChoiceList {
   std::vector<ChoiceRow> Rows;
   int Row = -1;  ///< -1 is none

@@ -9,7 +9,7 @@
 
 namespace kestrune::presenters {
 
-/// A ready-made filename format. The ".mp3" of the description follows no file format.
+/// A ready-made filename format. The ".mp3" in the description does not depend on the file format.
 struct FilenameFormatRow {
   std::string_view Format;
   std::string_view Description;

@@ -11,7 +11,7 @@ constexpr std::string_view kRateTip = "Select sample rate";
 constexpr std::string_view kChannelsTip = "Select number of channels to record";
 constexpr std::string_view kBitsTip = "Select sample bit size";
 
-/// A group that reads and writes the field at the end of a way of members.
+/// A group that reads and writes one field of a format record.
 template <auto Record, auto Field>
 constexpr OptionGroup Group(std::string_view name, std::string_view frame,
                             std::span<const OptionButton> buttons) {
@@ -52,7 +52,7 @@ constexpr OptionGroup kVoxGroups[] = {
     Group<&config::Settings::FormatVOX, &config::FormatVOX::Frequency>("optFrequency", kRateFrame, kRates),
 };
 
-// The tip of "Stereo" speaks of bits: it has always done so.
+// The tip of "Stereo" has always been the one about bits.
 constexpr OptionButton kWavChannels[] = {{"Stereo", 2, kBitsTip}, {"Mono", 1, kChannelsTip}};
 constexpr OptionButton kWavBits[] = {{"16 Bits", 16, kBitsTip}, {"8 Bits", 8, kBitsTip}};
 constexpr OptionGroup kWavGroups[] = {

@@ -23,15 +23,15 @@ struct OptionWindow {
 /// By the format's code; null if its window is another one.
 [[nodiscard]] const OptionWindow* FindOptionWindow(std::string_view fileFormat);
 
-/// The rules of such a window. It works on a copy of the format's record until `cmdOK`. A value that no button
-/// stands for sets none, and stays the record's value until the user chooses.
+/// The rules of such a window. It works on a copy of the format's record until `cmdOK`. A value without a
+/// button sets none, and remains the record's value until the user chooses.
 class FormatOptions {
  public:
   /// All must outlive this object.
   FormatOptions(const OptionWindow& design, config::SettingsDoor& settings);
 
   [[nodiscard]] const OptionWindow& Design() const { return design_; }
-  /// Copies the record of the running program.
+  /// Starts from the record of the running program.
   void Load();
   /// The button of the group that is on; -1 if none is.
   [[nodiscard]] int On(std::size_t group) const;

@@ -106,7 +106,7 @@ void Mp3Options::Load() {
   chkLFilt(record_.LowPassFilter);
 }
 
-// A method that is not on the list leaves everything in sight.
+// A method that is not on the list leaves everything visible.
 void Mp3Options::cboCodingMethod(int row) {
   controls_.cboCodingMethod.Select(row);
   row = controls_.cboCodingMethod.Row;

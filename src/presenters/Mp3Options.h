@@ -18,7 +18,7 @@ namespace kestrune::presenters {
 
 inline constexpr SpinRange kVbrQualityRange{0, 9, 1};
 inline constexpr SpinRange kTargetBitrateRange{4, 320, 1};
-/// Of the four filter numbers; it reaches further than their fields, whose text is free anyway.
+/// For the four filter numbers. It is wider than what their fields hold; any text can be typed anyway.
 inline constexpr SpinRange kFilterRange{0, 48000, 10};
 
 /// The four filter numbers, in the order in which they are read.
@@ -31,8 +31,8 @@ struct NumberText {
   bool Enabled = true;
 };
 
-/// What the MP3 option window shows. Of controls that come and go together one flag tells; text boxes stay and
-/// are enabled instead.
+/// What the MP3 option window shows. Controls that are shown and hidden together share a flag; text boxes stay, and
+/// are enabled and disabled instead.
 struct Mp3Controls {
   ChoiceList cboFrequency;
   ChoiceList cboChannels;
@@ -74,11 +74,11 @@ class Mp3Options {
   explicit Mp3Options(config::SettingsDoor& settings);
 
   [[nodiscard]] const Mp3Controls& Controls() const { return controls_; }
-  /// Copies the record of the running program.
+  /// Starts from the record of the running program.
   void Load();
 
   void cboFrequency(int row) { controls_.cboFrequency.Select(row); }
-  /// Leaves the type of stereo as it is, shown too.
+  /// Leaves the stereo type as it is, and visible.
   void cboChannels(int row) { controls_.cboChannels.Select(row); }
   void cboTypeStereo(int row) { controls_.cboTypeStereo.Select(row); }
   void cboCodingMethod(int row);
@@ -87,10 +87,10 @@ class Mp3Options {
   void CurrentBitrate(int position);
   void EncoderQuality(int value);
   void MaxVBRBitrate(int position);
-  /// A number that is typed counts, held within the range; any other text leaves the last number counting.
+  /// A typed number is taken, clamped to the range; any other text leaves the last number in force.
   void txtVbrQ(std::string_view text);
   void txtABR(std::string_view text);
-  /// The user leaves the text box: it shows the number that counts.
+  /// The user leaves the text box: it shows the number in force.
   void ShowSpinValues();
   void StepVbrQ(int direction);
   void StepABR(int direction);

@@ -87,7 +87,7 @@ void OggOptions::chkQuality(bool checked) {
   ShowQuality();
 }
 
-// Without variable bitrate the sliders go, and their frame stays as it is.
+// Without variable bitrate the sliders are hidden, and their frame stays as it is.
 void OggOptions::ShowVbr() {
   if (controls_.chkVbr) controls_.frmVbrVisible = true;
   controls_.MinBitrate.Visible = controls_.chkVbr;

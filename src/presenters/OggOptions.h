@@ -10,9 +10,9 @@ namespace kestrune::presenters {
 /// Positions 1 to 6.
 [[nodiscard]] const config::BitrateTable& OggBitrates();
 
-/// A slider, the label that tells its choice, and the text that it shows at its handle.
+/// A slider, the label that shows its choice, and the text at its handle.
 struct BitrateSlider {
-  int Position = 0;  ///< 0 for a bitrate that the table lacks: below the slider's least
+  int Position = 0;  ///< 0, below the slider's minimum, for a bitrate that the table lacks
   std::string Label;
   std::string Tip;  ///< kbit/s
   bool Visible = true;
@@ -39,7 +39,7 @@ class OggOptions {
   explicit OggOptions(config::SettingsDoor& settings);
 
   [[nodiscard]] const OggControls& Controls() const { return controls_; }
-  /// Copies the record of the running program.
+  /// Starts from the record of the running program.
   void Load();
   // The four sliders.
   void NominalBitrate(int position);

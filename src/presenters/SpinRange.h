@@ -6,7 +6,7 @@
 
 namespace kestrune::presenters {
 
-/// The reach of a spin control. It holds the control alone: the text box beside it takes any text.
+/// The range of a spin control. It limits the control only: the text box beside it takes any text.
 struct SpinRange {
   std::int32_t Least = 0;
   std::int32_t Most = 0;

@@ -258,7 +258,7 @@ TEST_F(ConfigurationTest, TheSpinsStepWithinTheirRanges) {
   EXPECT_EQ(Shown().txtAGCAttackTime, "200");
 }
 
-TEST_F(ConfigurationTest, DefaultsSetTheControlsTold) {
+TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   rig_.Settings.FileFormat = "WAV";
   rig_.Settings.SaveDuplicates = false;
   rig_.Settings.TaskBarMinimized = false;

@@ -16,7 +16,7 @@ class FilenameFormatSelectTest : public ::testing::Test {
   presenters::FilenameFormatSelect select_{text_, [this](std::string_view text) { text_ = text; }};
 };
 
-TEST_F(FilenameFormatSelectTest, TheEightRowsReadAsTold) {
+TEST_F(FilenameFormatSelectTest, TheEightRowsHaveTheirFormatsAndDescriptions) {
   const std::vector<std::pair<std::string_view, std::string_view>> told{
       {"%a - %s", "Everything in the main File Save folder, songs named \"Artist - Song Title.mp3\""},
       {"%c - %t\\%a - %s", "Separate folder for each channel, songs named \"Artist - Song Title.mp3\""},

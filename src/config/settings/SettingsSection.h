@@ -9,8 +9,8 @@
 namespace kestrune::config {
 
 /// The part of the settings store that belongs to one unit: application "Lorimel", section "Kestrune"
-/// followed by the unit. A typed read gives the default for a key that is absent and for a text that is no
-/// value of the type (not a number, or outside the width). A save gives false if the store could not be
+/// followed by the unit. A typed read returns the default for a key that is absent and for a text that is no
+/// value of the type (not a number, or outside the width). A save returns false if the store could not be
 /// written.
 class SettingsSection {
  public:

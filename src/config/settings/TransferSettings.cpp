@@ -30,10 +30,10 @@ constexpr std::string_view kSchedulesBeforeLeft[] = {"ScheduleChannel", "Schedul
 constexpr std::string_view kSchedulesBeforeTop[] = {
     "ScheduleMatchGrab", "ScheduleMatchKill", "ScheduleIntegrel", "ScheduleRestrict", "ScheduleStartDate"};
 constexpr std::string_view kEntries[] = {"1", "10", "2", "3", "4", "5", "6", "7", "8", "9"};
-constexpr std::string_view kBehindSchedules[] = {"ScheduleTop", "SongDelay", "Stereo", "TaskBarMinimized",
-                                                 "UseRestrictions"};
+constexpr std::string_view kAfterSchedules[] = {"ScheduleTop", "SongDelay", "Stereo", "TaskBarMinimized",
+                                                "UseRestrictions"};
 
-/// The keys of the older release, in order, each followed by the unit. Some of them nothing reads any more.
+/// The keys of the older release, in order, each followed by the unit. Nothing reads some of them any more.
 std::vector<std::string> OldKeys(std::string_view multiUnit) {
   std::vector<std::string> keys;
   const auto add = [&](std::string_view key, std::string_view entry = {}) {
@@ -47,7 +47,7 @@ std::vector<std::string> OldKeys(std::string_view multiUnit) {
   for (const std::string_view key : kSchedulesBeforeTop) {
     for (const std::string_view entry : kEntries) add(key, entry);
   }
-  for (const std::string_view key : kBehindSchedules) add(key);
+  for (const std::string_view key : kAfterSchedules) add(key);
   return keys;
 }
 

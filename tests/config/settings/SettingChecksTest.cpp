@@ -18,7 +18,7 @@ TEST(CleanFilenameFormat, LeavesTheDefaultAlone) {
   EXPECT_EQ(CleanFilenameFormat("%g\\%c - %t\\%a - %s"), "%g\\%c - %t\\%a - %s");
 }
 
-TEST(CleanFilenameFormat, TakesOutThirteenCharactersWhereverTheyStand) {
+TEST(CleanFilenameFormat, RemovesThirteenCharactersAnywhere) {
   for (const char c : {'|', '<', '>', '^', '+', '=', '?', '"', ':', ';', '*', '$', '@'}) {
     const std::string text = std::string(1, c) + "%a" + c + c + "%s" + c;
     EXPECT_EQ(CleanFilenameFormat(text), "%a%s") << c;
@@ -33,7 +33,7 @@ TEST(CleanFilenameFormat, TakesManyOuterSeparators) {
   EXPECT_EQ(CleanFilenameFormat("\\ /\\ %a\\%s / \\/"), "%a\\%s");
 }
 
-TEST(CleanFilenameFormat, ABackslashBehindAForbiddenCharacterAndABlankStays) {
+TEST(CleanFilenameFormat, ABackslashAfterAForbiddenCharacterAndABlankStays) {
   EXPECT_EQ(CleanFilenameFormat("* \\%a"), "\\%a");
 }
 
