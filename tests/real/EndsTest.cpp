@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ using testing::IsEmpty;
 
 constexpr std::chrono::milliseconds kAskedToEnd = 60s;
 
-/// Four units that record, started together; each test ends one of them in its own way.
+/// Units that record, started together; each test ends one of them in its own way.
 class Ends : public testing::Test {
  protected:
   struct Track {
@@ -31,12 +32,15 @@ class Ends : public testing::Test {
 
   static void SetUpTestSuite() {
     world_ = new World;
-    for (const std::string way : {"terminated", "interrupted", "quit", "radio left on"}) {
+    for (const std::string way :
+         {"terminated", "interrupted", "quit", "radio left on", "stopped", "quit at a cut"}) {
       Track& track = world_->Tracks[way];
       track.Radio = std::make_unique<Receiver>(world_->Folder / ("radio of " + way),
                                                Receiver::Setup{ShortLineUp({"One", "Two"}, 6)});
       auto settings = ShortSongs();
       if (way == "radio left on") settings["RadioOnAtExit"] = "True";
+      if (way == "stopped") settings["Integrel"] = "False";
+      if (way == "quit at a cut") settings["SongDelay"] = "2000";
       track.Recorder = std::make_unique<Unit>(
           world_->Folder / way,
           Unit::Setup{"pipe:" + QuietFile(world_->Folder.Path()), track.Radio->Link(), settings});
@@ -114,6 +118,32 @@ TEST_F(Ends, ARadioThatIsToStayOnIsLeftAloneAndTheSongInHandIsLost) {
   EXPECT_TRUE(power.empty() || power.back()["on"] == true);
   const auto mute = track.Radio->Events("mute");
   EXPECT_TRUE(mute.empty() || mute.back()["on"] == false);
+}
+
+TEST_F(Ends, AStopAndAtOnceAQuitKeepThePiece) {
+  Track& track = Recording("stopped");
+  // Long enough to be kept.
+  EXPECT_TRUE(track.Recorder->WaitForStatus(
+      [](const Unit::Json& status) { return status["captureLengthMs"] > 3000; }));
+  const std::size_t kept = track.Recorder->Recordings().size();
+  EXPECT_EQ(track.Recorder->Ctl({"stop"}).Exit, 0);
+  EXPECT_EQ(track.Recorder->Quit(), 0);
+  ExpectClosed(track);
+  EXPECT_EQ(track.Recorder->Recordings().size(), kept + 1) << track.Recorder->LogText();
+}
+
+TEST_F(Ends, AQuitWhileASongIsCutKeepsThatSong) {
+  Track& track = Recording("quit at a cut");
+  const std::size_t kept = track.Recorder->Recordings().size();
+  const std::string song = track.Recorder->Status()["song"];
+  EXPECT_TRUE(
+      track.Recorder->WaitForStatus([&](const Unit::Json& status) { return status["song"] != song; }));
+  // The next tick sees the change and sleeps through the song's delay; the quit waits for the end of both.
+  std::this_thread::sleep_for(500ms);
+  EXPECT_EQ(track.Recorder->Quit(), 0);
+  ExpectClosed(track);
+  EXPECT_EQ(track.Recorder->Recordings().size(), kept + 1) << track.Recorder->LogText();
+  EXPECT_THAT(track.Recorder->LogText(), HasSubstr(song));
 }
 
 }  // namespace

@@ -367,6 +367,7 @@ TEST_F(frmKestruneTest, ControlWithAFunctionKeyPressesAPreset) {
   QTest::keyClick(&rig.Main(), Qt::Key_F5, Qt::ShiftModifier | Qt::ControlModifier);
   EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 44) << "Control alone";
   QTest::keyClick(&rig.Find<QPushButton>("cmdVUType"), Qt::Key_F5, Qt::ControlModifier);
+  rig.Run(2s);
   EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 48);
 }
 
