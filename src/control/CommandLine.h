@@ -24,14 +24,14 @@ struct Options {
 struct CommandLine {
   Options Chosen;
   /// What the long options leave, joined by blanks. The slash options are searched in it as raw text, so that
-  /// a path given to a long option is never taken for one.
+  /// a path given to a long option is never mistaken for one.
   std::string RemainingText;
   /// Names the option that is wrong; empty if none is. The caller prints it with the usage and ends with
   /// status 2.
   std::string Error;
 };
 
-/// The words behind the program's name. An option given twice counts as given last.
+/// The words after the program's name. An option given twice counts as given last.
 [[nodiscard]] CommandLine ParseCommandLine(std::span<const std::string> arguments);
 
 /// The usage text of the desktop program, slash options included.

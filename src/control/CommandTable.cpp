@@ -229,13 +229,13 @@ std::string CommandNames() {
   return fmt::format("{}", fmt::join(names, ", "));
 }
 
-/// What stands behind the command's name.
+/// The words after the command's name.
 Arguments ArgumentsOf(const Command& command, const Request& request) {
   const Arguments all = request.Arguments;
   return SecondWord(command).empty() ? all : all.subspan(1);
 }
 
-/// The second words that the first one of a command can have behind it.
+/// The second words that can follow the first one of a command.
 std::string SecondWords(const Command& command) {
   std::vector<std::string_view> words;
   for (const Command& other : kCommands)

@@ -19,10 +19,10 @@ struct Argument {
   std::string_view Name;     ///< as the usage shows it: "N", "on|off"
   std::string_view Allowed;  ///< completes "expected ..."
   bool (*Fits)(std::string_view text) = nullptr;
-  bool Optional = false;  ///< only behind all that must be given
+  bool Optional = false;  ///< only after all required ones
 };
 
-/// One option of a command, with a value behind it; all options may be left out.
+/// One option of a command, followed by its value; every option may be left out.
 struct CommandOption {
   std::string_view Name;       ///< with its two dashes
   std::string_view ValueName;  ///< as the usage shows it
@@ -40,7 +40,7 @@ struct Command {
   /// for a question and when a wish has been answered.
   void (*Run)(ControlTarget& target, std::span<const std::string> arguments,
               const Replied& replied) = nullptr;
-  /// If a command has options, at least one is to be given, behind its arguments.
+  /// A command that has options needs at least one, after its arguments.
   std::span<const CommandOption> Options = {};
 };
 

@@ -17,7 +17,7 @@ namespace kestrune::control {
 /// Places that a printable text takes: wide characters two, combining ones none.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view text);
 
-/// Rows of cells as aligned columns two blanks apart, each cell made printable, a line end behind each row
+/// Rows of cells as aligned columns two blanks apart, each cell made printable, a line end after each row
 /// and no blanks in front of it.
 [[nodiscard]] std::string Columns(const std::vector<std::vector<std::string>>& rows);
 

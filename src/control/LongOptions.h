@@ -25,8 +25,8 @@ struct OptionsRead {
   std::string Error;               ///< names the option that is wrong; empty if none is
 };
 
-/// Takes the words that begin with "--" and their values, which stand in the next word or behind "=". A bare
-/// "--" ends the options. Words that begin otherwise are none of this function's business.
+/// Takes the words that begin with "--" and their values, which are the next word or follow "=". A bare
+/// "--" ends the options. Words that begin otherwise are left alone.
 [[nodiscard]] OptionsRead ReadLongOptions(std::span<const LongOption> allowed,
                                           std::span<const std::string> arguments);
 

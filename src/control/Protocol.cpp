@@ -89,7 +89,7 @@ std::variant<Request, ReadError> RequestFromLine(std::string_view line) {
   }
   if (!IsUtf8(line)) return Wrong("the request is not UTF-8");
 
-  // The library takes a NUL for the end of the text and would not look behind it.
+  // The library takes a NUL for the end of the text and would ignore what follows.
   if (line.find('\0') != std::string_view::npos) return Wrong("the request is not JSON");
   const Document document = Parse(line);
   if (document.TooDeep) return Wrong("the request is nested too deep");

@@ -9,7 +9,7 @@
 
 namespace kestrune::control {
 
-/// What a running unit says of itself. Texts are UTF-8, or whatever bytes a folder's name is made of.
+/// What a running unit reports about itself. Texts are UTF-8, or whatever bytes a folder's name is made of.
 struct StatusReport {
   bool Loading = false;   ///< the start still runs
   std::string Unit;       ///< empty for a single unit

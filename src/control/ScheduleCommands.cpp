@@ -115,7 +115,8 @@ std::vector<ScheduleReport> ReportSchedule(const schedule::ScheduleEntries& entr
     report.Enabled = entry.Enabled;
     report.Running = state.ActiveSchedule == report.Number;
     if (report.Running) {
-      report.SecondsLeft = static_cast<int>(std::max<std::int64_t>(0, sources.SecondsUntil(state.RemainingUntil)));
+      report.SecondsLeft =
+          static_cast<int>(std::max<std::int64_t>(0, sources.SecondsUntil(state.RemainingUntil)));
     }
     if (!report.Set) continue;
     if (entry.StartDate != DateValue()) {
@@ -188,7 +189,8 @@ Refusal DisableEntry(const StoredSchedule& stored, int number) {
 Refusal ClearEntry(const StoredSchedule& stored, int number) {
   SchedulerRow row = schedule::EmptySchedulerRow(stored.Now);
   row.Channel = stored.Channels.empty() ? -1 : 0;
-  row.MP3BitRate = schedule::ReadSchedulerRow(stored.Settings, number, stored.Channels, stored.Now).MP3BitRate;
+  row.MP3BitRate =
+      schedule::ReadSchedulerRow(stored.Settings, number, stored.Channels, stored.Now).MP3BitRate;
   if (schedule::SaveSchedulerRow(stored.Settings, number, stored.Channels, row)) return std::nullopt;
   return kNotWritten;
 }

@@ -41,7 +41,8 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] schedule::SchedulerSettings EntrySettings() const;
   /// Asks for a command on a stored entry, which is refused while an open editor has changes. The schedule and the
   /// open editors read the entries again after it.
-  void ChangeEntry(std::function<std::optional<std::string>(const StoredSchedule&)> change, Answered answered);
+  void ChangeEntry(std::function<std::optional<std::string>(const StoredSchedule&)> change,
+                   Answered answered);
 
   recorder::Kestrune& unit_;
 };

@@ -8,7 +8,7 @@ namespace kestrune::platform {
 
 /// Stream sockets of the file system, non-blocking and closed on exec. A path may be longer than the 107
 /// bytes that a socket address holds; its last part may not. On failure the result is not open and errno
-/// tells why.
+/// says why.
 
 /// Binds and listens; fails if anything stands at the path. The socket has mode 0600.
 [[nodiscard]] FileDescriptor ListenLocal(const std::string& path);

@@ -22,7 +22,7 @@ namespace {
 constexpr unsigned long kCallbacks =
     SmcSaveYourselfProcMask | SmcDieProcMask | SmcSaveCompleteProcMask | SmcShutdownCancelledProcMask;
 
-/// Tells the session manager something of its client: one text, or a list of them.
+/// Sends the session manager a property of its client: one text, or a list of them.
 void SetProperty(SmcConn connection, std::string name, std::string type, std::vector<std::string> values) {
   std::vector<SmPropValue> list;
   list.reserve(values.size());

@@ -9,14 +9,14 @@ class QSocketNotifier;
 
 namespace kestrune::platform {
 
-/// Tells when the desktop's session ends, and keeps the session waiting until this object goes. The next session
+/// Reports the end of the desktop's session, and keeps the session waiting until this object is destroyed. The next session
 /// starts the program again, as those that restore programs do.
 ///
 /// It is a client of the session manager (SESSION_MANAGER in the environment). Qt's own has to stand back for it, by
 /// HiddenSessionManager: it cannot tell the end of a session from a session that is only saved, wants all work done
 /// within one call, dies with the session manager, and is there on X11 alone.
 ///
-/// Without a session manager nothing ever happens, nor behind one that has gone. All on the thread of the Qt loop.
+/// Nothing happens without a session manager, or after it has gone. All on the thread of the Qt loop.
 class SessionEnd {
  public:
   /// The handler is called from the loop, once at most, and must leave this object alone. `command` starts the
