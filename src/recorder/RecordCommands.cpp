@@ -41,6 +41,7 @@ void RecordCommands::cmdRecord() {
     recording.Phase = Phase::Recording;
     recording.StartPending = recording.Incomplete = true;
   }
+  NameCaptureInHand();
   display_.ShowTrayTip();
   state_.Clock.StatusShown = true;
   recording.StopPending = false;
@@ -69,6 +70,15 @@ void RecordCommands::cmdStop() {
 
 void RecordCommands::StopRecording() {
   if (state_.Recording.Phase != Phase::Idle) cmdStop();
+}
+
+void RecordCommands::NameCaptureInHand() {
+  // It was named when it began, before there was this session.
+  RecordingState& recording = state_.Recording;
+  SongNameValues& values =
+      recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].Naming.Values;
+  values.SessionStart = recording.SessionStart;
+  values.Recorded = recording.RecordedCount;
 }
 
 void RecordCommands::TakeSession(base::DateValue start) {

@@ -25,6 +25,8 @@ class RecordCommands {
 
  private:
   void TakeSession(base::DateValue start);
+  /// Gives the capture in hand the session's start and count, with which its name begins.
+  void NameCaptureInHand();
 
   State& state_;
   Modes modes_;

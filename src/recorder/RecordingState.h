@@ -7,6 +7,7 @@
 #include "base/DateValue.h"
 #include "recorder/CaptureOutcome.h"
 #include "recorder/Phase.h"
+#include "recorder/SongName.h"
 
 namespace kestrune::recorder {
 
@@ -20,7 +21,9 @@ struct CaptureRecord {
   std::string Genre;
   /// Folder of the final file, with a separator at its end; the capture itself lies here too.
   std::string Folder;
-  CaptureOutcome Outcome;
+  CaptureOutcome Outcome = {};
+  /// What FileName follows from. A recording that takes in a capture already begun gives it the session's values.
+  SongNaming Naming = {};
 };
 
 /// In place of artist and title it means that no song has been acted on, and so forces a difference.

@@ -27,8 +27,10 @@ void SongBoundary::Take(bool split) {
   const auto next = static_cast<std::int16_t>(1 - finished);
   NameNextSong(state_.CaptureSlots[static_cast<std::size_t>(next)]);
 
-  // A start that waits for no boundary keeps the capture in hand: its beginning is what the user wants.
-  const bool cut = !state_.StartPending || state_.ForceSongChange;
+  // A start that waits for no boundary keeps the capture in hand: its beginning is what the user wants. A stop
+  // that came with it ends that capture.
+  const bool goesOn = state_.StartPending && !state_.StopPending;
+  const bool cut = !goesOn || state_.ForceSongChange;
   if (cut) {
     std::int32_t result = 0;
     capture_.RecordStop(finished);
@@ -49,12 +51,14 @@ void SongBoundary::Take(bool split) {
   } else {
     loop_.PumpEvents();
     if (!state_.StopPending) ShowRecording();
-    const bool begins = state_.StartPending && !state_.StopPending;
-    if (!begins) disposition_.Dispose(finished);
+    if (!goesOn) {
+      CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(finished)];
+      song.FileName = MakePlace(song).FileName;
+      disposition_.Dispose(finished);
+    }
     // What a forced cut ended before the start was asked for by nobody.
-    if (begins && cut) songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
-    if (state_.StopPending) state_.StopPending = state_.SongBoundarySeen = false;
-    state_.WaitingForNextSong = state_.StartPending = false;
+    if (goesOn && cut) songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
+    state_.WaitingForNextSong = state_.StartPending = state_.StopPending = false;
   }
   if (cut) capture_.Release(finished);
   FollowCurrentSong();
@@ -72,20 +76,28 @@ void SongBoundary::AwaitSound() {
 void SongBoundary::NameNextSong(CaptureRecord& next) {
   const radio::ChannelEntry& tuned = Tuned();
   next.Extension = base::ToLower(settings_.FileFormat);
-  const SongName name = BuildSongName(settings_.FilenameFormat, settings_.FileDir, next.Extension,
-                                      {.Artist = radio_.CurrentArtist,
-                                       .Song = radio_.CurrentSong,
-                                       .Channel = radio_.ChannelNumber,
-                                       .Station = tuned.Station,
-                                       .Genre = tuned.Genre,
-                                       .SessionStart = state_.SessionStart,
-                                       .Recorded = state_.RecordedCount});
-  songFiles_.MakeFolder(name.Folder);
+  next.Naming = {.FilenameFormat = settings_.FilenameFormat,
+                 .FileDir = settings_.FileDir,
+                 .Values = {.Artist = radio_.CurrentArtist,
+                            .Song = radio_.CurrentSong,
+                            .Channel = radio_.ChannelNumber,
+                            .Station = tuned.Station,
+                            .Genre = tuned.Genre,
+                            .SessionStart = state_.SessionStart,
+                            .Recorded = state_.RecordedCount}};
+  const SongName name = MakePlace(next);
   next.FileName = name.FileName;
   next.Folder = name.Folder;
   next.Song = radio_.CurrentSong;
   next.Artist = radio_.CurrentArtist;
   next.Genre = base::Trim(tuned.Genre);
+}
+
+SongName SongBoundary::MakePlace(const CaptureRecord& capture) {
+  const SongNaming& naming = capture.Naming;
+  SongName name = BuildSongName(naming.FilenameFormat, naming.FileDir, capture.Extension, naming.Values);
+  songFiles_.MakeFolder(name.Folder);
+  return name;
 }
 
 void SongBoundary::ShowRecording() {

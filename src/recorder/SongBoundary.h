@@ -35,6 +35,7 @@ class SongBoundary {
  private:
   void AwaitSound();
   void NameNextSong(CaptureRecord& next);
+  [[nodiscard]] SongName MakePlace(const CaptureRecord& capture);
   void ShowRecording();
   [[nodiscard]] const radio::ChannelEntry& Tuned() const;
 

@@ -19,6 +19,13 @@ struct SongNameValues {
   std::int16_t Recorded = 0;     ///< %n, three digits
 };
 
+/// What a song's place follows from.
+struct SongNaming {
+  std::string FilenameFormat;
+  std::string FileDir;
+  SongNameValues Values;
+};
+
 /// A place for a song: absolute, with "/" between folders.
 struct SongName {
   std::string Folder;    ///< with "/" at its end

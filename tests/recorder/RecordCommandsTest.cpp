@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/DatePattern.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {
@@ -280,6 +281,77 @@ TEST_F(RecordCommandsTest, TheChannelStaysWhileRecordingStatusHolds) {
   EXPECT_TRUE(State().GetRecordingStatus()) << "waiting counts, since recording has been asked for";
   PressStop();
   EXPECT_FALSE(State().GetRecordingStatus());
+}
+
+TEST_F(RecordCommandsTest, RecordAndAtOnceStopCutsThePieceTagsItAndLetsTheNextCaptureGoOn) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  ForgetBoundary();
+  rig.Run(30s);
+  const std::int16_t slot = State().CaptureSlot;
+  const std::size_t tagged = rig.Audio.Tagged.size();
+  PressRecord();
+  PressStop();
+  rig.Run(1s);
+  const std::string kept = "/music/Rock/44 - Harbour/Moonlighters - Slow Tide (Incomplete).wav";
+  ASSERT_TRUE(rig.Files.Exists(kept));
+  EXPECT_NE(State().CaptureSlot, slot);
+  EXPECT_FALSE(rig.Audio.CaptureFiles[static_cast<std::size_t>(slot)]->IsOpen());
+  EXPECT_EQ(rig.Audio.Tagged.size(), tagged + 1);
+  EXPECT_FALSE(State().StopPending);
+  EXPECT_FALSE(State().StartPending);
+}
+
+TEST_F(RecordCommandsTest, TheFirstSongOfASessionBearsTheSessionsStartAndCount) {
+  rig.Set("FilenameFormat", "%d\\%n %s");
+  rig.StartIdle();
+  rig.NextSong("Lanterns", "North Pier");
+  PressRecord();
+  rig.Run(2min);
+  rig.NextSong("Cellar", "Blue Door");
+  rig.Run(2min);
+  rig.NextSong("Lanterns", "South Pier");
+  PressStop();
+  ASSERT_EQ(State().RecordedCount, 2);
+  rig.Run(10min);
+  rig.NextSong("Cellar", "Red Door");
+  const std::string session = base::FormatDate(State().SongBoundaryTime, "yyyymmdd_hhnn");
+  rig.Run(2min);
+  PressRecord();
+  rig.Run(2min);
+  rig.NextSong("Moonlighters", "Slow Tide");
+  rig.Run(2min);
+  rig.NextSong("Lanterns", "North Pier");
+  EXPECT_THAT(rig.Recordings(),
+              ::testing::IsSupersetOf({session + "/000 Red Door.wav", session + "/000 Slow Tide.wav"}));
+}
+
+TEST_F(RecordCommandsTest, APieceBegunWithinASongBearsTheTimeOfThePress) {
+  rig.Set("FilenameFormat", "%d %n %s");
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  ForgetBoundary();
+  rig.Run(10min);
+  PressRecord();
+  const std::string session = base::FormatDate(rig.Loop.Now(), "yyyymmdd_hhnn");
+  rig.Run(2min);
+  PressStop();
+  rig.Run(1s);
+  EXPECT_THAT(rig.Recordings(), ::testing::Contains(session + " 000 Slow Tide (Incomplete).wav"));
+}
+
+TEST_F(RecordCommandsTest, APieceThatWasStoppedLeavesNoBoundaryToRecordFrom) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  rig.NextSong("Lanterns", "North Pier");
+  ASSERT_TRUE(State().SongBoundarySeen);
+  PressRecord();
+  rig.Run(30s);
+  PressStop();
+  rig.Run(1s);
+  EXPECT_FALSE(State().SongBoundarySeen) << "what follows the piece began within the song";
+  PressRecord();
+  EXPECT_TRUE(State().Incomplete);
 }
 
 }  // namespace

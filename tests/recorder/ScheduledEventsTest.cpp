@@ -694,5 +694,61 @@ TEST_F(SteppedClockTest, ADayLostInSleepBeginsWhatIsDueAtTheWaking) {
       << "and says that the day before was missed";
 }
 
+TEST_F(ScheduledEventsTest, AChangeOfTextRightAfterTheBeginningIsFollowedAndIsNoChangeOfSong) {
+  Store(1, {});
+  StartIdleAt(At(19, 59));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 2min));
+  rig.Radio.Play(46, "Lanterns", "North Pier");
+  rig.Radio.Report(46);
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "North Pier"; }, 700ms));
+  ASSERT_GT(rig->Recording().SettleTicks, 0);
+  rig.Run(5s);
+  EXPECT_EQ(rig->Recording().LastSong, "North Pier");
+  EXPECT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong);
+}
+
+TEST_F(ScheduledEventsTest, AfterAnEventItsMarkDoesNotBlinkWithARecordingByHand) {
+  Store(1, {.Duration = "0:01"});
+  StartIdleAt(At(19, 59));
+  RunTo(At(20, 2, 30));
+  ASSERT_EQ(Active(), 0);
+  rig.NextSong("Lanterns", "North Pier");
+  rig.NextSong("Cellar", "Blue Door");
+  rig->cmdRecord();
+  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::Recording);
+  for (int tenth = 0; tenth < 30; ++tenth) {
+    rig.Run(100ms);
+    EXPECT_FALSE(Window().pctTimer.Visible);
+  }
+}
+
+TEST_F(ScheduledEventsTest, TheUserCannotStopAnEventThatBeganDuringTheChannelLoad) {
+  Store(1, {});
+  SetClock(At(20, 30));
+  rig.Start();
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
+  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForChannelLoad);
+  EXPECT_FALSE(Window().cmdStop.Enabled);
+  rig.FinishWalk();
+  rig.Run(2s);
+  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong);
+  EXPECT_FALSE(Window().cmdStop.Enabled);
+  EXPECT_FALSE(rig->MayStop());
+}
+
+TEST_F(ScheduledEventsTest, TheEndOfTheChannelLoadAsksTheEventAboutWholeSongs) {
+  rig.Set("Integrel", "False");
+  Store(1, {.Integrel = true});
+  SetClock(At(20, 30));
+  rig.Start();
+  rig.Run(100ms);
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
+  ASSERT_TRUE(rig->Radio().ChannelsLoading);
+  rig.FinishWalk();
+  rig.Run(5s);
+  EXPECT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong)
+      << "the song that plays when the load ends is none of the event's";
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -66,6 +66,19 @@ TEST_F(ShutdownTest, TheRadioIsMutedAndPoweredOff) {
   EXPECT_FALSE(rig.Radio.IsOpen());
 }
 
+TEST_F(ShutdownTest, TheSoundIsCutBeforeThePower) {
+  rig.StartIdle();
+  rig.Radio.Commands.clear();
+  rig.CloseAndWait();
+  const auto place = [this](std::string_view start) {
+    return std::find_if(rig.Radio.Commands.begin(), rig.Radio.Commands.end(),
+                        [start](const std::string& command) { return command.starts_with(start); });
+  };
+  const auto mute = place("5AA500021301");
+  ASSERT_NE(mute, rig.Radio.Commands.end());
+  EXPECT_LT(mute, place("5AA5000201"));
+}
+
 TEST_F(ShutdownTest, RadioOnAtExitLeavesItPoweredAndUnmuted) {
   rig.Set("RadioOnAtExit", "True");
   rig.StartIdle();

@@ -378,5 +378,11 @@ TEST_F(StartupTest, ACloseWithinTheSearchEndsTheStart) {
   EXPECT_THAT(rig.Dialogs.Shown, IsEmpty()) << "nobody is to be told of a radio that was not missing";
 }
 
+TEST_F(StartupTest, ARadioThatWasLeftMutedIsHeardAfterTheLoad) {
+  rig.Radio.Muted = true;
+  rig.Start();
+  EXPECT_FALSE(rig.Radio.Muted);
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -179,6 +181,64 @@ TEST_F(UpdateCycleTest, TheTickComesFiveTimesASecondAndLengthsFollow) {
   const std::int64_t before = State().CaptureSlots[1].LengthMs;
   rig.Run(1s);
   EXPECT_NEAR(static_cast<double>(State().CaptureSlots[1].LengthMs - before), 1000, 150);
+}
+
+TEST_F(UpdateCycleTest, TheTimeOfABoundaryIsThatAfterTheDelay) {
+  rig.Set("SongDelay", "5000");
+  rig.StartIdle();
+  rig.Radio.Play(44, "A", "1");
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "1"; }, 5s));
+  const base::DateValue changed = rig.Loop.Now();
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return State().CaptureSlot == 0; }, 10s));
+  EXPECT_GE(base::SecondsBetween(changed, State().SongBoundaryTime), 5);
+}
+
+TEST_F(UpdateCycleTest, ABoundaryCopiesTheRadiosTextIntoTheGrid) {
+  rig.StartIdle();
+  rig.NextSong("A", "1");
+  const radio::ChannelGrid& grid = rig->ChannelList().Grid();
+  const auto& row = grid.At(grid.FindRow(44));
+  EXPECT_EQ(row[radio::ChannelGrid::Artist], " A ");
+  EXPECT_EQ(row[radio::ChannelGrid::Song], " 1 ");
+}
+
+TEST_F(UpdateCycleTest, NoTickWorksWithinAReply) {
+  // The reply comes in the moment in which the next tick is due, and pumps events while it is half taken in.
+  rig.Radio.AnswerDelay = 200ms;
+  rig.StartIdle();
+  int within = 0;
+  rig.Radio.WhenCommanded = [&] { within += rig->Radio().InfoBusy ? 1 : 0; };
+  for (int song = 0; song < 20; ++song) rig.NextSong("Artist", std::to_string(song));
+  EXPECT_EQ(within, 0);
+}
+
+TEST_F(UpdateCycleTest, NoTickWorksWithinATickThatHasItsTimerBack) {
+  // A schedule pass may turn the timer on and then wait for the radio; here a press within the first pump of a
+  // tick stands for it. The delay of the song lets the next tick fall due within this one.
+  rig.StartIdle();
+  const std::size_t made = CapturesMade();
+  rig.Radio.Play(44, "A", "1");
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "1"; }, 5s));
+  bool pressed = false;
+  rig.Radio.WhenCommanded = [&] {
+    if (!std::exchange(pressed, true)) rig->cmdRecord();
+  };
+  rig.Run(5s);
+  EXPECT_EQ(CapturesMade(), made + 1);
+}
+
+TEST_F(UpdateCycleTest, NoBoundaryIsTakenWhileTheProgramLoads) {
+  bool loading = true;
+  auto report = rig.Loop.MakeTimer(100ms, [&] {
+    if (rig->Run().FormLoading && rig.Radio.IsOpen()) rig.Radio.Report(44);
+    loading = rig->Run().FormLoading;
+  });
+  report->SetEnabled(true);
+  rig.Start();
+  report->SetEnabled(false);
+  ASSERT_EQ(rig->Radio().CurrentSong, "Slow Tide") << "the radio said so during the load";
+  EXPECT_EQ(CapturesMade(), 0U);
+  EXPECT_EQ(State().LastSong, "");
 }
 
 }  // namespace

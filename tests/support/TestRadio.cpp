@@ -53,6 +53,7 @@ bool TestRadio::Output(std::string_view bytes) {
   std::string hex;
   for (const char byte : bytes) hex += fmt::format("{:02X}", static_cast<unsigned char>(byte));
   Commands.push_back(hex);
+  WhenCommanded();
   if (Answers) Answer(bytes);
   return true;
 }

@@ -44,6 +44,10 @@ class TestRadio final : public platform::SerialPort {
   bool Chatters = false;  ///< whenever its line is read there is something on it
   std::string Identifier = "ABCD1234";
   std::chrono::milliseconds AnswerDelay{40};
+  /// Runs for each command as it is written.
+  std::function<void()> WhenCommanded = [] {};
+  /// Says unasked what the channel plays.
+  void Report(int channel) { Send(ChannelInfo(channel)); }
 
   // What the program did to it.
   int TunedChannel = 0;
