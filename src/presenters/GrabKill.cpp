@@ -47,8 +47,8 @@ bool GrabKill::Append(schedule::RestrictList list, std::string_view fragment) {
   line += static_cast<char>('0' + static_cast<int>(list));
   line.append(fragment).append("\n");
   if (!files_.Append(path, line)) {
-    log_.DoLog(fmt::format("\"{}\" was not added to the Grab and Kill lists: {} could not be written", fragment,
-                           path));
+    log_.DoLog(fmt::format("\"{}\" was not added to the Grab and Kill lists: {} could not be written",
+                           fragment, path));
     return false;
   }
   restrictions_.LoadRestrictions();

@@ -29,13 +29,8 @@ class RestrictListEditor {
 
   /// All references must outlive the editor.
   RestrictListEditor(schedule::Restrictions& restrictions, platform::Files& files,
-                     const platform::Environment& environment, platform::Dialogs& dialogs,
-                     base::Journal& log)
-      : restrictions_(restrictions),
-        files_(files),
-        environment_(environment),
-        dialogs_(dialogs),
-        log_(log) {}
+                     const platform::Environment& environment, platform::Dialogs& dialogs, base::Journal& log)
+      : restrictions_(restrictions), files_(files), environment_(environment), dialogs_(dialogs), log_(log) {}
 
   /// The window opens: reads the file. If it exists but cannot be read, the columns are empty, and what they then
   /// hold is never saved.

@@ -9,8 +9,8 @@
 
 #include "base/DatePattern.h"
 #include "base/Ignored.h"
-#include "schedule/entries/SchedulerCalculations.h"
 #include "schedule/entries/ConflictCheck.h"
+#include "schedule/entries/SchedulerCalculations.h"
 
 namespace kestrune::presenters {
 
@@ -22,8 +22,9 @@ constexpr std::string_view kNotListed = "not in the channel list";
 
 /// The caption of a date that comes from the date picker.
 std::string CaptionOf(DateValue date) {
-  return date >= schedule::CodedDay(1) && date <= schedule::CodedDay(schedule::kEveryDayCode) ? schedule::CodedCaption(date)
-                                                                         : schedule::DateCaption(date);
+  return date >= schedule::CodedDay(1) && date <= schedule::CodedDay(schedule::kEveryDayCode)
+             ? schedule::CodedCaption(date)
+             : schedule::DateCaption(date);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include "base/EventLoop.h"
 #include "radio/line/RadioSession.h"
 #include "recorder/Display.h"

@@ -306,7 +306,9 @@ TEST_F(RestrictListEditorTest, AFileThatCouldNotBeReadIsNeverReplaced) {
 }
 
 TEST_F(RestrictListEditorTest, AByteOrderMarkCostsNoEntry) {
-  Load("\xEF\xBB\xBF" "0Moon\n");
+  Load(
+      "\xEF\xBB\xBF"
+      "0Moon\n");
   EXPECT_THAT(List(0), ElementsAre("Moon"));
   EXPECT_TRUE(editor_.cmdSave());
   EXPECT_EQ(files_.Text(kPath), "0Moon\n");

@@ -31,14 +31,13 @@ struct SchedulerWorld {
                     std::string_view text) { return Store.SaveSetting("Lorimel", "Kestrune", key, text); }};
   }
   [[nodiscard]] presenters::Scheduler Open() {
-    return {
-        {.Loop = Loop,
-         .Dialogs = Dialogs,
-         .Log = Journal,
-         .Editors = Editors,
-         .Settings = Settings(),
-         .ReloadSchedule = [this] { ++Reloads; }},
-        Channels};
+    return {{.Loop = Loop,
+             .Dialogs = Dialogs,
+             .Log = Journal,
+             .Editors = Editors,
+             .Settings = Settings(),
+             .ReloadSchedule = [this] { ++Reloads; }},
+            Channels};
   }
   /// The same for a window.
   [[nodiscard]] std::shared_ptr<presenters::Scheduler> Share() {

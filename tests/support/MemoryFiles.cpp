@@ -125,7 +125,8 @@ bool MemoryFiles::MakeOwnFolder(std::string_view path) {
   const std::string clean = Clean(path);
   std::string top = clean;
   while (!folders_.contains(top) && !folders_.contains(Parent(top))) top = Parent(top);
-  if (Fails(FileOperation::MakeOwnFolder) || !Writable(top) || (DiskFull && !folders_.contains(clean))) return false;
+  if (Fails(FileOperation::MakeOwnFolder) || !Writable(top) || (DiskFull && !folders_.contains(clean)))
+    return false;
   MakeFolders(clean);
   ownFolders_.insert(clean);
   return true;

@@ -105,7 +105,8 @@ base::Result PosixFiles::CheckWritable(std::string_view folder) const {
     nearest.resize(std::max<std::size_t>(parent, 1));
   }
   if (!S_ISDIR(status.st_mode)) return failed(ENOTDIR);
-  return faccessat(AT_FDCWD, nearest.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? base::Result::Done() : failed(errno);
+  return faccessat(AT_FDCWD, nearest.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? base::Result::Done()
+                                                                            : failed(errno);
 }
 
 base::Result PosixFiles::CreateFolder(std::string_view path) {

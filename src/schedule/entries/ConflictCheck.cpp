@@ -20,7 +20,8 @@ DateValue OnCodedDay(int dayOfJanuary, DateValue time) {
 /// Only a daily row at midnight is folded onto January 15; at any other time a daily row is folded onto a Sunday, and
 /// the shifts by a day and by seven days find some of its overlaps from there, not all.
 DateValue FoldedTo(DateValue anchor, DateValue date) {
-  if (anchor == CodedDay(kEveryDayCode) && date != CodedDay(kEveryDayCode)) return OnCodedDay(kEveryDayCode, date);
+  if (anchor == CodedDay(kEveryDayCode) && date != CodedDay(kEveryDayCode))
+    return OnCodedDay(kEveryDayCode, date);
   if (anchor < CodedDay(kEveryDayCode + 1) && date > CodedDay(kEveryDayCode))
     return OnCodedDay(DayFind(base::FormatDate(date, "dddd")), date);
   return date;

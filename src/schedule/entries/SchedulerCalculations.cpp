@@ -53,7 +53,8 @@ int DurationOf(const SchedulerRow& row) {
 
   if (start < CodedDay(kEveryDayCode) && end < start) end = end.AddDays(7);
   std::int64_t minutes = MinutesBetween(start, end);
-  if (start >= CodedDay(kEveryDayCode) && start <= CodedDay(kEveryDayCode + 1)) minutes = RolledOn(minutes, 0);
+  if (start >= CodedDay(kEveryDayCode) && start <= CodedDay(kEveryDayCode + 1))
+    minutes = RolledOn(minutes, 0);
   return static_cast<int>(RolledOn(std::min(minutes, kLongestMinutes), 1));
 }
 

@@ -16,9 +16,7 @@ DateValue At(int hour, int minute, int second = 0) {
 
 ScheduleEntries One(DateValue start, int minutes) {
   ScheduleEntries entries;
-  entries[2] = {.Enabled = true,
-                .StartDate = start,
-                .EndDate = start.AddMinutes(minutes).AddSeconds(59)};
+  entries[2] = {.Enabled = true, .StartDate = start, .EndDate = start.AddMinutes(minutes).AddSeconds(59)};
   return entries;
 }
 

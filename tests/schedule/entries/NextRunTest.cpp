@@ -103,8 +103,8 @@ TEST(NextRun, AWeeklyEntryIsFoundOverTheEndOfTheYear) {
 }
 
 TEST(NextRun, AnEntryThatEndsBeforeItStartsNeverComes) {
-  for (const DateValue start : {kNow.AddHours(3), DateValue::FromCivil(1967, 1, 4, 20),
-                                DateValue::FromCivil(1967, 1, 15, 20)}) {
+  for (const DateValue start :
+       {kNow.AddHours(3), DateValue::FromCivil(1967, 1, 4, 20), DateValue::FromCivil(1967, 1, 15, 20)}) {
     ScheduleEntry entry = At(start);
     entry.EndDate = start.AddSeconds(-1);
     EXPECT_FALSE(NextStart(entry, kNow));
