@@ -412,7 +412,7 @@ TEST_F(RadioProgram, WhatCannotBeReadOrWrittenIsNamed) {
     std::string Error;
   } rows[] = {
       {{"--line-up", "/no/file"}, "kestrune-radio: /no/file cannot be read\n"},
-      {{"--line-up", broken}, "kestrune-radio: " + broken + ": the line-up is no JSON\n"},
+      {{"--line-up", broken}, "kestrune-radio: " + broken + ": the line-up is not JSON\n"},
       {{"--replay", "/no/file"}, "kestrune-radio: /no/file cannot be read\n"},
       {{"--jsonl", "/no/file"}, "kestrune-radio: /no/file cannot be written\n"},
       {{"--sound", "pipe:/no/file"},
