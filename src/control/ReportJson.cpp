@@ -12,7 +12,7 @@ namespace {
 template <typename Type, typename Report>
 concept EitherConst = std::same_as<std::remove_const_t<Type>, Report>;
 
-// Each report's members are told once; the visitor writes them or reads them.
+// The members of each report are listed once, here; the visitor writes them or reads them. docs/json.md describes them.
 
 void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("unit", report.Unit);

@@ -9,7 +9,7 @@
 
 namespace kestrune::control {
 
-/// Members keep the order in which they are told.
+/// Members keep the order in which they are listed.
 using Json = nlohmann::ordered_json;
 
 [[nodiscard]] Json ToJson(const StatusReport& report);
@@ -18,7 +18,7 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json ToJson(const std::vector<ScheduleReport>& entries);
 [[nodiscard]] Json ToJson(const ListsReport& lists);
 
-/// Nothing if a member is missing or of another type; members that are unknown here are let by.
+/// Nothing if a member is missing or of another type; unknown members are ignored.
 [[nodiscard]] std::optional<StatusReport> StatusFromJson(const Json& json);
 [[nodiscard]] std::optional<std::vector<ChannelReport>> ChannelsFromJson(const Json& json);
 [[nodiscard]] std::optional<UpdateReport> UpdateFromJson(const Json& json);

@@ -1,4 +1,7 @@
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -53,6 +56,32 @@ constexpr const char* kFullStatus =
     R"("activeSchedule":5,"fileFormat":"MP3","formatDescription":"160 kbps","fileDir":"/music/",)"
     R"("inputDevice":"Line In","satellite1":60,"satellite2":70,"terrestrial":80,)"
     R"("samplesCaptured":9000000000,"samplesLost":6})";
+
+/// The part of the page under the heading of a command.
+std::string Documented(const std::string& command) {
+  std::ifstream file(KESTRUNE_DOCS "/json.md");
+  const std::string page((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const std::size_t begin = page.find("\n## " + command + "\n");
+  EXPECT_NE(begin, std::string::npos) << command;
+  if (begin == std::string::npos) return {};
+  return page.substr(begin, page.find("\n## ", begin + 1) - begin);
+}
+
+TEST(ReportJson, EveryMemberIsDocumented) {
+  const std::pair<std::string, Json> reports[] = {
+      {"status", ToJson(StatusReport())},
+      {"channels", ToJson(std::vector<ChannelReport>(1)).front()},
+      {"schedule", ToJson(std::vector<ScheduleReport>(1)).front()},
+      {"lists", ToJson(ListsReport())},
+      {"update", ToJson(UpdateReport())},
+  };
+  for (const auto& [command, report] : reports) {
+    const std::string section = Documented(command);
+    for (const auto& member : report.items()) {
+      EXPECT_NE(section.find("`" + member.key() + "`"), std::string::npos) << command << ": " << member.key();
+    }
+  }
+}
 
 TEST(ReportJson, StatusMembersHaveTheirNames) {
   EXPECT_EQ(ToJson(FullStatus()).dump(), kFullStatus);
