@@ -2,7 +2,7 @@
 
 namespace kestrune::base {
 
-/// Says that a failure at this place is swallowed on purpose: the next step runs whatever came of this one.
+/// Marks a failure that is swallowed on purpose: the next step runs whatever became of this one.
 template <typename Result>
 constexpr void Ignored(Result&& /*result*/) {}
 

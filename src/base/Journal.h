@@ -4,7 +4,7 @@
 
 namespace kestrune::base {
 
-/// Where the rooms say what happened. All calls come on the main thread; none fails towards its caller.
+/// Where the rooms report what happened. All calls come on the main thread; none reports a failure to its caller.
 class Journal {
  public:
   virtual ~Journal() = default;

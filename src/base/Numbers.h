@@ -7,7 +7,7 @@
 
 namespace kestrune::base {
 
-/// The number that a text begins with: blanks, tabs and line ends are skipped wherever they stand, then sign,
+/// The number that a text begins with: blanks, tabs and line ends are skipped everywhere, then sign,
 /// digits, point and exponent are taken as far as they go; "&H" and "&O" introduce hexadecimal and octal. 0
 /// if the text begins with no number. "12abc" is 12, "1 2" is 12, "abc" is 0.
 [[nodiscard]] double LeadingNumber(std::string_view text);

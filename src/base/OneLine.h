@@ -5,8 +5,8 @@
 
 namespace kestrune::base {
 
-/// The text with each control character turned into a blank, those behind 0x7F (U+0080 to U+009F) too: text
-/// of a stranger can then neither begin a second line nor speak to a terminal.
+/// The text with each control character turned into a blank, those after 0x7F (U+0080 to U+009F) too, so that
+/// text from outside can neither begin a second line nor control a terminal.
 [[nodiscard]] inline std::string OneLine(std::string_view text) {
   std::string line;
   line.reserve(text.size());

@@ -6,7 +6,7 @@
 namespace kestrune::base {
 
 /// The radio speaks Windows-1252, one byte a character. These functions take and give such bytes;
-/// `RadioTextToUtf8` is the edge behind which text is UTF-8. The five bytes that the set leaves open map to
+/// After `RadioTextToUtf8` text is UTF-8. The five bytes that the set leaves open map to
 /// the control characters of the same number, so that no byte is lost.
 [[nodiscard]] std::string RadioTextToUtf8(std::string_view radioBytes);
 

@@ -2,7 +2,7 @@
 
 namespace kestrune::base {
 
-/// Where the run stands. Every room may read it; the start and the shutdown alone write it.
+/// The stage of the run. Every room may read it; only the start and the shutdown write it.
 struct RunState {
   bool FormLoading = false;   ///< the load sequence runs: ticks and requests stay empty
   bool ShuttingDown = false;  ///< set once by the first pass of closing, never cleared

@@ -8,8 +8,8 @@
 namespace kestrune::base {
 
 /// Text inside the program is UTF-8. Case is folded for the letters of Windows-1252, the radio's character
-/// set: nothing else can come from the radio. None of these functions fails; bytes that are no UTF-8 stand
-/// for themselves.
+/// set: nothing else can come from the radio. None of these functions fails; bytes that are not UTF-8 are
+/// kept.
 
 /// Without the blanks (0x20 alone) at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text);
@@ -27,7 +27,7 @@ namespace kestrune::base {
 [[nodiscard]] std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
 [[nodiscard]] std::string ReplaceAllNoCase(std::string_view text, std::string_view from, std::string_view to);
 
-/// "&" doubled, so that a label shows it as it stands.
+/// "&" doubled, so that a label shows it.
 [[nodiscard]] std::string DoubleAmpersands(std::string_view text);
 
 /// The pieces between the separators; a text without one is one piece, also if it is empty.

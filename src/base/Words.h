@@ -11,7 +11,7 @@ namespace kestrune::base {
 /// to the end of the text.
 [[nodiscard]] std::vector<std::string> SplitWords(std::string_view commandLine);
 
-/// One word in quotes, so that SplitWords gives back exactly that word.
+/// One word in quotes, so that SplitWords returns exactly that word.
 [[nodiscard]] std::string QuoteWord(std::string_view word);
 
 }  // namespace kestrune::base

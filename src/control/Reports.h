@@ -48,7 +48,7 @@ struct StatusReport {
 struct UpdateReport {
   std::string Running;          ///< such as "003.000.029"
   bool Newer = false;           ///< there is a newer version
-  std::string DownloadAddress;  ///< of its installer; empty if the server told none
+  std::string DownloadAddress;  ///< of its installer; empty if the server named none
 };
 
 /// One row of the channel table.

@@ -27,7 +27,7 @@ class SerialPort {
   /// Bytes that trigger the receive handler, at least 1.
   virtual void SetReceiveThreshold(int bytes) = 0;
 
-  /// Whether there is a device behind the number set last; it may be one that cannot be opened.
+  /// Whether there is a device with the number set last; it may be one that cannot be opened.
   [[nodiscard]] virtual bool Exists() const = 0;
   /// The cause says what to do about a failure: the group to join, the process that holds the device.
   virtual base::Result Open() = 0;

@@ -21,8 +21,8 @@ namespace kestrune::presenters {
 /// Rows count from 1; a row that does not exist is tolerated and leaves things as they are.
 class ChannelChooser {
  public:
-  /// All must outlive the object. `tmrUpdate` is off while the update cycle runs; `getRecordingStatus` tells
-  /// whether the channel must stay as it is.
+  /// All must outlive the object. `tmrUpdate` is off while the update cycle runs; `getRecordingStatus`
+  /// returns whether the channel must not be changed.
   ChannelChooser(radio::Channels& channels, const base::RunState& run, platform::Sounds& sounds,
                  base::EventLoop& loop, const base::Timer& tmrUpdate,
                  std::function<bool()> getRecordingStatus);

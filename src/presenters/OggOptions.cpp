@@ -56,7 +56,7 @@ void OggOptions::Load() {
   LoadSlider(controls_.MinBitrate, kMin, record.MinBitrate);
   chkVbr(record.VbrEnabled);
   chkQuality(record.QualityEnabled);
-  // The field as it stands, though cmdOK divides by 100: a stored 4 opens at 4 of 1000.
+  // The field unchanged, although cmdOK divides by 100: a stored 4 opens at 4 of 1000.
   Quality(record.Quality);
 }
 

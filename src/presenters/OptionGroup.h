@@ -9,7 +9,7 @@
 
 namespace kestrune::presenters {
 
-/// One of a group's buttons; all its text is shown as it stands.
+/// One of a group's buttons; all its text is shown unchanged.
 struct OptionButton {
   std::string_view Caption;
   std::int32_t Value = 0;

@@ -39,7 +39,7 @@ class PresetSetup {
   /// The user's choice in one list. It does not count as a change that a close would ask about.
   void cboPreset_Click(int index, int line);
 
-  /// Stores all choices and shows them on the buttons. The window closes behind it, as it does behind cmdCancel.
+  /// Stores all choices and shows them on the buttons. The window closes after it, as it does after cmdCancel.
   void cmdSave();
   void cmdCancel() { MainWindowToFront(); }
   /// A close by the user or by the program; false keeps the window open.

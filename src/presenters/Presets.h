@@ -20,7 +20,8 @@ struct PresetKeys {
 
 /// A preset button as it shows itself.
 struct PresetButton {
-  std::string Caption;  ///< the stored text as it stands, its channel's number first; empty without a preset
+  /// The stored text unchanged, beginning with its channel's number; empty without a preset.
+  std::string Caption;
   std::string Tip;
 };
 
@@ -32,7 +33,7 @@ class Presets {
   /// Key code of the function key that, with Control alone held, presses the first button. The others follow.
   static constexpr int kFirstKeyCode = 112;
 
-  /// All must outlive the object. `getRecordingStatus` tells whether the channel must stay as it is.
+  /// All must outlive the object. `getRecordingStatus` returns whether the channel must not be changed.
   Presets(radio::Channels& channels, platform::Sounds& sounds, PresetKeys keys,
           std::function<bool()> getRecordingStatus);
 

@@ -25,8 +25,8 @@ struct CaptureOutcome {
   std::string StartFailure;  ///< why there is no file, or no sound for it; empty if the start went well
   std::string WriteFailure;  ///< the system's reason why the file took no more; empty as long as it does
 
-  platform::CaptureSound
-      Sound;                   ///< what came and what is missing; complete once the capture has been stopped
+  /// What came and what is missing; complete once the capture has been stopped.
+  platform::CaptureSound Sound;
   std::int64_t MissingMs = 0;  ///< length of what is missing, in milliseconds
 
   std::int16_t Event = 0;  ///< the schedule entry that ran when the capture began, 1 to 10; 0 for none

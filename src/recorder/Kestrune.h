@@ -180,7 +180,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] presenters::NowScreen& NowWindow() { return nowScreen_; }
 
  private:
-  // The load sequence, told in Startup.cpp.
+  // The load sequence, in Startup.cpp.
   [[nodiscard]] StartOutcome LoadSteps();
   void CreateAudioObjects();
   void ReadCommandLine();
@@ -196,7 +196,7 @@ class Kestrune final : private radio::ChannelEvents {
   void CheckTemporarySpace();
   void FinishLoad();
 
-  // The close, told in Shutdown.cpp.
+  // The close, in Shutdown.cpp.
   void CloseFirstPass();
   void DeleteLeftovers();
   void tmrQuit_Timer();

@@ -9,7 +9,7 @@
 namespace kestrune::recorder {
 
 /// The two commands of recording. A button, a menu entry, a schedule entry and the control socket all come
-/// through here; whoever stands for a person asks first whether the button is enabled.
+/// through here; a caller that acts for a person first asks whether the button is enabled.
 class RecordCommands {
  public:
   /// All must outlive the object.

@@ -18,7 +18,7 @@ namespace kestrune::recorder {
 [[nodiscard]] bool DebugModeOf(std::string_view rawText);
 
 struct ForcedPort {
-  bool Present = false;    ///< "/port" stands in the text, whatever follows it
+  bool Present = false;    ///< "/port" occurs in the text, whatever follows it
   std::int16_t Value = 0;  ///< 1 to 255, or 0 if the number was refused or is missing
 };
 

@@ -18,7 +18,7 @@ constexpr double kWantedTemporaryBytes = 2048000000.0;
 
 }  // namespace
 
-// A close that is asked for meanwhile waits at the door; ShuttingDown tells that it does.
+// A close that is asked for meanwhile waits at the door; ShuttingDown says so.
 StartOutcome Kestrune::Load() {
   const Door::Hold hold(door_);
   loading_ = true;
@@ -215,7 +215,7 @@ void Kestrune::CheckTemporarySpace() {
 void Kestrune::FinishLoad() {
   if (state_.Run.ShuttingDown) return;
   outside_.Windows.ShowRememberedWindows();
-  // A build that was told of no server has nobody to ask, and no user is to hear so at every start.
+  // A build without a configured server has nobody to ask, and need not say so at every start.
   if (state_.Settings.CheckUpdatesAtStartup && update_.HasServer()) update_.mnuCheckUpdate();
 }
 

@@ -18,10 +18,10 @@ namespace kestrune::recorder {
 /// What the maker's server said.
 struct UpdateAnswer {
   std::int16_t Result = config::kNotRetrieved;
-  std::string DownloadAddress;  ///< of the installer, if there is a newer version and the server told it
+  std::string DownloadAddress;  ///< of the installer, if there is a newer version and the server named it
 };
 
-/// The update check as a command: it asks the server, tells the user, and on Yes fetches the installer, runs it
+/// The update check as a command: it asks the server, informs the user, and on Yes fetches the installer, runs it
 /// and closes the program. One check at a time, from the question to the answer of the last message. What takes long
 /// runs beside the door: recording, stopping and closing go on meanwhile.
 class UpdateCommand {

@@ -6,7 +6,7 @@
 
 namespace kestrune::recorder {
 
-/// The windows that the run opens and closes by itself, at the moments told. A run without windows uses this
+/// The windows that the run opens and closes by itself, at the moments named. A run without windows uses this
 /// class as it is: then every call does nothing. All calls come on the main thread.
 class Windows {
  public:

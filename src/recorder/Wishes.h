@@ -12,7 +12,7 @@ namespace kestrune::recorder {
 
 class Kestrune;
 
-/// What a person, or a program that stands for one, can ask of a unit: each call asks at the door and says there
+/// What a person, or a program acting for one, can ask of a unit: each call asks at the door and says there
 /// whether the unit can do it now. A refusal names what stands in the way and what to do about it.
 ///
 /// While the unit starts, a wish is refused at once, and once it closes, when its turn comes; only the close itself

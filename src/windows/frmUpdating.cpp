@@ -31,7 +31,7 @@ frmUpdating::frmUpdating(const config::UpdatingWindow& record, QWidget* parent)
   lblUpdating_->setWordWrap(true);
   lblUpdating_->setMinimumWidth(fontMetrics().averageCharWidth() * kCharactersOfALine);
   pbrDownload_->setRange(0, 100);
-  // The bar tells nothing about the progress, so no number may seem to.
+  // The bar says nothing about the progress, so no number may seem to.
   pbrDownload_->setTextVisible(false);
   auto* const rows = new QVBoxLayout(this);
   rows->addWidget(lblUpdating_);

@@ -6,7 +6,7 @@
 
 namespace kestrune::apps {
 
-/// A virtual receiver of the program's own, for a first look without a radio. Its line and its sound lie in a
+/// The program's own virtual receiver, for a first look without a radio. Its line and its sound are in a
 /// temporary folder; it ends with this object.
 class DemoReceiver {
  public:

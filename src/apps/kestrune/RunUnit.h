@@ -19,8 +19,8 @@ inline constexpr int kWrongUse = 2;
 
 using MakeFace = std::function<std::unique_ptr<Face>(base::EventLoop&, const platform::Environment&)>;
 
-/// Puts the outside together, loads a unit and lives until it has closed. The application object must exist.
-/// Gives the exit status.
+/// Sets up the outside, loads a unit and runs until it has closed. The application object must exist.
+/// Returns the exit status.
 [[nodiscard]] int RunUnit(const control::CommandLine& line, const std::string& executable,
                           platform::QtEventLoop& loop, const MakeFace& makeFace);
 

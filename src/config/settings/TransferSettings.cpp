@@ -70,7 +70,7 @@ void MoveDataFolder(platform::Files& files, std::string_view profile) {
 
 void TransferSettings(platform::SettingsStore& store, platform::Files& files,
                       const platform::Environment& environment, std::string_view multiUnit) {
-  // The unit stands in the section here and in the keys below; both are the same for the empty unit.
+  // The unit is part of the section here and of the keys below; both are the same for the empty unit.
   const std::string guardSection = std::string(kSection).append(multiUnit);
   if (base::LeadingNumber(store.GetSetting(kOldApplication, guardSection, "MainTop", "-1")) == -1) return;
 

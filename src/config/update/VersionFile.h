@@ -9,7 +9,7 @@ namespace kestrune::config {
 /// of its installer.
 struct VersionFile {
   std::string Version;          ///< blanks at its ends cut
-  std::string DownloadAddress;  ///< all that follows the first line, as it stands
+  std::string DownloadAddress;  ///< all that follows the first line, unchanged
 };
 
 /// Lines may end in CR, LF or both. Of a text that is no such file, Version is its first line.
