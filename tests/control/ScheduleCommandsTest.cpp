@@ -206,13 +206,13 @@ class ScheduleReports : public ::testing::Test {
   std::vector<ScheduleReport> Reports() {
     return ReportSchedule(
         entries, state,
-        {.Now = now,
+        {.Now = kNow,
          .Station = [](std::int16_t channel) { return fmt::format("Station {}", channel); },
          .IsSet = [this](int number) { return number <= set; },
-         .SecondsUntil = [](DateValue wall) { return base::SecondsBetween(now, wall) - 3600; }});
+         .SecondsUntil = [](DateValue wall) { return base::SecondsBetween(kNow, wall) - 3600; }});
   }
 
-  static inline const DateValue now = DateValue::FromCivil(2005, 1, 1, 12);
+  static inline const DateValue kNow = DateValue::FromCivil(2005, 1, 1, 12);
   schedule::ScheduleEntries entries;
   schedule::ScheduleState state;
   int set = 10;
@@ -232,7 +232,7 @@ TEST_F(ScheduleReports, SayWhatCountsNow) {
                 .MP3BitRate = " "};
   entries[1].Enabled = true;
   state.ActiveSchedule = 2;
-  state.RemainingUntil = now.AddSeconds(3690);
+  state.RemainingUntil = kNow.AddSeconds(3690);
   const auto reports = Reports();
   ASSERT_EQ(reports.size(), 10U);
   EXPECT_EQ(
@@ -249,7 +249,7 @@ TEST_F(ScheduleReports, SayWhatCountsNow) {
 
 TEST_F(ScheduleReports, OfAnEntryThatWasNeverSetNothingIsSaid) {
   entries[2] = {
-      .Channel = 1, .StartDate = now, .EndDate = now.AddSeconds(3659), .Integrel = true, .Cleftune = true};
+      .Channel = 1, .StartDate = kNow, .EndDate = kNow.AddSeconds(3659), .Integrel = true, .Cleftune = true};
   set = 2;
   const ScheduleReport report = Reports().at(2);
   EXPECT_FALSE(report.Set);
@@ -262,7 +262,7 @@ TEST_F(ScheduleReports, OfAnEntryThatWasNeverSetNothingIsSaid) {
 
 TEST_F(ScheduleReports, WhatCannotBeReadIsLeftOut) {
   entries[0].Enabled = entries[1].Enabled = true;
-  entries[0].StartDate = now.AddHours(1);
+  entries[0].StartDate = kNow.AddHours(1);
   entries[1].EndDate = DateValue().AddSeconds(3659);
   const auto reports = Reports();
   EXPECT_EQ(reports[0].Minutes, -1) << "the end stayed where the table began";

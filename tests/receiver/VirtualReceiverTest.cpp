@@ -163,11 +163,9 @@ TEST(VirtualReceiver, ARestartSilencesTheSoundAndEndsOnAnotherChannel) {
   VirtualReceiver receiver(TwoStations(), options, &log);
   for (int now = 900; now <= 4200; now += 300) receiver.Receive(milliseconds(now), kMuteOff);
   EXPECT_EQ(receiver.Model().TunedChannel(), 9);
-  std::string events;
-  for (const std::string name : {"power", "tuned", "misbehaviour"}) {
-    events += name + std::to_string(out.str().find("\"" + name + "\"") != std::string::npos);
+  for (const char* event : {"\"power\"", "\"tuned\"", "\"misbehaviour\""}) {
+    EXPECT_NE(out.str().find(event), std::string::npos) << event;
   }
-  EXPECT_EQ(events, "power1tuned1misbehaviour1");
   EXPECT_EQ(receiver.Send(seconds(10)), kMuteOffReply + kMuteOffReply) << "before and after";
 }
 

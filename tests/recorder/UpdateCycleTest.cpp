@@ -202,16 +202,6 @@ TEST_F(UpdateCycleTest, ABoundaryCopiesTheRadiosTextIntoTheGrid) {
   EXPECT_EQ(row[radio::ChannelGrid::Song], " 1 ");
 }
 
-TEST_F(UpdateCycleTest, NoTickWorksWithinAReply) {
-  // The reply comes in the moment in which the next tick is due, and pumps events while it is half taken in.
-  rig.Radio.AnswerDelay = 200ms;
-  rig.StartIdle();
-  int within = 0;
-  rig.Radio.WhenCommanded = [&] { within += rig->Radio().InfoBusy ? 1 : 0; };
-  for (int song = 0; song < 20; ++song) rig.NextSong("Artist", std::to_string(song));
-  EXPECT_EQ(within, 0);
-}
-
 TEST_F(UpdateCycleTest, NoTickWorksWithinATickThatHasItsTimerBack) {
   // A schedule pass may turn the timer on and then wait for the radio; here a press within the first pump of a
   // tick stands for it. The delay of the song lets the next tick fall due within this one.

@@ -76,7 +76,7 @@ std::string MemoryFiles::Followed(std::string_view path) const {
 
 base::Result MemoryFiles::Write(const std::string& path, std::string text) {
   if (DiskFull) return base::Result::Failed(kFull);
-  if (const base::Result writable = Writable(path); !writable) return writable;
+  if (base::Result writable = Writable(path); !writable) return writable;
   if (folders_.contains(path)) return base::Result::Failed(kIsFolder);
   files_[path] = std::move(text);
   return base::Result::Done();
@@ -115,7 +115,7 @@ base::Result MemoryFiles::CreateFolder(std::string_view path) {
   if (Fails(FileOperation::CreateFolder)) return base::Result::Failed(kToldToFail);
   if (DiskFull) return base::Result::Failed(kFull);
   if (Exists(clean)) return base::Result::Failed(kTaken);
-  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (base::Result writable = Writable(clean); !writable) return writable;
   folders_.insert(clean);
   return base::Result::Done();
 }
@@ -146,7 +146,7 @@ base::Result MemoryFiles::RemoveFolder(std::string_view path) {
   const std::string clean = Clean(path);
   if (Fails(FileOperation::RemoveFolder)) return base::Result::Failed(kToldToFail);
   if (!folders_.contains(clean)) return base::Result::Failed(kNoSuchFile);
-  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (base::Result writable = Writable(clean); !writable) return writable;
   const std::string inside = clean + "/";
   const auto file = files_.lower_bound(inside);
   const auto folder = folders_.lower_bound(inside);
@@ -173,7 +173,7 @@ base::Result MemoryFiles::Remove(std::string_view path) {
   Calls.push_back(fmt::format("Remove {}", path));
   const std::string clean = Clean(path);
   if (Fails(FileOperation::Remove)) return base::Result::Failed(kToldToFail);
-  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (base::Result writable = Writable(clean); !writable) return writable;
   if (links_.erase(clean) > 0 || files_.erase(clean) > 0) return base::Result::Done();
   return base::Result::Failed(kNoSuchFile);
 }
@@ -194,7 +194,7 @@ platform::RenameResult MemoryFiles::RenameNoReplace(std::string_view from, std::
     return {.Outcome = base::Result::Failed(kTaken), .NameTaken = true};
   }
   for (const std::string& path : {source, target}) {
-    if (const base::Result writable = Writable(path); !writable) return {.Outcome = writable};
+    if (base::Result writable = Writable(path); !writable) return {.Outcome = writable};
   }
   auto file = files_.extract(source);
   file.key() = target;
@@ -227,7 +227,7 @@ base::Result MemoryFiles::Append(std::string_view path, std::string_view text) {
   const std::string clean = Followed(path);
   if (Fails(FileOperation::Append)) return base::Result::Failed(kToldToFail);
   if (DiskFull) return base::Result::Failed(kFull);
-  if (const base::Result writable = Writable(clean); !writable) return writable;
+  if (base::Result writable = Writable(clean); !writable) return writable;
   if (folders_.contains(clean)) return base::Result::Failed(kIsFolder);
   files_[clean].append(text);
   return base::Result::Done();

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -121,7 +122,7 @@ TEST_F(frmKestruneTest, TheTwelvePresetButtonsHaveTheirNumbersAndKeysInTheTip) {
     const std::string number = std::to_string(i + 1);
     const auto& button = rig.Find<QPushButton>(("cmdPresetStation_" + std::to_string(i)).c_str());
     EXPECT_EQ(button.text().toStdString(), "Preset " + number);
-    EXPECT_EQ(button.toolTip().toStdString(), "Preset " + number + " (CTRL-F" + number + ")");
+    EXPECT_EQ(button.toolTip().toStdString(), fmt::format("Preset {0} (CTRL-F{0})", number));
   }
 }
 

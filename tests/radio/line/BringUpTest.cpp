@@ -7,7 +7,6 @@
 namespace kestrune::test {
 namespace {
 
-using radio::PortTrial;
 using radio::RadioSearch;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
