@@ -87,12 +87,12 @@ void DayOfRadio::Run() {
   Check(unit_->Load() == recorder::StartOutcome::Running, "the start failed");
   line_.Now = plan_.Faults;
   Every(1s, 9s, [this] { ChangeSongs(); });
-  // What a user does reaches the program as a handler of its own, during any wait.
+  // What a user does can come during any wait.
   if (plan_.User) {
-    Every(20s, 600s, [this] { loop_.Post([this] { PressSomething(); }); });
+    Every(20s, 600s, [this] { AsAWish([this] { PressSomething(); }); });
   }
   if (plan_.Schedule) {
-    Every(60s, 900s, [this] { loop_.Post([this] { PlanSomething(); }); });
+    Every(60s, 900s, [this] { AsAWish([this] { PlanSomething(); }); });
     Every(1000s, 9000s, [this] { loop_.StepWallClock(std::chrono::minutes(Draw(-120, 120))); });
   }
   if (plan_.BadMoments) Every(1000s, 5000s, [this] { HaveABadMoment(); });
@@ -118,6 +118,15 @@ void DayOfRadio::ChangeSongs() {
   const int channel = Draw(30, 69);
   ++song_;
   radio_.Play(channel, fmt::format("Artist {}", song_ % 11), fmt::format("Song {}", song_));
+}
+
+void DayOfRadio::AsAWish(std::function<void()> act) {
+  loop_.Post([this, act = std::move(act)] {
+    unit_->Wishes().Ask([act] {
+      act();
+      return base::Result::Done();
+    });
+  });
 }
 
 void DayOfRadio::PressSomething() {

@@ -49,6 +49,8 @@ class DayOfRadio {
   class Audio;
 
   void ChangeSongs();
+  /// What a user does waits at the door like everything from outside.
+  void AsAWish(std::function<void()> act);
   void PressSomething();
   void HaveABadMoment();
   void PullTheCable();

@@ -8,7 +8,6 @@
 namespace kestrune::test {
 namespace {
 
-using recorder::WindowName;
 using recorder::WindowState;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
