@@ -9,6 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using base::DateValue;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -113,8 +114,8 @@ TEST_F(ScheduledEventsTest, AnEventBeginsRecordsWholeSongsAndEndsWithinFourSecon
       ScheduleLines(),
       ElementsAre("Scheduled event 1 beginning on channel 46 until Mar 9, 8:10:59 pm",
                   "Scheduled event is utilizing Integrel", "Scheduled event 1 completed - 2 songs recorded"));
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Lanterns - North Pier\""));
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Cellar - Blue Door\""));
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Recorded: Channel 46  \"Lanterns - North Pier\"")));
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Recorded: Channel 46  \"Cellar - Blue Door\"")));
   EXPECT_FALSE(rig.Logged("Artist 46"))
       << "the song that was playing when the event began is none of its songs";
 }
@@ -237,7 +238,8 @@ TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
   int recorded = 0;
   for (const std::string& line : rig.LogTexts()) recorded += line.starts_with("Recorded: ") ? 1 : 0;
   EXPECT_EQ(recorded, 1);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""));
+  EXPECT_THAT(rig.LogTexts(),
+              Contains(StartsWith("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\"")));
   EXPECT_EQ(rig->Recording().RecordedCount, 1);
 }
 
@@ -340,7 +342,8 @@ TEST_F(ScheduledEventsTest, AFileOfOneEventIsFinishedBeforeTheNextEventBegins) {
   StartIdleAt(At(20, 0));
   RunTo(At(20, 2, 20));
   EXPECT_EQ(Active(), 1);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 50  \"Artist 50 - Song 50 (Incomplete)\""));
+  EXPECT_THAT(rig.LogTexts(),
+              Contains(StartsWith("Recorded: Channel 50  \"Artist 50 - Song 50 (Incomplete)\"")));
   EXPECT_THAT(ScheduleLines(),
               ElementsAre("Scheduled event 3 beginning on channel 50 until Mar 9, 9:00:59 pm",
                           "Scheduled event is NOT utilizing Cleftune",
@@ -370,6 +373,7 @@ TEST_F(ScheduledEventsTest, AnEventWithoutIntegrelBeginsWithACutOfItsOwn) {
 TEST_F(ScheduledEventsTest, TheFilesOfAnEventAreJudgedByItsModesTheLastOneToo) {
   rig.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "2Artist 46\n");
   rig.Set("SievanceKill", "1");
+  rig.Set("SievanceGrab", "1");
   Store(1, {.Duration = "0:02", .Integrel = false});
   StartIdleAt(At(20, 0));
   ASSERT_TRUE(rig->Restrictions().IsInKillList("Artist 46", ""));
@@ -377,8 +381,9 @@ TEST_F(ScheduledEventsTest, TheFilesOfAnEventAreJudgedByItsModesTheLastOneToo) {
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
   RunTo(At(20, 3, 10));
   ASSERT_EQ(Active(), 0);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""))
-      << "the user's Kill list is no matter of this event";
+  EXPECT_THAT(rig.LogTexts(),
+              Contains(StartsWith("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\"")))
+      << "the user's lists are no matter of this event";
 }
 
 TEST_F(ScheduledEventsTest, TickingIntegrelDoesNotLoseTheOneFileOfARunningEvent) {
@@ -391,7 +396,8 @@ TEST_F(ScheduledEventsTest, TickingIntegrelDoesNotLoseTheOneFileOfARunningEvent)
   Plan(1, whole);
   RunTo(At(20, 3, 10));
   ASSERT_EQ(Active(), 0);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\""));
+  EXPECT_THAT(rig.LogTexts(),
+              Contains(StartsWith("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\"")));
 }
 
 TEST_F(ScheduledEventsTest, AChangeOfTheFormatDoesNotEndTheRecordingOfAnEvent) {
@@ -422,10 +428,10 @@ TEST_F(ScheduledEventsTest, AChangeOfTheFormatDoesNotEndTheRecordingOfAnEvent) {
     EXPECT_FALSE(unit->Window().cmdStop.Enabled);
     unit.Run(1min);
     unit.NextSong("Moonlighters", "Slow Tide");
-    EXPECT_TRUE(unit.Logged("Recorded: Channel 46  \"Cellar - Blue Door"));
+    EXPECT_THAT(unit.LogTexts(), Contains(StartsWith("Recorded: Channel 46  \"Cellar - Blue Door")));
     unit.Run(1min);
     unit.NextSong("Harbour", "Grey Gulls");
-    EXPECT_TRUE(unit.Logged("Recorded: Channel 46  \"Moonlighters - Slow Tide\""));
+    EXPECT_THAT(unit.LogTexts(), Contains(StartsWith("Recorded: Channel 46  \"Moonlighters - Slow Tide\"")));
   }
 }
 

@@ -1,3 +1,4 @@
+#include <functional>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -10,6 +11,8 @@ namespace kestrune::test {
 namespace {
 
 using namespace std::chrono_literals;
+using ::testing::Contains;
+using ::testing::StartsWith;
 
 class UpdateCycleTest : public ::testing::Test {
  protected:
@@ -116,7 +119,9 @@ TEST_F(UpdateCycleTest, WithoutSplittingAStopClosesTheOneFile) {
   rig.Run(60s);
   rig->cmdStop();
   rig.Run(1s);
-  EXPECT_TRUE(rig.Logged("Recorded: Channel 44  \"Moonlighters - Slow Tide (Incomplete)\"  Song length: 2:"));
+  EXPECT_THAT(rig.LogTexts(),
+              Contains(StartsWith(
+                  "Recorded: Channel 44  \"Moonlighters - Slow Tide (Incomplete)\"  Song length: 2:")));
 }
 
 TEST_F(UpdateCycleTest, WholeSongsWithoutSplittingWaitUntilAStop) {
@@ -215,6 +220,38 @@ TEST_F(UpdateCycleTest, NoTickWorksWithinATickThatHasItsTimerBack) {
   };
   rig.Run(5s);
   EXPECT_EQ(CapturesMade(), made + 1);
+}
+
+TEST_F(UpdateCycleTest, NoTickWorksWithinTheHandlingOfAReply) {
+  rig.Set("SongDelay", "1000");
+  rig.StartIdle();
+  // Something slow, such as a window with much to paint, is served while the reply with the new song is handled, so
+  // that a tick falls due before that handling is over.
+  bool slept = false;
+  std::function<void()> slow = [&] {
+    if (rig->Radio().InfoBusy && rig->ChannelList().TunedRow()->Song == "1") {
+      slept = true;
+      rig.Loop.Sleep(300ms);
+    } else if (rig.Loop.Pumping()) {
+      rig.Loop.Post(slow);
+    }
+  };
+  bool cutWithin = false;
+  std::function<void()> look = [&] {
+    cutWithin = cutWithin || (rig->Recording().BoundaryBusy && rig->Radio().InfoBusy);
+    rig.Loop.AtHardware(10ms, look);
+  };
+  look();
+  rig.Radio.Play(44, "A", "1");
+  rig.Radio.WhenCommanded = [&] {
+    if (slept) return;
+    // It comes just before the reply, and comes again at each pump.
+    rig.Loop.AtHardware(rig.Radio.AnswerDelay, [&] { rig.Loop.Post([&] { rig.Loop.Post(slow); }); });
+  };
+  rig.Run(5s);
+  EXPECT_TRUE(slept);
+  EXPECT_FALSE(cutWithin);
+  EXPECT_EQ(State().LastSong, "1") << "a later tick has cut";
 }
 
 TEST_F(UpdateCycleTest, NoBoundaryIsTakenWhileTheProgramLoads) {
