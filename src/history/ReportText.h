@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "history/Report.h"
+
+namespace kestrune::history {
+
+/// The report as plain text for a terminal or a mail: problems first, then the events with their songs, then what else
+/// was recorded, then what to do. Lines end with "\n". Control characters in a stranger's text have become blanks.
+[[nodiscard]] std::string ReportText(const Report& report);
+
+}  // namespace kestrune::history

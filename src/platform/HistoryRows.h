@@ -1,0 +1,128 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/DateValue.h"
+
+namespace kestrune::platform {
+
+// What the record of what happened consists of. Moments are local civil time, texts UTF-8. The numbers of the two
+// enumerations are stored: a new value goes to the end.
+
+/// What became of a song that ended on the tuned channel.
+enum class SongFate : std::uint8_t {
+  Kept = 0,
+  KeptIncomplete = 1,  ///< with "(Incomplete)" in its name
+  KeptUnnamed = 2,     ///< on the disk, but not under the name it should have
+  TooShort = 3,
+  TooLong = 4,
+  NotGrabbed = 5,  ///< not on the Grab lists
+  Killed = 6,      ///< on the Kill lists
+  Duplicate = 7,
+  NoSound = 8,
+  Failed = 9,     ///< it could not be written, or its file is gone
+  NotWhole = 10,  ///< captured before the first whole song began
+  NotWanted = 11  ///< nobody was recording
+};
+inline constexpr int kSongFates = 12;
+
+[[nodiscard]] constexpr bool IsKept(SongFate fate) {
+  return fate == SongFate::Kept || fate == SongFate::KeptIncomplete || fate == SongFate::KeptUnnamed;
+}
+
+/// A song that ended on the tuned channel.
+struct HistorySong {
+  base::DateValue Began;
+  base::DateValue Ended;
+  std::int16_t Channel = 0;
+  std::string Station;
+  std::string Genre;
+  std::string Artist;
+  std::string Title;
+  std::int64_t LengthMs = 0;  ///< of the sound captured
+  SongFate Fate = SongFate::Kept;
+  std::string Reason;             ///< why, as the log says it; may be empty
+  std::string File;               ///< full path; empty if there is none
+  std::int16_t Event = 0;         ///< the schedule entry that ran when it began, 1 to 10; 0 for none
+  std::int64_t SamplesLost = 0;   ///< a sample of each sound channel counts as one
+  std::int64_t MissingMs = 0;     ///< their length
+  std::int64_t SilentMs = 0;      ///< how much of it was silence that was noticed
+  std::int64_t OverloadedMs = 0;  ///< how much of it was at full scale
+  std::int64_t LineLostMs = 0;    ///< how long the radio was lost meanwhile
+
+  bool operator==(const HistorySong&) const = default;
+};
+
+/// One run of a schedule entry. Entry, Due and Began together name it: a row with the same three replaces the older.
+struct HistoryEvent {
+  std::int16_t Entry = 0;  ///< 1 to 10
+  base::DateValue Due;
+  std::int64_t PlannedSeconds = 0;  ///< that pass from Due to its end, steps to and from summer time counted
+  std::int16_t Channel = 0;
+  std::string Station;
+  bool WholeSongs = false;               ///< begins to record with the first whole song
+  std::optional<base::DateValue> Began;  ///< nothing if it never did
+  std::optional<base::DateValue> Ended;  ///< nothing while it runs, and if nobody saw its end
+  int Kept = 0;                          ///< songs, as the log says at its end
+  int Dropped = 0;
+  std::string WhyNot;  ///< why it did not run, or ended early; empty if all was well
+
+  bool operator==(const HistoryEvent&) const = default;
+};
+
+/// What kind of thing outside has failed.
+enum class IncidentKind : std::uint8_t { Line = 0, Sound = 1, Disk = 2, Sleep = 3, ClockStep = 4, Crash = 5 };
+inline constexpr int kIncidentKinds = 6;
+
+/// Something outside that failed. Kind and Began together name it: a row with the same two replaces the older.
+struct HistoryIncident {
+  IncidentKind Kind = IncidentKind::Line;
+  base::DateValue Began;
+  std::optional<base::DateValue> Ended;  ///< nothing while it lasts, and if nobody saw its end
+  std::int64_t Seconds = 0;              ///< that really passed until its end, whatever the wall clock showed
+  std::string Cause;                     ///< one line
+
+  bool operator==(const HistoryIncident&) const = default;
+};
+
+/// One run of the program. Began names it: a row with the same moment replaces the older.
+struct HistoryRun {
+  base::DateValue Began;
+  base::DateValue Alive;  ///< when it was last heard of
+  bool Closed = false;    ///< it ended by itself; if not, and another run follows, it was killed or crashed
+
+  bool operator==(const HistoryRun&) const = default;
+};
+
+/// What a channel played.
+struct HistoryPlay {
+  std::int16_t Channel = 0;
+  std::string Station;
+  std::string Genre;
+  std::string Artist;
+  std::string Title;
+  base::DateValue From;  ///< when it was first heard of, which is some time after its beginning
+  base::DateValue To;
+
+  bool operator==(const HistoryPlay&) const = default;
+};
+
+struct HistoryRows {
+  std::vector<HistorySong> Songs;
+  std::vector<HistoryEvent> Events;
+  std::vector<HistoryIncident> Incidents;
+  std::vector<HistoryRun> Runs;
+  std::vector<HistoryPlay> Plays;
+
+  [[nodiscard]] std::size_t Count() const {
+    return Songs.size() + Events.size() + Incidents.size() + Runs.size() + Plays.size();
+  }
+
+  bool operator==(const HistoryRows&) const = default;
+};
+
+}  // namespace kestrune::platform

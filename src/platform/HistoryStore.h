@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/DateValue.h"
+#include "base/Result.h"
+#include "platform/HistoryRows.h"
+
+namespace kestrune::platform {
+
+/// A search in what the channels have played.
+struct HistorySearch {
+  std::string Text;          ///< words; each must stand in artist or title, case aside. Empty: all
+  std::int16_t Channel = 0;  ///< 0: all
+  std::optional<base::DateValue> Since;  ///< only what began then or later
+  std::size_t Limit = 50;                ///< at most so many, the newest
+
+  bool operator==(const HistorySearch&) const = default;
+};
+
+/// Keeps what happened for 90 days, or less if it takes too much room, and answers questions about it. Used from the
+/// main thread.
+///
+/// 1. No call waits: not for the disk, and not for another call. What is handed over is kept within a second or so.
+///    Rows that belong to a name replace the row of that name; a play replaces the one of the same text that began on
+///    the same channel at the same second.
+/// 2. Each question is answered exactly once, from the event loop and never within the call, in the order of asking;
+///    from a store that is destroyed no answer comes. A question does not wait for what was just handed over.
+/// 3. What cannot be written is kept for a while, plays for a shorter time than the rest, and tried again with what
+///    is handed over next.
+/// 4. Failures of writing are told to the handler, from the event loop, once until it works again. So is that the
+///    record could not be read and a new one was begun: the old one is put aside, never deleted.
+/// 5. Destroying the object writes what it still has, if the disk takes it.
+class HistoryStore {
+ public:
+  virtual ~HistoryStore() = default;
+
+  virtual void Write(HistoryRows rows) = 0;
+
+  using RowsAnswer = std::function<void(const base::Result& asked, const HistoryRows& rows)>;
+  /// What ended in the span, lies in it or reaches into it, both ends included: songs, events, incidents and runs,
+  /// each kind in the order of the beginnings (of an event, its due moments), the newest 50,000 of it. No plays.
+  virtual void ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) = 0;
+
+  using PlaysAnswer = std::function<void(const base::Result& asked, const std::vector<HistoryPlay>& plays)>;
+  /// Newest beginning first.
+  virtual void Search(HistorySearch search, PlaysAnswer answer) = 0;
+
+  /// Takes one line for the log.
+  using TroubleHandler = std::function<void(const std::string& line)>;
+  /// An empty handler ends the reports.
+  virtual void SetTroubleHandler(TroubleHandler handler) = 0;
+};
+
+}  // namespace kestrune::platform
