@@ -17,8 +17,8 @@
 
 #include "base/Ignored.h"
 #include "presenters/ChannelChooser.h"
+#include "presenters/WindowTable.h"
 #include "radio/channels/ChannelsFixture.h"
-#include "recorder/WindowTable.h"
 #include "windows/UnitWindowsRig.h"
 #include "windows/frmChannels.h"
 
@@ -47,9 +47,9 @@ class AllWindows {
       PlayNext(channel);
     }
     rig_.Unit.StartIdle();
-    for (const recorder::WindowRow& row : recorder::WindowTable()) rig_.Desktop.Show(row.Name);
+    for (const presenters::WindowRow& row : presenters::WindowTable()) rig_.Desktop.Show(row.Name);
     rig_.Run(200ms);
-    for (const recorder::WindowRow& row : recorder::WindowTable()) {
+    for (const presenters::WindowRow& row : presenters::WindowTable()) {
       const recorder::WindowName name = row.Name;
       if (!rig_.Shows(name)) throw std::runtime_error("a window is missing");
     }

@@ -5,7 +5,7 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
-#include "recorder/Explanation.h"
+#include "presenters/Explanation.h"
 #include "schedule/entries/ReloadSchedule.h"
 
 namespace kestrune::recorder {
@@ -72,7 +72,7 @@ Kestrune::Kestrune(const Outside& outside)
                       [this] { return state_.Recording.GetRecordingStatus(); }),
       nowScreen_(channels_, presets_, outside.Loop,
                  [this] {
-                   const MainWindow window = Window();
+                   const presenters::MainWindow window = Window();
                    return presenters::NowLines{.lblChannel = window.lblChannel.Caption,
                                                .lblArtist = window.lblArtist.Caption,
                                                .lblSong = window.lblSong.Caption};
@@ -120,7 +120,7 @@ void Kestrune::mnuReload_Click() {
 }
 
 std::string Kestrune::Explanation() const {
-  return ExplainRecording(state_, restrictions_);
+  return presenters::ExplainRecording(state_, restrictions_);
 }
 
 void Kestrune::AudioRecord_Timer() {

@@ -15,11 +15,16 @@
 #include "presenters/ChannelChooser.h"
 #include "presenters/ConfigurationAccess.h"
 #include "presenters/GrabKill.h"
+#include "presenters/LevelMeter.h"
+#include "presenters/MainWindow.h"
 #include "presenters/NowScreen.h"
+#include "presenters/OptionRules.h"
 #include "presenters/PresetSetup.h"
 #include "presenters/Presets.h"
+#include "presenters/ResizeRule.h"
 #include "presenters/RestrictListEditor.h"
 #include "presenters/Scheduler.h"
+#include "presenters/WindowSwitches.h"
 #include "radio/channels/Channels.h"
 #include "radio/channels/RadioState.h"
 #include "radio/line/BringUp.h"
@@ -32,12 +37,8 @@
 #include "recorder/Disposition.h"
 #include "recorder/Door.h"
 #include "recorder/InputDevices.h"
-#include "recorder/LevelMeter.h"
-#include "recorder/MainWindow.h"
-#include "recorder/OptionRules.h"
 #include "recorder/Outside.h"
 #include "recorder/RecordCommands.h"
-#include "recorder/ResizeRule.h"
 #include "recorder/SchedulePass.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/SongFiles.h"
@@ -46,7 +47,6 @@
 #include "recorder/StayAwake.h"
 #include "recorder/UpdateCommand.h"
 #include "recorder/UpdateCycle.h"
-#include "recorder/WindowSwitches.h"
 #include "recorder/Wishes.h"
 #include "schedule/entries/EntryEditors.h"
 #include "schedule/lists/Restrictions.h"
@@ -90,7 +90,7 @@ class Kestrune final : private radio::ChannelEvents {
   /// Entries 1 to 10 at indices 0 to 9, as the last ReloadSchedule left them.
   [[nodiscard]] const schedule::ScheduleEntries& Entries() const { return state_.Entries; }
   /// What the main window shows now.
-  [[nodiscard]] MainWindow Window() const { return ShowState(state_, window_); }
+  [[nodiscard]] presenters::MainWindow Window() const { return presenters::ShowState(state_, window_); }
   [[nodiscard]] bool MayRecord() const { return state_.MayRecord(); }
   [[nodiscard]] bool MayStop() const { return state_.MayStop(); }
   [[nodiscard]] const config::Settings& CurrentSettings() const { return state_.Settings; }
@@ -162,13 +162,13 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] presenters::ConfigurationAccess ConfigurationAccess();
 
   // The rules of the main window.
-  [[nodiscard]] OptionRules& Options() { return options_; }
-  [[nodiscard]] WindowSwitches& Switches() { return switches_; }
-  [[nodiscard]] ResizeRule& Resize() { return resize_; }
-  [[nodiscard]] LevelMeter& AudioDisplay() { return audioDisplay_; }
+  [[nodiscard]] presenters::OptionRules& Options() { return options_; }
+  [[nodiscard]] presenters::WindowSwitches& Switches() { return switches_; }
+  [[nodiscard]] presenters::ResizeRule& Resize() { return resize_; }
+  [[nodiscard]] presenters::LevelMeter& AudioDisplay() { return audioDisplay_; }
   /// The record of the main window, for what only the window knows: its place, state and visibility, and
   /// whether there is a tray icon.
-  [[nodiscard]] MainWindow& WindowRecord() { return window_; }
+  [[nodiscard]] presenters::MainWindow& WindowRecord() { return window_; }
   /// What becomes of the song that plays, and why.
   [[nodiscard]] std::string Explanation() const;
   void mnuReload_Click();
@@ -226,7 +226,7 @@ class Kestrune final : private radio::ChannelEvents {
 
   State state_;
   schedule::EntryEditors entryEditors_;
-  MainWindow window_;
+  presenters::MainWindow window_;
   config::SettingsSection section_;
   std::string multiUnit_;
   InputDevices inputDevices_;
@@ -257,10 +257,10 @@ class Kestrune final : private radio::ChannelEvents {
   SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;
-  LevelMeter audioDisplay_;
-  OptionRules options_;
-  WindowSwitches switches_;
-  ResizeRule resize_;
+  presenters::LevelMeter audioDisplay_;
+  presenters::OptionRules options_;
+  presenters::WindowSwitches switches_;
+  presenters::ResizeRule resize_;
   presenters::Presets presets_;
   presenters::PresetSetup presetSetup_;
   presenters::ChannelChooser channelChooser_;

@@ -82,7 +82,7 @@ void Kestrune::DrainPort() {
 }
 
 void Kestrune::SaveAtExit() {
-  if (window_.State == WindowState::Normal) {
+  if (window_.State == presenters::WindowState::Normal) {
     base::Ignored(section_.SaveSingle("MainTop", window_.Top));
     base::Ignored(section_.SaveSingle("MainLeft", window_.Left));
   }

@@ -26,7 +26,7 @@ QColor WarningColour(const QPalette& palette) {
   return QColor::fromHsl(2, 200, dark ? 165 : 100);
 }
 
-AudioDisplay::AudioDisplay(recorder::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
+AudioDisplay::AudioDisplay(presenters::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   setAccessibleName(QStringLiteral("Level of the sound"));
   // It repaints ten times a second; opaque, so that what is behind it need not be painted too.
@@ -71,15 +71,15 @@ void AudioDisplay::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(Qt::NoPen);
   const QRectF room = frame.adjusted(6, 5, -6, -5);
   switch (meter_.Type()) {
-    case recorder::VuType::Bars:
+    case presenters::VuType::Bars:
       return PaintBars(painter, room);
-    case recorder::VuType::Needles:
+    case presenters::VuType::Needles:
       return PaintNeedles(painter, room);
-    case recorder::VuType::Wave:
+    case presenters::VuType::Wave:
       return PaintWave(painter, room);
-    case recorder::VuType::Spectrum:
+    case presenters::VuType::Spectrum:
       return PaintSpectrum(painter, room);
-    case recorder::VuType::History:
+    case presenters::VuType::History:
       return PaintHistory(painter, room);
   }
 }
@@ -94,7 +94,7 @@ void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
   const double height = std::min((room.height() - scaleHeight - gap * channels) / channels, 26.0);
   const double top = room.top() + (room.height() - scaleHeight - (height + gap) * channels) / 2;
   for (std::size_t c = 0; c < meter_.ChannelCount(); ++c) {
-    const recorder::LevelMeter::Channel& channel = meter_.Channels().at(c);
+    const presenters::LevelMeter::Channel& channel = meter_.Channels().at(c);
     const QRectF bar(room.left(), top + static_cast<double>(c) * (height + gap), room.width(), height);
     painter.fillRect(bar, Faint());
     const auto part = [&bar](double from, double to) {

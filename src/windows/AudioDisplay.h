@@ -3,7 +3,7 @@
 #include <QWidget>
 #include <cstdint>
 
-#include "recorder/LevelMeter.h"
+#include "presenters/LevelMeter.h"
 
 namespace kestrune::windows {
 
@@ -11,7 +11,7 @@ namespace kestrune::windows {
 class AudioDisplay final : public QWidget {
  public:
   /// The meter must outlive the display; it draws only while there is a display.
-  explicit AudioDisplay(recorder::LevelMeter& meter, QWidget* parent = nullptr);
+  explicit AudioDisplay(presenters::LevelMeter& meter, QWidget* parent = nullptr);
   ~AudioDisplay() override;
   AudioDisplay(const AudioDisplay&) = delete;
   AudioDisplay& operator=(const AudioDisplay&) = delete;
@@ -34,9 +34,9 @@ class AudioDisplay final : public QWidget {
   [[nodiscard]] QColor Loud() const;
   [[nodiscard]] QColor Faint() const;
 
-  recorder::LevelMeter& meter_;
+  presenters::LevelMeter& meter_;
   std::uint32_t drawn_ = 0;
-  recorder::VuType shown_ = recorder::VuType::Bars;
+  presenters::VuType shown_ = presenters::VuType::Bars;
 };
 
 /// A red that is legible on the palette's background, dark or light.

@@ -12,7 +12,7 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 #include "windows/Binding.h"
 #include "windows/Placement.h"
 #include "windows/ProgramIcon.h"
@@ -28,7 +28,7 @@ constexpr int kRefreshesPerTrayCheck = 20;
 constexpr qsizetype kTrayTipLetters = 64;
 
 bool IsPermanent(WindowName name) {
-  return recorder::RowOf(name).Permanent;
+  return presenters::RowOf(name).Permanent;
 }
 
 void Raise(QWidget& window) {
@@ -37,9 +37,9 @@ void Raise(QWidget& window) {
   window.activateWindow();
 }
 
-recorder::WindowState StateOf(const QWidget& window) {
-  if (window.isMinimized()) return recorder::WindowState::Minimized;
-  return InNormalState(window) ? recorder::WindowState::Normal : recorder::WindowState::Maximized;
+presenters::WindowState StateOf(const QWidget& window) {
+  if (window.isMinimized()) return presenters::WindowState::Minimized;
+  return InNormalState(window) ? presenters::WindowState::Normal : presenters::WindowState::Maximized;
 }
 
 }  // namespace
@@ -111,9 +111,9 @@ void Desktop::Refresh() {
 // The main window.
 
 void Desktop::ReadMainWindow() {
-  recorder::MainWindow& record = unit_->WindowRecord();
+  presenters::MainWindow& record = unit_->WindowRecord();
   record.State = StateOf(*main_);
-  if (record.State != recorder::WindowState::Normal || !main_->isVisible()) return;
+  if (record.State != presenters::WindowState::Normal || !main_->isVisible()) return;
   const Place place = PlaceOf(*main_);
   record.Top = place.Top;
   record.Left = place.Left;
@@ -207,7 +207,7 @@ void Desktop::RemoveTrayIcon() {
 }
 
 void Desktop::ShowTray() {
-  recorder::MainWindow& record = unit_->WindowRecord();
+  presenters::MainWindow& record = unit_->WindowRecord();
   if (tray_ == nullptr) {
     record.TrayIcon = false;
     return;
@@ -252,7 +252,7 @@ void Desktop::ShowAbout() {
 }
 
 void Desktop::LoadChannelsWindow() {
-  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+  for (const presenters::WindowRow& row : presenters::WindowTable()) {
     if (row.Permanent && makers_.contains(row.Name)) base::Ignored(Load(row.Name));
   }
 }
@@ -434,7 +434,7 @@ void Desktop::HideAll() {
 }
 
 void Desktop::UnloadChannelsAndLog() {
-  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+  for (const presenters::WindowRow& row : presenters::WindowTable()) {
     Kept* kept = row.Permanent ? Find(row.Name) : nullptr;
     if (kept == nullptr) continue;
     kept->Window->Quit();

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 
 namespace kestrune::windows {
 namespace {
@@ -13,8 +13,8 @@ namespace {
 bool IsMenuKey(char letter) {
   constexpr std::string_view kCommands = "DGKQRSUY";
   return kCommands.find(letter) != std::string_view::npos ||
-         std::ranges::find(recorder::WindowTable(), letter, &recorder::WindowRow::Key) !=
-             recorder::WindowTable().end();
+         std::ranges::find(presenters::WindowTable(), letter, &presenters::WindowRow::Key) !=
+             presenters::WindowTable().end();
 }
 
 }  // namespace

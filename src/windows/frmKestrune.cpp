@@ -19,7 +19,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
 #include "windows/ElidedLabel.h"
@@ -28,7 +28,7 @@
 namespace kestrune::windows {
 namespace {
 
-using recorder::MainWindow;
+using presenters::MainWindow;
 using recorder::WindowName;
 
 constexpr int kSongLetters = 34;
@@ -146,7 +146,7 @@ void frmKestrune::MakeMenus() {
 
   QMenu& options = addMenu("mnuOptions", "&Options");
   const auto addWindow = [&](WindowName name) {
-    const recorder::WindowRow& window = recorder::RowOf(name);
+    const presenters::WindowRow& window = presenters::RowOf(name);
     std::string key;
     if (window.Key != '\0') key = std::string("Ctrl+") + window.Key;
     std::function<void()> chosen = show(name);
@@ -387,39 +387,39 @@ QWidget* frmKestrune::MakeBoxes() {
   auto* row = new QHBoxLayout(both);
   row->setContentsMargins(0, 0, 0, 0);
   /// The box of an option: what the user did is a wish.
-  const auto option = [this](void (recorder::OptionRules::*rule)(bool)) {
+  const auto option = [this](void (presenters::OptionRules::*rule)(bool)) {
     return [this, rule](bool on) { AskFor([&rules = unit_.Options(), rule, on] { (rules.*rule)(on); }); };
   };
-  recorder::WindowSwitches& switches = unit_.Switches();
+  presenters::WindowSwitches& switches = unit_.Switches();
 
   auto* options = new QGroupBox(tr("Options"), both);
   auto* left = new QGridLayout(options);
   left->addWidget(AddBox("chkIntegrel", "Integrel", "Ensure only complete songs are recorded", "mnuIntegrel",
-                         &MainWindow::chkIntegrel, option(&recorder::OptionRules::chkIntegrel_Click)),
+                         &MainWindow::chkIntegrel, option(&presenters::OptionRules::chkIntegrel_Click)),
                   0, 0);
   left->addWidget(AddBox("chkSievanceGrab", "Grab List On",
                          "Check to cause Kestrune to record only those artists or songs which appear in the "
                          "grab lists",
                          "mnuSievanceGrab", &MainWindow::chkSievanceGrab,
-                         option(&recorder::OptionRules::chkSievanceGrab_Click)),
+                         option(&presenters::OptionRules::chkSievanceGrab_Click)),
                   1, 0);
   left->addWidget(AddBox("chkSievanceKill", "Kill List On",
                          "Check to cause Kestrune to never record those artists or songs which appear in the "
                          "kill lists",
                          "mnuSievanceKill", &MainWindow::chkSievanceKill,
-                         option(&recorder::OptionRules::chkSievanceKill_Click)),
+                         option(&presenters::OptionRules::chkSievanceKill_Click)),
                   2, 0);
   left->addWidget(
       AddBox("chkRadioOnAtExit", "Radio On At Exit",
              "Check to cause Kestrune to leave the radio on and playing when exiting", "mnuRadioOnAtExit",
-             &MainWindow::chkRadioOnAtExit, option(&recorder::OptionRules::chkRadioOnAtExit_Click)),
+             &MainWindow::chkRadioOnAtExit, option(&presenters::OptionRules::chkRadioOnAtExit_Click)),
       0, 1);
 
   auto* windows = new QGroupBox(tr("Windows"), both);
   auto* right = new QGridLayout(windows);
   constexpr int kRows = 3;
   int place = 0;
-  for (const recorder::WindowRow& window : recorder::WindowTable()) {
+  for (const presenters::WindowRow& window : presenters::WindowTable()) {
     if (window.Checked == nullptr) continue;
     QCheckBox* box = AddBox(window.Box, window.BoxText, window.BoxTip, window.Entry, window.Checked,
                             [&switches, name = window.Name](bool on) { switches.Click(name, on); });
@@ -456,8 +456,8 @@ void frmKestrune::Refresh(const MainWindow& record) {
   ShowText(*lblSong_, Undoubled(record.lblSong.Caption));
   ShowStatus(record);
 
-  const std::array<const recorder::SignalBar*, 3> bars = {&record.pbrSatSignal[0], &record.pbrSatSignal[1],
-                                                          &record.pbrTerSignal};
+  const std::array<const presenters::SignalBar*, 3> bars = {&record.pbrSatSignal[0], &record.pbrSatSignal[1],
+                                                            &record.pbrTerSignal};
   for (std::size_t i = 0; i < bars.size(); ++i) {
     const int value = std::clamp(bars.at(i)->Value, 0, kBarEnd);
     const QString caption = ToQt(bars.at(i)->Caption);

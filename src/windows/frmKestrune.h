@@ -48,7 +48,7 @@ class frmKestrune final : public QMainWindow {
   /// Shows the unit as it is now.
   void Refresh();
   /// Shows the record, and the presets and levels of now.
-  void Refresh(const recorder::MainWindow& record);
+  void Refresh(const presenters::MainWindow& record);
   /// Acts on a key in HotKeyOf's numbering, pressed here or in another window.
   void PressHotKey(int key);
 
@@ -66,7 +66,7 @@ class frmKestrune final : public QMainWindow {
   struct Box {
     QCheckBox* Control;
     QAction* Entry;
-    bool recorder::MainWindow::*Checked;
+    bool presenters::MainWindow::*Checked;
   };
 
   /// What the look of a preset button depends on; it is kept because eliding the text is slow.
@@ -88,13 +88,13 @@ class frmKestrune final : public QMainWindow {
   [[nodiscard]] QWidget* MakePresets();
   [[nodiscard]] QWidget* MakeBoxes();
   QCheckBox* AddBox(const char* name, const char* caption, const char* tip, const char* entry,
-                    bool recorder::MainWindow::*checked, std::function<void(bool)> rule);
+                    bool presenters::MainWindow::*checked, std::function<void(bool)> rule);
   QAction* AddEntry(QMenu& menu, const char* name, const char* caption, std::function<void()> chosen,
                     const char* key = "");
   void ShowPresets();
   void ShowPreset(QPushButton& button, std::size_t number, const PresetFace& face) const;
-  void ShowStatus(const recorder::MainWindow& record);
-  void ShowMenus(const recorder::MainWindow& record);
+  void ShowStatus(const presenters::MainWindow& record);
+  void ShowMenus(const presenters::MainWindow& record);
 
   recorder::Kestrune& unit_;
 

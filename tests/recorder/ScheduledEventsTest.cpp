@@ -82,7 +82,7 @@ class ScheduledEventsTest : public ::testing::Test {
     return lines;
   }
   [[nodiscard]] int Active() { return rig->Schedule().ActiveSchedule; }
-  [[nodiscard]] recorder::MainWindow Window() { return rig->Window(); }
+  [[nodiscard]] presenters::MainWindow Window() { return rig->Window(); }
 };
 
 TEST_F(ScheduledEventsTest, AnEmptyStoreGivesDisabledEntriesAndNothingHappens) {

@@ -42,7 +42,7 @@ class DesktopRig {
     Unit.Run(time);
     QCoreApplication::processEvents();
   }
-  [[nodiscard]] recorder::MainWindow& Record() { return Unit->WindowRecord(); }
+  [[nodiscard]] presenters::MainWindow& Record() { return Unit->WindowRecord(); }
 
   UnitRig Unit;
   RecordingShell Shell;

@@ -122,7 +122,7 @@ void Play(Stage& stage) {
 
 void TakeMain(Stage& stage) {
   Play(stage);
-  recorder::MainWindow record = stage.Rig.Unit->Window();
+  presenters::MainWindow record = stage.Rig.Unit->Window();
   const auto take = [&stage, &record](const char* name) {
     // Longer than any radio sends.
     if (stage.Extreme) {

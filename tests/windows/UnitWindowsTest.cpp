@@ -16,7 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 #include "windows/Controls.h"
 #include "windows/UnitWindowsRig.h"
 
@@ -25,7 +25,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using platform::MessageAnswer;
-using recorder::MainWindow;
+using presenters::MainWindow;
 using recorder::StartOutcome;
 using recorder::WindowName;
 using ::testing::HasSubstr;
@@ -74,7 +74,7 @@ class UnitWindowsTest : public ::testing::Test {
     rig.Choose("mnuPresets");
     rig.Choose("mnuPreferences");
     rig.Find<QPushButton>("cmdMixer").click();
-    for (const recorder::WindowRow& row : recorder::WindowTable()) ASSERT_TRUE(rig.Shows(row.Name));
+    for (const presenters::WindowRow& row : presenters::WindowTable()) ASSERT_TRUE(rig.Shows(row.Name));
   }
   /// Changes an entry of the scheduler that then waits for its save.
   void ChangeTheSchedule() { Find<QCheckBox>(rig.Window(WindowName::Schedule), "chkGrab_2").click(); }
@@ -493,7 +493,7 @@ TEST_F(UnitWindowsTest, EveryEntryOpensSomethingThatIsThere) {
   rig.Run(1s);
   for (const platform::Message& message : rig.Unit.Dialogs.Shown)
     EXPECT_THAT(message.Text, Not(HasSubstr("later")));
-  for (const recorder::WindowRow& row : recorder::WindowTable()) {
+  for (const presenters::WindowRow& row : presenters::WindowTable()) {
     const recorder::WindowName name = row.Name;
     if (name != WindowName::Mixer) {
       EXPECT_TRUE(rig.Shows(name)) << static_cast<int>(name);

@@ -208,7 +208,7 @@ TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
     }
     return all;
   };
-  recorder::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit->Window();
   record.lblRecording = {.Caption = "x", .Visible = true};
   rig.Main().Refresh(record);
   QCoreApplication::processEvents();
@@ -283,7 +283,7 @@ TEST_F(frmKestruneTest, TheSignalBarsTakeThirtyForEachPercent) {
 
 TEST_F(frmKestruneTest, ASignalBeyondTheBarFillsIt) {
   rig.Unit.Start();
-  recorder::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit->Window();
   record.pbrTerSignal = {.Value = 255 * 30, .Caption = "255%"};
   rig.Main().Refresh(record);
   EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").value(), 3000);
@@ -414,7 +414,7 @@ TEST_F(frmKestruneTest, TheLevelDisplayGoesThroughItsFiveTypes) {
     Press("cmdVUType");
   }
   EXPECT_THAT(types, SizeIs(5));
-  EXPECT_EQ(rig.Unit->AudioDisplay().Type(), recorder::VuType::Bars);
+  EXPECT_EQ(rig.Unit->AudioDisplay().Type(), presenters::VuType::Bars);
   EXPECT_GT(rig.Unit->AudioDisplay().Draws(), 10U) << "of the sound that is captured";
 }
 
@@ -437,7 +437,7 @@ TEST_F(frmKestruneTest, AScheduledEventShowsItsMarkAndTheTimeLeft) {
   rig.Unit.StartIdle();
   EXPECT_TRUE(Hidden("pctTimer"));
   EXPECT_TRUE(Hidden("lblRemaining"));
-  recorder::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit->Window();
   record.pctTimer.Visible = true;
   record.lblRemaining = {.Caption = "01:02:03", .Visible = true};
   rig.Main().Refresh(record);

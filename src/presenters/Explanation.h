@@ -5,10 +5,11 @@
 #include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// One short line for the user that says what becomes of the song that plays, and why. It follows from the
 /// state alone and decides nothing.
-[[nodiscard]] std::string ExplainRecording(const State& state, const schedule::Restrictions& restrictions);
+[[nodiscard]] std::string ExplainRecording(const recorder::State& state,
+                                           const schedule::Restrictions& restrictions);
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -1,11 +1,11 @@
-#include "recorder/LevelMeter.h"
+#include "presenters/LevelMeter.h"
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
 #include <numbers>
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 namespace {
 
 constexpr float kFullScale = 32768;
@@ -142,4 +142,4 @@ void LevelMeter::DrawBands(std::span<const std::int16_t> samples, std::int32_t r
   }
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -5,14 +5,14 @@
 #include <string_view>
 
 #include "config/settings/Settings.h"
-#include "recorder/MainWindow.h"
+#include "presenters/MainWindow.h"
 #include "recorder/WindowName.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// One window that the main window opens.
 struct WindowRow {
-  WindowName Name;
+  recorder::WindowName Name;
   /// Its entry in the menu of the main window, with "&" before the letter that chooses it; empty if it has
   /// none.
   const char* Entry = "";
@@ -33,6 +33,6 @@ struct WindowRow {
 
 /// All of them, in the order of the check boxes, then those without.
 [[nodiscard]] std::span<const WindowRow> WindowTable();
-[[nodiscard]] const WindowRow& RowOf(WindowName name);
+[[nodiscard]] const WindowRow& RowOf(recorder::WindowName name);
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

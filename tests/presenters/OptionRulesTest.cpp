@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "recorder/OptionRules.h"
+#include "presenters/OptionRules.h"
 #include "support/ScriptedDialogs.h"
 #include "support/SettingsRig.h"
 #include "support/SimulatedEventLoop.h"
@@ -30,7 +30,7 @@ class OptionRulesTest : public ::testing::Test {
   SimulatedEventLoop loop;
   recorder::Door door{loop};
   recorder::Boxes boxes{dialogs, door};
-  recorder::OptionRules rules{rig.Door, run, boxes};
+  presenters::OptionRules rules{rig.Door, run, boxes};
 };
 
 TEST_F(OptionRulesTest, UncheckingIntegrelAsksFirst) {

@@ -1,11 +1,11 @@
-#include "recorder/MainWindow.h"
+#include "presenters/MainWindow.h"
 
 #include <fmt/format.h>
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 namespace {
 
 // The bars of the window run from 0 to 3000.
@@ -19,7 +19,7 @@ SignalBar Bar(std::int16_t percent) {
   return {.Value = percent * kBarUnitsPerPercent, .Caption = fmt::format("{}%", percent)};
 }
 
-void ShowAnnouncement(const Announcement& announcement, MainWindow& window) {
+void ShowAnnouncement(const recorder::Announcement& announcement, MainWindow& window) {
   if (announcement.Channel != 0) {
     window.lblChannel.Caption =
         fmt::format("{}: {}", announcement.Channel, base::DoubleAmpersands(announcement.Station));
@@ -38,8 +38,8 @@ void ShowAnnouncement(const Announcement& announcement, MainWindow& window) {
   }
 }
 
-void ShowRecording(const State& state, MainWindow& window) {
-  const RecordingState& recording = state.Recording;
+void ShowRecording(const recorder::State& state, MainWindow& window) {
+  const recorder::RecordingState& recording = state.Recording;
   window.lblRecording = {.Caption = std::string(StatusText(recording.Phase)),
                          .Visible = state.Clock.StatusShown};
   window.lblClock = {.Caption = Elapsed(state.Clock.CaptureSeconds), .Visible = recording.ShowsLength()};
@@ -68,7 +68,7 @@ void ShowOptions(const config::Settings& settings, MainWindow& window) {
 
 }  // namespace
 
-MainWindow ShowState(const State& state, MainWindow window) {
+MainWindow ShowState(const recorder::State& state, MainWindow window) {
   ShowAnnouncement(state.Announcement, window);
   ShowRecording(state, window);
   ShowOptions(state.Settings, window);
@@ -76,22 +76,22 @@ MainWindow ShowState(const State& state, MainWindow window) {
   return window;
 }
 
-std::string_view StatusText(Phase phase) {
+std::string_view StatusText(recorder::Phase phase) {
   switch (phase) {
-    case Phase::Idle:
+    case recorder::Phase::Idle:
       return "";
-    case Phase::WaitingForChannelLoad:
+    case recorder::Phase::WaitingForChannelLoad:
       return "Waiting for channel load";
-    case Phase::WaitingForNextSong:
+    case recorder::Phase::WaitingForNextSong:
       return "Waiting for next song";
-    case Phase::Recording:
+    case recorder::Phase::Recording:
       return "Recording";
-    case Phase::Grabbed:
+    case recorder::Phase::Grabbed:
       return "Recording (Grabbed)";
-    case Phase::Killed:
+    case recorder::Phase::Killed:
       return "Recording (Killed)";
   }
   return "";
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -6,7 +6,7 @@
 #include "config/settings/SettingsDoor.h"
 #include "recorder/Boxes.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// The recording options of the main window: check boxes and menu entries of the same names, which always
 /// show the same. A change is stored at once, but for the two list switches, which are stored at exit; while
@@ -14,7 +14,7 @@ namespace kestrune::recorder {
 class OptionRules {
  public:
   /// All must outlive the object.
-  OptionRules(config::SettingsDoor& settings, const base::RunState& run, Boxes& boxes)
+  OptionRules(config::SettingsDoor& settings, const base::RunState& run, recorder::Boxes& boxes)
       : settings_(settings), run_(run), boxes_(boxes) {}
 
   /// Asks before whole songs are given up; until the answer is Yes all stays as it was.
@@ -32,7 +32,7 @@ class OptionRules {
 
   config::SettingsDoor& settings_;
   const base::RunState& run_;
-  Boxes& boxes_;
+  recorder::Boxes& boxes_;
 };
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

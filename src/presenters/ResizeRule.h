@@ -2,17 +2,17 @@
 
 #include "base/RunState.h"
 #include "config/settings/Settings.h"
-#include "recorder/MainWindow.h"
+#include "presenters/MainWindow.h"
 #include "recorder/Windows.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// The other windows follow the main window: minimised, it takes them along, and itself leaves the task bar
 /// if the user wants it in the tray only. It runs at each resize and ten times a second.
 class ResizeRule {
  public:
   /// All must outlive the object.
-  ResizeRule(MainWindow& window, Windows& windows, const config::Settings& settings,
+  ResizeRule(MainWindow& window, recorder::Windows& windows, const config::Settings& settings,
              const base::RunState& run)
       : window_(window), windows_(windows), settings_(settings), run_(run) {}
 
@@ -20,7 +20,7 @@ class ResizeRule {
 
  private:
   MainWindow& window_;
-  Windows& windows_;
+  recorder::Windows& windows_;
   const config::Settings& settings_;
   const base::RunState& run_;
 };
@@ -31,4 +31,4 @@ class ResizeRule {
   return settings.TaskBarMinimized || !window.TrayIcon;
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -7,7 +7,7 @@
 
 #include "platform/PcmFormat.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// How AudioDisplay draws the sound; a button of the main window goes from one to the next.
 enum class VuType : std::uint8_t {
@@ -80,4 +80,4 @@ class LevelMeter {
   std::array<float, kHistory> history_{};
 };
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -1,15 +1,15 @@
-#include "recorder/Explanation.h"
+#include "presenters/Explanation.h"
 
 #include <cstddef>
 
 #include "recorder/Modes.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
-std::string ExplainRecording(const State& state, const schedule::Restrictions& restrictions) {
-  const RecordingState& recording = state.Recording;
-  const Modes modes(state);
-  if (recording.Phase == Phase::WaitingForChannelLoad) {
+std::string ExplainRecording(const recorder::State& state, const schedule::Restrictions& restrictions) {
+  const recorder::RecordingState& recording = state.Recording;
+  const recorder::Modes modes(state);
+  if (recording.Phase == recorder::Phase::WaitingForChannelLoad) {
     return "Recording begins once the channels are loaded.";
   }
   if (state.Radio.ChannelsLoading) return "The radio's channels are being loaded.";
@@ -19,12 +19,12 @@ std::string ExplainRecording(const State& state, const schedule::Restrictions& r
     return modes.CheckCleftune() ? "Whole songs only: it begins with the next song."
                                  : "Whole songs only, but songs are not split: press Stop.";
   }
-  const CaptureOutcome& outcome =
+  const recorder::CaptureOutcome& outcome =
       recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].Outcome;
   if (const std::string why = outcome.Failure(); !why.empty())
     return "This song is not being written: " + why + ".";
   // What the lists are asked about at the end is the song with which the capture began.
-  const bool known = recording.LastArtist != kNoSong || recording.LastSong != kNoSong;
+  const bool known = recording.LastArtist != recorder::kNoSong || recording.LastSong != recorder::kNoSong;
   if (known && modes.CheckGrab() && !restrictions.IsInGrabList(recording.LastArtist, recording.LastSong)) {
     return "Not in the Grab list: it will be deleted at its end.";
   }
@@ -37,4 +37,4 @@ std::string ExplainRecording(const State& state, const schedule::Restrictions& r
   return modes.CheckCleftune() ? "This song is kept from its beginning." : "All songs go into one file.";
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -6,7 +6,7 @@
 
 #include "recorder/State.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 struct Label {
   std::string Caption;
@@ -78,9 +78,9 @@ struct MainWindow {
 
 /// The main window in this state: the record of what only the window knows (its place, state and visibility, the
 /// tray icon, the open windows) with everything else derived from the state.
-[[nodiscard]] MainWindow ShowState(const State& state, MainWindow window);
+[[nodiscard]] MainWindow ShowState(const recorder::State& state, MainWindow window);
 
 /// The text of the status label.
-[[nodiscard]] std::string_view StatusText(Phase phase);
+[[nodiscard]] std::string_view StatusText(recorder::Phase phase);
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

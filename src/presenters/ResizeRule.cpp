@@ -1,8 +1,8 @@
-#include "recorder/ResizeRule.h"
+#include "presenters/ResizeRule.h"
 
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 void ResizeRule::Apply() {
   if (run_.FormLoading || run_.ShuttingDown) return;
   const bool minimized = window_.State == WindowState::Minimized;
@@ -17,4 +17,4 @@ void ResizeRule::Apply() {
   }
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

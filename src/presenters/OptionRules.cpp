@@ -1,10 +1,10 @@
-#include "recorder/OptionRules.h"
+#include "presenters/OptionRules.h"
 
 #include <cstdint>
 
 #include "base/Ignored.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 namespace {
 
 constexpr std::int16_t CheckState(bool checked) {
@@ -60,4 +60,4 @@ void OptionRules::mnuCheckUpdatesAtStartup_Click() {
          "CheckUpdatesAtStartup");
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

@@ -1,15 +1,15 @@
-#include "recorder/WindowTable.h"
+#include "presenters/WindowTable.h"
 
 #include <algorithm>
 #include <iterator>
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 namespace {
 
 using config::Settings;
 
 constexpr WindowRow kWindows[] = {
-    {.Name = WindowName::Channels,
+    {.Name = recorder::WindowName::Channels,
      .Entry = "mnuChannels",
      .EntryText = "&Channel Listing",
      .Key = 'H',
@@ -21,7 +21,7 @@ constexpr WindowRow kWindows[] = {
      .Setting = &Settings::ChannelListing,
      .Permanent = true,
      .NeedsBoxToReturn = true},
-    {.Name = WindowName::Log,
+    {.Name = recorder::WindowName::Log,
      .Entry = "mnuLog",
      .EntryText = "Recording &Log",
      .Key = 'L',
@@ -33,7 +33,7 @@ constexpr WindowRow kWindows[] = {
      .Setting = &Settings::RecordLog,
      .Permanent = true,
      .NeedsBoxToReturn = true},
-    {.Name = WindowName::Schedule,
+    {.Name = recorder::WindowName::Schedule,
      .Entry = "mnuSchedule",
      .EntryText = "&Timer Schedule",
      .Key = 'T',
@@ -42,7 +42,7 @@ constexpr WindowRow kWindows[] = {
      .BoxTip = "Show/Hide timer schedule screen",
      .Checked = &MainWindow::chkSchedule,
      .NeedsBoxToReturn = true},
-    {.Name = WindowName::RestrictList,
+    {.Name = recorder::WindowName::RestrictList,
      .Entry = "mnuRestrictList",
      .EntryText = "Grab/Kill &Lists",
      .Key = 'B',
@@ -51,7 +51,7 @@ constexpr WindowRow kWindows[] = {
      .BoxTip = "Show/Hide grab/kill list screen",
      .Checked = &MainWindow::chkRestrictList,
      .NeedsBoxToReturn = true},
-    {.Name = WindowName::KestruneNow,
+    {.Name = recorder::WindowName::KestruneNow,
      .Entry = "mnuKestruneNow",
      .EntryText = "Kestrune &Now",
      .Key = 'W',
@@ -61,9 +61,9 @@ constexpr WindowRow kWindows[] = {
      .Checked = &MainWindow::chkKestruneNow,
      .SettingKey = "KestruneNow",
      .Setting = &Settings::KestruneNow},
-    {.Name = WindowName::Presets, .Entry = "mnuPresets", .EntryText = "Edit &Presets"},
-    {.Name = WindowName::Config, .Entry = "mnuPreferences", .EntryText = "&Configuration"},
-    {.Name = WindowName::Mixer, .HidesWithMain = false},
+    {.Name = recorder::WindowName::Presets, .Entry = "mnuPresets", .EntryText = "Edit &Presets"},
+    {.Name = recorder::WindowName::Config, .Entry = "mnuPreferences", .EntryText = "&Configuration"},
+    {.Name = recorder::WindowName::Mixer, .HidesWithMain = false},
 };
 
 }  // namespace
@@ -72,8 +72,8 @@ std::span<const WindowRow> WindowTable() {
   return kWindows;
 }
 
-const WindowRow& RowOf(WindowName name) {
+const WindowRow& RowOf(recorder::WindowName name) {
   return *std::ranges::find(kWindows, name, &WindowRow::Name);
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

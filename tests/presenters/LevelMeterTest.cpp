@@ -5,15 +5,15 @@
 
 #include <gtest/gtest.h>
 
-#include "recorder/LevelMeter.h"
+#include "presenters/LevelMeter.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {
 namespace {
 
 using namespace std::chrono_literals;
-using recorder::LevelMeter;
-using recorder::VuType;
+using presenters::LevelMeter;
+using presenters::VuType;
 
 constexpr platform::PcmFormat kStereo{.SampleRate = 44100, .Channels = 2};
 constexpr platform::PcmFormat kMono{.SampleRate = 44100, .Channels = 1};
@@ -42,7 +42,7 @@ std::size_t StrongestBand(const LevelMeter& meter) {
 TEST(LevelMeter, TheButtonGoesThroughFiveTypesAndBegins) {
   LevelMeter meter;
   EXPECT_EQ(meter.Type(), VuType::Bars);
-  for (int i = 1; i < recorder::kVuTypes; ++i) {
+  for (int i = 1; i < presenters::kVuTypes; ++i) {
     meter.NextType();
     EXPECT_EQ(static_cast<int>(meter.Type()), i);
   }
@@ -98,7 +98,7 @@ TEST(LevelMeter, TheWaveReachesAsFarAsTheSound) {
 
 TEST(LevelMeter, TheWaveAndTheBandsAreWorkedOutOnlyWhileTheyAreShown) {
   const std::vector<std::int16_t> sound = Sine(1000, 1, 1);
-  for (int type = 0; type < recorder::kVuTypes; ++type) {
+  for (int type = 0; type < presenters::kVuTypes; ++type) {
     SCOPED_TRACE(type);
     LevelMeter meter = MeterOf(static_cast<VuType>(type));
     meter.Draw(sound, kStereo);
@@ -136,7 +136,7 @@ TEST(LevelMeter, MonoIsOneChannel) {
 }
 
 TEST(LevelMeter, NothingTornAndNoFormatAreTolerated) {
-  for (int type = 0; type < recorder::kVuTypes; ++type) {
+  for (int type = 0; type < presenters::kVuTypes; ++type) {
     LevelMeter meter = MeterOf(static_cast<VuType>(type));
     meter.Draw({}, kStereo);
     meter.Draw(std::vector<std::int16_t>(3, -32768), kStereo);

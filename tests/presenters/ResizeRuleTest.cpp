@@ -1,14 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "recorder/ResizeRule.h"
-#include "recorder/WindowTable.h"
+#include "presenters/ResizeRule.h"
+#include "presenters/WindowTable.h"
 #include "support/ToldWindows.h"
 
 namespace kestrune::test {
 namespace {
 
-using recorder::WindowState;
+using presenters::WindowState;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
@@ -19,14 +19,14 @@ class ResizeRuleTest : public ::testing::Test {
     window.TrayIcon = true;
   }
   void LoadAll() {
-    for (const recorder::WindowRow& row : recorder::WindowTable()) windows.Loaded[row.Name] = true;
+    for (const presenters::WindowRow& row : presenters::WindowTable()) windows.Loaded[row.Name] = true;
   }
 
-  recorder::MainWindow window;
+  presenters::MainWindow window;
   ToldWindows windows;
   config::Settings settings;
   base::RunState run;
-  recorder::ResizeRule rule{window, windows, settings, run};
+  presenters::ResizeRule rule{window, windows, settings, run};
 };
 
 TEST_F(ResizeRuleTest, DoesNothingWhileTheProgramLoads) {

@@ -2,11 +2,11 @@
 
 #include "base/RunState.h"
 #include "config/settings/SettingsDoor.h"
-#include "recorder/MainWindow.h"
-#include "recorder/WindowTable.h"
+#include "presenters/MainWindow.h"
+#include "presenters/WindowTable.h"
 #include "recorder/Windows.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
 /// The check boxes of the main window that show and hide other windows, and their menu entries, which show
 /// the same mark. Once the program closes they do nothing: a window that goes then leaves its box, and so the
@@ -14,12 +14,12 @@ namespace kestrune::recorder {
 class WindowSwitches {
  public:
   /// All must outlive the object.
-  WindowSwitches(MainWindow& window, Windows& windows, config::SettingsDoor& settings,
+  WindowSwitches(MainWindow& window, recorder::Windows& windows, config::SettingsDoor& settings,
                  const base::RunState& run)
       : window_(window), windows_(windows), settings_(settings), run_(run) {}
 
   /// The user, or a window that closes, has set the window's box.
-  void Click(WindowName name, bool checked);
+  void Click(recorder::WindowName name, bool checked);
 
   /// Shows the mixer, or closes it if it is open.
   void cmdMixer_Click();
@@ -28,12 +28,12 @@ class WindowSwitches {
   void ShowRemembered();
 
  private:
-  void Follow(WindowName name, bool checked);
+  void Follow(recorder::WindowName name, bool checked);
 
   MainWindow& window_;
-  Windows& windows_;
+  recorder::Windows& windows_;
   config::SettingsDoor& settings_;
   const base::RunState& run_;
 };
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters

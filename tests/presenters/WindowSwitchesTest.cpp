@@ -1,16 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "recorder/WindowSwitches.h"
+#include "presenters/WindowSwitches.h"
 #include "support/SettingsRig.h"
 #include "support/ToldWindows.h"
 
 namespace kestrune::test {
 namespace {
 
-using recorder::MainWindow;
+using presenters::MainWindow;
+using presenters::WindowSwitches;
 using recorder::WindowName;
-using recorder::WindowSwitches;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

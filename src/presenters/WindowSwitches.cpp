@@ -1,10 +1,10 @@
-#include "recorder/WindowSwitches.h"
+#include "presenters/WindowSwitches.h"
 
 #include "base/Ignored.h"
 
-namespace kestrune::recorder {
+namespace kestrune::presenters {
 
-void WindowSwitches::Follow(WindowName name, bool checked) {
+void WindowSwitches::Follow(recorder::WindowName name, bool checked) {
   if (checked) {
     windows_.Show(name);
   } else {
@@ -12,7 +12,7 @@ void WindowSwitches::Follow(WindowName name, bool checked) {
   }
 }
 
-void WindowSwitches::Click(WindowName name, bool checked) {
+void WindowSwitches::Click(recorder::WindowName name, bool checked) {
   if (run_.ShuttingDown) return;
   const WindowRow& row = RowOf(name);
   window_.*row.Checked = checked;
@@ -25,7 +25,7 @@ void WindowSwitches::Click(WindowName name, bool checked) {
 
 void WindowSwitches::cmdMixer_Click() {
   if (run_.ShuttingDown) return;
-  Follow(WindowName::Mixer, !windows_.IsLoaded(WindowName::Mixer));
+  Follow(recorder::WindowName::Mixer, !windows_.IsLoaded(recorder::WindowName::Mixer));
 }
 
 void WindowSwitches::ShowRemembered() {
@@ -35,4 +35,4 @@ void WindowSwitches::ShowRemembered() {
   }
 }
 
-}  // namespace kestrune::recorder
+}  // namespace kestrune::presenters
