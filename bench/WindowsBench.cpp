@@ -63,7 +63,7 @@ class AllWindows {
   /// tuned one has the last word. What is on the heap is comparable behind each
   /// call.
   void PlaySong() {
-    const int tuned = rig_.Unit->Radio().ChannelNumber;
+    const int tuned = rig_.Unit->State().Radio.ChannelNumber;
     for (auto second = 0s; second < kSong; ++second) {
       if (next_ == tuned) next_ = next_ % kChannels + 1;
       PlayNext(next_);
@@ -84,7 +84,7 @@ class AllWindows {
     }
   }
   [[nodiscard]] int SongsKept() const { return kept_; }
-  [[nodiscard]] std::size_t LogLines() { return rig_.Unit->LogBook().List().Lines().size(); }
+  [[nodiscard]] std::size_t LogLines() { return rig_.Unit->Parts().Log.List().Lines().size(); }
 
  private:
   void PlayNext(int channel) {
@@ -162,7 +162,7 @@ BENCHMARK(RefreshWithoutAChange);
 class BoundChannels : public ChannelsFixture {
  public:
   BoundChannels() {
-    chooser_.Load();
+    channels.SetUpGrid();
     channels.Grid().Enabled = true;
     for (int channel = 1; channel <= kChannels; ++channel) Play(channel, 0);
     window_ = std::make_unique<windows::frmChannels>(chooser_, section_);

@@ -5,10 +5,10 @@
 #include <fmt/format.h>
 
 #include "base/Text.h"
-#include "base/Version.h"
 #include "config/update/VersionFile.h"
 #include "control/ConsoleText.h"
 #include "control/ScheduleCommands.h"
+#include "control/StatusOf.h"
 
 namespace kestrune::control {
 namespace {
@@ -18,51 +18,12 @@ using base::Result;
 }  // namespace
 
 StatusReport UnitTarget::Status() {
-  const recorder::RecordingState& recording = unit_.Recording();
-  const radio::RadioState& radio = unit_.Radio();
-  const radio::ReplyState& replies = unit_.Session().Replies();
-  const radio::ChannelEntry& tuned = unit_.ChannelList().TunedEntry();
-  const config::Settings& settings = unit_.CurrentSettings();
-  const platform::AudioRecorder* recorder = unit_.Recorder();
-  StatusReport report;
-  report.Loading = unit_.Run().FormLoading;
-  report.Unit = unit_.MultiUnit();
-  report.Version = fmt::format("{}.{}.{}", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision);
-  report.Port = unit_.PortNum();
-  report.RadioID = radio.RadioID;
-  report.ChannelNumber = radio.ChannelNumber;
-  report.Station = tuned.Station;
-  report.Genre = tuned.Genre;
-  report.Artist = radio.CurrentArtist;
-  report.Song = radio.CurrentSong;
-  report.Recording = unit_.Window().lblRecording.Caption;
-  report.RecordRequested = recording.RecordRequested;
-  report.WaitingForNextSong = recording.WaitingForNextSong;
-  report.CaptureLengthMs = recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].LengthMs;
-  report.CaptureFailure =
-      recording.CaptureSlots[static_cast<std::size_t>(recording.CaptureSlot)].Outcome.Failure();
-  report.RecordedCount = recording.RecordedCount;
-  report.TooShortCount = recording.TooShortCount;
-  report.TooLongCount = recording.TooLongCount;
-  report.RestrictedCount = recording.RestrictedCount;
-  report.ChannelsLoading = radio.ChannelsLoading;
-  report.ChannelCount = unit_.ChannelList().Table().ChannelCount();
-  report.ActiveSchedule = unit_.Schedule().ActiveSchedule;
-  report.FileFormat = settings.FileFormat;
-  report.FormatDescription = unit_.Format().FileFormatString();
-  report.FileDir = settings.FileDir;
-  report.InputDevice = unit_.InputDeviceName();
-  report.Satellite1 = replies.pcrSat1SignalQuality;
-  report.Satellite2 = replies.pcrSat2SignalQuality;
-  report.Terrestrial = replies.pcrTerSignalQuality;
-  report.SamplesCaptured = recorder != nullptr ? recorder->FramesCaptured() : 0;
-  report.SamplesLost = recorder != nullptr ? recorder->FramesLost() : 0;
-  return report;
+  return StatusOf(unit_.Snapshot());
 }
 
 std::vector<ChannelReport> UnitTarget::Channels() {
   std::vector<ChannelReport> reports;
-  const radio::ChannelTable& table = unit_.ChannelList().Table();
+  const radio::ChannelTable& table = unit_.Parts().Channels.Table();
   for (std::int16_t slot = 1; slot <= table.ChannelCount(); ++slot) {
     const radio::ChannelEntry& entry = table.At(slot);
     reports.push_back({.Number = entry.Number,
@@ -93,13 +54,13 @@ void UnitTarget::Mute(bool muted, Answered answered) {
 }
 
 std::vector<std::string> UnitTarget::LogLines(std::size_t atMost) {
-  const auto& lines = unit_.LogBook().List().Lines();
+  const auto& lines = unit_.Parts().Log.List().Lines();
   const std::size_t count = std::min(atMost, lines.size());
   return {lines.end() - static_cast<std::ptrdiff_t>(count), lines.end()};
 }
 
 SettingResult UnitTarget::Get(std::string_view key) {
-  if (std::optional<std::string> value = unit_.ReadSetting(key)) {
+  if (std::optional<std::string> value = unit_.Parts().Settings.Get(key)) {
     return {.Done = true, .Reason = "", .Value = *std::move(value)};
   }
   return {.Done = false, .Reason = fmt::format("there is no setting \"{}\"", key), .Value = ""};
@@ -128,7 +89,7 @@ void UnitTarget::Update(std::function<void(const UpdateResult&)> answered) {
 }
 
 std::vector<ScheduleReport> UnitTarget::Schedule() {
-  const radio::ChannelTable& table = unit_.ChannelList().Table();
+  const radio::ChannelTable& table = unit_.Parts().Channels.Table();
   const schedule::SchedulerSettings settings = EntrySettings();
   ScheduleSources sources{
       .Now = unit_.Now(),
@@ -138,14 +99,16 @@ std::vector<ScheduleReport> UnitTarget::Schedule() {
             return slot == 0 ? std::string() : table.At(slot).Station;
           },
       // Before the start has read them, no entry counts.
-      .IsSet = [this, &settings](
-                   int number) { return !unit_.Run().FormLoading && schedule::IsStored(settings, number); },
+      .IsSet =
+          [this, &settings](int number) {
+            return !unit_.State().Run.FormLoading && schedule::IsStored(settings, number);
+          },
       .SecondsUntil = [this](base::DateValue wall) { return unit_.TimeUntil(wall).count(); }};
-  return ReportSchedule(unit_.Entries(), unit_.Schedule(), sources);
+  return ReportSchedule(unit_.State().Entries, unit_.State().Schedule, sources);
 }
 
 schedule::SchedulerSettings UnitTarget::EntrySettings() const {
-  const config::SettingsSection& section = unit_.Section();
+  const config::SettingsSection& section = unit_.Parts().Section;
   return {.Read = [&section](std::string_view key, std::string_view text) { return section.Text(key, text); },
           .Save = [&section](std::string_view key,
                              std::string_view text) { return section.SaveText(key, text); }};
@@ -156,13 +119,13 @@ void UnitTarget::ChangeEntry(std::function<std::optional<std::string>(const Stor
   unit_.Wishes().Ask(
       [&unit = unit_, settings = EntrySettings(), change = std::move(change)] {
         // The window's save would undo the change, or the change would be made under the user's hands.
-        if (unit.EntryEditors().HaveChanges())
+        if (unit.Parts().EntryEditors.HaveChanges())
           return Result::Failed("the schedule is being edited in its window; save or close it first");
         const StoredSchedule stored{
             .Settings = settings, .Channels = unit.SchedulerChannels(), .Now = unit.Now()};
         if (const std::optional<std::string> why = change(stored)) return Result::Failed(*why);
         unit.ReloadSchedule();
-        unit.EntryEditors().EntriesChanged();
+        unit.Parts().EntryEditors.EntriesChanged();
         return Result::Done();
       },
       std::move(answered));
@@ -195,13 +158,11 @@ std::vector<std::string> Fragments(const schedule::Restrictions& lists, schedule
   return fragments;
 }
 
-constexpr const char* kListsNotWritten = "the file of the lists could not be written";
-
 }  // namespace
 
 ListsReport UnitTarget::Lists() {
   using enum schedule::RestrictList;
-  const schedule::Restrictions& lists = unit_.Restrictions();
+  const schedule::Restrictions& lists = unit_.Parts().Restrictions;
   return {.GrabArtists = Fragments(lists, GrabArtists),
           .GrabSongs = Fragments(lists, GrabSongs),
           .KillArtists = Fragments(lists, KillArtists),
@@ -211,13 +172,13 @@ ListsReport UnitTarget::Lists() {
 void UnitTarget::AddToList(schedule::RestrictList list, std::string_view text, Answered answered) {
   unit_.Wishes().Ask(
       [&unit = unit_, list, fragment = std::string(base::Trim(text))] {
-        const std::vector<std::string> present = Fragments(unit.Restrictions(), list);
+        const std::vector<std::string> present = Fragments(unit.Parts().Restrictions, list);
         if (present.size() >= schedule::Restrictions::kMaxRows) return Result::Failed("the list is full");
         if (std::any_of(present.begin(), present.end(),
                         [&fragment](const std::string& one) { return base::EqualsNoCase(one, fragment); })) {
           return Result::Failed(fmt::format("{} is on the list already", Quoted(fragment)));
         }
-        return unit.GrabKill().Append(list, fragment) ? Result::Done() : Result::Failed(kListsNotWritten);
+        return unit.Parts().Restrictions.Add(list, fragment);
       },
       std::move(answered));
 }
@@ -226,10 +187,10 @@ void UnitTarget::RemoveFromList(schedule::RestrictList list, std::string_view te
   unit_.Wishes().Ask(
       [&unit = unit_, list, fragment = std::string(base::Trim(text))] {
         // The editor holds all lists as they were when it opened, and its save would bring the entry back.
-        if (unit.RestrictListEditor().IsLoaded()) {
+        if (unit.Parts().Restrictions.BeingEdited()) {
           return Result::Failed("the lists are being edited in their window; close it first");
         }
-        const schedule::Restrictions::Removal removed = unit.Restrictions().Remove(list, fragment);
+        const schedule::Restrictions::Removal removed = unit.Parts().Restrictions.Remove(list, fragment);
         if (!removed.Failure.empty()) return Result::Failed(removed.Failure);
         if (removed.Count > 0) return Result::Done();
         return Result::Failed(fmt::format("{} is not on the list", Quoted(fragment)));

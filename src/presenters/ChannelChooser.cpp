@@ -26,11 +26,6 @@ ChannelChooser::ChannelChooser(radio::Channels& channels, const base::RunState& 
       getRecordingStatus_(std::move(getRecordingStatus)),
       tmrChannelChange_(loop.MakeTimer(kChangeDelay, [this] { tmrChannelChange_Timer(); })) {}
 
-void ChannelChooser::Load() {
-  channels_.Grid().Enabled = false;
-  channels_.Grid().FormSetup();
-}
-
 void ChannelChooser::ClickTitle(int column) {
   if (RefuseWhileRecording()) return;
   if (column < 0 || column >= radio::ChannelGrid::kColumns) return;

@@ -39,8 +39,6 @@ class ChannelChooser {
   /// Clears `chkChannelListing` of the main window, which hides this one.
   std::function<void()> ClearChannelListing = [] {};
 
-  /// Sets the empty grid up, without input until the radio's first channel has come.
-  void Load();
   [[nodiscard]] const radio::ChannelGrid& Grid() const { return channels_.Grid(); }
 
   /// A click on the title row: sorts by the column, the other way round on each further click.

@@ -1,11 +1,7 @@
 #include "presenters/GrabKill.h"
 
-#include <fmt/format.h>
-
-#include "base/Ignored.h"
 #include "base/OneLine.h"
 #include "base/Text.h"
-#include "schedule/log/UserDataFolder.h"
 
 namespace kestrune::presenters {
 namespace {
@@ -26,7 +22,7 @@ void GrabKill::DblClick(Field field, std::string_view caption) {
   do {
     grabMode_ = 0;
     if (show_) show_();
-  } while (grabMode_ != 0 && !Append(ListOf(field), base::Trim(single)));
+  } while (grabMode_ != 0 && !restrictions_.Add(ListOf(field), base::Trim(single)).Ok());
 }
 
 schedule::RestrictList GrabKill::ListOf(Field field) const {
@@ -34,26 +30,6 @@ schedule::RestrictList GrabKill::ListOf(Field field) const {
   if (field == Field::Song)
     return kill ? schedule::RestrictList::KillSongs : schedule::RestrictList::GrabSongs;
   return kill ? schedule::RestrictList::KillArtists : schedule::RestrictList::GrabArtists;
-}
-
-bool GrabKill::Append(schedule::RestrictList list, std::string_view fragment) {
-  base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
-  const std::string path = restrictions_.RestrictionFile();
-  const auto before = files_.Read(path);
-  // A text editor may have left the last line without an end: the entry would become part of it. If the file cannot
-  // be read, that is possible too; an empty line does no harm.
-  const bool endsInLine = before ? before->empty() || before->ends_with('\n') : !files_.Exists(path);
-  std::string line = endsInLine ? "" : "\n";
-  line += static_cast<char>('0' + static_cast<int>(list));
-  line.append(fragment).append("\n");
-  if (!files_.Append(path, line)) {
-    log_.DoLog(fmt::format("\"{}\" was not added to the Grab and Kill lists: {} could not be written",
-                           fragment, path));
-    return false;
-  }
-  restrictions_.LoadRestrictions();
-  editor_.AddItem(list, fragment);
-  return true;
 }
 
 }  // namespace kestrune::presenters

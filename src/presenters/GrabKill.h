@@ -5,10 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "base/Journal.h"
-#include "platform/Environment.h"
-#include "platform/Files.h"
-#include "presenters/RestrictListEditor.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::presenters {
@@ -18,10 +14,8 @@ class GrabKill {
  public:
   enum class Field { Artist, Song };
 
-  /// All references must outlive the object.
-  GrabKill(schedule::Restrictions& restrictions, RestrictListEditor& editor, platform::Files& files,
-           const platform::Environment& environment, base::Journal& log)
-      : restrictions_(restrictions), editor_(editor), files_(files), environment_(environment), log_(log) {}
+  /// The lists must outlive the object.
+  explicit GrabKill(schedule::Restrictions& restrictions) : restrictions_(restrictions) {}
 
   /// `show` shows the question's window and returns when it is closed. Without it the answer is to add nothing.
   void SetWindow(std::function<void()> show) { show_ = std::move(show); }
@@ -36,19 +30,11 @@ class GrabKill {
   void cmdResult(std::int16_t index) { grabMode_ = index; }
   [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
 
-  /// Adds without a question; an open editor shows the entry as well. Returns false if the file could not be
-  /// written; nothing is added then, and the log says so.
-  [[nodiscard]] bool Append(schedule::RestrictList list, std::string_view fragment);
-
  private:
   /// The list that the answer stands for.
   [[nodiscard]] schedule::RestrictList ListOf(Field field) const;
 
   schedule::Restrictions& restrictions_;
-  RestrictListEditor& editor_;
-  platform::Files& files_;
-  const platform::Environment& environment_;
-  base::Journal& log_;
   std::function<void()> show_;
   std::string lblQuestion_;
   std::int16_t grabMode_ = 0;

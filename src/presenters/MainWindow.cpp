@@ -30,7 +30,8 @@ void ShowAnnouncement(const recorder::Announcement& announcement, MainWindow& wi
   window.Title = announcement.TitleArtist ? "Kestrune: " + *announcement.TitleArtist : "Kestrune";
   window.TrayTip = "Kestrune";
   if (const auto& tip = announcement.TrayTip) {
-    window.TrayTip = fmt::format("Kestrune: {}\n{} - {}", StatusText(tip->Phase), tip->Artist, tip->Song);
+    window.TrayTip =
+        fmt::format("Kestrune: {}\n{} - {}", recorder::StatusText(tip->Phase), tip->Artist, tip->Song);
   }
   if (const auto& signal = announcement.Signal) {
     window.pbrSatSignal = {Bar(signal->Satellite1), Bar(signal->Satellite2)};
@@ -40,7 +41,7 @@ void ShowAnnouncement(const recorder::Announcement& announcement, MainWindow& wi
 
 void ShowRecording(const recorder::State& state, MainWindow& window) {
   const recorder::RecordingState& recording = state.Recording;
-  window.lblRecording = {.Caption = std::string(StatusText(recording.Phase)),
+  window.lblRecording = {.Caption = std::string(recorder::StatusText(recording.Phase)),
                          .Visible = state.Clock.StatusShown};
   window.lblClock = {.Caption = Elapsed(state.Clock.CaptureSeconds), .Visible = recording.ShowsLength()};
   const bool event = state.Schedule.ActiveSchedule != 0;
@@ -68,30 +69,14 @@ void ShowOptions(const config::Settings& settings, MainWindow& window) {
 
 }  // namespace
 
-MainWindow ShowState(const recorder::State& state, MainWindow window) {
+MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop) {
+  MainWindow window;
+  static_cast<DesktopRecord&>(window) = desktop;
   ShowAnnouncement(state.Announcement, window);
   ShowRecording(state, window);
   ShowOptions(state.Settings, window);
   window.Recording = state.Recording.IsRecording();
   return window;
-}
-
-std::string_view StatusText(recorder::Phase phase) {
-  switch (phase) {
-    case recorder::Phase::Idle:
-      return "";
-    case recorder::Phase::WaitingForChannelLoad:
-      return "Waiting for channel load";
-    case recorder::Phase::WaitingForNextSong:
-      return "Waiting for next song";
-    case recorder::Phase::Recording:
-      return "Recording";
-    case recorder::Phase::Grabbed:
-      return "Recording (Grabbed)";
-    case recorder::Phase::Killed:
-      return "Recording (Killed)";
-  }
-  return "";
 }
 
 }  // namespace kestrune::presenters

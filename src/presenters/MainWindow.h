@@ -2,8 +2,8 @@
 
 #include <array>
 #include <string>
-#include <string_view>
 
+#include "presenters/DesktopRecord.h"
 #include "recorder/State.h"
 
 namespace kestrune::presenters {
@@ -27,18 +27,10 @@ struct TimerMark {
   bool Visible = false;
 };
 
-/// How the window stands on the desktop; `None` where the program runs without one.
-enum class WindowState { None, Normal, Minimized, Maximized };
-
 /// What the main window shows. Captions of labels carry "&" doubled.
-struct MainWindow {
+struct MainWindow : DesktopRecord {
   std::string Title = "Kestrune";
   std::string TrayTip = "Kestrune";
-  WindowState State = WindowState::None;
-  float Top = 0;   ///< twips
-  float Left = 0;  ///< twips
-  bool Visible = false;
-  bool TrayIcon = false;  ///< the desktop shows the program's icon, by which a hidden window comes back
 
   Label lblChannel;
   Label lblGenre;
@@ -68,19 +60,9 @@ struct MainWindow {
   bool mnuCleftune = false;
   bool mnuCheckUpdatesAtStartup = false;
   bool mnuMute = false;
-
-  bool chkChannelListing = false;
-  bool chkRecordLog = false;
-  bool chkSchedule = false;
-  bool chkRestrictList = false;
-  bool chkKestruneNow = false;
 };
 
-/// The main window in this state: the record of what only the window knows (its place, state and visibility, the
-/// tray icon, the open windows) with everything else derived from the state.
-[[nodiscard]] MainWindow ShowState(const recorder::State& state, MainWindow window);
-
-/// The text of the status label.
-[[nodiscard]] std::string_view StatusText(recorder::Phase phase);
+/// The main window in this state: what only the window knows, and everything else derived from the state.
+[[nodiscard]] MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop);
 
 }  // namespace kestrune::presenters

@@ -2,7 +2,7 @@
 
 #include "base/RunState.h"
 #include "config/settings/Settings.h"
-#include "presenters/MainWindow.h"
+#include "presenters/DesktopRecord.h"
 #include "recorder/Windows.h"
 
 namespace kestrune::presenters {
@@ -12,14 +12,14 @@ namespace kestrune::presenters {
 class ResizeRule {
  public:
   /// All must outlive the object.
-  ResizeRule(MainWindow& window, recorder::Windows& windows, const config::Settings& settings,
+  ResizeRule(DesktopRecord& desktop, recorder::Windows& windows, const config::Settings& settings,
              const base::RunState& run)
-      : window_(window), windows_(windows), settings_(settings), run_(run) {}
+      : desktop_(desktop), windows_(windows), settings_(settings), run_(run) {}
 
   void Apply();
 
  private:
-  MainWindow& window_;
+  DesktopRecord& desktop_;
   recorder::Windows& windows_;
   const config::Settings& settings_;
   const base::RunState& run_;
@@ -27,8 +27,8 @@ class ResizeRule {
 
 /// Whether a minimised main window keeps its place in the task bar. Without a tray icon it does in any case:
 /// a window that nothing brings back must not be hidden.
-[[nodiscard]] inline bool StaysInTaskBar(const MainWindow& window, const config::Settings& settings) {
-  return settings.TaskBarMinimized || !window.TrayIcon;
+[[nodiscard]] inline bool StaysInTaskBar(const DesktopRecord& desktop, const config::Settings& settings) {
+  return settings.TaskBarMinimized || !desktop.TrayIcon;
 }
 
 }  // namespace kestrune::presenters

@@ -22,6 +22,7 @@ bool SortsBefore(const std::string& a, const std::string& b) {
 void RestrictListEditor::Load() {
   Unload();
   loaded_ = true;
+  restrictions_.SetEditor(this);
   base::Ignored(schedule::MakeUserDataFolder(files_, environment_));
   path_ = restrictions_.RestrictionFile();
   const auto text = restrictions_.ReadFile();
@@ -41,6 +42,7 @@ void RestrictListEditor::Load() {
 }
 
 void RestrictListEditor::Unload() {
+  if (loaded_) restrictions_.SetEditor(nullptr);
   columns_ = {};
   loaded_ = unread_ = listDirty_ = false;
 }
@@ -131,7 +133,7 @@ bool RestrictListEditor::MayClose() {
 }
 
 void RestrictListEditor::AddItem(schedule::RestrictList list, std::string_view fragment) {
-  if (loaded_) Insert(columns_[static_cast<std::size_t>(list)], std::string(fragment));
+  Insert(columns_[static_cast<std::size_t>(list)], std::string(fragment));
 }
 
 /// Inserts after items that differ only in case, so that the first of such a pair stays first. The selection stays

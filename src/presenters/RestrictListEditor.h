@@ -23,7 +23,7 @@ struct RestrictColumn {
 
 /// The rules of the window that edits the Grab and Kill lists. It works on a copy of the list file, from when the
 /// window opens until it closes. The columns are numbered as the lists are, 0 to 3.
-class RestrictListEditor {
+class RestrictListEditor final : public schedule::ListEditor {
  public:
   static constexpr std::size_t kColumns = 4;
 
@@ -31,6 +31,9 @@ class RestrictListEditor {
   RestrictListEditor(schedule::Restrictions& restrictions, platform::Files& files,
                      const platform::Environment& environment, platform::Dialogs& dialogs, base::Journal& log)
       : restrictions_(restrictions), files_(files), environment_(environment), dialogs_(dialogs), log_(log) {}
+  ~RestrictListEditor() override { Unload(); }
+  RestrictListEditor(const RestrictListEditor&) = delete;
+  RestrictListEditor& operator=(const RestrictListEditor&) = delete;
 
   /// The window opens: reads the file. If it exists but cannot be read, the columns are empty, and what they then
   /// hold is never saved.
@@ -56,8 +59,7 @@ class RestrictListEditor {
   /// The user or the window asks for the close: a question if there are changes. Returns false to refuse it.
   [[nodiscard]] bool MayClose();
 
-  /// Shows an entry that was added to the file elsewhere, so that the save of an open editor does not lose it.
-  void AddItem(schedule::RestrictList list, std::string_view fragment);
+  void AddItem(schedule::RestrictList list, std::string_view fragment) override;
 
  private:
   static void RemoveDuplicates(std::vector<std::string>& items);

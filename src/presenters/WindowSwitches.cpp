@@ -15,7 +15,7 @@ void WindowSwitches::Follow(recorder::WindowName name, bool checked) {
 void WindowSwitches::Click(recorder::WindowName name, bool checked) {
   if (run_.ShuttingDown) return;
   const WindowRow& row = RowOf(name);
-  window_.*row.Checked = checked;
+  desktop_.*row.Checked = checked;
   Follow(name, checked);
   if (row.Setting == nullptr) return;
   config::Settings wished = settings_.Current();

@@ -2,7 +2,7 @@
 
 #include "base/RunState.h"
 #include "config/settings/SettingsDoor.h"
-#include "presenters/MainWindow.h"
+#include "presenters/DesktopRecord.h"
 #include "presenters/WindowTable.h"
 #include "recorder/Windows.h"
 
@@ -14,9 +14,9 @@ namespace kestrune::presenters {
 class WindowSwitches {
  public:
   /// All must outlive the object.
-  WindowSwitches(MainWindow& window, recorder::Windows& windows, config::SettingsDoor& settings,
+  WindowSwitches(DesktopRecord& desktop, recorder::Windows& windows, config::SettingsDoor& settings,
                  const base::RunState& run)
-      : window_(window), windows_(windows), settings_(settings), run_(run) {}
+      : desktop_(desktop), windows_(windows), settings_(settings), run_(run) {}
 
   /// The user, or a window that closes, has set the window's box.
   void Click(recorder::WindowName name, bool checked);
@@ -30,7 +30,7 @@ class WindowSwitches {
  private:
   void Follow(recorder::WindowName name, bool checked);
 
-  MainWindow& window_;
+  DesktopRecord& desktop_;
   recorder::Windows& windows_;
   config::SettingsDoor& settings_;
   const base::RunState& run_;

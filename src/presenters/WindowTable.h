@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "config/settings/Settings.h"
-#include "presenters/MainWindow.h"
+#include "presenters/DesktopRecord.h"
 #include "recorder/WindowName.h"
 
 namespace kestrune::presenters {
@@ -22,7 +22,7 @@ struct WindowRow {
   const char* Box = "";
   const char* BoxText = "";
   const char* BoxTip = "";
-  bool MainWindow::*Checked = nullptr;  ///< the state of the box
+  bool DesktopRecord::*Checked = nullptr;  ///< the state of the box
   /// The setting of this key remembers the box for the next start; empty if nothing does.
   std::string_view SettingKey{};
   std::int16_t config::Settings::*Setting = nullptr;

@@ -17,14 +17,9 @@ std::string LookupText(std::string_view name) {
 
 }  // namespace
 
-Clock::Clock(State& state, const schedule::Restrictions& restrictions, Windows& windows,
-             radio::RadioSession& session, base::EventLoop& loop)
-    : state_(state),
-      modes_(state),
-      restrictions_(restrictions),
-      windows_(windows),
-      session_(session),
-      loop_(loop) {}
+Clock::Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioSession& session,
+             base::EventLoop& loop)
+    : state_(state), modes_(state), restrictions_(restrictions), session_(session), loop_(loop) {}
 
 void Clock::Tick() {
   const RecordingState& recording = state_.Recording;
@@ -42,7 +37,6 @@ void Clock::Tick() {
   }
   signalTick_ = (signalTick_ + 1) % kTicksPerSignalPoll;
   if (signalTick_ == 0) base::Ignored(session_.pcrGetSignalLevels());
-  windows_.ApplyResizeRule();
 }
 
 void Clock::Blink() {

@@ -4,7 +4,6 @@
 #include "radio/line/RadioSession.h"
 #include "recorder/Modes.h"
 #include "recorder/State.h"
-#include "recorder/Windows.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::recorder {
@@ -14,8 +13,8 @@ namespace kestrune::recorder {
 class Clock {
  public:
   /// All must outlive the object.
-  Clock(State& state, const schedule::Restrictions& restrictions, Windows& windows,
-        radio::RadioSession& session, base::EventLoop& loop);
+  Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioSession& session,
+        base::EventLoop& loop);
 
   void Tick();
 
@@ -26,7 +25,6 @@ class Clock {
   State& state_;
   Modes modes_;
   const schedule::Restrictions& restrictions_;
-  Windows& windows_;
   radio::RadioSession& session_;
   base::EventLoop& loop_;
 

@@ -5,7 +5,6 @@
 
 #include "base/Ignored.h"
 #include "base/Text.h"
-#include "presenters/Explanation.h"
 #include "schedule/entries/ReloadSchedule.h"
 
 namespace kestrune::recorder {
@@ -26,75 +25,42 @@ Kestrune::Kestrune(const Outside& outside)
       wishes_(*this, door_),
       section_(outside.Settings),
       tmrUpdate_(outside.Loop.MakeTimer(kUpdateInterval, [this] { updateCycle_.Tick(); })),
-      tmrClock_(outside.Loop.MakeTimer(kClockInterval, [this] { clock_.Tick(); })),
+      tmrClock_(outside.Loop.MakeTimer(kClockInterval, [this] { tmrClock_Timer(); })),
       tmrQuit_(outside.Loop.MakeTimer(kQuitInterval, [this] { tmrQuit_Timer(); })),
       log_(outside.Files, outside.Environment, outside.Loop),
-      session_(outside.pcrComm, outside.Loop, state_.Run, log_),
-      bringUp_(session_, outside.Loop, state_.Run, log_),
-      channels_(state_.Radio, state_.Run, session_, outside.Files, outside.Loop, log_, *this),
       restrictions_(outside.Files, outside.Environment, log_),
-      restrictListEditor_(restrictions_, outside.Files, outside.Environment, outside.Dialogs, log_),
-      grabKill_(restrictions_, restrictListEditor_, outside.Files, outside.Environment, log_),
-      fileSpecs_([this](std::int16_t slot) { return audio_.File(slot); }, state_.Settings,
-                 state_.Recording.CaptureSlot, [this] { return ScheduledBitRate(); }),
-      songFiles_(outside.Files, outside.FileSync, log_),
-      capture_(audio_, state_, fileSpecs_, songFiles_, log_),
-      disposition_(state_, fileSpecs_, restrictions_, songFiles_, outside.Loop, log_),
-      display_(state_, log_),
-      boundary_(
-          state_,
-          {.Channels = channels_, .Capture = capture_, .Disposition = disposition_, .Display = display_},
-          songFiles_, outside.Loop),
-      commands_(state_, display_, session_, outside.Loop, *tmrUpdate_),
+      announcer_(state_, log_),
+      radio_(outside, state_, log_, *this),
+      sound_(outside, state_,
+             {.Channels = radio_.Channels, .Restrictions = restrictions_, .Announcer = announcer_}, log_),
+      commands_(state_, announcer_, radio_.Session, outside.Loop, *tmrUpdate_),
       settingsDoor_({.Settings = state_.Settings,
                      .Section = section_,
                      .Environment = outside.Environment,
                      .Files = outside.Files,
                      .Log = log_},
                     {.StopRecording = [this] { commands_.StopRecording(); },
-                     .PrepareFormat = [this] { fileSpecs_.SetFileSpecs(-1); },
+                     .PrepareFormat = [this] { sound_.FileSpecs.SetFileSpecs(-1); },
                      .DeviceChanged = [this] { InputDeviceChanged(); }}),
-      schedulePass_(state_, channels_, commands_, log_, outside.Loop, *tmrUpdate_),
+      schedulePass_(state_, radio_.Channels, commands_, log_, outside.Loop, *tmrUpdate_),
       updateCycle_(state_,
-                   {.Channels = channels_, .Boundary = boundary_, .Commands = commands_, .Display = display_},
+                   {.Channels = radio_.Channels,
+                    .Boundary = sound_.Boundary,
+                    .Commands = commands_,
+                    .Announcer = announcer_},
                    outside.Loop, *tmrUpdate_),
-      clock_(state_, restrictions_, outside.Windows, session_, outside.Loop),
-      options_(settingsDoor_, state_.Run, boxes_),
-      switches_(window_, outside.Windows, settingsDoor_, state_.Run),
-      resize_(window_, outside.Windows, state_.Settings, state_.Run),
-      presets_(channels_, outside.Sounds,
-               {.Read = [this](std::string_view key) { return section_.Text(key, ""); },
-                .Write = [this](std::string_view key,
-                                std::string_view text) { base::Ignored(section_.SaveText(key, text)); }},
-               [this] { return state_.Recording.GetRecordingStatus(); }),
-      presetSetup_(channels_.Grid(), presets_, outside.Dialogs),
-      channelChooser_(channels_, state_.Run, outside.Sounds, outside.Loop, *tmrUpdate_,
-                      [this] { return state_.Recording.GetRecordingStatus(); }),
-      nowScreen_(channels_, presets_, outside.Loop,
-                 [this] {
-                   const presenters::MainWindow window = Window();
-                   return presenters::NowLines{.lblChannel = window.lblChannel.Caption,
-                                               .lblArtist = window.lblArtist.Caption,
-                                               .lblSong = window.lblSong.Caption};
-                 }),
+      clock_(state_, restrictions_, radio_.Session, outside.Loop),
       update_(outside, state_.Run, commands_, boxes_, [this] { wishes_.Close(); }),
       stayAwake_(state_, outside.SleepInhibitor, outside.Loop) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
-  session_.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
-    channels_.pcrChannelInfoReceived(info);
+  radio_.Session.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
+    radio_.Channels.pcrChannelInfoReceived(info);
   };
-  session_.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
-                                      std::int16_t terrestrial) {
-    display_.pcrSignalReceived(satellite1, satellite2, terrestrial);
+  radio_.Session.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
+                                            std::int16_t terrestrial) {
+    announcer_.pcrSignalReceived(satellite1, satellite2, terrestrial);
   };
-  const auto tune = [this](std::int16_t channel, std::function<void()> refused) {
-    wishes_.Tune(channel, [refused = std::move(refused)](const base::Result& result) {
-      if (!result.Ok()) refused();
-    });
-  };
-  presets_.Tune = tune;
-  channelChooser_.Tune = tune;
   // A pass may tune, and a wish whose wait let this tick in may be tuning: the next pass is early enough.
   updateCycle_.SetSchedulePass([this] {
     if (!door_.Serving()) schedulePass_.Run();
@@ -103,31 +69,61 @@ Kestrune::Kestrune(const Outside& outside)
 
 Kestrune::~Kestrune() = default;
 
+void Kestrune::SetPresentation(Presentation* presentation) {
+  presentation_ = presentation != nullptr ? presentation : &noWindows_;
+}
+
+Snapshot Kestrune::Snapshot() const {
+  const platform::AudioRecorder* recorder = sound_.Audio.AudioRecord.get();
+  return {.State = state_,
+          .MultiUnit = multiUnit_,
+          .Tuned = radio_.Channels.TunedEntry(),
+          .ChannelCount = radio_.Channels.Table().ChannelCount(),
+          .FormatDescription = sound_.FileSpecs.FileFormatString(),
+          .InputDeviceName = sound_.InputDeviceName,
+          .FramesCaptured = recorder != nullptr ? recorder->FramesCaptured() : 0,
+          .FramesLost = recorder != nullptr ? recorder->FramesLost() : 0};
+}
+
+UnitParts Kestrune::Parts() {
+  return {.Channels = radio_.Channels,
+          .Log = log_,
+          .Restrictions = restrictions_,
+          .EntryEditors = entryEditors_,
+          .Section = section_,
+          .Settings = settingsDoor_,
+          .FileSpecs = sound_.FileSpecs,
+          .Boxes = boxes_,
+          .InputDevices = sound_.Devices,
+          .tmrUpdate = *tmrUpdate_};
+}
+
 bool Kestrune::SetMute(bool on) {
   if (state_.Recording.GetRecordingStatus()) {
     outside_.Sounds.Play("SystemAsterisk");
     return false;
   }
   state_.Recording.Muted = on;
-  base::Ignored(session_.pcrMute(on));
+  base::Ignored(radio_.Session.pcrMute(on));
   return true;
 }
 
 void Kestrune::mnuReload_Click() {
-  channels_.mnuReload();
+  radio_.Channels.mnuReload();
   boxes_.Show({.Title = std::string(radio::Channels::kReloadTitle),
                .Text = std::string(radio::Channels::kReloadText)});
 }
 
-std::string Kestrune::Explanation() const {
-  return presenters::ExplainRecording(state_, restrictions_);
+void Kestrune::tmrClock_Timer() {
+  clock_.Tick();
+  presentation_->ApplyResizeRule();
 }
 
 void Kestrune::AudioRecord_Timer() {
-  const std::int32_t count = audioDisplay_.SampleCount();
+  const std::int32_t count = presentation_->DisplaySamples();
   if (count <= 0) return;
-  audioDisplay_.Draw(audio_.AudioRecord->GetDisplaySamples(count),
-                     audio_.File(state_.Recording.CaptureSlot)->FormatValues());
+  presentation_->DrawSound(sound_.Audio.AudioRecord->GetDisplaySamples(count),
+                           sound_.Audio.File(state_.Recording.CaptureSlot)->FormatValues());
 }
 
 void Kestrune::ReloadSchedule() {
@@ -138,7 +134,7 @@ void Kestrune::ReloadSchedule() {
 
 std::vector<schedule::SchedulerChannel> Kestrune::SchedulerChannels() const {
   std::vector<schedule::SchedulerChannel> channels;
-  const radio::ChannelGrid& grid = channels_.Grid();
+  const radio::ChannelGrid& grid = radio_.Channels.Grid();
   for (int row = 1; row <= grid.RowCount(); ++row) {
     channels.push_back({.Number = grid.NumberAt(row),
                         .Station = std::string(base::Trim(grid.At(row).at(radio::ChannelGrid::Station)))});
@@ -146,62 +142,33 @@ std::vector<schedule::SchedulerChannel> Kestrune::SchedulerChannels() const {
   return channels;
 }
 
-std::shared_ptr<presenters::Scheduler> Kestrune::OpenScheduler() {
-  presenters::SchedulerPorts ports{
-      .Loop = outside_.Loop,
-      .Dialogs = outside_.Dialogs,
-      .Log = log_,
-      .Editors = entryEditors_,
-      .Settings = {
-          .Read = [this](std::string_view key, std::string_view text) { return section_.Text(key, text); },
-          .Save = [this](std::string_view key,
-                         std::string_view text) { return section_.SaveText(key, text); }},
-      .ReloadSchedule = [this] { ReloadSchedule(); }};
-  return std::make_shared<presenters::Scheduler>(std::move(ports), SchedulerChannels());
-}
-
-std::optional<std::string> Kestrune::ScheduledBitRate() const {
-  if (state_.Schedule.ActiveSchedule == 0) return std::nullopt;
-  return state_.Entries.at(static_cast<std::size_t>(state_.Schedule.ActiveSchedule - 1)).MP3BitRate;
-}
-
-presenters::ConfigurationAccess Kestrune::ConfigurationAccess() {
-  return {.Settings = settingsDoor_,
-          .FileSpecs = fileSpecs_,
-          .Dialogs = outside_.Dialogs,
-          .Environment = outside_.Environment,
-          .Devices = [this] { return inputDevices_.Listed; }};
-}
-
 void Kestrune::KeepInputDeviceId() {
   config::Settings wished = state_.Settings;
-  wished.InputDeviceId = inputDevices_.IdOf(wished.InputDevice);
+  wished.InputDeviceId = sound_.Devices.IdOf(wished.InputDevice);
   base::Ignored(settingsDoor_.Change(wished, {"InputDeviceId"}));
 }
 
 void Kestrune::InputDeviceChanged() {
   KeepInputDeviceId();
-  if (audio_.AudioRecord == nullptr) return;
-  audio_.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
-  inputDeviceName_ = audio_.AudioRecord->DeviceUsable() ? audio_.AudioRecord->DeviceName() : "";
+  sound_.FollowInputDevice(state_.Settings.InputDevice);
 }
 
 std::string Kestrune::InputDeviceId() {
-  if (audio_.AudioRecord == nullptr) return {};
-  audio_.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
-  return audio_.AudioRecord->DeviceId();
+  if (sound_.Audio.AudioRecord == nullptr) return {};
+  sound_.Audio.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);
+  return sound_.Audio.AudioRecord->DeviceId();
 }
 
 void Kestrune::ShowChannel(const radio::ChannelEntry& entry) {
-  display_.ShowChannel(state_.Radio.ChannelNumber, entry);
+  announcer_.ShowChannel(state_.Radio.ChannelNumber, entry);
 }
 
 void Kestrune::ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) {
-  display_.ShowTunedChannel(number, entry);
+  announcer_.ShowTunedChannel(number, entry);
 }
 
 void Kestrune::ShowBareTitle() {
-  display_.ShowBareTitle();
+  announcer_.ShowBareTitle();
 }
 
 void Kestrune::ChannelTuned() {

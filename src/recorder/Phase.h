@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace kestrune::recorder {
 
@@ -18,5 +19,8 @@ enum class Phase : std::uint8_t {
 [[nodiscard]] constexpr bool IsRecording(Phase phase) {
   return phase == Phase::Recording || phase == Phase::Grabbed || phase == Phase::Killed;
 }
+
+/// The phase in the words that windows and the control socket show; empty when idle.
+[[nodiscard]] std::string_view StatusText(Phase phase);
 
 }  // namespace kestrune::recorder

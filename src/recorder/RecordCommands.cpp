@@ -4,11 +4,11 @@
 
 namespace kestrune::recorder {
 
-RecordCommands::RecordCommands(State& state, Display& display, radio::RadioSession& session,
+RecordCommands::RecordCommands(State& state, Announcer& announcer, radio::RadioSession& session,
                                base::EventLoop& loop, base::Timer& tmrUpdate)
     : state_(state),
       modes_(state),
-      display_(display),
+      announcer_(announcer),
       session_(session),
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
@@ -42,7 +42,7 @@ void RecordCommands::cmdRecord() {
     recording.StartPending = recording.Incomplete = true;
   }
   NameCaptureInHand();
-  display_.ShowTrayTip();
+  announcer_.ShowTrayTip();
   state_.Clock.StatusShown = true;
   recording.StopPending = false;
   if (recording.Muted) {
@@ -62,7 +62,7 @@ void RecordCommands::cmdStop() {
   tmrUpdate_.SetEnabled(false);
   recording.RecordRequested = recording.RecordArmed = false;
   recording.Phase = Phase::Idle;
-  display_.ShowTrayTip();
+  announcer_.ShowTrayTip();
   if (!modes_.CheckIntegrel()) recording.StopPending = recording.Incomplete = true;
   TakeSession(loop_.Now());
   tmrUpdate_.SetEnabled(true);

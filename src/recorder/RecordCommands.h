@@ -2,7 +2,7 @@
 
 #include "base/EventLoop.h"
 #include "radio/line/RadioSession.h"
-#include "recorder/Display.h"
+#include "recorder/Announcer.h"
 #include "recorder/Modes.h"
 #include "recorder/State.h"
 
@@ -13,7 +13,7 @@ namespace kestrune::recorder {
 class RecordCommands {
  public:
   /// All must outlive the object.
-  RecordCommands(State& state, Display& display, radio::RadioSession& session, base::EventLoop& loop,
+  RecordCommands(State& state, Announcer& announcer, radio::RadioSession& session, base::EventLoop& loop,
                  base::Timer& tmrUpdate);
 
   void cmdRecord();
@@ -29,7 +29,7 @@ class RecordCommands {
 
   State& state_;
   Modes modes_;
-  Display& display_;
+  Announcer& announcer_;
   radio::RadioSession& session_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;

@@ -23,32 +23,32 @@ void Kestrune::EndWaits() {
 void Kestrune::CloseFirstPass() {
   update_.StopWaiting();
   stayAwake_.Stop();
-  capture_.RecordStop(0);
-  capture_.RecordStop(1);
+  sound_.Capture.RecordStop(0);
+  sound_.Capture.RecordStop(1);
   DeleteLeftovers();
   tmrUpdate_->SetEnabled(false);
   tmrClock_->SetEnabled(false);
-  channelChooser_.Quit();
+  presentation_->QuitChannels();
   outside_.Windows.RemoveTrayIcon();
   state_.Run.ShuttingDown = true;
   outside_.Windows.HideAll();
   if (!state_.Settings.RadioOnAtExit) {
-    base::Ignored(session_.pcrMute(true));
-    base::Ignored(session_.pcrPowerOff());
+    base::Ignored(radio_.Session.pcrMute(true));
+    base::Ignored(radio_.Session.pcrPowerOff());
   }
   tmrQuit_->SetEnabled(true);
-  audio_.Release();
+  sound_.Audio.Release();
 }
 
 void Kestrune::DeleteLeftovers() {
   // The song in hand goes with them: a close does not keep it.
   for (const std::int16_t slot : {std::int16_t{0}, std::int16_t{1}}) {
-    capture_.Release(slot);
-    songFiles_.Discard(state_.Recording.CaptureSlots.at(static_cast<std::size_t>(slot)));
+    sound_.Capture.Release(slot);
+    sound_.SongFiles.Discard(state_.Recording.CaptureSlots.at(static_cast<std::size_t>(slot)));
   }
   for (const int number : {0, 1}) {
     for (const CaptureRecord& record : state_.Recording.CaptureSlots) {
-      songFiles_.RemoveLeftovers(record.Folder, capture_.TemporaryName(number, "*"));
+      sound_.SongFiles.RemoveLeftovers(record.Folder, sound_.Capture.TemporaryName(number, "*"));
     }
   }
 }
@@ -63,9 +63,9 @@ void Kestrune::tmrQuit_Timer() {
     state_.Run.Quitting = false;
   }
   tmrUpdate_->SetEnabled(false);
-  channels_.SaveAtExit();
-  capture_.RecordStop(0);
-  capture_.RecordStop(1);
+  radio_.Channels.SaveAtExit();
+  sound_.Capture.RecordStop(0);
+  sound_.Capture.RecordStop(1);
   log_.DoLog("Shutting Down");
   tmrUpdate_->SetEnabled(false);
   DrainPort();
@@ -76,15 +76,15 @@ void Kestrune::tmrQuit_Timer() {
 }
 
 void Kestrune::DrainPort() {
-  if (!session_.pcrPortOpen()) return;
-  session_.DrainInput();
-  session_.SetPortOpen(false);
+  if (!radio_.Session.pcrPortOpen()) return;
+  radio_.Session.DrainInput();
+  radio_.Session.SetPortOpen(false);
 }
 
 void Kestrune::SaveAtExit() {
-  if (window_.State == presenters::WindowState::Normal) {
-    base::Ignored(section_.SaveSingle("MainTop", window_.Top));
-    base::Ignored(section_.SaveSingle("MainLeft", window_.Left));
+  if (const std::optional<WindowPlace> place = presentation_->PlaceToRemember()) {
+    base::Ignored(section_.SaveSingle("MainTop", place->Top));
+    base::Ignored(section_.SaveSingle("MainLeft", place->Left));
   }
   config::Settings last = state_.Settings;
   last.Channel = state_.Radio.ChannelNumber;
@@ -100,7 +100,7 @@ void Kestrune::CloseSecondPass() {
   tmrUpdate_->SetEnabled(false);
   tmrClock_->SetEnabled(false);
   log_.CloseTrace();
-  audio_.Release();
+  sound_.Audio.Release();
   door_.ShutForGood(kClosing);
   closed_();
 }

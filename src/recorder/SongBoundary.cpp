@@ -14,7 +14,7 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFile
       radio_(state.Radio),
       capture_(parts.Capture),
       disposition_(parts.Disposition),
-      display_(parts.Display),
+      announcer_(parts.Announcer),
       songFiles_(songFiles),
       loop_(loop) {}
 
@@ -62,7 +62,7 @@ void SongBoundary::Take(bool split) {
   }
   if (cut) capture_.Release(finished);
   FollowCurrentSong();
-  display_.ShowSong(Tuned());
+  announcer_.ShowSong(Tuned());
 }
 
 void SongBoundary::AwaitSound() {
@@ -102,7 +102,7 @@ SongName SongBoundary::MakePlace(const CaptureRecord& capture) {
 
 void SongBoundary::ShowRecording() {
   state_.Phase = Phase::Recording;
-  display_.ShowTrayTip();
+  announcer_.ShowTrayTip();
   state_.RecordStartTime = loop_.Now();
 }
 

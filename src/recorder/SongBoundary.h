@@ -4,8 +4,8 @@
 
 #include "base/EventLoop.h"
 #include "radio/channels/Channels.h"
+#include "recorder/Announcer.h"
 #include "recorder/Capture.h"
-#include "recorder/Display.h"
 #include "recorder/Disposition.h"
 #include "recorder/SongFiles.h"
 #include "recorder/State.h"
@@ -21,7 +21,7 @@ class SongBoundary {
     radio::Channels& Channels;
     recorder::Capture& Capture;
     recorder::Disposition& Disposition;
-    recorder::Display& Display;
+    recorder::Announcer& Announcer;
   };
 
   SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop);
@@ -45,7 +45,7 @@ class SongBoundary {
   const radio::RadioState& radio_;
   Capture& capture_;
   Disposition& disposition_;
-  Display& display_;
+  Announcer& announcer_;
   SongFiles& songFiles_;
   base::EventLoop& loop_;
 };

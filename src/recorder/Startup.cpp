@@ -46,25 +46,25 @@ StartOutcome Kestrune::LoadSteps() {
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!Agree()) return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
-  presets_.LoadPresets();
+  presentation_->LoadPresets();
   radio::DisableSerialMouse(outside_.SerialEnumerator);
   tmrUpdate_->SetEnabled(true);
 
   const radio::RadioSearch search =
-      bringUp_.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
+      radio_.BringUp.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!search.Found()) return ReportNoRadio(search);
   ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);
-  base::Ignored(session_.pcrGetSignalLevels());
+  base::Ignored(radio_.Session.pcrGetSignalLevels());
   outside_.Windows.ClosePleaseWait();
   outside_.Windows.ShowMainWindowDisabled();
   outside_.Loop.PumpEvents();
-  channelChooser_.Load();
+  radio_.Channels.SetUpGrid();
   outside_.Windows.LoadChannelsWindow();
   outside_.Loop.PumpEvents();
-  channels_.LoadChannels();
+  radio_.Channels.LoadChannels();
   outside_.Loop.PumpEvents();
   TuneStoredChannel();
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
@@ -72,16 +72,15 @@ StartOutcome Kestrune::LoadSteps() {
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   PrepareRecording();
   outside_.Windows.EnableMainWindow();
-  channels_.StartWalk();
+  radio_.Channels.StartWalk();
   stayAwake_.Start();
   CheckTemporarySpace();
   return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }
 
 void Kestrune::CreateAudioObjects() {
-  audio_.Create(outside_.Audio);
-  capture_.ConnectRecorder();
-  audio_.AudioRecord->SetTimerHandler([this] { AudioRecord_Timer(); });
+  sound_.Create(outside_.Audio);
+  sound_.Audio.AudioRecord->SetTimerHandler([this] { AudioRecord_Timer(); });
 }
 
 void Kestrune::ReadCommandLine() {
@@ -90,8 +89,8 @@ void Kestrune::ReadCommandLine() {
   section_.SetMultiUnit(multiUnit_);
   log_.SetMultiUnit(multiUnit_);
   restrictions_.SetMultiUnit(multiUnit_);
-  capture_.SetMultiUnit(multiUnit_);
-  channels_.SetListPlace(schedule::UserDataFolder(outside_.Environment), multiUnit_);
+  sound_.Capture.SetMultiUnit(multiUnit_);
+  radio_.Channels.SetListPlace(schedule::UserDataFolder(outside_.Environment), multiUnit_);
   schedule::CloseUserDataFolder(outside_.Files, outside_.Environment);
   log_.List().DoLog("Load");
   log_.DoLog(
@@ -115,9 +114,9 @@ void Kestrune::ReadSettings() {
 
 bool Kestrune::FindInputDevices() {
   const std::string wanted = state_.Settings.InputDeviceId;
-  inputDevices_ = EnumerateInputDevices(*audio_.AudioRecord, {state_.Settings.InputDevice, wanted});
-  const InputDevices& found = inputDevices_;
-  inputDeviceName_ = found.Configured;
+  sound_.Devices = EnumerateInputDevices(*sound_.Audio.AudioRecord, {state_.Settings.InputDevice, wanted});
+  const InputDevices& found = sound_.Devices;
+  sound_.InputDeviceName = found.Configured;
   if (found.Index != state_.Settings.InputDevice) {
     config::Settings wished = state_.Settings;
     wished.InputDevice = found.Index;
@@ -175,15 +174,15 @@ void Kestrune::ReadRadioID(std::int16_t port) {
   outside_.Windows.ShowPort(state_.Settings.PortNum);
   log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();
-  state_.Radio.RadioID = bringUp_.ReadRadioID();
+  state_.Radio.RadioID = radio_.BringUp.ReadRadioID();
   log_.DoLog("Radio ID " + state_.Radio.RadioID);
 }
 
 void Kestrune::TuneStoredChannel() {
   // A radio that confirms nothing may have obeyed all the same.
-  base::Ignored(bringUp_.Tune(state_.Radio.ChannelNumber));
+  base::Ignored(radio_.BringUp.Tune(state_.Radio.ChannelNumber));
   state_.Recording.SongBoundarySeen = false;
-  bringUp_.Settle([this] { outside_.Windows.ShowMainWindowDisabled(); });
+  radio_.BringUp.Settle([this] { outside_.Windows.ShowMainWindowDisabled(); });
 }
 
 bool Kestrune::FirstRun() {
@@ -194,9 +193,9 @@ bool Kestrune::FirstRun() {
 void Kestrune::PrepareRecording() {
   ReloadSchedule();
   restrictions_.LoadRestrictions();
-  fileSpecs_.SetFileSpecs(0);
-  fileSpecs_.SetFileSpecs(1);
-  log_.DoLog("Using file format: " + audio_.File(1)->FormatDescription());
+  sound_.FileSpecs.SetFileSpecs(0);
+  sound_.FileSpecs.SetFileSpecs(1);
+  log_.DoLog("Using file format: " + sound_.Audio.File(1)->FormatDescription());
 }
 
 void Kestrune::CheckTemporarySpace() {

@@ -15,7 +15,7 @@ UpdateCycle::UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop
       modes_(state),
       boundary_(parts.Boundary),
       commands_(parts.Commands),
-      display_(parts.Display),
+      announcer_(parts.Announcer),
       loop_(loop),
       tmrUpdate_(tmrUpdate) {}
 
@@ -41,7 +41,7 @@ void UpdateCycle::Tick() {
 
   loop_.PumpEvents();
   if (const radio::ChannelEntry* tuned = channels_.TunedRow()) {
-    display_.RefreshChannel(radio_.ChannelNumber, *tuned);
+    announcer_.RefreshChannel(radio_.ChannelNumber, *tuned);
   }
   loop_.PumpEvents();
   if (run_.Quitting) {

@@ -4,7 +4,7 @@
 
 #include "base/EventLoop.h"
 #include "radio/channels/Channels.h"
-#include "recorder/Display.h"
+#include "recorder/Announcer.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/SongBoundary.h"
@@ -21,7 +21,7 @@ class UpdateCycle {
     radio::Channels& Channels;
     SongBoundary& Boundary;
     RecordCommands& Commands;
-    recorder::Display& Display;
+    recorder::Announcer& Announcer;
   };
 
   UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop, base::Timer& tmrUpdate);
@@ -46,7 +46,7 @@ class UpdateCycle {
   Modes modes_;
   SongBoundary& boundary_;
   RecordCommands& commands_;
-  Display& display_;
+  Announcer& announcer_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
   std::function<void()> schedulePass_ = [] {};

@@ -33,9 +33,6 @@ class Windows {
   virtual void ShowUpdating() {}
   virtual void CloseUpdating() {}
 
-  /// The rule that follows the main window's size and state, ten times a second.
-  virtual void ApplyResizeRule() {}
-
   /// Opens the window, or brings an open one to the front.
   virtual void Show(WindowName /*name*/) {}
   /// As if the user had asked it to close: its own closing rule runs. A window that is only hidden is hidden.

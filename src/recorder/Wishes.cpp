@@ -18,7 +18,7 @@ constexpr const char* kStarting = "the program is still starting";
 
 /// What keeps people from recording, stopping and tuning while the schedule records.
 std::string RunningEvent(const Kestrune& unit) {
-  const schedule::ScheduleState& schedule = unit.Schedule();
+  const schedule::ScheduleState& schedule = unit.State().Schedule;
   return fmt::format("schedule entry {} is recording until {}", schedule.ActiveSchedule,
                      base::FormatDate(schedule.RemainingUntil, "mmm d, h:nn am/pm"));
 }
@@ -28,25 +28,27 @@ Result RefusedByEvent(const Kestrune& unit) {
 }
 
 bool InEvent(const Kestrune& unit) {
-  return unit.Schedule().ActiveSchedule != 0;
+  return unit.State().Schedule.ActiveSchedule != 0;
 }
 
 }  // namespace
 
 void Wishes::Ask(Door::Wish wish, Answered answered) {
-  if (unit_.Run().FormLoading && !unit_.Run().ShuttingDown) {
+  if (unit_.State().Run.FormLoading && !unit_.State().Run.ShuttingDown) {
     if (answered) answered(Result::Failed(kStarting));
     return;
   }
-  door_.Ask([&unit = unit_,
-             wish = std::move(wish)] { return unit.Run().ShuttingDown ? Result::Failed(kClosing) : wish(); },
-            std::move(answered));
+  door_.Ask(
+      [&unit = unit_, wish = std::move(wish)] {
+        return unit.State().Run.ShuttingDown ? Result::Failed(kClosing) : wish();
+      },
+      std::move(answered));
 }
 
 void Wishes::Record(Answered answered) {
   Ask(
       [&unit = unit_] {
-        if (!unit.MayRecord()) {
+        if (!unit.State().MayRecord()) {
           return Result::Failed(InEvent(unit) ? RunningEvent(unit) + " already"
                                               : "recording has been asked for already");
         }
@@ -59,8 +61,8 @@ void Wishes::Record(Answered answered) {
 void Wishes::Stop(Answered answered) {
   Ask(
       [&unit = unit_] {
-        if (InEvent(unit) && !unit.MayStop()) return RefusedByEvent(unit);
-        if (!unit.MayStop()) return Result::Failed("nothing is being recorded");
+        if (InEvent(unit) && !unit.State().MayStop()) return RefusedByEvent(unit);
+        if (!unit.State().MayStop()) return Result::Failed("nothing is being recorded");
         unit.cmdStop();
         return Result::Done();
       },
@@ -72,7 +74,7 @@ void Wishes::Tune(std::int16_t channel, Answered answered) {
 }
 
 Result Wishes::TuneNow(std::int16_t channel) {
-  if (unit_.Recording().GetRecordingStatus()) {
+  if (unit_.State().Recording.GetRecordingStatus()) {
     if (InEvent(unit_)) return RefusedByEvent(unit_);
     return Result::Failed("the channel cannot be changed while recording is under way; stop it first");
   }
@@ -85,7 +87,7 @@ void Wishes::Mute(bool on, Answered answered) {
 }
 
 void Wishes::ToggleMute(Answered answered) {
-  Ask([this] { return MuteNow(!unit_.Recording().Muted); }, std::move(answered));
+  Ask([this] { return MuteNow(!unit_.State().Recording.Muted); }, std::move(answered));
 }
 
 Result Wishes::MuteNow(bool on) {
@@ -106,7 +108,7 @@ void Wishes::ReloadChannels(Answered answered) {
 void Wishes::ChangeSetting(std::string key, std::string value, Answered answered) {
   Ask(
       [&unit = unit_, key = std::move(key), value = std::move(value)] {
-        const config::SettingOutcome outcome = unit.ChangeSetting(key, value);
+        const config::SettingOutcome outcome = unit.Parts().Settings.Set(key, value);
         if (!outcome.Done()) return Result::Failed(outcome.Refusal);
         if (outcome.Saved) return Result::Done();
         return Result::Failed("the new value holds until the end, but the settings could not be written");
@@ -115,8 +117,8 @@ void Wishes::ChangeSetting(std::string key, std::string value, Answered answered
 }
 
 void Wishes::AskForUpdate(std::function<void(const base::Result&, const UpdateAnswer&)> answered) {
-  if (unit_.Run().ShuttingDown) return answered(Result::Failed(kClosing), {});
-  if (unit_.Run().FormLoading) return answered(Result::Failed(kStarting), {});
+  if (unit_.State().Run.ShuttingDown) return answered(Result::Failed(kClosing), {});
+  if (unit_.State().Run.FormLoading) return answered(Result::Failed(kStarting), {});
   unit_.AskForUpdate(std::move(answered));
 }
 

@@ -50,9 +50,10 @@ Desktop::~Desktop() {
   Detach();
 }
 
-void Desktop::Attach(recorder::Kestrune& unit) {
-  unit_ = &unit;
-  main_ = std::make_unique<frmKestrune>(unit);
+void Desktop::Attach(presenters::UnitPresenters& rules) {
+  rules_ = &rules;
+  unit_ = &rules.Unit();
+  main_ = std::make_unique<frmKestrune>(rules);
   main_->Show = [this](WindowName name) { Show(name); };
   main_->mnuAbout = [this] { ShowAbout(); };
   main_->mnuHelpWith = [this] { base::Ignored(outside_.Shell.Open(outside_.HelpFile)); };
@@ -70,10 +71,10 @@ void Desktop::Attach(recorder::Kestrune& unit) {
   main_->CloseAsked = [this] { unit_->Wishes().Close(); };
   main_->StateChanged = [this] {
     ReadMainWindow();
-    ApplyResizeRule();
+    rules_->Resize().Apply();
     ShowMainWindow();
   };
-  unit.PresetButtons().ShowPresets = [this] { Show(WindowName::Presets); };
+  rules.PresetButtons().ShowPresets = [this] { Show(WindowName::Presets); };
   ReadMainWindow();
   tmrRefresh_ = outside_.Loop.MakeTimer(kRefreshInterval, [this] { Refresh(); });
   tmrRefresh_->SetEnabled(true);
@@ -111,7 +112,7 @@ void Desktop::Refresh() {
 // The main window.
 
 void Desktop::ReadMainWindow() {
-  presenters::MainWindow& record = unit_->WindowRecord();
+  presenters::DesktopRecord& record = rules_->OnDesktop();
   record.State = StateOf(*main_);
   if (record.State != presenters::WindowState::Normal || !main_->isVisible()) return;
   const Place place = PlaceOf(*main_);
@@ -120,7 +121,7 @@ void Desktop::ReadMainWindow() {
 }
 
 void Desktop::ShowMainWindow() {
-  const bool visible = unit_->Window().Visible && !unit_->Run().ShuttingDown;
+  const bool visible = rules_->OnDesktop().Visible && !unit_->State().Run.ShuttingDown;
   if (visible != main_->isHidden()) return;
   if (!visible) KeepPlace(*main_);
   main_->setVisible(visible);
@@ -128,21 +129,21 @@ void Desktop::ShowMainWindow() {
 
 void Desktop::PlaceMainWindow() {
   const Place own = PlaceOf(*main_);
-  const config::SettingsSection& section = unit_->Section();
+  const config::SettingsSection& section = unit_->Parts().Section;
   const Place stored{.Top = section.Single("MainTop", own.Top), .Left = section.Single("MainLeft", own.Left)};
   // A window that is not moved is placed by the desktop.
   if (stored.Top != own.Top || stored.Left != own.Left) MoveTo(*main_, stored);
 }
 
 void Desktop::HideAndDisableMainWindow() {
-  unit_->WindowRecord().Visible = false;
+  rules_->OnDesktop().Visible = false;
   main_->hide();
   main_->setEnabled(false);
   SetBusyCursor(true);
 }
 
 void Desktop::ShowMainWindowDisabled() {
-  unit_->WindowRecord().Visible = true;
+  rules_->OnDesktop().Visible = true;
   main_->setEnabled(false);
   main_->Refresh();
   // The focus is taken once, and then only from the program's own windows: the user may be at work elsewhere.
@@ -165,10 +166,6 @@ void Desktop::MainWindowToFront() {
 void Desktop::PassKey(int key) {
   MainWindowToFront();
   if (main_ != nullptr) main_->PressHotKey(key);
-}
-
-void Desktop::ApplyResizeRule() {
-  unit_->Resize().Apply();
 }
 
 void Desktop::SetBusyCursor(bool busy) {
@@ -207,21 +204,26 @@ void Desktop::RemoveTrayIcon() {
 }
 
 void Desktop::ShowTray() {
-  presenters::MainWindow& record = unit_->WindowRecord();
+  presenters::DesktopRecord& record = rules_->OnDesktop();
   if (tray_ == nullptr) {
     record.TrayIcon = false;
     return;
   }
   if (trayCheck_ == 0) record.TrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
   trayCheck_ = (trayCheck_ + 1) % kRefreshesPerTrayCheck;
-  if (record.TrayTip == trayTip_) return;
-  trayTip_ = record.TrayTip;
+  std::string tip = rules_->Window().TrayTip;
+  if (tip == trayTip_) return;
+  trayTip_ = std::move(tip);
   tray_->setToolTip(ToQt(trayTip_).left(kTrayTipLetters));
 }
 
+QString Desktop::TrayTip() const {
+  return tray_ != nullptr ? tray_->toolTip() : QString();
+}
+
 void Desktop::Restore() {
-  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
-  unit_->WindowRecord().Visible = true;
+  if (unit_->State().Run.FormLoading || unit_->State().Run.ShuttingDown) return;
+  rules_->OnDesktop().Visible = true;
   main_->setWindowState(main_->windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized));
   Raise(*main_);
 }
@@ -265,13 +267,13 @@ void Desktop::ShowFirstConfiguration() {
   const bool busy = busyCursor_;
   SetBusyCursor(false);
   kept->Window->OpenFirst();
-  if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
+  if (!unit_->State().Run.ShuttingDown) SetBusyCursor(busy);
   DropClosed();
 }
 
 void Desktop::ShowModally(QWidget& window) {
   // Preparing what it shows may have waited, and the program may have been closed meanwhile.
-  if (unit_->Run().ShuttingDown) return;
+  if (unit_->State().Run.ShuttingDown) return;
   const QPointer<QWidget> shown = &window;
   window.setWindowModality(Qt::ApplicationModal);
   const bool busy = busyCursor_;
@@ -280,16 +282,16 @@ void Desktop::ShowModally(QWidget& window) {
   QEventLoop wait;
   QTimer look;
   connect(&look, &QTimer::timeout, &wait, [&] {
-    if (shown == nullptr || shown->isHidden() || unit_->Run().ShuttingDown) wait.quit();
+    if (shown == nullptr || shown->isHidden() || unit_->State().Run.ShuttingDown) wait.quit();
   });
   look.start(kRefreshInterval);
   if (window.isVisible()) wait.exec();
   if (shown != nullptr) shown->setWindowModality(Qt::NonModal);
-  if (!unit_->Run().ShuttingDown) SetBusyCursor(busy);
+  if (!unit_->State().Run.ShuttingDown) SetBusyCursor(busy);
 }
 
 void Desktop::ShowRememberedWindows() {
-  unit_->Switches().ShowRemembered();
+  rules_->Switches().ShowRemembered();
 }
 
 void Desktop::ShowWaitCursor(bool wait) {
@@ -360,7 +362,7 @@ void Desktop::DropClosed() {
 }
 
 void Desktop::Show(WindowName name) {
-  if (unit_->Run().ShuttingDown) return;
+  if (unit_->State().Run.ShuttingDown) return;
   Kept* kept = Load(name);
   if (kept == nullptr) return;
   kept->Window->Refresh();
@@ -429,7 +431,7 @@ void Desktop::HideAll() {
     widget->hide();
   }
   ReadMainWindow();
-  unit_->WindowRecord().Visible = false;
+  rules_->OnDesktop().Visible = false;
   main_->hide();
 }
 

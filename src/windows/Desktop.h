@@ -12,7 +12,7 @@
 #include "base/EventLoop.h"
 #include "platform/Dialogs.h"
 #include "platform/Shell.h"
-#include "recorder/Kestrune.h"
+#include "presenters/UnitPresenters.h"
 #include "recorder/Windows.h"
 #include "windows/OpenWindow.h"
 #include "windows/frmKestrune.h"
@@ -41,8 +41,8 @@ class Desktop final : public QObject, public recorder::Windows {
   Desktop& operator=(const Desktop&) = delete;
 
   /// Called once, before the unit loads.
-  void Attach(recorder::Kestrune& unit);
-  /// Destroys all windows. Called before the unit is destroyed.
+  void Attach(presenters::UnitPresenters& rules);
+  /// Destroys all windows. Called before the rules and the unit are destroyed.
   void Detach();
 
   /// Sets what creates a window. A window without a maker does not exist, and Show does nothing for it.
@@ -60,6 +60,8 @@ class Desktop final : public QObject, public recorder::Windows {
   [[nodiscard]] frmKestrune* Main() const { return main_.get(); }
   /// The window while it is loaded, else null.
   [[nodiscard]] QWidget* WidgetOf(recorder::WindowName name) const;
+  /// The tip of the tray icon as it is shown; empty without one.
+  [[nodiscard]] QString TrayTip() const;
   /// Shows a window and waits until it is closed or the program closes; nothing else takes input meanwhile.
   void ShowModally(QWidget& window);
 
@@ -82,7 +84,6 @@ class Desktop final : public QObject, public recorder::Windows {
   void ShowWaitCursor(bool wait) override;
   void ShowUpdating() override;
   void CloseUpdating() override;
-  void ApplyResizeRule() override;
   void Show(recorder::WindowName name) override;
   void Close(recorder::WindowName name) override;
   void SetVisible(recorder::WindowName name, bool visible) override;
@@ -114,6 +115,7 @@ class Desktop final : public QObject, public recorder::Windows {
   void SetBusyCursor(bool busy);
 
   Outside outside_;
+  presenters::UnitPresenters* rules_ = nullptr;
   recorder::Kestrune* unit_ = nullptr;
   std::map<recorder::WindowName, Maker> makers_;
   std::map<recorder::WindowName, Kept> kept_;

@@ -16,13 +16,14 @@ namespace kestrune::windows {
 
 using recorder::WindowName;
 
-UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outside& outside)
+UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, const Outside& outside)
     : desktop_(desktop),
-      unit_(unit),
+      rules_(rules),
+      parts_(rules.Unit().Parts()),
       loop_(outside.Loop),
-      log_(unit.LogBook().List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
-      mixer_(outside.Mixer, [this] { return unit_.InputDeviceId(); }),
-      configuration_(unit.ConfigurationAccess()) {
+      log_(parts_.Log.List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
+      mixer_(outside.Mixer, [this] { return rules_.Unit().InputDeviceId(); }),
+      configuration_(rules.ConfigurationAccess()) {
   desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
   desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
   desktop.SetMaker(WindowName::Schedule, [this] { return MakeSchedule(); });
@@ -35,53 +36,57 @@ UnitWindows::UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outsi
   desktop.ShowRadioID = [this] { ShowRadioID(); };
   desktop.OfferForList = [this](std::string_view word, const std::string& caption) {
     using Field = presenters::GrabKill::Field;
-    unit_.GrabKill().DblClick(word == "Artist" ? Field::Artist : Field::Song, caption);
+    rules_.GrabKill().DblClick(word == "Artist" ? Field::Artist : Field::Song, caption);
   };
-  unit.GrabKill().SetWindow([this] { AskForList(); });
+  rules.GrabKill().SetWindow([this] { AskForList(); });
   // Cells of the channels window have single ampersands, unlike captions of labels.
-  unit.ChannelsWindow().OfferForList = [this](std::string_view word, std::string_view text) {
+  rules.ChannelsWindow().OfferForList = [this](std::string_view word, std::string_view text) {
     desktop_.OfferForList(word, base::DoubleAmpersands(text));
   };
-  unit.ChannelsWindow().ClearChannelListing = [this] { unit_.Switches().Click(WindowName::Channels, false); };
-  unit.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
+  rules.ChannelsWindow().ClearChannelListing = [this] {
+    rules_.Switches().Click(WindowName::Channels, false);
+  };
+  rules.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeChannels() {
-  auto window = std::make_unique<frmChannels>(unit_.ChannelsWindow(), unit_.Section());
+  auto window = std::make_unique<frmChannels>(rules_.ChannelsWindow(), parts_.Section);
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeLog() {
-  auto window = std::make_unique<frmLog>(log_, unit_.Section());
-  window->Hidden = [this] { unit_.Switches().Click(WindowName::Log, false); };
+  auto window = std::make_unique<frmLog>(log_, parts_.Section);
+  window->Hidden = [this] { rules_.Switches().Click(WindowName::Log, false); };
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeSchedule() {
-  auto window = std::make_unique<frmSchedule>(unit_.OpenScheduler(), loop_, unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().Click(WindowName::Schedule, refused); };
+  auto window =
+      std::make_unique<frmSchedule>(rules_.OpenScheduler(), loop_, rules_.Unit().State().Run, parts_.Section);
+  window->CloseEnded = [this](bool refused) { rules_.Switches().Click(WindowName::Schedule, refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeRestrictList() {
-  auto window = std::make_unique<frmRestrictList>(unit_.RestrictListEditor(), unit_.Run(), unit_.Section());
-  window->CloseEnded = [this](bool refused) { unit_.Switches().Click(WindowName::RestrictList, refused); };
+  auto window = std::make_unique<frmRestrictList>(rules_.RestrictListEditor(), rules_.Unit().State().Run,
+                                                  parts_.Section);
+  window->CloseEnded = [this](bool refused) { rules_.Switches().Click(WindowName::RestrictList, refused); };
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeKestruneNow() {
-  auto window = std::make_unique<frmKestruneNow>(unit_.NowWindow(), unit_.PresetButtons(), unit_.Section());
+  auto window = std::make_unique<frmKestruneNow>(rules_.NowWindow(), rules_.PresetButtons(), parts_.Section);
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
-  window->Closed = [this] { unit_.Switches().Click(WindowName::KestruneNow, false); };
+  window->Closed = [this] { rules_.Switches().Click(WindowName::KestruneNow, false); };
   return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakePresets() {
-  return Opened(std::make_unique<frmPresets>(unit_.PresetWindow(), unit_.Section()));
+  return Opened(std::make_unique<frmPresets>(rules_.PresetWindow(), parts_.Section));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
@@ -91,16 +96,16 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeMixer() {
-  return Opened(std::make_unique<frmMixer>(mixer_, unit_.Section()));
+  return Opened(std::make_unique<frmMixer>(mixer_, parts_.Section));
 }
 
 void UnitWindows::ShowRadioID() {
-  frmRadioID window(unit_.pcrRadioID());
+  frmRadioID window(rules_.Unit().pcrRadioID());
   desktop_.ShowModally(window);
 }
 
 void UnitWindows::AskForList() {
-  frmGrabKill window(unit_.GrabKill());
+  frmGrabKill window(rules_.GrabKill());
   desktop_.ShowModally(window);
 }
 

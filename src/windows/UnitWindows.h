@@ -8,7 +8,7 @@
 #include "presenters/Configuration.h"
 #include "presenters/LogWindow.h"
 #include "presenters/MixerWindow.h"
-#include "recorder/Kestrune.h"
+#include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 
 namespace kestrune::windows {
@@ -26,9 +26,9 @@ class UnitWindows {
     platform::Mixer& Mixer;
   };
 
-  /// The desktop is attached to the unit. All must outlive the object. The windows themselves must be
+  /// The desktop is attached to the rules. All must outlive the object. The windows themselves must be
   /// destroyed before it: see Desktop::Detach.
-  UnitWindows(Desktop& desktop, recorder::Kestrune& unit, const Outside& outside);
+  UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, const Outside& outside);
   UnitWindows(const UnitWindows&) = delete;
   UnitWindows& operator=(const UnitWindows&) = delete;
 
@@ -45,7 +45,8 @@ class UnitWindows {
   void AskForList();
 
   Desktop& desktop_;
-  recorder::Kestrune& unit_;
+  presenters::UnitPresenters& rules_;
+  recorder::UnitParts parts_;
   base::EventLoop& loop_;
   presenters::LogWindow log_;
   presenters::MixerWindow mixer_;

@@ -90,7 +90,7 @@ QPushButton* MakeButton(const char* name, const char* caption, const char* tip, 
 
 }  // namespace
 
-frmKestrune::frmKestrune(recorder::Kestrune& unit) : unit_(unit) {
+frmKestrune::frmKestrune(presenters::UnitPresenters& rules) : rules_(rules), unit_(rules.Unit()) {
   setObjectName(QStringLiteral("frmKestrune"));
   setContextMenuPolicy(Qt::NoContextMenu);
   MakeMenus();
@@ -164,7 +164,7 @@ void frmKestrune::MakeMenus() {
   AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");
   AddEntry(options, "mnuSievanceKill", "&Kill List On", flip("chkSievanceKill"), "Ctrl+K");
   AddEntry(options, "mnuCleftune", "&Cleftune On", [this] {
-    AskFor([&rules = unit_.Options()] { rules.mnuCleftune_Click(); });
+    AskFor([&rules = rules_.Options()] { rules.mnuCleftune_Click(); });
   })->setCheckable(true);
   AddEntry(
       options, "mnuMute", "Mute Au&dio", [this] { unit_.Wishes().ToggleMute(); }, "Ctrl+D")
@@ -172,7 +172,7 @@ void frmKestrune::MakeMenus() {
   AddEntry(options, "mnuRadioOnAtExit", "Radio On At E&xit", flip("chkRadioOnAtExit"));
   addWindow(WindowName::Presets);
   AddEntry(options, "mnuCheckUpdatesAtStartup", "Check for &Updates at Startup", [this] {
-    AskFor([&rules = unit_.Options()] { rules.mnuCheckUpdatesAtStartup_Click(); });
+    AskFor([&rules = rules_.Options()] { rules.mnuCheckUpdatesAtStartup_Click(); });
   })->setCheckable(true);
   addWindow(WindowName::Config);
 
@@ -220,10 +220,10 @@ QWidget* frmKestrune::MakeSong() {
       MakeElided("lblSong", kSongLetters, group, "Click to add this song to the Grab or Kill list", "Song"));
   for (ElidedLabel* label : {lblArtist_, lblSong_}) Enlarge(*label, 1.3, true);
   lblArtist_->SetActivated([this] {
-    if (OfferForList) OfferForList("Artist", unit_.Window().lblArtist.Caption);
+    if (OfferForList) OfferForList("Artist", rules_.Window().lblArtist.Caption);
   });
   lblSong_->SetActivated([this] {
-    if (OfferForList) OfferForList("Song", unit_.Window().lblSong.Caption);
+    if (OfferForList) OfferForList("Song", rules_.Window().lblSong.Caption);
   });
   return group;
 }
@@ -330,7 +330,7 @@ QWidget* frmKestrune::MakeCounters() {
 QWidget* frmKestrune::MakeLevels() {
   auto* group = new QGroupBox(tr("Level"), this);
   auto* column = new QVBoxLayout(group);
-  audioDisplay_ = new AudioDisplay(unit_.AudioDisplay(), group);
+  audioDisplay_ = new AudioDisplay(rules_.AudioDisplay(), group);
   audioDisplay_->setObjectName(QStringLiteral("AudioDisplay"));
   column->addWidget(audioDisplay_, 1);
   auto* buttons = new QHBoxLayout;
@@ -338,10 +338,10 @@ QWidget* frmKestrune::MakeLevels() {
   QPushButton* mixer =
       MakeButton("cmdMixer", "Record Levels", "Show the recording mixer to adjust recording levels", group);
   connect(type, &QPushButton::clicked, this, [this] {
-    unit_.AudioDisplay().NextType();
+    rules_.AudioDisplay().NextType();
     audioDisplay_->Refresh();
   });
-  connect(mixer, &QPushButton::clicked, this, [this] { unit_.Switches().cmdMixer_Click(); });
+  connect(mixer, &QPushButton::clicked, this, [this] { rules_.Switches().cmdMixer_Click(); });
   buttons->addWidget(type);
   buttons->addWidget(mixer);
   column->addLayout(buttons);
@@ -356,7 +356,7 @@ QWidget* frmKestrune::MakePresets() {
     Name(*button, ("cmdPresetStation_" + std::to_string(i)).c_str());
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     connect(button, &QPushButton::clicked, this, [this, i] {
-      unit_.PresetButtons().cmdPresetStation_Click(i);
+      rules_.PresetButtons().cmdPresetStation_Click(i);
       Refresh();
     });
     // Column by column, as in the now window.
@@ -388,9 +388,9 @@ QWidget* frmKestrune::MakeBoxes() {
   row->setContentsMargins(0, 0, 0, 0);
   /// The box of an option: what the user did is a wish.
   const auto option = [this](void (presenters::OptionRules::*rule)(bool)) {
-    return [this, rule](bool on) { AskFor([&rules = unit_.Options(), rule, on] { (rules.*rule)(on); }); };
+    return [this, rule](bool on) { AskFor([&rules = rules_.Options(), rule, on] { (rules.*rule)(on); }); };
   };
-  presenters::WindowSwitches& switches = unit_.Switches();
+  presenters::WindowSwitches& switches = rules_.Switches();
 
   auto* options = new QGroupBox(tr("Options"), both);
   auto* left = new QGridLayout(options);
@@ -443,7 +443,7 @@ QAction* frmKestrune::Entry(const char* name) const {
 }
 
 void frmKestrune::Refresh() {
-  Refresh(unit_.Window());
+  Refresh(rules_.Window());
 }
 
 void frmKestrune::Refresh(const MainWindow& record) {
@@ -475,7 +475,7 @@ void frmKestrune::Refresh(const MainWindow& record) {
 }
 
 void frmKestrune::ShowPresets() {
-  const auto& presets = unit_.PresetButtons().Buttons();
+  const auto& presets = rules_.PresetButtons().Buttons();
   for (std::size_t i = 0; i < presets.size(); ++i) {
     const int room = presets_[i]->width() - presets_[i]->fontMetrics().averageCharWidth() * 3;
     const PresetFace face{presets.at(i).Caption, presets.at(i).Tip, room, palette().cacheKey()};
@@ -509,7 +509,7 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
     colours.setColor(QPalette::Inactive, QPalette::WindowText, wanted);
     lblRecording_->setPalette(colours);
   }
-  ShowText(*lblExplanation_, unit_.Explanation());
+  ShowText(*lblExplanation_, rules_.Explanation());
   // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
   ShowVisible(*pctTimer_, record.pctTimer.Visible);
@@ -534,7 +534,7 @@ void frmKestrune::ShowMenus(const MainWindow& record) {
 void frmKestrune::PressHotKey(int key) {
   if (!isEnabled()) return;
   if (key >= kHotKeyF1 && key <= kHotKeyF12) {
-    unit_.PresetButtons().cmdPresetStation_Click(key - kHotKeyF1);
+    rules_.PresetButtons().cmdPresetStation_Click(key - kHotKeyF1);
     return Refresh();
   }
   const QKeySequence wanted(QKeyCombination(Qt::ControlModifier, static_cast<Qt::Key>(key)));

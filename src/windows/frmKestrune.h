@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "presenters/Presets.h"
-#include "recorder/Kestrune.h"
+#include "presenters/UnitPresenters.h"
 
 class QAction;
 class QCheckBox;
@@ -27,8 +27,8 @@ class ElidedLabel;
 /// window.
 class frmKestrune final : public QMainWindow {
  public:
-  /// The unit must outlive the window.
-  explicit frmKestrune(recorder::Kestrune& unit);
+  /// The rules must outlive the window.
+  explicit frmKestrune(presenters::UnitPresenters& rules);
 
   // What the window asks of others.
   std::function<void(recorder::WindowName)> Show;
@@ -96,6 +96,7 @@ class frmKestrune final : public QMainWindow {
   void ShowStatus(const presenters::MainWindow& record);
   void ShowMenus(const presenters::MainWindow& record);
 
+  presenters::UnitPresenters& rules_;
   recorder::Kestrune& unit_;
 
   ElidedLabel* lblChannel_ = nullptr;

@@ -64,14 +64,14 @@ TEST_F(UnitTargetTest, AnEntryThatIsSetCountsAtOnce) {
   ASSERT_FALSE(channels.empty());
   const base::Result set = Set(TonightOn(channels[0].Number));
   EXPECT_TRUE(set.Ok()) << set.Cause();
-  EXPECT_TRUE(rig->Entries()[2].Enabled);
+  EXPECT_TRUE(rig->State().Entries[2].Enabled);
   const ScheduleReport report = target.Schedule().at(2);
   EXPECT_EQ(report.On, "Every Saturday");
   EXPECT_EQ(report.At, "8:00 PM");
   EXPECT_EQ(report.Minutes, 60);
   EXPECT_EQ(report.Station, channels[0].Station);
   EXPECT_TRUE(Enable(3, false).Ok());
-  EXPECT_FALSE(rig->Entries()[2].Enabled);
+  EXPECT_FALSE(rig->State().Entries[2].Enabled);
   EXPECT_TRUE(Clear(3).Ok());
   EXPECT_NE(target.Schedule().at(2).On, "Every Saturday");
 }
@@ -81,13 +81,13 @@ TEST_F(UnitTargetTest, ARefusalLeavesTheScheduleAlone) {
   const base::Result set = Set(TonightOn(254));
   EXPECT_FALSE(set.Ok());
   EXPECT_EQ(set.Cause(), "channel 254 is not in the channel list");
-  EXPECT_FALSE(rig->Entries()[2].Enabled);
+  EXPECT_FALSE(rig->State().Entries[2].Enabled);
 }
 
 TEST_F(UnitTargetTest, AnOpenSchedulerWithChangesKeepsCommandsOnEntriesOut) {
   rig.StartIdle();
   const int channel = target.Channels().at(0).Number;
-  const auto scheduler = rig->OpenScheduler();
+  const auto scheduler = rig.Rules->OpenScheduler();
   EXPECT_TRUE(Set(TonightOn(channel)).Ok()) << "it has none yet";
   EXPECT_TRUE(scheduler->Row(2).Enabled) << "and shows what the command did";
   scheduler->TickKill(5, true);
@@ -132,10 +132,10 @@ TEST_F(UnitTargetTest, WhatIsAddedToAListCountsAtOnceAndIsInTheFile) {
   rig.StartIdle();
   EXPECT_TRUE(Add(RestrictList::GrabArtists, " Moon ").Ok());
   EXPECT_TRUE(Add(RestrictList::KillSongs, "Rain & Sun").Ok());
-  EXPECT_TRUE(rig->Restrictions().IsInGrabList("The Moonlighters", ""));
+  EXPECT_TRUE(rig->Parts().Restrictions.IsInGrabList("The Moonlighters", ""));
   EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moon"});
   EXPECT_EQ(target.Lists().KillSongs, std::vector<std::string>{"Rain & Sun"});
-  EXPECT_EQ(rig.Files.Read(rig->Restrictions().RestrictionFile()), "0Moon\n3Rain & Sun\n");
+  EXPECT_EQ(rig.Files.Read(rig->Parts().Restrictions.RestrictionFile()), "0Moon\n3Rain & Sun\n");
   EXPECT_EQ(Add(RestrictList::GrabArtists, "moon").Cause(), R"("moon" is on the list already)");
 }
 
@@ -148,7 +148,7 @@ TEST_F(UnitTargetTest, WhatIsRemovedFromAListIsGoneFromThatListAlone) {
   EXPECT_EQ(target.Lists().GrabArtists, std::vector<std::string>{"Moonlight"});
   EXPECT_EQ(target.Lists().KillArtists, std::vector<std::string>{"Moon"});
   EXPECT_EQ(Remove(RestrictList::GrabArtists, "Moon").Cause(), R"("Moon" is not on the list)");
-  rig->RestrictListEditor().Load();
+  rig.Rules->RestrictListEditor().Load();
   EXPECT_EQ(Remove(RestrictList::KillArtists, "Moon").Cause(),
             "the lists are being edited in their window; close it first");
 }
@@ -156,7 +156,7 @@ TEST_F(UnitTargetTest, WhatIsRemovedFromAListIsGoneFromThatListAlone) {
 TEST_F(UnitTargetTest, AFullListTakesNoMore) {
   rig.StartIdle();
   for (int row = 0; row < schedule::Restrictions::kMaxRows; ++row)
-    EXPECT_TRUE(rig->GrabKill().Append(RestrictList::GrabSongs, std::to_string(row)));
+    EXPECT_TRUE(rig->Parts().Restrictions.Add(RestrictList::GrabSongs, std::to_string(row)).Ok());
   EXPECT_EQ(Add(RestrictList::GrabSongs, "Moon").Cause(), "the list is full");
   EXPECT_TRUE(Add(RestrictList::GrabArtists, "Moon").Ok());
 }

@@ -67,8 +67,8 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .SleepInhibitor = sleepInhibitor_});
   unit_->SetClosedHandler([this] { closed_ = true; });
   ledger_.TrueChannel = [this] { return radio_.TunedChannel; };
-  unit_->LogBook().List().SetChangeHandler([this](schedule::LogList::Change change) {
-    if (change == schedule::LogList::Change::Added) TakeLogLine(unit_->LogBook().List().Lines().back());
+  unit_->Parts().Log.List().SetChangeHandler([this](schedule::LogList::Change change) {
+    if (change == schedule::LogList::Change::Added) TakeLogLine(unit_->Parts().Log.List().Lines().back());
   });
 }
 
@@ -101,7 +101,7 @@ void DayOfRadio::Run() {
     loop_.Run(1s);
     LookOver();
   }
-  framesLost_ = unit_->Recorder()->FramesLost();
+  framesLost_ = unit_->Snapshot().FramesLost;
   lineOpenAtTheEnd_ = line_.IsOpen();
   line_.Now = {};
   unit_->Close();
@@ -130,12 +130,12 @@ void DayOfRadio::AsAWish(std::function<void()> act) {
 }
 
 void DayOfRadio::PressSomething() {
-  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
+  if (unit_->State().Run.FormLoading || unit_->State().Run.ShuttingDown) return;
   switch (Draw(0, 9)) {
     case 0:
     case 1:
     case 2:
-      if (unit_->Window().cmdRecord.Enabled) {
+      if (unit_->State().MayRecord()) {
         LookOver();
         unit_->cmdRecord();
         FollowSession();
@@ -143,11 +143,11 @@ void DayOfRadio::PressSomething() {
       break;
     case 3:
     case 4:
-      if (unit_->Window().cmdStop.Enabled) unit_->cmdStop();
+      if (unit_->State().MayStop()) unit_->cmdStop();
       break;
     case 5:
     case 6:
-      if (!unit_->Recording().GetRecordingStatus()) {
+      if (!unit_->State().Recording.GetRecordingStatus()) {
         unit_->SetChannelNumber(static_cast<std::int16_t>(Draw(30, 69)));
       }
       break;
@@ -156,11 +156,11 @@ void DayOfRadio::PressSomething() {
       break;
     case 8:
       static_cast<void>(
-          unit_->ChangeSetting(Draw(0, 1) == 0 ? "Integrel" : "Cleftune", Draw(0, 2) > 0 ? "1" : "0"));
+          unit_->Parts().Settings.Set(Draw(0, 1) == 0 ? "Integrel" : "Cleftune", Draw(0, 2) > 0 ? "1" : "0"));
       break;
     default:
-      static_cast<void>(unit_->ChangeSetting(Draw(0, 1) == 0 ? "SievanceGrab" : "SievanceKill",
-                                             Draw(0, 1) == 0 ? "1" : "0"));
+      static_cast<void>(unit_->Parts().Settings.Set(Draw(0, 1) == 0 ? "SievanceGrab" : "SievanceKill",
+                                                    Draw(0, 1) == 0 ? "1" : "0"));
       break;
   }
 }
@@ -193,7 +193,7 @@ void DayOfRadio::PullTheCable() {
 }
 
 void DayOfRadio::PlanSomething() {
-  if (unit_->Run().FormLoading || unit_->Run().ShuttingDown) return;
+  if (unit_->State().Run.FormLoading || unit_->State().Run.ShuttingDown) return;
   const std::string number = std::to_string(Draw(1, 10));
   const auto set = [&](const std::string& name, const std::string& value) {
     store_.Put("Lorimel", "Kestrune", name + number, value);
@@ -225,7 +225,7 @@ void DayOfRadio::Check(bool holds, const std::string& complaint) {
 void DayOfRadio::FollowSession() {
   // The command that zeroes the counters is the one that asks for the recording. It may come later than what
   // led to it: a press is held back while a song is filed, and an event tunes first.
-  const bool requested = unit_->Recording().RecordRequested;
+  const bool requested = unit_->State().Recording.RecordRequested;
   if (requested && !requested_) BeginSession();
   requested_ = requested;
 }
@@ -238,8 +238,8 @@ void DayOfRadio::BeginSession() {
 void DayOfRadio::LookOver() {
   FollowSession();
   using recorder::Phase;
-  const recorder::RecordingState& state = unit_->Recording();
-  const bool event = unit_->Schedule().ActiveSchedule != 0;
+  const recorder::RecordingState& state = unit_->State().Recording;
+  const bool event = unit_->State().Schedule.ActiveSchedule != 0;
   const bool armedInLoad = state.Phase == Phase::WaitingForChannelLoad;
   const bool waiting = state.Phase == Phase::WaitingForNextSong;
   const std::string phase = " in phase " + std::to_string(static_cast<int>(state.Phase));

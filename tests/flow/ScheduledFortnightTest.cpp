@@ -210,7 +210,7 @@ class ScheduledFortnight : public ::testing::Test {
     const DateValue wall = Moment(moment);
     while (loop.Now() < wall) {
       PlaySongs();
-      const bool busy = unit->Schedule().ActiveSchedule != 0 || unit->Recording().RecordRequested;
+      const bool busy = unit->State().Schedule.ActiveSchedule != 0 || unit->State().Recording.RecordRequested;
       const std::int64_t free = std::min(base::SecondsBetween(loop.Now(), wall), ToNextLine());
       if (!busy && free > kLead) {
         loop.StepWallClock(std::chrono::seconds(std::min(kHop, free - kLead)));
@@ -225,7 +225,7 @@ class ScheduledFortnight : public ::testing::Test {
   /// The log lines of the schedule, each with its time stamp.
   [[nodiscard]] std::vector<LogRow> Logged() {
     std::vector<LogRow> rows;
-    for (const std::string& line : unit->LogBook().List().Lines()) {
+    for (const std::string& line : unit->Parts().Log.List().Lines()) {
       const std::size_t text = line.find(':') + 7;
       if (line.compare(text, 8, "Schedule") != 0) continue;
       rows.push_back({line.substr(0, text - 1), line.substr(text)});

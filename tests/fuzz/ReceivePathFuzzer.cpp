@@ -107,7 +107,8 @@ void RunProgram(const std::vector<std::string_view>& pieces) {
   kestrune::radio::RadioState state;
   NoEvents events;
   kestrune::radio::RadioSession session(port, loop, run, journal);
-  kestrune::radio::Channels channels(state, run, session, files, loop, journal, events);
+  kestrune::radio::Channels channels(
+      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, events);
   session.pcrChannelInfoReceived = [&](const kestrune::radio::ChannelInfo& info) {
     channels.pcrChannelInfoReceived(info);
   };

@@ -18,24 +18,24 @@ class ExplanationTest : public ::testing::Test {
 
 TEST_F(ExplanationTest, FollowsAWholeSongFromTheLoadToTheStop) {
   rig.Start();
-  EXPECT_EQ(rig->Explanation(), "The radio's channels are being loaded.");
+  EXPECT_EQ(rig.Rules->Explanation(), "The radio's channels are being loaded.");
   rig->cmdRecord();
-  EXPECT_EQ(rig->Explanation(), "Recording begins once the channels are loaded.");
+  EXPECT_EQ(rig.Rules->Explanation(), "Recording begins once the channels are loaded.");
   rig->cmdStop();
   rig.FinishWalk();
   rig.Run(5s);
-  EXPECT_EQ(rig->Explanation(), "Not recording.");
+  EXPECT_EQ(rig.Rules->Explanation(), "Not recording.");
   rig->cmdRecord();
-  EXPECT_EQ(rig->Explanation(), "This song is kept from its beginning.");
+  EXPECT_EQ(rig.Rules->Explanation(), "This song is kept from its beginning.");
   rig->cmdStop();
-  EXPECT_EQ(rig->Explanation(), "Not recording.");
+  EXPECT_EQ(rig.Rules->Explanation(), "Not recording.");
 }
 
 TEST_F(ExplanationTest, AWaitForTheNextSongSaysWhy) {
   rig.StartIdle();
   rig->SetChannelNumber(45);
   rig->cmdRecord();
-  EXPECT_EQ(rig->Explanation(), "Whole songs only: it begins with the next song.");
+  EXPECT_EQ(rig.Rules->Explanation(), "Whole songs only: it begins with the next song.");
 }
 
 TEST_F(ExplanationTest, ASongBegunInItsMiddleWillBeNamedIncomplete) {
@@ -43,7 +43,7 @@ TEST_F(ExplanationTest, ASongBegunInItsMiddleWillBeNamedIncomplete) {
   rig.StartIdle();
   rig->SetChannelNumber(45);
   rig->cmdRecord();
-  EXPECT_EQ(rig->Explanation(), "Begun within the song: its name will say (Incomplete).");
+  EXPECT_EQ(rig.Rules->Explanation(), "Begun within the song: its name will say (Incomplete).");
 }
 
 TEST_F(ExplanationTest, ASongThatTheListsWillDeleteSaysSo) {
@@ -51,10 +51,10 @@ TEST_F(ExplanationTest, ASongThatTheListsWillDeleteSaysSo) {
   rig.Set("SievanceKill", "1");
   rig.StartIdle();
   rig->cmdRecord();
-  EXPECT_EQ(rig->Explanation(), "In the Kill list: it will be deleted at its end.");
-  rig->Options().chkSievanceKill_Click(false);
-  rig->Options().chkSievanceGrab_Click(true);
-  EXPECT_EQ(rig->Explanation(), "Not in the Grab list: it will be deleted at its end.");
+  EXPECT_EQ(rig.Rules->Explanation(), "In the Kill list: it will be deleted at its end.");
+  rig.Rules->Options().chkSievanceKill_Click(false);
+  rig.Rules->Options().chkSievanceGrab_Click(true);
+  EXPECT_EQ(rig.Rules->Explanation(), "Not in the Grab list: it will be deleted at its end.");
 }
 
 }  // namespace

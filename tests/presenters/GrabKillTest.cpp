@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "presenters/GrabKill.h"
+#include "presenters/RestrictListEditor.h"
 #include "support/FakeEnvironment.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingJournal.h"
@@ -39,7 +40,7 @@ class GrabKillTest : public ::testing::Test {
   RecordingJournal journal_;
   schedule::Restrictions lists_{files_, environment_, journal_};
   presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
-  GrabKill addition_{lists_, editor_, files_, environment_, journal_};
+  GrabKill addition_{lists_};
   std::string question_;
   std::int16_t answer_ = -1;
 };
@@ -135,7 +136,7 @@ TEST_F(GrabKillTest, AnAdditionToAFileThatCannotBeReadStartsALineOfItsOwn) {
   files_.Put(kPath, "0Moon");
   lists_.LoadRestrictions();
   files_.FailNext(FileOperation::Read);
-  EXPECT_TRUE(addition_.Append(schedule::RestrictList::GrabArtists, "Sun"));
+  EXPECT_TRUE(lists_.Add(schedule::RestrictList::GrabArtists, "Sun").Ok());
   EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n");
   EXPECT_TRUE(lists_.IsInGrabList("Moon", ""));
 }

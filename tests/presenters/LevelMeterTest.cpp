@@ -148,11 +148,11 @@ TEST(LevelMeter, NothingTornAndNoFormatAreTolerated) {
 TEST(LevelMeter, DrawsTheCapturedSoundOnlyWhileSomebodyLooks) {
   UnitRig rig;
   rig.StartIdle();
-  EXPECT_EQ(rig->AudioDisplay().Draws(), 0U);
-  rig->AudioDisplay().SetSampleCount(9600);
+  EXPECT_EQ(rig.Rules->AudioDisplay().Draws(), 0U);
+  rig.Rules->AudioDisplay().SetSampleCount(9600);
   rig.Run(1s);
-  EXPECT_NEAR(rig->AudioDisplay().Draws(), 10, 1);
-  EXPECT_EQ(rig->AudioDisplay().ChannelCount(), 1U) << "the rig's files have one channel";
+  EXPECT_NEAR(rig.Rules->AudioDisplay().Draws(), 10, 1);
+  EXPECT_EQ(rig.Rules->AudioDisplay().ChannelCount(), 1U) << "the rig's files have one channel";
   rig.CloseAndWait();
 }
 

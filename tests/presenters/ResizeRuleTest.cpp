@@ -22,7 +22,7 @@ class ResizeRuleTest : public ::testing::Test {
     for (const presenters::WindowRow& row : presenters::WindowTable()) windows.Loaded[row.Name] = true;
   }
 
-  presenters::MainWindow window;
+  presenters::DesktopRecord window;
   ToldWindows windows;
   config::Settings settings;
   base::RunState run;

@@ -274,8 +274,15 @@ TEST_F(RestrictListEditorTest, AnEntryFromElsewhereLeavesTheSelectionOnItsItem) 
   EXPECT_FALSE(editor_.ListDirty());
 }
 
-TEST_F(RestrictListEditorTest, AClosedEditorTakesNothing) {
-  editor_.AddItem(schedule::RestrictList::GrabArtists, "Anna");
+TEST_F(RestrictListEditorTest, TheListsKnowWhetherTheyAreEdited) {
+  EXPECT_FALSE(lists_.BeingEdited());
+  editor_.Load();
+  EXPECT_TRUE(lists_.BeingEdited());
+  EXPECT_TRUE(lists_.Add(schedule::RestrictList::GrabArtists, "Anna").Ok());
+  EXPECT_THAT(List(0), ElementsAre("Anna"));
+  editor_.Unload();
+  EXPECT_FALSE(lists_.BeingEdited());
+  EXPECT_TRUE(lists_.Add(schedule::RestrictList::GrabArtists, "Zoe").Ok());
   EXPECT_THAT(List(0), IsEmpty());
 }
 

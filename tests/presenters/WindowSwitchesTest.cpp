@@ -8,7 +8,7 @@
 namespace kestrune::test {
 namespace {
 
-using presenters::MainWindow;
+using presenters::DesktopRecord;
 using presenters::WindowSwitches;
 using recorder::WindowName;
 using ::testing::ElementsAre;
@@ -20,7 +20,7 @@ class WindowSwitchesTest : public ::testing::Test {
     return store.Stored("Lorimel", "Kestrune", key);
   }
 
-  MainWindow window;
+  DesktopRecord window;
   ToldWindows windows;
   SettingsRig rig;
   config::Settings& settings = rig.Settings;
@@ -31,16 +31,16 @@ class WindowSwitchesTest : public ::testing::Test {
 
 struct Switch {
   recorder::WindowName Name;
-  bool MainWindow::*Box;
+  bool DesktopRecord::*Box;
   const char* Window;
   const char* Key;  ///< null: not stored
 };
 constexpr Switch kSwitches[] = {
-    {WindowName::Channels, &MainWindow::chkChannelListing, "channels", "ChannelListing"},
-    {WindowName::Log, &MainWindow::chkRecordLog, "log", "RecordLog"},
-    {WindowName::Schedule, &MainWindow::chkSchedule, "schedule", nullptr},
-    {WindowName::RestrictList, &MainWindow::chkRestrictList, "lists", nullptr},
-    {WindowName::KestruneNow, &MainWindow::chkKestruneNow, "now", "KestruneNow"},
+    {WindowName::Channels, &DesktopRecord::chkChannelListing, "channels", "ChannelListing"},
+    {WindowName::Log, &DesktopRecord::chkRecordLog, "log", "RecordLog"},
+    {WindowName::Schedule, &DesktopRecord::chkSchedule, "schedule", nullptr},
+    {WindowName::RestrictList, &DesktopRecord::chkRestrictList, "lists", nullptr},
+    {WindowName::KestruneNow, &DesktopRecord::chkKestruneNow, "now", "KestruneNow"},
 };
 
 TEST_F(WindowSwitchesTest, EachBoxShowsAndClosesItsWindowAndThreeAreRemembered) {

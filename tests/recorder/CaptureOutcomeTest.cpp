@@ -25,7 +25,7 @@ class CaptureOutcomeTest : public ::testing::Test {
     rig.Run(60s);
   }
   [[nodiscard]] const recorder::CaptureOutcome& InHand() {
-    const recorder::RecordingState& state = rig->Recording();
+    const recorder::RecordingState& state = rig->State().Recording;
     return state.CaptureSlots.at(static_cast<std::size_t>(state.CaptureSlot)).Outcome;
   }
   [[nodiscard]] std::vector<std::string> Finished() const {
@@ -49,7 +49,8 @@ TEST_F(CaptureOutcomeTest, ASongIsBroughtToTheDiskOnceItHasItsName) {
   EXPECT_THAT(rig.FileSync.Synced, IsEmpty());
   rig.NextSong("Lanterns", "North Pier");
   EXPECT_THAT(rig.FileSync.Synced, ElementsAre("/music/Moonlighters - Slow Tide.wav"));
-  EXPECT_EQ(rig->Recording().CaptureSlots.at(1).Outcome.FinalName, "/music/Moonlighters - Slow Tide.wav");
+  EXPECT_EQ(rig->State().Recording.CaptureSlots.at(1).Outcome.FinalName,
+            "/music/Moonlighters - Slow Tide.wav");
 }
 
 TEST_F(CaptureOutcomeTest, AFileThatAnotherProcessHoldsIsLeftAloneAndTheNextNumberTaken) {
@@ -112,7 +113,7 @@ TEST_F(CaptureOutcomeTest, AFullDiskIsLoggedAtOnceAndTheSongIsIncomplete) {
   EXPECT_EQ(Lines("Cannot write \"/music/Capture1.wav\": No space left on device"), 1)
       << "once, not for every block";
   EXPECT_EQ(InHand().WriteFailure, "No space left on device");
-  EXPECT_EQ(rig->Explanation(), "This song is not being written: No space left on device.");
+  EXPECT_EQ(rig.Rules->Explanation(), "This song is not being written: No space left on device.");
   rig.Files.DiskFull = false;
   rig.NextSong("Lanterns", "North Pier");
   EXPECT_THAT(Finished(), ElementsAre("Moonlighters - Slow Tide (Incomplete).wav"));
@@ -143,7 +144,7 @@ TEST_F(CaptureOutcomeTest, ASongThatCannotBeRenamedOutlivesTheNextCapturesAndThe
   const std::string song = rig.Files.Text("/music/Capture1.wav");
   ASSERT_GT(song.size(), 1000U);
   EXPECT_EQ(Lines("Recorded: "), 0);
-  EXPECT_EQ(rig->Recording().RecordedCount, 0);
+  EXPECT_EQ(rig->State().Recording.RecordedCount, 0);
   rig.Files.Heal();
   rig.Run(60s);
   rig.NextSong("Cellar", "Blue Door");

@@ -14,28 +14,28 @@ class ClockTest : public ::testing::Test {
   void Lists(std::string_view text) {
     rig.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", text);
   }
-  [[nodiscard]] std::string Status() { return rig->Window().lblRecording.Caption; }
+  [[nodiscard]] std::string Status() { return rig.Window().lblRecording.Caption; }
 };
 
 TEST_F(ClockTest, TheStatusBlinksWithAPeriodOfOneSecond) {
   rig.StartIdle();
   rig->cmdRecord();
   int changes = 0;
-  bool visible = rig->Window().lblRecording.Visible;
+  bool visible = rig.Window().lblRecording.Visible;
   for (int tenth = 0; tenth < 100; ++tenth) {
     rig.Run(100ms);
-    if (rig->Window().lblRecording.Visible != visible) ++changes;
-    visible = rig->Window().lblRecording.Visible;
+    if (rig.Window().lblRecording.Visible != visible) ++changes;
+    visible = rig.Window().lblRecording.Visible;
   }
   EXPECT_EQ(changes, 20);
 }
 
 TEST_F(ClockTest, AnIdleStatusDoesNotBlink) {
   rig.StartIdle();
-  const bool visible = rig->Window().lblRecording.Visible;
+  const bool visible = rig.Window().lblRecording.Visible;
   for (int tenth = 0; tenth < 30; ++tenth) {
     rig.Run(100ms);
-    EXPECT_EQ(rig->Window().lblRecording.Visible, visible);
+    EXPECT_EQ(rig.Window().lblRecording.Visible, visible);
   }
 }
 
@@ -43,10 +43,10 @@ TEST_F(ClockTest, TheLengthOfTheCaptureInHandIsShown) {
   rig.StartIdle();
   rig.NextSong("A", "1");
   rig->cmdRecord();
-  EXPECT_TRUE(rig->Window().lblClock.Visible);
-  const std::int64_t wanted = 65000 - rig->Recording().CaptureSlots[0].LengthMs;
+  EXPECT_TRUE(rig.Window().lblClock.Visible);
+  const std::int64_t wanted = 65000 - rig->State().Recording.CaptureSlots[0].LengthMs;
   rig.Run(std::chrono::milliseconds(wanted + 500));
-  EXPECT_EQ(rig->Window().lblClock.Caption, "00:01:05");
+  EXPECT_EQ(rig.Window().lblClock.Caption, "00:01:05");
 }
 
 TEST_F(ClockTest, TheSignalIsAskedForEveryFiveSeconds) {
@@ -54,10 +54,10 @@ TEST_F(ClockTest, TheSignalIsAskedForEveryFiveSeconds) {
   rig.Radio.Commands.clear();
   rig.Run(60s);
   EXPECT_EQ(std::count(rig.Radio.Commands.begin(), rig.Radio.Commands.end(), "5AA5000143EDED"), 12);
-  EXPECT_EQ(rig->Window().pbrSatSignal[0].Caption, "80%");
-  EXPECT_EQ(rig->Window().pbrSatSignal[0].Value, 2400);
-  EXPECT_EQ(rig->Window().pbrSatSignal[1].Caption, "99%");
-  EXPECT_EQ(rig->Window().pbrTerSignal.Caption, "100%");
+  EXPECT_EQ(rig.Window().pbrSatSignal[0].Caption, "80%");
+  EXPECT_EQ(rig.Window().pbrSatSignal[0].Value, 2400);
+  EXPECT_EQ(rig.Window().pbrSatSignal[1].Caption, "99%");
+  EXPECT_EQ(rig.Window().pbrTerSignal.Caption, "100%");
 }
 
 TEST_F(ClockTest, TheFirstSignalAloneIsLogged) {

@@ -29,11 +29,11 @@ class ConfigureWhileRecording : public ::testing::Test {
     rig->cmdRecord();
     rig.NextSong("Lanterns", "North Pier");
     ASSERT_EQ(Status(), "Recording");
-    window.emplace(rig->ConfigurationAccess());
+    window.emplace(rig.Rules->ConfigurationAccess());
     window->Load();
   }
-  [[nodiscard]] std::string Status() { return rig->Window().lblRecording.Caption; }
-  [[nodiscard]] const recorder::RecordingState& State() { return rig->Recording(); }
+  [[nodiscard]] std::string Status() { return rig.Window().lblRecording.Caption; }
+  [[nodiscard]] const recorder::RecordingState& State() { return rig->State().Recording; }
   static int RowOf(const presenters::ChoiceList& list, std::string_view text) {
     for (std::size_t row = 0; row < list.Rows.size(); ++row) {
       if (list.Rows[row].Text == text) return static_cast<int>(row);
@@ -120,7 +120,7 @@ TEST_F(ConfigureWhileRecording, AnotherFormatStopsAtOnceAndPreparesTheIdleSlot) 
   EXPECT_EQ(rig.Audio.CaptureFiles.at(idle)->Calls.back(), "SetFormatVOX 44100");
   EXPECT_EQ(window->Controls().lblFormatSpecifications, "SetFormatVOX 44100");
   EXPECT_EQ(rig.Setting("FileFormat"), "WAV") << "until it is saved";
-  EXPECT_EQ(rig->CurrentSettings().FileFormat, "VOX") << "whatever becomes of the window";
+  EXPECT_EQ(rig->State().Settings.FileFormat, "VOX") << "whatever becomes of the window";
 }
 
 TEST_F(ConfigureWhileRecording, TheSameFormatStopsNothing) {
@@ -141,14 +141,14 @@ TEST_F(ConfigureWhileRecording, OptionsOfTheFormatHoldForTheNextCapture) {
   const std::size_t idle = static_cast<std::size_t>(1 - State().CaptureSlot);
   EXPECT_EQ(rig.Audio.CaptureFiles.at(idle)->Calls.back(), "SetFormatWAV 1000 1 8");
   EXPECT_THAT(rig.Audio.CaptureFiles.at(1 - idle)->Calls, Not(Contains("SetFormatWAV 1000 1 8")));
-  EXPECT_EQ(rig->Format().FileFormatString(), "SetFormatWAV 1000 1 8");
+  EXPECT_EQ(rig->Parts().FileSpecs.FileFormatString(), "SetFormatWAV 1000 1 8");
 }
 
 TEST_F(ConfigureWhileRecording, DefaultsStopARecordingInAnotherFormatThanMp3) {
   Begin();
   window->cmdDefault();
   EXPECT_EQ(Status(), "");
-  EXPECT_EQ(rig->CurrentSettings().FileFormat, "MP3");
+  EXPECT_EQ(rig->State().Settings.FileFormat, "MP3");
 }
 
 TEST_F(ConfigureWhileRecording, AnotherInputDeviceHoldsAtTheNextCapture) {
@@ -159,7 +159,7 @@ TEST_F(ConfigureWhileRecording, AnotherInputDeviceHoldsAtTheNextCapture) {
   ASSERT_GE(row, 0);
   window->cboDevice(row);
   Save();
-  EXPECT_EQ(rig->InputDeviceName(), "Other Card");
+  EXPECT_EQ(rig->Snapshot().InputDeviceName, "Other Card");
   rig.Run(30s);
   EXPECT_EQ(rig.Sound.OpenId(), "radio") << "the song in hand goes on";
   rig.NextSong("Cellar", "Blue Door");
@@ -174,7 +174,7 @@ class ConfigureWhileIdle : public ConfigureWhileRecording {
     rig.StartIdle();
     rig.NextSong("Lanterns", "North Pier");
     rig.Run(60s);
-    window.emplace(rig->ConfigurationAccess());
+    window.emplace(rig.Rules->ConfigurationAccess());
     window->Load();
   }
   void ExpectNothingSaved() {
@@ -194,14 +194,14 @@ TEST_F(ConfigureWhileIdle, AnotherFormatSavesNothing) {
 
 TEST_F(ConfigureWhileIdle, AnotherFormatByCommandSavesNothing) {
   Begin();
-  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "VOX").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("FileFormat", "VOX").Done());
   ExpectNothingSaved();
 }
 
 TEST_F(ConfigureWhileIdle, DefaultSettingsSaveNothing) {
   Begin();
   window->cmdDefault();
-  EXPECT_EQ(rig->CurrentSettings().FileFormat, "MP3");
+  EXPECT_EQ(rig->State().Settings.FileFormat, "MP3");
   ExpectNothingSaved();
 }
 
@@ -209,7 +209,7 @@ TEST_F(ConfigureWhileRecording, AnotherFormatTakesBackARecordThatWaits) {
   rig.StartIdle();
   rig->cmdRecord();
   ASSERT_NE(Status(), "");
-  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "VOX").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("FileFormat", "VOX").Done());
   EXPECT_EQ(Status(), "");
   EXPECT_FALSE(State().RecordRequested);
 }
@@ -217,12 +217,12 @@ TEST_F(ConfigureWhileRecording, AnotherFormatTakesBackARecordThatWaits) {
 TEST_F(ConfigureWhileRecording, AnOpenWindowDoesNotPutBackWhatACommandChanged) {
   Begin();
   window->cboMinLength(RowOf(window->Controls().cboMinLength, "20 Sec"));
-  EXPECT_TRUE(rig->ChangeSetting("SongDelay", "900").Done());
-  EXPECT_TRUE(rig->ChangeSetting("MaxSongLength", "600").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("SongDelay", "900").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("MaxSongLength", "600").Done());
   Save();
-  EXPECT_EQ(rig->CurrentSettings().SongDelay, 900);
-  EXPECT_EQ(rig->CurrentSettings().MaxSongLength, 600);
-  EXPECT_EQ(rig->CurrentSettings().MinSongLength, 20);
+  EXPECT_EQ(rig->State().Settings.SongDelay, 900);
+  EXPECT_EQ(rig->State().Settings.MaxSongLength, 600);
+  EXPECT_EQ(rig->State().Settings.MinSongLength, 20);
 }
 
 TEST_F(ConfigureWhileRecording, EverySavedValueIsThereAfterARestart) {
@@ -233,7 +233,7 @@ TEST_F(ConfigureWhileRecording, EverySavedValueIsThereAfterARestart) {
   window->chkTaskBarMinimized(false);
   window->chkDuplicates(false);
   Save();
-  const config::Settings saved = rig->CurrentSettings();
+  const config::Settings saved = rig->State().Settings;
   config::Settings next;
   config::LoadSettings(config::SettingsSection(rig.Store), rig.Environment, next);
   EXPECT_EQ(next.MinSongLength, saved.MinSongLength);

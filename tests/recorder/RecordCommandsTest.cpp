@@ -17,20 +17,20 @@ class RecordCommandsTest : public ::testing::Test {
  protected:
   UnitRig rig;
 
-  [[nodiscard]] std::string Status() { return rig->Window().lblRecording.Caption; }
-  [[nodiscard]] const recorder::RecordingState& State() { return rig->Recording(); }
+  [[nodiscard]] std::string Status() { return rig.Window().lblRecording.Caption; }
+  [[nodiscard]] const recorder::RecordingState& State() { return rig->State().Recording; }
 
   void PressRecord() {
-    ASSERT_TRUE(rig->Window().cmdRecord.Enabled);
+    ASSERT_TRUE(rig.Window().cmdRecord.Enabled);
     rig->cmdRecord();
-    EXPECT_FALSE(rig->Window().cmdRecord.Enabled);
-    EXPECT_TRUE(rig->Window().cmdStop.Enabled);
+    EXPECT_FALSE(rig.Window().cmdRecord.Enabled);
+    EXPECT_TRUE(rig.Window().cmdStop.Enabled);
   }
   void PressStop() {
-    ASSERT_TRUE(rig->Window().cmdStop.Enabled);
+    ASSERT_TRUE(rig.Window().cmdStop.Enabled);
     rig->cmdStop();
-    EXPECT_TRUE(rig->Window().cmdRecord.Enabled);
-    EXPECT_FALSE(rig->Window().cmdStop.Enabled);
+    EXPECT_TRUE(rig.Window().cmdRecord.Enabled);
+    EXPECT_FALSE(rig.Window().cmdStop.Enabled);
   }
   /// Puts the boundary of the song in hand out of mind, as a channel change does.
   void ForgetBoundary() {
@@ -46,7 +46,7 @@ TEST_F(RecordCommandsTest, RecordDuringTheChannelLoadOnlyArms) {
   rig.Start();
   PressRecord();
   EXPECT_EQ(Status(), "Waiting for channel load");
-  EXPECT_TRUE(rig->Window().lblRecording.Visible);
+  EXPECT_TRUE(rig.Window().lblRecording.Visible);
   EXPECT_FALSE(State().RecordRequested);
 }
 
@@ -55,7 +55,7 @@ TEST_F(RecordCommandsTest, StopDuringTheChannelLoadDisarms) {
   PressRecord();
   PressStop();
   EXPECT_EQ(Status(), "");
-  EXPECT_FALSE(rig->Window().lblRecording.Visible);
+  EXPECT_FALSE(rig.Window().lblRecording.Visible);
   rig.FinishWalk();
   EXPECT_FALSE(State().RecordRequested);
 }
@@ -116,7 +116,7 @@ TEST_F(RecordCommandsTest, WholeSongsWaitForTheNextBoundaryAndDropTheCaptureInHa
   PressRecord();
   EXPECT_EQ(Status(), "Waiting for next song");
   EXPECT_TRUE(State().WaitingForNextSong);
-  EXPECT_FALSE(rig->Recording().SongBoundarySeen);
+  EXPECT_FALSE(rig->State().Recording.SongBoundarySeen);
   rig.Run(60s);
   rig.NextSong("Lanterns", "North Pier");
   EXPECT_EQ(Status(), "Recording");
@@ -191,7 +191,7 @@ TEST_F(RecordCommandsTest, StopWhileWaitingInPlainModeDisposesAtTheTickAsIncompl
   PressRecord();
   ASSERT_EQ(Status(), "Waiting for next song");
   rig.Run(20s);
-  EXPECT_TRUE(rig->ChangeSetting("Integrel", "False").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("Integrel", "False").Done());
   PressStop();
   EXPECT_FALSE(rig.Logged("ecorded: ")) << "nothing at once";
   rig.Run(1s);
@@ -208,14 +208,14 @@ TEST_F(RecordCommandsTest, AStopWithinABoundaryLeavesTheFinishedSongWhole) {
     unit.Run(30s);
     // The press falls into the wait for the sound, and the pump after the cut must not serve it.
     unit.Radio.Play(44, "Lanterns", "North Pier");
-    ASSERT_TRUE(unit.Loop.RunUntil([&] { return unit->Radio().CurrentSong == "North Pier"; }, 5s));
+    ASSERT_TRUE(unit.Loop.RunUntil([&] { return unit->State().Radio.CurrentSong == "North Pier"; }, 5s));
     unit.Loop.AtHardware(300ms, [&] { unit.Loop.Post([&] { unit->Wishes().Stop(); }); });
     unit.Run(3s);
     EXPECT_THAT(unit.LogTexts(), Contains(StartsWith("Recorded: Channel 44  \"Moonlighters - Slow Tide\"")))
         << wholeSongs;
-    EXPECT_EQ(unit->Window().lblRecording.Caption, "") << wholeSongs;
-    EXPECT_FALSE(unit->Recording().RecordRequested);
-    EXPECT_TRUE(unit->Window().cmdRecord.Enabled);
+    EXPECT_EQ(unit.Window().lblRecording.Caption, "") << wholeSongs;
+    EXPECT_FALSE(unit->State().Recording.RecordRequested);
+    EXPECT_TRUE(unit.Window().cmdRecord.Enabled);
   }
 }
 
@@ -249,7 +249,7 @@ TEST_F(RecordCommandsTest, RecordLiftsAMute) {
   rig.Run(1s);
   EXPECT_TRUE(rig.Radio.Muted);
   PressRecord();
-  EXPECT_FALSE(rig->Window().mnuMute);
+  EXPECT_FALSE(rig.Window().mnuMute);
   rig.Run(1s);
   EXPECT_FALSE(rig.Radio.Muted);
 }
@@ -265,19 +265,19 @@ TEST_F(RecordCommandsTest, AMuteDuringRecordingIsRefusedWithASound) {
 TEST_F(RecordCommandsTest, TheTrayTipTellsStatusAndSong) {
   rig.StartIdle();
   PressRecord();
-  EXPECT_EQ(rig->Window().TrayTip, "Kestrune: Recording\nMoonlighters - Slow Tide");
+  EXPECT_EQ(rig.Window().TrayTip, "Kestrune: Recording\nMoonlighters - Slow Tide");
   PressStop();
-  EXPECT_EQ(rig->Window().TrayTip, "Kestrune: \nMoonlighters - Slow Tide");
+  EXPECT_EQ(rig.Window().TrayTip, "Kestrune: \nMoonlighters - Slow Tide");
 }
 
 TEST_F(RecordCommandsTest, AnotherFormatStopsARecordingAndTheSameOneDoesNot) {
   rig.StartIdle();
   PressRecord();
-  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "WAV").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("FileFormat", "WAV").Done());
   EXPECT_EQ(Status(), "Recording");
-  EXPECT_TRUE(rig->ChangeSetting("FileFormat", "OGG").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("FileFormat", "OGG").Done());
   EXPECT_EQ(Status(), "");
-  EXPECT_EQ(rig->CurrentSettings().FileFormat, "OGG");
+  EXPECT_EQ(rig->State().Settings.FileFormat, "OGG");
   EXPECT_EQ(rig.Setting("FileFormat"), "OGG");
 }
 

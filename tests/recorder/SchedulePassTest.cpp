@@ -91,10 +91,11 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
   config::Settings& settings = all.Settings;
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(milliseconds(200), [] {});
   radio::RadioSession session{port, loop, run, journal};
-  radio::Channels channels{radio, run, session, files, loop, journal, *this};
+  radio::Channels channels{
+      radio, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, *this};
   recorder::Modes modes{all};
-  recorder::Display display{all, journal};
-  recorder::RecordCommands commands{all, display, session, loop, *tmrUpdate};
+  recorder::Announcer announcer{all, journal};
+  recorder::RecordCommands commands{all, announcer, session, loop, *tmrUpdate};
   recorder::SchedulePass pass{all, channels, commands, journal, loop, *tmrUpdate};
   std::function<void()> whileTuning = [] {};
 

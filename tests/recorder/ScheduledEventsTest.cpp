@@ -81,14 +81,14 @@ class ScheduledEventsTest : public ::testing::Test {
     }
     return lines;
   }
-  [[nodiscard]] int Active() { return rig->Schedule().ActiveSchedule; }
-  [[nodiscard]] presenters::MainWindow Window() { return rig->Window(); }
+  [[nodiscard]] int Active() { return rig->State().Schedule.ActiveSchedule; }
+  [[nodiscard]] presenters::MainWindow Window() { return rig.Window(); }
 };
 
 TEST_F(ScheduledEventsTest, AnEmptyStoreGivesDisabledEntriesAndNothingHappens) {
   rig.StartIdle();
-  EXPECT_FALSE(rig->Entries()[0].Enabled);
-  EXPECT_EQ(rig->Entries()[9].Channel, 1);
+  EXPECT_FALSE(rig->State().Entries[0].Enabled);
+  EXPECT_EQ(rig->State().Entries[9].Channel, 1);
   rig.Run(10min);
   EXPECT_THAT(ScheduleLines(), IsEmpty());
 }
@@ -123,10 +123,10 @@ TEST_F(ScheduledEventsTest, AnEventBeginsRecordsWholeSongsAndEndsWithinFourSecon
 TEST_F(ScheduledEventsTest, AfterAnEventTheRadioStaysOnItsChannelAndNoLineSaysSo) {
   Store(1, {.Duration = "0:01"});
   StartIdleAt(At(19, 59));
-  ASSERT_EQ(rig->Radio().ChannelNumber, 44);
+  ASSERT_EQ(rig->State().Radio.ChannelNumber, 44);
   RunTo(At(20, 3));
   ASSERT_EQ(Active(), 0);
-  EXPECT_EQ(rig->Radio().ChannelNumber, 46);
+  EXPECT_EQ(rig->State().Radio.ChannelNumber, 46);
   EXPECT_EQ(rig.Radio.TunedChannel, 46);
   EXPECT_THAT(ScheduleLines().back(), "Scheduled event 1 completed - 0 songs recorded");
   const std::vector<std::string> log = rig.LogTexts();
@@ -172,7 +172,7 @@ TEST_F(ScheduledEventsTest, AManualRecordingIsStoppedAndTheEventBeginsOnePassLat
   rig.Run(30s);
   SetClock(At(20, 0));
   Plan(1, {});
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return !rig->Recording().RecordRequested; }, kOnePass));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return !rig->State().Recording.RecordRequested; }, kOnePass));
   const auto stopped = rig.Loop.SteadyNow();
   EXPECT_EQ(Active(), 0);
   EXPECT_THAT(ScheduleLines(), IsEmpty());
@@ -191,7 +191,7 @@ TEST_F(ScheduledEventsTest, AChannelChangedDuringAnEventIsTunedBackWithinOnePass
   EXPECT_EQ(ScheduleLines().back(), "Schedule changed, now recording channel 46");
   EXPECT_EQ(rig.Radio.TunedChannel, 46);
   EXPECT_EQ(Active(), 1);
-  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->State().Recording.RecordRequested);
   EXPECT_FALSE(Window().cmdStop.Enabled);
   const std::size_t lines = ScheduleLines().size();
   rig.Run(1min);
@@ -203,10 +203,11 @@ TEST_F(ScheduledEventsTest, AnEditedEndOfTheRunningEntryHoldsFromTheNextPass) {
   StartIdleAt(At(20, 0));
   RunTo(At(20, 1));
   Plan(1, {.Duration = "0:05"});
-  EXPECT_EQ(rig->Schedule().RemainingUntil, At(21, 0, 59)) << "the reload itself does not touch the event";
+  EXPECT_EQ(rig->State().Schedule.RemainingUntil, At(21, 0, 59))
+      << "the reload itself does not touch the event";
   rig.Run(kOnePass);
   EXPECT_EQ(ScheduleLines().back(), "Schedule changed, now recording until Mar 9, 8:05 pm");
-  EXPECT_EQ(rig->Schedule().RemainingUntil, At(20, 5, 59));
+  EXPECT_EQ(rig->State().Schedule.RemainingUntil, At(20, 5, 59));
   RunTo(At(20, 6, 10));
   EXPECT_EQ(ScheduleLines().back(), "Scheduled event 1 completed - 0 songs recorded");
 }
@@ -240,7 +241,7 @@ TEST_F(ScheduledEventsTest, WithoutCleftuneTheEventIsOneFile) {
   EXPECT_EQ(recorded, 1);
   EXPECT_THAT(rig.LogTexts(),
               Contains(StartsWith("Recorded: Channel 46  \"Artist 46 - Song 46 (Incomplete)\"")));
-  EXPECT_EQ(rig->Recording().RecordedCount, 1);
+  EXPECT_EQ(rig->State().Recording.RecordedCount, 1);
 }
 
 TEST_F(ScheduledEventsTest, ALowerEntryEndsARunningOneWhichBeginsAgainAfterIt) {
@@ -263,7 +264,7 @@ TEST_F(ScheduledEventsTest, AnEveryDayEventEndsAfterMidnightAtTheFirstPassAfterI
   StartIdleAt(On(3, 10, 0, 30));
   rig.Run(kOnePass);
   EXPECT_EQ(ScheduleLines().at(0), "Scheduled event 1 beginning on channel 46 until Mar 10, 1:00:59 am");
-  EXPECT_EQ(rig->Schedule().RemainingUntil, On(3, 10, 1, 0, 59));
+  EXPECT_EQ(rig->State().Schedule.RemainingUntil, On(3, 10, 1, 0, 59));
   SetClock(On(3, 10, 1, 0, 30));
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 0; }, 1min));
   EXPECT_GE(rig.Loop.Now(), On(3, 10, 1, 0, 59));
@@ -282,7 +283,7 @@ TEST_F(ScheduledEventsTest, AStartInTheMiddleOfAnEventBeginsItWithItsRealEnd) {
   EXPECT_THAT(ScheduleLines(),
               ElementsAre("Scheduled event 1 beginning on channel 46 until Mar 6, 1:00:59 am",
                           "Scheduled event is utilizing Integrel"));
-  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->State().Recording.RecordRequested);
 }
 
 TEST_F(ScheduledEventsTest, AnEventThatBeginsDuringTheChannelLoadRecordsAfterIt) {
@@ -292,12 +293,12 @@ TEST_F(ScheduledEventsTest, AnEventThatBeginsDuringTheChannelLoadRecordsAfterIt)
   // A radio that takes its time with its list.
   rig.Radio.AnswerDelay = 900ms;
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 1min));
-  ASSERT_TRUE(rig->Radio().ChannelsLoading);
+  ASSERT_TRUE(rig->State().Radio.ChannelsLoading);
   EXPECT_EQ(Window().lblRecording.Caption, "Waiting for channel load");
   rig.Radio.AnswerDelay = 40ms;
   rig.FinishWalk();
   rig.Run(kOnePass);
-  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->State().Recording.RecordRequested);
   EXPECT_EQ(Active(), 1);
 }
 
@@ -307,7 +308,7 @@ TEST_F(ScheduledEventsTest, AnEventTakesItsOwnBitRateAndTheUsersComesBack) {
   Store(1, {.Duration = "0:05", .BitRate = "64 Mono"});
   StartIdleAt(At(19, 59));
   const auto prepared = [&] {
-    return rig.Audio.CaptureFiles.at(static_cast<std::size_t>(rig->Recording().CaptureSlot))->Mp3;
+    return rig.Audio.CaptureFiles.at(static_cast<std::size_t>(rig->State().Recording.CaptureSlot))->Mp3;
   };
   rig.NextSong("Lanterns", "North Pier");
   EXPECT_EQ(prepared().Bitrate, 192);
@@ -330,8 +331,10 @@ TEST_F(ScheduledEventsTest, AfterAnEventOfWholeSongsTheCaptureInHandIsNoWholeSon
   rig.NextSong("Lanterns", "North Pier");
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 0; }, 10min));
   rig.Run(1s);
-  EXPECT_FALSE(rig->Recording().SongBoundarySeen);
-  EXPECT_LT(rig->Recording().CaptureSlots.at(static_cast<std::size_t>(rig->Recording().CaptureSlot)).LengthMs,
+  EXPECT_FALSE(rig->State().Recording.SongBoundarySeen);
+  EXPECT_LT(rig->State()
+                .Recording.CaptureSlots.at(static_cast<std::size_t>(rig->State().Recording.CaptureSlot))
+                .LengthMs,
             1100);
   EXPECT_EQ(rig.Recordings().size(), 1U) << "the song that the event's end cut short is gone";
 }
@@ -376,8 +379,8 @@ TEST_F(ScheduledEventsTest, TheFilesOfAnEventAreJudgedByItsModesTheLastOneToo) {
   rig.Set("SievanceGrab", "1");
   Store(1, {.Duration = "0:02", .Integrel = false});
   StartIdleAt(At(20, 0));
-  ASSERT_TRUE(rig->Restrictions().IsInKillList("Artist 46", ""));
-  ASSERT_TRUE(rig->CurrentSettings().SievanceKill);
+  ASSERT_TRUE(rig->Parts().Restrictions.IsInKillList("Artist 46", ""));
+  ASSERT_TRUE(rig->State().Settings.SievanceKill);
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
   RunTo(At(20, 3, 10));
   ASSERT_EQ(Active(), 0);
@@ -417,15 +420,15 @@ TEST_F(ScheduledEventsTest, AChangeOfTheFormatDoesNotEndTheRecordingOfAnEvent) {
     unit.Run(1min);
     unit.NextSong("Cellar", "Blue Door");
     unit.Run(1min);
-    ASSERT_EQ(unit->Schedule().ActiveSchedule, 1);
-    const int recorded = unit->Recording().RecordedCount;
+    ASSERT_EQ(unit->State().Schedule.ActiveSchedule, 1);
+    const int recorded = unit->State().Recording.RecordedCount;
     ASSERT_GE(recorded, 1);
-    ASSERT_TRUE(unit->ChangeSetting("FileFormat", "OGG").Done());
+    ASSERT_TRUE(unit->Parts().Settings.Set("FileFormat", "OGG").Done());
     unit.Run(kOnePass);
-    EXPECT_TRUE(unit->Recording().RecordRequested);
+    EXPECT_TRUE(unit->State().Recording.RecordRequested);
     EXPECT_TRUE(unit.Logged("Scheduled event 1 recording again"));
-    EXPECT_GE(unit->Recording().RecordedCount, recorded) << "the event counts on";
-    EXPECT_FALSE(unit->Window().cmdStop.Enabled);
+    EXPECT_GE(unit->State().Recording.RecordedCount, recorded) << "the event counts on";
+    EXPECT_FALSE(unit.Window().cmdStop.Enabled);
     unit.Run(1min);
     unit.NextSong("Moonlighters", "Slow Tide");
     EXPECT_THAT(unit.LogTexts(), Contains(StartsWith("Recorded: Channel 46  \"Cellar - Blue Door")));
@@ -446,7 +449,7 @@ TEST_F(ScheduledEventsTest, TheUsersModesAreAskedAgainAfterTheEvent) {
   ASSERT_EQ(Active(), 0);
   rig->cmdRecord();
   EXPECT_EQ(Window().lblRecording.Caption, "Recording");
-  EXPECT_FALSE(rig->CurrentSettings().Integrel);
+  EXPECT_FALSE(rig->State().Settings.Integrel);
 }
 
 TEST_F(ScheduledEventsTest, AButtonPressedWithinABoundaryDoesNotGetInTheWayOfAnEventThatFallsDue) {
@@ -465,20 +468,20 @@ TEST_F(ScheduledEventsTest, AButtonPressedWithinABoundaryDoesNotGetInTheWayOfAnE
       if (recording) unit->cmdRecord();
       unit.Radio.Play(44, "Lanterns", "North Pier");
       const auto pressButton = [&] {
-        if (unit->Recording().BoundaryBusy) ++withinABoundary;
-        if (unit->Window().cmdRecord.Enabled) {
+        if (unit->State().Recording.BoundaryBusy) ++withinABoundary;
+        if (unit.Window().cmdRecord.Enabled) {
           unit->Wishes().Record();
-        } else if (unit->Window().cmdStop.Enabled) {
+        } else if (unit.Window().cmdStop.Enabled) {
           unit->Wishes().Stop();
         }
       };
       unit.Loop.AtHardware(press, [&] { unit.Loop.Post(pressButton); });
       unit->ReloadSchedule();
       unit.Run(20s);
-      EXPECT_EQ(unit->Schedule().ActiveSchedule, 1) << press.count();
-      EXPECT_TRUE(unit->Recording().RecordRequested) << press.count();
-      EXPECT_FALSE(unit->Window().cmdStop.Enabled) << press.count();
-      EXPECT_FALSE(unit->Window().cmdRecord.Enabled) << press.count();
+      EXPECT_EQ(unit->State().Schedule.ActiveSchedule, 1) << press.count();
+      EXPECT_TRUE(unit->State().Recording.RecordRequested) << press.count();
+      EXPECT_FALSE(unit.Window().cmdStop.Enabled) << press.count();
+      EXPECT_FALSE(unit.Window().cmdRecord.Enabled) << press.count();
     }
   }
   EXPECT_GT(withinABoundary, 0);
@@ -543,7 +546,7 @@ TEST_F(SteppedClockTest, InSpringAnEventAcrossTheGapIsAnHourShorter) {
   SpringForward();
   rig.Run(kOnePass);
   EXPECT_EQ(Active(), 1);
-  EXPECT_EQ(rig->Schedule().RemainingUntil, On(4, 3, 3, 30, 59));
+  EXPECT_EQ(rig->State().Schedule.RemainingUntil, On(4, 3, 3, 30, 59));
   JumpTo(On(4, 3, 3, 31, 10));
   EXPECT_THAT(ScheduleLines(), ElementsAre(Begins("Apr 3, 3:30:59 am"), whole, completed));
 }
@@ -706,11 +709,11 @@ TEST_F(ScheduledEventsTest, AChangeOfTextRightAfterTheBeginningIsFollowedAndIsNo
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 2min));
   rig.Radio.Play(46, "Lanterns", "North Pier");
   rig.Radio.Report(46);
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "North Pier"; }, 700ms));
-  ASSERT_GT(rig->Recording().SettleTicks, 0);
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->State().Radio.CurrentSong == "North Pier"; }, 700ms));
+  ASSERT_GT(rig->State().Recording.SettleTicks, 0);
   rig.Run(5s);
-  EXPECT_EQ(rig->Recording().LastSong, "North Pier");
-  EXPECT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong);
+  EXPECT_EQ(rig->State().Recording.LastSong, "North Pier");
+  EXPECT_EQ(rig->State().Recording.Phase, recorder::Phase::WaitingForNextSong);
 }
 
 TEST_F(ScheduledEventsTest, AfterAnEventItsMarkDoesNotBlinkWithARecordingByHand) {
@@ -721,7 +724,7 @@ TEST_F(ScheduledEventsTest, AfterAnEventItsMarkDoesNotBlinkWithARecordingByHand)
   rig.NextSong("Lanterns", "North Pier");
   rig.NextSong("Cellar", "Blue Door");
   rig->cmdRecord();
-  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::Recording);
+  ASSERT_EQ(rig->State().Recording.Phase, recorder::Phase::Recording);
   for (int tenth = 0; tenth < 30; ++tenth) {
     rig.Run(100ms);
     EXPECT_FALSE(Window().pctTimer.Visible);
@@ -733,13 +736,13 @@ TEST_F(ScheduledEventsTest, TheUserCannotStopAnEventThatBeganDuringTheChannelLoa
   SetClock(At(20, 30));
   rig.Start();
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
-  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForChannelLoad);
+  ASSERT_EQ(rig->State().Recording.Phase, recorder::Phase::WaitingForChannelLoad);
   EXPECT_FALSE(Window().cmdStop.Enabled);
   rig.FinishWalk();
   rig.Run(2s);
-  ASSERT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong);
+  ASSERT_EQ(rig->State().Recording.Phase, recorder::Phase::WaitingForNextSong);
   EXPECT_FALSE(Window().cmdStop.Enabled);
-  EXPECT_FALSE(rig->MayStop());
+  EXPECT_FALSE(rig->State().MayStop());
 }
 
 TEST_F(ScheduledEventsTest, TheEndOfTheChannelLoadAsksTheEventAboutWholeSongs) {
@@ -749,10 +752,10 @@ TEST_F(ScheduledEventsTest, TheEndOfTheChannelLoadAsksTheEventAboutWholeSongs) {
   rig.Start();
   rig.Run(100ms);
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return Active() == 1; }, 10s));
-  ASSERT_TRUE(rig->Radio().ChannelsLoading);
+  ASSERT_TRUE(rig->State().Radio.ChannelsLoading);
   rig.FinishWalk();
   rig.Run(5s);
-  EXPECT_EQ(rig->Recording().Phase, recorder::Phase::WaitingForNextSong)
+  EXPECT_EQ(rig->State().Recording.Phase, recorder::Phase::WaitingForNextSong)
       << "the song that plays when the load ends is none of the event's";
 }
 

@@ -111,7 +111,7 @@ TEST_F(ShutdownTest, ASecondRequestMeanwhileChangesNothing) {
 TEST_F(ShutdownTest, ChannelSwitchesAndPortAreSaved) {
   rig.StartIdle();
   rig->SetChannelNumber(52);
-  EXPECT_TRUE(rig->ChangeSetting("SievanceGrab", "1").Done());
+  EXPECT_TRUE(rig->Parts().Settings.Set("SievanceGrab", "1").Done());
   EXPECT_EQ(rig.Setting("SievanceGrab"), "(absent)") << "the list switches are stored at the exit";
   rig.CloseAndWait();
   EXPECT_EQ(rig.Setting("Channel"), "52");
@@ -139,7 +139,7 @@ TEST_F(ShutdownTest, RepliesBetweenThePassesChangeNothing) {
   rig->Close();
   rig.Radio.Play(44, "Late", "Song");
   rig.Run(1min);
-  EXPECT_EQ(rig->Radio().CurrentArtist, "Moonlighters");
+  EXPECT_EQ(rig->State().Radio.CurrentArtist, "Moonlighters");
 }
 
 TEST_F(ShutdownTest, ACloseWithinTheChannelLoadIsClean) {
@@ -158,13 +158,13 @@ TEST_F(ShutdownTest, ALineThatKeepsSendingDoesNotHoldUpTheEnd) {
 
 TEST_F(ShutdownTest, AChannelThatWasChosenAMomentBeforeIsNotTunedAnyMore) {
   rig.StartIdle();
-  const int row = rig->ChannelList().Grid().SelectedRow() == 1 ? 2 : 1;
-  rig->ChannelsWindow().ClickRow(row);
-  ASSERT_TRUE(rig->ChannelsWindow().tmrChannelChange().Enabled());
+  const int row = rig->Parts().Channels.Grid().SelectedRow() == 1 ? 2 : 1;
+  rig.Rules->ChannelsWindow().ClickRow(row);
+  ASSERT_TRUE(rig.Rules->ChannelsWindow().tmrChannelChange().Enabled());
   const int tuned = rig.Radio.TunedChannel;
   rig.CloseAndWait();
-  EXPECT_TRUE(rig->ChannelsWindow().QuitFlag());
-  EXPECT_FALSE(rig->ChannelsWindow().tmrChannelChange().Enabled());
+  EXPECT_TRUE(rig.Rules->ChannelsWindow().QuitFlag());
+  EXPECT_FALSE(rig.Rules->ChannelsWindow().tmrChannelChange().Enabled());
   EXPECT_EQ(rig.Radio.TunedChannel, tuned);
 }
 

@@ -50,14 +50,14 @@ constexpr std::string_view kPowerOn =
 TEST_F(StartupTest, ARadioOnTheStoredPortIsFoundPoweredIdentifiedAndTuned) {
   rig.Set("Channel", "51");
   rig.Start();
-  EXPECT_EQ(rig->PortNum(), 1);
-  EXPECT_EQ(rig->Radio().RadioID, "ABCD1234");
+  EXPECT_EQ(rig->State().Settings.PortNum, 1);
+  EXPECT_EQ(rig->State().Radio.RadioID, "ABCD1234");
   EXPECT_EQ(rig.Radio.TunedChannel, 51);
-  EXPECT_THAT(
-      rig.LogTexts(),
-      ElementsAre("Kestrune 3.0.29", "Using input device: " + rig->InputDeviceName(), "Radio found on port 1",
-                  "Radio ID ABCD1234", "Satellite 1 signal quality: 80%", "Satellite 2 signal quality: 99%",
-                  "Terrestrial signal quality: 100%", "Using file format: SetFormatWAV 1000 1 16"));
+  EXPECT_THAT(rig.LogTexts(),
+              ElementsAre("Kestrune 3.0.29", "Using input device: " + rig->Snapshot().InputDeviceName,
+                          "Radio found on port 1", "Radio ID ABCD1234", "Satellite 1 signal quality: 80%",
+                          "Satellite 2 signal quality: 99%", "Terrestrial signal quality: 100%",
+                          "Using file format: SetFormatWAV 1000 1 16"));
 }
 
 TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
@@ -75,28 +75,28 @@ TEST_F(StartupTest, ThePresetButtonsAreFilledFromTheUnitsSettings) {
   rig.Set("Preset1", "51 - Fred");
   rig.Set("Preset12", "44 - Lucy");
   rig.Start();
-  EXPECT_EQ(rig->PresetButtons().Buttons()[0].Caption, "51 - Fred");
-  EXPECT_EQ(rig->PresetButtons().Buttons()[1].Caption, "");
-  EXPECT_EQ(rig->PresetButtons().Buttons()[11].Caption, "44 - Lucy");
-  rig->PresetButtons().Keys().Write("Preset2", "7 - Saved");
+  EXPECT_EQ(rig.Rules->PresetButtons().Buttons()[0].Caption, "51 - Fred");
+  EXPECT_EQ(rig.Rules->PresetButtons().Buttons()[1].Caption, "");
+  EXPECT_EQ(rig.Rules->PresetButtons().Buttons()[11].Caption, "44 - Lucy");
+  rig.Rules->PresetButtons().Keys().Write("Preset2", "7 - Saved");
   EXPECT_EQ(rig.Setting("Preset2"), "7 - Saved");
 }
 
 TEST_F(StartupTest, TheChannelsWindowTakesNoInputBeforeTheFirstChannelHasCome) {
   rig.Start();
-  EXPECT_FALSE(rig->ChannelList().Grid().Enabled);
-  EXPECT_EQ(rig->ChannelList().Grid().Titles()[1], "Station Name");
+  EXPECT_FALSE(rig->Parts().Channels.Grid().Enabled);
+  EXPECT_EQ(rig->Parts().Channels.Grid().Titles()[1], "Station Name");
   rig.FinishWalk();
-  EXPECT_TRUE(rig->ChannelList().Grid().Enabled);
+  EXPECT_TRUE(rig->Parts().Channels.Grid().Enabled);
 }
 
 TEST_F(StartupTest, TheNowWindowShowsWhatTheMainWindowShows) {
   rig.StartIdle();
   rig.NextSong("Queen", "Innuendo");
-  rig->NowWindow().Load();
-  EXPECT_EQ(rig->NowWindow().Lines().lblArtist, "Queen");
-  EXPECT_EQ(rig->NowWindow().Lines().lblSong, "Innuendo");
-  EXPECT_EQ(rig->NowWindow().Lines().lblChannel, rig->Window().lblChannel.Caption);
+  rig.Rules->NowWindow().Load();
+  EXPECT_EQ(rig.Rules->NowWindow().Lines().lblArtist, "Queen");
+  EXPECT_EQ(rig.Rules->NowWindow().Lines().lblSong, "Innuendo");
+  EXPECT_EQ(rig.Rules->NowWindow().Lines().lblChannel, rig.Window().lblChannel.Caption);
 }
 
 TEST_F(StartupTest, TheIdentifierIsKnownOnceTheRadioIsFound) {
@@ -133,27 +133,27 @@ TEST_F(StartupTest, TheInputDeviceIsFoundAgainAtAnotherIndex) {
   rig.Set("InputDevice", "0");
   rig.Set("InputDeviceId", "radio");
   rig.Start();
-  EXPECT_EQ(rig->InputDeviceName(), "Radio");
+  EXPECT_EQ(rig->Snapshot().InputDeviceName, "Radio");
   EXPECT_EQ(rig->InputDeviceId(), "radio");
   EXPECT_THAT(rig.LogTexts(), Contains("Using input device: Radio"));
-  EXPECT_EQ(rig->ReadSetting("InputDevice"), "1");
+  EXPECT_EQ(rig->Parts().Settings.Get("InputDevice"), "1");
 }
 
 TEST_F(StartupTest, TheIdOfTheInputDeviceIsStoredBesideItsIndex) {
   rig.Sound.SetDevices({{"New", "new"}, {"Radio", "radio"}});
   rig.Set("InputDevice", "1");
   rig.Start();
-  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "radio");
-  EXPECT_EQ(rig->ChangeSetting("InputDevice", "0").Refusal, "");
-  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "new");
+  EXPECT_EQ(rig->Parts().Settings.Get("InputDeviceId"), "radio");
+  EXPECT_EQ(rig->Parts().Settings.Set("InputDevice", "0").Refusal, "");
+  EXPECT_EQ(rig->Parts().Settings.Get("InputDeviceId"), "new");
 }
 
 TEST_F(StartupTest, AnInputDeviceThatIsNotThereLeavesItsPlaceToTheOneAtItsIndex) {
   rig.Set("InputDeviceId", "gone");
   rig.Start();
-  EXPECT_EQ(rig->InputDeviceName(), "Radio");
+  EXPECT_EQ(rig->Snapshot().InputDeviceName, "Radio");
   EXPECT_THAT(rig.LogTexts(), Contains("Input device gone is not there; device number 0 takes its place"));
-  EXPECT_EQ(rig->ReadSetting("InputDeviceId"), "gone") << "it may come back";
+  EXPECT_EQ(rig->Parts().Settings.Get("InputDeviceId"), "gone") << "it may come back";
 }
 
 TEST_F(StartupTest, WithoutAnInputDeviceTheUserIsToldAndTheProgramCloses) {
@@ -197,21 +197,21 @@ TEST_F(StartupTest, WithoutAStoredPortTheSearchFindsTheRadio) {
   rig.Set("PortNum", "0");
   rig.Radio.SittingOnPort = 7;
   rig.Start();
-  EXPECT_EQ(rig->PortNum(), 7);
+  EXPECT_EQ(rig->State().Settings.PortNum, 7);
   EXPECT_TRUE(rig.Logged("Radio found on port 7"));
 }
 
 TEST_F(StartupTest, AStoredPortWithoutARadioFallsBackToTheSearch) {
   rig.Set("PortNum", "3");
   rig.Start();
-  EXPECT_EQ(rig->PortNum(), 1);
+  EXPECT_EQ(rig->State().Settings.PortNum, 1);
 }
 
 TEST_F(StartupTest, AForcedPortIsTakenForTheStoredOne) {
   rig.Set("PortNum", "3");
   rig.Environment.Command = "/port 1";
   rig.Start();
-  EXPECT_EQ(rig->PortNum(), 1);
+  EXPECT_EQ(rig->State().Settings.PortNum, 1);
   EXPECT_TRUE(rig.Logged("Forced COM port to port 1"));
 }
 
@@ -219,7 +219,7 @@ TEST_F(StartupTest, ARefusedPortIsLoggedAsZeroAndTheStoredOneIsUsed) {
   rig.Environment.Command = "/port 300";
   rig.Start();
   EXPECT_TRUE(rig.Logged("Forced COM port to port 0"));
-  EXPECT_EQ(rig->PortNum(), 1);
+  EXPECT_EQ(rig->State().Settings.PortNum, 1);
 }
 
 TEST_F(StartupTest, AForcedPortWithoutARadioFallsBackToTheSearch) {
@@ -227,7 +227,7 @@ TEST_F(StartupTest, AForcedPortWithoutARadioFallsBackToTheSearch) {
   rig.Radio.SittingOnPort = 2;
   rig.Environment.Command = "/port 5";
   rig.Start();
-  EXPECT_EQ(rig->PortNum(), 2);
+  EXPECT_EQ(rig->State().Settings.PortNum, 2);
 }
 
 TEST_F(StartupTest, AStartWithoutARadioLeavesTheStoredPortAsItWas) {
@@ -263,14 +263,14 @@ TEST_F(StartupTest, ACloseDuringTheWalkLeavesTheChannelListAsItWas) {
   rig.Files.MakeFolders("/home/user/Application Data/Kestrune");
   rig.Files.Put(kChannelList, kSavedList);
   rig.Start();
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->ChannelList().Table().ChannelCount() > 4; }, 20s));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Parts().Channels.Table().ChannelCount() > 4; }, 20s));
   rig.CloseAndWait();
   EXPECT_EQ(rig.Files.Text(kChannelList), kSavedList);
 }
 
 TEST_F(StartupTest, ACloseDuringTheFirstWalkKeepsNoPartOfTheList) {
   rig.Start();
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->ChannelList().Table().ChannelCount() > 4; }, 20s));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Parts().Channels.Table().ChannelCount() > 4; }, 20s));
   rig.CloseAndWait();
   EXPECT_FALSE(rig.Files.Exists(kChannelList));
 }
@@ -327,7 +327,7 @@ TEST_F(StartupTest, AUnitHasItsOwnSectionListAndLog) {
   rig.Store.Put("Lorimel", "Kestrune2", "Channel", "47");
   rig.Start();
   rig.FinishWalk();
-  EXPECT_EQ(rig->MultiUnit(), "2");
+  EXPECT_EQ(rig->Snapshot().MultiUnit, "2");
   EXPECT_EQ(rig.Radio.TunedChannel, 47);
   EXPECT_TRUE(rig.Logged("Running as Multi-Unit 2"));
   EXPECT_TRUE(rig.Files.Exists("/home/user/Application Data/Kestrune/Kestrune2.log"));
@@ -364,10 +364,10 @@ TEST_F(StartupTest, TwoGigabytesOfTemporarySpaceAreEnough) {
 
 TEST_F(StartupTest, TheChannelLoadEndsWithItsCount) {
   rig.Start();
-  EXPECT_TRUE(rig->Radio().ChannelsLoading);
+  EXPECT_TRUE(rig->State().Radio.ChannelsLoading);
   rig.FinishWalk();
   EXPECT_TRUE(rig.Logged("Channels loaded: 16"));
-  EXPECT_TRUE(rig->Window().mnuReload.Enabled);
+  EXPECT_TRUE(rig.Window().mnuReload.Enabled);
 }
 
 TEST_F(StartupTest, ACloseWithinTheSearchEndsTheStart) {

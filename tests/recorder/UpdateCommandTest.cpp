@@ -72,7 +72,7 @@ TEST_F(UpdateCommandTest, ANewerVersionIsAskedAboutAndNoChangesNothing) {
   EXPECT_EQ(OnlyMessage().Title, "New Version Available");
   EXPECT_EQ(OnlyMessage().Icon, MessageIcon::Information);
   EXPECT_EQ(OnlyMessage().Buttons, MessageButtons::YesNo);
-  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->State().Recording.RecordRequested);
   EXPECT_THAT(rig.Web.Calls, Not(Contains("FetchBytes https://h/My Setup.bin")));
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
 }
@@ -84,7 +84,7 @@ TEST_F(UpdateCommandTest, YesStopsRecordingDownloadsRunsAndCloses) {
   bool recordingAtDownload = true;
   std::string installed;
   rig.Processes.During = [&] {
-    recordingAtDownload = rig->Recording().RecordRequested;
+    recordingAtDownload = rig->State().Recording.RecordRequested;
     installed = rig.Files.Text("/tmp/private1/My Setup.bin");
   };
   CheckUpdate();
@@ -92,7 +92,7 @@ TEST_F(UpdateCommandTest, YesStopsRecordingDownloadsRunsAndCloses) {
   EXPECT_EQ(installed, "installer");
   EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\"", "wait 4711 0",
                                                "stop waiting", "stop waiting"));
-  EXPECT_TRUE(rig->Run().ShuttingDown);
+  EXPECT_TRUE(rig->State().Run.ShuttingDown);
   EXPECT_TRUE(rig.Loop.RunUntil([&] { return rig.Closed; }, 1min));
 }
 
@@ -119,7 +119,7 @@ TEST_F(UpdateCommandTest, AFailedDownloadRunsNothingAndSendsTheUserToTheWebSite)
   CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
   EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, YesWhileIdleSavesNoRecording) {
@@ -132,7 +132,7 @@ TEST_F(UpdateCommandTest, YesWhileIdleSavesNoRecording) {
   rig->mnuCheckUpdate();
   rig.Run(60s);
   EXPECT_FALSE(rig.Logged("Recorded: "));
-  EXPECT_EQ(rig->Recording().RecordedCount, 0);
+  EXPECT_EQ(rig->State().Recording.RecordedCount, 0);
 }
 
 TEST_F(UpdateCommandTest, AnInstallerThatCannotBeStartedLeavesTheProgramRunning) {
@@ -142,7 +142,7 @@ TEST_F(UpdateCommandTest, AnInstallerThatCannotBeStartedLeavesTheProgramRunning)
   CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, ElementsAre("normal \"/tmp/private1/My Setup.bin\""));
   EXPECT_EQ(rig.Dialogs.Shown.back().Title, "Download Error");
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
   EXPECT_FALSE(rig.Files.Exists("/tmp/private1"));
 }
 
@@ -166,7 +166,7 @@ TEST_F(UpdateCommandTest, WithoutAPlaceForTheFileTheUserIsSentToTheWebSite) {
   EXPECT_EQ(rig.Dialogs.Shown[1].Text,
             "An error occurred downloading the update.\nPlease visit Kestrune at https://site.invalid");
   EXPECT_EQ(rig.Dialogs.Shown[1].Icon, MessageIcon::None);
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, AFileThatIsNotThereIsPassedOver) {
@@ -176,7 +176,7 @@ TEST_F(UpdateCommandTest, AFileThatIsNotThereIsPassedOver) {
   CheckUpdate();
   EXPECT_EQ(rig.Dialogs.Shown.size(), 1U);
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, AVersionWithoutAnAddressInstallsNothing) {
@@ -185,7 +185,7 @@ TEST_F(UpdateCommandTest, AVersionWithoutAnAddressInstallsNothing) {
   rig.Web.Text = "003.000.030";
   CheckUpdate();
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, WithoutANetworkEveryStartEndsWithTheErrorBox) {
@@ -236,7 +236,7 @@ TEST_F(UpdateCommandTest, AskingAloneTellsTheUserNothing) {
   EXPECT_EQ(answer->Result, 1);
   EXPECT_EQ(answer->DownloadAddress, "https://h/My Setup.bin");
   EXPECT_THAT(rig.Dialogs.Shown, IsEmpty());
-  EXPECT_FALSE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, ACloseWithinTheCheckEndsItWithoutAWord) {
@@ -254,7 +254,7 @@ TEST_F(UpdateCommandTest, WishesAreServedWhileTheServerIsAsked) {
   rig.Web.During = [&] {
     rig->Wishes().Record();
     rig.Run(10ms);
-    recording = rig->Recording().RecordRequested;
+    recording = rig->State().Recording.RecordRequested;
   };
   CheckUpdate();
   EXPECT_TRUE(recording);
@@ -267,13 +267,13 @@ TEST_F(UpdateCommandTest, AMessageStopsNothingAndItsAnswerIsAWish) {
   rig->Wishes().Record();
   CheckUpdate();
   rig.NextSong("Lanterns", "North Pier");
-  EXPECT_EQ(rig->Recording().LastSong, "North Pier") << "the songs are followed while the box is open";
+  EXPECT_EQ(rig->State().Recording.LastSong, "North Pier") << "the songs are followed while the box is open";
   EXPECT_THAT(rig.Processes.Calls, IsEmpty());
   rig.Dialogs.Press(MessageAnswer::Yes);
-  EXPECT_TRUE(rig->Recording().RecordRequested);
+  EXPECT_TRUE(rig->State().Recording.RecordRequested);
   rig.Run(100ms);
-  EXPECT_FALSE(rig->Recording().RecordRequested);
-  EXPECT_TRUE(rig->Run().ShuttingDown);
+  EXPECT_FALSE(rig->State().Recording.RecordRequested);
+  EXPECT_TRUE(rig->State().Run.ShuttingDown);
 }
 
 TEST_F(UpdateCommandTest, ACloseWithinTheDownloadRunsNothing) {

@@ -17,7 +17,7 @@ using ::testing::StartsWith;
 class UpdateCycleTest : public ::testing::Test {
  protected:
   UnitRig rig;
-  [[nodiscard]] const recorder::RecordingState& State() { return rig->Recording(); }
+  [[nodiscard]] const recorder::RecordingState& State() { return rig->State().Recording; }
   [[nodiscard]] std::size_t CapturesMade() {
     return rig.Audio.CaptureFiles[0]->Written.size() + rig.Audio.CaptureFiles[1]->Written.size();
   }
@@ -26,7 +26,7 @@ class UpdateCycleTest : public ::testing::Test {
 TEST_F(UpdateCycleTest, NothingIsCapturedBeforeTheChannelWalkHasEnded) {
   rig.Start();
   rig.Run(1s);
-  EXPECT_TRUE(rig->Radio().ChannelsLoading);
+  EXPECT_TRUE(rig->State().Radio.ChannelsLoading);
   EXPECT_EQ(CapturesMade(), 0U);
 }
 
@@ -130,23 +130,23 @@ TEST_F(UpdateCycleTest, WholeSongsWithoutSplittingWaitUntilAStop) {
   rig->SetChannelNumber(45);
   rig.Run(5s);
   rig->cmdRecord();
-  ASSERT_EQ(rig->Window().lblRecording.Caption, "Waiting for next song");
+  ASSERT_EQ(rig.Window().lblRecording.Caption, "Waiting for next song");
   rig.NextSong("A", "1");
   rig.NextSong("B", "2");
-  EXPECT_EQ(rig->Window().lblRecording.Caption, "Waiting for next song");
+  EXPECT_EQ(rig.Window().lblRecording.Caption, "Waiting for next song");
   rig->cmdStop();
-  EXPECT_EQ(rig->Window().lblRecording.Caption, "");
+  EXPECT_EQ(rig.Window().lblRecording.Caption, "");
 }
 
 TEST_F(UpdateCycleTest, LabelsShowTheTunedChannelWithAmpersandsDoubled) {
   rig.Radio.Channels[44] = {"R&B", "Soul & more", "Salt & Sea", "You & I"};
   rig.StartIdle();
   rig.Run(5s);
-  EXPECT_EQ(rig->Window().lblChannel.Caption, "44: R&&B");
-  EXPECT_EQ(rig->Window().lblGenre.Caption, "Soul && more");
-  EXPECT_EQ(rig->Window().lblArtist.Caption, "Salt && Sea");
-  EXPECT_EQ(rig->Window().lblSong.Caption, "You && I");
-  EXPECT_EQ(rig->Window().Title, "Kestrune: Salt & Sea");
+  EXPECT_EQ(rig.Window().lblChannel.Caption, "44: R&&B");
+  EXPECT_EQ(rig.Window().lblGenre.Caption, "Soul && more");
+  EXPECT_EQ(rig.Window().lblArtist.Caption, "Salt && Sea");
+  EXPECT_EQ(rig.Window().lblSong.Caption, "You && I");
+  EXPECT_EQ(rig.Window().Title, "Kestrune: Salt & Sea");
 }
 
 TEST_F(UpdateCycleTest, ASilentRadioChangesNothingAndTheCaptureRunsOn) {
@@ -192,7 +192,7 @@ TEST_F(UpdateCycleTest, TheTimeOfABoundaryIsThatAfterTheDelay) {
   rig.Set("SongDelay", "5000");
   rig.StartIdle();
   rig.Radio.Play(44, "A", "1");
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "1"; }, 5s));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->State().Radio.CurrentSong == "1"; }, 5s));
   const base::DateValue changed = rig.Loop.Now();
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return State().CaptureSlot == 0; }, 10s));
   EXPECT_GE(base::SecondsBetween(changed, State().SongBoundaryTime), 5);
@@ -201,7 +201,7 @@ TEST_F(UpdateCycleTest, TheTimeOfABoundaryIsThatAfterTheDelay) {
 TEST_F(UpdateCycleTest, ABoundaryCopiesTheRadiosTextIntoTheGrid) {
   rig.StartIdle();
   rig.NextSong("A", "1");
-  const radio::ChannelGrid& grid = rig->ChannelList().Grid();
+  const radio::ChannelGrid& grid = rig->Parts().Channels.Grid();
   const auto& row = grid.At(grid.FindRow(44));
   EXPECT_EQ(row[radio::ChannelGrid::Artist], " A ");
   EXPECT_EQ(row[radio::ChannelGrid::Song], " 1 ");
@@ -213,7 +213,7 @@ TEST_F(UpdateCycleTest, NoTickWorksWithinATickThatHasItsTimerBack) {
   rig.StartIdle();
   const std::size_t made = CapturesMade();
   rig.Radio.Play(44, "A", "1");
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->Radio().CurrentSong == "1"; }, 5s));
+  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->State().Radio.CurrentSong == "1"; }, 5s));
   bool pressed = false;
   rig.Radio.WhenCommanded = [&] {
     if (!std::exchange(pressed, true)) rig->cmdRecord();
@@ -229,7 +229,7 @@ TEST_F(UpdateCycleTest, NoTickWorksWithinTheHandlingOfAReply) {
   // that a tick falls due before that handling is over.
   bool slept = false;
   std::function<void()> slow = [&] {
-    if (rig->Radio().InfoBusy && rig->ChannelList().TunedRow()->Song == "1") {
+    if (rig->State().Radio.InfoBusy && rig->Parts().Channels.TunedRow()->Song == "1") {
       slept = true;
       rig.Loop.Sleep(300ms);
     } else if (rig.Loop.Pumping()) {
@@ -238,7 +238,7 @@ TEST_F(UpdateCycleTest, NoTickWorksWithinTheHandlingOfAReply) {
   };
   bool cutWithin = false;
   std::function<void()> look = [&] {
-    cutWithin = cutWithin || (rig->Recording().BoundaryBusy && rig->Radio().InfoBusy);
+    cutWithin = cutWithin || (rig->State().Recording.BoundaryBusy && rig->State().Radio.InfoBusy);
     rig.Loop.AtHardware(10ms, look);
   };
   look();
@@ -257,13 +257,13 @@ TEST_F(UpdateCycleTest, NoTickWorksWithinTheHandlingOfAReply) {
 TEST_F(UpdateCycleTest, NoBoundaryIsTakenWhileTheProgramLoads) {
   bool loading = true;
   auto report = rig.Loop.MakeTimer(100ms, [&] {
-    if (rig->Run().FormLoading && rig.Radio.IsOpen()) rig.Radio.Report(44);
-    loading = rig->Run().FormLoading;
+    if (rig->State().Run.FormLoading && rig.Radio.IsOpen()) rig.Radio.Report(44);
+    loading = rig->State().Run.FormLoading;
   });
   report->SetEnabled(true);
   rig.Start();
   report->SetEnabled(false);
-  ASSERT_EQ(rig->Radio().CurrentSong, "Slow Tide") << "the radio said so during the load";
+  ASSERT_EQ(rig->State().Radio.CurrentSong, "Slow Tide") << "the radio said so during the load";
   EXPECT_EQ(CapturesMade(), 0U);
   EXPECT_EQ(State().LastSong, "");
 }

@@ -34,8 +34,8 @@ class WishesTest : public ::testing::Test {
     rig->Wishes().Ask([this] {
       ++Served;
       EXPECT_FALSE(rig.Loop.Pumping());
-      EXPECT_FALSE(rig->Recording().BoundaryBusy);
-      EXPECT_FALSE(rig->Radio().InfoBusy);
+      EXPECT_FALSE(rig->State().Recording.BoundaryBusy);
+      EXPECT_FALSE(rig->State().Radio.InfoBusy);
       return Result::Done();
     });
   }
@@ -65,8 +65,8 @@ TEST_F(WishesTest, NoneIsServedInAWaitAPumpABoundaryOrTheReceivePath) {
   std::function<void(int)> ask = [&](int more) {
     ++asked;
     pumping += rig.Loop.Pumping() ? 1 : 0;
-    cutting += rig->Recording().BoundaryBusy ? 1 : 0;
-    receiving += rig->Radio().InfoBusy ? 1 : 0;
+    cutting += rig->State().Recording.BoundaryBusy ? 1 : 0;
+    receiving += rig->State().Radio.InfoBusy ? 1 : 0;
     AskAndWatch();
     // The next one gets as deep as the next pump.
     if (more > 0) rig.Loop.Post([&, more] { ask(more - 1); });
@@ -139,7 +139,7 @@ TEST_F(WishesTest, InAnEventTheyNameTheEntryAndWhatToDo) {
   rig.Set("ScheduleDuration3", "13:30");
   rig->ReloadSchedule();
   rig.Run(20s);
-  ASSERT_EQ(rig->Schedule().ActiveSchedule, 3);
+  ASSERT_EQ(rig->State().Schedule.ActiveSchedule, 3);
   rig->Wishes().Record(Note("record"));
   rig->Wishes().Stop(Note("stop"));
   rig->Wishes().Tune(44, Note("tune"));
@@ -246,10 +246,10 @@ TEST_F(WishesTest, TwoTuningsAtATimeLeaveRadioLabelAndGridOnOneChannel) {
     own->Wishes().Tune(46);
     own.Loop.AtHardware(moment, [&] { own.Loop.Post([&] { own->Wishes().Tune(52); }); });
     own.Run(10s);
-    EXPECT_EQ(own->Radio().ChannelNumber, 52) << moment.count();
+    EXPECT_EQ(own->State().Radio.ChannelNumber, 52) << moment.count();
     EXPECT_EQ(own.Radio.TunedChannel, 52) << moment.count();
-    EXPECT_EQ(own->Window().lblChannel.Caption, "52: Station 52") << moment.count();
-    const radio::ChannelGrid& grid = own->ChannelList().Grid();
+    EXPECT_EQ(own.Window().lblChannel.Caption, "52: Station 52") << moment.count();
+    const radio::ChannelGrid& grid = own->Parts().Channels.Grid();
     EXPECT_EQ(grid.NumberAt(grid.SelectedRow()), 52) << moment.count();
   }
 }
@@ -265,10 +265,10 @@ TEST_F(WishesTest, ATuningAndAnEventThatBeginsLeaveAllOnTheEventsChannel) {
     own->ReloadSchedule();
     own.Loop.AtHardware(moment, [&] { own.Loop.Post([&] { own->Wishes().Tune(52); }); });
     own.Run(20s);
-    EXPECT_EQ(own->Schedule().ActiveSchedule, 1);
-    EXPECT_EQ(own->Radio().ChannelNumber, 46) << moment.count();
+    EXPECT_EQ(own->State().Schedule.ActiveSchedule, 1);
+    EXPECT_EQ(own->State().Radio.ChannelNumber, 46) << moment.count();
     EXPECT_EQ(own.Radio.TunedChannel, 46) << moment.count();
-    const radio::ChannelGrid& grid = own->ChannelList().Grid();
+    const radio::ChannelGrid& grid = own->Parts().Channels.Grid();
     EXPECT_EQ(grid.NumberAt(grid.SelectedRow()), 46) << moment.count();
   }
 }
@@ -284,7 +284,7 @@ TEST_F(WishesTest, TheReloadsBoxStopsNothing) {
   ASSERT_EQ(rig.Dialogs.OpenBoxes.size(), 1U);
   rig.FinishWalk();
   rig.NextSong("Lanterns", "North Pier");
-  EXPECT_EQ(rig->Recording().LastSong, "North Pier");
+  EXPECT_EQ(rig->State().Recording.LastSong, "North Pier");
 }
 
 TEST_F(WishesTest, ABoxThatIsOpenAtTheCloseHoldsUpNothing) {

@@ -30,21 +30,25 @@ UnitRig::UnitRig() {
 }
 
 void UnitRig::MeetWindows(recorder::Windows& windows) {
-  Unit.reset();  // one unit at a time on the radio's line
-  Unit = std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = Loop,
-                                                                .pcrComm = Radio,
-                                                                .Audio = Audio,
-                                                                .Files = Files,
-                                                                .FileSync = FileSync,
-                                                                .Environment = Environment,
-                                                                .Settings = Store,
-                                                                .Dialogs = Dialogs,
-                                                                .Sounds = Sounds,
-                                                                .Windows = windows,
-                                                                .SerialEnumerator = SerialEnumerator,
-                                                                .Web = Web,
-                                                                .Processes = Processes,
-                                                                .SleepInhibitor = SleepInhibitor});
+  // One unit at a time on the radio's line.
+  Rules.reset();
+  Unit.reset();
+  const recorder::Outside outside{.Loop = Loop,
+                                  .pcrComm = Radio,
+                                  .Audio = Audio,
+                                  .Files = Files,
+                                  .FileSync = FileSync,
+                                  .Environment = Environment,
+                                  .Settings = Store,
+                                  .Dialogs = Dialogs,
+                                  .Sounds = Sounds,
+                                  .Windows = windows,
+                                  .SerialEnumerator = SerialEnumerator,
+                                  .Web = Web,
+                                  .Processes = Processes,
+                                  .SleepInhibitor = SleepInhibitor};
+  Unit = std::make_unique<recorder::Kestrune>(outside);
+  Rules = std::make_unique<presenters::UnitPresenters>(*Unit, outside);
   Unit->SetClosedHandler([this] { Closed = true; });
 }
 
@@ -53,7 +57,7 @@ void UnitRig::Start(recorder::StartOutcome expected) {
 }
 
 void UnitRig::FinishWalk() {
-  EXPECT_TRUE(Loop.RunUntil([this] { return !Unit->Radio().ChannelsLoading; }, 5min));
+  EXPECT_TRUE(Loop.RunUntil([this] { return !Unit->State().Radio.ChannelsLoading; }, 5min));
 }
 
 void UnitRig::StartIdle() {
@@ -63,7 +67,7 @@ void UnitRig::StartIdle() {
 }
 
 void UnitRig::NextSong(const std::string& artist, const std::string& song) {
-  Radio.Play(Unit->Radio().ChannelNumber, artist, song);
+  Radio.Play(Unit->State().Radio.ChannelNumber, artist, song);
   Run(3s);
 }
 
@@ -75,7 +79,7 @@ void UnitRig::CloseAndWait() {
 std::vector<std::string> UnitRig::LogTexts() const {
   // "Jan 1, 2005 12:00:00 " and the text; the day has one digit or two.
   std::vector<std::string> texts;
-  for (const std::string& line : Unit->LogBook().List().Lines()) {
+  for (const std::string& line : Unit->Parts().Log.List().Lines()) {
     const std::size_t colon = line.find(':');
     texts.push_back(line.substr(colon + 7));
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/ring/RingRecorder.h"
+#include "presenters/UnitPresenters.h"
 #include "recorder/Kestrune.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeFileSync.h"
@@ -96,6 +97,8 @@ class UnitRig {
   [[nodiscard]] std::string Setting(std::string_view key) const {
     return Store.Stored("Lorimel", "Kestrune", key);
   }
+  /// What the main window shows now.
+  [[nodiscard]] presenters::MainWindow Window() const { return Rules->Window(); }
   /// The log's lines without their time stamps.
   [[nodiscard]] std::vector<std::string> LogTexts() const;
   [[nodiscard]] bool Logged(std::string_view text) const;
@@ -120,6 +123,7 @@ class UnitRig {
   FakeSleepInhibitor SleepInhibitor;
   RigAudio Audio{Loop, Sound, Files};
   std::unique_ptr<recorder::Kestrune> Unit;
+  std::unique_ptr<presenters::UnitPresenters> Rules;
   bool Closed = false;
 };
 

@@ -23,7 +23,7 @@ class DesktopRig {
                  .HelpFile = "/program/Documentation/Kestrune.html",
                  .Links = {.WebSite = "https://radio.example", .Mail = "help@radio.example"}}) {
     Unit.MeetWindows(Desktop);
-    Desktop.Attach(*Unit);
+    Desktop.Attach(*Unit.Rules);
   }
   ~DesktopRig() { Desktop.Detach(); }
   DesktopRig(const DesktopRig&) = delete;
@@ -42,7 +42,7 @@ class DesktopRig {
     Unit.Run(time);
     QCoreApplication::processEvents();
   }
-  [[nodiscard]] presenters::MainWindow& Record() { return Unit->WindowRecord(); }
+  [[nodiscard]] presenters::DesktopRecord& Record() { return Unit.Rules->OnDesktop(); }
 
   UnitRig Unit;
   RecordingShell Shell;

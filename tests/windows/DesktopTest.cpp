@@ -113,10 +113,10 @@ TEST_F(DesktopTest, AWindowIsMadeWhenShownAndGoneWhenClosed) {
   Plug(WindowName::Schedule, "schedule");
   rig.Unit.StartIdle();
   EXPECT_THAT(diary.Lines, IsEmpty());
-  rig.Unit->Switches().Click(WindowName::Schedule, true);
+  rig.Unit.Rules->Switches().Click(WindowName::Schedule, true);
   ASSERT_NE(last, nullptr);
   EXPECT_TRUE(last->isVisible());
-  rig.Unit->Switches().Click(WindowName::Schedule, false);
+  rig.Unit.Rules->Switches().Click(WindowName::Schedule, false);
   rig.Run(200ms);
   EXPECT_THAT(diary.Lines, ElementsAre("schedule made", "schedule closes", "schedule gone"));
   EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Schedule));
@@ -125,8 +125,8 @@ TEST_F(DesktopTest, AWindowIsMadeWhenShownAndGoneWhenClosed) {
 TEST_F(DesktopTest, AWindowThatClearsItsBoxWhileItClosesIsClosedOnce) {
   Plug(WindowName::KestruneNow, "now");
   rig.Unit.StartIdle();
-  rig.Unit->Switches().Click(WindowName::KestruneNow, true);
-  diary.OnClose = [this] { rig.Unit->Switches().Click(WindowName::KestruneNow, false); };
+  rig.Unit.Rules->Switches().Click(WindowName::KestruneNow, true);
+  diary.OnClose = [this] { rig.Unit.Rules->Switches().Click(WindowName::KestruneNow, false); };
   last->close();
   rig.Run(200ms);
   EXPECT_THAT(diary.Lines, ElementsAre("now made", "now closes", "now gone"));
@@ -137,7 +137,7 @@ TEST_F(DesktopTest, AWindowMayRefuseToClose) {
   Plug(WindowName::RestrictList, "lists");
   diary.RefusesClose = true;
   rig.Unit.StartIdle();
-  rig.Unit->Switches().Click(WindowName::RestrictList, true);
+  rig.Unit.Rules->Switches().Click(WindowName::RestrictList, true);
   last->close();
   rig.Run(200ms);
   EXPECT_TRUE(last->isVisible());
@@ -162,14 +162,14 @@ TEST_F(DesktopTest, TheChannelsWindowLivesFromTheLoadAndIsOnlyHidden) {
   rig.Unit.Start();
   ASSERT_NE(last, nullptr);
   EXPECT_TRUE(last->isHidden());
-  rig.Unit->Switches().Click(WindowName::Channels, true);
+  rig.Unit.Rules->Switches().Click(WindowName::Channels, true);
   EXPECT_TRUE(last->isVisible());
-  diary.OnClose = [this] { rig.Unit->Switches().Click(WindowName::Channels, false); };
+  diary.OnClose = [this] { rig.Unit.Rules->Switches().Click(WindowName::Channels, false); };
   last->close();
   EXPECT_TRUE(last->isHidden());
   EXPECT_FALSE(rig.Record().chkChannelListing);
   rig.Run(200ms);
-  rig.Unit->Switches().Click(WindowName::Channels, true);
+  rig.Unit.Rules->Switches().Click(WindowName::Channels, true);
   EXPECT_TRUE(last->isVisible());
   rig.Unit.CloseAndWait();
   EXPECT_THAT(diary.Lines, ElementsAre("channels made", "channels closes", "channels closes for good"));
@@ -191,7 +191,7 @@ TEST_F(DesktopTest, OnlyVisibleWindowsAreRefreshed) {
 TEST_F(DesktopTest, TheOthersFollowTheMainWindowDownAndUp) {
   Plug(WindowName::Schedule, "schedule");
   rig.Unit.StartIdle();
-  rig.Unit->Switches().Click(WindowName::Schedule, true);
+  rig.Unit.Rules->Switches().Click(WindowName::Schedule, true);
   Minimise();
   rig.Run(200ms);
   EXPECT_TRUE(last->isHidden());
@@ -200,6 +200,16 @@ TEST_F(DesktopTest, TheOthersFollowTheMainWindowDownAndUp) {
   rig.Run(200ms);
   EXPECT_TRUE(last->isVisible());
   EXPECT_THAT(diary.Lines, ElementsAre("schedule made"));
+}
+
+TEST_F(DesktopTest, TheTipOfTheTrayIconFollowsTheSong) {
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: \nMoonlighters - Slow Tide"));
+  rig.Unit->cmdRecord();
+  rig.Unit.NextSong("Salt & Sun", "You & I");
+  rig.Run(200ms);
+  EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: Recording\nSalt & Sun - You & I"));
 }
 
 TEST_F(DesktopTest, WithoutATrayAMinimisedProgramStaysInTheTaskBar) {
@@ -217,7 +227,7 @@ class FirstRunWindow final : public PlainWindow {
  public:
   FirstRunWindow(Diary& diary, recorder::Kestrune& unit) : PlainWindow(diary, "config"), unit_(unit) {}
   void ShowFirst() {
-    Note(unit_.Run().FormLoading ? "first while loading" : "first too late");
+    Note(unit_.State().Run.FormLoading ? "first while loading" : "first too late");
     show();
     close();
   }
@@ -239,19 +249,19 @@ TEST_F(DesktopTest, AKeyOfAnotherWindowReachesTheMainWindow) {
   rig.Unit.StartIdle();
   rig.Desktop.PassKey(113);
   rig.Run(2s);
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 51);
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 51);
   rig.Desktop.PassKey('R');
   rig.Run(10ms);
-  EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
+  EXPECT_TRUE(rig.Unit->State().Recording.RecordRequested);
   rig.Desktop.PassKey('S');
   rig.Run(10ms);
-  EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
+  EXPECT_FALSE(rig.Unit->State().Recording.RecordRequested);
 }
 
 TEST_F(DesktopTest, AKeyBeforeTheProgramTakesInputDoesNothing) {
   rig.Desktop.HideAndDisableMainWindow();
   rig.Desktop.PassKey('R');
-  EXPECT_FALSE(rig.Unit->MayStop());
+  EXPECT_FALSE(rig.Unit->State().MayStop());
   rig.Desktop.EnableMainWindow();
 }
 
@@ -295,9 +305,9 @@ TEST_F(DesktopTest, TheStatementOfIntentIsShown) {
 TEST_F(DesktopTest, TheCloseBoxClosesInTwoPasses) {
   rig.Unit.StartIdle();
   rig.Main().close();
-  EXPECT_FALSE(rig.Unit->Run().ShuttingDown) << "once the window has returned to the loop";
+  EXPECT_FALSE(rig.Unit->State().Run.ShuttingDown) << "once the window has returned to the loop";
   rig.Run(100ms);
-  EXPECT_TRUE(rig.Unit->Run().ShuttingDown);
+  EXPECT_TRUE(rig.Unit->State().Run.ShuttingDown);
   EXPECT_TRUE(rig.Main().isHidden());
   EXPECT_EQ(rig.Unit.Dialogs.GivenUp, 1);
   EXPECT_FALSE(rig.Unit.Closed);

@@ -56,7 +56,7 @@ struct Stage {
   DesktopRig Rig;
   FakeMixer Mixer;
   windows::UnitWindows Windows{Rig.Desktop,
-                               *Rig.Unit,
+                               *Rig.Unit.Rules,
                                {.Loop = Rig.Unit.Loop,
                                 .Files = Rig.Unit.Files,
                                 .Environment = Rig.Unit.Environment,
@@ -122,7 +122,7 @@ void Play(Stage& stage) {
 
 void TakeMain(Stage& stage) {
   Play(stage);
-  presenters::MainWindow record = stage.Rig.Unit->Window();
+  presenters::MainWindow record = stage.Rig.Unit.Window();
   const auto take = [&stage, &record](const char* name) {
     // Longer than any radio sends.
     if (stage.Extreme) {
@@ -137,7 +137,7 @@ void TakeMain(Stage& stage) {
   take("frmKestrune-idle");
   stage.Rig.Unit->cmdRecord();
   stage.Rig.Run(12345ms);
-  record = stage.Rig.Unit->Window();
+  record = stage.Rig.Unit.Window();
   record.lblRecording.Visible = true;
   record.pctTimer.Visible = true;
   record.lblRemaining = {.Caption = "01:23:45", .Visible = true};
@@ -158,12 +158,12 @@ void TakeMain(Stage& stage) {
       sound.push_back(static_cast<std::int16_t>(hum + static_cast<double>(noise >> 20U)));
       sound.push_back(static_cast<std::int16_t>(hum * 0.4 * std::sin(step * 0.1)));
     }
-    stage.Rig.Unit->AudioDisplay().Draw(sound, {.SampleRate = 48000, .Channels = 2});
+    stage.Rig.Unit.Rules->AudioDisplay().Draw(sound, {.SampleRate = 48000, .Channels = 2});
   }
   for (const char* type : {"bars", "needles", "wave", "spectrum", "history"}) {
     stage.Take(*stage.Rig.Main().findChild<QWidget*>(QStringLiteral("AudioDisplay")),
                QStringLiteral("AudioDisplay-") + QLatin1String(type));
-    stage.Rig.Unit->AudioDisplay().NextType();
+    stage.Rig.Unit.Rules->AudioDisplay().NextType();
   }
   for (const char* menu : {"mnuFile", "mnuOptions", "mnuHelp"}) {
     stage.Take(*stage.Rig.Main().findChild<QMenu*>(QLatin1String(menu)), QLatin1String(menu));
@@ -179,7 +179,7 @@ void TakeLists(Stage& stage) {
   }
   if (stage.Extreme) {
     for (int line = 0; line < 200; ++line) {
-      stage.Rig.Unit->LogBook().DoLog(fmt::format("<b>Line</b> {} & {:->200}", line, ">"));
+      stage.Rig.Unit->Parts().Log.DoLog(fmt::format("<b>Line</b> {} & {:->200}", line, ">"));
     }
   }
   stage.TakeOpened(WindowName::Channels, QStringLiteral("frmChannels"));
@@ -188,14 +188,14 @@ void TakeLists(Stage& stage) {
   stage.TakeOpened(WindowName::Presets, QStringLiteral("frmPresets"));
 
   using schedule::RestrictList;
-  presenters::GrabKill& lists = stage.Rig.Unit->GrabKill();
+  schedule::Restrictions& lists = stage.Rig.Unit->Parts().Restrictions;
   for (const RestrictList list : {RestrictList::GrabArtists, RestrictList::GrabSongs,
                                   RestrictList::KillArtists, RestrictList::KillSongs}) {
     for (const char* fragment : {"Moonlighters", "Rock & Roll", "<b>Bold</b>"}) {
-      static_cast<void>(lists.Append(list, fragment));
+      static_cast<void>(lists.Add(list, fragment));
     }
     for (int i = 0; stage.Extreme && i < 100; ++i) {
-      static_cast<void>(lists.Append(list, fmt::format("{:W>60} {}", "", i)));
+      static_cast<void>(lists.Add(list, fmt::format("{:W>60} {}", "", i)));
     }
   }
   stage.TakeOpened(WindowName::RestrictList, QStringLiteral("frmRestrictList"));

@@ -61,7 +61,7 @@ class UnitWindowsRig : public DesktopRig {
 
   FakeMixer Mixer;
   windows::UnitWindows Windows{Desktop,
-                               *Unit,
+                               *Unit.Rules,
                                {.Loop = Unit.Loop,
                                 .Files = Unit.Files,
                                 .Environment = Unit.Environment,

@@ -25,7 +25,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using platform::MessageAnswer;
-using presenters::MainWindow;
+using presenters::DesktopRecord;
 using recorder::StartOutcome;
 using recorder::WindowName;
 using ::testing::HasSubstr;
@@ -38,17 +38,18 @@ struct Switch {
   const char* Entry;
   WindowName Name;
   const char* Window;
-  bool MainWindow::*Checked;
+  bool DesktopRecord::*Checked;
 };
 
 constexpr Switch kSwitches[] = {
-    {"chkChannelListing", "mnuChannels", WindowName::Channels, "frmChannels", &MainWindow::chkChannelListing},
-    {"chkRecordLog", "mnuLog", WindowName::Log, "frmLog", &MainWindow::chkRecordLog},
-    {"chkSchedule", "mnuSchedule", WindowName::Schedule, "frmSchedule", &MainWindow::chkSchedule},
+    {"chkChannelListing", "mnuChannels", WindowName::Channels, "frmChannels",
+     &DesktopRecord::chkChannelListing},
+    {"chkRecordLog", "mnuLog", WindowName::Log, "frmLog", &DesktopRecord::chkRecordLog},
+    {"chkSchedule", "mnuSchedule", WindowName::Schedule, "frmSchedule", &DesktopRecord::chkSchedule},
     {"chkRestrictList", "mnuRestrictList", WindowName::RestrictList, "frmRestrictList",
-     &MainWindow::chkRestrictList},
+     &DesktopRecord::chkRestrictList},
     {"chkKestruneNow", "mnuKestruneNow", WindowName::KestruneNow, "frmKestruneNow",
-     &MainWindow::chkKestruneNow},
+     &DesktopRecord::chkKestruneNow},
 };
 
 class UnitWindowsTest : public ::testing::Test {
@@ -89,7 +90,7 @@ class UnitWindowsTest : public ::testing::Test {
     QTest::keyClicks(&folder, "/elsewhere/");
   }
   [[nodiscard]] std::string ListFile() {
-    return rig.Unit.Files.Read(rig.Unit->Restrictions().RestrictionFile()).value_or("");
+    return rig.Unit.Files.Read(rig.Unit->Parts().Restrictions.RestrictionFile()).value_or("");
   }
   [[nodiscard]] bool IsStored(const char* key) { return rig.Unit.Setting(key) != "(absent)"; }
   /// Asks for the list from a text and answers, as a user does.
@@ -107,7 +108,7 @@ class UnitWindowsTest : public ::testing::Test {
   template <typename Opens>
   QString CloseWithin(Opens opens) {
     QString name = rig.WithinModal(opens, [this](QWidget&) { rig.Unit->Close(); });
-    EXPECT_TRUE(rig.Unit->Run().ShuttingDown) << "no modal window came";
+    EXPECT_TRUE(rig.Unit->State().Run.ShuttingDown) << "no modal window came";
     ExpectEnd();
     return name;
   }
@@ -249,10 +250,10 @@ TEST_F(UnitWindowsTest, TheArrowKeysWalkTheChannelsWithoutAClickBefore) {
   rig.Unit.StartIdle();
   QWidget& channels = rig.Window(WindowName::Channels);
   ASSERT_NE(channels.focusWidget(), nullptr);
-  const std::int16_t before = rig.Unit->Radio().ChannelNumber;
+  const std::int16_t before = rig.Unit->State().Radio.ChannelNumber;
   QTest::keyClick(channels.focusWidget(), Qt::Key_Down);
   rig.Run(1s);
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, before + 1);
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, before + 1);
 }
 
 TEST_F(UnitWindowsTest, TheMainWindowsFocusIsOnRecordFromTheStart) {
@@ -299,7 +300,7 @@ TEST_F(UnitWindowsTest, AnEmptyPresetButtonOpensThePresets) {
   EXPECT_THAT(rig.Find<QPushButton>("cmdPresetStation_4").accessibleName().toStdString(),
               HasSubstr("Harbour"));
   rig.Find<QPushButton>("cmdPresetStation_4").click();
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 44);
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 44);
   EXPECT_FALSE(rig.Shows(WindowName::Presets));
 }
 
@@ -331,7 +332,7 @@ TEST_F(UnitWindowsTest, ASavedConfigurationTakesEffect) {
   rig.Run(200ms);
   EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Config));
   EXPECT_EQ(rig.Unit.Setting("FileFormat"), "OGG");
-  EXPECT_EQ(rig.Unit->CurrentSettings().FileFormat, "OGG");
+  EXPECT_EQ(rig.Unit->State().Settings.FileFormat, "OGG");
 }
 
 TEST_F(UnitWindowsTest, TheRadioIdIsShownUntilItIsAnswered) {
@@ -360,7 +361,7 @@ TEST_F(UnitWindowsTest, ADoubleClickOnTheArtistAsksForTheList) {
       "Do you want to add the Artist \"Wind & Water\" to the Grab list (always record) or the Kill list "
       "(never record)?");
   EXPECT_EQ(ListFile(), "2Wind & Water\n");
-  EXPECT_TRUE(rig.Unit->Restrictions().IsInKillList("Wind & Water", ""));
+  EXPECT_TRUE(rig.Unit->Parts().Restrictions.IsInKillList("Wind & Water", ""));
   EXPECT_THAT(DoubleClickAndAnswer(artist, "cmdResult_0").toStdString(), HasSubstr("\"Wind & Water\""));
   EXPECT_EQ(ListFile(), "2Wind & Water\n") << "a cancel adds nothing";
 }
@@ -395,9 +396,9 @@ TEST_F(UnitWindowsTest, ADoubleClickInTheChannelsAsksForTheList) {
   rig.Unit.NextSong("Wind & Water", "Salt & Sand");
   PressBox(kSwitches[0]);
   auto& grid = Find<QTableView>(rig.Window(WindowName::Channels), "grdChannels");
-  const int row = rig.Unit->ChannelsWindow().Grid().FindRow(rig.Unit->Radio().ChannelNumber) - 1;
+  const int row = rig.Unit.Rules->ChannelsWindow().Grid().FindRow(rig.Unit->State().Radio.ChannelNumber) - 1;
   ASSERT_GE(row, 0);
-  const std::int16_t before = rig.Unit->Radio().ChannelNumber;
+  const std::int16_t before = rig.Unit->State().Radio.ChannelNumber;
   struct Cell {
     int Column;
     const char* Question;
@@ -421,7 +422,7 @@ TEST_F(UnitWindowsTest, ADoubleClickInTheChannelsAsksForTheList) {
     EXPECT_THAT(ListFile(), HasSubstr(cell.Line));
   }
   rig.Run(1s);
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, before);
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, before);
 }
 
 TEST_F(UnitWindowsTest, AnAdditionReachesTheEditorThatIsOpen) {
@@ -450,16 +451,16 @@ TEST_F(UnitWindowsTest, TheKeysOfTheMainWindowWorkInTheOthers) {
     auto& focus = Find<QWidget>(rig.Window(each.Name), control);
     QTest::keyClick(&focus, Qt::Key_F2, Qt::ControlModifier);
     rig.Run(2s);
-    EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 51);
+    EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 51);
     QTest::keyClick(&focus, Qt::Key_R, Qt::ControlModifier);
     rig.Run(10ms);
-    EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
+    EXPECT_TRUE(rig.Unit->State().Recording.RecordRequested);
     QTest::keyClick(&focus, Qt::Key_S, Qt::ControlModifier);
     rig.Run(10ms);
-    EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
+    EXPECT_FALSE(rig.Unit->State().Recording.RecordRequested);
     QTest::keyClick(&focus, Qt::Key_F3, Qt::ControlModifier);
     rig.Run(2s);
-    EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 52);
+    EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 52);
     QTest::keyClick(&focus, Qt::Key_T, Qt::ControlModifier);
     ExpectOpen(kSwitches[2], true);
     QTest::keyClick(&focus, Qt::Key_T, Qt::ControlModifier);
@@ -509,7 +510,7 @@ TEST_F(UnitWindowsTest, TheFirstRunShowsTheConfigurationUntilItIsSaved) {
   bool cancel = true;
   const QString name = rig.WithinModal([this] { rig.Unit.Start(); },
                                        [&](QWidget& window) {
-                                         whileLoading = rig.Unit->Run().FormLoading;
+                                         whileLoading = rig.Unit->State().Run.FormLoading;
                                          cancel = Find<QPushButton>(window, "cmdCancel").isVisible();
                                          QTest::keyClick(&window, Qt::Key_Escape);
                                          EXPECT_TRUE(window.isVisible()) << "it has to be saved";

@@ -29,7 +29,7 @@ class frmChannelsTest : public ChannelsFixture {
     };
     chooser.ClearChannelListing = [this] { ++cleared; };
     tmrUpdate->SetEnabled(true);
-    chooser.Load();
+    channels.SetUpGrid();
     channels.Grid().Enabled = true;
     ThreeChannels();
     Tune(44);

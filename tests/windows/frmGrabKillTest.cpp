@@ -38,8 +38,7 @@ class frmGrabKillTest : public ::testing::Test {
   ScriptedDialogs dialogs_;
   RecordingJournal journal_;
   schedule::Restrictions lists_{files_, environment_, journal_};
-  presenters::RestrictListEditor editor_{lists_, files_, environment_, dialogs_, journal_};
-  presenters::GrabKill addition_{lists_, editor_, files_, environment_, journal_};
+  presenters::GrabKill addition_{lists_};
 };
 
 TEST_F(frmGrabKillTest, ItsControlsHaveTheirTextsAndTips) {

@@ -208,7 +208,7 @@ TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
     }
     return all;
   };
-  presenters::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit.Window();
   record.lblRecording = {.Caption = "x", .Visible = true};
   rig.Main().Refresh(record);
   QCoreApplication::processEvents();
@@ -262,13 +262,13 @@ TEST_F(frmKestruneTest, TheStatusBlinksOnceASecondAndTheClockRuns) {
 TEST_F(frmKestruneTest, TheMenusRecordAndStopDoNothingWhereTheirButtonIsDisabled) {
   rig.Unit.StartIdle();
   Choose("mnuStop");
-  EXPECT_FALSE(rig.Unit->Recording().StopPending);
+  EXPECT_FALSE(rig.Unit->State().Recording.StopPending);
   Choose("mnuRecord");
-  EXPECT_TRUE(rig.Unit->Recording().RecordRequested);
+  EXPECT_TRUE(rig.Unit->State().Recording.RecordRequested);
   Choose("mnuRecord");
   EXPECT_EQ(Text("lblRecording"), "Recording");
   Choose("mnuStop");
-  EXPECT_FALSE(rig.Unit->Recording().RecordRequested);
+  EXPECT_FALSE(rig.Unit->State().Recording.RecordRequested);
 }
 
 TEST_F(frmKestruneTest, TheSignalBarsTakeThirtyForEachPercent) {
@@ -283,7 +283,7 @@ TEST_F(frmKestruneTest, TheSignalBarsTakeThirtyForEachPercent) {
 
 TEST_F(frmKestruneTest, ASignalBeyondTheBarFillsIt) {
   rig.Unit.Start();
-  presenters::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit.Window();
   record.pbrTerSignal = {.Value = 255 * 30, .Caption = "255%"};
   rig.Main().Refresh(record);
   EXPECT_EQ(rig.Find<QProgressBar>("pbrTerSignal").value(), 3000);
@@ -366,10 +366,10 @@ TEST_F(frmKestruneTest, ControlWithAFunctionKeyPressesAPreset) {
   rig.Run(200ms);
   EXPECT_EQ(rig.Find<QPushButton>("cmdPresetStation_4").text(), QStringLiteral("48 - Harbour"));
   QTest::keyClick(&rig.Main(), Qt::Key_F5, Qt::ShiftModifier | Qt::ControlModifier);
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 44) << "Control alone";
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 44) << "Control alone";
   QTest::keyClick(&rig.Find<QPushButton>("cmdVUType"), Qt::Key_F5, Qt::ControlModifier);
   rig.Run(2s);
-  EXPECT_EQ(rig.Unit->Radio().ChannelNumber, 48);
+  EXPECT_EQ(rig.Unit->State().Radio.ChannelNumber, 48);
 }
 
 TEST_F(frmKestruneTest, APresetWithALongNameAndAnAmpersandIsCutOffAndWholeInTheTip) {
@@ -409,13 +409,13 @@ TEST_F(frmKestruneTest, TheLevelDisplayGoesThroughItsFiveTypes) {
   rig.Unit.StartIdle();
   std::set<int> types;
   for (int i = 0; i < 5; ++i) {
-    types.insert(static_cast<int>(rig.Unit->AudioDisplay().Type()));
+    types.insert(static_cast<int>(rig.Unit.Rules->AudioDisplay().Type()));
     EXPECT_FALSE(rig.Find<QWidget>("AudioDisplay").grab().isNull());
     Press("cmdVUType");
   }
   EXPECT_THAT(types, SizeIs(5));
-  EXPECT_EQ(rig.Unit->AudioDisplay().Type(), presenters::VuType::Bars);
-  EXPECT_GT(rig.Unit->AudioDisplay().Draws(), 10U) << "of the sound that is captured";
+  EXPECT_EQ(rig.Unit.Rules->AudioDisplay().Type(), presenters::VuType::Bars);
+  EXPECT_GT(rig.Unit.Rules->AudioDisplay().Draws(), 10U) << "of the sound that is captured";
 }
 
 TEST_F(frmKestruneTest, TheReloadWaitsForTheEndOfTheChannelLoad) {
@@ -426,7 +426,7 @@ TEST_F(frmKestruneTest, TheReloadWaitsForTheEndOfTheChannelLoad) {
   rig.Run(200ms);
   rig.Unit.Dialogs.Shown.clear();
   Choose("mnuReload");
-  EXPECT_TRUE(rig.Unit->Radio().PoorChannelList);
+  EXPECT_TRUE(rig.Unit->State().Radio.PoorChannelList);
   ASSERT_THAT(rig.Unit.Dialogs.Shown, SizeIs(1));
   EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Title, "Reload Fresh Listing");
   EXPECT_EQ(rig.Unit.Dialogs.Shown[0].Text,
@@ -437,7 +437,7 @@ TEST_F(frmKestruneTest, AScheduledEventShowsItsMarkAndTheTimeLeft) {
   rig.Unit.StartIdle();
   EXPECT_TRUE(Hidden("pctTimer"));
   EXPECT_TRUE(Hidden("lblRemaining"));
-  presenters::MainWindow record = rig.Unit->Window();
+  presenters::MainWindow record = rig.Unit.Window();
   record.pctTimer.Visible = true;
   record.lblRemaining = {.Caption = "01:02:03", .Visible = true};
   rig.Main().Refresh(record);

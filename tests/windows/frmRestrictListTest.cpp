@@ -261,7 +261,7 @@ TEST_F(frmRestrictListTest, TheQuickAdditionGoesIntoTheOpenEditorAndLeavesItsEdi
   Open();
   txtRestrict(0).setFocus();
   QTest::keyClicks(&txtRestrict(0), QStringLiteral("Half writ"));
-  presenters::GrabKill addition(lists_, editor_, files_, environment_, journal_);
+  presenters::GrabKill addition(lists_);
   addition.SetWindow([&] { addition.cmdResult(1); });
   addition.DblClick(presenters::GrabKill::Field::Artist, "Salt && Sun");
   window_->Refresh();

@@ -37,16 +37,17 @@ DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& env
            .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
            .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""}}) {}
 
-void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
-  desktop_.Attach(unit);
+void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer) {
+  rules_ = std::make_unique<presenters::UnitPresenters>(unit, outside);
+  desktop_.Attach(*rules_);
   unitWindows_ =
-      std::make_unique<windows::UnitWindows>(desktop_, unit,
+      std::make_unique<windows::UnitWindows>(desktop_, *rules_,
                                              windows::UnitWindows::Outside{.Loop = loop_,
-                                                                           .Files = parts.Files,
-                                                                           .Environment = parts.Environment,
+                                                                           .Files = outside.Files,
+                                                                           .Environment = outside.Environment,
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
-                                                                           .Mixer = parts.Mixer});
+                                                                           .Mixer = mixer});
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
@@ -56,6 +57,7 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const Parts& parts) {
 void DesktopFace::Detach() {
   desktop_.Detach();
   unitWindows_.reset();
+  rules_.reset();
   sessionEnd_.reset();
 }
 

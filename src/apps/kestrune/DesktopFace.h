@@ -9,6 +9,7 @@
 #include "platform/Environment.h"
 #include "platform/qtgui/DesktopShell.h"
 #include "platform/xsmp/SessionEnd.h"
+#include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
 #include "windows/QtSounds.h"
@@ -26,7 +27,7 @@ class DesktopFace final : public Face {
   [[nodiscard]] platform::Dialogs& Dialogs() override { return dialogs_; }
   [[nodiscard]] platform::Sounds& Sounds() override { return sounds_; }
   [[nodiscard]] recorder::Windows& Windows() override { return desktop_; }
-  void Attach(recorder::Kestrune& unit, const Parts& parts) override;
+  void Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer) override;
   void Detach() override;
 
  private:
@@ -35,6 +36,7 @@ class DesktopFace final : public Face {
   windows::QtDialogs dialogs_;
   windows::QtSounds sounds_;
   windows::Desktop desktop_;
+  std::unique_ptr<presenters::UnitPresenters> rules_;
   std::unique_ptr<windows::UnitWindows> unitWindows_;
   std::optional<platform::SessionEnd> sessionEnd_;
 };

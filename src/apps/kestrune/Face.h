@@ -1,8 +1,6 @@
 #pragma once
 
 #include "platform/Dialogs.h"
-#include "platform/Environment.h"
-#include "platform/Files.h"
 #include "platform/Mixer.h"
 #include "platform/Sounds.h"
 #include "recorder/Kestrune.h"
@@ -18,14 +16,10 @@ class Face {
   [[nodiscard]] virtual platform::Dialogs& Dialogs() = 0;
   [[nodiscard]] virtual platform::Sounds& Sounds() = 0;
   [[nodiscard]] virtual recorder::Windows& Windows() = 0;
-  /// What else of the outside windows work on; it outlives the face.
-  struct Parts {
-    platform::Files& Files;
-    const platform::Environment& Environment;
-    platform::Mixer& Mixer;
-  };
-  /// Before the unit loads, and before it goes.
-  virtual void Attach(recorder::Kestrune& /*unit*/, const Parts& /*parts*/) {}
+  /// Before the unit loads, and before it goes. `outside` is what the unit stands on; all outlive the face's part in
+  /// the run.
+  virtual void Attach(recorder::Kestrune& /*unit*/, const recorder::Outside& /*outside*/,
+                      platform::Mixer& /*mixer*/) {}
   virtual void Detach() {}
 };
 

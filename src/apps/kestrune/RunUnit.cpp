@@ -106,21 +106,22 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   }
   AudioLibrary audio(loop, *input.Source);
 
-  recorder::Kestrune unit({.Loop = loop,
-                           .pcrComm = port,
-                           .Audio = audio,
-                           .Files = files,
-                           .FileSync = fileSync,
-                           .Environment = environment,
-                           .Settings = settings,
-                           .Dialogs = face->Dialogs(),
-                           .Sounds = face->Sounds(),
-                           .Windows = face->Windows(),
-                           .SerialEnumerator = serialEnumerator,
-                           .Web = web,
-                           .Processes = processes,
-                           .SleepInhibitor = sleepInhibitor});
-  face->Attach(unit, {.Files = files, .Environment = environment, .Mixer = *input.Mixer});
+  const recorder::Outside outside{.Loop = loop,
+                                  .pcrComm = port,
+                                  .Audio = audio,
+                                  .Files = files,
+                                  .FileSync = fileSync,
+                                  .Environment = environment,
+                                  .Settings = settings,
+                                  .Dialogs = face->Dialogs(),
+                                  .Sounds = face->Sounds(),
+                                  .Windows = face->Windows(),
+                                  .SerialEnumerator = serialEnumerator,
+                                  .Web = web,
+                                  .Processes = processes,
+                                  .SleepInhibitor = sleepInhibitor};
+  recorder::Kestrune unit(outside);
+  face->Attach(unit, outside, *input.Mixer);
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(
       platform::ControlSocketPath(runtimeFolder, name),

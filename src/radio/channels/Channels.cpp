@@ -26,15 +26,19 @@ constexpr auto kLostReply = 2s;
 
 }  // namespace
 
-Channels::Channels(RadioState& state, base::RunState& run, RadioSession& session, platform::Files& files,
-                   base::EventLoop& loop, base::Journal& journal, ChannelEvents& events)
+Channels::Channels(RadioState& state, base::RunState& run, const Parts& parts, ChannelEvents& events)
     : state_(state),
       run_(run),
-      session_(session),
-      loop_(loop),
-      journal_(journal),
+      session_(parts.Session),
+      loop_(parts.Loop),
+      journal_(parts.Journal),
       events_(events),
-      listFile_(files) {}
+      listFile_(parts.Files) {}
+
+void Channels::SetUpGrid() {
+  grid_.Enabled = false;
+  grid_.FormSetup();
+}
 
 // The saved list.
 

@@ -26,15 +26,24 @@ class Channels {
   static constexpr std::string_view kReloadText =
       "Channel listing will be reloaded next time Kestrune is started.";
 
+  /// What the channels work on. All must outlive the object.
+  struct Parts {
+    RadioSession& Session;
+    platform::Files& Files;
+    base::EventLoop& Loop;
+    base::Journal& Journal;
+  };
+
   /// All must outlive the object. The owner passes the session's channel info replies on to
   /// pcrChannelInfoReceived.
-  Channels(RadioState& state, base::RunState& run, RadioSession& session, platform::Files& files,
-           base::EventLoop& loop, base::Journal& journal, ChannelEvents& events);
+  Channels(RadioState& state, base::RunState& run, const Parts& parts, ChannelEvents& events);
 
   /// Sets where the saved list is. Call it before LoadChannels and SaveChannels.
   void SetListPlace(std::string_view userDataFolder, std::string_view multiUnit) {
     listFile_.SetPlace(userDataFolder, multiUnit);
   }
+  /// Sets the empty grid up, without input until the radio's first channel has come.
+  void SetUpGrid();
   /// Fills table and grid from the saved list; a missing file leaves them as they are.
   void LoadChannels();
   /// Writes the list, rising by number; deletes it if PoorChannelList is set. Events run.

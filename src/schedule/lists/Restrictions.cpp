@@ -1,5 +1,7 @@
 #include "schedule/lists/Restrictions.h"
 
+#include <fmt/format.h>
+
 #include "base/Ignored.h"
 #include "base/Text.h"
 #include "schedule/log/EachLine.h"
@@ -39,6 +41,26 @@ std::optional<std::string> Restrictions::ReadFile() const {
   auto text = files_.Read(path);
   if (text && text->starts_with(kByteOrderMark)) text->erase(0, kByteOrderMark.size());
   return text;
+}
+
+base::Result Restrictions::Add(RestrictList list, std::string_view fragment) {
+  base::Ignored(MakeUserDataFolder(files_, environment_));
+  const std::string path = RestrictionFile();
+  const auto before = files_.Read(path);
+  // A text editor may have left the last line without an end: the entry would become part of it. If the file cannot
+  // be read, that is possible too; an empty line does no harm.
+  const bool endsInLine = before ? before->empty() || before->ends_with('\n') : !files_.Exists(path);
+  std::string line = endsInLine ? "" : "\n";
+  line += static_cast<char>('0' + static_cast<int>(list));
+  line.append(fragment).append("\n");
+  if (!files_.Append(path, line)) {
+    log_.DoLog(fmt::format("\"{}\" was not added to the Grab and Kill lists: {} could not be written",
+                           fragment, path));
+    return base::Result::Failed("the file of the lists could not be written");
+  }
+  LoadRestrictions();
+  if (editor_ != nullptr) editor_->AddItem(list, fragment);
+  return base::Result::Done();
 }
 
 Restrictions::Removal Restrictions::Remove(RestrictList list, std::string_view text) {

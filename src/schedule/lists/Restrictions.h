@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "base/Journal.h"
+#include "base/Result.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
+#include "schedule/lists/ListEditor.h"
+#include "schedule/lists/RestrictList.h"
 
 namespace kestrune::schedule {
-
-/// The four lists, by the digit that stands for each in the list file.
-enum class RestrictList : std::uint8_t { GrabArtists = 0, GrabSongs = 1, KillArtists = 2, KillSongs = 3 };
 
 /// The Grab and Kill lists: fragments of artists and titles that decide which songs are kept. The list file holds
 /// one entry a line: the list's digit, then the fragment exactly as it is. A byte order mark before the first line is
@@ -44,6 +44,9 @@ class Restrictions {
   /// cannot be read.
   [[nodiscard]] std::optional<std::string> ReadFile() const;
 
+  /// Adds an entry to the list file, loads the file, and shows the entry to an open editor. If the file cannot be
+  /// written nothing is added; the log has that too.
+  base::Result Add(RestrictList list, std::string_view fragment);
   /// Removes each entry that equals the text, case and surrounding blanks aside, from one list of the file, and
   /// loads the file. Returns how many there were, or the cause if the file could not be read or written; the log
   /// has that too.
@@ -52,6 +55,11 @@ class Restrictions {
     std::string Failure;  ///< empty if nothing failed
   };
   [[nodiscard]] Removal Remove(RestrictList list, std::string_view text);
+
+  /// The editor that is open, which must not be destroyed before it is taken away again; null for none.
+  void SetEditor(ListEditor* editor) { editor_ = editor; }
+  /// Whether an editor is open: its save would bring back what is removed meanwhile.
+  [[nodiscard]] bool BeingEdited() const { return editor_ != nullptr; }
 
   /// Whether a fragment of the artist list occurs in the artist, or one of the song list in the song, case aside.
   /// An empty fragment occurs in every text that is not empty.
@@ -76,6 +84,7 @@ class Restrictions {
   const platform::Environment& environment_;
   base::Journal& log_;
   std::string multiUnit_;
+  ListEditor* editor_ = nullptr;
   std::array<Rows, 4> rows_;
 };
 

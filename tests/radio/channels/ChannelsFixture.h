@@ -70,7 +70,8 @@ class ChannelsFixture : public SessionFixture, private radio::ChannelEvents {
 
   MemoryFiles files;
   radio::RadioState state;
-  radio::Channels channels{state, run, session, files, loop, journal, *this};
+  radio::Channels channels{
+      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, *this};
   HeardSounds sounds;
   ScriptedDialogs dialogs;
   bool recording = false;

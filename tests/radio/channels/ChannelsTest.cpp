@@ -101,7 +101,8 @@ class ChannelsTest : public SessionFixture {
   MemoryFiles files;
   radio::RadioState state;
   NotedEvents events;
-  radio::Channels channels{state, run, session, files, loop, journal, events};
+  radio::Channels channels{
+      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, events};
 };
 
 // The walk.

@@ -9,9 +9,9 @@
 namespace kestrune::recorder {
 
 /// Announces what the radio reports, at the moments at which the labels, the title and the tray tip change.
-class Display final {
+class Announcer final {
  public:
-  Display(State& state, base::Journal& journal) : state_(state), journal_(journal) {}
+  Announcer(State& state, base::Journal& journal) : state_(state), journal_(journal) {}
 
   /// A reply for the tuned channel.
   void ShowChannel(std::int16_t tuned, const radio::ChannelEntry& entry);

@@ -1,45 +1,46 @@
-#include "recorder/Display.h"
+#include "recorder/Announcer.h"
 
 #include <fmt/format.h>
 
 namespace kestrune::recorder {
 
-void Display::ShowChannel(std::int16_t tuned, const radio::ChannelEntry& entry) {
+void Announcer::ShowChannel(std::int16_t tuned, const radio::ChannelEntry& entry) {
   RefreshChannel(tuned, entry);
   ShowSong(entry);
 }
 
-void Display::ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) {
+void Announcer::ShowTunedChannel(std::int16_t number, const radio::ChannelEntry& entry) {
   RefreshChannel(number, entry);
   state_.Announcement.Artist = entry.Artist;
   state_.Announcement.Song = entry.Song;
 }
 
-void Display::ShowBareTitle() {
+void Announcer::ShowBareTitle() {
   state_.Announcement.TitleArtist.reset();
   state_.Announcement.TrayTip.reset();
 }
 
-void Display::ShowSong(const radio::ChannelEntry& entry) {
+void Announcer::ShowSong(const radio::ChannelEntry& entry) {
   Announcement& announcement = state_.Announcement;
   announcement.Artist = announcement.TitleArtist.emplace(entry.Artist);
   announcement.Song = entry.Song;
   announcement.TrayTip = {.Phase = state_.Recording.Phase, .Artist = entry.Artist, .Song = entry.Song};
 }
 
-void Display::RefreshChannel(std::int16_t number, const radio::ChannelEntry& entry) {
+void Announcer::RefreshChannel(std::int16_t number, const radio::ChannelEntry& entry) {
   state_.Announcement.Channel = number;
   state_.Announcement.Station = entry.Station;
   state_.Announcement.Genre = entry.Genre;
 }
 
-void Display::ShowTrayTip() {
+void Announcer::ShowTrayTip() {
   state_.Announcement.TrayTip = {.Phase = state_.Recording.Phase,
                                  .Artist = state_.Radio.CurrentArtist,
                                  .Song = state_.Radio.CurrentSong};
 }
 
-void Display::pcrSignalReceived(std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial) {
+void Announcer::pcrSignalReceived(std::int16_t satellite1, std::int16_t satellite2,
+                                  std::int16_t terrestrial) {
   if (state_.Run.ShuttingDown) return;
   const bool first = !state_.Announcement.Signal;
   state_.Announcement.Signal = {

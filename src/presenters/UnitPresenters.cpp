@@ -1,0 +1,87 @@
+#include "presenters/UnitPresenters.h"
+
+#include <functional>
+#include <string_view>
+#include <utility>
+
+#include "base/Ignored.h"
+#include "presenters/Explanation.h"
+
+namespace kestrune::presenters {
+
+UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside& outside)
+    : unit_(unit),
+      parts_(unit.Parts()),
+      outside_(outside),
+      options_(parts_.Settings, unit.State().Run, parts_.Boxes),
+      switches_(desktop_, outside.Windows, parts_.Settings, unit.State().Run),
+      resize_(desktop_, outside.Windows, unit.State().Settings, unit.State().Run),
+      presets_(parts_.Channels, outside.Sounds, KeysOfPresets(), [this] { return ChannelKept(); }),
+      presetSetup_(parts_.Channels.Grid(), presets_, outside.Dialogs),
+      channelChooser_(parts_.Channels, unit.State().Run, outside.Sounds, outside.Loop, parts_.tmrUpdate,
+                      [this] { return ChannelKept(); }),
+      nowScreen_(parts_.Channels, presets_, outside.Loop, [this] { return LinesOfNow(); }),
+      restrictListEditor_(parts_.Restrictions, outside.Files, outside.Environment, outside.Dialogs,
+                          parts_.Log),
+      grabKill_(parts_.Restrictions) {
+  const auto tune = [this](std::int16_t channel, std::function<void()> refused) {
+    unit_.Wishes().Tune(channel, [refused = std::move(refused)](const base::Result& result) {
+      if (!result.Ok()) refused();
+    });
+  };
+  presets_.Tune = tune;
+  channelChooser_.Tune = tune;
+  unit_.SetPresentation(this);
+}
+
+UnitPresenters::~UnitPresenters() {
+  unit_.SetPresentation(nullptr);
+}
+
+std::string UnitPresenters::Explanation() const {
+  return ExplainRecording(unit_.State(), parts_.Restrictions);
+}
+
+std::optional<recorder::WindowPlace> UnitPresenters::PlaceToRemember() const {
+  if (desktop_.State != WindowState::Normal) return std::nullopt;
+  return recorder::WindowPlace{.Top = desktop_.Top, .Left = desktop_.Left};
+}
+
+PresetKeys UnitPresenters::KeysOfPresets() {
+  const config::SettingsSection& section = parts_.Section;
+  return {.Read = [&section](std::string_view key) { return section.Text(key, ""); },
+          .Write = [&section](std::string_view key,
+                              std::string_view text) { base::Ignored(section.SaveText(key, text)); }};
+}
+
+NowLines UnitPresenters::LinesOfNow() const {
+  const MainWindow window = Window();
+  return {.lblChannel = window.lblChannel.Caption,
+          .lblArtist = window.lblArtist.Caption,
+          .lblSong = window.lblSong.Caption};
+}
+
+std::shared_ptr<Scheduler> UnitPresenters::OpenScheduler() {
+  const config::SettingsSection& section = parts_.Section;
+  SchedulerPorts ports{
+      .Loop = outside_.Loop,
+      .Dialogs = outside_.Dialogs,
+      .Log = parts_.Log,
+      .Editors = parts_.EntryEditors,
+      .Settings = {
+          .Read = [&section](std::string_view key, std::string_view text) { return section.Text(key, text); },
+          .Save = [&section](std::string_view key,
+                             std::string_view text) { return section.SaveText(key, text); }},
+      .ReloadSchedule = [this] { unit_.ReloadSchedule(); }};
+  return std::make_shared<Scheduler>(std::move(ports), unit_.SchedulerChannels());
+}
+
+presenters::ConfigurationAccess UnitPresenters::ConfigurationAccess() {
+  return {.Settings = parts_.Settings,
+          .FileSpecs = parts_.FileSpecs,
+          .Dialogs = outside_.Dialogs,
+          .Environment = outside_.Environment,
+          .Devices = [this] { return parts_.InputDevices.Listed; }};
+}
+
+}  // namespace kestrune::presenters
