@@ -1,5 +1,6 @@
 #include "recorder/Wishes.h"
 
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -114,6 +115,18 @@ void Wishes::ChangeSetting(std::string key, std::string value, Answered answered
         return Result::Failed("the new value holds until the end, but the settings could not be written");
       },
       std::move(answered));
+}
+
+void Wishes::AskForRadioID(std::function<void(const std::string& radioID)> answered) {
+  const auto radioID = std::make_shared<std::string>();
+  Ask(
+      [&unit = unit_, radioID] {
+        *radioID = unit.pcrRadioID();
+        return Result::Done();
+      },
+      [radioID, answered = std::move(answered)](const Result& asked) {
+        if (asked.Ok()) answered(*radioID);
+      });
 }
 
 void Wishes::AskForUpdate(std::function<void(const base::Result&, const UpdateAnswer&)> answered) {

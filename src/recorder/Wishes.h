@@ -34,6 +34,9 @@ class Wishes {
   void ToggleMute(Answered answered = {});
   void ReloadChannels(Answered answered = {});
   void ChangeSetting(std::string key, std::string value, Answered answered = {});
+  /// Passes on the radio's identifier, which may be empty. If it is not known yet the radio is asked for it, for
+  /// 1.5 s at most. A refused wish has no answer.
+  void AskForRadioID(std::function<void(const std::string& radioID)> answered);
   /// Asks the maker's server for a newer version; other wishes are served meanwhile.
   void AskForUpdate(std::function<void(const base::Result&, const UpdateAnswer&)> answered);
   /// Anything else that needs a unit that is up.

@@ -86,6 +86,7 @@ void Desktop::Detach() {
   RemoveTrayIcon();
   kept_.clear();
   opened_.clear();
+  modal_.reset();
   updating_.reset();
   splash_.reset();
   pleaseWait_.reset();
@@ -271,8 +272,15 @@ void Desktop::ShowFirstConfiguration() {
   DropClosed();
 }
 
-void Desktop::ShowModally(QWidget& window) {
+void Desktop::OpenModal(std::unique_ptr<QWidget> window) {
   // Preparing what it shows may have waited, and the program may have been closed meanwhile.
+  if (unit_->State().Run.ShuttingDown) return;
+  modal_ = std::move(window);
+  modal_->setWindowModality(Qt::ApplicationModal);
+  Raise(*modal_);
+}
+
+void Desktop::ShowModally(QWidget& window) {
   if (unit_->State().Run.ShuttingDown) return;
   const QPointer<QWidget> shown = &window;
   window.setWindowModality(Qt::ApplicationModal);
@@ -423,6 +431,7 @@ void Desktop::HideAll() {
   pleaseWait_.reset();
   splash_.reset();
   updating_.reset();
+  modal_.reset();
   for (auto& [name, kept] : kept_) {
     kept.Window->Quit();
     QWidget* widget = kept.Window->Widget();

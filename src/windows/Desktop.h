@@ -60,6 +60,8 @@ class Desktop final : public QObject, public recorder::Windows {
   [[nodiscard]] frmKestrune* Main() const { return main_.get(); }
   /// The window while it is loaded, else null.
   [[nodiscard]] QWidget* WidgetOf(recorder::WindowName name) const;
+  /// Shows a window until it is closed or the program closes; nothing else takes input meanwhile. Does not wait.
+  void OpenModal(std::unique_ptr<QWidget> window);
   /// The tip of the tray icon as it is shown; empty without one.
   [[nodiscard]] QString TrayTip() const;
   /// Shows a window and waits until it is closed or the program closes; nothing else takes input meanwhile.
@@ -125,6 +127,7 @@ class Desktop final : public QObject, public recorder::Windows {
   std::unique_ptr<frmPleaseWait> pleaseWait_;
   std::unique_ptr<frmSplash> splash_;
   std::unique_ptr<frmUpdating> updating_;
+  std::unique_ptr<QWidget> modal_;
   std::unique_ptr<QSystemTrayIcon> tray_;
   std::unique_ptr<QMenu> trayMenu_;
   std::string trayTip_;

@@ -100,8 +100,8 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeMixer() {
 }
 
 void UnitWindows::ShowRadioID() {
-  frmRadioID window(rules_.Unit().pcrRadioID());
-  desktop_.ShowModally(window);
+  rules_.Unit().Wishes().AskForRadioID(
+      [this](const std::string& radioID) { desktop_.OpenModal(std::make_unique<frmRadioID>(radioID)); });
 }
 
 void UnitWindows::AskForList() {

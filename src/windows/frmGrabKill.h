@@ -6,8 +6,7 @@
 
 namespace kestrune::windows {
 
-/// The question of the quick addition. It is shown by exec(), which blocks. Closed without a button, it gives
-/// no answer.
+/// The question of the quick addition, shown until it is answered. Closed without a button, it gives no answer.
 class frmGrabKill final : public QDialog {
  public:
   /// Shows the question of the rules, which must outlive the window.

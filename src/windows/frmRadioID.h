@@ -5,7 +5,7 @@
 
 namespace kestrune::windows {
 
-/// Tells the radio's identifier, which its owner has asked the radio for. Shown with exec().
+/// Shows the radio's identifier, for which its owner has asked the radio.
 class frmRadioID final : public QDialog {
  public:
   explicit frmRadioID(std::string_view radioID, QWidget* parent = nullptr);

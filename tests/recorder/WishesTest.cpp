@@ -239,6 +239,17 @@ TEST_F(WishesTest, ACloseBetweenAStopAndItsTickKeepsThePiece) {
   }
 }
 
+TEST_F(WishesTest, TheRadioIsAskedForItsIdentifierAfterWhatWasAskedForBefore) {
+  rig.StartIdle();
+  std::vector<std::string> answers;
+  rig.Radio.Answers = false;
+  rig->Wishes().Tune(46, [&](const base::Result&) { answers.emplace_back("tuned"); });
+  rig->Wishes().AskForRadioID([&](const std::string& radioID) { answers.push_back(radioID); });
+  EXPECT_THAT(answers, IsEmpty());
+  rig.Run(3s);
+  EXPECT_THAT(answers, ElementsAre("tuned", "ABCD1234"));
+}
+
 TEST_F(WishesTest, TwoTuningsAtATimeLeaveRadioLabelAndGridOnOneChannel) {
   for (auto moment = 0ms; moment < 1500ms; moment += 40ms) {
     UnitRig own;

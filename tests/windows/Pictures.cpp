@@ -205,7 +205,12 @@ void TakeLists(Stage& stage) {
             "Artist", stage.Extreme ? "W. && W. <b>Wwwwwwwwwwwwwwwwwww</b> && Wailers" : "Moonlighters");
       },
       QStringLiteral("frmGrabKill"));
-  stage.TakeBlocking([&stage] { stage.Rig.Desktop.ShowRadioID(); }, QStringLiteral("frmRadioID"));
+  stage.Rig.Desktop.ShowRadioID();
+  stage.Rig.Run(std::chrono::milliseconds(100));
+  if (QWidget* window = QApplication::activeModalWidget()) {
+    stage.Take(*window, QStringLiteral("frmRadioID"));
+    window->close();
+  }
 }
 
 void TakeSchedule(Stage& stage) {

@@ -338,15 +338,14 @@ TEST_F(UnitWindowsTest, ASavedConfigurationTakesEffect) {
 TEST_F(UnitWindowsTest, TheRadioIdIsShownUntilItIsAnswered) {
   rig.Unit.Radio.Identifier = "AB<2&CD3";
   rig.Unit.StartIdle();
-  QString shown;
-  EXPECT_EQ(rig.WithinModal([this] { rig.Choose("mnuRadioID"); },
-                            [&](QWidget& window) {
-                              shown = Find<QLabel>(window, "lblID").text();
-                              EXPECT_FALSE(rig.Find<QCheckBox>("chkSchedule").isChecked());
-                              Press(window, "cmdOK");
-                            }),
-            "frmRadioID");
-  EXPECT_EQ(shown, "AB<2&CD3");
+  rig.Choose("mnuRadioID");
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << "the radio has not been asked yet";
+  rig.Run(100ms);
+  QWidget* window = QApplication::activeModalWidget();
+  ASSERT_NE(window, nullptr);
+  EXPECT_EQ(window->objectName(), "frmRadioID");
+  EXPECT_EQ(Find<QLabel>(*window, "lblID").text(), "AB<2&CD3");
+  Press(*window, "cmdOK");
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
@@ -550,19 +549,20 @@ TEST_F(UnitWindowsTest, AnEndWithEveryWindowOpenAsksNothingAndSavesNothing) {
 
 TEST_F(UnitWindowsTest, AnEndWithinTheRadioId) {
   rig.Unit.StartIdle();
-  EXPECT_EQ(CloseWithin([this] { rig.Choose("mnuRadioID"); }), "frmRadioID");
+  rig.Choose("mnuRadioID");
+  rig.Run(100ms);
+  ASSERT_NE(QApplication::activeModalWidget(), nullptr);
+  rig.Unit->Close();
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  ExpectEnd();
 }
 
 TEST_F(UnitWindowsTest, AnEndWhileTheRadioIsAskedForItsIdShowsNoWindow) {
   rig.Unit.StartIdle();
-  bool shown = false;
-  rig.Desktop.ShowRadioID = [this, &shown, ask = rig.Desktop.ShowRadioID] {
-    rig.Unit->Close();
-    QTimer::singleShot(0, &rig.Desktop, [&] { shown = QApplication::activeModalWidget() != nullptr; });
-    ask();
-  };
   rig.Choose("mnuRadioID");
-  EXPECT_FALSE(shown);
+  rig.Unit->Close();
+  rig.Run(100ms);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   ExpectEnd();
 }
 
