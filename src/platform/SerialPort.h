@@ -31,6 +31,10 @@ class SerialPort {
   [[nodiscard]] virtual bool Exists() const = 0;
   /// The cause says what to do about a failure: the group to join, the process that holds the device.
   virtual base::Result Open() = 0;
+  /// The same without holding up the caller, however long the system takes: a broken adapter can keep an opening
+  /// program waiting for seconds. The port reads as closed until `done` runs, from the event loop; it does not run at all
+  /// if Close or another opening comes first.
+  virtual void OpenLater(std::function<void(const base::Result& opened)> done) = 0;
   virtual void Close() = 0;
   [[nodiscard]] virtual bool IsOpen() const = 0;
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "receiver/LineUp.h"
@@ -46,6 +47,8 @@ class ReceiverModel {
   void SetPower(bool on) { poweredOn_ = on; }
   void SetMuted(bool on) { muted_ = on; }
   void SetTunedChannel(int number) { tuned_ = number; }
+  /// Eight characters.
+  void SetIdentifier(std::string identifier) { setup_.Identifier = std::move(identifier); }
   void SetLevels(SignalLevels levels) { setup_.Levels = levels; }
   /// The next select is refused, and the channel stays.
   void RefuseNextSelect() { refuseNextSelect_ = true; }

@@ -34,7 +34,24 @@ void VirtualReceiver::Receive(Milliseconds now, std::string_view bytes) {
   if (bytes.empty()) return;
   if (replay_ && !replayStart_) replayStart_ = now;
   RenderUntil(now);
+  if (!supplied_) return;
   for (const Command& command : reader_.Feed(bytes)) Answer(now, command);
+}
+
+void VirtualReceiver::CutPower(Milliseconds now) {
+  RenderUntil(now);
+  supplied_ = false;
+  model_.SetPower(false);
+  reader_ = {};
+  pacer_.Clear();
+}
+
+void VirtualReceiver::RestorePower(Milliseconds now, bool on, int channel) {
+  RenderUntil(now);
+  supplied_ = true;
+  model_.SetPower(on);
+  model_.SetMuted(false);
+  model_.SetTunedChannel(channel);
 }
 
 void VirtualReceiver::Answer(Milliseconds now, const Command& command) {

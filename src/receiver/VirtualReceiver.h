@@ -50,6 +50,11 @@ class VirtualReceiver {
   [[nodiscard]] std::string Send(Microseconds now);
   /// When Send will have something again; nothing if only a command can change that.
   [[nodiscard]] std::optional<Microseconds> NextByte() const;
+  /// Takes the receiver's supply of power away: it hears and says nothing any more, and what is on its way to the
+  /// program is lost.
+  void CutPower(Milliseconds now);
+  /// Gives it back. The receiver stands on this channel, not muted, switched on or off.
+  void RestorePower(Milliseconds now, bool on, int channel);
   /// Drops what is still on its way to the program.
   void DropUnsent() { pacer_.Clear(); }
 
@@ -92,6 +97,7 @@ class VirtualReceiver {
   std::int64_t nextFrame_ = 0;
   std::int64_t firstFrame_ = 0;
   std::int64_t framesTaken_ = 0;
+  bool supplied_ = true;
   int observedChannel_ = 0;
   std::optional<Milliseconds> observedText_;   ///< start of the song
   std::optional<Milliseconds> observedSound_;  ///< start of the song

@@ -37,6 +37,9 @@ class FaultyLine final : public platform::SerialPort {
   void SetReceiveThreshold(int bytes) override { honest_.SetReceiveThreshold(bytes); }
   [[nodiscard]] bool Exists() const override { return honest_.Exists(); }
   base::Result Open() override { return honest_.Open(); }
+  void OpenLater(std::function<void(const base::Result& opened)> done) override {
+    honest_.OpenLater(std::move(done));
+  }
   void Close() override { honest_.Close(); }
   [[nodiscard]] bool IsOpen() const override { return honest_.IsOpen(); }
   void SetDataTerminalReady(bool on) override { honest_.SetDataTerminalReady(on); }

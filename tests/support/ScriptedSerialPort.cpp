@@ -57,6 +57,7 @@ std::string ScriptedSerialPort::Refusal() const {
 
 base::Result ScriptedSerialPort::Open() {
   calls_.emplace_back("Open");
+  ++openings_;
   if (const std::string refusal = Refusal(); !refusal.empty()) return base::Result::Failed(refusal);
   open_ = true;
   openedPort_ = commPort_;
@@ -64,8 +65,21 @@ base::Result ScriptedSerialPort::Open() {
   return base::Result::Done();
 }
 
+void ScriptedSerialPort::OpenLater(std::function<void(const base::Result& opened)> done) {
+  calls_.emplace_back("OpenLater");
+  open_ = false;
+  const int opening = ++openings_;
+  if (openingTakes_ < Duration(0)) return;
+  loop_.AtHardware(openingTakes_, [this, opening, done = std::move(done)] {
+    loop_.Post([this, opening, done] {
+      if (opening == openings_) done(Open());
+    });
+  });
+}
+
 void ScriptedSerialPort::Close() {
   calls_.emplace_back("Close");
+  ++openings_;
   open_ = false;
   waiting_.clear();
 }

@@ -49,6 +49,8 @@ class ScriptedSerialPort final : public platform::SerialPort {
   }
   /// These bytes wait to be read whenever a port has been opened.
   void GreetWith(std::string bytes) { greeting_ = std::move(bytes); }
+  /// From now on OpenLater is done after this time, or never if it is negative.
+  void OpeningTakes(Duration duration) { openingTakes_ = duration; }
   /// The line goes dead while it is open.
   void Die();
 
@@ -57,7 +59,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   [[nodiscard]] const std::vector<Written>& Writes() const { return writes_; }
   /// The bytes of all writes since the last call.
   std::vector<std::string> TakeWrites();
-  /// "CommPort 3", "Settings 9600,n,8,1", "RThreshold 5", "Open", "Close", "DTR on", "RTS off", in the order
+  /// "CommPort 3", "Settings 9600,n,8,1", "RThreshold 5", "Open", "Close", "OpenLater", "DTR on", "RTS off", in the order
   /// of the calls.
   [[nodiscard]] const std::vector<std::string>& Calls() const { return calls_; }
   void ForgetCalls() { calls_.clear(); }
@@ -74,6 +76,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
     return !absent_.contains(refusals_.contains(commPort_) ? commPort_ : std::int16_t{0});
   }
   base::Result Open() override;
+  void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool on) override;
@@ -105,6 +108,8 @@ class ScriptedSerialPort final : public platform::SerialPort {
   std::int16_t commPort_ = 0;
   std::int16_t openedPort_ = 0;
   std::size_t threshold_ = 1;
+  Duration openingTakes_{0};
+  int openings_ = 0;  // begun or given up
   bool open_ = false;
   bool dataTerminalReady_ = false;
   bool requestToSend_ = false;

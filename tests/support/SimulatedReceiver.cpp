@@ -47,8 +47,16 @@ base::Result SimulatedReceiver::Open() {
   return base::Result::Done();
 }
 
+void SimulatedReceiver::OpenLater(std::function<void(const base::Result& opened)> done) {
+  Close();
+  loop_.Post([this, done = std::move(done), closings = closings_, alive = std::weak_ptr(alive_)] {
+    if (!alive.expired() && closings == closings_) done(Open());
+  });
+}
+
 void SimulatedReceiver::Close() {
   open_ = false;
+  ++closings_;
   input_.clear();
 }
 
@@ -89,6 +97,11 @@ void SimulatedReceiver::BytesArrive() {
   if (open_) input_ += bytes;
   NotifyIfEnough();
   AwaitBytes();
+}
+
+void SimulatedReceiver::Arrive(std::string_view bytes) {
+  if (open_) input_ += bytes;
+  NotifyIfEnough();
 }
 
 void SimulatedReceiver::NotifyIfEnough() {

@@ -47,6 +47,13 @@ class SimulatedReceiver final : public platform::SerialPort {
   /// Pulls the cable: the port reads as closed, and opens no more until Plug.
   void Unplug();
   void Plug() { plugged_ = true; }
+  /// The device has this number from now on; for a device that is unplugged.
+  void MoveTo(std::int16_t port) { setup_.Port = port; }
+  /// The receiver at the other end has no power, and has it again.
+  void CutPower() { receiver_.CutPower(Now()); }
+  void RestorePower(bool on, int channel) { receiver_.RestorePower(Now(), on, channel); }
+  /// These bytes arrive, whoever sent them.
+  void Arrive(std::string_view bytes);
 
   [[nodiscard]] receiver::VirtualReceiver& Receiver() { return receiver_; }
 
@@ -61,6 +68,7 @@ class SimulatedReceiver final : public platform::SerialPort {
   void SetReceiveThreshold(int bytes) override;
   [[nodiscard]] bool Exists() const override { return plugged_ && port_ == setup_.Port; }
   base::Result Open() override;
+  void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool on) override { dataTerminalReady_ = on; }
@@ -91,6 +99,7 @@ class SimulatedReceiver final : public platform::SerialPort {
   std::int16_t port_ = 0;
   int threshold_ = 1;
   int opens_ = 0;
+  int closings_ = 0;
   bool open_ = false;
   bool plugged_ = true;
   bool dataTerminalReady_ = false;

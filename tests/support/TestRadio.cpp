@@ -37,8 +37,18 @@ base::Result TestRadio::Open() {
     return base::Result::Failed(obstacle->second);
   }
   if (!Exists()) return base::Result::Failed(fmt::format("there is no port {}", port_));
+  Openings.emplace_back(loop_.SteadyNow(), port_);
+  waiting_.clear();
+  openPort_ = port_;
   open_ = true;
   return base::Result::Done();
+}
+
+void TestRadio::OpenLater(std::function<void(const base::Result& opened)> done) {
+  Close();
+  loop_.Post([this, done = std::move(done), closings = closings_] {
+    if (closings == closings_) done(Open());
+  });
 }
 
 std::string TestRadio::Input() {
@@ -52,6 +62,11 @@ bool TestRadio::Output(std::string_view bytes) {
   if (!open_) return false;
   std::string hex;
   for (const char byte : bytes) hex += fmt::format("{:02X}", static_cast<unsigned char>(byte));
+  if (const auto stranger = Strangers.find(openPort_); stranger != Strangers.end()) {
+    CommandsToStrangers.push_back(hex);
+    AnswerAsStranger(bytes, stranger->second);
+    return true;
+  }
   Commands.push_back(hex);
   WhenCommanded();
   if (Answers) Answer(bytes);
@@ -101,6 +116,11 @@ void TestRadio::Answer(std::string_view command) {
     default:
       return;  // setup steps get no answer
   }
+}
+
+void TestRadio::AnswerAsStranger(std::string_view command, const std::string& identifier) {
+  if (command.at(4) == 0x00) Send(Frame(0x80, 27).replace(23, 8, identifier));
+  if (command.at(4) == 0x31) Send(Frame(0xB1, 12).replace(8, 8, identifier));
 }
 
 std::string TestRadio::ChannelInfo(int channel) const {

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/SerialPort.h"
@@ -46,6 +47,10 @@ class TestRadio final : public platform::SerialPort {
   std::chrono::milliseconds AnswerDelay{40};
   /// Runs for each command as it is written.
   std::function<void()> WhenCommanded = [] {};
+  /// Other radios, by their ports, each with its identifier; they are switched on, and answer nothing but who they are.
+  std::map<std::int16_t, std::string> Strangers;
+  /// Says something unasked.
+  void Say(std::string bytes) { Send(std::move(bytes)); }
   /// Says unasked what the channel plays.
   void Report(int channel) { Send(ChannelInfo(channel)); }
 
@@ -53,16 +58,23 @@ class TestRadio final : public platform::SerialPort {
   int TunedChannel = 0;
   bool Muted = false;
   std::vector<std::string> Commands;  ///< every frame written, as hex digits
+  std::vector<std::string> CommandsToStrangers;
+  /// Every opening of a port that had a device, with its moment.
+  std::vector<std::pair<std::chrono::milliseconds, std::int16_t>> Openings;
 
   // SerialPort.
   void SetCommPort(std::int16_t number) override { port_ = number; }
   void SetSettings(std::string_view /*settings*/) override {}
   void SetReceiveThreshold(int bytes) override { threshold_ = bytes; }
   [[nodiscard]] bool Exists() const override {
-    return (plugged_ && port_ == SittingOnPort) || Obstacles.contains(port_);
+    return (plugged_ && port_ == SittingOnPort) || Obstacles.contains(port_) || Strangers.contains(port_);
   }
   base::Result Open() override;
-  void Close() override { open_ = false; }
+  void OpenLater(std::function<void(const base::Result& opened)> done) override;
+  void Close() override {
+    open_ = false;
+    ++closings_;
+  }
   [[nodiscard]] bool IsOpen() const override { return open_; }
   void SetDataTerminalReady(bool /*on*/) override {}
   void SetRequestToSend(bool /*on*/) override {}
@@ -72,6 +84,7 @@ class TestRadio final : public platform::SerialPort {
 
  private:
   void Answer(std::string_view command);
+  void AnswerAsStranger(std::string_view command, const std::string& identifier);
   void Send(std::string frame);
   [[nodiscard]] std::string ChannelInfo(int channel) const;
 
@@ -79,7 +92,9 @@ class TestRadio final : public platform::SerialPort {
   std::function<void()> handler_ = [] {};
   std::string waiting_;
   std::int16_t port_ = 0;
+  std::int16_t openPort_ = 0;
   int threshold_ = 1;
+  int closings_ = 0;
   bool open_ = false;
   bool plugged_ = true;
 };

@@ -18,9 +18,14 @@
 namespace kestrune::platform {
 namespace {
 
-/// These are called from the main thread alone, so the C library's own buffers serve.
+// Devices are opened on several threads, so each look-up has a buffer of its own.
+constexpr std::size_t kEntryBuffer = 65536;
+
 std::string UserName() {
-  const passwd* const user = ::getpwuid(::geteuid());
+  passwd entry{};
+  passwd* user = nullptr;
+  std::string buffer(kEntryBuffer, '\0');
+  ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &user);
   return user != nullptr ? user->pw_name : std::to_string(::geteuid());
 }
 
@@ -33,7 +38,10 @@ bool ListsUser(const group& group, std::string_view user) {
 
 std::string WithoutPermission(const std::string& path, const struct stat& status) {
   constexpr mode_t kGroupMayUse = S_IRGRP | S_IWGRP;
-  const group* const owner = ::getgrgid(status.st_gid);
+  struct group entry {};
+  struct group* owner = nullptr;
+  std::string buffer(kEntryBuffer, '\0');
+  ::getgrgid_r(status.st_gid, &entry, buffer.data(), buffer.size(), &owner);
   if (owner == nullptr || (status.st_mode & kGroupMayUse) != kGroupMayUse) {
     return fmt::format("there is no permission to use {}, and no group that has it", path);
   }

@@ -3,86 +3,60 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
-#include <QString>
+#include <QSocketNotifier>
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <chrono>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include <fmt/format.h>
-#include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "base/Ignored.h"
-#include "base/Text.h"
-#include "platform/posix/SerialDeviceCheck.h"
+#include "platform/posix/SerialLine.h"
 #include "platform/qt/QtEventLoop.h"
 
 namespace kestrune::platform {
 namespace {
 
-// Qt does not report a line that was hung up: reading it just yields nothing.
+// A line that was hung up is not reported before it is read.
 constexpr std::chrono::milliseconds kHangUpCheck{200};
 // A driver takes a few kilobytes, which need seconds on the line.
 constexpr std::chrono::milliseconds kSendAgain{20};
 constexpr std::size_t kMostWaiting = 4096;
 
-bool HungUp(int handle) {
-  pollfd state{handle, 0, 0};
-  return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
-}
-
-struct LineSettings {
-  qint32 Speed = 0;
-  QSerialPort::Parity Parity = QSerialPort::NoParity;
-  QSerialPort::DataBits DataBits = QSerialPort::Data8;
-  QSerialPort::StopBits StopBits = QSerialPort::OneStop;
-};
-
-/// From the form "9600,n,8,1".
-bool ReadSettings(std::string_view text, LineSettings& settings) {
-  const std::vector<std::string> parts = base::Split(text, ',');
-  if (parts.size() != 4) return false;
-  const auto [end, error] =
-      std::from_chars(parts[0].data(), parts[0].data() + parts[0].size(), settings.Speed);
-  if (error != std::errc{} || settings.Speed <= 0) return false;
-  const std::string parity = base::ToLower(parts[1]);
-  if (parity == "e") {
-    settings.Parity = QSerialPort::EvenParity;
-  } else if (parity == "o") {
-    settings.Parity = QSerialPort::OddParity;
-  } else if (parity != "n") {
-    return false;
-  }
-  if (parts[2] == "7") {
-    settings.DataBits = QSerialPort::Data7;
-  } else if (parts[2] != "8") {
-    return false;
-  }
-  if (parts[3] == "2") {
-    settings.StopBits = QSerialPort::TwoStop;
-  } else if (parts[3] != "1") {
-    return false;
-  }
-  return true;
-}
+constexpr QEvent::Type kNotify = QEvent::User;
+constexpr auto kOpened = static_cast<QEvent::Type>(QEvent::User + 1);
 
 }  // namespace
 
-/// Turns an event that was posted to it into a notification. Destroying it removes the connections and the events
-/// still posted.
+/// Turns an event that was posted to it into a call. Destroying it removes the connections and the events still posted.
 class QtSerialPort::Wakeup final : public QObject {
  public:
   explicit Wakeup(QtSerialPort& port) : port_(port) {}
-  /// Qt owns the event from here on.
-  void Post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+  /// Qt owns the event from here on. Any thread may post.
+  void Post(QEvent::Type type) { QCoreApplication::postEvent(this, new QEvent(type)); }
 
  protected:
-  void customEvent(QEvent* /*event*/) override { port_.Notify(); }
+  void customEvent(QEvent* event) override {
+    // A loop that keeps windows painted still serves events that were posted before it went to sleep.
+    if (QtEventLoop::Asleep()) return port_.afterSleep_->SetEnabled(true);
+    if (event->type() == kNotify) port_.Notify();
+    if (event->type() == kOpened) port_.TakeOpening();
+  }
 
  private:
   QtSerialPort& port_;
+};
+
+/// What the thread that opens a device and its port share.
+struct QtSerialPort::Opening {
+  std::mutex Lock;
+  Wakeup* Awaiting = nullptr;  ///< null: nobody any more
+  OpenedLine Opened;           ///< once the thread has posted
 };
 
 QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
@@ -92,40 +66,18 @@ QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
       afterSleep_(loop.MakeTimer(std::chrono::milliseconds(0),
                                  [this] {
                                    afterSleep_->SetEnabled(false);
-                                   wakeup_->Post();
+                                   wakeup_->Post(kNotify);
+                                   wakeup_->Post(kOpened);
                                  })),
-      sendAgain_(loop.MakeTimer(kSendAgain, [this] { SendWaiting(); })) {
-  QObject::connect(&port_, &QSerialPort::readyRead, wakeup_.get(), [this] { NotifySoon(); });
-  QObject::connect(&port_, &QSerialPort::errorOccurred, wakeup_.get(),
-                   [this](QSerialPort::SerialPortError error) {
-                     switch (error) {
-                       case QSerialPort::ResourceError:
-                       case QSerialPort::ReadError:
-                       case QSerialPort::WriteError:
-                       case QSerialPort::DeviceNotFoundError:
-                         // Qt is still using the port here, so the next check closes it.
-                         dead_ = true;
-                         break;
-                       default:
-                         // A pseudo-terminal has no modem lines; the other errors belong to calls that
-                         // return their failure.
-                         break;
-                     }
-                   });
-}
+      sendAgain_(loop.MakeTimer(kSendAgain, [this] { SendWaiting(); })) {}
 
-QtSerialPort::~QtSerialPort() = default;
+QtSerialPort::~QtSerialPort() {
+  Close();
+}
 
 void QtSerialPort::SetReceiveThreshold(int bytes) {
   threshold_ = std::max(bytes, 1);
   NotifySoon();
-}
-
-bool QtSerialPort::TakeSettings() {
-  LineSettings settings;
-  return ReadSettings(settings_, settings) && port_.setBaudRate(settings.Speed) &&
-         port_.setParity(settings.Parity) && port_.setDataBits(settings.DataBits) &&
-         port_.setStopBits(settings.StopBits) && port_.setFlowControl(QSerialPort::NoFlowControl);
 }
 
 bool QtSerialPort::Exists() const {
@@ -137,51 +89,110 @@ base::Result QtSerialPort::Open() {
   Close();
   const std::string device = ports_.Device(number_);
   if (device.empty()) return base::Result::Failed(fmt::format("there is no port {}", number_));
-  base::Result possible = CheckSerialDevice(device);
-  if (!possible.Ok()) return possible;
-  dead_ = false;
-  port_.setPortName(QString::fromStdString(device));
-  if (!TakeSettings()) {
-    return base::Result::Failed(fmt::format("the line settings \"{}\" cannot be used", settings_));
+  OpenedLine opened = OpenSerialLine(device, settings_);
+  if (opened.Outcome.Ok()) TakeLine(std::move(opened.Line));
+  return opened.Outcome;
+}
+
+void QtSerialPort::OpenLater(std::function<void(const base::Result& opened)> done) {
+  Close();
+  const bool hangs = !lastOpening_.expired();
+  opened_ = std::move(done);
+  opening_ = std::make_shared<Opening>();
+  const std::string device = ports_.Device(number_);
+  if (device.empty() || hangs) {
+    opening_->Opened.Outcome =
+        base::Result::Failed(device.empty() ? fmt::format("there is no port {}", number_)
+                                            : "the system is still opening a device");
+    return wakeup_->Post(kOpened);
   }
-  if (!port_.open(QIODevice::ReadWrite)) {
-    return base::Result::Failed(fmt::format("{} cannot be opened: {}{}", device,
-                                            port_.errorString().toStdString(), WhoMayHoldSerialDevice()));
+  opening_->Awaiting = wakeup_.get();
+  lastOpening_ = opening_;
+  std::thread([opening = opening_, device, settings = settings_]() mutable {
+    OpenedLine opened = OpenSerialLine(device, settings);
+    const std::lock_guard lock(opening->Lock);
+    if (opening->Awaiting == nullptr) return CloseSerialLine(opened.Line);
+    opening->Opened = std::move(opened);
+    opening->Awaiting->Post(kOpened);
+  }).detach();
+}
+
+void QtSerialPort::TakeOpening() {
+  if (opening_ == nullptr) return;
+  {
+    const std::lock_guard lock(opening_->Lock);
+    // Posted for an opening that was given up.
+    if (opening_->Opened.Outcome.Ok() && !opening_->Opened.Line.IsOpen()) return;
   }
-  // A pseudo-terminal outlives the program that had it open, and keeps what was not read. A header left over from
-  // there would make the next frame's header its length, and no reply would be seen any more.
-  base::Ignored(port_.clear(QSerialPort::Input));
+  const std::shared_ptr<Opening> opening = std::exchange(opening_, nullptr);
+  const auto done = std::exchange(opened_, nullptr);
+  const base::Result outcome = opening->Opened.Outcome;
+  if (outcome.Ok()) TakeLine(std::move(opening->Opened.Line));
+  done(outcome);
+}
+
+void QtSerialPort::TakeLine(FileDescriptor line) {
+  line_ = std::move(line);
   dead_ = false;
+  readable_ = std::make_unique<QSocketNotifier>(line_.Number(), QSocketNotifier::Read);
+  QObject::connect(readable_.get(), &QSocketNotifier::activated, wakeup_.get(), [this] {
+    Receive();
+    NotifySoon();
+  });
   hangUpCheck_->SetEnabled(true);
-  return base::Result::Done();
 }
 
 void QtSerialPort::Close() {
+  if (opening_ != nullptr) {
+    const std::lock_guard lock(opening_->Lock);
+    opening_->Awaiting = nullptr;
+    CloseSerialLine(opening_->Opened.Line);
+  }
+  opening_ = nullptr;
+  opened_ = nullptr;
   hangUpCheck_->SetEnabled(false);
   sendAgain_->SetEnabled(false);
   waiting_.clear();
-  port_.close();
+  received_.clear();
+  // The notifier may be the one that is calling.
+  if (readable_ != nullptr) {
+    readable_->setEnabled(false);
+    readable_.release()->deleteLater();
+  }
+  CloseSerialLine(line_);
 }
 
 bool QtSerialPort::IsOpen() const {
-  return port_.isOpen() && !dead_ && !HungUp(port_.handle());
+  return line_.IsOpen() && !dead_ && !HungUp(line_);
 }
 
 void QtSerialPort::CloseIfDead() {
   // A device that is plugged in again gets its old number only if no program holds it any more.
-  if (port_.isOpen() && !IsOpen()) Close();
+  if (line_.IsOpen() && !IsOpen()) Close();
 }
 
 void QtSerialPort::SetDataTerminalReady(bool on) {
-  if (IsOpen()) base::Ignored(port_.setDataTerminalReady(on));
+  if (IsOpen()) SetModemLines(line_, TIOCM_DTR, on);
 }
 
 void QtSerialPort::SetRequestToSend(bool on) {
-  if (IsOpen()) base::Ignored(port_.setRequestToSend(on));
+  if (IsOpen()) SetModemLines(line_, TIOCM_RTS, on);
+}
+
+void QtSerialPort::Receive() {
+  if (!line_.IsOpen() || dead_) return;
+  LineInput input = ReadSerialLine(line_);
+  received_ += input.Bytes;
+  if (input.Dead) {
+    dead_ = true;
+    // A dead line is readable for ever.
+    readable_->setEnabled(false);
+  }
 }
 
 std::string QtSerialPort::Input() {
-  return port_.isOpen() ? port_.readAll().toStdString() : std::string();
+  Receive();
+  return std::exchange(received_, {});
 }
 
 bool QtSerialPort::Output(std::string_view bytes) {
@@ -192,12 +203,11 @@ bool QtSerialPort::Output(std::string_view bytes) {
   return !dead_;
 }
 
-// Qt takes a line that is full for one that is gone, so it does not write.
 void QtSerialPort::SendWaiting() {
   sendAgain_->SetEnabled(false);
   if (!IsOpen()) return;
   while (!waiting_.empty()) {
-    const ssize_t written = ::write(port_.handle(), waiting_.data(), waiting_.size());
+    const ssize_t written = ::write(line_.Number(), waiting_.data(), waiting_.size());
     if (written >= 0) {
       waiting_.erase(0, static_cast<std::size_t>(written));
       continue;
@@ -217,19 +227,16 @@ void QtSerialPort::SetReceiveHandler(std::function<void()> handler) {
 }
 
 void QtSerialPort::NotifySoon() {
-  // Qt reports bytes only once while the handler of that report is busy. Posted, the handler can run within
-  // itself.
-  if (notifying_ || !port_.isOpen() || port_.bytesAvailable() < threshold_) return;
+  // The handler runs from an event of its own, so that it can run within itself.
+  if (notifying_ || received_.size() < static_cast<std::size_t>(threshold_)) return;
   notifying_ = true;
-  wakeup_->Post();
+  wakeup_->Post(kNotify);
 }
 
 void QtSerialPort::Notify() {
-  // A loop that keeps windows painted still serves events that were posted before it went to sleep.
-  if (QtEventLoop::Asleep()) return afterSleep_->SetEnabled(true);
   notifying_ = false;
   const auto handler = handler_;
-  const bool enough = port_.isOpen() && port_.bytesAvailable() >= threshold_;
+  const bool enough = line_.IsOpen() && received_.size() >= static_cast<std::size_t>(threshold_);
   if (enough && handler && *handler) (*handler)();
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSerialPort>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -9,13 +8,17 @@
 
 #include "base/EventLoop.h"
 #include "platform/SerialPort.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PortMap.h"
+
+class QSocketNotifier;
 
 namespace kestrune::platform {
 
-/// A serial line through Qt: real devices and pseudo-terminals, on which modem lines fail silently. The device is
-/// opened for this program only. Trying a number without a device costs one look into the file system. What the
-/// device received before it was opened is dropped.
+/// A serial line served by Qt's loop: real devices and pseudo-terminals, on which modem lines fail silently. The device
+/// is opened for this program only. Trying a number without a device costs one look into the file system. What the
+/// device received before it was opened is dropped. OpenLater opens on a thread of its own; if the system never lets go
+/// of it, so does every later OpenLater fail.
 class QtSerialPort final : public SerialPort {
  public:
   /// The loop must outlive the port, and must be Qt's.
@@ -29,6 +32,7 @@ class QtSerialPort final : public SerialPort {
   void SetReceiveThreshold(int bytes) override;
   [[nodiscard]] bool Exists() const override;
   base::Result Open() override;
+  void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override;
   void SetDataTerminalReady(bool on) override;
@@ -39,21 +43,30 @@ class QtSerialPort final : public SerialPort {
 
  private:
   class Wakeup;
+  struct Opening;
 
-  [[nodiscard]] bool TakeSettings();
+  [[nodiscard]] base::Result ReasonAgainst(const std::string& device) const;
+  void TakeLine(FileDescriptor line);
+  void TakeOpening();
+  void Receive();
   void NotifySoon();
   void Notify();
   void CloseIfDead();
   void SendWaiting();
 
   PortMap ports_;
-  QSerialPort port_;
+  FileDescriptor line_;
+  std::unique_ptr<QSocketNotifier> readable_;  // null while closed or dead
   std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
   std::unique_ptr<base::Timer> afterSleep_;
   std::unique_ptr<base::Timer> sendAgain_;
   std::shared_ptr<std::function<void()>> handler_;
-  std::string waiting_;  // bytes that the line has not taken yet
+  std::shared_ptr<Opening> opening_;                        // the one that is awaited
+  std::weak_ptr<Opening> lastOpening_;                      // alive as long as its thread is
+  std::function<void(const base::Result& opened)> opened_;  // for the one that is awaited
+  std::string received_;                                    // and not yet handed over
+  std::string waiting_;                                     // bytes that the line has not taken yet
   std::string settings_ = "9600,n,8,1";
   std::int16_t number_ = 0;
   int threshold_ = 1;

@@ -1,5 +1,7 @@
 #include <csignal>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -285,6 +287,96 @@ TEST_F(QtSerialPortTest, AClosedPortTakesNothing) {
   EXPECT_EQ(Port->Input(), "");
   Port->SetDataTerminalReady(true);
   Port->Close();
+}
+
+// Bytes that another program took away.
+
+TEST_F(QtSerialPortTest, AReadThatFindsNothingLeavesTheLineOpen) {
+  ASSERT_EQ(Port->Open().Cause(), "");
+  // Another program reads what was announced to this one.
+  const int thief = ::open(Far.Path().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_GE(thief, 0);
+  int stolen = 0;
+  for (int round = 0; round < 200; ++round) {
+    Far.Send("stolen");
+    pollfd arrived{thief, POLLIN, 0};
+    ASSERT_EQ(::poll(&arrived, 1, 5000), 1);
+    char bytes[64];
+    const auto fromLoop = Under.Loop.MakeTimer(milliseconds(0), [&] {
+      if (::read(thief, &bytes[0], sizeof bytes) > 0) ++stolen;
+    });
+    fromLoop->SetEnabled(true);
+    if (round % 2 == 0 && ::read(thief, &bytes[0], sizeof bytes) > 0) ++stolen;
+    Under.Run(milliseconds(2));
+    EXPECT_EQ(Port->Input().size() % 6, 0U);
+  }
+  ::close(thief);
+  EXPECT_GT(stolen, 0);
+  EXPECT_TRUE(Port->IsOpen());
+  Received.clear();
+  Far.Send("hello");
+  EXPECT_TRUE(ReceivedSize(5)) << "it is still listened to";
+}
+
+// Opening without a wait.
+
+TEST_F(QtSerialPortTest, AnOpeningLaterReportsFromTheLoop) {
+  std::vector<std::string> causes;
+  Port->OpenLater([&](const base::Result& opened) {
+    causes.push_back(opened.Cause());
+    EXPECT_TRUE(Port->IsOpen());
+  });
+  EXPECT_FALSE(Port->IsOpen());
+  Under.Loop.Sleep(milliseconds(300));
+  EXPECT_TRUE(causes.empty()) << "never within a sleep";
+  ASSERT_TRUE(Under.RunUntil([&] { return !causes.empty(); }, seconds(5)));
+  EXPECT_EQ(causes, std::vector<std::string>{""});
+  Far.Send("hello");
+  ASSERT_TRUE(ReceivedSize(5));
+  EXPECT_TRUE(Port->Output("x"));
+  EXPECT_EQ(Far.Receive(), "x");
+}
+
+TEST_F(QtSerialPortTest, AnOpeningLaterThatFailsHasTheSameCause) {
+  for (const std::int16_t number : {2, 4, 17}) {
+    Port->SetCommPort(number);
+    std::string cause = "none";
+    Port->OpenLater([&](const base::Result& opened) { cause = opened.Cause(); });
+    ASSERT_TRUE(Under.RunUntil([&] { return cause != "none"; }, seconds(5)));
+    EXPECT_EQ(cause, Port->Open().Cause());
+    EXPECT_FALSE(Port->IsOpen());
+  }
+}
+
+TEST_F(QtSerialPortTest, AnOpeningThatWasGivenUpLeavesTheDeviceFree) {
+  for (int round = 0; round < 20; ++round) {
+    Port->OpenLater([](const base::Result&) { FAIL() << "given up"; });
+    if (round % 2 == 0) Under.Loop.Sleep(milliseconds(10));
+    Port->Close();
+    Under.Run(milliseconds(20));
+    EXPECT_FALSE(Port->IsOpen());
+  }
+  EXPECT_TRUE(Under.RunUntil([&] { return Port->Open().Ok(); }, seconds(5)));
+}
+
+TEST_F(QtSerialPortTest, APortMayGoAwayWhileItOpens) {
+  for (int round = 0; round < 20; ++round) {
+    PortMap ports;
+    ports.SetDevice(1, Far.Path());
+    QtSerialPort brief(Under.Loop, ports);
+    brief.SetCommPort(1);
+    brief.OpenLater([](const base::Result&) { FAIL() << "gone"; });
+  }
+  Under.Run(milliseconds(50));
+  EXPECT_TRUE(Under.RunUntil([&] { return Port->Open().Ok(); }, seconds(5)));
+}
+
+TEST_F(QtSerialPortTest, AStuckLineIsClosedWithoutAWait) {
+  ASSERT_EQ(Port->Open().Cause(), "");
+  while (Port->Output("nobody reads this ")) continue;
+  const auto start = Under.Loop.SteadyNow();
+  Port->Close();
+  EXPECT_LT(Under.Loop.SteadyNow() - start, milliseconds(250));
 }
 
 TEST_F(QtSerialPortTest, AMissingDeviceIsNamed) {
