@@ -16,8 +16,6 @@ constexpr int kKnownPortTries = 2;
 constexpr int kSearches = 4;
 constexpr int kIdentifierTries = 10;
 constexpr int kSettleRounds = 8;
-// Some adapters reset the radio when their modem lines rise, and it is deaf while it starts.
-constexpr auto kAfterOpening = 1500ms;
 constexpr auto kIdentifierPause = 200ms;
 constexpr auto kSettleRound = 500ms;
 

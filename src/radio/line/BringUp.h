@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -36,6 +37,9 @@ struct RadioSearch {
 /// its result means nothing.
 class BringUp {
  public:
+  /// Some adapters reset the radio when their modem lines rise, and it is deaf while it starts.
+  static constexpr std::chrono::milliseconds kAfterOpening{1500};
+
   /// All must outlive this object.
   BringUp(RadioSession& session, base::EventLoop& loop, const base::RunState& run, base::Journal& journal);
 

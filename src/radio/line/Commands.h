@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +27,23 @@ inline constexpr std::string_view kSetupAfterPowerOn1 = "5A A5 00 04 74 02 01 01
 inline constexpr std::string_view kSetupAfterPowerOn2 = "5A A5 00 04 74 04 01 05 01 81";
 inline constexpr std::string_view kSetupAfterPowerOn3 = "5A A5 00 03 74 0B 01 01 82";
 inline constexpr std::string_view kSetupDone = "5A A5 00 01 40 01 40";
+
+/// A step of the power-on sequence, and the pause that follows it.
+struct Step {
+  std::string_view Frame;
+  std::chrono::milliseconds Pause;
+};
+/// What goes before kPowerOn, and what follows once its reply has come.
+inline constexpr std::array<Step, 2> kBeforePowerOn{{
+    {kSetup, std::chrono::milliseconds(200)},
+    {kSetupBeforePowerOn, std::chrono::milliseconds(200)},
+}};
+inline constexpr std::array<Step, 4> kAfterPowerOn{{
+    {kSetupAfterPowerOn1, std::chrono::milliseconds(100)},
+    {kSetupAfterPowerOn2, std::chrono::milliseconds(100)},
+    {kSetupAfterPowerOn3, std::chrono::milliseconds(100)},
+    {kSetupDone, std::chrono::milliseconds(100)},
+}};
 
 /// Two upper-case hex digits of a channel; of a number above 255 the last two.
 [[nodiscard]] std::string ChannelByte(std::int16_t channel);

@@ -18,6 +18,11 @@ void FrameReader::Append(std::string_view bytes) {
   pcrRxBuffer_.append(bytes);
 }
 
+void FrameReader::DropPending() {
+  junkBytes_ += Pending().size();
+  Consume(Pending().size());
+}
+
 FrameStep FrameReader::Next(std::string& frame) {
   if (!HasCandidate()) return FrameStep::Nothing;
   Resynchronise();

@@ -31,6 +31,9 @@ class FrameReader {
 
   void Append(std::string_view bytes);
 
+  /// Drops what is pending, as junk: the rest of a frame that never comes keeps back all frames after it.
+  void DropPending();
+
   /// Cuts the next frame off into `frame`, which is left alone otherwise. Costs time in proportion to the
   /// bytes it cuts off, however much follows them.
   [[nodiscard]] FrameStep Next(std::string& frame);

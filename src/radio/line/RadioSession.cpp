@@ -50,6 +50,7 @@ RadioSession::RadioSession(platform::SerialPort& port, base::EventLoop& loop, co
 
 RadioSession::~RadioSession() {
   port_.SetReceiveHandler(nullptr);
+  if (opening_) port_.Close();
 }
 
 // The port.
@@ -60,44 +61,80 @@ bool RadioSession::pcrPortOpen() {
 }
 
 void RadioSession::SetPortOpen(bool open) {
-  if (open == portOpen_) return;
-  base::Result opened = base::Result::Done();
+  if (open == portOpen_ && !opening_) return;
+  if (std::exchange(opening_, false)) port_.Close();
   if (open) {
     if (port_.IsOpen()) port_.Close();
-    port_.SetCommPort(comPort_);
-    port_.SetSettings("9600,n,8,1");
-    port_.SetReceiveThreshold(kThresholdOpening);
-    opened = port_.Open();
-    port_.SetReceiveThreshold(kThreshold);
+    PrepareOpening();
+    TakeOpening(port_.Open());
   } else {
     pcrDrainBlocked();
     port_.SetDataTerminalReady(false);
     port_.SetRequestToSend(false);
     if (port_.IsOpen()) port_.Close();
-  }
-  if (opened.Ok()) {
     portOpen_ = port_.IsOpen();
-    if (portOpen_) {
-      port_.SetDataTerminalReady(true);
-      port_.SetRequestToSend(true);
-    }
-  } else {
-    lastError_ = opened.Cause();
   }
   ForgetAwaited();
+}
+
+void RadioSession::PrepareOpening() {
+  port_.SetCommPort(comPort_);
+  port_.SetSettings("9600,n,8,1");
+  port_.SetReceiveThreshold(kThresholdOpening);
+}
+
+void RadioSession::TakeOpening(const base::Result& opened) {
+  port_.SetReceiveThreshold(kThreshold);
+  if (!opened.Ok()) {
+    lastError_ = opened.Cause();
+    return;
+  }
+  portOpen_ = port_.IsOpen();
+  traffic_.LineOpened(loop_.SteadyNow());
+  if (!portOpen_) return;
+  port_.SetDataTerminalReady(true);
+  port_.SetRequestToSend(true);
 }
 
 PortTrial RadioSession::TryOpen(std::int16_t number) {
   if (pcrPortOpen() && comPort_ != number) SetPortOpen(false);
   comPort_ = number;
   SetPortOpen(true);
+  return TrialOfPort();
+}
+
+PortTrial RadioSession::TrialOfPort() {
   if (pcrPortOpen()) {
-    return {
-        .Port = number, .Why = PortTrial::Reason::NoAnswer, .Cause = "the port opens, but no radio answers"};
+    return {.Port = comPort_,
+            .Why = PortTrial::Reason::NoAnswer,
+            .Cause = "the port opens, but no radio answers"};
   }
-  return {.Port = number,
+  return {.Port = comPort_,
           .Why = port_.Exists() ? PortTrial::Reason::NotOpened : PortTrial::Reason::NoDevice,
           .Cause = lastError_};
+}
+
+void RadioSession::OpenLater(std::int16_t number, std::function<void(PortTrial trial)> done) {
+  SetPortOpen(false);
+  comPort_ = number;
+  PrepareOpening();
+  opening_ = true;
+  port_.OpenLater([this, done = std::move(done)](const base::Result& opened) {
+    opening_ = false;
+    TakeOpening(opened);
+    ForgetAwaited();
+    done(TrialOfPort());
+  });
+}
+
+bool RadioSession::PortExists(std::int16_t number) {
+  port_.SetCommPort(number);
+  return port_.Exists();
+}
+
+void RadioSession::DropPartialFrame() {
+  reader_.DropPending();
+  tmrComm_->SetEnabled(false);
 }
 
 void RadioSession::pcrFindPort(const std::function<void(PortTrial trial)>& report) {
@@ -128,26 +165,29 @@ void RadioSession::DrainInput() {
 
 // Operations.
 
+bool RadioSession::Usable() {
+  return pcrPortOpen() && !onTrial_;
+}
+
 bool RadioSession::pcrPowerOn(bool bypassBlock) {
-  if (!pcrPortOpen()) return false;
+  if (!Usable()) return false;
   replies_.pcrPowerReplySeen = false;
   if (bypassBlock) ForgetAwaited();
-  Send(command::kSetup, bypassBlock);
-  loop_.Sleep(200ms);
-  Send(command::kSetupBeforePowerOn, bypassBlock);
-  loop_.Sleep(200ms);
+  for (const command::Step& step : command::kBeforePowerOn) {
+    Send(step.Frame, bypassBlock);
+    loop_.Sleep(step.Pause);
+  }
   Send(command::kPowerOn, bypassBlock);
   if (!WaitFor([this] { return replies_.pcrPowerReplySeen; }, 120, 40ms)) return false;
-  for (const auto step : {command::kSetupAfterPowerOn1, command::kSetupAfterPowerOn2,
-                          command::kSetupAfterPowerOn3, command::kSetupDone}) {
-    Send(step, bypassBlock);
-    loop_.Sleep(100ms);
+  for (const command::Step& step : command::kAfterPowerOn) {
+    Send(step.Frame, bypassBlock);
+    loop_.Sleep(step.Pause);
   }
   return true;
 }
 
 bool RadioSession::pcrPowerOff() {
-  if (!pcrPortOpen()) return false;
+  if (!Usable()) return false;
   replies_.pcrPowerReplySeen = false;
   Send(command::kPowerOff);
   return WaitFor([this] { return replies_.pcrPowerReplySeen; }, 30, kReplyTry);
@@ -155,7 +195,7 @@ bool RadioSession::pcrPowerOff() {
 
 std::string RadioSession::pcrRadioID() {
   if (!replies_.pcrRadioID.empty()) return replies_.pcrRadioID;
-  if (!pcrPortOpen()) return {};
+  if (!Usable()) return {};
   replies_.pcrRadioIDSeen = false;
   replies_.pcrPowerIsOff = false;
   Send(command::kRadioID);
@@ -169,7 +209,7 @@ std::string RadioSession::pcrRadioID() {
 }
 
 bool RadioSession::pcrSelectChannel(std::int16_t channelNumber) {
-  if (!pcrPortOpen() || !IsChannel(channelNumber)) return false;
+  if (!Usable() || !IsChannel(channelNumber)) return false;
   Send(command::SelectChannel(channelNumber));
   const auto confirmed = [this, channelNumber] {
     return replies_.pcrChannelSetSeen && replies_.pcrChannelSetNumber == channelNumber;
@@ -178,24 +218,24 @@ bool RadioSession::pcrSelectChannel(std::int16_t channelNumber) {
 }
 
 bool RadioSession::pcrMute(bool muteOn) {
-  if (!pcrPortOpen()) return false;
+  if (!Usable()) return false;
   Send(muteOn ? command::kMuteOn : command::kMuteOff);
   return WaitFor([this] { return replies_.pcrMuteReplySeen; }, kReplyTries, kReplyTry);
 }
 
 bool RadioSession::pcrGetSignalLevels() {
-  if (!pcrPortOpen()) return false;
+  if (!Usable()) return false;
   Send(command::kSignalLevels);
   return true;
 }
 
 bool RadioSession::pcrGetChannelInfo(std::int16_t channelNumber) {
-  if (pcrPortOpen() && IsChannel(channelNumber)) Send(command::ChannelInfo(channelNumber));
+  if (Usable() && IsChannel(channelNumber)) Send(command::ChannelInfo(channelNumber));
   return false;
 }
 
 bool RadioSession::pcrEnumerateChannels(std::int16_t nextChannel) {
-  if (!pcrPortOpen()) return false;
+  if (!Usable()) return false;
   if (nextChannel != 0) {
     Send(command::NextChannelInfo(nextChannel));
   } else {
@@ -243,6 +283,7 @@ void RadioSession::pcrRawSend(std::string_view frame, bool bypassBlock) {
 void RadioSession::Write(std::string_view frame) {
   TraceFrame('>', frame);
   waitingForResponse_ = true;
+  traffic_.Sent(frame, loop_.SteadyNow());
   base::Ignored(port_.Output(frame));
   lastSendTime_ = loop_.SteadyNow();
 }
@@ -332,6 +373,8 @@ void RadioSession::SendBlocked(bool messageSeen) {
 
 // False for a type that the program does not know.
 bool RadioSession::HandleFrame(std::string_view frame) {
+  traffic_.Received(frame, loop_.SteadyNow());
+  if (onTrial_) return IsReply(frame);
   switch (static_cast<ReplyType>(ByteAt(frame, 4))) {
     case ReplyType::PowerOn:
       replies_.pcrRadioID = DecodePowerOnRadioID(frame);

@@ -14,6 +14,7 @@
 #include "radio/line/ChannelInfo.h"
 #include "radio/line/FrameReader.h"
 #include "radio/line/HoldingQueue.h"
+#include "radio/line/LineTraffic.h"
 #include "radio/line/PortTrial.h"
 #include "radio/line/ReplyState.h"
 
@@ -62,6 +63,24 @@ class RadioSession {
   /// device may keep sending.
   void DrainInput();
 
+  /// The same as TryOpen, on a port that is always closed first, and without a wait: `done` runs from the event loop,
+  /// unless the port is closed before.
+  void OpenLater(std::int16_t number, std::function<void(PortTrial trial)> done);
+  /// Whether there is a device with this number, 1 to 16.
+  [[nodiscard]] bool PortExists(std::int16_t number);
+  /// While a port is on trial it is not known yet which radio answers there. It counts as closed for all operations
+  /// below, and replies reach Traffic and nothing else; only pcrSendBinary writes to it.
+  void SetOnTrial(bool on) { onTrial_ = on; }
+  [[nodiscard]] bool OnTrial() const { return onTrial_; }
+  /// Whether bytes have come that are no whole frame yet.
+  [[nodiscard]] bool HasPartialFrame() const { return !reader_.Pending().empty(); }
+  /// Drops the bytes of a frame that is not complete.
+  void DropPartialFrame();
+  /// What has passed over the line.
+  [[nodiscard]] const LineTraffic& Traffic() const { return traffic_; }
+  /// What the radio has confirmed of its channel counts no more.
+  void DoubtTuning() { traffic_.DoubtTuning(); }
+
   // Operations. They return false at once if the port is closed.
 
   /// At most 400 ms of blocking sleep, 4.8 s of waiting, and 400 ms of blocking sleep again.
@@ -107,7 +126,7 @@ class RadioSession {
 
   /// Writes a frame at once, whatever is awaited. A failure of the port is ignored.
   void pcrRawSend(std::string_view frame, bool bypassBlock);
-  /// The same, if the port is open. Nothing in the program calls it; it is part of the radio layer's public surface.
+  /// The same, if the port is open.
   void pcrSendBinary(std::string_view frame);
   /// True from a write until the next frame of any kind.
   [[nodiscard]] bool pcrWaitingForResponse() const { return waitingForResponse_; }
@@ -126,6 +145,10 @@ class RadioSession {
  private:
   using Milliseconds = std::chrono::milliseconds;
 
+  [[nodiscard]] bool Usable();
+  void PrepareOpening();
+  void TakeOpening(const base::Result& opened);
+  [[nodiscard]] PortTrial TrialOfPort();
   void Send(std::string_view hexText, bool bypassBlock = false);
   void Write(std::string_view frame);
   void ForgetAwaited();
@@ -148,6 +171,8 @@ class RadioSession {
 
   std::int16_t comPort_ = 0;
   bool portOpen_ = false;  // the last known state
+  bool opening_ = false;   // OpenLater has not called back yet
+  bool onTrial_ = false;
   std::string lastError_;
 
   bool waitingForResponse_ = false;
@@ -155,6 +180,7 @@ class RadioSession {
   HoldingQueue blockedCmds_;
   bool holdCommands_ = false;
 
+  LineTraffic traffic_;
   FrameReader reader_;
   bool inOnComm_ = false;
   ReplyState replies_;

@@ -43,6 +43,24 @@ std::uint8_t ByteAt(std::string_view frame, std::size_t offset) {
   return offset < frame.size() ? static_cast<std::uint8_t>(frame[offset]) : std::uint8_t{0};
 }
 
+bool IsReply(std::string_view frame) {
+  if (!frame.starts_with("\x5A\xA5")) return false;
+  switch (static_cast<ReplyType>(ByteAt(frame, 4))) {
+    case ReplyType::PowerOn:
+    case ReplyType::PowerOff:
+    case ReplyType::ChannelSet:
+    case ReplyType::Mute:
+    case ReplyType::ChannelInfo:
+    case ReplyType::RadioID:
+    case ReplyType::Signal:
+    case ReplyType::Silent:
+    case ReplyType::SetupAgain:
+    case ReplyType::PowerIsOff:
+      return true;
+  }
+  return false;
+}
+
 std::string DecodePowerOnRadioID(std::string_view frame) {
   return base::RadioTextToUtf8(BytesAt(frame, 23, 8));
 }

@@ -34,6 +34,9 @@ struct SignalQuality {
 
 [[nodiscard]] std::uint8_t ByteAt(std::string_view frame, std::size_t offset);
 
+/// Whether it is a reply of a type that the program knows. Noise that was cut like a frame has no header, and is none.
+[[nodiscard]] bool IsReply(std::string_view frame);
+
 /// The eight characters of the identifier, unchanged.
 [[nodiscard]] std::string DecodePowerOnRadioID(std::string_view frame);
 [[nodiscard]] std::string DecodeRadioID(std::string_view frame);

@@ -189,5 +189,16 @@ TEST_F(FrameReaderTest, ManyFramesSurviveTheCompactingOfTheBuffer) {
   EXPECT_EQ(reader.JunkBytes(), 0U);
 }
 
+TEST_F(FrameReaderTest, WhatIsPendingCanBeDropped) {
+  Arrive("5A A5 7F FF 00 00 00");
+  EXPECT_EQ(CutAll().size(), 0U);
+  EXPECT_EQ(last, FrameStep::Incomplete);
+  reader.DropPending();
+  EXPECT_EQ(reader.JunkBytes(), 7U);
+  EXPECT_EQ(reader.Pending(), "");
+  Arrive("5A A5 00 02 81 00 ED ED");
+  EXPECT_EQ(CutAll(), std::vector<std::string>{Bytes("5A A5 00 02 81 00 ED ED")});
+}
+
 }  // namespace
 }  // namespace kestrune::test
