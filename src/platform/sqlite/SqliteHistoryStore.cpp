@@ -1,0 +1,264 @@
+#include "platform/sqlite/SqliteHistoryStore.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "platform/sqlite/HistoryFile.h"
+#include "platform/sqlite/HistoryReader.h"
+
+namespace kestrune::platform {
+namespace {
+
+using base::Result;
+
+constexpr std::chrono::milliseconds kReportInterval{20};
+
+template <typename Row>
+void Append(std::vector<Row>& to, std::vector<Row>& from) {
+  to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+}
+
+void Append(HistoryRows& to, HistoryRows from) {
+  Append(to.Songs, from.Songs);
+  Append(to.Events, from.Events);
+  Append(to.Incidents, from.Incidents);
+  Append(to.Runs, from.Runs);
+  Append(to.Plays, from.Plays);
+}
+
+/// Removes up to `excess` of the oldest rows; how many there are left to remove.
+template <typename Row>
+std::size_t Trim(std::vector<Row>& rows, std::size_t excess) {
+  const std::size_t count = std::min(excess, rows.size());
+  rows.erase(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(count));
+  return excess - count;
+}
+
+}  // namespace
+
+SqliteHistoryStore::SqliteHistoryStore(base::EventLoop& loop, std::string path, HistoryLimits limits)
+    : loop_(loop),
+      path_(std::move(path)),
+      limits_(limits),
+      tmrReport_(loop.MakeTimer(kReportInterval, [this] { Report(); })),
+      writerThread_([this] { WriteRows(); }),
+      readerThread_([this] { AnswerQuestions(); }) {
+  tmrReport_->SetEnabled(true);
+}
+
+SqliteHistoryStore::~SqliteHistoryStore() {
+  stop_ = true;
+  {
+    const std::lock_guard lock(mutex_);
+    closing_ = true;
+  }
+  asked_.notify_one();
+  readerThread_.join();
+  // Closed first, so that the writer's is the last connection, which leaves one file.
+  questionsDatabase_.reset();
+  written_.notify_one();
+  writerThread_.join();
+}
+
+void SqliteHistoryStore::Write(HistoryRows rows) {
+  {
+    const std::lock_guard lock(mutex_);
+    Append(waiting_, std::move(rows));
+    now_ = loop_.Now();
+    fresh_ = true;
+  }
+  written_.notify_one();
+  tmrReport_->SetEnabled(true);
+}
+
+void SqliteHistoryStore::WriteRows() {
+  static_cast<void>(Open());
+  bool more = false;
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    busy_ = more;
+    // Between two parts of what is removed, what has come meanwhile is written.
+    if (!more) written_.wait(lock, [this] { return fresh_ || closing_; });
+    busy_ = true;
+    const bool closing = closing_;
+    const base::DateValue now = now_;
+    HistoryRows rows;
+    if (std::exchange(fresh_, false)) rows = std::exchange(waiting_, {});
+    lock.unlock();
+    if (suspect_.exchange(false)) PutAside();
+    if (rows.Count() > 0) WriteBatch(std::move(rows));
+    if (closing) return;
+    // The first moment is known with the first rows.
+    more = now != base::DateValue() && writer_ != nullptr && writer_->Prune(now);
+    if (database_ != nullptr && database_->IsDamaged()) suspect_ = true;
+    lock.lock();
+  }
+}
+
+bool SqliteHistoryStore::Open() {
+  HistoryFileOpened opened = OpenHistoryFile(path_, stop_);
+  if (!opened.PutAside.empty()) {
+    Say(fmt::format("The record {} could not be read: {}. It is kept as {}, and a new one was begun.", path_,
+                    opened.WhyPutAside, opened.PutAside));
+  }
+  database_ = std::move(opened.Database);
+  if (database_ != nullptr) writer_ = std::make_unique<HistoryWriter>(*database_, limits_);
+  {
+    const std::lock_guard lock(mutex_);
+    opened_ = database_ != nullptr ? Opened::Done : Opened::Failed;
+    openFailure_ = opened.Outcome;
+  }
+  asked_.notify_one();
+  return database_ != nullptr;
+}
+
+void SqliteHistoryStore::WriteBatch(HistoryRows rows) {
+  const bool open = database_ != nullptr || Open();
+  if (open && writer_->Write(rows)) {
+    std::int64_t lost = 0;
+    {
+      const std::lock_guard lock(mutex_);
+      lost = std::exchange(lost_, 0);
+    }
+    if (std::exchange(failing_, false)) {
+      Say(fmt::format("The record {} is written again; {} rows were lost.", path_,
+                      lost == 0 ? "no" : std::to_string(lost)));
+    }
+    return;
+  }
+  Result failure = Result::Done();
+  if (open) {
+    failure = database_->Failure();
+  } else {
+    const std::lock_guard lock(mutex_);
+    failure = openFailure_;
+  }
+  TakeBack(std::move(rows));
+  // A damaged one is put aside at the next try.
+  if (open && database_->IsDamaged()) suspect_ = true;
+  if (!std::exchange(failing_, true))
+    Say(fmt::format("The record {} cannot be written: {}.", path_, failure.Cause()));
+}
+
+void SqliteHistoryStore::TakeBack(HistoryRows rows) {
+  const std::lock_guard lock(mutex_);
+  Append(rows, std::exchange(waiting_, {}));
+  // What the other channels play is of the least interest, and most of it; a run's last row is all that is needed.
+  if (rows.Runs.size() > 1) rows.Runs.erase(rows.Runs.begin(), rows.Runs.end() - 1);
+  std::size_t excess = rows.Count() > kMostWaiting ? rows.Count() - kMostWaiting : 0;
+  lost_ += static_cast<std::int64_t>(excess);
+  excess = Trim(rows.Plays, excess);
+  excess = Trim(rows.Incidents, excess);
+  excess = Trim(rows.Songs, excess);
+  static_cast<void>(Trim(rows.Events, excess));
+  waiting_ = std::move(rows);
+}
+
+void SqliteHistoryStore::PutAside() {
+  {
+    const std::lock_guard lock(reading_);
+    suspect_ = false;
+    questionsDatabase_.reset();
+    writer_.reset();
+    database_.reset();
+    const std::string aside = PutHistoryAside(path_, "damaged");
+    if (!aside.empty()) {
+      Say(fmt::format(
+          "The record {} could not be read: it is damaged. It is kept as {}, and a new one was begun.", path_,
+          aside));
+    }
+  }
+  static_cast<void>(Open());
+}
+
+void SqliteHistoryStore::Say(std::string line) {
+  const std::lock_guard lock(mutex_);
+  lines_.push_back(std::move(line));
+}
+
+void SqliteHistoryStore::ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) {
+  Ask({.Work = [from, to, answer](HistoryReader& reader) -> std::optional<std::function<void()>> {
+         auto rows = reader.ReadSpan(from, to);
+         if (!rows) return std::nullopt;
+         return [answer, rows = *std::move(rows)] { answer(Result::Done(), rows); };
+       },
+       .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
+}
+
+void SqliteHistoryStore::Search(HistorySearch search, PlaysAnswer answer) {
+  Ask({.Work = [search = std::move(search),
+                answer](HistoryReader& reader) -> std::optional<std::function<void()>> {
+         auto plays = reader.Search(search);
+         if (!plays) return std::nullopt;
+         return [answer, plays = *std::move(plays)] { answer(Result::Done(), plays); };
+       },
+       .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
+}
+
+void SqliteHistoryStore::Ask(Question question) {
+  {
+    const std::lock_guard lock(mutex_);
+    questions_.push_back(std::move(question));
+  }
+  asked_.notify_one();
+  tmrReport_->SetEnabled(true);
+}
+
+void SqliteHistoryStore::AnswerQuestions() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    asked_.wait(lock, [this] { return closing_ || (!questions_.empty() && opened_ != Opened::NotYet); });
+    if (closing_) return;
+    const Question question = std::move(questions_.front());
+    questions_.pop_front();
+    answering_ = true;
+    lock.unlock();
+    std::function<void()> answer = Answer(question);
+    lock.lock();
+    answering_ = false;
+    answers_.push_back(std::move(answer));
+  }
+}
+
+std::function<void()> SqliteHistoryStore::Answer(const Question& question) {
+  const auto refused = [&question](const Result& failure) -> std::function<void()> {
+    return [refuse = question.Refuse, failure] { refuse(failure); };
+  };
+  const std::lock_guard reading(reading_);
+  {
+    const std::lock_guard lock(mutex_);
+    if (opened_ == Opened::Failed) return refused(openFailure_);
+  }
+  if (questionsDatabase_ == nullptr) questionsDatabase_ = OpenHistoryForQuestions(path_, stop_);
+  if (questionsDatabase_ == nullptr) return refused(Result::Failed("the record cannot be opened"));
+  HistoryReader reader(*questionsDatabase_);
+  auto answer = question.Work(reader);
+  questionsDatabase_->ReleaseMemory();
+  if (answer) return *std::move(answer);
+  const Result failure = questionsDatabase_->Failure();
+  if (questionsDatabase_->IsDamaged()) suspect_ = true;
+  questionsDatabase_.reset();
+  return refused(failure);
+}
+
+void SqliteHistoryStore::Report() {
+  std::vector<std::string> lines;
+  std::vector<std::function<void()>> answers;
+  {
+    const std::lock_guard lock(mutex_);
+    lines.swap(lines_);
+    answers.swap(answers_);
+    if (!busy_ && !fresh_ && !answering_ && questions_.empty()) tmrReport_->SetEnabled(false);
+  }
+  for (const std::string& line : lines) {
+    if (handler_) handler_(line);
+  }
+  for (const std::function<void()>& answer : answers) answer();
+}
+
+}  // namespace kestrune::platform

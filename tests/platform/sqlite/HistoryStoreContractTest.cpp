@@ -1,0 +1,287 @@
+// What platform/HistoryStore.h promises, on the database and on the fake that other tests use.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "platform/sqlite/HistoryNight.h"
+#include "platform/sqlite/SqliteHistoryStore.h"
+#include "support/FakeHistoryStore.h"
+#include "support/RealEventLoop.h"
+
+namespace kestrune::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using base::DateValue;
+using test::AtMinute;
+using test::EventRow;
+using test::PlayRow;
+using test::SongRow;
+
+class HistoryStoreContract : public testing::TestWithParam<std::string> {
+ protected:
+  HistoryStoreContract() {
+    if (GetParam() == "Sqlite") {
+      Store = std::make_unique<SqliteHistoryStore>(Loop, Folder / "History.db");
+    } else {
+      Store = std::make_unique<test::FakeHistoryStore>(Loop);
+    }
+    Store->SetTroubleHandler([this](const std::string& line) { Troubles.push_back(line); });
+  }
+  ~HistoryStoreContract() override { EXPECT_EQ(Troubles, std::vector<std::string>()); }
+
+  /// Writes, and waits until a question sees it: the run of each piece has another beginning.
+  void Keep(HistoryRows rows) {
+    const DateValue mark = DateValue::FromCivil(2090, 1, 1).AddSeconds(++pieces_);
+    rows.Runs.push_back({.Began = mark, .Alive = mark, .Closed = true});
+    Store->Write(std::move(rows));
+    for (int tries = 0; tries < 1000; ++tries) {
+      if (!Span(mark, mark).Runs.empty()) return;
+      Loop.Run(5ms);
+    }
+    FAIL() << "nothing is kept";
+  }
+  HistoryRows Span(DateValue from, DateValue to) {
+    std::optional<HistoryRows> got;
+    Store->ReadSpan(from, to, [&got](const base::Result& asked, const HistoryRows& rows) {
+      EXPECT_TRUE(asked.Ok()) << asked.Cause();
+      got = rows;
+    });
+    EXPECT_FALSE(got) << "never within the call";
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    return got.value_or(HistoryRows());
+  }
+  std::vector<HistoryPlay> Search(HistorySearch search) {
+    std::optional<std::vector<HistoryPlay>> got;
+    Store->Search(std::move(search),
+                  [&got](const base::Result& asked, const std::vector<HistoryPlay>& plays) {
+                    EXPECT_TRUE(asked.Ok()) << asked.Cause();
+                    got = plays;
+                  });
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    return got.value_or(std::vector<HistoryPlay>());
+  }
+  /// The titles that a search finds, in their order.
+  std::string Titles(HistorySearch search) {
+    std::string titles;
+    for (const HistoryPlay& play : Search(std::move(search)))
+      titles += (titles.empty() ? "" : "|") + play.Title;
+    return titles;
+  }
+  static HistorySearch For(std::string text) {
+    return {.Text = std::move(text), .Channel = 0, .Since = {}, .Limit = 50};
+  }
+
+  test::TemporaryFolder Folder;
+  test::RealEventLoop Loop;
+  std::vector<std::string> Troubles;
+  std::unique_ptr<HistoryStore> Store;
+
+ private:
+  int pieces_ = 0;
+};
+
+TEST_P(HistoryStoreContract, RowsComeBackAsTheyWere) {
+  HistoryEvent ended = EventRow(0);
+  ended.Ended = AtMinute(60);
+  ended.Kept = 12;
+  ended.Dropped = 3;
+  ended.WhyNot = "another event began";
+  HistoryEvent missed = EventRow(100);
+  missed.Began.reset();
+  HistoryRows rows;
+  rows.Songs = {SongRow(0, "One"), SongRow(3, "Two")};
+  rows.Events = {ended, missed};
+  rows.Incidents = {
+      {.Kind = IncidentKind::Line,
+       .Began = AtMinute(1),
+       .Ended = AtMinute(2),
+       .Seconds = 61,
+       .Cause = "gone"},
+      {.Kind = IncidentKind::Crash, .Began = AtMinute(3), .Ended = {}, .Seconds = 0, .Cause = ""}};
+  rows.Runs = {{.Began = AtMinute(-5), .Alive = AtMinute(600), .Closed = false}};
+  Keep(rows);
+  EXPECT_EQ(Span(AtMinute(-10), AtMinute(700)), rows);
+}
+
+TEST_P(HistoryStoreContract, TextsMayBeAnything) {
+  const std::string odd("\0'\"%_\\\xFF\n;DROP TABLE song;--", 27);
+  HistoryRows rows;
+  rows.Songs = {SongRow(0, odd)};
+  rows.Songs[0].File = odd;
+  rows.Plays = {PlayRow(0, odd, odd), PlayRow(1, "", "")};
+  Keep(rows);
+  EXPECT_EQ(Span(AtMinute(0), AtMinute(1)).Songs, rows.Songs);
+  EXPECT_EQ(Search({}), (std::vector{rows.Plays[1], rows.Plays[0]}));
+}
+
+TEST_P(HistoryStoreContract, ASpanHasWhatReachesIntoIt) {
+  HistoryRows rows;
+  rows.Songs = {SongRow(0, "0 to 3"), SongRow(3, "3 to 6"), SongRow(6, "6 to 9")};
+  rows.Events = {EventRow(-120), EventRow(0)};
+  rows.Incidents = {
+      {.Kind = IncidentKind::Line, .Began = AtMinute(0), .Ended = AtMinute(2), .Seconds = 1, .Cause = "a"},
+      {.Kind = IncidentKind::Line, .Began = AtMinute(1), .Ended = AtMinute(4), .Seconds = 1, .Cause = "b"}};
+  Keep(rows);
+  const HistoryRows span = Span(AtMinute(4), AtMinute(5));
+  ASSERT_EQ(span.Songs.size(), 1U);
+  EXPECT_EQ(span.Songs[0].Title, "3 to 6");
+  ASSERT_EQ(span.Events.size(), 1U) << "it was to end an hour before";
+  EXPECT_EQ(span.Events[0].Due, AtMinute(0));
+  ASSERT_EQ(span.Incidents.size(), 1U);
+  EXPECT_EQ(span.Incidents[0].Cause, "b");
+  EXPECT_EQ(Span(AtMinute(3), AtMinute(6)).Songs.size(), 3U) << "both ends count";
+}
+
+TEST_P(HistoryStoreContract, AnIncidentWithoutAnEndLastedAsLongAsItsRun) {
+  HistoryRows rows;
+  rows.Runs = {{.Began = AtMinute(0), .Alive = AtMinute(30), .Closed = false},
+               {.Began = AtMinute(60), .Alive = AtMinute(90), .Closed = false}};
+  rows.Incidents = {
+      {.Kind = IncidentKind::Disk, .Began = AtMinute(10), .Ended = {}, .Seconds = 0, .Cause = "full"}};
+  Keep(rows);
+  EXPECT_EQ(Span(AtMinute(29), AtMinute(31)).Incidents.size(), 1U);
+  EXPECT_EQ(Span(AtMinute(40), AtMinute(90)).Incidents.size(), 0U);
+}
+
+TEST_P(HistoryStoreContract, ARowOfTheSameNameReplacesTheOlder) {
+  HistoryRows rows;
+  rows.Events = {EventRow(0)};
+  rows.Incidents = {
+      {.Kind = IncidentKind::Line, .Began = AtMinute(0), .Ended = {}, .Seconds = 0, .Cause = "a"}};
+  rows.Runs = {{.Began = AtMinute(0), .Alive = AtMinute(0), .Closed = false}};
+  rows.Plays = {PlayRow(0, "Moon", "River")};
+  rows.Songs = {SongRow(0, "One")};
+  Keep(rows);
+  rows.Events[0].Ended = AtMinute(60);
+  rows.Incidents[0].Ended = AtMinute(5);
+  rows.Runs[0].Closed = true;
+  rows.Plays[0].To = AtMinute(9);
+  Keep(rows);
+  const HistoryRows span = Span(AtMinute(0), AtMinute(5));
+  EXPECT_EQ(span.Events, rows.Events);
+  EXPECT_EQ(span.Incidents, rows.Incidents);
+  EXPECT_EQ(span.Runs, rows.Runs);
+  EXPECT_EQ(span.Songs.size(), 2U) << "a song has no name";
+  EXPECT_EQ(Search({}), rows.Plays);
+}
+
+TEST_P(HistoryStoreContract, MissedAndBegunAreTwoEvents) {
+  HistoryRows rows;
+  rows.Events = {EventRow(0), EventRow(0), EventRow(0)};
+  rows.Events[0].Began.reset();
+  rows.Events[2].Began = AtMinute(30);
+  Keep(rows);
+  Keep(rows);
+  EXPECT_EQ(Span(AtMinute(0), AtMinute(0)).Events, rows.Events);
+}
+
+TEST_P(HistoryStoreContract, ASearchFindsWordsInArtistAndTitle) {
+  HistoryRows rows;
+  rows.Plays = {PlayRow(0, "Moon", "River"), PlayRow(1, "River Band", "Moonlight"), PlayRow(2, "Sun", "Lake"),
+                PlayRow(3, "Bj\xC3\xB6rn",
+                        "\xC3\x9C"
+                        "ber Alles"),
+                PlayRow(4, "U2", "One")};
+  Keep(rows);
+  EXPECT_EQ(Titles(For("")),
+            "One|\xC3\x9C"
+            "ber Alles|Lake|Moonlight|River");
+  EXPECT_EQ(Titles(For("moon")), "Moonlight|River");
+  EXPECT_EQ(Titles(For("MOON river")), "Moonlight|River");
+  EXPECT_EQ(Titles(For("  light   river  ")), "Moonlight");
+  EXPECT_EQ(Titles(For("moon lake")), "");
+  EXPECT_EQ(Titles(For("u2")), "One") << "shorter than what an index knows";
+  EXPECT_EQ(Titles(For("u2 one")), "One");
+  EXPECT_EQ(Titles(For("u one")), "One");
+  EXPECT_EQ(Titles(For("x one")), "");
+  EXPECT_EQ(Titles(For("\xC3\xBC"
+                       "BER")),
+            "\xC3\x9C"
+            "ber Alles")
+      << "capitals beyond ASCII";
+  EXPECT_EQ(Titles(For("\xC3\x96")),
+            "\xC3\x9C"
+            "ber Alles");
+  EXPECT_EQ(Titles(For("j\xC3\xB6r")),
+            "\xC3\x9C"
+            "ber Alles");
+}
+
+TEST_P(HistoryStoreContract, NothingInASearchIsASign) {
+  HistoryRows rows;
+  rows.Plays = {PlayRow(0, "100%", "a_b"), PlayRow(1, "say \"hey\"", "it's"),
+                PlayRow(2, "AND OR NOT", "NEAR(x)"), PlayRow(3, "artist:title", "*"),
+                PlayRow(4, "back\\slash", "(^+-)")};
+  Keep(rows);
+  EXPECT_EQ(Titles(For("%")), "a_b");
+  EXPECT_EQ(Titles(For("00%")), "a_b");
+  EXPECT_EQ(Titles(For("_")), "a_b");
+  EXPECT_EQ(Titles(For("a_b")), "a_b");
+  EXPECT_EQ(Titles(For("axb")), "");
+  EXPECT_EQ(Titles(For("\"")), "it's");
+  EXPECT_EQ(Titles(For("\"hey\"")), "it's");
+  EXPECT_EQ(Titles(For("it's")), "it's");
+  EXPECT_EQ(Titles(For("AND NOT")), "NEAR(x)");
+  EXPECT_EQ(Titles(For("NEAR(x)")), "NEAR(x)");
+  EXPECT_EQ(Titles(For("artist:")), "*");
+  EXPECT_EQ(Titles(For("title:moon")), "");
+  EXPECT_EQ(Titles(For("*")), "*");
+  EXPECT_EQ(Titles(For("mo*")), "");
+  EXPECT_EQ(Titles(For("(^+-)")), "(^+-)");
+  EXPECT_EQ(Titles(For("back\\slash")), "(^+-)");
+  EXPECT_EQ(Titles(For("'; DROP TABLE play; --")), "");
+  EXPECT_EQ(Titles(For("")), "(^+-)|*|NEAR(x)|it's|a_b");
+}
+
+TEST_P(HistoryStoreContract, ASearchCanBeNarrowed) {
+  HistoryRows rows;
+  for (int i = 0; i < 10; ++i)
+    rows.Plays.push_back(PlayRow(i, "Moon", std::to_string(i), static_cast<std::int16_t>(i % 2 + 1)));
+  Keep(rows);
+  HistorySearch search = For("moon");
+  search.Limit = 3;
+  EXPECT_EQ(Titles(search), "9|8|7");
+  search.Channel = 1;
+  EXPECT_EQ(Titles(search), "8|6|4");
+  search.Since = AtMinute(6);
+  EXPECT_EQ(Titles(search), "8|6") << "what began then counts";
+  search.Text = "";
+  EXPECT_EQ(Titles(search), "8|6");
+  search.Limit = 0;
+  EXPECT_EQ(Titles(search), "");
+  search.Text = "moon";
+  EXPECT_EQ(Titles(search), "");
+}
+
+TEST_P(HistoryStoreContract, QuestionsAreAnsweredInTheOrderOfAsking) {
+  std::string order;
+  for (const char* name : {"a", "b", "c"}) {
+    Store->Search({}, [&order, name](const base::Result&, const auto&) { order += name; });
+    Store->ReadSpan(AtMinute(0), AtMinute(1),
+                    [&order, name](const base::Result&, const auto&) { order += name; });
+  }
+  ASSERT_TRUE(Loop.RunUntil([&order] { return order.size() >= 6; }, 20s));
+  EXPECT_EQ(order, "aabbcc");
+}
+
+TEST_P(HistoryStoreContract, FromAStoreThatIsDestroyedNoAnswerComes) {
+  bool answered = false;
+  Store->Search({}, [&answered](const base::Result&, const auto&) { answered = true; });
+  Store.reset();
+  Loop.Run(50ms);
+  EXPECT_FALSE(answered);
+}
+
+INSTANTIATE_TEST_SUITE_P(Stores, HistoryStoreContract, testing::Values("Sqlite", "Fake"),
+                         [](const auto& one) { return one.param; });
+
+}  // namespace
+}  // namespace kestrune::platform

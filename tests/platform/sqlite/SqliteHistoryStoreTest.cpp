@@ -1,0 +1,627 @@
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "platform/sqlite/HistoryNight.h"
+#include "platform/sqlite/SqliteHistoryStore.h"
+#include "support/ChildProcess.h"
+#include "support/RealEventLoop.h"
+
+namespace kestrune::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using base::DateValue;
+using test::AtMinute;
+using test::EventRow;
+using test::FileMode;
+using test::FileText;
+using test::PlayRow;
+using test::PutFile;
+using test::SongRow;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class SqliteHistoryStoreTest : public testing::Test {
+ protected:
+  void Open(HistoryLimits limits = {}) {
+    Store.reset();
+    Store = std::make_unique<SqliteHistoryStore>(Loop, Path, limits);
+    Store->SetTroubleHandler([this](const std::string& line) { Troubles.push_back(line); });
+  }
+  /// Hands over rows; the present moment is the real one, as the adapter knows no other.
+  void Write(HistoryRows rows) { Store->Write(std::move(rows)); }
+
+  std::optional<HistoryRows> Span() {
+    std::optional<HistoryRows> got;
+    bool answered = false;
+    Store->ReadSpan(DateValue::FromCivil(1990, 1, 1), DateValue::FromCivil(2100, 1, 1),
+                    [&](const base::Result& asked, const HistoryRows& rows) {
+                      answered = true;
+                      if (asked.Ok()) {
+                        got = rows;
+                      } else {
+                        Refusal = asked.Cause();
+                      }
+                    });
+    EXPECT_TRUE(Loop.RunUntil([&answered] { return answered; }, 60s));
+    return got;
+  }
+  std::vector<HistoryPlay> Plays(std::string text = "", std::size_t limit = 100'000) {
+    std::optional<std::vector<HistoryPlay>> got;
+    Store->Search({.Text = std::move(text), .Channel = 0, .Since = {}, .Limit = limit},
+                  [&](const base::Result& asked, const std::vector<HistoryPlay>& plays) {
+                    EXPECT_TRUE(asked.Ok()) << asked.Cause();
+                    got = plays;
+                  });
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 60s));
+    return got.value_or(std::vector<HistoryPlay>());
+  }
+  [[nodiscard]] bool ComesTrue(const std::function<bool()>& condition) {
+    for (int tries = 0; tries < 2000; ++tries) {
+      if (condition()) return true;
+      Loop.Run(10ms);
+    }
+    return false;
+  }
+  [[nodiscard]] bool Keeps(std::size_t songs) {
+    return ComesTrue([this, songs] {
+      const auto span = Span();
+      return span && span->Songs.size() == songs;
+    });
+  }
+  static HistoryRows OneSong(std::int64_t minute = 0) {
+    HistoryRows rows;
+    rows.Songs = {SongRow(minute, "One")};
+    return rows;
+  }
+  /// What the database's own program says of the file.
+  [[nodiscard]] std::string Witness(const std::string& command) const {
+    const std::string output = Folder / "witness.txt";
+    std::filesystem::remove(output);
+    test::ChildProcess sqlite({"sqlite3", "-readonly", "-batch", Path, command}, {}, output);
+    EXPECT_EQ(sqlite.Wait(20s), 0);
+    return FileText(output);
+  }
+  [[nodiscard]] std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Folder.Path()))
+      names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  test::TemporaryFolder Folder;
+  std::string Path = Folder / "History1.db";
+  test::RealEventLoop Loop;
+  std::vector<std::string> Troubles;
+  std::string Refusal;
+  std::unique_ptr<SqliteHistoryStore> Store;
+};
+
+TEST_F(SqliteHistoryStoreTest, TheRecordOutlivesTheProgramAndBelongsToTheUserAlone) {
+  Path = Folder / "new/folders/History1.db";
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_EQ(FileMode(Path), 0600U);
+  EXPECT_EQ(FileMode(Path + "-wal"), 0600U);
+  EXPECT_EQ(FileMode(Path + "-shm"), 0600U);
+  EXPECT_EQ(FileMode(Folder / "new/folders"), 0700U);
+  Store.reset();
+  EXPECT_FALSE(std::filesystem::exists(Path + "-wal")) << "an orderly end leaves one file";
+  Open();
+  EXPECT_TRUE(Keeps(1));
+  EXPECT_TRUE(Troubles.empty());
+}
+
+TEST_F(SqliteHistoryStoreTest, TheEndWritesWhatWasHandedOver) {
+  Open();
+  for (int i = 0; i < 200; ++i) Write(OneSong(i));
+  Open();
+  EXPECT_TRUE(Keeps(200));
+}
+
+TEST_F(SqliteHistoryStoreTest, ARecordThatIsOpenToOthersIsClosed) {
+  Open();
+  Store.reset();
+  std::filesystem::permissions(Path, std::filesystem::perms(0644));
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_EQ(FileMode(Path), 0600U);
+  EXPECT_EQ(FileMode(Path + "-wal"), 0600U);
+}
+
+TEST_F(SqliteHistoryStoreTest, AnotherProgramReadsTheSame) {
+  ASSERT_TRUE(test::ChildProcess::Installed("sqlite3"));
+  Open();
+  HistoryRows rows = OneSong();
+  rows.Events = {EventRow(0)};
+  rows.Incidents = {{.Kind = IncidentKind::Disk,
+                     .Began = AtMinute(1),
+                     .Ended = AtMinute(2),
+                     .Seconds = 60,
+                     .Cause = "full"}};
+  rows.Runs = {{.Began = AtMinute(-1), .Alive = AtMinute(9), .Closed = true}};
+  rows.Plays = {PlayRow(0, "Moon", "River"), PlayRow(4, "Moon", "River")};
+  Write(rows);
+  Store.reset();
+  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA journal_mode"), "ok\n1\nwal\n");
+  EXPECT_EQ(
+      Witness(
+          "SELECT datetime(began, 'unixepoch'), datetime(ended, 'unixepoch'), artist, title, fate, event, "
+          "samples_lost, missing_ms, silent_ms, overloaded_ms, line_lost_ms FROM song"),
+      "2066-11-21 20:00:00|2066-11-21 20:03:00|Bj\xC3\xB6rn|One|6|3|12|34|56|78|90\n");
+  EXPECT_EQ(
+      Witness(
+          "SELECT entry, datetime(due, 'unixepoch'), planned_seconds, channel, whole_songs, ended IS NULL "
+          "FROM event"),
+      "3|2066-11-21 20:00:00|3600|44|1|1\n");
+  EXPECT_EQ(Witness("SELECT kind, seconds, cause FROM incident"), "2|60|full\n");
+  EXPECT_EQ(Witness("SELECT closed, alive - began FROM run"), "1|600\n");
+  EXPECT_EQ(
+      Witness("SELECT time(began, 'unixepoch'), seconds, channel, artist, title.title, name, genre FROM play "
+              "JOIN title "
+              "ON title.id = play.title JOIN station ON station.id = play.station"),
+      "20:00:00|240|7|Moon|River|Station|Pop\n20:04:00|240|7|Moon|River|Station|Pop\n");
+  EXPECT_EQ(Witness("SELECT count(*) FROM title"), "1\n") << "a song's text is kept once";
+  test::ChildProcess index(
+      {"sqlite3", "-batch", Path, "INSERT INTO title_text(title_text, rank) VALUES('integrity-check', 1)"});
+  EXPECT_EQ(index.Wait(20s), 0) << "the index fits the titles";
+}
+
+TEST_F(SqliteHistoryStoreTest, ThisProgramReadsWhatAnotherHasWritten) {
+  Open();
+  Store.reset();
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path,
+                             "INSERT INTO run VALUES (3057595200, 3057598800, 1);"
+                             "INSERT INTO station VALUES (5, 'Harbour', 'Rock');"
+                             "INSERT INTO title VALUES (9, 'Moon', 'River');"
+                             "INSERT INTO title_text (rowid, artist, title) VALUES (9, 'Moon', 'River');"
+                             "INSERT INTO play VALUES (3057595200, 44, 9, 200, 5);"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  const std::vector<HistoryPlay> plays = Plays("river");
+  ASSERT_EQ(plays.size(), 1U);
+  // date -u -d @3057595200: Sun Nov 21 20:00:00 UTC 2066
+  EXPECT_EQ(plays[0], (HistoryPlay{.Channel = 44,
+                                   .Station = "Harbour",
+                                   .Genre = "Rock",
+                                   .Artist = "Moon",
+                                   .Title = "River",
+                                   .From = DateValue::FromCivil(2066, 11, 21, 20, 0, 0),
+                                   .To = DateValue::FromCivil(2066, 11, 21, 20, 3, 20)}));
+  const auto span = Span();
+  ASSERT_TRUE(span);
+  ASSERT_EQ(span->Runs.size(), 1U);
+  EXPECT_EQ(span->Runs[0].Alive, DateValue::FromCivil(2066, 11, 21, 21, 0, 0));
+}
+
+// What is unreadable is put aside.
+
+TEST_F(SqliteHistoryStoreTest, AFileOfRubbishIsPutAsideOnceAndSaid) {
+  const std::string rubbish(10'000, 'x');
+  PutFile(Path, rubbish);
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_THAT(Troubles, ElementsAre("The record " + Path +
+                                    " could not be read: it is damaged, or no database. It is "
+                                    "kept as " +
+                                    Path + ".damaged-1, and a new one was begun."));
+  EXPECT_EQ(FileText(Path + ".damaged-1"), rubbish);
+  Open();
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_EQ(Troubles.size(), 1U);
+}
+
+TEST_F(SqliteHistoryStoreTest, ARecordOfALaterVersionIsPutAsideWhole) {
+  Open();
+  Write(OneSong());
+  Store.reset();
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, "PRAGMA user_version = 2"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  const std::string before = FileText(Path);
+  Open();
+  Write(OneSong(5));
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("a later version of Kestrune has written it")));
+  EXPECT_EQ(FileText(Path + ".later-1"), before);
+  EXPECT_EQ(Span()->Songs[0].Began, AtMinute(5));
+}
+
+TEST_F(SqliteHistoryStoreTest, AnotherProgramsDatabaseIsPutAside) {
+  test::ChildProcess sqlite(
+      {"sqlite3", "-batch", Path, "CREATE TABLE song (a); INSERT INTO song VALUES (1)"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  ASSERT_TRUE(Keeps(0));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("another program's")));
+  EXPECT_THAT(Names(), testing::Contains("History1.db.foreign-1"));
+}
+
+TEST_F(SqliteHistoryStoreTest, ARecordThatIsBuiltOtherwiseIsDamaged) {
+  Open();
+  Store.reset();
+  test::ChildProcess sqlite(
+      {"sqlite3", "-batch", Path,
+       "DROP TABLE play; CREATE VIEW play AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT "
+       "i + 1 FROM n) SELECT i AS began, i AS channel, i AS title, i AS seconds, i AS station "
+       "FROM n"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  ASSERT_TRUE(Keeps(0));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("not built as it should be")));
+}
+
+TEST_F(SqliteHistoryStoreTest, ADamagedPageIsFoundAtTheStart) {
+  Open();
+  HistoryRows rows;
+  for (int i = 0; i < 3000; ++i) rows.Plays.push_back(PlayRow(i, "Moon " + std::to_string(i), "River"));
+  Write(rows);
+  Store.reset();
+  {
+    std::fstream file(Path, std::ios::in | std::ios::out | std::ios::binary);
+    for (int page = 20; page < 60; ++page) {
+      file.seekp(page * 4096 + 100);
+      file << std::string(2000, '\xA5');
+    }
+  }
+  Open();
+  ASSERT_TRUE(Keeps(0));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("it is damaged")));
+  EXPECT_THAT(Names(), testing::Contains("History1.db.damaged-1"));
+}
+
+TEST_F(SqliteHistoryStoreTest, OneThatIsDamagedWhileItIsOpenIsPutAsideToo) {
+  Open();
+  HistoryRows rows;
+  for (int i = 0; i < 3000; ++i) rows.Plays.push_back(PlayRow(i, "Moon " + std::to_string(i), "River"));
+  Write(rows);
+  Store.reset();
+  Open();
+  ASSERT_EQ(Plays("", 1).size(), 1U);
+  const auto pages = static_cast<int>(std::filesystem::file_size(Path) / 4096);
+  {
+    std::fstream file(Path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(2 * 4096);
+    for (int page = 2; page < pages; ++page) file << std::string(4096, '\xA5');
+  }
+  std::string refusal;
+  Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 5000},
+                [&refusal](const base::Result& asked, const auto&) { refusal = asked.Cause(); });
+  ASSERT_TRUE(ComesTrue([&refusal] { return !refusal.empty(); }));
+  EXPECT_EQ(refusal, "database disk image is malformed");
+  EXPECT_TRUE(ComesTrue([this] {
+    Write(OneSong());
+    return !Troubles.empty();
+  }));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("could not be read: it is damaged. It is kept as")));
+  EXPECT_TRUE(ComesTrue([this] {
+    const auto span = Span();
+    return span && !span->Songs.empty() && Plays().empty();
+  }));
+  EXPECT_THAT(Names(), testing::Contains("History1.db.damaged-1"));
+}
+
+TEST_F(SqliteHistoryStoreTest, EachUnreadableOneHasANameOfItsOwn) {
+  for (int i = 1; i <= 9; ++i) {
+    PutFile(Path, "rubbish " + std::to_string(i) + std::string(2000, 'x'));
+    Open();
+    ASSERT_TRUE(Keeps(0));
+    EXPECT_TRUE(FileText(Path + ".damaged-" + std::to_string(i)).starts_with("rubbish " + std::to_string(i)));
+    Store.reset();
+    std::filesystem::remove(Path);
+  }
+  PutFile(Path, "rubbish 10" + std::string(2000, 'x'));
+  Troubles.clear();
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(ComesTrue([this] { return !Troubles.empty(); }));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("cannot be written: it is damaged")));
+  EXPECT_TRUE(FileText(Path).starts_with("rubbish 10")) << "nothing is deleted to make a name free";
+}
+
+TEST_F(SqliteHistoryStoreTest, WhatIsNoFileIsLeftAlone) {
+  std::filesystem::create_directory(Path);
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(ComesTrue([this] { return !Troubles.empty(); }));
+  EXPECT_FALSE(Span());
+  EXPECT_EQ(Refusal, "Is a directory");
+  EXPECT_TRUE(std::filesystem::is_directory(Path));
+  Store.reset();
+
+  std::filesystem::remove(Path);
+  ASSERT_EQ(::mkfifo(Path.c_str(), 0600), 0);
+  Open();
+  EXPECT_FALSE(Span());
+  EXPECT_EQ(Refusal, "it is no file");
+}
+
+// A disk that fails.
+
+TEST_F(SqliteHistoryStoreTest, AReadOnlyFolderIsSaidOnceAndTheRowsAreKeptUntilItWorks) {
+  std::filesystem::permissions(Folder.Path(), std::filesystem::perms(0755));
+  const std::string folder = Folder / "data";
+  std::filesystem::create_directory(folder);
+  Path = folder + "/History1.db";
+  // Root is refused nothing, but no folder can be made where a file lies.
+  std::filesystem::remove(folder);
+  PutFile(folder, "");
+  Open();
+  for (int i = 0; i < 3; ++i) {
+    Write(OneSong(i));
+    Loop.Run(50ms);
+  }
+  ASSERT_TRUE(ComesTrue([this] { return !Troubles.empty(); }));
+  EXPECT_THAT(Troubles, ElementsAre("The record " + Path + " cannot be written: Not a directory."));
+  EXPECT_FALSE(Span());
+  std::filesystem::remove(folder);
+  Write(OneSong(3));
+  EXPECT_TRUE(Keeps(4));
+  ASSERT_TRUE(ComesTrue([this] { return Troubles.size() >= 2; }));
+  EXPECT_THAT(Troubles,
+              ElementsAre(testing::_, "The record " + Path + " is written again; no rows were lost."));
+}
+
+TEST_F(SqliteHistoryStoreTest, WhatWaitsIsBoundedAndPlaysGoFirst) {
+  const std::string folder = Folder / "data";
+  PutFile(folder, "");
+  Path = folder + "/History1.db";
+  Open();
+  const auto most = static_cast<std::int64_t>(SqliteHistoryStore::kMostWaiting);
+  HistoryRows rows;
+  for (std::int64_t i = 0; i < most; ++i) rows.Plays.push_back(PlayRow(i, "Moon", "River"));
+  Write(rows);
+  for (int i = 0; i < 20; ++i) {
+    Write(OneSong(i));
+    Loop.Run(20ms);
+  }
+  std::filesystem::remove(folder);
+  Write(OneSong(20));
+  ASSERT_TRUE(Keeps(21));
+  ASSERT_TRUE(ComesTrue([this] { return Troubles.size() >= 2; }));
+  EXPECT_THAT(Troubles.back(), HasSubstr("is written again; "));
+  const std::vector<HistoryPlay> plays = Plays();
+  EXPECT_LE(plays.size(), SqliteHistoryStore::kMostWaiting - 20);
+  EXPECT_GE(plays.size(), SqliteHistoryStore::kMostWaiting - 21);
+  EXPECT_EQ(plays.front().From, AtMinute(most - 1)) << "the oldest went";
+}
+
+/// No file of this process grows beyond so many bytes.
+class LargestFile {
+ public:
+  explicit LargestFile(rlim_t bytes) {
+    old_ = std::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &limit_);
+    const rlimit less{bytes, limit_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &less);
+  }
+  ~LargestFile() {
+    ::setrlimit(RLIMIT_FSIZE, &limit_);
+    std::signal(SIGXFSZ, old_);
+  }
+  LargestFile(const LargestFile&) = delete;
+  LargestFile& operator=(const LargestFile&) = delete;
+
+ private:
+  rlimit limit_{};
+  void (*old_)(int) = nullptr;
+};
+
+TEST_F(SqliteHistoryStoreTest, ADiskThatIsFullLosesNothingThatWasWrittenAndWritesOnAfterwards) {
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  {
+    const LargestFile full(600'000);
+    std::int64_t minute = 1;
+    EXPECT_TRUE(ComesTrue([this, &minute] {
+      HistoryRows rows;
+      for (int i = 0; i < 200; ++i, ++minute)
+        rows.Plays.push_back(PlayRow(minute, "Artist " + std::to_string(minute), std::string(100, 'x')));
+      Write(std::move(rows));
+      return !Troubles.empty();
+    }));
+    EXPECT_THAT(Troubles, ElementsAre(HasSubstr("cannot be written: ")));
+    const auto span = Span();
+    ASSERT_TRUE(span) << "questions are still answered";
+    EXPECT_EQ(span->Songs.size(), 1U);
+  }
+  Write(OneSong(1));
+  EXPECT_TRUE(Keeps(2));
+  ASSERT_TRUE(ComesTrue([this] { return Troubles.size() >= 2; }));
+  EXPECT_THAT(Troubles.back(), HasSubstr("is written again"));
+  Store.reset();
+  EXPECT_EQ(Witness("PRAGMA integrity_check"), "ok\n");
+}
+
+TEST_F(SqliteHistoryStoreTest, AnotherProgramThatHoldsTheFileIsWaitedForAndNothingIsLost) {
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  test::ChildProcess sqlite(
+      {"sh", "-c", "(echo 'BEGIN EXCLUSIVE;'; sleep 4; echo 'COMMIT;') | sqlite3 -batch " + Path});
+  Loop.Run(500ms);
+  const auto before = Loop.SteadyNow();
+  Write(OneSong(1));
+  EXPECT_LT(Loop.SteadyNow() - before, 200ms) << "the caller never waits";
+  EXPECT_TRUE(ComesTrue([this] { return !Troubles.empty(); }));
+  EXPECT_THAT(Troubles.front(), HasSubstr("database is locked"));
+  EXPECT_EQ(sqlite.Wait(20s), 0);
+  Write(OneSong(2));
+  EXPECT_TRUE(Keeps(3));
+}
+
+// A program that is killed.
+
+TEST_F(SqliteHistoryStoreTest, AKillInTheMiddleOfAWriteTearsNothing) {
+  const unsigned seed = std::getenv("KESTRUNE_SEED") != nullptr
+                            ? static_cast<unsigned>(std::stoul(std::getenv("KESTRUNE_SEED")))
+                            : std::random_device()();
+  std::cout << "KESTRUNE_SEED=" << seed << '\n';
+  std::mt19937 dice(seed);
+  std::size_t before = 0;
+  for (int round = 0; round < 10; ++round) {
+    {
+      test::ChildProcess scribe({KESTRUNE_HISTORY_SCRIBE, Path, std::to_string(round * 100'000)});
+      std::this_thread::sleep_for(std::chrono::milliseconds(100 + dice() % 400));
+      scribe.Signal(SIGKILL);
+      static_cast<void>(scribe.Wait(10s));
+    }
+    Open();
+    const auto span = Span();
+    ASSERT_TRUE(span) << Refusal;
+    EXPECT_GT(span->Songs.size(), before) << "round " << round;
+    before = span->Songs.size();
+    // Whole pieces, or nothing of them.
+    const std::vector<HistoryPlay> plays = Plays();
+    ASSERT_EQ(plays.size(), before);
+    ASSERT_EQ(span->Events.size(), before);
+    ASSERT_EQ(span->Runs.size(), before);
+    for (std::size_t i = 0; i < before; ++i) {
+      EXPECT_EQ(span->Songs[i].Began, span->Events[i].Due);
+      EXPECT_EQ(span->Songs[i].Began, plays[before - 1 - i].From);
+      EXPECT_EQ("Title " + span->Songs[i].Title, plays[before - 1 - i].Title);
+    }
+    Store.reset();
+  }
+  EXPECT_TRUE(Troubles.empty());
+  EXPECT_EQ(Witness("PRAGMA integrity_check"), "ok\n");
+  EXPECT_THAT(Names(), testing::Not(testing::Contains(HasSubstr("damaged"))));
+}
+
+// What is old goes.
+
+TEST_F(SqliteHistoryStoreTest, WhatIsOlderThanNinetyDaysGoes) {
+  const DateValue now = Loop.Now();
+  Open();
+  HistoryRows rows;
+  for (const int days : {200, 91, 89, 1}) {
+    const DateValue then = now.AddDays(-days);
+    rows.Songs.push_back(SongRow(0, std::to_string(days)));
+    rows.Songs.back().Began = rows.Songs.back().Ended = then;
+    rows.Events.push_back(EventRow(0));
+    rows.Events.back().Due = then;
+    rows.Events.back().Began = then;
+    rows.Incidents.push_back({.Kind = IncidentKind::Line,
+                              .Began = then,
+                              .Ended = then,
+                              .Seconds = 0,
+                              .Cause = std::to_string(days)});
+    rows.Runs.push_back({.Began = then, .Alive = then, .Closed = true});
+    for (int i = 0; i < 2500; ++i) {
+      HistoryPlay play = PlayRow(0, "Days " + std::to_string(days), "Title " + std::to_string(i % 50));
+      play.From = then.AddSeconds(i);
+      play.To = play.From;
+      rows.Plays.push_back(play);
+    }
+  }
+  Write(rows);
+  ASSERT_TRUE(ComesTrue([this] { return Plays().size() == 5000; }));
+  // The titles go last.
+  ASSERT_TRUE(ComesTrue([this] { return Witness("SELECT count(*) FROM title") == "100\n"; }));
+  const auto span = Span();
+  ASSERT_TRUE(span);
+  ASSERT_EQ(span->Songs.size(), 2U);
+  EXPECT_EQ(span->Songs[0].Title, "89");
+  EXPECT_EQ(span->Events.size(), 2U);
+  EXPECT_EQ(span->Incidents.size(), 2U);
+  EXPECT_EQ(span->Runs.size(), 2U);
+  EXPECT_EQ(Plays("days 91").size(), 0U);
+  EXPECT_EQ(Plays("days 89").size(), 2500U);
+  Store.reset();
+  test::ChildProcess sqlite(
+      {"sqlite3", "-batch", Path, "INSERT INTO title_text(title_text, rank) VALUES('integrity-check', 1)"});
+  EXPECT_EQ(sqlite.Wait(20s), 0) << "the index fits what is left";
+}
+
+TEST_F(SqliteHistoryStoreTest, WhatIsTooMuchGoesTheOldestFirst) {
+  constexpr std::int64_t kMost = 2'000'000;
+  const DateValue now = Loop.Now();
+  Open({.Days = 90, .Bytes = kMost});
+  for (int day = 60; day > 0; --day) {
+    HistoryRows rows;
+    for (int i = 0; i < 1500; ++i) {
+      HistoryPlay play = PlayRow(0, "Day " + std::to_string(day), "Title " + std::to_string(i));
+      play.From = now.AddDays(-day).AddSeconds(i);
+      play.To = play.From;
+      rows.Plays.push_back(play);
+    }
+    Write(rows);
+    Loop.Run(5ms);
+  }
+  const auto used = [this] {
+    return std::stoll(
+               Witness("SELECT (SELECT * FROM pragma_page_count) - (SELECT * FROM pragma_freelist_count)")) *
+           4096;
+  };
+  ASSERT_TRUE(ComesTrue([&] {
+    Write({});
+    return Plays("", 1).size() == 1 && used() <= kMost;
+  }));
+  const std::vector<HistoryPlay> plays = Plays();
+  ASSERT_FALSE(plays.empty());
+  EXPECT_EQ(plays.front().Artist, "Day 1");
+  EXPECT_LT(plays.size(), 60U * 1500);
+  EXPECT_GT(plays.size(), 3U * 1500) << "no more goes than has to";
+  EXPECT_TRUE(Troubles.empty());
+  EXPECT_TRUE(ComesTrue([this] {
+    Write({});
+    return std::stoll(Witness("PRAGMA page_count")) * 4096 <= kMost;
+  }));
+  Store.reset();
+  EXPECT_LE(std::filesystem::file_size(Path), static_cast<std::size_t>(kMost))
+      << "the file gives back its room";
+  EXPECT_EQ(Witness("PRAGMA integrity_check"), "ok\n");
+}
+
+TEST_F(SqliteHistoryStoreTest, ManyTitlesAreSearchedAsFewAre) {
+  Open();
+  HistoryRows rows;
+  for (int i = 0; i < 6000; ++i) rows.Plays.push_back(PlayRow(i, "Moon", "Title " + std::to_string(i)));
+  Write(rows);
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  const std::vector<HistoryPlay> plays = Plays("moon", 3);
+  ASSERT_EQ(plays.size(), 3U);
+  EXPECT_EQ(plays[0].Title, "Title 5999");
+  EXPECT_EQ(plays[2].Title, "Title 5997");
+  EXPECT_EQ(Plays("moon").size(), 6000U);
+  EXPECT_EQ(Plays("moon 59").size(), 219U);
+}
+
+TEST_F(SqliteHistoryStoreTest, ItsEndDoesNotWaitForQuestions) {
+  Open();
+  HistoryRows rows;
+  for (int i = 0; i < 50'000; ++i)
+    rows.Plays.push_back(PlayRow(i, "Moon", "Title " + std::to_string(i % 5000)));
+  Write(rows);
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  for (int i = 0; i < 500; ++i)
+    Store->Search({.Text = "o", .Channel = 200, .Since = {}, .Limit = 50}, [](auto&&...) {});
+  const auto before = Loop.SteadyNow();
+  Store.reset();
+  EXPECT_LT(Loop.SteadyNow() - before, 3s);
+}
+
+}  // namespace
+}  // namespace kestrune::platform
