@@ -62,12 +62,16 @@ function(kestrune_test_code target)
   kestrune_precompile(${target} <filesystem> <gmock/gmock.h> <gtest/gtest.h>)
 endfunction()
 
-# kestrune_test(NAME source... [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its cases when
-# it runs; `ctest -L NAME` runs only this program's.
+# kestrune_test(NAME source... [ON_BASE] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its cases
+# when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic.
 function(kestrune_test name)
-  cmake_parse_arguments(TEST "" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(TEST "ON_BASE" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
+  if(TEST_ON_BASE)
+    target_link_libraries(${name} PRIVATE kestrune_test_time ${TEST_LIBS})
+  else()
+    target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
+  endif()
   kestrune_test_code(${name})
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 300 LABELS ${name})
