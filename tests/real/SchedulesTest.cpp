@@ -2,9 +2,11 @@
 #include <ctime>
 #include <iomanip>
 #include <map>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -50,41 +52,58 @@ int Count(const std::string& text, const std::string& part) {
   return count;
 }
 
-TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
-  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
-  const TemporaryFolder folder;
-  PrivatePulse pulse;
-  ASSERT_TRUE(pulse.Start());
-  const auto variables = pulse.Environment();
-  const std::map<std::string, std::string> environment(variables.begin(), variables.end());
-  const Receiver radio(
-      folder / "radio",
-      Receiver::Setup{TenStations(6), std::string("pulse:") + PrivatePulse::kSink, "tones", {}, environment});
+/// A receiver of ten stations and a unit on channel 25, in which entry 3 begins a while after the start. The unit
+/// records WAV files from a sound server of its own.
+class Schedules : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
+    ASSERT_TRUE(pulse_.Start());
+  }
+
+  /// Starts both. Besides these settings the entry has its beginning, and consults no list.
+  void StartWithEntry(std::time_t begin, std::map<std::string, std::string> settings) {
+    const auto variables = pulse_.Environment();
+    const std::map<std::string, std::string> environment(variables.begin(), variables.end());
+    radio_.emplace(
+        folder_ / "radio",
+        Receiver::Setup{
+            TenStations(6), std::string("pulse:") + PrivatePulse::kSink, "tones", {}, environment});
+    settings.insert({{"Channel", "25"},
+                     {"FileFormat", "WAV"},
+                     {"ScheduleEnabled3", "1"},
+                     {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
+                     {"ScheduleMatchGrab3", "0"},
+                     {"ScheduleMatchKill3", "0"}});
+    unit_.emplace(folder_ / "profile",
+                  Unit::Setup{"pulse", radio_->Link(), std::move(settings), {}, environment});
+    unit_->Start();
+  }
+  [[nodiscard]] bool WaitForEvent(int number) {
+    return unit_->WaitForStatus([number](const Json& status) { return status["activeSchedule"] == number; });
+  }
+
+  TemporaryFolder folder_;
+  PrivatePulse pulse_;
+  std::optional<Receiver> radio_;
+  std::optional<Unit> unit_;
+};
+
+TEST_F(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
   // The shortest entry that there is: no length, and the 59 seconds. It falls due once the channels are there.
   const std::time_t begin = std::time(nullptr) + 15;
   const std::time_t end = begin + 59;
-  Unit unit(folder / "profile", Unit::Setup{"pulse",
-                                            radio.Link(),
-                                            {{"Channel", "25"},
-                                             {"MinSongLength", "2"},
-                                             {"FileFormat", "WAV"},
-                                             {"SaveDuplicates", "True"},
-                                             {"ScheduleEnabled3", "1"},
-                                             {"ScheduleChannel3", "8"},
-                                             {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
-                                             {"ScheduleDuration3", "0:00"},
-                                             {"ScheduleMatchGrab3", "0"},
-                                             {"ScheduleMatchKill3", "0"}},
-                                            {},
-                                            environment});
-  unit.Start();
-  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
-      << unit.Program().Errors();
+  StartWithEntry(begin, {{"MinSongLength", "2"},
+                         {"SaveDuplicates", "True"},
+                         {"ScheduleChannel3", "8"},
+                         {"ScheduleDuration3", "0:00"}});
+  Unit& unit = *unit_;
+  ASSERT_TRUE(WaitForEvent(3)) << unit.Program().Errors();
   EXPECT_GE(std::time(nullptr), begin);
   const std::string beginning = "Scheduled event 3 beginning on channel 8 until " + AsUntil(end);
   EXPECT_THAT(unit.LogText(), HasSubstr(beginning));
   EXPECT_THAT(unit.LogText(), HasSubstr("Scheduled event is utilizing Integrel"));
-  EXPECT_TRUE(WaitUntil(kPatience, [&] { return !radio.Events("tuned").empty(); }));
+  EXPECT_TRUE(WaitUntil(kPatience, [&] { return !radio_->Events("tuned").empty(); }));
   EXPECT_EQ(unit.Ctl({"stop"}).Exit, 1) << "only the schedule ends an event";
   ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["recordedCount"] >= 1; }));
   EXPECT_THAT(unit.Recordings(), Not(IsEmpty()));
@@ -95,12 +114,12 @@ TEST(Schedules, AnEventRecordsIsKilledGoesOnAndEnds) {
   ASSERT_LT(std::time(nullptr), end - 15) << "this machine is too slow for an event of a minute";
   const std::size_t before = unit.Recordings().size();
   unit.Start();
-  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
-      << unit.Program().Errors() << unit.LogText() << nlohmann::json(radio.Events()).dump();
+  ASSERT_TRUE(WaitForEvent(3)) << unit.Program().Errors() << unit.LogText()
+                               << nlohmann::json(radio_->Events()).dump();
   EXPECT_EQ(Count(unit.LogText(), beginning), 2) << "with the full line and the same end";
   EXPECT_TRUE(unit.WaitForStatus([](const Json& status) { return status["recordedCount"] >= 1; }));
 
-  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 0; }));
+  ASSERT_TRUE(WaitForEvent(0));
   EXPECT_GE(std::time(nullptr), end);
   EXPECT_LE(std::time(nullptr), end + 15);
   EXPECT_EQ(Count(unit.LogText(), "Scheduled event 3 completed - "), 1);
@@ -123,36 +142,16 @@ std::vector<int> SongLengths(const std::string& log) {
   return lengths;
 }
 
-TEST(Schedules, AnEventOfOneFileHasItsOwnBeginningOutlivesAChangeOfFormatAndEndsWhenDisabled) {
-  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
-  const TemporaryFolder folder;
-  PrivatePulse pulse;
-  ASSERT_TRUE(pulse.Start());
-  const auto variables = pulse.Environment();
-  const std::map<std::string, std::string> environment(variables.begin(), variables.end());
-  const Receiver radio(
-      folder / "radio",
-      Receiver::Setup{TenStations(6), std::string("pulse:") + PrivatePulse::kSink, "tones", {}, environment});
+TEST_F(Schedules, AnEventOfOneFileHasItsOwnBeginningOutlivesAChangeOfFormatAndEndsWhenDisabled) {
   const std::time_t begin = std::time(nullptr) + 30;
-  Unit unit(folder / "profile", Unit::Setup{"pulse",
-                                            radio.Link(),
-                                            {{"Channel", "25"},
-                                             {"MinSongLength", "0"},
-                                             {"FileFormat", "WAV"},
-                                             {"Cleftune", "False"},
-                                             {"ScheduleEnabled3", "1"},
-                                             {"ScheduleChannel3", "25"},
-                                             {"ScheduleStartDate3", Local(begin, "%b %d, %Y %I:%M:%S %p")},
-                                             {"ScheduleDuration3", "1:00"},
-                                             {"ScheduleIntegrel3", "0"},
-                                             {"ScheduleCleftune3", "0"},
-                                             {"ScheduleMatchGrab3", "0"},
-                                             {"ScheduleMatchKill3", "0"}},
-                                            {},
-                                            environment});
-  unit.Start();
-  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 3; }))
-      << unit.Program().Errors();
+  StartWithEntry(begin, {{"MinSongLength", "0"},
+                         {"Cleftune", "False"},
+                         {"ScheduleChannel3", "25"},
+                         {"ScheduleDuration3", "1:00"},
+                         {"ScheduleIntegrel3", "0"},
+                         {"ScheduleCleftune3", "0"}});
+  Unit& unit = *unit_;
+  ASSERT_TRUE(WaitForEvent(3)) << unit.Program().Errors();
   const Outcome refused = unit.Ctl({"stop"});
   EXPECT_EQ(refused.Exit, 1);
   EXPECT_THAT(refused.Errors, HasSubstr("3")) << "it names the entry";
@@ -169,7 +168,7 @@ TEST(Schedules, AnEventOfOneFileHasItsOwnBeginningOutlivesAChangeOfFormatAndEnds
       << "nothing from before the event is in its file";
 
   EXPECT_EQ(unit.Ctl({"schedule", "disable", "3"}).Exit, 0);
-  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) { return status["activeSchedule"] == 0; }));
+  ASSERT_TRUE(WaitForEvent(0));
   ASSERT_TRUE(WaitUntil(kPatience, [&] { return SongLengths(unit.LogText()).size() == 2; }));
   EXPECT_THAT(unit.Recordings(),
               testing::UnorderedElementsAre(EndsWith("(Incomplete).wav"), EndsWith("(Incomplete).ogg")));
