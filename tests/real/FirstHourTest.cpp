@@ -23,6 +23,7 @@ using Json = Unit::Json;
 using testing::AllOf;
 using testing::AnyOf;
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::Each;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -202,8 +203,9 @@ TEST_F(FirstHour, ChannelsAreWalkedRecordedListedAndPreset) {
               AllOf(HasSubstr("MinSongLength=3\n"), HasSubstr("ChannelListing=1\n"), HasSubstr("Channel=1\n"),
                     HasSubstr("SievanceKill=1\n"), HasSubstr("LegalAgreement=True\n"), HasSubstr("MainTop="),
                     HasSubstr("ChannelTop=")));
-  EXPECT_THAT(unit_->LogText(), AllOf(HasSubstr("Radio found on port 1"), HasSubstr("Recorded: Channel 1"),
-                                      HasSubstr("Shutting Down")));
+  EXPECT_THAT(unit_->LogText(),
+              AllOf(HasSubstr("Radio found on port 1"), ContainsRegex("[0-9] Recorded: Channel 1"),
+                    HasSubstr("Shutting Down")));
   EXPECT_EQ(ListFile(), "2The Preview\n");
   EXPECT_THAT(unit_->Program().Errors(), Not(HasSubstr("QObject")));
 }
@@ -275,12 +277,13 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
                     HasSubstr("FileFormat=OGG\n"), HasSubstr("MinSongLength=2\n"), HasSubstr("Channel=3\n"),
                     HasSubstr("MainTop="), HasSubstr("ScheduleTop="), HasSubstr("ConfigTop="),
                     HasSubstr("MixerTop=")));
-  EXPECT_THAT(unit_->LogText(),
-              AllOf(HasSubstr("Using file format: MP3"), HasSubstr("Recorded: Channel 1  \"The Preview - "),
-                    HasSubstr("Scheduled event 1 beginning on channel 3 until "),
-                    HasSubstr("Scheduled event is utilizing Integrel"),
-                    HasSubstr("Recorded: Channel 3  \"Moonlighters - "), HasSubstr(" Ogg Vorbis, 160 kbit/s"),
-                    HasSubstr("Shutting Down"), Not(HasSubstr("Error"))));
+  EXPECT_THAT(
+      unit_->LogText(),
+      AllOf(HasSubstr("Using file format: MP3"), ContainsRegex("[0-9] Recorded: Channel 1  \"The Preview - "),
+            HasSubstr("Scheduled event 1 beginning on channel 3 until "),
+            HasSubstr("Scheduled event is utilizing Integrel"),
+            ContainsRegex("[0-9] Recorded: Channel 3  \"Moonlighters - "),
+            HasSubstr(" Ogg Vorbis, 160 kbit/s"), HasSubstr("Shutting Down"), Not(HasSubstr("Error"))));
   const std::vector<std::string> recordings = unit_->Recordings();
   EXPECT_THAT(recordings,
               AllOf(Contains(AllOf(HasSubstr("/1 - Preview/The Preview - "), EndsWith(".mp3"))),
