@@ -1,5 +1,6 @@
 #include "platform/qt/QtEventLoop.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QObject>
@@ -186,6 +187,8 @@ void QtEventLoop::PumpEvents() {
   // What the devices posted in this round belongs to it: their bytes were there when the round began.
   QCoreApplication::sendPostedEvents();
   --pumps_;
+  // What the user did meanwhile is in a queue of Qt's that some platforms read again only once something new comes.
+  if (userWaits_ && pumps_ == 0) QAbstractEventDispatcher::instance()->wakeUp();
 }
 
 std::unique_ptr<base::Timer> QtEventLoop::MakeTimer(milliseconds interval, std::function<void()> handler) {
