@@ -99,7 +99,7 @@ TEST(ScheduleSet, PairsOfOtherEntriesAndEntriesThatStayWhereTheyAreAreNotTested)
   SchedulerWorld world;
   EXPECT_EQ(Set(world, Whole(1, CodedDay(7), 20 * 60, 60)), kDone);
   EXPECT_EQ(Set(world, Whole(2, CodedDay(6), 20 * 60, 60)), kDone);
-  // By whatever hand, the two now overlap.
+  // Whoever has done it, the two now overlap.
   world.Put("ScheduleStartDate2", "Jan 7, 1967 8:30 PM");
   EXPECT_EQ(Set(world, Whole(3, CodedDay(3), 20 * 60, 60)), kDone);
   ScheduleChange change;

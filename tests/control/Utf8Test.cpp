@@ -12,7 +12,7 @@ using namespace std::string_view_literals;
 struct FirstCase {
   std::string_view Text;
   char32_t Value;
-  std::size_t Bytes;  ///< 0: no UTF-8
+  std::size_t Bytes;  ///< 0: not UTF-8
 };
 
 TEST(Utf8, FirstCodePointTable) {

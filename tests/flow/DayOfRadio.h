@@ -41,7 +41,7 @@ class DayOfRadio {
   [[nodiscard]] std::int64_t FramesLost() const { return framesLost_; }
   [[nodiscard]] int SongsKept() const { return songsKept_; }
   [[nodiscard]] int EventsBegun() const { return eventsBegun_; }
-  /// Complete songs whose names say another channel than the one that the radio really played for most of them.
+  /// Complete songs whose names give another channel than the one that the radio really played for most of them.
   [[nodiscard]] const std::vector<std::string>& Misnamed() const { return misnamed_; }
   [[nodiscard]] bool LineOpenAtTheEnd() const { return lineOpenAtTheEnd_; }
 

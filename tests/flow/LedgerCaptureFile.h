@@ -33,7 +33,7 @@ struct CutLedger {
 };
 
 /// A capture file that keeps no sound, only what the ledger wants to know. On disk it says whether it is whole, and
-/// then which channel was to be heard for most of it.
+/// then which channel was heard for most of it.
 class LedgerCaptureFile final : public platform::CaptureFile {
  public:
   static constexpr std::string_view kOpenText = "being written";

@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::int16_t row = 1; row <= count; ++row) {
       const std::string_view fragment = lists.Fragment(list, row);
       Check(fragment.find('\n') == std::string_view::npos);
-      // What stands on a list matches itself, on the list's own side and field.
+      // What is on a list matches itself, on the list's own side and field.
       const bool artists = list == RestrictList::GrabArtists || list == RestrictList::KillArtists;
       const bool grab = list == RestrictList::GrabArtists || list == RestrictList::GrabSongs;
       const std::string_view asArtist = artists ? fragment : std::string_view();

@@ -26,7 +26,7 @@ std::vector<std::string> LinesOf(std::string_view text) {
   return kestrune::base::Split(text, '\n');
 }
 
-/// All but one of the lines stand where they stood, and what came in, came in at one place.
+/// All lines but one are where they were, and what was added was added in one place.
 void RequireTheOthersSurvive(const std::vector<std::string>& before, const std::vector<std::string>& after) {
   const auto head = std::mismatch(before.begin(), before.end(), after.begin(), after.end()).first;
   const auto tail = std::mismatch(before.rbegin(), before.rend(), after.rbegin(), after.rend()).first;

@@ -20,7 +20,7 @@
 
 namespace kestrune::test {
 
-/// What stands around a scheduler: settings in memory, a clock, two channels out of their order.
+/// What surrounds a scheduler: settings in memory, a clock, two channels out of their order.
 struct SchedulerWorld {
   [[nodiscard]] schedule::SchedulerSettings Settings() {
     return {

@@ -12,7 +12,7 @@ struct CutLedger {
   int Files = 0;
   std::int64_t Frames = 0;   ///< with a number that follows the one before
   std::int64_t Lost = 0;     ///< numbers that are in no file
-  std::int64_t Doubled = 0;  ///< frames whose number has been there
+  std::int64_t Doubled = 0;  ///< frames whose number has come before
   std::int64_t Silent = 0;   ///< frames of silence between two that follow one another: the player was late
 };
 

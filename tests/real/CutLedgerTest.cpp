@@ -14,7 +14,7 @@
 namespace kestrune::test {
 namespace {
 
-/// A WAV file of numbered frames, made by another program's hand.
+/// A WAV file of numbered frames, made by another program.
 std::string WaveOf(const TemporaryFolder& folder, const std::string& name,
                    const std::vector<std::uint32_t>& numbers) {
   std::string bytes;

@@ -82,7 +82,7 @@ std::map<std::string, std::string> Probe(const std::string& path) {
       std::transform(name.begin() + 4, name.end(), name.begin() + 4,
                      [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     }
-    // Containers keep their tags with the file or with its stream; what is told last is the file's.
+    // Containers keep their tags with the file or with its stream; those printed last are the file's.
     const std::string value = line.substr(split + 1);
     if (value != "N/A") facts[name] = value;
   }

@@ -23,14 +23,14 @@ struct Decoded {
 [[nodiscard]] Decoded DecodeWithFfmpeg(const std::string& path);
 /// By oggdec.
 [[nodiscard]] Decoded DecodeWithOggdec(const std::string& path);
-/// A file without a header, whose nature sox is told, such as {"-t", "vox", "-r", "8000"}.
+/// A file without a header, whose format sox is given, such as {"-t", "vox", "-r", "8000"}.
 [[nodiscard]] Decoded DecodeWithSox(const std::string& path, const std::vector<std::string>& nature, int rate,
                                     int channels);
 /// A file of 16-bit samples without a header.
 [[nodiscard]] Decoded ReadRaw(const std::string& path, int rate, int channels);
 
 /// What ffprobe says of a file: "codec_name", "sample_rate", "channels", "TAG:artist" ..., the names in small
-/// letters behind "TAG:".
+/// letters after "TAG:".
 [[nodiscard]] std::map<std::string, std::string> Probe(const std::string& path);
 
 }  // namespace kestrune::test

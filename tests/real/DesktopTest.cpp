@@ -62,7 +62,7 @@ TEST(Desktop, APersonAgreesRecordsChangesTheChannelAndClosesByKeysAlone) {
       unit.WaitForStatus([](const Unit::Json& status) { return status["recording"] == "Recording"; }));
   ASSERT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recordedCount"] >= 1; }));
 
-  // A preset changes no channel while it records, and does behind a stop.
+  // A preset changes no channel during a recording, and does so after a stop.
   screen.Press(kMain, {"ctrl+F1"});
   EXPECT_EQ(unit.Status()["channelNumber"], 1);
   screen.Press(kMain, {"ctrl+s"});
@@ -187,7 +187,7 @@ TEST(Desktop, ASessionManagerThatDiesLeavesTheProgramAlone) {
   ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
   ASSERT_TRUE(session.WaitToHear("1 saved"));
   session.Kill();
-  // A client that has not noticed would look at the dead line over and over; this program has one, which does.
+  // A client that has not noticed would read the dead line over and over; the program's only one does notice.
   EXPECT_EQ(session.Heard("2 registered"), 0);
   screen.Press(kMain, {"ctrl+r"});
   EXPECT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recordRequested"] == true; }));

@@ -239,7 +239,7 @@ TEST_F(SoundServerFaults, ADeviceNamedWithTheMarksOfTheListTextIsTheOneChosen) {
   EXPECT_EQ(unit_->Quit(), 0);
 }
 
-TEST_F(Faults, AFullDiskLosesSongsButNotTheOnesBehindIt) {
+TEST_F(Faults, AFullDiskLosesSongsButNotTheOnesAfterIt) {
   Receiver radio(folder_ / "radio", RadioSetup());
   const Unit::Setup setup = UnitSetup(radio);
   // One song of 5 s takes 0.9 MB.
@@ -271,11 +271,11 @@ TEST_F(Faults, AFullDiskLosesSongsButNotTheOnesBehindIt) {
         return false;
       },
       300ms))
-      << "longest file behind the full disk: " << longest << " s";
+      << "longest file after the full disk: " << longest << " s";
   EXPECT_EQ(unit.Quit(), 0);
 }
 
-TEST_F(Faults, AFolderThatCannotBeWrittenIsToldAndALaterOneServes) {
+TEST_F(Faults, AFolderThatCannotBeWrittenIsReportedAndALaterOneServes) {
   Receiver radio(folder_ / "radio", RadioSetup());
   Unit::Setup setup = UnitSetup(radio);
   // Even root makes no folder below a file.
@@ -308,7 +308,7 @@ TEST_F(Faults, FilesFullOfRubbishDoNotKeepTheProgramFromWorking) {
   Receiver radio(folder_ / "radio", RadioSetup());
   Unit::Setup setup = UnitSetup(radio);
   Unit unit(folder_ / "profile", setup);
-  // The settings stay readable behind the rubbish, so that the songs are short enough for this test.
+  // The settings stay readable after the rubbish, so that the songs are short enough for this test.
   PutFile(unit.SettingsFile(), rubbish() + "\n" + FileText(unit.SettingsFile()));
   std::filesystem::create_directories(unit.DataFolder());
   for (const char* name : {"ChannelList.txt", "Restriction.txt", "Kestrune.log"}) {

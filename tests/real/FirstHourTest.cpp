@@ -235,7 +235,7 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   screen_.Press(kScheduler, Then({"Tab", "Home"}, Times(moment.tm_min, "Down")));
   screen_.Press(kScheduler,
                 {"Tab", moment.tm_hour < 12 ? "Home" : "End", "Tab", "Home", "Tab", "Home", "Down"});
-  // Over the end and the modes to the bit rate, of which the last is chosen.
+  // Past the end and the modes to the bit rate, of which the last is chosen.
   screen_.Press(kScheduler, Then(Times(9, "Tab"), {"End"}));
   // Backwards, Save is ten rows nearer: past the first control and Cancel.
   screen_.Press(kScheduler, Then(Times(18, "shift+Tab"), {"space"}));

@@ -149,7 +149,7 @@ class Formats : public testing::Test {
 
  private:
   struct World {
-    // Behind the first sink, whose monitor comes first as its description is the shortest.
+    // After the first sink, whose monitor comes first as its description is the shortest.
     PrivatePulse Pulse{{SinkModule(1), SinkModule(2), SinkModule(3), SinkModule(4), SinkModule(5)}};
     TemporaryFolder Folder;
     std::vector<FormatRun> Runs;

@@ -45,7 +45,7 @@ class Receiver {
 
   /// The device path for the program.
   [[nodiscard]] std::string Link() const { return folder_ + "/line"; }
-  /// What it has told so far: objects with "time", "event" and more. A line that is still being written is
+  /// What it has reported so far: objects with "time", "event" and more. A line that is still being written is
   /// left out.
   [[nodiscard]] std::vector<nlohmann::json> Events() const;
   [[nodiscard]] std::vector<nlohmann::json> Events(std::string_view event) const;

@@ -37,7 +37,7 @@ std::string Local(std::time_t moment, const char* pattern) {
   return text.str();
 }
 
-/// A moment as the log tells the end of an event: "Nov 2, 8:05:09 pm".
+/// A moment as the log gives the end of an event: "Nov 2, 8:05:09 pm".
 std::string AsUntil(std::time_t moment) {
   std::tm civil{};
   localtime_r(&moment, &civil);

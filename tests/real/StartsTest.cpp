@@ -19,7 +19,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// What a user types wrong, or has not plugged in, is told in a line and ends with a status of its own.
+/// A user's mistake, in typing or in plugging, is reported in one line and ends with a status of its own.
 class Starts : public testing::Test {
  protected:
   Outcome RunKestrune(std::vector<std::string> words) const {

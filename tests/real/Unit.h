@@ -55,7 +55,7 @@ class Unit {
                                    std::chrono::milliseconds patience = kPatience) const;
   [[nodiscard]] int RecordedCount() const;
 
-  /// The exit status behind a quit; nothing if the program does not end.
+  /// The exit status after a quit; nothing if the program does not end.
   [[nodiscard]] std::optional<int> Quit();
   [[nodiscard]] Process& Program() { return *process_; }
 

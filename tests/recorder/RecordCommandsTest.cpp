@@ -32,7 +32,7 @@ class RecordCommandsTest : public ::testing::Test {
     EXPECT_TRUE(rig.Window().cmdRecord.Enabled);
     EXPECT_FALSE(rig.Window().cmdStop.Enabled);
   }
-  /// Puts the boundary of the song in hand out of mind, as a channel change does.
+  /// Makes the unit forget the boundary of the song in hand, as a channel change does.
   void ForgetBoundary() {
     rig->SetChannelNumber(45);
     rig.Run(3s);

@@ -96,7 +96,7 @@ TEST(SlashOptions, ForcedPortTable) {
       {"/port ", true, 0},
       {"/port x", true, 0},
       {"/port /debug", true, 0},
-      // The character right behind the option is stepped over.
+      // The character right after the option is skipped.
       {"/port3", true, 0},
       {"/port34", true, 4},
       // Three characters, as the text's leading number.

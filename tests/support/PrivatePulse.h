@@ -33,7 +33,7 @@ class PrivatePulse {
   [[nodiscard]] bool Start();
   /// Ends it at once, as a crash would.
   void Kill();
-  /// A halted server holds its connections and answers nothing, until it is let go on.
+  /// A halted server holds its connections and answers nothing, until Continue.
   void Halt() { server_.Signal(SIGSTOP); }
   void Continue() { server_.Signal(SIGCONT); }
   /// Kill and Start; what played into it has to be played anew.

@@ -8,7 +8,7 @@
 
 namespace kestrune::test {
 
-/// Keeps what is said to it, each line in the list of its kind.
+/// Keeps what is logged, each line in the list of its kind.
 class RecordingJournal final : public base::Journal {
  public:
   void DoLog(std::string_view text) override { Log.emplace_back(text); }

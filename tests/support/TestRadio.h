@@ -51,7 +51,7 @@ class TestRadio final : public platform::SerialPort {
   std::map<std::int16_t, std::string> Strangers;
   /// Says something unasked.
   void Say(std::string bytes) { Send(std::move(bytes)); }
-  /// Says unasked what the channel plays.
+  /// Reports what the channel plays, without being asked.
   void Report(int channel) { Send(ChannelInfo(channel)); }
 
   // What the program did to it.

@@ -55,7 +55,7 @@ class frmChannelsTest : public ChannelsFixture {
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, Place(row, column));
   }
   void DoubleClick(int row, int column) {
-    // As a hand does it: two presses, the second of which is told as a double click.
+    // As a hand does it: two presses, the second of which is reported as a double click.
     Click(row, column);
     QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, Place(row, column));
   }

@@ -36,7 +36,7 @@ struct Picker {
     for (int row = 1; row < days.rowCount(); ++row) {
       for (int column = 0; column < days.columnCount(); ++column) {
         const QModelIndex cell = days.index(row, column);
-        // The days of the month before stand in the first row alone.
+        // The days of the month before are in the first row only.
         if (cell.data().toInt() != day || (row == 1 && day > 7)) continue;
         if (twice) QTest::mouseDClick(table.viewport(), Qt::LeftButton, {}, table.visualRect(cell).center());
         if (!twice) QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, table.visualRect(cell).center());

@@ -259,7 +259,7 @@ TEST_F(frmKestruneNowTest, ALongTextStaysWithinItsButton) {
   Plays(44, "WWWWWWWWWWWWWWWW", "MMMMMMMMMMMMMMMM", "WWWWWWWWWWWWWWWW");
   Open();
   QImage image = Button(0)->grab().toImage();
-  // Nothing of a letter within the two pixels at either side.
+  // No part of a letter within the two pixels at either side.
   for (const int x : {2, image.width() - 3}) {
     const QColor background = image.pixelColor(x, 6);
     for (int y = 6; y < image.height() - 6; ++y) {

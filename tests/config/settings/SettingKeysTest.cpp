@@ -16,7 +16,7 @@ using config::SettingType;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 
-/// What is expected of one setting: its default as stored text, another value as it may stand in the store,
+/// What is expected of one setting: its default as stored text, another value as it may be stored,
 /// and whether the record's own field shows either.
 struct Expected {
   const char* Key;

@@ -29,7 +29,7 @@
 namespace kestrune::test {
 namespace {
 
-/// From what the user chooses in an option window to a file that programs of others have read.
+/// From what the user chooses in an option window to a file that other programs have read.
 class ChosenFormats : public testing::Test {
  protected:
   /// Records with what the settings say now, and gives the file's path.

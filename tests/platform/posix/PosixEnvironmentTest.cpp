@@ -97,7 +97,7 @@ TEST_F(PosixEnvironmentTest, TheDesktopsListNamesAnotherMusicFolder) {
         Row{"XDG_MUSIC_DIR=\"$HOME/a\\\"b\\\\c\"\n", folder / "me/a\"b\\c"},
         Row{"XDG_MUSIC_DIR=\"" + absolute + "\"\n", absolute},
         Row{"XDG_MUSIC_DIR=\"$HOME/\"\n", folder / "me"}, Row{"XDG_MUSIC_DIR=\"$HOME\"\n", folder / "me"},
-        // What says nothing leaves the default: relative paths, no closing mark, comments, rubbish.
+        // What sets nothing leaves the default: relative paths, no closing mark, comments, rubbish.
         Row{"XDG_MUSIC_DIR=\"Musik\"\n", folder / "me/Music"},
         Row{"XDG_MUSIC_DIR=\"$HOME/x\n", folder / "me/Music"},
         Row{"XDG_MUSIC_DIR=\"$HOMEless/x\"\n", folder / "me/Music"},

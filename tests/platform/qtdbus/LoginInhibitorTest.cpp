@@ -24,8 +24,8 @@ using namespace std::chrono_literals;
 using platform::LoginInhibitor;
 using ::testing::ElementsAre;
 
-/// The login service, as far as it hands out locks: each is one end of a pipe, and the other end tells when it has
-/// been let go.
+/// The login service, as far as it hands out locks: each is one end of a pipe, and the other end shows when it
+/// has been released.
 class FakeLogin final : public QDBusVirtualObject {
  public:
   explicit FakeLogin(const QString& address)

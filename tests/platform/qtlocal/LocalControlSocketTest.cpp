@@ -96,7 +96,7 @@ class LocalControlSocketTest : public ::testing::Test {
 
   [[nodiscard]] std::string Path() const { return folder_.Path() + "/run/kestrune.sock"; }
 
-  /// A server that notes each line and answers with it behind "re ".
+  /// A server that notes each line and answers with it after "re ".
   std::unique_ptr<LocalControlSocket> Serve() {
     return std::make_unique<LocalControlSocket>(Path(), Answering([this](std::string_view line) {
                                                   lines_.emplace_back(line);
@@ -266,7 +266,7 @@ TEST_F(LocalControlSocketTest, OtherClientsAreAnsweredInsideAnAnswerThatWaits) {
                                   }));
   first = std::make_unique<TestClient>(Path());
   second = std::make_unique<TestClient>(Path());
-  // The line behind the waiting one waits too.
+  // The line after the waiting one waits too.
   first->Put("wait\nafter\n");
   EXPECT_EQ(first->Await(2), "re wait\nre after\n");
   EXPECT_THAT(order,

@@ -143,7 +143,7 @@ class PulseMixerTest : public ::testing::Test {
     ASSERT_TRUE(Server.Start());
     Mixer.Open(PrivatePulse::kMonitor);
   }
-  /// True if it comes true within a second, as the window's beat would see it.
+  /// Whether it comes true within a second, as the window's beat would see it.
   template <typename Condition>
   bool Soon(const Condition& condition, milliseconds limit = milliseconds(1000)) {
     const auto end = steady_clock::now() + limit;

@@ -100,7 +100,7 @@ TEST(Save, EveryKindOfRowAgainstEveryOther) {
       {RowOf("Every Day", 0, 0, 1, 0), RowOf("Every Day", 1, 1, 1, 0), false},
       {RowOf("Every Day", 0, 0, 1, 0), RowOf("Every Monday", 0, 30, 1, 0), true},
       {RowOf("Every Day", 20, 0, 1, 0), RowOf("Every Sunday", 20, 30, 1, 0), true},
-      // A daily row is compared on Sunday: what stands further off in the week is not found. This stays.
+      // A daily row is compared on Sunday: what is further off in the week is not found. This stays.
       {RowOf("Every Day", 20, 0, 1, 0), RowOf("Every Wednesday", 20, 30, 1, 0), false},
       {RowOf("Nov 21, 2026", 8, 0, 2, 0), RowOf("Every Day", 9, 0, 2, 0), false},
       {RowOf("Every Monday", 23, 0, 2, 0), RowOf("Every Tuesday", 0, 30, 1, 0), true},
@@ -129,7 +129,7 @@ TEST(Save, TheDailyTestOfARowComesBeforeItsPairsAndRowsGoInOrder) {
 }
 
 /// The same rules once more, in whole minutes since January 1, 1967 and without the scheduler's own parts:
-/// every pair is asked both ways round, so an ordered list of the shifts tells all.
+/// every pair is tested both ways round, so an ordered list of the shifts is enough.
 struct PlainRow {
   int Kind = 0;  ///< 0 a single date, 1 weekly, 2 daily
   long Day = 0;  ///< days since January 1, 1967

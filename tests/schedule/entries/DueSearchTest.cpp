@@ -150,7 +150,7 @@ TEST(DueSearch, AnEveryDayEventLongerThanADayEndsWithTheOneThatBeganFirst) {
   EXPECT_EQ(DueAt(At(2005, 3, 9, 14, 0, 59), {entry}), First(At(2005, 3, 10, 14, 0, 59)));
 }
 
-/// A clock that tells each of its moments once, and the last one for ever.
+/// A clock that shows each of its moments once, and the last one for ever.
 class MovingClock {
  public:
   explicit MovingClock(std::deque<DateValue> moments) : moments_(std::move(moments)) {}
@@ -263,7 +263,7 @@ class Fortnight : public ::testing::Test {
   static std::optional<DueEntry> Expected(std::time_t moment,
                                           const std::vector<Calendar::Occurrence>& occurrences, bool daily) {
     // The first exception: an every-day event that ends on the day on which it began includes its end.
-    // The second: of two that overlap, the one that began first tells the end.
+    // The second: of two that overlap, the one that began first decides the end.
     // The third: an every-day event that began before yesterday is not seen any more.
     const std::time_t yesterday = moment - moment % Calendar::kDay - Calendar::kDay;
     for (const auto& occurrence : occurrences) {
