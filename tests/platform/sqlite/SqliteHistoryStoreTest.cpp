@@ -491,7 +491,8 @@ TEST_F(SqliteHistoryStoreTest, AKillInTheMiddleOfAWriteTearsNothing) {
     Open();
     const auto span = Span();
     ASSERT_TRUE(span) << Refusal;
-    EXPECT_GT(span->Songs.size(), before) << "round " << round;
+    // On a busy machine a writer may not even have begun.
+    EXPECT_GE(span->Songs.size(), before) << "round " << round;
     before = span->Songs.size();
     // Whole pieces, or nothing of them.
     const std::vector<HistoryPlay> plays = Plays();
@@ -505,6 +506,7 @@ TEST_F(SqliteHistoryStoreTest, AKillInTheMiddleOfAWriteTearsNothing) {
     }
     Store.reset();
   }
+  EXPECT_GT(before, 0U);
   EXPECT_TRUE(Troubles.empty());
   EXPECT_EQ(Witness("PRAGMA integrity_check"), "ok\n");
   EXPECT_THAT(Names(), testing::Not(testing::Contains(HasSubstr("damaged"))));
