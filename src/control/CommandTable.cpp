@@ -13,7 +13,9 @@
 
 #include "base/Text.h"
 #include "control/ConsoleText.h"
+#include "control/HistoryJson.h"
 #include "control/ScheduleWords.h"
+#include "history/Since.h"
 
 namespace kestrune::control {
 namespace {
@@ -21,7 +23,9 @@ namespace {
 using Arguments = std::span<const std::string>;
 
 constexpr std::size_t kLongestKey = 64;
+constexpr std::size_t kLongestSearch = 200;
 constexpr std::size_t kUsualLogLines = 20;
+constexpr std::size_t kUsualPlays = 50;
 constexpr int kMostLogLines = 5000;
 constexpr int kLastChannel = 255;
 constexpr int kScheduleEntries = 10;
@@ -71,6 +75,9 @@ bool IsListName(std::string_view text) {
 bool IsSomething(std::string_view text) {
   return !base::Trim(text).empty();
 }
+bool IsSearch(std::string_view text) {
+  return IsSomething(text) && text.size() <= kLongestSearch;
+}
 bool IsAnything(std::string_view /*text*/) {
   return true;
 }
@@ -104,6 +111,20 @@ constexpr std::array kScheduleOptions{
     CommandOption{"--bitrate", "RATE", R"(a bit rate such as "128 Stereo" or "64 Mono")", IsBitRate,
                   "of MP3 files, such as \"128 Stereo\""},
 };
+
+constexpr CommandOption kSince{"--since", "MOMENT", history::kSinceAllowed, history::IsSince,
+                               "from then on: \"yesterday 18:00\", \"2026-11-21\", \"3h\""};
+constexpr std::array kReportOptions{
+    CommandOption{kSince.Name, kSince.ValueName, kSince.Allowed, kSince.Fits, kSince.Help, "--last-night"},
+    CommandOption{"--last-night", "", "", nullptr, "since 18:00 of the day before, as without options",
+                  "--since"}};
+constexpr std::array kHistoryOptions{
+    CommandOption{"--search", "TEXT", "words of at most 200 bytes, not blank", IsSearch,
+                  "what has all these words in artist or title"},
+    CommandOption{"--channel", "N", "a channel number from 1 to 255", IsChannelNumber, "on this channel"},
+    kSince,
+    CommandOption{"--limit", "N", "a number of songs from 1 to 5000", IsLineCount,
+                  "at most so many, the newest; 50 if not given"}};
 
 Reply Done(Json result = nullptr) {
   return {ExitCode::Done, {}, std::move(result)};
@@ -139,6 +160,29 @@ void RunSchedule(ControlTarget& target, Arguments /*none*/, const Replied& repli
 }
 void RunLists(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
   replied(Done(ToJson(target.Lists())));
+}
+
+void RunReport(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  ReportQuestion question;
+  for (std::size_t i = 0; i + 1 < arguments.size(); ++i)
+    if (arguments[i] == kSince.Name) question.Since = arguments[i + 1];
+  target.Report(question, [replied](const base::Result& asked, const history::Report& report) {
+    replied(asked.Ok() ? Done(ToJson(report)) : Refused(asked.Cause()));
+  });
+}
+void RunHistory(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  HistoryQuestion question{.Text = {}, .Channel = 0, .Since = {}, .Limit = kUsualPlays};
+  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
+    const std::string& value = arguments[i + 1];
+    if (arguments[i] == "--search") question.Text = value;
+    if (arguments[i] == "--channel") question.Channel = WholeNumber(value).value_or(0);
+    if (arguments[i] == kSince.Name) question.Since = value;
+    if (arguments[i] == "--limit") question.Limit = static_cast<std::size_t>(WholeNumber(value).value_or(0));
+  }
+  target.History(question,
+                 [replied](const base::Result& asked, const std::vector<platform::HistoryPlay>& plays) {
+                   replied(asked.Ok() ? Done(ToJson(plays)) : Refused(asked.Cause()));
+                 });
 }
 
 // Wishes.
@@ -201,7 +245,7 @@ constexpr std::array kCommands{
     Command{"get", kGet, "show a setting", RunGet},
     Command{"set", kSet, "change a setting", RunSet},
     Command{"schedule", {}, "list the ten entries of the schedule", RunSchedule},
-    Command{"schedule set", kEntry, "change an entry and enable it", RunScheduleSet, kScheduleOptions},
+    Command{"schedule set", kEntry, "change an entry and enable it", RunScheduleSet, kScheduleOptions, true},
     Command{"schedule enable", kEntry, "let an entry run", RunScheduleEnable},
     Command{"schedule disable", kEntry, "let an entry rest", RunScheduleDisable},
     Command{"schedule clear", kEntry, "empty an entry", RunScheduleClear},
@@ -209,6 +253,13 @@ constexpr std::array kCommands{
     Command{"lists add", kListEntry, "add to a list: grab-artist, grab-song, kill-artist or kill-song",
             RunListsAdd},
     Command{"lists remove", kListEntry, "take an entry off a list", RunListsRemove},
+    Command{"report",
+            {},
+            "tell what happened: events, songs, what went wrong and what to do",
+            RunReport,
+            kReportOptions},
+    Command{
+        "history", {}, "show what the channels have played, the newest first", RunHistory, kHistoryOptions},
     Command{"update", {}, "ask whether there is a newer version", RunUpdate},
     Command{"quit", {}, "end the program", RunQuit},
 };
@@ -253,16 +304,22 @@ std::optional<std::string> WhatIsWrongWithOptions(const Command& command, Argume
   const auto wrong = [&command](std::string_view what) {
     return fmt::format("{}: {}; usage: {}", command.Name, what, Usage(command));
   };
-  if (given.empty()) return wrong("no option is given");
-  for (std::size_t i = 0; i < given.size(); i += 2) {
+  if (given.empty() && command.NeedsOption) return wrong("no option is given");
+  std::vector<const CommandOption*> before;
+  for (std::size_t i = 0; i < given.size(); ++i) {
     const CommandOption* option = FindOption(command, given[i]);
     if (option == nullptr) return wrong(fmt::format("unknown option {}", Quoted(given[i])));
-    for (std::size_t before = 0; before < i; before += 2)
-      if (given[before] == given[i]) return wrong(fmt::format("{} is given twice", option->Name));
-    if (i + 1 == given.size()) return wrong(fmt::format("{} needs {}", option->Name, option->Allowed));
-    if (!option->Fits(given[i + 1])) {
-      return fmt::format("{}: {} is wrong for {}, expected {}", command.Name, Quoted(given[i + 1]),
-                         option->Name, option->Allowed);
+    for (const CommandOption* other : before) {
+      if (other == option) return wrong(fmt::format("{} is given twice", option->Name));
+      if (other->Name == option->Excludes)
+        return wrong(fmt::format("{} and {} exclude each other", other->Name, option->Name));
+    }
+    before.push_back(option);
+    if (option->ValueName.empty()) continue;
+    if (++i == given.size()) return wrong(fmt::format("{} needs {}", option->Name, option->Allowed));
+    if (!option->Fits(given[i])) {
+      return fmt::format("{}: {} is wrong for {}, expected {}", command.Name, Quoted(given[i]), option->Name,
+                         option->Allowed);
     }
   }
   return std::nullopt;
@@ -293,7 +350,7 @@ std::string Usage(const Command& command) {
   for (const Argument& argument : command.Arguments) {
     usage += fmt::format(fmt::runtime(argument.Optional ? " [{}]" : " {}"), argument.Name);
   }
-  if (!command.Options.empty()) usage += " OPTION...";
+  if (!command.Options.empty()) usage += command.NeedsOption ? " OPTION..." : " [OPTION...]";
   return usage;
 }
 
@@ -313,8 +370,8 @@ std::string CommandOptionsHelp() {
     if (command.Options.empty()) continue;
     help += fmt::format("options of {}:\n", command.Name);
     for (const CommandOption& option : command.Options)
-      help += fmt::format("  {:<{}}  {}\n", fmt::format("{} {}", option.Name, option.ValueName), kWidth,
-                          option.Help);
+      help += fmt::format("  {:<{}}  {}\n", base::Trim(fmt::format("{} {}", option.Name, option.ValueName)),
+                          kWidth, option.Help);
   }
   return help;
 }

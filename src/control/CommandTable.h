@@ -22,13 +22,15 @@ struct Argument {
   bool Optional = false;  ///< only after all required ones
 };
 
-/// One option of a command, followed by its value; every option may be left out.
+/// One option of a command, followed by its value; every option may be left out. An option of the same name in another
+/// command takes a value too, or none.
 struct CommandOption {
   std::string_view Name;       ///< with its two dashes
-  std::string_view ValueName;  ///< as the usage shows it
+  std::string_view ValueName;  ///< as the usage shows it; empty for a switch, which has no value
   std::string_view Allowed;    ///< completes "expected ..."
   bool (*Fits)(std::string_view text) = nullptr;
   std::string_view Help;
+  std::string_view Excludes = {};  ///< the option that must not stand beside it
 };
 
 /// One command: what it takes, what it says of itself, and what it does. A new command is a new row.
@@ -40,8 +42,9 @@ struct Command {
   /// for a question and when a wish has been answered.
   void (*Run)(ControlTarget& target, std::span<const std::string> arguments,
               const Replied& replied) = nullptr;
-  /// A command that has options needs at least one, after its arguments.
+  /// They come after its arguments.
   std::span<const CommandOption> Options = {};
+  bool NeedsOption = false;  ///< at least one
 };
 
 /// All commands, in the order of the usage text.

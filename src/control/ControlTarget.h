@@ -8,6 +8,8 @@
 
 #include "base/Result.h"
 #include "control/Reports.h"
+#include "history/Report.h"
+#include "platform/HistoryRows.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::control {
@@ -24,13 +26,28 @@ struct UpdateResult {
   UpdateReport Report;
 };
 
+/// What is asked of the record of what happened. Moments are in a person's words, as history::ReadSince takes them.
+struct ReportQuestion {
+  std::string Since;  ///< empty: last night
+};
+struct HistoryQuestion {
+  std::string Text;       ///< words; empty: all
+  int Channel = 0;        ///< 0: all
+  std::string Since;      ///< empty: as far back as the record goes
+  std::size_t Limit = 0;  ///< at most so many, the newest
+};
+using ReportAnswered = std::function<void(const base::Result& asked, const history::Report& report)>;
+using HistoryAnswered =
+    std::function<void(const base::Result& asked, const std::vector<platform::HistoryPlay>& plays)>;
+
 /// Takes what became of a wish.
 using Answered = std::function<void(const base::Result&)>;
 
 /// What the control socket can do to a unit. All calls come on the main thread, also while the unit waits for the
 /// radio, and none throws. Arguments have been checked by the command table.
 ///
-/// A question is answered at once, from the state as it is. A wish is answered once it has been carried out or
+/// A question is answered at once, from the state as it is; one about the record, later from the event loop, each
+/// exactly once. A wish is answered once it has been carried out or
 /// refused, each exactly once: within the call or, as a rule, later from the event loop, in the order of asking.
 /// The cause of a refusal is one line for a person. Views need not outlive the call.
 class ControlTarget {
@@ -47,6 +64,11 @@ class ControlTarget {
   /// All ten entries, in their order.
   [[nodiscard]] virtual std::vector<ScheduleReport> Schedule() = 0;
   [[nodiscard]] virtual ListsReport Lists() = 0;
+
+  // Questions about the record of what happened.
+  virtual void Report(const ReportQuestion& question, ReportAnswered answered) = 0;
+  /// Newest first.
+  virtual void History(const HistoryQuestion& question, HistoryAnswered answered) = 0;
 
   // Wishes.
   virtual void Record(Answered answered) = 0;

@@ -1,12 +1,17 @@
 #include "control/PeopleText.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "base/DatePattern.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "control/ConsoleText.h"
+#include "control/HistoryJson.h"
+#include "history/ReportText.h"
 
 namespace kestrune::control {
 namespace {
@@ -132,6 +137,25 @@ std::string ListsText(const ListsReport& lists) {
          listText("Kill artists", lists.KillArtists) + listText("Kill songs", lists.KillSongs);
 }
 
+/// Each line made printable.
+std::string ReportLines(const history::Report& report) {
+  std::string text;
+  for (const std::string& line : base::Lines(history::ReportText(report))) text += Printable(line) + '\n';
+  return text;
+}
+
+std::string PlaysText(const std::vector<platform::HistoryPlay>& plays) {
+  if (plays.empty()) return "nothing is found\n";
+  Rows rows{{"From", "For", "Channel", "Station", "Artist", "Song"}};
+  for (const platform::HistoryPlay& play : plays) {
+    const std::int64_t seconds = std::max<std::int64_t>(0, base::SecondsBetween(play.From, play.To));
+    rows.push_back({base::FormatDate(play.From, "yyyy-mm-dd hh:nn"),
+                    fmt::format("{:>6}", base::SixtiesText(seconds)), fmt::format("{:>7}", play.Channel),
+                    play.Station, play.Artist, play.Title});
+  }
+  return Columns(rows);
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -164,6 +188,14 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
   if (command == "lists") {
     const std::optional<ListsReport> lists = ListsFromJson(result);
     return lists ? std::optional(ListsText(*lists)) : std::nullopt;
+  }
+  if (command == "report") {
+    const std::optional<history::Report> report = NightFromJson(result);
+    return report ? std::optional(ReportLines(*report)) : std::nullopt;
+  }
+  if (command == "history") {
+    const std::optional<std::vector<platform::HistoryPlay>> plays = PlaysFromJson(result);
+    return plays ? std::optional(PlaysText(*plays)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

@@ -6,6 +6,7 @@
 
 #include "control/ControlTarget.h"
 #include "control/ScheduleCommands.h"
+#include "history/History.h"
 #include "recorder/Kestrune.h"
 
 namespace kestrune::control {
@@ -14,8 +15,9 @@ namespace kestrune::control {
 /// the windows, and is refused where a person would be.
 class UnitTarget final : public ControlTarget {
  public:
-  /// The unit must outlive the target.
-  explicit UnitTarget(recorder::Kestrune& unit) : unit_(unit) {}
+  /// Both must outlive the target. Without a history, questions about the record are refused.
+  explicit UnitTarget(recorder::Kestrune& unit, history::History* history = nullptr)
+      : unit_(unit), history_(history) {}
 
   [[nodiscard]] StatusReport Status() override;
   [[nodiscard]] std::vector<ChannelReport> Channels() override;
@@ -23,6 +25,9 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] SettingResult Get(std::string_view key) override;
   [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
   [[nodiscard]] ListsReport Lists() override;
+
+  void Report(const ReportQuestion& question, ReportAnswered answered) override;
+  void History(const HistoryQuestion& question, HistoryAnswered answered) override;
 
   void Record(Answered answered) override;
   void Stop(Answered answered) override;
@@ -45,6 +50,7 @@ class UnitTarget final : public ControlTarget {
                    Answered answered);
 
   recorder::Kestrune& unit_;
+  history::History* history_;
 };
 
 }  // namespace kestrune::control

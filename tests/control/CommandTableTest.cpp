@@ -12,11 +12,27 @@ namespace {
 TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
   std::vector<std::string> usages;
   for (const Command& command : CommandTable()) usages.push_back(Usage(command));
-  EXPECT_EQ(usages, (std::vector<std::string>{
-                        "status", "channels", "record", "stop", "tune N", "mute on|off", "log [N]", "get KEY",
-                        "set KEY VALUE", "schedule", "schedule set N OPTION...", "schedule enable N",
-                        "schedule disable N", "schedule clear N", "lists", "lists add LIST TEXT",
-                        "lists remove LIST TEXT", "update", "quit"}));
+  EXPECT_EQ(usages, (std::vector<std::string>{"status",
+                                              "channels",
+                                              "record",
+                                              "stop",
+                                              "tune N",
+                                              "mute on|off",
+                                              "log [N]",
+                                              "get KEY",
+                                              "set KEY VALUE",
+                                              "schedule",
+                                              "schedule set N OPTION...",
+                                              "schedule enable N",
+                                              "schedule disable N",
+                                              "schedule clear N",
+                                              "lists",
+                                              "lists add LIST TEXT",
+                                              "lists remove LIST TEXT",
+                                              "report [OPTION...]",
+                                              "history [OPTION...]",
+                                              "update",
+                                              "quit"}));
 }
 
 /// The request that names a command and gives it nothing else.
@@ -40,8 +56,14 @@ TEST(CommandTable, EveryRowIsComplete) {
     }
     for (const CommandOption& option : command.Options) {
       EXPECT_TRUE(option.Name.starts_with("--")) << command.Name;
-      EXPECT_FALSE(option.ValueName.empty() || option.Allowed.empty() || option.Help.empty()) << option.Name;
-      EXPECT_NE(option.Fits, nullptr) << option.Name;
+      EXPECT_FALSE(option.Help.empty()) << option.Name;
+      const bool isSwitch = option.ValueName.empty();
+      EXPECT_EQ(option.Allowed.empty(), isSwitch) << option.Name;
+      EXPECT_EQ(option.Fits == nullptr, isSwitch) << option.Name;
+      for (const Command& other : CommandTable()) {
+        for (const CommandOption& same : other.Options)
+          EXPECT_TRUE(same.Name != option.Name || same.ValueName.empty() == isSwitch) << option.Name;
+      }
     }
   }
 }
@@ -122,9 +144,9 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, update, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, update, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, update, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, update, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);
@@ -149,6 +171,33 @@ TEST(CommandTable, EachScheduleWordAtItsEdges) {
        R"(schedule enable: too many arguments, "2" is not expected; usage: schedule enable N)"},
       {{"schedule", {"set"}},
        "schedule set: N is missing, expected a schedule entry from 1 to 10; usage: schedule set N OPTION..."},
+      {{"report", {}}, nullptr},
+      {{"report", {"--last-night"}}, nullptr},
+      {{"report", {"--since", "yesterday 18:00"}}, nullptr},
+      {{"report", {"now"}}, R"(report: unknown option "now"; usage: report [OPTION...])"},
+      {{"report", {"--search", "x"}}, R"(report: unknown option "--search"; usage: report [OPTION...])"},
+      {{"report", {"--last-night", "--last-night"}},
+       "report: --last-night is given twice; usage: report [OPTION...]"},
+      {{"report", {"--last-night", "--since", "3h"}},
+       "report: --last-night and --since exclude each other; usage: report [OPTION...]"},
+      {{"report", {"--since", "3h", "--last-night"}},
+       "report: --since and --last-night exclude each other; usage: report [OPTION...]"},
+      {{"report", {"--since", "soon"}},
+       R"(report: "soon" is wrong for --since, expected a moment such as "yesterday 18:00", "2026-11-21 18:00", "monday", "last night" or "3h")"},
+      {{"report", {"--since"}},
+       R"(report: --since needs a moment such as "yesterday 18:00", "2026-11-21 18:00", "monday", "last night" or "3h"; usage: report [OPTION...])"},
+      {{"history", {}}, nullptr},
+      {{"history", {"--search", "moon river", "--channel", "44", "--since", "2d", "--limit", "5000"}},
+       nullptr},
+      {{"history", {"--search", "--since"}}, nullptr},
+      {{"history", {"--search", " "}},
+       R"(history: " " is wrong for --search, expected words of at most 200 bytes, not blank)"},
+      {{"history", {"--search", std::string(200, 'x')}}, nullptr},
+      {{"history", {"--channel", "256"}},
+       R"(history: "256" is wrong for --channel, expected a channel number from 1 to 255)"},
+      {{"history", {"--limit", "0"}},
+       R"(history: "0" is wrong for --limit, expected a number of songs from 1 to 5000)"},
+      {{"history", {"moon"}}, R"(history: unknown option "moon"; usage: history [OPTION...])"},
       {{"schedule", {"set", "1"}}, "schedule set: no option is given; usage: schedule set N OPTION..."},
       {{"schedule", {"set", "--at", "20:00"}},
        R"(schedule set: "--at" is wrong, expected a schedule entry from 1 to 10; usage: schedule set N OPTION...)"},
@@ -216,6 +265,10 @@ TEST(CommandTable, ALongNameIsQuotedInPart) {
   const auto wrong = WhatIsWrong({std::string(60000, 'x'), {}});
   ASSERT_TRUE(wrong);
   EXPECT_LT(wrong->size(), 200U);
+}
+
+TEST(CommandTable, ASearchThatIsTooLongIsRefused) {
+  EXPECT_TRUE(WhatIsWrong({"history", {"--search", std::string(201, 'x')}}));
 }
 
 }  // namespace

@@ -170,5 +170,28 @@ TEST(ControlServer, StrangeBytesOfAStationGoOutAsOneLineOfUtf8) {
   EXPECT_THAT(Dispatch(target, R"({"command":"status"})"), HasSubstr("\"a\\nb\xEF\xBF\xBD\\u001b\""));
 }
 
+TEST(ControlServer, QuestionsAboutTheRecordReachItAsTheyWereAsked) {
+  const std::pair<const char*, const char*> kQuestions[] = {
+      {R"({"command":"report"})", "Report "},
+      {R"({"command":"report","arguments":["--last-night"]})", "Report "},
+      {R"({"command":"report","arguments":["--since","yesterday 18:00"]})", "Report yesterday 18:00"},
+      {R"({"command":"history"})", "History |0||50"},
+      {R"({"command":"history","arguments":["--search","moon","--channel","44","--since","2d","--limit","7"]})",
+       "History moon|44|2d|7"},
+      {R"({"command":"history","arguments":["--search","--since","--limit","9"]})", "History --since|0||9"},
+  };
+  for (const auto& [line, call] : kQuestions) {
+    test::FakeControlTarget target;
+    target.NextReport.Advice = {"Look at it."};
+    target.NextPlays.emplace_back().Title = "River";
+    const std::string answer = Dispatch(target, line);
+    EXPECT_THAT(target.Calls, ElementsAre(call));
+    EXPECT_TRUE(answer.starts_with(R"({"exit":0,"reason":"","result":)")) << answer;
+    EXPECT_NE(answer.find(call[0] == 'R' ? "Look at it." : "River"), std::string::npos) << answer;
+    target.NextResult = base::Result::Failed("the disk failed");
+    EXPECT_EQ(Dispatch(target, line), R"({"exit":1,"reason":"the disk failed","result":null})");
+  }
+}
+
 }  // namespace
 }  // namespace kestrune::control

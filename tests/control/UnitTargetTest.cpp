@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "control/UnitTarget.h"
+#include "support/FakeHistoryStore.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::control {
@@ -159,6 +160,69 @@ TEST_F(UnitTargetTest, AFullListTakesNoMore) {
     EXPECT_TRUE(rig->Parts().Restrictions.Add(RestrictList::GrabSongs, std::to_string(row)).Ok());
   EXPECT_EQ(Add(RestrictList::GrabSongs, "Moon").Cause(), "the list is full");
   EXPECT_TRUE(Add(RestrictList::GrabArtists, "Moon").Ok());
+}
+
+// The record of what happened.
+
+class RecordTest : public UnitTargetTest {
+ protected:
+  std::string Report(const std::string& since) {
+    std::string said = "no answer";
+    Connected.Report({.Since = since}, [&](const base::Result& asked, const history::Report& report) {
+      said = asked.Cause();
+      LastReport = report;
+    });
+    rig.Run(std::chrono::seconds(1));
+    return said;
+  }
+  std::string History(const HistoryQuestion& question) {
+    std::string said = "no answer";
+    Connected.History(question, [&](const base::Result& asked, const auto&) { said = asked.Cause(); });
+    rig.Run(std::chrono::seconds(1));
+    return said;
+  }
+
+  test::FakeHistoryStore store{rig.Loop};
+  history::History chronicle{store, rig.Loop};
+  UnitTarget Connected{*rig, &chronicle};
+  history::Report LastReport;
+};
+
+TEST_F(RecordTest, AUnitWithoutARecordSaysSo) {
+  std::string said;
+  target.Report({}, [&said](const base::Result& asked, const auto&) { said += asked.Cause() + "|"; });
+  target.History({}, [&said](const base::Result& asked, const auto&) { said += asked.Cause() + "|"; });
+  EXPECT_EQ(said, "this unit keeps no record of what happened|this unit keeps no record of what happened|");
+}
+
+TEST_F(RecordTest, AReportBeginsLastNightUnlessAskedOtherwise) {
+  const DateValue now = rig.Loop.Now();
+  EXPECT_EQ(Report(""), "");
+  EXPECT_EQ(LastReport.From, DateValue::FromCivil(now.Year(), now.Month(), now.Day()).AddHours(-6));
+  EXPECT_EQ(LastReport.To, now);
+  EXPECT_EQ(Report("3h"), "");
+  EXPECT_EQ(LastReport.From, now.AddSeconds(1).AddHours(-3));
+}
+
+TEST_F(RecordTest, AMomentToComeIsRefused) {
+  EXPECT_EQ(Report("9999-01-01"), "9999-01-01 00:00 is still to come");
+  EXPECT_EQ(History({.Text = {}, .Channel = 0, .Since = "9999-01-01", .Limit = 1}),
+            "9999-01-01 00:00 is still to come");
+}
+
+TEST_F(RecordTest, ASearchReachesTheRecordAsItWasAsked) {
+  const DateValue now = rig.Loop.Now();
+  EXPECT_EQ(History({.Text = "moon", .Channel = 44, .Since = "1h", .Limit = 7}), "");
+  EXPECT_EQ(store.LastSearch,
+            (platform::HistorySearch{.Text = "moon", .Channel = 44, .Since = now.AddHours(-1), .Limit = 7}));
+  EXPECT_EQ(History({.Text = "", .Channel = 0, .Since = "", .Limit = 50}), "");
+  EXPECT_FALSE(store.LastSearch.Since);
+}
+
+TEST_F(RecordTest, AFailureOfTheRecordIsToldAsItIs) {
+  store.QuestionFailure = "the disk failed";
+  EXPECT_EQ(Report(""), "the disk failed");
+  EXPECT_EQ(History({}), "the disk failed");
 }
 
 }  // namespace

@@ -31,6 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   target.Log = {line};
   target.NextLists.KillSongs = {line};
   target.NextSchedule.emplace_back().Station = line;
+  target.NextReport.Advice = {line};
+  target.NextReport.Events.emplace_back().Why = line;
+  target.NextPlays.emplace_back().Title = line;
   std::string answer;
   control::Dispatch(target, line, [&answer](std::string text) { answer = std::move(text); });
   Require(answer.find('\n') == std::string::npos);
@@ -40,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // The client's side: any line may come back to it.
   if (const auto hostile = control::ReplyFromLine(line)) {
-    for (const char* command : {"status", "channels", "log", "get", "schedule", "lists", "stop"}) {
+    for (const char* command :
+         {"status", "channels", "log", "get", "schedule", "lists", "report", "history", "stop"}) {
       if (const auto text = control::PeopleText(command, hostile->Result)) {
         Require(text->find('\x1B') == std::string::npos);
       }

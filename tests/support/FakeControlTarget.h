@@ -27,6 +27,8 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<std::string> Log;
   std::vector<control::ScheduleReport> NextSchedule;
   control::ListsReport NextLists;
+  history::Report NextReport;
+  std::vector<platform::HistoryPlay> NextPlays;
   control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
@@ -80,6 +82,15 @@ class FakeControlTarget : public control::ControlTarget {
   void RemoveFromList(schedule::RestrictList list, std::string_view text,
                       control::Answered answered) override {
     Note(fmt::format("RemoveFromList {} {}", static_cast<int>(list), text), std::move(answered));
+  }
+  void Report(const control::ReportQuestion& question, control::ReportAnswered answered) override {
+    Calls.push_back(fmt::format("Report {}", question.Since));
+    answered(NextResult, NextReport);
+  }
+  void History(const control::HistoryQuestion& question, control::HistoryAnswered answered) override {
+    Calls.push_back(
+        fmt::format("History {}|{}|{}|{}", question.Text, question.Channel, question.Since, question.Limit));
+    answered(NextResult, NextPlays);
   }
   void Update(std::function<void(const control::UpdateResult&)> answered) override {
     Calls.emplace_back("Update");

@@ -106,6 +106,12 @@ std::vector<control::LongOption> AllOptions() {
   return all;
 }
 
+bool IsSwitch(std::span<const control::LongOption> options, std::string_view name) {
+  return std::any_of(options.begin(), options.end(), [name](const control::LongOption& option) {
+    return option.Name == name && option.ValueName.empty();
+  });
+}
+
 Invocation Parse(std::span<const std::string> words) {
   Invocation invocation;
   const std::vector<control::LongOption> allowed = AllOptions();
@@ -116,7 +122,10 @@ Invocation Parse(std::span<const std::string> words) {
     const bool own =
         std::any_of(kOptions.begin(), kOptions.end(),
                     [&given](const control::LongOption& option) { return option.Name == given.Name; });
-    if (!own) ofCommand.insert(ofCommand.end(), {std::string(given.Name), given.Value});
+    if (!own) {
+      ofCommand.emplace_back(given.Name);
+      if (!IsSwitch(allowed, given.Name)) ofCommand.push_back(given.Value);
+    }
     if (given.Name == "--json") invocation.Json = true;
     if (given.Name == "--help") invocation.Help = true;
     if (given.Name == "--version") invocation.Version = true;

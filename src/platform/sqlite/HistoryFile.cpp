@@ -87,16 +87,23 @@ std::string OwnSchema() {
   return schema;
 }
 
-Examined Examine(SqliteConnection& database, const std::atomic<bool>& stop) {
+Examined NoDatabase() {
+  return {Verdict::Unreadable, "it is damaged, or no database", "damaged"};
+}
+
+Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bool>& stop) {
   const auto failed = [&database] {
-    return database.IsDamaged() ? Examined{Verdict::Unreadable, "it is damaged, or no database", "damaged"}
-                                : Examined{Verdict::Failed, {}, {}};
+    return database.IsDamaged() ? NoDatabase() : Examined{Verdict::Failed, {}, {}};
   };
   const auto version = database.NumberOf("PRAGMA user_version");
   const auto application = database.NumberOf("PRAGMA application_id");
   const auto things = database.NumberOf("SELECT count(*) FROM sqlite_schema");
   if (!version || !application || !things) return failed();
-  if (*things == 0 && *version == 0 && *application == 0) return {Verdict::Empty, {}, {}};
+  if (*things == 0 && *version == 0 && *application == 0) {
+    // To the database a file that is shorter than a page is empty too.
+    if (hasBytes && database.NumberOf("PRAGMA page_count") == 0) return NoDatabase();
+    return {Verdict::Empty, {}, {}};
+  }
   if (*application != kApplication) return {Verdict::Unreadable, "it is another program's", "foreign"};
   if (*version > kVersion)
     return {Verdict::Unreadable, "a later version of Kestrune has written it", "later"};
@@ -121,8 +128,8 @@ bool Create(SqliteConnection& database) {
   return database.Run(commands.c_str());
 }
 
-/// Nothing, if a file lies there that a database can be.
-base::Result MakeFile(const std::string& path) {
+/// Done, if a file lies there that a database can be.
+base::Result MakeFile(const std::string& path, bool& hasBytes) {
   MakeFolders(FolderOf(path), kOwnFolder);
   const FileDescriptor file(
       ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kOwnFile));
@@ -130,6 +137,7 @@ base::Result MakeFile(const std::string& path) {
   struct stat status {};
   if (::fstat(file.Number(), &status) != 0) return FailedWith(errno);
   if (!S_ISREG(status.st_mode)) return base::Result::Failed("it is no file");
+  hasBytes = status.st_size > 0;
   // One that is open to others is closed to them; what cannot be closed is still the record.
   if ((status.st_mode & 0777U) != kOwnFile) static_cast<void>(::fchmod(file.Number(), kOwnFile));
   return base::Result::Done();
@@ -154,12 +162,13 @@ std::string PutHistoryAside(const std::string& path, const std::string& word) {
 HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop) {
   HistoryFileOpened opened;
   for (int attempt = 0; attempt < 2; ++attempt) {
-    if (base::Result made = MakeFile(path); !made.Ok()) {
+    bool hasBytes = false;
+    if (base::Result made = MakeFile(path, hasBytes); !made.Ok()) {
       opened.Outcome = std::move(made);
       return opened;
     }
     auto database = std::make_unique<SqliteConnection>(path);
-    const Examined examined = Examine(*database, stop);
+    const Examined examined = Examine(*database, hasBytes, stop);
     if (examined.Is == Verdict::Unreadable) {
       database.reset();
       opened.PutAside = PutHistoryAside(path, examined.Word);

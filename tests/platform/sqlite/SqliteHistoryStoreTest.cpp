@@ -233,6 +233,21 @@ TEST_F(SqliteHistoryStoreTest, AFileOfRubbishIsPutAsideOnceAndSaid) {
   EXPECT_EQ(Troubles.size(), 1U);
 }
 
+TEST_F(SqliteHistoryStoreTest, ASingleByteIsNoRecordEither) {
+  PutFile(Path, "x");
+  Open();
+  ASSERT_TRUE(Keeps(0));
+  EXPECT_EQ(FileText(Path + ".damaged-1"), "x");
+}
+
+TEST_F(SqliteHistoryStoreTest, AnEmptyFileIsANewRecord) {
+  PutFile(Path, "");
+  Open();
+  Write(OneSong());
+  ASSERT_TRUE(Keeps(1));
+  EXPECT_TRUE(Troubles.empty());
+}
+
 TEST_F(SqliteHistoryStoreTest, ARecordOfALaterVersionIsPutAsideWhole) {
   Open();
   Write(OneSong());
