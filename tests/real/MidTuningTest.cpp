@@ -2,6 +2,8 @@
 #include <csignal>
 #include <future>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -37,6 +39,11 @@ std::vector<LineUpStation> TwelveStations() {
   return stations;
 }
 
+struct Answer {
+  Outcome What;
+  std::chrono::steady_clock::time_point At;
+};
+
 TEST(MidTuning, CommandsAreCarriedOutInOrderAndRadioStatusAndFilesAgreeOnTheChannel) {
   const TemporaryFolder folder;
   // Once it falls silent, it obeys for five seconds without an answer: each tuning waits as long as it may.
@@ -55,17 +62,24 @@ TEST(MidTuning, CommandsAreCarriedOutInOrderAndRadioStatusAndFilesAgreeOnTheChan
 
   // The program finds them all at its door at once.
   unit.Program().Signal(SIGSTOP);
-  std::vector<std::future<Outcome>> answers;
+  std::vector<std::future<Answer>> commands;
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
            {"tune", "47"}, {"tune", "48"}, {"record"}, {"stop"}, {"status"}}) {
-    answers.push_back(std::async(std::launch::async, [&unit, words] { return unit.Ctl(words); }));
+    commands.push_back(std::async(std::launch::async, [&unit, words] {
+      Outcome outcome = unit.Ctl(words);
+      return Answer{std::move(outcome), std::chrono::steady_clock::now()};
+    }));
     std::this_thread::sleep_for(150ms);
   }
   unit.Program().Signal(SIGCONT);
-  for (std::future<Outcome>& answer : answers) {
-    const Outcome outcome = answer.get();
-    EXPECT_EQ(outcome.Exit, 0) << outcome.Errors;
+  std::vector<Answer> answers;
+  for (std::future<Answer>& command : commands) {
+    answers.push_back(command.get());
+    EXPECT_EQ(answers.back().What.Exit, 0) << answers.back().What.Errors;
   }
+  // Neither tuning runs inside the other's wait, and the recording waits for both.
+  EXPECT_GT(answers[1].At - answers[0].At, 1s);
+  EXPECT_GT(answers[2].At - answers[0].At, 1s);
   std::vector<int> tuned;
   for (const Json& event : radio.Events("tuned")) tuned.push_back(event["channel"]);
   ASSERT_GE(tuned.size(), 2U);
