@@ -123,7 +123,8 @@ class Rig {
                                state_.CaptureSlot, [] { return std::nullopt; }};
   FakeFileSync sync_;
   recorder::SongFiles songFiles_{files_, sync_, journal_};
-  recorder::Capture capture_{audio_, all_, fileSpecs_, songFiles_, journal_};
+  recorder::SoundMeter meter_;
+  recorder::Capture capture_{audio_, meter_, all_, fileSpecs_, songFiles_, journal_};
   std::int32_t result_ = 0;
 };
 

@@ -58,24 +58,28 @@ std::string ProgramText(const StatusReport& report) {
 }
 
 std::string StatusText(const StatusReport& report) {
-  return Columns({
-      {"Program", ProgramText(report)},
-      {"Radio", RadioText(report)},
-      {"Channel", Joined({fmt::format("{}", report.ChannelNumber), report.Station, report.Genre}, ", ")},
-      {"Playing", OrNone(Joined({report.Artist, report.Song}, " - "))},
-      {"Recording", RecordingText(report)},
-      {"Songs", fmt::format("{} recorded, {} too short, {} too long, {} restricted", report.RecordedCount,
-                            report.TooShortCount, report.TooLongCount, report.RestrictedCount)},
-      {"Channels", fmt::format("{}{}", report.ChannelCount, report.ChannelsLoading ? ", loading" : "")},
-      {"Schedule",
-       report.ActiveSchedule == 0 ? "none running" : fmt::format("entry {}", report.ActiveSchedule)},
-      {"Format", Joined({report.FileFormat, report.FormatDescription}, ", ")},
-      {"Folder", report.FileDir},
-      {"Input", OrNone(report.InputDevice)},
-      {"Signal", fmt::format("satellite 1 {}%, satellite 2 {}%, terrestrial {}%", report.Satellite1,
-                             report.Satellite2, report.Terrestrial)},
-      {"Samples", fmt::format("{} captured, {} lost", report.SamplesCaptured, report.SamplesLost)},
-  });
+  Rows rows{{"Program", ProgramText(report)}};
+  if (!report.Warning.empty()) rows.push_back({"Warning", report.Warning});
+  rows.insert(
+      rows.end(),
+      {
+          {"Radio", RadioText(report)},
+          {"Channel", Joined({fmt::format("{}", report.ChannelNumber), report.Station, report.Genre}, ", ")},
+          {"Playing", OrNone(Joined({report.Artist, report.Song}, " - "))},
+          {"Recording", RecordingText(report)},
+          {"Songs", fmt::format("{} recorded, {} too short, {} too long, {} restricted", report.RecordedCount,
+                                report.TooShortCount, report.TooLongCount, report.RestrictedCount)},
+          {"Channels", fmt::format("{}{}", report.ChannelCount, report.ChannelsLoading ? ", loading" : "")},
+          {"Schedule",
+           report.ActiveSchedule == 0 ? "none running" : fmt::format("entry {}", report.ActiveSchedule)},
+          {"Format", Joined({report.FileFormat, report.FormatDescription}, ", ")},
+          {"Folder", report.FileDir},
+          {"Input", OrNone(report.InputDevice)},
+          {"Signal", fmt::format("satellite 1 {}%, satellite 2 {}%, terrestrial {}%", report.Satellite1,
+                                 report.Satellite2, report.Terrestrial)},
+          {"Samples", fmt::format("{} captured, {} lost", report.SamplesCaptured, report.SamplesLost)},
+      });
+  return Columns(rows);
 }
 
 std::string ChannelsText(const std::vector<ChannelReport>& channels) {

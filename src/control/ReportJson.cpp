@@ -21,6 +21,7 @@ static void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("recordRequested", report.RecordRequested);
   visit("waitingForNextSong", report.WaitingForNextSong);
   visit("captureLengthMs", report.CaptureLengthMs);
+  visit("warning", report.Warning);
   visit("captureFailure", report.CaptureFailure);
   visit("recordedCount", report.RecordedCount);
   visit("tooShortCount", report.TooShortCount);

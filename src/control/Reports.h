@@ -25,6 +25,7 @@ struct StatusReport {
   bool RecordRequested = false;
   bool WaitingForNextSong = false;
   std::int64_t CaptureLengthMs = 0;  ///< of the capture in hand
+  std::string Warning;               ///< what has failed, in one sentence; empty if all is well
   std::string CaptureFailure;        ///< why nothing more reaches its file; empty if all is well
   int RecordedCount = 0;
   int TooShortCount = 0;

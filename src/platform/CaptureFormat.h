@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <variant>
 
@@ -14,6 +17,7 @@ struct WavFormat {
   std::int16_t Channels = 0;
   std::int16_t Bits = 0;  ///< 8 or 16
 
+  [[nodiscard]] std::int64_t BytesPerSecond() const { return std::int64_t{Frequency} * Channels * Bits / 8; }
   bool operator==(const WavFormat&) const = default;
 };
 
@@ -23,6 +27,9 @@ struct RawFormat {
   std::int16_t Channels = 0;
   std::int16_t Bits = 0;  ///< of the samples handed over: always 16
 
+  [[nodiscard]] std::int64_t BytesPerSecond() const {
+    return std::int64_t{Frequency} * Channels * (Compression > 1 ? 1 : 2);
+  }
   bool operator==(const RawFormat&) const = default;
 };
 
@@ -30,6 +37,8 @@ struct RawFormat {
 struct VoxFormat {
   std::int32_t Frequency = 0;  ///< Hz
 
+  /// Four bits a sample.
+  [[nodiscard]] std::int64_t BytesPerSecond() const { return Frequency / 2; }
   bool operator==(const VoxFormat&) const = default;
 };
 
@@ -41,6 +50,13 @@ struct OggFormat {
   std::int16_t MaxBitrate = 0;      ///< kbit/s, 0 no limit
   std::int16_t Quality = -1;        ///< 0 to 10, or -1: managed by bitrate
 
+  /// By quality, the rates that the encoder's documentation names for two channels at 44.1 kHz.
+  [[nodiscard]] std::int64_t BytesPerSecond() const {
+    constexpr std::array<std::int64_t, 11> kByQuality{64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 500};
+    const std::int64_t kilobits =
+        Quality < 0 ? NominalBitrate : kByQuality.at(static_cast<std::size_t>(std::min<int>(Quality, 10)));
+    return kilobits * 1000 / 8;
+  }
   bool operator==(const OggFormat&) const = default;
 };
 
@@ -49,13 +65,28 @@ struct G726Format {
   std::int32_t Frequency = 0;  ///< Hz
   std::int16_t Bits = 0;       ///< 2 to 5 a sample
 
+  [[nodiscard]] std::int64_t BytesPerSecond() const { return std::int64_t{Frequency} * Bits / 8; }
   bool operator==(const G726Format&) const = default;
 };
 
 /// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz
-/// and, unless it is always mono, Channels.
+/// and, unless it is always mono, Channels, and about how many bytes a second of sound takes: exact for a fixed rate,
+/// else the nominal or the highest one.
 using CaptureFormat =
     std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat, G726Format>;
+
+/// As each format has it; 0 for no format.
+[[nodiscard]] inline std::int64_t BytesPerSecond(const CaptureFormat& format) {
+  return std::visit(
+      []<typename Format>(const Format& chosen) -> std::int64_t {
+        if constexpr (std::same_as<Format, std::monostate>) {
+          return 0;
+        } else {
+          return chosen.BytesPerSecond();
+        }
+      },
+      format);
+}
 
 /// The samples that the format takes.
 [[nodiscard]] inline PcmFormat FormatValues(const CaptureFormat& format) {

@@ -29,6 +29,12 @@ struct Mp3Parameters {
   std::int16_t Channels = 2;
   std::int16_t Bitrate = 0;  ///< kbit/s, 0 is the encoder's own choice
 
+  [[nodiscard]] std::int64_t BytesPerSecond() const {
+    std::int64_t kilobits = VBRMaxBitrate;
+    if (VBRCodingMethod == 4) kilobits = VBRTargetBitrate;
+    if (VBRCodingMethod == -1) kilobits = Bitrate != 0 ? Bitrate : Channels == 1 ? 64 : 128;
+    return kilobits * 1000 / 8;
+  }
   bool operator==(const Mp3Parameters&) const = default;
 };
 

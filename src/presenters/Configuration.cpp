@@ -81,7 +81,7 @@ struct Configuration::Field {
 };
 
 // In the order in which a save stores the settings.
-const std::array<Configuration::Field, 13> Configuration::kFields{{
+const std::array<Configuration::Field, 14> Configuration::kFields{{
     {"MinSongLength", "cboMinLength",
      [](auto& controls, const auto& settings) { controls.cboMinLength.SelectValue(settings.MinSongLength); },
      [](const auto& controls, auto& settings) {
@@ -163,6 +163,11 @@ const std::array<Configuration::Field, 13> Configuration::kFields{{
      [](auto& controls, const auto& settings) { controls.chkTaskBarMinimized = settings.TaskBarMinimized; },
      [](const auto& controls, auto& settings) {
        settings.TaskBarMinimized = controls.chkTaskBarMinimized;
+       return true;
+     }},
+    {"Watch", "chkWatch", [](auto& controls, const auto& settings) { controls.chkWatch = settings.Watch; },
+     [](const auto& controls, auto& settings) {
+       settings.Watch = controls.chkWatch;
        return true;
      }},
 }};
@@ -325,6 +330,11 @@ void Configuration::chkDuplicates(bool checked) {
 void Configuration::chkTaskBarMinimized(bool checked) {
   controls_.chkTaskBarMinimized = checked;
   Touch("TaskBarMinimized");
+}
+
+void Configuration::chkWatch(bool checked) {
+  controls_.chkWatch = checked;
+  Touch("Watch");
 }
 
 std::string Configuration::cmdBrowse() {

@@ -58,6 +58,7 @@ class Configuration {
   void StepAGCAttackTime(int direction);
   void chkDuplicates(bool checked);
   void chkTaskBarMinimized(bool checked);
+  void chkWatch(bool checked);
 
   /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
@@ -93,7 +94,7 @@ class Configuration {
 
  private:
   struct Field;
-  static const std::array<Field, 13> kFields;
+  static const std::array<Field, 14> kFields;
 
   void FillDevices();
   void Touch(std::string_view key);
@@ -106,7 +107,7 @@ class Configuration {
   ConfigurationAccess access_;
   ConfigurationControls controls_;
   config::Settings shown_;  ///< as of Load, or the last Follow
-  std::bitset<13> touched_;
+  std::bitset<14> touched_;
   bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
   bool first_ = false;
   bool dirty_ = false;

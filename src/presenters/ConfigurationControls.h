@@ -24,6 +24,7 @@ struct ConfigurationControls {
   std::string txtAGCAttackTime;
   bool chkDuplicates = false;
   bool chkTaskBarMinimized = false;
+  bool chkWatch = false;
 };
 
 }  // namespace kestrune::presenters

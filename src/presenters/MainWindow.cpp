@@ -75,6 +75,8 @@ MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop)
   ShowAnnouncement(state.Announcement, window);
   ShowRecording(state, window);
   ShowOptions(state.Settings, window);
+  window.Warning = state.Watch.Warning();
+  if (!window.Warning.empty()) window.TrayTip += "\n" + window.Warning;
   window.Recording = state.Recording.IsRecording();
   return window;
 }

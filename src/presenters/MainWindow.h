@@ -37,6 +37,7 @@ struct MainWindow : DesktopRecord {
   Label lblArtist;
   Label lblSong;
   Label lblRecording{.Caption = "", .Visible = false};
+  std::string Warning;     ///< what has failed, for as long as it lasts; empty if all is well
   bool Recording = false;  ///< a song is being kept, and the status is to catch the eye
   Label lblClock{.Caption = "", .Visible = false};
   Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own

@@ -1,5 +1,7 @@
 #include "recorder/Capture.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
@@ -15,10 +17,12 @@ constexpr int kLastNumber = 99;
 
 }  // namespace
 
-Capture::Capture(AudioObjects& audio, State& state, config::FileSpecs& fileSpecs, SongFiles& songFiles,
-                 base::Journal& journal)
+Capture::Capture(AudioObjects& audio, SoundMeter& meter, State& state, config::FileSpecs& fileSpecs,
+                 SongFiles& songFiles, base::Journal& journal)
     : audio_(audio),
+      meter_(meter),
       state_(state.Recording),
+      watch_(state.Watch),
       fileSpecs_(fileSpecs),
       settings_(state.Settings),
       radio_(state.Radio),
@@ -54,11 +58,13 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   result = created.Number;
   if (!created) {
     record.Outcome.StartFailure = created.Cause;
+    if (!NewFailure(created.Cause)) return;
     journal_.DoLog(fmt::format("Error {} creating output file", result));
     journal_.DoLog(fmt::format("Cannot create \"{}\": {}", path, created.Cause));
     return;
   }
   record.Outcome.File = path;
+  meter_.Begin();
   sampleRate_ = file->FormatValues().SampleRate;
   recorder.SetFormat(file->FormatValues());
   recorder.SetBlockSize(recorder.TimeToBytes(kBlockMs));
@@ -72,7 +78,8 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
     journal_.DoLog("Cannot record from the input device: " + started.Cause);
     return;
   }
-  if (const std::string error = recorder.OpenError(); !error.empty()) {
+  // The watch says it once, and when it is over.
+  if (const std::string error = recorder.OpenError(); !error.empty() && !settings_.Watch) {
     journal_.DoLog(fmt::format("No sound from the input device: {}; it is tried again each second", error));
   }
 }
@@ -106,6 +113,8 @@ void Capture::RecordStop(std::int16_t slot) {
 void Capture::TakeSound(CaptureRecord& record) {
   CaptureOutcome& outcome = record.Outcome;
   if (outcome.File.empty()) return;
+  outcome.Overloaded = meter_.Overloaded();
+  outcome.FullScalePercent = meter_.FullScalePercent();
   outcome.Sound = audio_.AudioRecord->Sound();
   outcome.MissingMs = outcome.Sound.Lost() * 1000 / sampleRate_;
   if (outcome.MissingMs < CaptureOutcome::kNoticeableMs) return;
@@ -147,15 +156,23 @@ std::string Capture::TemporaryName(int number, const std::string& extension) con
 void Capture::AudioRecord_EndArrayRecord() {
   platform::CaptureFile& file = *audio_.File(state_.CaptureSlot);
   CaptureRecord& record = Record(state_.CaptureSlot);
-  NoteWriting(record, file.WriteBlock(audio_.AudioRecord->GetBlock()));
+  const std::span<const std::int16_t> block = audio_.AudioRecord->GetBlock();
+  meter_.Take(block);
+  NoteWriting(record, file.WriteBlock(block));
   record.LengthMs = file.Length();
+}
+
+bool Capture::NewFailure(const std::string& cause) {
+  if (!settings_.Watch) return true;
+  return std::exchange(watch_.WriteFailure, cause).empty();
 }
 
 void Capture::NoteWriting(CaptureRecord& record, const base::Result& written) {
   CaptureOutcome& outcome = record.Outcome;
   if (written || outcome.File.empty() || !outcome.WriteFailure.empty()) return;
   outcome.WriteFailure = written.Cause();
-  journal_.DoLog(fmt::format("Cannot write \"{}\": {}", outcome.File, written.Cause()));
+  if (NewFailure(written.Cause()))
+    journal_.DoLog(fmt::format("Cannot write \"{}\": {}", outcome.File, written.Cause()));
 }
 
 }  // namespace kestrune::recorder

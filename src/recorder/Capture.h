@@ -8,6 +8,7 @@
 #include "recorder/AudioObjects.h"
 #include "recorder/Modes.h"
 #include "recorder/SongFiles.h"
+#include "recorder/SoundMeter.h"
 #include "recorder/State.h"
 
 namespace kestrune::recorder {
@@ -16,8 +17,8 @@ namespace kestrune::recorder {
 class Capture {
  public:
   /// All must outlive the object.
-  Capture(AudioObjects& audio, State& state, config::FileSpecs& fileSpecs, SongFiles& songFiles,
-          base::Journal& journal);
+  Capture(AudioObjects& audio, SoundMeter& meter, State& state, config::FileSpecs& fileSpecs,
+          SongFiles& songFiles, base::Journal& journal);
 
   /// Takes the block handler of a recorder that has just been made.
   void ConnectRecorder();
@@ -47,6 +48,8 @@ class Capture {
   /// Takes what came and what is missing into the outcome.
   void TakeSound(CaptureRecord& record);
   void WriteTags(const CaptureRecord& record);
+  /// Whether a failure to write has to be said: not again while the watch tries to write.
+  [[nodiscard]] bool NewFailure(const std::string& cause);
   /// Keeps the first failure and logs it.
   void NoteWriting(CaptureRecord& record, const base::Result& written);
   [[nodiscard]] CaptureRecord& Record(std::int16_t slot) {
@@ -54,7 +57,9 @@ class Capture {
   }
 
   AudioObjects& audio_;
+  SoundMeter& meter_;
   RecordingState& state_;
+  WatchState& watch_;
   config::FileSpecs& fileSpecs_;
   const config::Settings& settings_;
   const radio::RadioState& radio_;

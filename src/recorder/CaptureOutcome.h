@@ -29,6 +29,10 @@ struct CaptureOutcome {
   platform::CaptureSound Sound;
   std::int64_t MissingMs = 0;  ///< length of what is missing, in milliseconds
 
+  /// More than one percent of it is at full scale; complete once the capture has been stopped.
+  bool Overloaded = false;
+  int FullScalePercent = 0;  ///< rounded down
+
   std::int16_t Event = 0;  ///< the schedule entry that ran when the capture began, 1 to 10; 0 for none
   ModeSwitches Modes;      ///< in force when the capture began: that entry's, or the user's
 

@@ -37,6 +37,13 @@ void Disposition::Dispose(std::int16_t finished) {
     return;
   }
 
+  if (capture.Piece && capture.LengthMs == 0) {
+    // The song's other piece has its line, and the failure has been said.
+    songFiles_.Discard(capture);
+    state_.Incomplete = false;
+    return;
+  }
+
   const bool incomplete = state_.Incomplete || capture.Outcome.Shortened();
   Verdict verdict{
       .Keep = true, .Suffix = incomplete ? " (Incomplete)" : "", .Seconds = capture.LengthMs / 1000};
@@ -53,7 +60,7 @@ void Disposition::Dispose(std::int16_t finished) {
 void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
   // The name may be taken at any moment, by another unit for one.
   MovedSong moved = songFiles_.Move(capture, PathOf(capture, verdict.Suffix), loop_.Now());
-  while (moved.Where == MovedSong::To::NameTaken && settings_.SaveDuplicates) {
+  while (moved.Where == MovedSong::To::NameTaken && SavesDuplicate(capture)) {
     AdvanceName(capture.FileName);
     moved = songFiles_.Move(capture, PathOf(capture, verdict.Suffix), loop_.Now());
   }
@@ -111,11 +118,15 @@ void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
 void Disposition::TestDuplicates(CaptureRecord& capture, Verdict& verdict) {
   if (!verdict.Keep) return;
   const auto taken = [&] { return songFiles_.Exists(PathOf(capture, verdict.Suffix)); };
-  if (settings_.SaveDuplicates) {
+  if (SavesDuplicate(capture)) {
     while (taken()) AdvanceName(capture.FileName);
   } else if (taken()) {
     Reject(capture, verdict, kDuplicate);
   }
+}
+
+bool Disposition::SavesDuplicate(const CaptureRecord& capture) const {
+  return settings_.SaveDuplicates || capture.Piece;
 }
 
 void Disposition::Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why) {

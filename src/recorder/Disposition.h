@@ -36,6 +36,8 @@ class Disposition {
   void TestSound(const CaptureRecord& capture, Verdict& verdict);
   void TestLists(const CaptureRecord& capture, Verdict& verdict);
   void TestDuplicates(CaptureRecord& capture, Verdict& verdict);
+  /// Whether it gets another name if its own is in use.
+  [[nodiscard]] bool SavesDuplicate(const CaptureRecord& capture) const;
   void Keep(CaptureRecord& capture, Verdict& verdict);
   void Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why);
   [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,

@@ -42,16 +42,20 @@ Kestrune::Kestrune(const Outside& outside)
                     {.StopRecording = [this] { commands_.StopRecording(); },
                      .PrepareFormat = [this] { sound_.FileSpecs.SetFileSpecs(-1); },
                      .DeviceChanged = [this] { InputDeviceChanged(); }}),
+      captureWatch_(state_, sound_.Boundary, outside.Loop, log_),
       schedulePass_(state_, radio_.Channels, commands_, log_, outside.Loop, *tmrUpdate_),
       updateCycle_(state_,
                    {.Channels = radio_.Channels,
                     .Boundary = sound_.Boundary,
                     .Commands = commands_,
-                    .Announcer = announcer_},
+                    .Announcer = announcer_,
+                    .CaptureWatch = captureWatch_},
                    outside.Loop, *tmrUpdate_),
       clock_(state_, restrictions_, radio_.Session, outside.Loop),
       update_(outside, state_.Run, commands_, boxes_, [this] { wishes_.Close(); }),
-      stayAwake_(state_, outside.SleepInhibitor, outside.Loop) {
+      stayAwake_(state_, outside.SleepInhibitor, outside.Loop),
+      soundWatch_(state_, sound_.Audio, sound_.Meter, outside.Loop, log_),
+      diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
   radio_.Session.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {

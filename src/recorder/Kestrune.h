@@ -15,7 +15,9 @@
 #include "radio/line/BringUp.h"
 #include "recorder/Announcer.h"
 #include "recorder/Boxes.h"
+#include "recorder/CaptureWatch.h"
 #include "recorder/Clock.h"
+#include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
 #include "recorder/Outside.h"
 #include "recorder/Presentation.h"
@@ -24,6 +26,7 @@
 #include "recorder/SchedulePass.h"
 #include "recorder/Snapshot.h"
 #include "recorder/SoundSide.h"
+#include "recorder/SoundWatch.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/State.h"
 #include "recorder/StayAwake.h"
@@ -181,11 +184,14 @@ class Kestrune final : private radio::ChannelEvents {
   config::SettingsDoor settingsDoor_;
 
   // What drives them.
+  CaptureWatch captureWatch_;
   SchedulePass schedulePass_;
   UpdateCycle updateCycle_;
   Clock clock_;
   UpdateCommand update_;
   StayAwake stayAwake_;
+  SoundWatch soundWatch_;
+  DiskWatch diskWatch_;
 };
 
 }  // namespace kestrune::recorder

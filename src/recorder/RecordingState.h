@@ -22,6 +22,8 @@ struct CaptureRecord {
   /// Folder of the final file, with a separator at its end; the capture itself lies here too.
   std::string Folder;
   CaptureOutcome Outcome = {};
+  /// The beginning of the song is in another file: it gets a name of its own also if duplicates are not saved.
+  bool Piece = false;
   /// What FileName follows from. A recording that takes in a capture already begun gives it the session's values.
   SongNaming Naming = {};
 };
@@ -69,6 +71,10 @@ struct RecordingState {
   [[nodiscard]] bool IsRecording() const { return recorder::IsRecording(Phase); }
   /// True while the length of the capture in hand is shown: it is the file that the user will get.
   [[nodiscard]] bool ShowsLength() const { return IsRecording() && !StartPending && !WaitingForNextSong; }
+  /// True while the capture in hand is to be kept at its end.
+  [[nodiscard]] bool CaptureWanted() const {
+    return (RecordRequested && RecordArmed && !WaitingForNextSong) || StartPending || StopPending;
+  }
   /// True while the channel must not be changed by hand.
   [[nodiscard]] bool GetRecordingStatus() const {
     return RecordRequested || (RecordArmed && !WaitingForNextSong);

@@ -23,6 +23,8 @@ void Kestrune::EndWaits() {
 void Kestrune::CloseFirstPass() {
   update_.StopWaiting();
   stayAwake_.Stop();
+  soundWatch_.Stop();
+  diskWatch_.Stop();
   sound_.Capture.RecordStop(0);
   sound_.Capture.RecordStop(1);
   DeleteLeftovers();

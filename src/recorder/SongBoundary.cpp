@@ -6,6 +6,12 @@
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
+namespace {
+
+// Shorter pieces are what a full disk took of the tries to write again.
+constexpr std::int64_t kShortestPieceMs = 2000;
+
+}  // namespace
 
 SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop)
     : state_(state.Recording),
@@ -65,6 +71,39 @@ void SongBoundary::Take(bool split) {
   announcer_.ShowSong(Tuned());
 }
 
+void SongBoundary::TakePiece() {
+  const std::int16_t finished = state_.CaptureSlot;
+  const auto next = static_cast<std::int16_t>(1 - finished);
+  CaptureRecord& piece = state_.CaptureSlots[static_cast<std::size_t>(finished)];
+  CaptureRecord& rest = state_.CaptureSlots[static_cast<std::size_t>(next)];
+  const bool wanted = state_.CaptureWanted();
+  const bool worthKeeping = wanted && piece.LengthMs >= kShortestPieceMs;
+  state_.BoundaryBusy = true;
+
+  rest = piece;
+  rest.Extension = base::ToLower(settings_.FileFormat);
+  rest.Piece = piece.Piece || worthKeeping;
+  const SongName name = MakePlace(rest);
+  rest.FileName = name.FileName;
+  rest.Folder = name.Folder;
+  std::int32_t result = 0;
+  capture_.RecordStop(finished);
+  capture_.RecordStart(next, capture_.TemporaryFile(next), result);
+  state_.CaptureSlot = next;
+  state_.SongBoundarySeen = false;
+
+  if (worthKeeping) {
+    state_.Incomplete = true;
+    piece.FileName = MakePlace(piece).FileName;
+    disposition_.Dispose(finished);
+  } else {
+    songFiles_.Discard(piece);
+  }
+  capture_.Release(finished);
+  state_.Incomplete = wanted;
+  state_.BoundaryBusy = false;
+}
+
 void SongBoundary::AwaitSound() {
   // The text runs ahead of the sound. The thread blocks, so that nothing moves the boundary meanwhile; the
   // capture runs on, and what it brings belongs to the old song.
@@ -91,6 +130,7 @@ void SongBoundary::NameNextSong(CaptureRecord& next) {
   next.Song = radio_.CurrentSong;
   next.Artist = radio_.CurrentArtist;
   next.Genre = base::Trim(tuned.Genre);
+  next.Piece = false;
 }
 
 SongName SongBoundary::MakePlace(const CaptureRecord& capture) {

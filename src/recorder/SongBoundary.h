@@ -29,6 +29,10 @@ class SongBoundary {
   /// `split`: songs are split into files, so that this may be a natural change of song.
   void Take(bool split);
 
+  /// Ends the file in hand in the middle of its song, keeps it as an incomplete piece if it is to be kept and long
+  /// enough to be heard, and begins another file for the rest of the song. Events run inside it.
+  void TakePiece();
+
   /// Brings what the cycle last acted on up to what the radio reports now.
   void FollowCurrentSong();
 

@@ -15,7 +15,7 @@ SoundSide::SoundSide(const Outside& outside, State& state, const Sources& source
     : FileSpecs([this](std::int16_t slot) { return Audio.File(slot); }, state.Settings,
                 state.Recording.CaptureSlot, [&state] { return ScheduledBitRate(state); }),
       SongFiles(outside.Files, outside.FileSync, log),
-      Capture(Audio, state, FileSpecs, SongFiles, log),
+      Capture(Audio, Meter, state, FileSpecs, SongFiles, log),
       Disposition(state, FileSpecs, sources.Restrictions, SongFiles, outside.Loop, log),
       Boundary(state,
                {.Channels = sources.Channels,

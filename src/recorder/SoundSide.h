@@ -13,6 +13,7 @@
 #include "recorder/Outside.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/SongFiles.h"
+#include "recorder/SoundMeter.h"
 #include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
 #include "schedule/log/Log.h"
@@ -36,6 +37,7 @@ struct SoundSide {
   void FollowInputDevice(std::int16_t index);
 
   AudioObjects Audio;
+  SoundMeter Meter;
   InputDevices Devices;
   /// Name of the device that the settings ask for, empty if it was not usable.
   std::string InputDeviceName;

@@ -74,6 +74,8 @@ StartOutcome Kestrune::LoadSteps() {
   outside_.Windows.EnableMainWindow();
   radio_.Channels.StartWalk();
   stayAwake_.Start();
+  soundWatch_.Start();
+  diskWatch_.Start();
   CheckTemporarySpace();
   return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }

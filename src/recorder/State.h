@@ -6,6 +6,7 @@
 #include "recorder/Announcement.h"
 #include "recorder/ClockState.h"
 #include "recorder/RecordingState.h"
+#include "recorder/WatchState.h"
 #include "schedule/entries/ScheduleEntry.h"
 #include "schedule/entries/ScheduleState.h"
 
@@ -23,6 +24,7 @@ struct State {
   /// What the user has chosen, and with it the modes that hold outside scheduled events.
   config::Settings Settings;
   ClockState Clock;
+  WatchState Watch;
   recorder::Announcement Announcement;
 
   /// Whether a person may press Record.

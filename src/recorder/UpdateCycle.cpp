@@ -14,6 +14,7 @@ UpdateCycle::UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop
       channels_(parts.Channels),
       modes_(state),
       boundary_(parts.Boundary),
+      captureWatch_(parts.CaptureWatch),
       commands_(parts.Commands),
       announcer_(parts.Announcer),
       loop_(loop),
@@ -38,6 +39,7 @@ void UpdateCycle::Tick() {
   }
   const bool split = modes_.CheckCleftune();
   if (GateOpen(split)) TakeBoundary(split);
+  captureWatch_.Look();
 
   loop_.PumpEvents();
   if (const radio::ChannelEntry* tuned = channels_.TunedRow()) {

@@ -5,6 +5,7 @@
 #include "base/EventLoop.h"
 #include "radio/channels/Channels.h"
 #include "recorder/Announcer.h"
+#include "recorder/CaptureWatch.h"
 #include "recorder/Modes.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/SongBoundary.h"
@@ -22,6 +23,7 @@ class UpdateCycle {
     SongBoundary& Boundary;
     RecordCommands& Commands;
     recorder::Announcer& Announcer;
+    recorder::CaptureWatch& CaptureWatch;
   };
 
   UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop, base::Timer& tmrUpdate);
@@ -45,6 +47,7 @@ class UpdateCycle {
   radio::Channels& channels_;
   Modes modes_;
   SongBoundary& boundary_;
+  CaptureWatch& captureWatch_;
   RecordCommands& commands_;
   Announcer& announcer_;
   base::EventLoop& loop_;

@@ -250,6 +250,13 @@ void frmConfig::FillWindow() {
              &Configuration::chkTaskBarMinimized);
   AddLabel(grid, 0, "Show in Taskbar:");
   grid.addWidget(chkTaskBarMinimized_, 0, 1, Qt::AlignLeft);
+  chkWatch_ =
+      AddBox("chkWatch", "Report and repair failures",
+             "When checked, Kestrune reports a radio, a sound or a disk that fails, and goes on by itself "
+             "as soon as it can.",
+             &Configuration::chkWatch);
+  AddLabel(grid, 1, "Watch:");
+  grid.addWidget(chkWatch_, 1, 1, Qt::AlignLeft);
 }
 
 void frmConfig::AddButtons() {
@@ -323,6 +330,7 @@ void frmConfig::Refresh() {
   }
   ShowChecked(*chkDuplicates_, controls.chkDuplicates);
   ShowChecked(*chkTaskBarMinimized_, controls.chkTaskBarMinimized);
+  ShowChecked(*chkWatch_, controls.chkWatch);
 }
 
 void frmConfig::OpenModal(QDialog& window, const std::function<void()>& closed) {

@@ -102,6 +102,7 @@ class frmConfig final : public QDialog {
   GainNumber highLevel_;
   GainNumber attackTime_;
   QCheckBox* chkTaskBarMinimized_ = nullptr;
+  QCheckBox* chkWatch_ = nullptr;
   QPushButton* cmdCancel_ = nullptr;
 };
 

@@ -499,17 +499,21 @@ void frmKestrune::ShowPreset(QPushButton& button, std::size_t number, const Pres
   button.setPalette(colours);
 }
 
+void frmKestrune::ShowWarning(QWidget& label, bool warning) const {
+  const QColor wanted = warning ? WarningColour(palette()) : palette().color(QPalette::WindowText);
+  if (label.palette().color(QPalette::WindowText) == wanted) return;
+  QPalette colours = label.palette();
+  colours.setColor(QPalette::Active, QPalette::WindowText, wanted);
+  colours.setColor(QPalette::Inactive, QPalette::WindowText, wanted);
+  label.setPalette(colours);
+}
+
 void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowText(*lblRecording_, record.lblRecording.Caption);
   ShowVisible(*lblRecording_, record.lblRecording.Visible);
-  const QColor wanted = record.Recording ? WarningColour(palette()) : palette().color(QPalette::WindowText);
-  if (lblRecording_->palette().color(QPalette::WindowText) != wanted) {
-    QPalette colours = lblRecording_->palette();
-    colours.setColor(QPalette::Active, QPalette::WindowText, wanted);
-    colours.setColor(QPalette::Inactive, QPalette::WindowText, wanted);
-    lblRecording_->setPalette(colours);
-  }
+  ShowWarning(*lblRecording_, record.Recording);
   ShowText(*lblExplanation_, rules_.Explanation());
+  ShowWarning(*lblExplanation_, !record.Warning.empty());
   // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
   ShowVisible(*pctTimer_, record.pctTimer.Visible);

@@ -93,6 +93,8 @@ class frmKestrune final : public QMainWindow {
                     const char* key = "");
   void ShowPresets();
   void ShowPreset(QPushButton& button, std::size_t number, const PresetFace& face) const;
+  /// Gives the text the colour that catches the eye, or the normal one.
+  void ShowWarning(QWidget& label, bool warning) const;
   void ShowStatus(const presenters::MainWindow& record);
   void ShowMenus(const presenters::MainWindow& record);
 

@@ -48,6 +48,15 @@ TEST(PeopleText, ARecordingThatIsNotWrittenSaysWhy) {
             std::string::npos);
 }
 
+TEST(PeopleText, WhatHasFailedStandsBelowTheProgram) {
+  StatusReport report = Busy();
+  report.Warning = "The disk is nearly full: room for 1:40.";
+  EXPECT_TRUE(
+      Status(report).starts_with("Program    Kestrune 3.0.29, unit 2\n"
+                                 "Warning    The disk is nearly full: room for 1:40.\n"
+                                 "Radio      "));
+}
+
 TEST(PeopleText, ABusyUnitsStatus) {
   EXPECT_EQ(Status(Busy()),
             "Program    Kestrune 3.0.29, unit 2\n"

@@ -27,6 +27,7 @@ StatusReport FullStatus() {
   report.RecordRequested = true;
   report.WaitingForNextSong = true;
   report.CaptureLengthMs = 5'000'000'000;
+  report.Warning = "The disk is nearly full: room for 1:40.";
   report.CaptureFailure = "No space left on device";
   report.RecordedCount = 1;
   report.TooShortCount = 2;
@@ -51,7 +52,8 @@ constexpr const char* kFullStatus =
     R"({"unit":"2","version":"3.0.29","loading":true,"port":3,"radioID":"ABC12345","channelNumber":44,)"
     R"("station":"Fred","genre":"Rock","artist":"The Cure","song":"Lullaby","recording":"Recording",)"
     R"("recordRequested":true,"waitingForNextSong":true,"captureLengthMs":5000000000,)"
-    R"("captureFailure":"No space left on device","recordedCount":1,)"
+    R"("warning":"The disk is nearly full: room for 1:40.","captureFailure":"No space left on device",)"
+    R"("recordedCount":1,)"
     R"("tooShortCount":2,"tooLongCount":3,"restrictedCount":4,"channelsLoading":true,"channelCount":123,)"
     R"("activeSchedule":5,"fileFormat":"MP3","formatDescription":"160 kbps","fileDir":"/music/",)"
     R"("inputDevice":"Line In","satellite1":60,"satellite2":70,"terrestrial":80,)"

@@ -25,6 +25,7 @@ TEST(StatusOf, EveryFieldComesFromItsPlaceInTheSnapshot) {
   state.Recording.CaptureSlots[0].LengthMs = 1;
   state.Recording.CaptureSlots[1].LengthMs = 61000;
   state.Recording.CaptureSlots[1].Outcome.WriteFailure = "No space left on device";
+  state.Watch.Silent = true;
   state.Recording.RecordedCount = 4;
   state.Recording.TooShortCount = 5;
   state.Recording.TooLongCount = 6;
@@ -58,6 +59,7 @@ TEST(StatusOf, EveryFieldComesFromItsPlaceInTheSnapshot) {
   EXPECT_TRUE(report.WaitingForNextSong);
   EXPECT_EQ(report.CaptureLengthMs, 61000);
   EXPECT_EQ(report.CaptureFailure, "No space left on device");
+  EXPECT_EQ(report.Warning, "No sound comes from the radio: check the cable and the input device.");
   EXPECT_EQ(report.RecordedCount, 4);
   EXPECT_EQ(report.TooShortCount, 5);
   EXPECT_EQ(report.TooLongCount, 6);

@@ -121,6 +121,7 @@ TEST_F(ConfigurationTest, LoadShowsTheSettings) {
   rig_.Settings.AGCEnabled = true;
   rig_.Settings.SaveDuplicates = false;
   rig_.Settings.TaskBarMinimized = false;
+  rig_.Settings.Watch = false;
   rig_.Settings.InputDevice = 3;
   window_.Load();
   EXPECT_EQ(Shown().txtFileDir, "/music/");
@@ -133,6 +134,7 @@ TEST_F(ConfigurationTest, LoadShowsTheSettings) {
   EXPECT_EQ(Shown().txtAGCAttackTime, "4");
   EXPECT_FALSE(Shown().chkDuplicates);
   EXPECT_FALSE(Shown().chkTaskBarMinimized);
+  EXPECT_FALSE(Shown().chkWatch);
   EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
   EXPECT_FALSE(window_.Dirty());
 }
@@ -269,6 +271,7 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   rig_.Settings.SongDelay = 0;
   rig_.Settings.FilenameFormat = "%s";
   rig_.Settings.FormatMP3.Bitrate = 64;
+  rig_.Settings.Watch = false;
   const config::FormatMP3 mp3 = rig_.Settings.FormatMP3;
   window_.Load();
   window_.cmdDefault();
@@ -284,6 +287,7 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   EXPECT_EQ(rig_.Stops(), 1);
   EXPECT_EQ(rig_.Idle.Calls.back(), "SetFormatMP3 44100 2 64");
   // And these stay.
+  EXPECT_FALSE(Shown().chkWatch);
   EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
   EXPECT_EQ(Shown().txtFileDir, "/music/");
   EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
@@ -375,12 +379,13 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   window_.cboDevice(1);
   window_.chkDuplicates(false);
   window_.chkTaskBarMinimized(false);
+  window_.chkWatch(false);
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_THAT(rig_.Saves(),
               ElementsAre("MinSongLength=20", "MaxSongLength=90", "SongDelay=5000", "FileDir=/data/",
                           "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
                           "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
-                          "TaskBarMinimized=False"));
+                          "TaskBarMinimized=False", "Watch=False"));
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 20);
   EXPECT_EQ(saved.MaxSongLength, 90);
@@ -395,6 +400,7 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   EXPECT_EQ(saved.InputDevice, 3);
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
+  EXPECT_FALSE(saved.Watch);
   EXPECT_FALSE(window_.Dirty());
   EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 1);
 }
@@ -497,6 +503,7 @@ TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
       {"InputDevice=3", [](Configuration& window) { window.cboDevice(1); }},
       {"SaveDuplicates=False", [](Configuration& window) { window.chkDuplicates(false); }},
       {"TaskBarMinimized=False", [](Configuration& window) { window.chkTaskBarMinimized(false); }},
+      {"Watch=False", [](Configuration& window) { window.chkWatch(false); }},
   };
   for (const auto& [saved, touch] : touches) {
     ConfigurationRig rig;
@@ -515,7 +522,7 @@ TEST_F(ConfigurationTest, AfterDefaultSettingsEveryFieldIsSaved) {
   rig_.Settings.FileDir = "/elsewhere/";
   window_.Follow();
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 13U);
+  EXPECT_EQ(rig_.Saves().size(), 14U);
   EXPECT_TRUE(rig_.Settings.TaskBarMinimized);
   EXPECT_EQ(rig_.Settings.FileDir, "/music/") << "as it was shown";
 }
@@ -524,7 +531,7 @@ TEST_F(ConfigurationTest, TheFirstConfigurationStoresEverySettingOfTheWindow) {
   window_.LoadFirst();
   rig_.Settings.MinSongLength = 60;
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 13U);
+  EXPECT_EQ(rig_.Saves().size(), 14U);
   EXPECT_EQ(rig_.Stored("MinSongLength"), "60") << "what nobody touched is stored as it is";
 }
 

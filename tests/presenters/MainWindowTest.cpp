@@ -120,6 +120,21 @@ TEST(MainWindow, TheTrayTipKeepsThePhaseOfTheMomentAtWhichItWasSet) {
   EXPECT_EQ(Shown(state).TrayTip, "Kestrune: \nA - S");
 }
 
+TEST(MainWindow, WhatHasFailedIsAWarningAndTheLastLineOfTheTip) {
+  State state;
+  EXPECT_EQ(Shown(state).Warning, "");
+  state.Announcement.TrayTip = {.Phase = Phase::Recording, .Artist = "A", .Song = "S"};
+  state.Watch.LittleRoom = "room for 1:40";
+  EXPECT_EQ(Shown(state).Warning, "The disk is nearly full: room for 1:40.");
+  EXPECT_EQ(Shown(state).TrayTip, "Kestrune: Recording\nA - S\nThe disk is nearly full: room for 1:40.");
+  state.Watch.Silent = true;
+  EXPECT_EQ(Shown(state).Warning, "No sound comes from the radio: check the cable and the input device.");
+  state.Watch.SoundInputFailure = "Connection refused";
+  EXPECT_EQ(Shown(state).Warning, "The sound input is lost: Connection refused.");
+  state.Watch.WriteFailure = "No space left on device";
+  EXPECT_EQ(Shown(state).Warning, "The recording cannot be written: No space left on device.");
+}
+
 TEST(MainWindow, TheSignalBarsHaveThirtyUnitsAPercent) {
   State state;
   state.Announcement.Signal = recorder::Signal{.Satellite1 = 80, .Satellite2 = 0, .Terrestrial = 100};

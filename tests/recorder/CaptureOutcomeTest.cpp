@@ -105,6 +105,7 @@ TEST_F(CaptureOutcomeTest, APlantedLinkIsNotWrittenThrough) {
 }
 
 TEST_F(CaptureOutcomeTest, AFullDiskIsLoggedAtOnceAndTheSongIsIncomplete) {
+  rig.Set("Watch", "False");
   rig.Set("MinSongLength", "0");
   rig.StartIdle();
   Record();
@@ -120,6 +121,7 @@ TEST_F(CaptureOutcomeTest, AFullDiskIsLoggedAtOnceAndTheSongIsIncomplete) {
 }
 
 TEST_F(CaptureOutcomeTest, ASongWithoutAnySoundIsNotCalledRecorded) {
+  rig.Set("Watch", "False");
   rig.Set("MinSongLength", "0");
   rig.StartIdle();
   Record();

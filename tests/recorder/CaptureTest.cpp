@@ -127,7 +127,8 @@ class CaptureTest : public ::testing::Test {
   schedule::ScheduleState& schedule = all.Schedule;
   test::FakeFileSync sync;
   SongFiles songFiles{files, sync, log};
-  Capture capture{audio, all, fileSpecs, songFiles, log};
+  recorder::SoundMeter meter;
+  Capture capture{audio, meter, all, fileSpecs, songFiles, log};
   std::int32_t result = 99;
 };
 

@@ -83,6 +83,10 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
       {"chkTaskBarMinimized", "Show when minimized",
        "When checked, Kestrune will show in the taskbar when minimized. When unchecked, Kestrune will show "
        "only as an icon in the task tray (near the clock)."},
+      {"chkWatch", "Report and repair failures",
+       "When checked, Kestrune reports a radio, a sound or a disk that fails, and goes on by itself as soon "
+       "as it "
+       "can."},
       {"cmdDefault", "&Default Settings", "Return all values to default settings"},
       {"cmdSave", "&Save", "Save changes and exit"},
       {"cmdCancel", "&Cancel", "Cancel without saving changes"},
@@ -143,6 +147,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   Find<QWidget>(window_, "udAGCHighLevel").findChildren<QToolButton*>().constFirst()->click();
   Press(window_, "chkDuplicates");
   Press(window_, "chkTaskBarMinimized");
+  Press(window_, "chkWatch");
   Press(window_, "cmdSave");
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 2);
@@ -156,6 +161,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   EXPECT_EQ(saved.AGCHighLevel, -39);
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
+  EXPECT_FALSE(saved.Watch);
   EXPECT_FALSE(window_.isVisible());
   EXPECT_EQ(focused_, 1);
   EXPECT_TRUE(PlaceSaved());
@@ -424,7 +430,7 @@ TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
       "cboMinLength",        "cboMaxLength",      "cboSongDelay",   "txtFileDir",      "cmdBrowse",
       "txtFilenameFormat",   "cmdFilenameFormat", "chkDuplicates",  "cboFileFormat",   "cmdChangeFormatSpecs",
       "cboDevice",           "chkAGCEnabled",     "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime",
-      "chkTaskBarMinimized", "cmdDefault",        "cmdSave",        "cmdCancel"};
+      "chkTaskBarMinimized", "chkWatch",          "cmdDefault",     "cmdSave",         "cmdCancel"};
   EXPECT_EQ(window_.focusWidget()->objectName(), order.front());
   for (std::size_t i = 1; i < order.size(); ++i) {
     QTest::keyClick(window_.focusWidget(), Qt::Key_Tab);

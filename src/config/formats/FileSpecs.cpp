@@ -1,6 +1,7 @@
 #include "config/formats/FileSpecs.h"
 
 #include <utility>
+#include <variant>
 
 #include "config/formats/FormatTable.h"
 
@@ -13,15 +14,19 @@ FileSpecs::FileSpecs(SlotFile slotFile, const FormatSettings& settings, const st
       captureSlot_(captureSlot),
       scheduledBitRate_(std::move(scheduledBitRate)) {}
 
+platform::CaptureFormat FileSpecs::Format() const {
+  const FormatRow* const row = FindFormat(settings_.FileFormat);
+  return row != nullptr ? row->Format(settings_, scheduledBitRate_()) : platform::CaptureFormat();
+}
+
 void FileSpecs::SetFileSpecs(std::int16_t slot) {
-  const std::optional<std::string> scheduled = scheduledBitRate_();
   if (slot == -1) slot = static_cast<std::int16_t>(1 - captureSlot_);
   if (slot != 0 && slot != 1) return;
 
   platform::CaptureFile* const slotFile = slotFile_(slot);
   if (slotFile == nullptr) return;
-  const FormatRow* const row = FindFormat(settings_.FileFormat);
-  if (row != nullptr) slotFile->SetFormat(row->Format(settings_, scheduled));
+  const platform::CaptureFormat format = Format();
+  if (!std::holds_alternative<std::monostate>(format)) slotFile->SetFormat(format);
   fileFormatText_ = slotFile->FormatDescription();
 }
 

@@ -27,6 +27,9 @@ class FileSpecs {
   /// unknown format code prepares nothing, and the description is still read.
   void SetFileSpecs(std::int16_t slot);
 
+  /// What a capture that began now would be asked to write; empty for an unknown format code.
+  [[nodiscard]] platform::CaptureFormat Format() const;
+
   /// The description of the slot that was prepared last.
   [[nodiscard]] const std::string& FileFormatString() const { return fileFormatText_; }
 

@@ -37,6 +37,11 @@ base::Result CheckSongDelay(Settings& wished, const platform::Environment& /*env
   return base::Result::Done();
 }
 
+base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environment& /*environment*/) {
+  if (wished.IdleCaptureMinutes < 0) return base::Result::Failed("is not from 0 to 32767");
+  return base::Result::Done();
+}
+
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
   std::string& folder = wished.FileDir;
   if (folder.empty()) return base::Result::Failed("is empty; a folder begins with / or ~/");

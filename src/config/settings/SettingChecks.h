@@ -25,6 +25,8 @@ base::Result CheckSongDelay(Settings& wished, const platform::Environment& envir
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment);
 /// Must be the code of a format.
 base::Result CheckFileFormat(Settings& wished, const platform::Environment& environment);
+/// Fails below 0.
+base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environment& environment);
 /// Cleans it.
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& environment);
 

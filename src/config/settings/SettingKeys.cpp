@@ -98,6 +98,8 @@ constexpr SettingKey kSettingKeys[] = {
         "it is the port on which the radio was found, which the option /port changes"),
     Row<&Settings::Cleftune>("Cleftune"),
     Row<&Settings::CheckUpdatesAtStartup>("CheckUpdatesAtStartup"),
+    Row<&Settings::Watch>("Watch"),
+    Row<&Settings::IdleCaptureMinutes>("IdleCaptureMinutes").CheckedBy(CheckIdleCaptureMinutes),
 
     Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
     Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),

@@ -34,6 +34,10 @@ struct Settings : FormatSettings {
   std::int16_t PortNum = 0;         ///< serial port, 0 is unknown
   bool Cleftune = true;             ///< one file a song
   bool CheckUpdatesAtStartup = true;
+  /// Failures of radio, sound and disk are noticed, reported and, as far as possible, repaired.
+  bool Watch = true;
+  /// A capture that nobody asked for is begun anew after this many minutes; 0 is never.
+  std::int16_t IdleCaptureMinutes = 60;
 
   bool LegalAgreement = false;      ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;  ///< check state: the channels window is open

@@ -60,6 +60,9 @@ const Expected kExpected[] = {
     {"Cleftune", kBool, "True", "False", SHOWS(s.Cleftune), SHOWS(!s.Cleftune)},
     {"CheckUpdatesAtStartup", kBool, "True", "False", SHOWS(s.CheckUpdatesAtStartup),
      SHOWS(!s.CheckUpdatesAtStartup)},
+    {"Watch", kBool, "True", "False", SHOWS(s.Watch), SHOWS(!s.Watch)},
+    {"IdleCaptureMinutes", kInt16, "60", "0", SHOWS(s.IdleCaptureMinutes == 60),
+     SHOWS(s.IdleCaptureMinutes == 0)},
 
     {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
     {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),

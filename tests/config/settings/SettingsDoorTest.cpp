@@ -278,6 +278,11 @@ TEST_F(SettingsDoorTest, ASongDelayWithoutAnAbsoluteValueIsRefused) {
   Refused("SongDelay", "-32768", "SongDelay: \"-32768\" is not from -32767 to 32767");
 }
 
+TEST_F(SettingsDoorTest, TheMinutesOfAnIdleCaptureAreNotNegative) {
+  Refused("IdleCaptureMinutes", "-1", "IdleCaptureMinutes: \"-1\" is not from 0 to 32767");
+  Done("IdleCaptureMinutes", "0", "IdleCaptureMinutes=0");
+}
+
 TEST_F(SettingsDoorTest, TheFolderGetsItsSeparator) {
   Done("FileDir", "/srv/songs", "FileDir=/srv/songs/");
   EXPECT_EQ(settings_.FileDir, "/srv/songs/");
