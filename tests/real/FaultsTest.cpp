@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -12,12 +10,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 
 #include "platform/posix/TemporaryFolder.h"
 #include "real/Decoded.h"
 #include "real/LineUps.h"
 #include "real/Receiver.h"
+#include "real/SmallDisk.h"
 #include "real/Tone.h"
 #include "real/Unit.h"
 #include "real/Waiting.h"
@@ -54,29 +52,6 @@ class Faults : public testing::Test {
   }
 
   TemporaryFolder folder_;
-};
-
-/// A small disk of its own; root alone may make one.
-class SmallDisk {
- public:
-  SmallDisk(std::string folder, const char* size) : folder_(std::move(folder)) {
-    std::filesystem::create_directories(folder_);
-    const std::string options = std::string("size=") + size;
-    error_ =
-        ::mount("tmpfs", folder_.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()) == 0 ? 0 : errno;
-  }
-  ~SmallDisk() {
-    if (error_ == 0) ::umount2(folder_.c_str(), MNT_DETACH);
-  }
-  SmallDisk(const SmallDisk&) = delete;
-  SmallDisk& operator=(const SmallDisk&) = delete;
-
-  [[nodiscard]] std::string Trouble() const { return error_ == 0 ? "" : std::strerror(error_); }
-  [[nodiscard]] bool Full() const { return std::filesystem::space(folder_).available < 8192; }
-
- private:
-  std::string folder_;
-  int error_ = 0;
 };
 
 TEST_F(Faults, AReceiverThatGoesAwayInMidSongStopsNothing) {
