@@ -335,6 +335,7 @@ void Configuration::chkTaskBarMinimized(bool checked) {
 void Configuration::chkWatch(bool checked) {
   controls_.chkWatch = checked;
   Touch("Watch");
+  dirty_ = true;
 }
 
 std::string Configuration::cmdBrowse() {
