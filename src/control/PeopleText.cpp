@@ -38,8 +38,10 @@ std::string OrNone(std::string text) {
 }
 
 std::string RadioText(const StatusReport& report) {
+  if (!report.RadioLost.empty()) return Joined({report.RadioID, "lost: " + report.RadioLost}, " ");
   if (report.Port == 0) return "none found";
-  return Joined({report.RadioID, fmt::format("on port {}", report.Port)}, " ");
+  const std::string place = Joined({report.RadioID, fmt::format("on port {}", report.Port)}, " ");
+  return Joined({place, report.RadioDoubt}, ", ");
 }
 
 std::string RecordingText(const StatusReport& report) {
@@ -48,6 +50,12 @@ std::string RecordingText(const StatusReport& report) {
   return Joined({report.Recording, Length(report.CaptureLengthMs),
                  report.CaptureFailure.empty() ? "" : "not being written: " + report.CaptureFailure},
                 ", ");
+}
+
+std::string SignalText(const StatusReport& report) {
+  if (!report.RadioLost.empty()) return "unknown";
+  return fmt::format("satellite 1 {}%, satellite 2 {}%, terrestrial {}%", report.Satellite1,
+                     report.Satellite2, report.Terrestrial);
 }
 
 std::string ProgramText(const StatusReport& report) {
@@ -75,8 +83,7 @@ std::string StatusText(const StatusReport& report) {
           {"Format", Joined({report.FileFormat, report.FormatDescription}, ", ")},
           {"Folder", report.FileDir},
           {"Input", OrNone(report.InputDevice)},
-          {"Signal", fmt::format("satellite 1 {}%, satellite 2 {}%, terrestrial {}%", report.Satellite1,
-                                 report.Satellite2, report.Terrestrial)},
+          {"Signal", SignalText(report)},
           {"Samples", fmt::format("{} captured, {} lost", report.SamplesCaptured, report.SamplesLost)},
       });
   return Columns(rows);

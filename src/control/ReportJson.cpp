@@ -12,6 +12,8 @@ static void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("loading", report.Loading);
   visit("port", report.Port);
   visit("radioID", report.RadioID);
+  visit("radioLost", report.RadioLost);
+  visit("radioDoubt", report.RadioDoubt);
   visit("channelNumber", report.ChannelNumber);
   visit("station", report.Station);
   visit("genre", report.Genre);

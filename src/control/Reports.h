@@ -11,12 +11,14 @@ namespace kestrune::control {
 
 /// What a running unit reports about itself. Texts are UTF-8, or whatever bytes a folder's name is made of.
 struct StatusReport {
-  bool Loading = false;   ///< the start still runs
-  std::string Unit;       ///< empty for a single unit
-  std::string Version;    ///< such as "3.0.29"
-  int Port = 0;           ///< 0 while no radio is found
-  std::string RadioID;    ///< empty if it could not be read
-  int ChannelNumber = 0;  ///< the tuned channel
+  bool Loading = false;    ///< the start still runs
+  std::string Unit;        ///< empty for a single unit
+  std::string Version;     ///< such as "3.0.29"
+  int Port = 0;            ///< 0 while no radio is found, or it is lost
+  std::string RadioLost;   ///< why the radio cannot be reached; empty if it can
+  std::string RadioDoubt;  ///< why it may be on another channel; empty if it is not
+  std::string RadioID;     ///< empty if it could not be read
+  int ChannelNumber = 0;   ///< the tuned channel
   std::string Station;
   std::string Genre;
   std::string Artist;
@@ -38,7 +40,7 @@ struct StatusReport {
   std::string FormatDescription;
   std::string FileDir;
   std::string InputDevice;  ///< the device's name
-  int Satellite1 = 0;       ///< signal in percent, as the next two
+  int Satellite1 = 0;       ///< signal in percent, as the next two; 0 while the radio is lost
   int Satellite2 = 0;
   int Terrestrial = 0;
   std::int64_t SamplesCaptured = 0;  ///< since the start, a sample of each channel counted once

@@ -14,12 +14,16 @@ StatusReport StatusOf(const recorder::Snapshot& unit) {
   const recorder::CaptureRecord& capture =
       recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot));
   const radio::RadioState& radio = unit.State.Radio;
-  const recorder::Signal signal = unit.State.Announcement.Signal.value_or(recorder::Signal{});
+  const radio::LinkStatus& link = unit.State.Link;
+  const recorder::Signal signal =
+      link.Up() ? unit.State.Announcement.Signal.value_or(recorder::Signal{}) : recorder::Signal{};
   StatusReport report;
   report.Loading = unit.State.Run.FormLoading;
   report.Unit = unit.MultiUnit;
   report.Version = fmt::format("{}.{}.{}", base::kVersionMajor, base::kVersionMinor, base::kVersionRevision);
-  report.Port = unit.State.Settings.PortNum;
+  report.Port = link.Up() ? unit.State.Settings.PortNum : std::int16_t{0};
+  report.RadioLost = link.Cause;
+  report.RadioDoubt = link.Doubt;
   report.RadioID = radio.RadioID;
   report.ChannelNumber = radio.ChannelNumber;
   report.Station = unit.Tuned.Station;

@@ -32,6 +32,7 @@ std::string ExplainRecording(const recorder::State& state, const schedule::Restr
   if (known && modes.CheckKill() && restrictions.IsInKillList(recording.LastArtist, recording.LastSong)) {
     return "In the Kill list: it will be deleted at its end.";
   }
+  if (outcome.RadioLost) return "The radio was lost within this song: its name will say (Incomplete).";
   if (recording.Incomplete || recording.StartPending) {
     return "Begun within the song: its name will say (Incomplete).";
   }

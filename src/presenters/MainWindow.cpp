@@ -19,7 +19,7 @@ SignalBar Bar(std::int16_t percent) {
   return {.Value = percent * kBarUnitsPerPercent, .Caption = fmt::format("{}%", percent)};
 }
 
-void ShowAnnouncement(const recorder::Announcement& announcement, MainWindow& window) {
+void ShowAnnouncement(const recorder::Announcement& announcement, bool linkUp, MainWindow& window) {
   if (announcement.Channel != 0) {
     window.lblChannel.Caption =
         fmt::format("{}: {}", announcement.Channel, base::DoubleAmpersands(announcement.Station));
@@ -33,7 +33,7 @@ void ShowAnnouncement(const recorder::Announcement& announcement, MainWindow& wi
     window.TrayTip =
         fmt::format("Kestrune: {}\n{} - {}", recorder::StatusText(tip->Phase), tip->Artist, tip->Song);
   }
-  if (const auto& signal = announcement.Signal) {
+  if (const auto& signal = announcement.Signal; signal && linkUp) {
     window.pbrSatSignal = {Bar(signal->Satellite1), Bar(signal->Satellite2)};
     window.pbrTerSignal = Bar(signal->Terrestrial);
   }
@@ -72,7 +72,7 @@ void ShowOptions(const config::Settings& settings, MainWindow& window) {
 MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop) {
   MainWindow window;
   static_cast<DesktopRecord&>(window) = desktop;
-  ShowAnnouncement(state.Announcement, window);
+  ShowAnnouncement(state.Announcement, state.Link.Up(), window);
   ShowRecording(state, window);
   ShowOptions(state.Settings, window);
   window.Warning = state.Watch.Warning();

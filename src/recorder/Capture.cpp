@@ -28,7 +28,8 @@ Capture::Capture(AudioObjects& audio, SoundMeter& meter, State& state, config::F
       radio_(state.Radio),
       modes_(state),
       songFiles_(songFiles),
-      journal_(journal) {}
+      journal_(journal),
+      link_(state.Link) {}
 
 void Capture::ConnectRecorder() {
   audio_.AudioRecord->SetBlockHandler([this] { AudioRecord_EndArrayRecord(); });
@@ -52,6 +53,7 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   record.Outcome = {};
   record.Outcome.Event = modes_.Event();
   record.Outcome.Modes = modes_.InForce();
+  record.Outcome.RadioLost = !link_.Up();
 
   std::string path = fileName;
   const platform::NumberedResult created = CreateFree(slot, path);

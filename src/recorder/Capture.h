@@ -66,6 +66,7 @@ class Capture {
   Modes modes_;
   SongFiles& songFiles_;
   base::Journal& journal_;
+  const radio::LinkStatus& link_;
   std::string multiUnit_;
   std::int32_t sampleRate_ = 1;  // of the capture that runs
 };

@@ -32,6 +32,7 @@ struct CaptureOutcome {
   /// More than one percent of it is at full scale; complete once the capture has been stopped.
   bool Overloaded = false;
   int FullScalePercent = 0;  ///< rounded down
+  bool RadioLost = false;    ///< the radio was away for a part of it: its text was not followed there
 
   std::int16_t Event = 0;  ///< the schedule entry that ran when the capture began, 1 to 10; 0 for none
   ModeSwitches Modes;      ///< in force when the capture began: that entry's, or the user's
@@ -47,6 +48,8 @@ struct CaptureOutcome {
   static constexpr std::int64_t kNoticeableMs = 100;
   /// Whether the song is shorter than it should be.
   [[nodiscard]] bool Shortened() const { return !WriteFailure.empty() || MissingMs >= kNoticeableMs; }
+  /// Whether it may not be one whole song, for a reason outside the recorder.
+  [[nodiscard]] bool Flawed() const { return Shortened() || RadioLost; }
 };
 
 }  // namespace kestrune::recorder

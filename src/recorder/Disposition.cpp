@@ -44,7 +44,7 @@ void Disposition::Dispose(std::int16_t finished) {
     return;
   }
 
-  const bool incomplete = state_.Incomplete || capture.Outcome.Shortened();
+  const bool incomplete = state_.Incomplete || capture.Outcome.Flawed();
   Verdict verdict{
       .Keep = true, .Suffix = incomplete ? " (Incomplete)" : "", .Seconds = capture.LengthMs / 1000};
   TestLength(capture, verdict);

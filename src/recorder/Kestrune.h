@@ -19,6 +19,7 @@
 #include "recorder/Clock.h"
 #include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
+#include "recorder/LinkWatch.h"
 #include "recorder/Outside.h"
 #include "recorder/Presentation.h"
 #include "recorder/RadioSide.h"
@@ -93,6 +94,8 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] recorder::Wishes& Wishes() { return wishes_; }
   void cmdRecord() { commands_.cmdRecord(); }
   void cmdStop() { commands_.cmdStop(); }
+  /// Whether the radio can be reached now; the cause says why not.
+  [[nodiscard]] base::Result RadioReady() const { return linkWatch_.Ready(); }
   /// Tunes the radio; asking for the tuned channel does nothing.
   void SetChannelNumber(std::int16_t channel) { radio_.Channels.SetChannelNumber(channel); }
   /// False, with a sound, while recording forbids it.
@@ -182,6 +185,7 @@ class Kestrune final : private radio::ChannelEvents {
   SoundSide sound_;
   RecordCommands commands_;
   config::SettingsDoor settingsDoor_;
+  LinkWatch linkWatch_;
 
   // What drives them.
   CaptureWatch captureWatch_;

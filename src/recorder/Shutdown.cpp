@@ -34,7 +34,8 @@ void Kestrune::CloseFirstPass() {
   outside_.Windows.RemoveTrayIcon();
   state_.Run.ShuttingDown = true;
   outside_.Windows.HideAll();
-  if (!state_.Settings.RadioOnAtExit) {
+  linkWatch_.Stop();
+  if (!state_.Settings.RadioOnAtExit && state_.Link.Up()) {
     base::Ignored(radio_.Session.pcrMute(true));
     base::Ignored(radio_.Session.pcrPowerOff());
   }

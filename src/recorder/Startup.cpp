@@ -73,6 +73,7 @@ StartOutcome Kestrune::LoadSteps() {
   PrepareRecording();
   outside_.Windows.EnableMainWindow();
   radio_.Channels.StartWalk();
+  linkWatch_.Start();
   stayAwake_.Start();
   soundWatch_.Start();
   diskWatch_.Start();

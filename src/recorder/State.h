@@ -3,6 +3,7 @@
 #include "base/RunState.h"
 #include "config/settings/Settings.h"
 #include "radio/channels/RadioState.h"
+#include "radio/line/LinkState.h"
 #include "recorder/Announcement.h"
 #include "recorder/ClockState.h"
 #include "recorder/RecordingState.h"
@@ -17,6 +18,7 @@ namespace kestrune::recorder {
 struct State {
   base::RunState Run;
   radio::RadioState Radio;
+  radio::LinkStatus Link;  ///< up before the watch over the line begins
   RecordingState Recording;
   schedule::ScheduleState Schedule;
   /// Entries 1 to 10 at indices 0 to 9, as the last reload left them.

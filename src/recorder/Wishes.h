@@ -27,9 +27,9 @@ class Wishes {
   /// The two buttons; refused where the button is disabled.
   void Record(Answered answered = {});
   void Stop(Answered answered = {});
-  /// Refused while recording keeps the channel; the tuned channel is tuned already.
+  /// Refused while recording keeps the channel, and while the radio is lost; the tuned channel is tuned already.
   void Tune(std::int16_t channel, Answered answered = {});
-  /// Refused, with a sound, while recording forbids it.
+  /// Refused, with a sound, while recording forbids it, and while the radio is lost.
   void Mute(bool on, Answered answered = {});
   void ToggleMute(Answered answered = {});
   void ReloadChannels(Answered answered = {});

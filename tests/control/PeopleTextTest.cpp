@@ -74,6 +74,21 @@ TEST(PeopleText, ABusyUnitsStatus) {
             "Samples    44100 captured, 0 lost\n");
 }
 
+TEST(PeopleText, ALostRadioSaysWhyAndHasNoSignal) {
+  StatusReport report = Busy();
+  report.Port = 0;
+  report.RadioLost = "the device is gone";
+  EXPECT_NE(Status(report).find("Radio      ABC12345 lost: the device is gone\n"), std::string::npos);
+  EXPECT_NE(Status(report).find("Signal     unknown\n"), std::string::npos);
+}
+
+TEST(PeopleText, ARadioInDoubtSaysWhy) {
+  StatusReport report = Busy();
+  report.RadioDoubt = "the radio refuses channel 9";
+  EXPECT_NE(Status(report).find("Radio      ABC12345 on port 3, the radio refuses channel 9\n"),
+            std::string::npos);
+}
+
 TEST(PeopleText, AStartingUnitsStatus) {
   StatusReport report;
   report.Version = "3.0.29";

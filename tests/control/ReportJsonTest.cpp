@@ -18,6 +18,8 @@ StatusReport FullStatus() {
   report.Version = "3.0.29";
   report.Port = 3;
   report.RadioID = "ABC12345";
+  report.RadioLost = "the device is gone";
+  report.RadioDoubt = "the radio refuses channel 9";
   report.ChannelNumber = 44;
   report.Station = "Fred";
   report.Genre = "Rock";
@@ -49,7 +51,8 @@ StatusReport FullStatus() {
 }
 
 constexpr const char* kFullStatus =
-    R"({"unit":"2","version":"3.0.29","loading":true,"port":3,"radioID":"ABC12345","channelNumber":44,)"
+    R"({"unit":"2","version":"3.0.29","loading":true,"port":3,"radioID":"ABC12345",)"
+    R"("radioLost":"the device is gone","radioDoubt":"the radio refuses channel 9","channelNumber":44,)"
     R"("station":"Fred","genre":"Rock","artist":"The Cure","song":"Lullaby","recording":"Recording",)"
     R"("recordRequested":true,"waitingForNextSong":true,"captureLengthMs":5000000000,)"
     R"("warning":"The disk is nearly full: room for 1:40.","captureFailure":"No space left on device",)"

@@ -78,5 +78,18 @@ TEST(StatusOf, EveryFieldComesFromItsPlaceInTheSnapshot) {
   EXPECT_EQ(report.SamplesLost, 9);
 }
 
+TEST(StatusOf, ALostRadioHasNoPortAndNoSignal) {
+  recorder::State state;
+  state.Settings.PortNum = 3;
+  state.Announcement.Signal = recorder::Signal{.Satellite1 = 80, .Satellite2 = 81, .Terrestrial = 82};
+  state.Link = {.State = radio::LinkState::Silent, .Cause = "it does not answer", .Port = 3};
+  const std::string none;
+  const StatusReport report = StatusOf(
+      {.State = state, .MultiUnit = none, .Tuned = {}, .FormatDescription = {}, .InputDeviceName = none});
+  EXPECT_EQ(report.Port, 0);
+  EXPECT_EQ(report.RadioLost, "it does not answer");
+  EXPECT_EQ(report.Satellite1 + report.Satellite2 + report.Terrestrial, 0);
+}
+
 }  // namespace
 }  // namespace kestrune::control

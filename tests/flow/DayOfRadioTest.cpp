@@ -10,7 +10,9 @@ namespace kestrune::test {
 namespace {
 
 using namespace std::chrono_literals;
+using ::testing::Contains;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 /// Another seed for each run, printed, or the one of the variable KESTRUNE_SEED.
 std::uint32_t Seed() {
@@ -55,14 +57,16 @@ TEST(DayOfRadio, ABadLineAndABadRadioBreakNothing) {
   EXPECT_GT(day.Ledger().Captures, 3);
 }
 
-TEST(DayOfRadio, ACableThatIsPulledLosesNoSound) {
+TEST(DayOfRadio, ACableThatIsPulledLosesNoSoundAndTheRadioIsFoundAgain) {
   DayOfRadio day({.Seed = Seed(), .Length = Length(2h), .BadMoments = false, .Unplugs = true});
   day.Run();
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_THAT(day.Misnamed(), IsEmpty());
-  EXPECT_FALSE(day.LineOpenAtTheEnd()) << "nothing opens the line again yet";
+  EXPECT_TRUE(day.LineOpenAtTheEnd());
+  EXPECT_THAT(day.LogTexts(), Contains("Radio lost on port 1: the device is gone").Times(1));
+  EXPECT_THAT(day.LogTexts(), Contains(StartsWith("Radio found again on port 1 after ")).Times(1));
 }
 
 TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {

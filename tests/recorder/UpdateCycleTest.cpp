@@ -149,7 +149,8 @@ TEST_F(UpdateCycleTest, LabelsShowTheTunedChannelWithAmpersandsDoubled) {
   EXPECT_EQ(rig.Window().Title, "Kestrune: Salt & Sea");
 }
 
-TEST_F(UpdateCycleTest, ASilentRadioChangesNothingAndTheCaptureRunsOn) {
+TEST_F(UpdateCycleTest, WithoutTheWatchASilentRadioChangesNothingAndTheCaptureRunsOn) {
+  rig.Set("Watch", "False");
   rig.StartIdle();
   rig.Radio.Answers = false;
   rig.Run(10min);

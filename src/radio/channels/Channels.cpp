@@ -81,10 +81,17 @@ void Channels::StartWalk() {
   session_.pcrEnumerateChannels(0);
 }
 
+void Channels::RepeatWalk() {
+  if (state_.ChannelsLoading) return;
+  walkingAgain_ = true;
+  walkCursor_ = 0;
+}
+
 void Channels::RequestChannelInfo() {
   if (run_.FormLoading || run_.ShuttingDown) return;
   if (session_.pcrWaitingForResponse() && loop_.SteadyNow() - state_.LastInfoRequest < kLostReply) return;
   loop_.PumpEvents();
+  stepAsked_ = false;
   if (state_.ChannelsLoading) {
     Trace("InitEnum ", state_.EnumCursor);
     session_.pcrEnumerateChannels(state_.EnumCursor);
@@ -92,6 +99,10 @@ void Channels::RequestChannelInfo() {
     state_.PollTunedNext = false;
     Trace("", state_.ChannelNumber);
     session_.pcrGetChannelInfo(state_.ChannelNumber);
+  } else if (walkingAgain_) {
+    state_.PollTunedNext = stepAsked_ = true;
+    Trace("EnumAgain ", walkCursor_);
+    session_.pcrEnumerateChannels(walkCursor_);
   } else {
     state_.PollTunedNext = true;
     ++state_.EnumCursor;
@@ -111,6 +122,7 @@ void Channels::Trace(std::string_view what, std::int16_t number) {
 void Channels::pcrChannelInfoReceived(const ChannelInfo& info) {
   state_.LastInfoRequest = loop_.SteadyNow();
   if (run_.ShuttingDown) return;
+  if (stepAsked_) WalkAgainOn(info.Channel);
   if (info.Channel == kUnlistedChannel) {
     if (state_.ChannelsLoading) state_.EnumCursor = kUnlistedChannel;
     return;
@@ -155,6 +167,17 @@ bool Channels::WalkOn(std::int16_t channel) {
     session_.pcrEnumerateChannels(0);
   }
   return true;
+}
+
+// A late reply to another request can skip some channels; the polling has them all the same, unless they are new.
+void Channels::WalkAgainOn(std::int16_t channel) {
+  stepAsked_ = false;
+  if (channel > walkCursor_) {
+    walkCursor_ = channel;
+  } else if (channel == kEndOfList) {
+    walkingAgain_ = false;
+    SaveChannels();
+  }
 }
 
 void Channels::AddChannel(const ChannelInfo& info) {

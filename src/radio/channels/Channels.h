@@ -54,6 +54,10 @@ class Channels {
 
   /// Ends FormLoading and asks the radio for its first channel. Call it once, after LoadChannels.
   void StartWalk();
+  /// Goes through the radio's list once more, in place of the polling of the other channels: songs are cut meanwhile, the
+  /// tuned channel is asked every second time as ever, and channels that are new come into the table and the list
+  /// file. Does nothing while the first walk runs.
+  void RepeatWalk();
   /// One step of the walk or of the polling; does nothing while a reply is awaited, for 2 seconds at most.
   void RequestChannelInfo();
   /// Handles a reply. Events run inside, with InfoBusy set.
@@ -85,6 +89,7 @@ class Channels {
   void HandleReply(const ChannelInfo& info);
   [[nodiscard]] bool WalkOn(std::int16_t channel);
   void FinishWalk();
+  void WalkAgainOn(std::int16_t channel);
   void RemoveStaleChannels();
   void AddChannel(const ChannelInfo& info);
   void AddToGrid(const ChannelEntry& entry);
@@ -103,6 +108,9 @@ class Channels {
   ChannelGrid grid_;
   ChannelListFile listFile_;
   bool walkEnded_ = false;
+  bool walkingAgain_ = false;
+  bool stepAsked_ = false;       // the last request was a step of that walk
+  std::int16_t walkCursor_ = 0;  // the last channel of that walk
 };
 
 }  // namespace kestrune::radio

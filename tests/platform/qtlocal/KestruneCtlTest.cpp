@@ -120,9 +120,10 @@ TEST_F(KestruneCtlTest, StatusForMachinesIsOneLineOfJson) {
   const Ended ended = Run({"status", "--json"});
   EXPECT_EQ(ended.Status, 0);
   EXPECT_EQ(ended.Out,
-            R"({"unit":"","version":"3.0.29","loading":false,"port":0,"radioID":"","channelNumber":0,)"
+            R"({"unit":"","version":"3.0.29","loading":false,"port":0,"radioID":"",)"
+            R"("radioLost":"","radioDoubt":"","channelNumber":0,)"
             R"("station":"","genre":"","artist":"","song":"","recording":"","recordRequested":false,)"
-            R"("waitingForNextSong":false,"captureLengthMs":0,"captureFailure":"",)"
+            R"("waitingForNextSong":false,"captureLengthMs":0,"warning":"","captureFailure":"",)"
             R"("recordedCount":0,"tooShortCount":0,)"
             R"("tooLongCount":0,"restrictedCount":0,"channelsLoading":false,"channelCount":0,)"
             R"("activeSchedule":0,"fileFormat":"","formatDescription":"","fileDir":"","inputDevice":"",)"

@@ -740,5 +740,35 @@ TEST_F(ChannelsTest, ALiveRadioIsWalkedTwiceAndThenPolled) {
       << "every second request, and its turn in the table";
 }
 
+TEST_F(ChannelsTest, ASecondWalkTakesTheTurnsOfTheOthersAndFindsWhatIsNew) {
+  for (const std::int16_t number : {44, 45, 46}) {
+    channels.pcrChannelInfoReceived({.Channel = number, .Station = "Station", .Artist = "A", .Song = "S"});
+  }
+  state.ChannelNumber = 44;
+  const auto replies = [this](const char* request, std::uint8_t channel) {
+    port.WhenWritten(Bytes(request), ChannelInfoFrame(channel, "Station", "G", "Artist", "Song"),
+                     Milliseconds(83));
+  };
+  replies("5A A5 00 04 25 09 00 00 ED ED", 44);
+  replies("5A A5 00 04 25 09 2C 00 ED ED", 45);
+  replies("5A A5 00 04 25 09 2D 00 ED ED", 46);
+  replies("5A A5 00 04 25 09 2E 00 ED ED", 99);
+  replies("5A A5 00 04 25 08 2C 00 ED ED", 44);
+  port.WhenWritten(Bytes("5A A5 00 04 25 09 63 00 ED ED"), EndOfListFrame(), Milliseconds(83));
+  const auto tick = loop.MakeTimer(Milliseconds(200), [this] { channels.RequestChannelInfo(); });
+  tick->SetEnabled(true);
+  channels.RepeatWalk();
+  loop.Run(Milliseconds(2'100));
+  EXPECT_FALSE(state.ChannelsLoading) << "songs are cut meanwhile";
+  EXPECT_TRUE(Wrote({"5A A5 00 04 25 09 00 00 ED ED", "5A A5 00 04 25 08 2C 00 ED ED",
+                     "5A A5 00 04 25 09 2C 00 ED ED", "5A A5 00 04 25 08 2C 00 ED ED",
+                     "5A A5 00 04 25 09 2D 00 ED ED", "5A A5 00 04 25 08 2C 00 ED ED",
+                     "5A A5 00 04 25 09 2E 00 ED ED", "5A A5 00 04 25 08 2C 00 ED ED",
+                     "5A A5 00 04 25 09 63 00 ED ED", "5A A5 00 04 25 08 2C 00 ED ED"}));
+  EXPECT_THAT(TableNumbers(), ElementsAre(44, 45, 46, 99));
+  loop.Run(Milliseconds(200));
+  EXPECT_TRUE(Wrote({"5A A5 00 04 25 08 2C 00 ED ED"})) << "the polling goes on with the first slot";
+}
+
 }  // namespace
 }  // namespace kestrune::test
