@@ -93,7 +93,7 @@ Examined NoDatabase() {
 
 Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bool>& stop) {
   const auto failed = [&database] {
-    return database.IsDamaged() ? NoDatabase() : Examined{Verdict::Failed, {}, {}};
+    return database.IsUnreadable() ? NoDatabase() : Examined{Verdict::Failed, {}, {}};
   };
   const auto version = database.NumberOf("PRAGMA user_version");
   const auto application = database.NumberOf("PRAGMA application_id");

@@ -85,6 +85,11 @@ base::Result SqliteConnection::Failure() const {
   return base::Result::Failed(::sqlite3_errstr(lastFailure_ == 0 ? SQLITE_ERROR : primary));
 }
 
+bool SqliteConnection::IsUnreadable() const {
+  const int primary = PrimaryCode(lastFailure_);
+  return damaged_ || primary == SQLITE_ERROR || primary == SQLITE_FORMAT;
+}
+
 void SqliteConnection::ReleaseMemory() {
   ::sqlite3_db_release_memory(database_);
 }

@@ -84,6 +84,8 @@ class SqliteConnection {
   [[nodiscard]] base::Result Failure() const;
   /// Whether the file was found to be no database, or a broken one.
   [[nodiscard]] bool IsDamaged() const { return damaged_; }
+  /// The same of a file that is being opened: there also what the commands say may show that it is none of ours.
+  [[nodiscard]] bool IsUnreadable() const;
   [[nodiscard]] bool WasStopped() const { return stopped_; }
   /// Gives back memory that is kept only for speed.
   void ReleaseMemory();
