@@ -200,6 +200,27 @@ void Feed(benchmark::State& state) {
     history.Close("");
   }
 }
+/// What a cut pays on the main thread: the row of a song, handed over every tenth time.
+void EndSong(benchmark::State& state) {
+  const Folder folder;
+  test::SimulatedEventLoop loop(kEnd);
+  platform::SqliteHistoryStore store(loop, folder.Record());
+  history::History history(store, loop);
+  history.Begin();
+  platform::HistorySong song;
+  song.Began = song.Ended = kEnd;
+  song.Station = "Station";
+  song.Artist = Artist(44, 1);
+  song.Title = Title(44, 1);
+  song.File = "/music/Rock/44 - Station/" + song.Artist + " - " + song.Title + ".mp3";
+  int songs = 0;
+  for ([[maybe_unused]] auto step : state) {
+    history.SongEnded(song);
+    if (++songs % 10 == 0) loop.Run(history::History::kSoon);
+  }
+}
+BENCHMARK(EndSong)->Iterations(2000);
+
 BENCHMARK(Feed)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

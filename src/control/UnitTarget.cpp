@@ -199,23 +199,15 @@ void UnitTarget::RemoveFromList(schedule::RestrictList list, std::string_view te
       std::move(answered));
 }
 
-namespace {
-
-constexpr const char* kNoRecord = "this unit keeps no record of what happened";
-
-}  // namespace
-
 void UnitTarget::Report(const ReportQuestion& question, ReportAnswered answered) {
-  if (history_ == nullptr) return answered(Result::Failed(kNoRecord), {});
   const base::DateValue now = unit_.Now();
   history::SinceRead since{.Since = history::LastNight(now), .Error = {}};
   if (!question.Since.empty()) since = history::ReadSince(question.Since, now);
   if (!since.Error.empty()) return answered(Result::Failed(since.Error), {});
-  history_->AskReport(since.Since, std::move(answered));
+  unit_.Parts().History.AskReport(since.Since, std::move(answered));
 }
 
 void UnitTarget::History(const HistoryQuestion& question, HistoryAnswered answered) {
-  if (history_ == nullptr) return answered(Result::Failed(kNoRecord), {});
   platform::HistorySearch search{.Text = question.Text,
                                  .Channel = static_cast<std::int16_t>(question.Channel),
                                  .Since = {},
@@ -225,7 +217,7 @@ void UnitTarget::History(const HistoryQuestion& question, HistoryAnswered answer
     if (!since.Error.empty()) return answered(Result::Failed(since.Error), {});
     search.Since = since.Since;
   }
-  history_->Search(std::move(search), std::move(answered));
+  unit_.Parts().History.Search(std::move(search), std::move(answered));
 }
 
 void UnitTarget::Quit(Answered answered) {

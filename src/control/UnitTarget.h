@@ -6,7 +6,6 @@
 
 #include "control/ControlTarget.h"
 #include "control/ScheduleCommands.h"
-#include "history/History.h"
 #include "recorder/Kestrune.h"
 
 namespace kestrune::control {
@@ -15,9 +14,8 @@ namespace kestrune::control {
 /// the windows, and is refused where a person would be.
 class UnitTarget final : public ControlTarget {
  public:
-  /// Both must outlive the target. Without a history, questions about the record are refused.
-  explicit UnitTarget(recorder::Kestrune& unit, history::History* history = nullptr)
-      : unit_(unit), history_(history) {}
+  /// The unit must outlive the target.
+  explicit UnitTarget(recorder::Kestrune& unit) : unit_(unit) {}
 
   [[nodiscard]] StatusReport Status() override;
   [[nodiscard]] std::vector<ChannelReport> Channels() override;
@@ -50,7 +48,6 @@ class UnitTarget final : public ControlTarget {
                    Answered answered);
 
   recorder::Kestrune& unit_;
-  history::History* history_;
 };
 
 }  // namespace kestrune::control

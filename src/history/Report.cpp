@@ -153,7 +153,7 @@ class StoryTeller {
     // Arithmetic of lengths, so that a step of the clock in the middle of an event makes no difference.
     std::int64_t coveredMs = 0;
     for (const HistorySong& song : story.Songs)
-      if (IsAccountedFor(song.Fate)) coveredMs += song.LengthMs;
+      if (IsAccountedFor(song.Fate)) coveredMs += song.LengthMs - std::min(song.SilentMs, song.LengthMs);
     AddGaps(last, end, story);
     AddLosses(story);
     for (const MissingPart& part : story.Missing)
@@ -184,8 +184,7 @@ class StoryTeller {
         .From = from, .To = to, .Seconds = SecondsBetween(from, to), .Why = {}, .Intended = false};
     part.Why = WhyBetween(from, to);
     if (part.Why.empty() && story.State == EventState::Missed) part.Why = story.Why;
-    if (part.Why.empty() && story.Ended && from >= story.Ended->AddSeconds(-kNoticeableGap))
-      part.Why = story.Why;
+    if (part.Why.empty() && story.Ended && from <= *story.Ended && *story.Ended <= to) part.Why = story.Why;
     if (part.Why.empty() && waitsForWholeSong) {
       part.Why = "before the first whole song";
       part.Intended = true;
@@ -197,13 +196,15 @@ class StoryTeller {
   void AddLosses(EventStory& story) const {
     for (const HistorySong& song : story.Songs) {
       if (!IsAccountedFor(song.Fate)) continue;
-      const std::int64_t seconds = (song.MissingMs + 500) / 1000;
+      const std::int64_t seconds = (song.MissingMs + song.SilentMs + 500) / 1000;
       if (seconds < 1) continue;
+      const std::string inSong =
+          song.MissingMs >= song.SilentMs ? "sound was lost in this song" : "there is silence in this song";
       const std::string why = WhyBetween(song.Began, song.Ended);
       story.Missing.push_back({.From = song.Began,
                                .To = song.Ended,
                                .Seconds = seconds,
-                               .Why = why.empty() ? "sound was lost in this song" : why,
+                               .Why = why.empty() ? inSong : why,
                                .Intended = false});
     }
     std::stable_sort(story.Missing.begin(), story.Missing.end(),

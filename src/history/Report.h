@@ -36,7 +36,7 @@ struct EventStory {
   std::string Why;  ///< why it was missed or broke off; empty if all was well
   int Kept = 0;     ///< songs
   int Dropped = 0;
-  /// What is missing, all in all, in seconds: the planned time, less what is in a file and what was dropped or left
+  /// What is missing, all in all, in seconds: the planned time, less what is in a file (silence that was noticed is not) and what was dropped or left
   /// out as asked for. What falls short of half a minute is not counted.
   std::int64_t MissingSeconds = 0;
   std::vector<MissingPart> Missing;

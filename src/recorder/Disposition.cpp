@@ -7,6 +7,8 @@
 namespace kestrune::recorder {
 namespace {
 
+using platform::SongFate;
+
 std::string PathOf(const CaptureRecord& capture, const std::string& suffix) {
   return capture.FileName + suffix + "." + capture.Extension;
 }
@@ -17,7 +19,7 @@ constexpr const char* kDuplicate = ", duplicate song in output directory";
 
 Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
                          const schedule::Restrictions& restrictions, SongFiles& songFiles,
-                         base::EventLoop& loop, base::Journal& journal)
+                         base::EventLoop& loop, base::Journal& journal, Chronicle& chronicle)
     : state_(state.Recording),
       radio_(state.Radio),
       settings_(state.Settings),
@@ -26,12 +28,14 @@ Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
       restrictions_(restrictions),
       songFiles_(songFiles),
       loop_(loop),
-      journal_(journal) {}
+      journal_(journal),
+      chronicle_(chronicle) {}
 
 void Disposition::Dispose(std::int16_t finished) {
   CaptureRecord& capture = state_.CaptureSlots[static_cast<std::size_t>(finished)];
   const bool cutAtItsBeginning = state_.WaitingForNextSong && !state_.StopPending;
   if (cutAtItsBeginning) {
+    chronicle_.SongEnded(capture, SongFate::NotWhole, "");
     songFiles_.Discard(capture);
     state_.Incomplete = false;
     return;
@@ -45,13 +49,17 @@ void Disposition::Dispose(std::int16_t finished) {
   }
 
   const bool incomplete = state_.Incomplete || capture.Outcome.Flawed();
-  Verdict verdict{
-      .Keep = true, .Suffix = incomplete ? " (Incomplete)" : "", .Seconds = capture.LengthMs / 1000};
+  Verdict verdict{.Keep = true,
+                  .Suffix = incomplete ? " (Incomplete)" : "",
+                  .Seconds = capture.LengthMs / 1000,
+                  .Fate = incomplete ? SongFate::KeptIncomplete : SongFate::Kept,
+                  .Reason = {}};
   TestLength(capture, verdict);
   TestSound(capture, verdict);
   TestLists(capture, verdict);
   TestDuplicates(capture, verdict);
   if (verdict.Keep) Keep(capture, verdict);
+  chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
   if (!verdict.Keep) songFiles_.Discard(capture);
   loop_.PumpEvents();
   state_.Incomplete = false;
@@ -70,14 +78,16 @@ void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
       journal_.DoLog(LogLine("Recorded: Channel ", capture, verdict, " " + fileSpecs_.FileFormatString()));
       break;
     case MovedSong::To::NameTaken:
-      Reject(capture, verdict, kDuplicate);
+      Reject(capture, verdict, SongFate::Duplicate, kDuplicate);
       break;
     case MovedSong::To::OwnName:
+      verdict.Fate = SongFate::KeptUnnamed;
+      verdict.Reason = moved.Cause;
       journal_.DoLog(LogLine("Not Renamed: Channel ", capture, verdict,
                              fmt::format(", kept as \"{}\": {}", moved.Path, moved.Cause)));
       break;
     case MovedSong::To::Nowhere:
-      Reject(capture, verdict, ", " + moved.Cause);
+      Reject(capture, verdict, SongFate::Failed, ", " + moved.Cause);
       break;
   }
 }
@@ -85,19 +95,22 @@ void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
 void Disposition::TestLength(const CaptureRecord& capture, Verdict& verdict) {
   if (verdict.Seconds < settings_.MinSongLength) {
     ++state_.TooShortCount;
-    Reject(capture, verdict, ", Minimum length: " + FormatSeconds(settings_.MinSongLength));
+    Reject(capture, verdict, SongFate::TooShort,
+           ", Minimum length: " + FormatSeconds(settings_.MinSongLength));
   }
   // A capture can count in both tests, and the word is the same in both lines.
   if (verdict.Seconds > settings_.MaxSongLength && settings_.MaxSongLength > 0) {
     ++state_.TooLongCount;
-    Reject(capture, verdict, ", Minimum length: " + FormatSeconds(settings_.MaxSongLength));
+    Reject(capture, verdict, SongFate::TooLong,
+           ", Minimum length: " + FormatSeconds(settings_.MaxSongLength));
   }
 }
 
 void Disposition::TestSound(const CaptureRecord& capture, Verdict& verdict) {
   if (!verdict.Keep || capture.LengthMs > 0) return;
   const std::string& cause = capture.Outcome.Failure();
-  Reject(capture, verdict, cause.empty() ? ", no sound came" : ", no sound was recorded: " + cause);
+  Reject(capture, verdict, cause.empty() ? SongFate::NoSound : SongFate::Failed,
+         cause.empty() ? ", no sound came" : ", no sound was recorded: " + cause);
 }
 
 void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
@@ -107,11 +120,11 @@ void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
   const bool kill = outcome.Event != 0 ? outcome.Modes.Kill : modes_.CheckKill();
   if (grab && verdict.Keep && !restrictions_.IsInGrabList(state_.LastArtist, state_.LastSong)) {
     ++state_.RestrictedCount;
-    Reject(capture, verdict, ", not found in the grab list");
+    Reject(capture, verdict, SongFate::NotGrabbed, ", not found in the grab list");
   }
   if (kill && verdict.Keep && restrictions_.IsInKillList(state_.LastArtist, state_.LastSong)) {
     ++state_.RestrictedCount;
-    Reject(capture, verdict, ", found in the kill list");
+    Reject(capture, verdict, SongFate::Killed, ", found in the kill list");
   }
 }
 
@@ -121,7 +134,7 @@ void Disposition::TestDuplicates(CaptureRecord& capture, Verdict& verdict) {
   if (SavesDuplicate(capture)) {
     while (taken()) AdvanceName(capture.FileName);
   } else if (taken()) {
-    Reject(capture, verdict, kDuplicate);
+    Reject(capture, verdict, SongFate::Duplicate, kDuplicate);
   }
 }
 
@@ -129,8 +142,11 @@ bool Disposition::SavesDuplicate(const CaptureRecord& capture) const {
   return settings_.SaveDuplicates || capture.Piece;
 }
 
-void Disposition::Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why) {
+void Disposition::Reject(const CaptureRecord& capture, Verdict& verdict, SongFate fate,
+                         const std::string& why) {
   verdict.Keep = false;
+  verdict.Fate = fate;
+  verdict.Reason = why;
   journal_.DoLog(LogLine("Not Recorded: Channel ", capture, verdict, why));
 }
 

@@ -6,6 +6,7 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
+#include "recorder/Chronicle.h"
 #include "recorder/Modes.h"
 #include "recorder/SongFiles.h"
 #include "recorder/State.h"
@@ -20,7 +21,7 @@ class Disposition {
  public:
   /// All must outlive the object.
   Disposition(State& state, const config::FileSpecs& fileSpecs, const schedule::Restrictions& restrictions,
-              SongFiles& songFiles, base::EventLoop& loop, base::Journal& journal);
+              SongFiles& songFiles, base::EventLoop& loop, base::Journal& journal, Chronicle& chronicle);
 
   /// Called while the next capture is already running. Clears `Incomplete`.
   void Dispose(std::int16_t finished);
@@ -30,6 +31,8 @@ class Disposition {
     bool Keep = true;
     std::string Suffix;
     std::int64_t Seconds = 0;
+    platform::SongFate Fate = platform::SongFate::Kept;
+    std::string Reason;  ///< of a fate that is not to be kept under the final name
   };
 
   void TestLength(const CaptureRecord& capture, Verdict& verdict);
@@ -39,7 +42,8 @@ class Disposition {
   /// Whether it gets another name if its own is in use.
   [[nodiscard]] bool SavesDuplicate(const CaptureRecord& capture) const;
   void Keep(CaptureRecord& capture, Verdict& verdict);
-  void Reject(const CaptureRecord& capture, Verdict& verdict, const std::string& why);
+  void Reject(const CaptureRecord& capture, Verdict& verdict, platform::SongFate fate,
+              const std::string& why);
   [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,
                                     const Verdict& verdict, std::string_view tail) const;
 
@@ -52,6 +56,7 @@ class Disposition {
   SongFiles& songFiles_;
   base::EventLoop& loop_;
   base::Journal& journal_;
+  Chronicle& chronicle_;
 };
 
 }  // namespace kestrune::recorder

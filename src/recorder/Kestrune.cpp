@@ -29,10 +29,16 @@ Kestrune::Kestrune(const Outside& outside)
       tmrQuit_(outside.Loop.MakeTimer(kQuitInterval, [this] { tmrQuit_Timer(); })),
       log_(outside.Files, outside.Environment, outside.Loop),
       restrictions_(outside.Files, outside.Environment, log_),
+      history_(outside.HistoryStore, outside.Loop),
+      chronicle_(history_, outside.Loop),
       announcer_(state_, log_),
       radio_(outside, state_, log_, *this),
       sound_(outside, state_,
-             {.Channels = radio_.Channels, .Restrictions = restrictions_, .Announcer = announcer_}, log_),
+             {.Channels = radio_.Channels,
+              .Restrictions = restrictions_,
+              .Announcer = announcer_,
+              .Chronicle = chronicle_},
+             log_),
       commands_(state_, announcer_, radio_.Session, outside.Loop, *tmrUpdate_),
       settingsDoor_({.Settings = state_.Settings,
                      .Section = section_,
@@ -48,7 +54,7 @@ Kestrune::Kestrune(const Outside& outside)
                           .Loop = outside.Loop,
                           .Journal = log_}),
       captureWatch_(state_, sound_.Boundary, outside.Loop, log_),
-      schedulePass_(state_, radio_.Channels, commands_, log_, outside.Loop, *tmrUpdate_),
+      schedulePass_(state_, radio_.Channels, commands_, log_, outside.Loop, *tmrUpdate_, chronicle_),
       updateCycle_(state_,
                    {.Channels = radio_.Channels,
                     .Boundary = sound_.Boundary,
@@ -63,7 +69,9 @@ Kestrune::Kestrune(const Outside& outside)
       diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
+  outside_.HistoryStore.SetTroubleHandler([this](const std::string& line) { log_.DoLog(line); });
   radio_.Session.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
+    chronicle_.Heard(info);
     radio_.Channels.pcrChannelInfoReceived(info);
   };
   radio_.Session.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
@@ -76,7 +84,9 @@ Kestrune::Kestrune(const Outside& outside)
   });
 }
 
-Kestrune::~Kestrune() = default;
+Kestrune::~Kestrune() {
+  outside_.HistoryStore.SetTroubleHandler({});
+}
 
 void Kestrune::SetPresentation(Presentation* presentation) {
   presentation_ = presentation != nullptr ? presentation : &noWindows_;
@@ -97,6 +107,7 @@ Snapshot Kestrune::Snapshot() const {
 UnitParts Kestrune::Parts() {
   return {.Channels = radio_.Channels,
           .Log = log_,
+          .History = history_,
           .Restrictions = restrictions_,
           .EntryEditors = entryEditors_,
           .Section = section_,
@@ -125,6 +136,7 @@ void Kestrune::mnuReload_Click() {
 
 void Kestrune::tmrClock_Timer() {
   clock_.Tick();
+  chronicle_.Follow(state_.Watch);
   presentation_->ApplyResizeRule();
 }
 

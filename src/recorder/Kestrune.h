@@ -11,11 +11,13 @@
 #include "base/EventLoop.h"
 #include "config/settings/SettingsDoor.h"
 #include "config/settings/SettingsSection.h"
+#include "history/History.h"
 #include "radio/channels/Channels.h"
 #include "radio/line/BringUp.h"
 #include "recorder/Announcer.h"
 #include "recorder/Boxes.h"
 #include "recorder/CaptureWatch.h"
+#include "recorder/Chronicle.h"
 #include "recorder/Clock.h"
 #include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
@@ -180,6 +182,8 @@ class Kestrune final : private radio::ChannelEvents {
   schedule::Log log_;
   schedule::Restrictions restrictions_;
   schedule::EntryEditors entryEditors_;
+  history::History history_;
+  Chronicle chronicle_;
   Announcer announcer_;
   RadioSide radio_;
   SoundSide sound_;

@@ -6,6 +6,7 @@
 #include "platform/Environment.h"
 #include "platform/FileSync.h"
 #include "platform/Files.h"
+#include "platform/HistoryStore.h"
 #include "platform/Processes.h"
 #include "platform/SerialEnumerator.h"
 #include "platform/SerialPort.h"
@@ -33,6 +34,7 @@ struct Outside {
   platform::Web& Web;
   platform::Processes& Processes;
   platform::SleepInhibitor& SleepInhibitor;
+  platform::HistoryStore& HistoryStore;
 };
 
 }  // namespace kestrune::recorder

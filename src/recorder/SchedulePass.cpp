@@ -6,6 +6,7 @@
 
 #include "base/DatePattern.h"
 #include "schedule/entries/MissedRuns.h"
+#include "schedule/entries/NextRun.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -16,7 +17,8 @@ constexpr std::int16_t kSettleTicks = 4;
 }  // namespace
 
 SchedulePass::SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands,
-                           base::Journal& log, const base::EventLoop& loop, base::Timer& tmrUpdate)
+                           base::Journal& log, const base::EventLoop& loop, base::Timer& tmrUpdate,
+                           Chronicle& chronicle)
     : entries_(state.Entries),
       schedule_(state.Schedule),
       state_(state.Recording),
@@ -27,6 +29,7 @@ SchedulePass::SchedulePass(State& state, radio::Channels& channels, RecordComman
       log_(log),
       loop_(loop),
       tmrUpdate_(tmrUpdate),
+      chronicle_(chronicle),
       search_(state.Entries, [&loop] { return loop.Now(); }) {}
 
 void SchedulePass::Run() {
@@ -37,7 +40,7 @@ void SchedulePass::Run() {
     schedule_.RemainingUntil = found->RemainingUntil;
   }
   const bool ends = schedule_.ActiveSchedule != 0 && due != schedule_.ActiveSchedule;
-  if (ends) EndEvent();
+  if (ends) EndEvent(due);
 
   // The two commands turn the timer on, and the pass is not over.
   tmrUpdate_.SetEnabled(false);
@@ -66,6 +69,10 @@ void SchedulePass::LogMissedRuns() {
       if (number == schedule_.ActiveSchedule) continue;
       log_.DoLog(fmt::format("Scheduled event {} missed - the clock went from {} to {}", number,
                              text(*lastPass_), text(now)));
+      const schedule::ScheduleEntry& entry = Entry(number);
+      chronicle_.EventMissed(number, entry,
+                             schedule::NextStart(entry, lastPass_->AddSeconds(1)).value_or(*lastPass_),
+                             fmt::format("the clock went from {} to {}", text(*lastPass_), text(now)));
     }
   }
   lastPass_ = now;
@@ -75,7 +82,7 @@ base::DateValue SchedulePass::Until() const {
   return loop_.WallAfter(base::TimeUntil(loop_, schedule_.RemainingUntil));
 }
 
-void SchedulePass::EndEvent() {
+void SchedulePass::EndEvent(std::int16_t next) {
   const bool piece = state_.IsRecording() && state_.Incomplete;
   commands_.cmdStop();
   // What began as a piece is kept as one, even if the entry has been changed to whole songs since.
@@ -84,6 +91,15 @@ void SchedulePass::EndEvent() {
   schedule_.ActiveSchedule = 0;
   clock_.EventMarkShown = false;
   log_.DoLog(fmt::format("Scheduled event {} completed - {} songs recorded", ended, state_.RecordedCount));
+  chronicle_.EventEnded(state_, next);
+}
+
+Chronicle::Event SchedulePass::EventOf(std::int16_t number) const {
+  const schedule::ScheduleEntry& entry = Entry(number);
+  return {.Number = number,
+          .Entry = entry,
+          .Until = schedule_.RemainingUntil,
+          .Station = channels_.Table().At(channels_.Table().ChannelIndex(entry.Channel)).Station};
 }
 
 void SchedulePass::CutForTheUser() {
@@ -110,6 +126,7 @@ void SchedulePass::BeginEvent(std::int16_t due) {
   clock_.EventMarkShown = true;
   // Before the recording starts, which already asks the entry for its modes and its bit rate.
   schedule_.ActiveSchedule = due;
+  chronicle_.EventBegan(EventOf(due));
   commands_.cmdRecord();
   // A piece begins with a cut of its own: the capture in hand is not of the event.
   if (state_.StartPending) state_.ForceSongChange = true;
@@ -140,7 +157,9 @@ void SchedulePass::FollowEntry(std::int16_t due) {
     state_.SettleTicks = kSettleTicks;
     state_.WaitingForNextSong = true;
   }
-  if (schedule_.SchedEndTime != entry.EndDate) {
+  const bool otherEnd = schedule_.SchedEndTime != entry.EndDate;
+  if (moved || otherEnd) chronicle_.EventChanged(EventOf(due));
+  if (otherEnd) {
     log_.DoLog("Schedule changed, now recording until " + base::FormatDate(Until(), "mmm d, h:nn am/pm"));
     schedule_.SchedEndTime = entry.EndDate;
   }

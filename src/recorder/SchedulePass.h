@@ -6,6 +6,7 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "radio/channels/Channels.h"
+#include "recorder/Chronicle.h"
 #include "recorder/RecordCommands.h"
 #include "recorder/State.h"
 #include "schedule/entries/DueSearch.h"
@@ -19,7 +20,7 @@ class SchedulePass {
  public:
   /// All must outlive the object.
   SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands, base::Journal& log,
-               const base::EventLoop& loop, base::Timer& tmrUpdate);
+               const base::EventLoop& loop, base::Timer& tmrUpdate, Chronicle& chronicle);
 
   /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Replies of the radio
   /// are handled inside it while the radio is tuned.
@@ -30,7 +31,9 @@ class SchedulePass {
   void LogMissedRuns();
   /// What the wall clock will show when the event ends; differs from RemainingUntil if a step leaves that out.
   [[nodiscard]] base::DateValue Until() const;
-  void EndEvent();
+  void EndEvent(std::int16_t next);
+  /// The event as the record has it.
+  [[nodiscard]] Chronicle::Event EventOf(std::int16_t number) const;
   /// The capture in hand has the ended entry's bit rate and modes: lets the next tick begin another, which is not a
   /// whole song.
   void CutForTheUser();
@@ -55,6 +58,7 @@ class SchedulePass {
   base::Journal& log_;
   const base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
+  Chronicle& chronicle_;
   schedule::DueSearch search_;
   std::optional<base::DateValue> lastPass_;
 };

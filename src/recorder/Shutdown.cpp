@@ -70,6 +70,7 @@ void Kestrune::tmrQuit_Timer() {
   sound_.Capture.RecordStop(0);
   sound_.Capture.RecordStop(1);
   log_.DoLog("Shutting Down");
+  chronicle_.Close(state_.Recording);
   tmrUpdate_->SetEnabled(false);
   DrainPort();
   tmrUpdate_->SetEnabled(false);

@@ -21,6 +21,7 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFile
       capture_(parts.Capture),
       disposition_(parts.Disposition),
       announcer_(parts.Announcer),
+      chronicle_(parts.Chronicle),
       songFiles_(songFiles),
       loop_(loop) {}
 
@@ -53,7 +54,7 @@ void SongBoundary::Take(bool split) {
   const bool wanted = state_.RecordRequested || state_.StopPending;
   const bool armed = state_.RecordArmed || state_.StopPending;
   if (!wanted || !armed) {
-    songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
+    DropUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
   } else {
     loop_.PumpEvents();
     if (!state_.StopPending) ShowRecording();
@@ -63,7 +64,7 @@ void SongBoundary::Take(bool split) {
       disposition_.Dispose(finished);
     }
     // What a forced cut ended before the start was asked for by nobody.
-    if (goesOn && cut) songFiles_.Discard(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
+    if (goesOn && cut) DropUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
     state_.WaitingForNextSong = state_.StartPending = state_.StopPending = false;
   }
   if (cut) capture_.Release(finished);
@@ -96,12 +97,20 @@ void SongBoundary::TakePiece() {
     state_.Incomplete = true;
     piece.FileName = MakePlace(piece).FileName;
     disposition_.Dispose(finished);
-  } else {
+  } else if (wanted) {
+    if (piece.LengthMs > 0) chronicle_.SongEnded(piece, platform::SongFate::Failed, piece.Outcome.Failure());
     songFiles_.Discard(piece);
+  } else {
+    DropUnwanted(piece);
   }
   capture_.Release(finished);
   state_.Incomplete = wanted;
   state_.BoundaryBusy = false;
+}
+
+void SongBoundary::DropUnwanted(CaptureRecord& capture) {
+  if (capture.LengthMs > 0) chronicle_.SongEnded(capture, platform::SongFate::NotWanted, "");
+  songFiles_.Discard(capture);
 }
 
 void SongBoundary::AwaitSound() {

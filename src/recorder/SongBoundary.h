@@ -22,6 +22,7 @@ class SongBoundary {
     recorder::Capture& Capture;
     recorder::Disposition& Disposition;
     recorder::Announcer& Announcer;
+    recorder::Chronicle& Chronicle;
   };
 
   SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop);
@@ -39,6 +40,8 @@ class SongBoundary {
  private:
   void AwaitSound();
   void NameNextSong(CaptureRecord& next);
+  /// Nobody asked for what the capture holds.
+  void DropUnwanted(CaptureRecord& capture);
   [[nodiscard]] SongName MakePlace(const CaptureRecord& capture);
   void ShowRecording();
   [[nodiscard]] const radio::ChannelEntry& Tuned() const;
@@ -50,6 +53,7 @@ class SongBoundary {
   Capture& capture_;
   Disposition& disposition_;
   Announcer& announcer_;
+  Chronicle& chronicle_;
   SongFiles& songFiles_;
   base::EventLoop& loop_;
 };

@@ -16,12 +16,13 @@ SoundSide::SoundSide(const Outside& outside, State& state, const Sources& source
                 state.Recording.CaptureSlot, [&state] { return ScheduledBitRate(state); }),
       SongFiles(outside.Files, outside.FileSync, log),
       Capture(Audio, Meter, state, FileSpecs, SongFiles, log),
-      Disposition(state, FileSpecs, sources.Restrictions, SongFiles, outside.Loop, log),
+      Disposition(state, FileSpecs, sources.Restrictions, SongFiles, outside.Loop, log, sources.Chronicle),
       Boundary(state,
                {.Channels = sources.Channels,
                 .Capture = Capture,
                 .Disposition = Disposition,
-                .Announcer = sources.Announcer},
+                .Announcer = sources.Announcer,
+                .Chronicle = sources.Chronicle},
                SongFiles, outside.Loop) {}
 
 void SoundSide::Create(platform::AudioLibrary& library) {

@@ -27,6 +27,7 @@ struct SoundSide {
     radio::Channels& Channels;
     const schedule::Restrictions& Restrictions;
     recorder::Announcer& Announcer;
+    recorder::Chronicle& Chronicle;
   };
 
   SoundSide(const Outside& outside, State& state, const Sources& sources, schedule::Log& log);

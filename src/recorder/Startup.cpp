@@ -54,6 +54,7 @@ StartOutcome Kestrune::LoadSteps() {
       radio_.BringUp.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!search.Found()) return ReportNoRadio(search);
+  history_.Begin();
   ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);

@@ -4,6 +4,7 @@
 #include "config/formats/FileSpecs.h"
 #include "config/settings/SettingsDoor.h"
 #include "config/settings/SettingsSection.h"
+#include "history/History.h"
 #include "radio/channels/Channels.h"
 #include "recorder/Boxes.h"
 #include "recorder/InputDevices.h"
@@ -18,6 +19,8 @@ namespace kestrune::recorder {
 struct UnitParts {
   radio::Channels& Channels;
   schedule::Log& Log;
+  /// The record of what happened.
+  history::History& History;
   schedule::Restrictions& Restrictions;
   /// The open editors of the schedule's entries.
   schedule::EntryEditors& EntryEditors;

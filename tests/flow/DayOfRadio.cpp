@@ -64,7 +64,8 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .SerialEnumerator = serialEnumerator_,
                                                                  .Web = web_,
                                                                  .Processes = processes_,
-                                                                 .SleepInhibitor = sleepInhibitor_});
+                                                                 .SleepInhibitor = sleepInhibitor_,
+                                                                 .HistoryStore = history_});
   unit_->SetClosedHandler([this] { closed_ = true; });
   ledger_.TrueChannel = [this] { return radio_.TunedChannel; };
   unit_->Parts().Log.List().SetChangeHandler([this](schedule::LogList::Change change) {

@@ -81,6 +81,7 @@ class DayOfRadio {
   FakeWeb web_;
   FakeProcesses processes_;
   FakeSleepInhibitor sleepInhibitor_;
+  FakeHistoryStore history_{loop_};
   CutLedger ledger_;
   std::unique_ptr<Audio> audio_;
   std::unique_ptr<recorder::Kestrune> unit_;

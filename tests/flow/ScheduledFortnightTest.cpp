@@ -162,7 +162,8 @@ class ScheduledFortnight : public ::testing::Test {
                                                                   .SerialEnumerator = serialEnumerator,
                                                                   .Web = web,
                                                                   .Processes = processes,
-                                                                  .SleepInhibitor = sleepInhibitor});
+                                                                  .SleepInhibitor = sleepInhibitor,
+                                                                  .HistoryStore = history});
   }
 
   void Set(std::string_view key, std::string_view value) { store.Put("Lorimel", "Kestrune", key, value); }
@@ -265,6 +266,7 @@ class ScheduledFortnight : public ::testing::Test {
   FakeWeb web;
   FakeProcesses processes;
   FakeSleepInhibitor sleepInhibitor;
+  FakeHistoryStore history{loop};
   CutLedger ledger;
   Audio audio{*this};
   std::unique_ptr<recorder::Kestrune> unit;

@@ -142,6 +142,19 @@ TEST_F(ReportTest, SoundThatIsLostWithinASongIsMissing) {
   EXPECT_EQ(Story().Missing[0].Why, "sound was lost in this song");
 }
 
+TEST_F(ReportTest, SilenceThatWasNoticedIsMissing) {
+  Event();
+  Song(At(0), At(60)).SilentMs = 600'000;
+  EXPECT_EQ(Story().MissingSeconds, 600);
+  ASSERT_EQ(Story().Missing.size(), 1U);
+  EXPECT_EQ(Story().Missing[0].Why, "there is silence in this song");
+  Incident(IncidentKind::Sound, At(20), At(10), "no sound comes from the radio");
+  EXPECT_EQ(Story().Missing.at(0).Why, "sound: no sound comes from the radio");
+  Rows.Songs[0].SilentMs = 0;
+  Rows.Songs[0].LineLostMs = 600'000;
+  EXPECT_EQ(Story().MissingSeconds, 0) << "a radio without a line may sound on";
+}
+
 TEST_F(ReportTest, ASongThatCouldNotBeWrittenIsMissingWithItsReason) {
   Event();
   Song(At(0), At(20));
@@ -179,6 +192,15 @@ TEST_F(ReportTest, AnEventThatEndedEarlyBrokeOff) {
   const EventStory story = Story();
   EXPECT_EQ(story.State, EventState::BrokenOff);
   EXPECT_EQ(story.MissingSeconds, 900);
+  ASSERT_EQ(story.Missing.size(), 1U);
+  EXPECT_EQ(story.Missing[0].Why, "the program was closed");
+}
+
+TEST_F(ReportTest, TheSongInHandOfAnEventThatBrokeOffIsMissingForTheSameReason) {
+  Event(45, "the program was closed");
+  Song(At(0), At(42));
+  const EventStory story = Story();
+  EXPECT_EQ(story.MissingSeconds, 18 * 60);
   ASSERT_EQ(story.Missing.size(), 1U);
   EXPECT_EQ(story.Missing[0].Why, "the program was closed");
 }

@@ -8,6 +8,7 @@
 #include "recorder/Disposition.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeFileSync.h"
+#include "support/FakeHistoryStore.h"
 #include "support/MemoryFiles.h"
 #include "support/SimulatedEventLoop.h"
 
@@ -79,7 +80,10 @@ class DispositionTest : public ::testing::Test {
                               [] { return std::nullopt; }};
   test::FakeFileSync sync;
   SongFiles songFiles{files, sync, log};
-  Disposition disposition{all, fileSpecs, restrictions, songFiles, loop, log};
+  test::FakeHistoryStore store{loop};
+  history::History history{store, loop};
+  Chronicle chronicle{history, loop};
+  Disposition disposition{all, fileSpecs, restrictions, songFiles, loop, log, chronicle};
 };
 
 TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {

@@ -8,6 +8,7 @@
 
 #include "base/RunState.h"
 #include "recorder/SchedulePass.h"
+#include "support/FakeHistoryStore.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingJournal.h"
 #include "support/ScriptedSerialPort.h"
@@ -96,7 +97,10 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
   recorder::Modes modes{all};
   recorder::Announcer announcer{all, journal};
   recorder::RecordCommands commands{all, announcer, session, loop, *tmrUpdate};
-  recorder::SchedulePass pass{all, channels, commands, journal, loop, *tmrUpdate};
+  test::FakeHistoryStore store{loop};
+  history::History history{store, loop};
+  recorder::Chronicle chronicle{history, loop};
+  recorder::SchedulePass pass{all, channels, commands, journal, loop, *tmrUpdate, chronicle};
   std::function<void()> whileTuning = [] {};
 
  private:

@@ -46,7 +46,8 @@ void UnitRig::MeetWindows(recorder::Windows& windows) {
                                   .SerialEnumerator = SerialEnumerator,
                                   .Web = Web,
                                   .Processes = Processes,
-                                  .SleepInhibitor = SleepInhibitor};
+                                  .SleepInhibitor = SleepInhibitor,
+                                  .HistoryStore = History};
   Unit = std::make_unique<recorder::Kestrune>(outside);
   Rules = std::make_unique<presenters::UnitPresenters>(*Unit, outside);
   Unit->SetClosedHandler([this] { Closed = true; });

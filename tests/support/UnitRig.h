@@ -11,6 +11,7 @@
 #include "recorder/Kestrune.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeFileSync.h"
+#include "support/FakeHistoryStore.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeSerialEnumerator.h"
 #include "support/FakeSleepInhibitor.h"
@@ -121,6 +122,7 @@ class UnitRig {
   FakeWeb Web;
   FakeProcesses Processes;
   FakeSleepInhibitor SleepInhibitor;
+  FakeHistoryStore History{Loop};
   RigAudio Audio{Loop, Sound, Files};
   std::unique_ptr<recorder::Kestrune> Unit;
   std::unique_ptr<presenters::UnitPresenters> Rules;

@@ -28,8 +28,10 @@
 #include "platform/qtdbus/LoginInhibitor.h"
 #include "platform/qtlocal/LocalControlSocket.h"
 #include "platform/qtweb/QtWeb.h"
+#include "platform/sqlite/SqliteHistoryStore.h"
 #include "recorder/Kestrune.h"
 #include "recorder/SlashOptions.h"
+#include "schedule/log/UserDataFolder.h"
 
 namespace kestrune::apps {
 namespace {
@@ -106,6 +108,9 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   }
   AudioLibrary audio(loop, *input.Source);
 
+  platform::SqliteHistoryStore history(
+      loop, fmt::format("{}/History{}.db", schedule::UserDataFolder(environment), name));
+
   const recorder::Outside outside{.Loop = loop,
                                   .pcrComm = port,
                                   .Audio = audio,
@@ -119,7 +124,8 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                                   .SerialEnumerator = serialEnumerator,
                                   .Web = web,
                                   .Processes = processes,
-                                  .SleepInhibitor = sleepInhibitor};
+                                  .SleepInhibitor = sleepInhibitor,
+                                  .HistoryStore = history};
   recorder::Kestrune unit(outside);
   face->Attach(unit, outside, *input.Mixer);
   control::UnitTarget target(unit);

@@ -86,8 +86,26 @@ base::Result SqliteConnection::Failure() const {
 }
 
 bool SqliteConnection::IsUnreadable() const {
-  const int primary = PrimaryCode(lastFailure_);
-  return damaged_ || primary == SQLITE_ERROR || primary == SQLITE_FORMAT;
+  if (damaged_) return true;
+  switch (PrimaryCode(lastFailure_)) {
+    // What the system, or another program that has the file open, is to blame for.
+    case SQLITE_OK:
+    case SQLITE_PERM:
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_NOMEM:
+    case SQLITE_READONLY:
+    case SQLITE_INTERRUPT:
+    case SQLITE_IOERR:
+    case SQLITE_FULL:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PROTOCOL:
+    case SQLITE_NOLFS:
+    case SQLITE_AUTH:
+      return false;
+    default:
+      return true;
+  }
 }
 
 void SqliteConnection::ReleaseMemory() {
