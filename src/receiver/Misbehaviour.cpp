@@ -107,6 +107,34 @@ class Restart final : public Misbehaviour {
   bool dead_ = false;
 };
 
+/// The power is out for longer, and the receiver comes back switched off, on its first channel and not muted.
+class Blackout final : public Misbehaviour {
+ public:
+  using Misbehaviour::Misbehaviour;
+  bool BeforeAnswer(milliseconds now, std::string_view /*command*/, ReceiverModel& model) override {
+    if (now >= until_ && StrikesNow(now)) {
+      until_ = now + kLength;
+      model.SetPower(false);
+      model.SetMuted(false);
+      if (const Station* const first = model.Stations().After(0)) model.SetTunedChannel(first->Number);
+    }
+    return now >= until_;
+  }
+
+ private:
+  static constexpr milliseconds kLength{20000};
+  milliseconds until_{0};
+};
+
+/// A header with a great length precedes the answer, and what it promises never comes.
+class Stray final : public Misbehaviour {
+ public:
+  using Misbehaviour::Misbehaviour;
+  void AfterAnswer(milliseconds now, std::vector<Sending>& sendings) override {
+    if (StrikesNow(now)) sendings.insert(sendings.begin(), {"\x5A\xA5\x7F\xFF", milliseconds(0)});
+  }
+};
+
 class Wander final : public Misbehaviour {
  public:
   using Misbehaviour::Misbehaviour;
@@ -179,6 +207,7 @@ bool Misbehaviour::StrikesNow(milliseconds now) {
 const std::vector<MisbehaviourName>& MisbehaviourNames() {
   static const std::vector<MisbehaviourName> kNames = {
       {"junk", "1 to 12 bytes of noise precede an answer"},
+      {"stray", "a header with a great length precedes an answer"},
       {"split", "an answer comes in two parts, 100 to 400 ms apart"},
       {"lost", "a command is obeyed, but its answer never comes"},
       {"deaf", "a command is dropped: neither obeyed nor answered"},
@@ -186,6 +215,7 @@ const std::vector<MisbehaviourName>& MisbehaviourNames() {
       {"silence", "no answer to anything for 5 seconds"},
       {"off", "the receiver is switched off and refuses all commands"},
       {"restart", "the receiver loses its power for 3 seconds and comes back on another channel"},
+      {"blackout", "the receiver has no power for 20 seconds and comes back off, on its first channel"},
       {"wander", "the receiver changes to another channel"},
       {"corrupt", "one byte of an answer is wrong"},
       {"late", "an answer comes 1 to 3 seconds late"},
@@ -198,6 +228,7 @@ const std::vector<MisbehaviourName>& MisbehaviourNames() {
 std::unique_ptr<Misbehaviour> MakeMisbehaviour(const MisbehaviourWish& wish, std::uint64_t seed) {
   const std::string& name = wish.Name;
   if (name == "junk") return std::make_unique<Junk>(wish, seed);
+  if (name == "stray") return std::make_unique<Stray>(wish, seed);
   if (name == "split") return std::make_unique<Split>(wish, seed);
   if (name == "lost") return std::make_unique<Lost>(wish, seed);
   if (name == "deaf") return std::make_unique<Deaf>(wish, seed);
@@ -205,6 +236,7 @@ std::unique_ptr<Misbehaviour> MakeMisbehaviour(const MisbehaviourWish& wish, std
   if (name == "silence") return std::make_unique<Silence>(wish, seed);
   if (name == "off") return std::make_unique<PowerLoss>(wish, seed);
   if (name == "restart") return std::make_unique<Restart>(wish, seed);
+  if (name == "blackout") return std::make_unique<Blackout>(wish, seed);
   if (name == "wander") return std::make_unique<Wander>(wish, seed);
   if (name == "corrupt") return std::make_unique<Corrupt>(wish, seed);
   if (name == "late") return std::make_unique<Late>(wish, seed);

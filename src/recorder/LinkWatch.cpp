@@ -13,6 +13,7 @@ constexpr auto kLook = 100ms;
 // The tuned channel is asked several times within this.
 constexpr auto kTextWithin = 6s;
 constexpr auto kWalkAgainAfter = 1min;
+constexpr std::int64_t kNewFileMs = 5000;
 // Until the text has been read, no change of it is a change of song.
 constexpr std::int16_t kSettleTicks = 4;
 
@@ -84,6 +85,8 @@ void LinkWatch::BeginNewFile() {
   slot_ = recording.CaptureSlot;
   // Whoever waits for a whole song goes on waiting: what plays now is the remainder of one.
   if (recording.WaitingForNextSong) return EndReturn();
+  // A radio that answered before it was brought up may have led to a cut just now.
+  if (recording.CaptureSlots.at(static_cast<std::size_t>(slot_)).LengthMs < kNewFileMs) return EndReturn();
   recording.SettleTicks = 0;
   recording.ForceSongChange = recording.SkipSongDelay = true;
   recording.SongBoundarySeen = false;

@@ -52,7 +52,7 @@ std::string History(const std::string& name, double rate, std::uint64_t seed) {
 }
 
 TEST(Misbehaviour, EveryNameMakesOneThatStrikesAlwaysAtRate1AndNeverAtRate0) {
-  ASSERT_EQ(receiver::MisbehaviourNames().size(), 13U);
+  ASSERT_EQ(receiver::MisbehaviourNames().size(), 15U);
   for (const auto& [name, meaning] : receiver::MisbehaviourNames()) {
     const std::string text(name);
     EXPECT_FALSE(meaning.empty());
@@ -179,6 +179,28 @@ TEST(Misbehaviour, ARestartIsThreeSecondsOfNothingAndThenAnotherChannel) {
   EXPECT_EQ(model.TunedChannel(), 1) << "after the last one comes the first";
   EXPECT_TRUE(restart->BeforeAnswer(milliseconds(9000), "\x31", model));
   EXPECT_EQ(restart->Strikes(), 1);
+}
+
+TEST(Misbehaviour, ABlackoutIsTwentySecondsOfNothingAndThenAReceiverThatIsOff) {
+  ReceiverModel model(receiver::LineUpOfSize(5), {.Tuned = 4});
+  const auto blackout = MakeMisbehaviour({.Name = "blackout", .At = milliseconds(1000)}, 1);
+  EXPECT_TRUE(blackout->BeforeAnswer(milliseconds(999), "\x31", model));
+  for (const int now : {1000, 10000, 20999}) {
+    EXPECT_FALSE(blackout->BeforeAnswer(milliseconds(now), "\x31", model)) << now;
+  }
+  EXPECT_TRUE(blackout->BeforeAnswer(milliseconds(21000), "\x31", model));
+  EXPECT_FALSE(model.PoweredOn());
+  EXPECT_EQ(model.TunedChannel(), model.Stations().After(0)->Number);
+  model.SetPower(true);
+  EXPECT_TRUE(blackout->BeforeAnswer(milliseconds(90000), "\x31", model));
+  EXPECT_TRUE(model.PoweredOn()) << "once";
+}
+
+TEST(Misbehaviour, AStrayHeaderPromisesWhatNeverComes) {
+  std::vector<Sending> sendings{{"\x5A\xA5\x00\x02\x81\x00\xED\xED", milliseconds(0)}};
+  MakeMisbehaviour({.Name = "stray", .Rate = 1.0}, 1)->AfterAnswer(milliseconds(0), sendings);
+  ASSERT_EQ(sendings.size(), 2U);
+  EXPECT_EQ(sendings[0].Bytes, "\x5A\xA5\x7F\xFF");
 }
 
 TEST(Misbehaviour, AReceiverThatWandersStaysOnAndSaysNothing) {

@@ -433,9 +433,10 @@ TEST_F(RadioProgram, PrintsItsUsageAndItsVersion) {
   const std::string usage = help.Output();
   EXPECT_EQ(help.Wait(), 0);
   EXPECT_THAT(usage, StartsWith("Usage: kestrune-radio [OPTION]...\n"));
-  for (const char* const option : {"--link", "--sound", "--rate", "--signal", "--songs", "--lead",
-                                   "--line-up", "--channels", "--tuned", "--off", "--misbehave", "--seed",
-                                   "--replay", "--jsonl", "--baud", "--duration", "--help", "--version"}) {
+  for (const char* const option :
+       {"--link", "--sound", "--rate", "--signal", "--songs", "--lead", "--line-up", "--channels", "--tuned",
+        "--identifier", "--off", "--misbehave", "--seed", "--replay", "--jsonl", "--baud", "--duration",
+        "--help", "--version"}) {
     EXPECT_THAT(usage, HasSubstr(std::string("  ") + option));
   }
   Program version(RadioWith({"--version"}));

@@ -66,13 +66,13 @@ TEST_F(LinkWatchTest, AnOutageIsTwoLinesInTheLog) {
 
 TEST_F(LinkWatchTest, ALongOutageIsTwoLinesToo) {
   rig.StartIdle();
-  Unplugged(2h);
+  Unplugged(30min);
   EXPECT_EQ(LinkLines().size(), 2U);
 }
 
-TEST_F(LinkWatchTest, AHealthyDayHasNone) {
+TEST_F(LinkWatchTest, AHealthyHourHasNone) {
   rig.StartIdle();
-  rig.Run(6h);
+  rig.Run(1h);
   EXPECT_THAT(LinkLines(), IsEmpty());
 }
 
@@ -122,6 +122,26 @@ TEST_F(LinkWatchTest, ASongChangedUnseenIsNotCutBeforeTheTextIsRead) {
   rig.Run(30s);
   // One cut at the return and no other.
   EXPECT_EQ(Songs().size(), 2U);
+  EXPECT_EQ(rig->State().Recording.TooShortCount, 0);
+}
+
+TEST_F(LinkWatchTest, ASilentRadioThatAnswersWithAnotherSongLeadsToOneCut) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(20s);
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(30s);
+  rig.Radio.Answers = false;
+  rig.Run(40s);
+  ASSERT_FALSE(rig->State().Link.Up());
+  rig.Radio.Play(44, "Owls", "Midnight");
+  rig.Radio.Answers = true;
+  rig.Run(30s);
+  ASSERT_TRUE(rig->State().Link.Up());
+  EXPECT_THAT(Songs(), Contains("44 Lanterns - North Pier (Incomplete).wav"));
+  EXPECT_EQ(rig->State().Recording.TooShortCount, 0);
+  rig.NextSong("Herons", "Reed");
+  EXPECT_THAT(Songs(), Contains("44 Owls - Midnight (Incomplete).wav"));
 }
 
 TEST_F(LinkWatchTest, WhoWaitsForAWholeSongGoesOnWaiting) {
@@ -263,7 +283,7 @@ TEST_F(LinkWatchTest, WithoutTheWatchFailuresPassAsTold) {
   rig.Radio.Unplug();
   rig.Run(1min);
   rig.Radio.Plug();
-  rig.Run(1h);
+  rig.Run(10min);
   EXPECT_THAT(LinkLines(), IsEmpty());
   EXPECT_FALSE(rig.Radio.IsOpen());
   EXPECT_TRUE(rig->State().Recording.IsRecording());

@@ -123,6 +123,13 @@ std::string ReadSeed(std::string_view text, RadioOptions& options) {
   return {};
 }
 
+std::string ReadIdentifier(std::string_view text, RadioOptions& options) {
+  constexpr std::size_t kCharacters = 8;
+  if (text.size() != kCharacters) return fmt::format("\"{}\" has not eight characters", text);
+  options.Receiver.Model.Identifier = text;
+  return {};
+}
+
 struct Switch {
   std::string_view Name;
   void (*Set)(RadioOptions& options);
@@ -153,6 +160,7 @@ const std::map<std::string_view, Reader>& Readers() {
       {"--jsonl", [](auto text, auto& options) { return ReadText(text, options.JsonFile); }},
       {"--tuned",
        [](auto text, auto& options) { return ReadInt(text, 1, 255, options.Receiver.Model.Tuned); }},
+      {"--identifier", ReadIdentifier},
       {"--baud",
        [](auto text, auto& options) { return ReadInt(text, 50, 4'000'000, options.Receiver.Baud); }},
       {"--duration", [](auto text, auto& options) { return ReadSeconds(text, options.Duration); }},
@@ -211,6 +219,7 @@ std::string RadioUsage() {
       "  --line-up FILE       the stations, as JSON\n"
       "  --channels N         a line-up of N plain channels, 1 to 254\n"
       "  --tuned N            the channel at the start (the first one)\n"
+      "  --identifier TEXT    the receiver's identifier, eight characters (KSTR2605)\n"
       "  --off                starts powered off\n"
       "  --misbehave NAME[=RATE|@SECONDS][,...]\n"
       "                       misbehaves with this probability at each command (0.1), or once after so many\n"

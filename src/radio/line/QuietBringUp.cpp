@@ -157,7 +157,6 @@ QuietBringUp::Outcome QuietBringUp::CheckIdentifier(NextStep next) {
     return Fail(BringUpOutcome::Kind::OtherRadio,
                 fmt::format("another radio answers on port {}", session_.pcrCOMPort()));
   }
-  session_.SetOnTrial(false);
   return (this->*next)();
 }
 
@@ -182,6 +181,7 @@ QuietBringUp::Outcome QuietBringUp::AwaitTuning() {
 QuietBringUp::Outcome QuietBringUp::AwaitMute() {
   if (!Replied(ReplyType::Mute) && !TimeIsUp(kReply)) return std::nullopt;
   if (!session_.pcrPortOpen()) return Fail(BringUpOutcome::Kind::NotOpened, "the device is gone");
+  session_.SetOnTrial(false);
   return BringUpOutcome{.MuteAnswered = Replied(ReplyType::Mute)};
 }
 

@@ -49,8 +49,8 @@ struct BringUpOutcome {
 /// attempt at a time.
 ///
 /// Behind a port that it opens it asks for the identifier before it powers anything on; another radio that was switched
-/// off and had to be powered on to report its identifier is switched off again. A port that it opens is on trial until the radio there has reported the right identifier, and stays so if the attempt
-/// fails: the caller closes it, or takes it off trial.
+/// off and had to be powered on to report its identifier is switched off again. Such a port is on trial until the
+/// attempt ends well; after a failure the caller closes it, or takes it off trial.
 class QuietBringUp {
  public:
   using Milliseconds = std::chrono::milliseconds;
