@@ -144,6 +144,44 @@ TEST_F(LinkWatchTest, ASilentRadioThatAnswersWithAnotherSongLeadsToOneCut) {
   EXPECT_THAT(Songs(), Contains("44 Owls - Midnight (Incomplete).wav"));
 }
 
+TEST_F(LinkWatchTest, AFileThatBeganJustBeforeTheReturnIsNotCutAgain) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(20s);
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(30s);
+  rig.Radio.Answers = false;
+  rig.Run(40s);
+  ASSERT_FALSE(rig->State().Link.Up());
+  // The text comes before the radio says who it is.
+  rig.Radio.Play(44, "Owls", "Midnight");
+  const std::int16_t slot = rig->State().Recording.CaptureSlot;
+  rig.Radio.WhenCommanded = [&] {
+    const bool poll = rig.Radio.Commands.back().starts_with("5AA5000425");
+    rig.Radio.Answers = poll || rig->State().Recording.CaptureSlot != slot;
+  };
+  rig.Run(30s);
+  rig.Radio.WhenCommanded = [] {};
+  ASSERT_TRUE(rig->State().Link.Up());
+  EXPECT_NE(rig->State().Recording.CaptureSlot, slot);
+  EXPECT_EQ(rig->State().Recording.TooShortCount, 0);
+  rig.NextSong("Herons", "Reed");
+  EXPECT_THAT(Songs(), Contains("44 Owls - Midnight (Incomplete).wav"));
+}
+
+TEST_F(LinkWatchTest, AFileThatBeginsInAnOutageIsIncompleteToo) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  rig.Radio.Unplug();
+  rig.Run(5s);
+  rig->cmdRecord();
+  rig.Run(20s);
+  rig->cmdStop();
+  rig.Run(5s);
+  const recorder::RecordingState& recording = rig->State().Recording;
+  EXPECT_TRUE(recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot)).Outcome.RadioLost);
+}
+
 TEST_F(LinkWatchTest, WhoWaitsForAWholeSongGoesOnWaiting) {
   rig.StartIdle();
   rig->SetChannelNumber(45);
