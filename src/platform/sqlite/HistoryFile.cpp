@@ -147,7 +147,7 @@ base::Result MakeFile(const std::string& path, bool& hasBytes) {
 
 std::string PutHistoryAside(const std::string& path, const std::string& word) {
   for (int number = 1; number <= kMostPutAside; ++number) {
-    const std::string aside = fmt::format("{}.{}-{}", path, word, number);
+    std::string aside = fmt::format("{}.{}-{}", path, word, number);
     const int error = RenameNeverReplacing(path, aside);
     if (error == EEXIST) continue;
     if (error != 0) return {};

@@ -228,6 +228,8 @@ TEST_P(HistoryStoreContract, NothingInASearchIsASign) {
   EXPECT_EQ(Titles(For("axb")), "");
   EXPECT_EQ(Titles(For("\"")), "it's");
   EXPECT_EQ(Titles(For("\"hey\"")), "it's");
+  EXPECT_EQ(Titles(For("hey\"")), "it's") << "one mark alone";
+  EXPECT_EQ(Titles(For("hey\" OR moon")), "");
   EXPECT_EQ(Titles(For("it's")), "it's");
   EXPECT_EQ(Titles(For("AND NOT")), "NEAR(x)");
   EXPECT_EQ(Titles(For("NEAR(x)")), "NEAR(x)");
