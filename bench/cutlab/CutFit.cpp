@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
   std::vector<cutlab::Example> unseen;
   for (int i = 0; i < stations; ++i) {
     const std::uint64_t own = seed * 1000 + static_cast<std::uint64_t>(i);
-    cutlab::AddExamples(cutlab::MakeStation(*pieces, 40, own), 2, own, i % 8 == 7 ? unseen : fitted);
+    cutlab::AddExamples(cutlab::MakeStation(*pieces, 40, own), 1, own, i % 8 == 7 ? unseen : fitted);
     fmt::print(stderr, "station {} of {}\n", i + 1, stations);
   }
   cutlab::FitOptions options;
@@ -80,6 +80,6 @@ int main(int argc, char** argv) {
   Print(weights.Out);
   fmt::print("  }},\n}};\n// clang-format on\n\n}}  // namespace\n\n");
   fmt::print(
-      "const EvidenceWeights& FittedWeights() {{ return kFitted; }}\n\n}}  // namespace kestrune::cut\n");
+      "const EvidenceWeights& FittedWeights() {{\n  return kFitted;\n}}\n\n}}  // namespace kestrune::cut\n");
   return 0;
 }

@@ -192,6 +192,8 @@ constexpr EvidenceWeights kFitted = {
 
 }  // namespace
 
-const EvidenceWeights& FittedWeights() { return kFitted; }
+const EvidenceWeights& FittedWeights() {
+  return kFitted;
+}
 
 }  // namespace kestrune::cut
