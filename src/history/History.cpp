@@ -157,19 +157,16 @@ void History::HandOver() {
   store_.Write(std::exchange(rows_, {}));
 }
 
-void History::AskReport(base::DateValue since, ReportAnswer answer) {
+void History::AskReport(base::DateValue from, base::DateValue to, ReportAnswer answer) {
   HandOver();
-  const base::DateValue now = loop_.Now();
   store_.ReadSpan(
-      since, now,
-      [since, now, answer = std::move(answer)](const base::Result& asked, const HistoryRows& rows) {
-        answer(asked, asked.Ok() ? MakeReport(rows, since, now)
-                                 : Report{.From = since,
-                                          .To = now,
-                                          .Events = {},
-                                          .OtherSongs = {},
-                                          .Incidents = {},
-                                          .Advice = {}});
+      from, to, [from, to, answer = std::move(answer)](const base::Result& asked, const HistoryRows& rows) {
+        answer(
+            asked,
+            asked.Ok()
+                ? MakeReport(rows, from, to)
+                : Report{
+                      .From = from, .To = to, .Events = {}, .OtherSongs = {}, .Incidents = {}, .Advice = {}});
       });
 }
 

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/DateValue.h"
 #include "base/EventLoop.h"
@@ -70,8 +71,12 @@ class History {
   void Heard(std::int16_t channel, const Playing& playing);
 
   using ReportAnswer = std::function<void(const base::Result& asked, const Report& report)>;
-  /// What happened from `since` until now. Answered as the store answers.
-  void AskReport(base::DateValue since, ReportAnswer answer);
+  /// What happened in the span, which ends now or earlier. Answered as the store answers.
+  void AskReport(base::DateValue from, base::DateValue to, ReportAnswer answer);
+  /// What happened from `since` until now.
+  void AskReport(base::DateValue since, ReportAnswer answer) {
+    AskReport(since, loop_.Now(), std::move(answer));
+  }
   void Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer);
 
  private:

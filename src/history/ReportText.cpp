@@ -28,12 +28,6 @@ std::string Time(DateValue moment) {
   return base::FormatDate(moment, "hh:nn:ss");
 }
 
-/// 75 seconds are "1:15", 3675 are "1:01:15".
-std::string Length(std::int64_t seconds) {
-  if (seconds < 3600) return base::SixtiesText(seconds);
-  return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
-}
-
 std::string Count(std::size_t count, std::string_view one, std::string_view more) {
   return fmt::format("{} {}", count, count == 1 ? one : more);
 }
@@ -55,7 +49,8 @@ std::string SongLine(const HistorySong& song) {
   const std::string name = song.Artist.empty() && song.Title.empty()
                                ? "(no text)"
                                : base::OneLine(song.Artist) + " - " + base::OneLine(song.Title);
-  std::string line = fmt::format("    {}  {:>7}  {}", Time(song.Began), Length(song.LengthMs / 1000), name);
+  std::string line =
+      fmt::format("    {}  {:>7}  {}", Time(song.Began), LengthText(song.LengthMs / 1000), name);
   if (song.Fate != platform::SongFate::Kept) line += fmt::format("  [{}]", FateText(song.Fate));
   return line + '\n';
 }
@@ -107,7 +102,7 @@ std::string EventText(const EventStory& event) {
   }
   if (!event.Missing.empty()) text += "  Not in a file:\n";
   for (const MissingPart& part : event.Missing) {
-    text += fmt::format("    {} to {}  {:>7}  {}\n", Time(part.From), Time(part.To), Length(part.Seconds),
+    text += fmt::format("    {} to {}  {:>7}  {}\n", Time(part.From), Time(part.To), LengthText(part.Seconds),
                         part.Why.empty() ? "nothing is known about it" : base::OneLine(part.Why));
   }
   if (!event.Songs.empty()) text += "  Songs:\n";
@@ -118,7 +113,7 @@ std::string EventText(const EventStory& event) {
 std::string IncidentText(const HistoryIncident& incident) {
   const std::string end = incident.Ended ? "to " + Time(*incident.Ended) : "and still";
   return fmt::format("  {} {:<11}  {:>7}  {}: {}\n", base::FormatDate(incident.Began, "ddd, mmm d, hh:nn:ss"),
-                     end, incident.Ended ? Length(incident.Seconds) : "", KindText(incident.Kind),
+                     end, incident.Ended ? LengthText(incident.Seconds) : "", KindText(incident.Kind),
                      base::OneLine(incident.Cause));
 }
 
@@ -138,6 +133,11 @@ std::string Summary(const Report& report) {
 }
 
 }  // namespace
+
+std::string LengthText(std::int64_t seconds) {
+  if (seconds < 3600) return base::SixtiesText(seconds);
+  return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
 
 std::string ReportText(const Report& report) {
   std::string text =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "history/Report.h"
@@ -9,5 +10,8 @@ namespace kestrune::history {
 /// The report as plain text for a terminal or a mail: problems first, then the events with their songs, then what else
 /// was recorded, then what to do. Lines end with "\n". Control characters in a stranger's text have become blanks.
 [[nodiscard]] std::string ReportText(const Report& report);
+
+/// 75 seconds are "1:15", 3675 are "1:01:15".
+[[nodiscard]] std::string LengthText(std::int64_t seconds);
 
 }  // namespace kestrune::history

@@ -19,6 +19,7 @@ struct DesktopRecord {
   bool chkSchedule = false;
   bool chkRestrictList = false;
   bool chkKestruneNow = false;
+  bool chkReport = false;
 };
 
 }  // namespace kestrune::presenters

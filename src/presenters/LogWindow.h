@@ -18,14 +18,15 @@ class LogWindow {
             platform::Shell& shell, platform::Dialogs& dialogs)
       : list_(list), files_(files), environment_(environment), shell_(shell), dialogs_(dialogs) {}
 
+  /// Removes the copy and its folder.
+  ~LogWindow();
+  LogWindow(const LogWindow&) = delete;
+  LogWindow& operator=(const LogWindow&) = delete;
+
   [[nodiscard]] schedule::LogList& List() const { return list_; }
 
   /// Asks first; nothing is logged about it.
   void cmdClear();
-  LogWindow(const LogWindow&) = delete;
-  LogWindow& operator=(const LogWindow&) = delete;
-  /// Removes the copy and its folder.
-  ~LogWindow();
 
   /// Opens a copy of the log file with the desktop's program for text files, so that the log grows on undisturbed.
   /// The copy lies in a folder of its own inside the temporary one, closed to other users, since a name in the

@@ -14,6 +14,7 @@ enum class WindowName : std::uint8_t {
   Presets,       ///< frmPresets
   Config,        ///< frmConfig
   Mixer,         ///< frmMixer
+  Report,        ///< frmReport
 };
 
 }  // namespace kestrune::recorder

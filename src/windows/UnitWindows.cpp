@@ -9,6 +9,7 @@
 #include "windows/frmMixer.h"
 #include "windows/frmPresets.h"
 #include "windows/frmRadioID.h"
+#include "windows/frmReport.h"
 #include "windows/frmRestrictList.h"
 #include "windows/frmSchedule.h"
 
@@ -23,13 +24,15 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
       loop_(outside.Loop),
       log_(parts_.Log.List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
       mixer_(outside.Mixer, [this] { return rules_.Unit().InputDeviceId(); }),
-      configuration_(rules.ConfigurationAccess()) {
+      configuration_(rules.ConfigurationAccess()),
+      report_(parts_.History, outside.Shell, outside.Loop) {
   desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
   desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
   desktop.SetMaker(WindowName::Schedule, [this] { return MakeSchedule(); });
   desktop.SetMaker(WindowName::RestrictList, [this] { return MakeRestrictList(); });
   desktop.SetMaker(WindowName::KestruneNow, [this] { return MakeKestruneNow(); });
   desktop.SetMaker(WindowName::Presets, [this] { return MakePresets(); });
+  desktop.SetMaker(WindowName::Report, [this] { return MakeReport(); });
   desktop.SetMaker(WindowName::Config, [this] { return MakeConfig(); });
   desktop.SetMaker(WindowName::Mixer, [this] { return MakeMixer(); });
 
@@ -87,6 +90,13 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeKestruneNow() {
 
 std::unique_ptr<OpenWindow> UnitWindows::MakePresets() {
   return Opened(std::make_unique<frmPresets>(rules_.PresetWindow(), parts_.Section));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeReport() {
+  auto window = std::make_unique<frmReport>(report_, parts_.Section);
+  window->HotKey = [this](int key) { desktop_.PassKey(key); };
+  window->Closed = [this] { rules_.Switches().Click(WindowName::Report, false); };
+  return Opened(std::move(window));
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {

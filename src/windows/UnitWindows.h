@@ -8,6 +8,7 @@
 #include "presenters/Configuration.h"
 #include "presenters/LogWindow.h"
 #include "presenters/MixerWindow.h"
+#include "presenters/RecordingReport.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 
@@ -39,6 +40,7 @@ class UnitWindows {
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeRestrictList();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeKestruneNow();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakePresets();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeReport();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeConfig();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeMixer();
   void ShowRadioID();
@@ -51,6 +53,7 @@ class UnitWindows {
   presenters::LogWindow log_;
   presenters::MixerWindow mixer_;
   presenters::Configuration configuration_;
+  presenters::RecordingReport report_;
 };
 
 }  // namespace kestrune::windows

@@ -159,6 +159,7 @@ void frmKestrune::MakeMenus() {
   addWindow(WindowName::Schedule);
   addWindow(WindowName::KestruneNow);
   addWindow(WindowName::RestrictList);
+  addWindow(WindowName::Report);
   options.addSeparator()->setObjectName(QStringLiteral("mnuBar1"));
   AddEntry(options, "mnuIntegrel", "&Integrel On", flip("chkIntegrel"), "Ctrl+Y");
   AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");

@@ -52,7 +52,7 @@ TEST_F(ResizeRuleTest, AnOpenMainWindowShowsTheLoadedOnesWhoseBoxIsChecked) {
   rule.Apply();
   EXPECT_TRUE(window.Visible);
   EXPECT_THAT(windows.Told, UnorderedElementsAre("reveal channels", "reveal lists", "reveal presets",
-                                                 "reveal config", "reveal now"));
+                                                 "reveal config", "reveal now", "reveal report"));
 }
 
 TEST_F(ResizeRuleTest, AWindowThatIsNotLoadedIsNotMade) {
@@ -61,12 +61,12 @@ TEST_F(ResizeRuleTest, AWindowThatIsNotLoadedIsNotMade) {
   EXPECT_THAT(windows.Told, IsEmpty());
 }
 
-TEST_F(ResizeRuleTest, AMinimisedMainWindowTakesTheSevenOthersAlong) {
+TEST_F(ResizeRuleTest, AMinimisedMainWindowTakesTheOthersAlong) {
   LoadAll();
   window.State = WindowState::Minimized;
   rule.Apply();
   EXPECT_THAT(windows.Told, UnorderedElementsAre("hide channels", "hide schedule", "hide log", "hide lists",
-                                                 "hide presets", "hide config", "hide now"));
+                                                 "hide presets", "hide config", "hide now", "hide report"));
 }
 
 TEST_F(ResizeRuleTest, MinimisedItStaysInTheTaskBarOnlyIfTheUserWantsItThere) {

@@ -41,6 +41,7 @@ constexpr Switch kSwitches[] = {
     {WindowName::Schedule, &DesktopRecord::chkSchedule, "schedule", nullptr},
     {WindowName::RestrictList, &DesktopRecord::chkRestrictList, "lists", nullptr},
     {WindowName::KestruneNow, &DesktopRecord::chkKestruneNow, "now", "KestruneNow"},
+    {WindowName::Report, &DesktopRecord::chkReport, "report", "RecordingReport"},
 };
 
 TEST_F(WindowSwitchesTest, EachBoxShowsAndClosesItsWindowAndThreeAreRemembered) {

@@ -28,6 +28,8 @@ namespace kestrune::test {
       return "config";
     case WindowName::Mixer:
       return "mixer";
+    case WindowName::Report:
+      return "report";
   }
   return "?";
 }

@@ -50,12 +50,14 @@ constexpr Switch kSwitches[] = {
      &DesktopRecord::chkRestrictList},
     {"chkKestruneNow", "mnuKestruneNow", WindowName::KestruneNow, "frmKestruneNow",
      &DesktopRecord::chkKestruneNow},
+    {"chkReport", "mnuReport", WindowName::Report, "frmReport", &DesktopRecord::chkReport},
 };
 
 class UnitWindowsTest : public ::testing::Test {
  protected:
   UnitWindowsTest() {
-    for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow"}) rig.Unit.Set(key, "0");
+    for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow", "RecordingReport"})
+      rig.Unit.Set(key, "0");
   }
 
   /// The box, the mark of the entry, the record and the window all say the same.
@@ -220,13 +222,14 @@ TEST_F(UnitWindowsTest, ASaveClosesItsWindowAndTakesTheMarksAlong) {
 }
 
 TEST_F(UnitWindowsTest, WhatWasOpenIsOpenAgainAtTheNextStart) {
-  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow"}) rig.Unit.Set(key, "1");
+  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow", "RecordingReport"})
+    rig.Unit.Set(key, "1");
   rig.Unit.StartIdle();
-  for (const Switch& each : {kSwitches[0], kSwitches[1], kSwitches[4]}) ExpectOpen(each, true);
+  for (const Switch& each : {kSwitches[0], kSwitches[1], kSwitches[4], kSwitches[5]}) ExpectOpen(each, true);
   for (const Switch& each : {kSwitches[2], kSwitches[3]}) ExpectOpen(each, false);
   rig.Unit->Close();
   ExpectEnd();
-  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow"})
+  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow", "RecordingReport"})
     EXPECT_EQ(rig.Unit.Setting(key), "1");
 }
 
@@ -236,7 +239,7 @@ TEST_F(UnitWindowsTest, AllWindowsFollowTheMainWindowDownAndUp) {
   rig.Main().setWindowState(Qt::WindowMinimized);
   rig.Run(300ms);
   for (const WindowName name : {WindowName::Channels, WindowName::Log, WindowName::Schedule,
-                                WindowName::RestrictList, WindowName::KestruneNow}) {
+                                WindowName::RestrictList, WindowName::KestruneNow, WindowName::Report}) {
     EXPECT_FALSE(rig.Shows(name)) << static_cast<int>(name);
     EXPECT_TRUE(rig.Desktop.IsLoaded(name)) << static_cast<int>(name);
   }
@@ -540,7 +543,7 @@ TEST_F(UnitWindowsTest, AnEndWithEveryWindowOpenAsksNothingAndSavesNothing) {
   EXPECT_FALSE(IsStored("ScheduleMatchGrab3"));
   EXPECT_EQ(ListFile(), "");
   EXPECT_EQ(rig.Unit.Setting("FileDir"), folder);
-  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow"})
+  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow", "RecordingReport"})
     EXPECT_EQ(rig.Unit.Setting(key), "1");
   for (const char* key : {"ChannelTop", "LogTop", "ScheduleTop", "RestrictListTop", "BigFormTop", "PresetTop",
                           "ConfigTop", "MixerTop"})
@@ -605,7 +608,8 @@ TEST_F(UnitWindowsTest, AnEndWithinTheFirstConfiguration) {
 }
 
 TEST_F(UnitWindowsTest, AnEndAtAnyMomentOfTheLoad) {
-  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow"}) rig.Unit.Set(key, "1");
+  for (const char* key : {"ChannelListing", "RecordLog", "KestruneNow", "RecordingReport"})
+    rig.Unit.Set(key, "1");
   for (auto moment = 0ms; moment < 8s; moment += 431ms) {
     SCOPED_TRACE(moment.count());
     UnitWindowsRig own;

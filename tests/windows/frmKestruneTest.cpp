@@ -107,6 +107,7 @@ TEST_F(frmKestruneTest, EveryControlIsThereWithItsCaptionAndTip) {
       {"chkSchedule", "Timer Schedule", "Show/Hide timer schedule screen"},
       {"chkRestrictList", "Grab/Kill Lists", "Show/Hide grab/kill list screen"},
       {"chkKestruneNow", "Kestrune Now", "Show/HideKestrune Now Screen"},
+      {"chkReport", "Recording Report", "Show/Hide what was recorded and what went wrong"},
   };
   for (const Row& row : kControls) {
     SCOPED_TRACE(row.Name);
@@ -137,6 +138,7 @@ TEST_F(frmKestruneTest, EveryMenuHasItsEntriesInOrder) {
         {"mnuSchedule", "&Timer Schedule"},
         {"mnuKestruneNow", "Kestrune &Now"},
         {"mnuRestrictList", "Grab/Kill &Lists"},
+        {"mnuReport", "Recording Rep&ort"},
         {"mnuBar1", ""},
         {"mnuIntegrel", "&Integrel On"},
         {"mnuSievanceGrab", "&Grab List On"},
@@ -320,7 +322,7 @@ TEST_F(frmKestruneTest, EachMenuEntryFlipsTheBoxOfItsName) {
       {"mnuSievanceKill", "chkSievanceKill"}, {"mnuRadioOnAtExit", "chkRadioOnAtExit"},
       {"mnuChannels", "chkChannelListing"},   {"mnuLog", "chkRecordLog"},
       {"mnuSchedule", "chkSchedule"},         {"mnuRestrictList", "chkRestrictList"},
-      {"mnuKestruneNow", "chkKestruneNow"},
+      {"mnuKestruneNow", "chkKestruneNow"},   {"mnuReport", "chkReport"},
   };
   for (const auto& [entry, box] : kPairs) {
     SCOPED_TRACE(entry);
@@ -454,8 +456,9 @@ TEST_F(frmKestruneTest, EveryControlThatTakesInputIsReachedByTheTabKey) {
     if (at->focusPolicy() & Qt::TabFocus) reached.insert(at->objectName().toStdString());
     at = at->nextInFocusChain();
   }
-  for (const char* name : {"lblArtist", "lblSong", "cmdRecord", "cmdStop", "cmdVUType", "cmdMixer",
-                           "cmdPresetStation_0", "cmdPresetStation_11", "chkIntegrel", "chkKestruneNow"}) {
+  for (const char* name :
+       {"lblArtist", "lblSong", "cmdRecord", "cmdStop", "cmdVUType", "cmdMixer", "cmdPresetStation_0",
+        "cmdPresetStation_11", "chkIntegrel", "chkKestruneNow", "chkReport"}) {
     EXPECT_TRUE(reached.contains(name)) << name;
   }
 }

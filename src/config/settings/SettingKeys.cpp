@@ -151,6 +151,7 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::ChannelListing>("ChannelListing").Following("it follows the channels window"),
     Row<&Settings::RecordLog>("RecordLog").Following("it follows the log window"),
     Row<&Settings::KestruneNow>("KestruneNow").Following("it follows the now window"),
+    Row<&Settings::RecordingReport>("RecordingReport").Following("it follows the report's window"),
 };
 
 }  // namespace

@@ -39,10 +39,11 @@ struct Settings : FormatSettings {
   /// A capture that nobody asked for is begun anew after this many minutes; 0 is never.
   std::int16_t IdleCaptureMinutes = 60;
 
-  bool LegalAgreement = false;      ///< the user has accepted the agreement
-  std::int16_t ChannelListing = 1;  ///< check state: the channels window is open
-  std::int16_t RecordLog = 0;       ///< check state: the log window is open
-  std::int16_t KestruneNow = 0;     ///< check state: the now window is open
+  bool LegalAgreement = false;       ///< the user has accepted the agreement
+  std::int16_t ChannelListing = 1;   ///< check state: the channels window is open
+  std::int16_t RecordLog = 0;        ///< check state: the log window is open
+  std::int16_t KestruneNow = 0;      ///< check state: the now window is open
+  std::int16_t RecordingReport = 0;  ///< check state: the recording report is open
 
   bool operator==(const Settings&) const = default;
 };

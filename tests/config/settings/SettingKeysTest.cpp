@@ -140,6 +140,7 @@ const Expected kExpected[] = {
     {"ChannelListing", kInt16, "1", "0", SHOWS(s.ChannelListing == 1), SHOWS(s.ChannelListing == 0)},
     {"RecordLog", kInt16, "0", "1", SHOWS(s.RecordLog == 0), SHOWS(s.RecordLog == 1)},
     {"KestruneNow", kInt16, "0", "1", SHOWS(s.KestruneNow == 0), SHOWS(s.KestruneNow == 1)},
+    {"RecordingReport", kInt16, "0", "1", SHOWS(s.RecordingReport == 0), SHOWS(s.RecordingReport == 1)},
 };
 #undef SHOWS
 

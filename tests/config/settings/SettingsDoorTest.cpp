@@ -225,7 +225,7 @@ TEST_F(SettingsDoorTest, WhatFollowsFromSomethingElseIsRefused) {
   Refused("channel", "7",
           "Channel cannot be set to \"7\": it is the tuned channel, which the command tune changes");
   for (const char* key : {"Channel", "PortNum", "InputDeviceId", "LegalAgreement", "ChannelListing",
-                          "RecordLog", "KestruneNow"}) {
+                          "RecordLog", "KestruneNow", "RecordingReport"}) {
     EXPECT_THAT(door_.Set(key, "1").Refusal, HasSubstr(std::string(key) + " cannot be set to \"1\": "));
   }
   EXPECT_EQ(settings_, config::Settings());

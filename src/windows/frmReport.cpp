@@ -1,0 +1,154 @@
+#include "windows/frmReport.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "windows/AudioDisplay.h"
+#include "windows/Binding.h"
+#include "windows/HotKeys.h"
+#include "windows/RememberedPlace.h"
+
+namespace kestrune::windows {
+namespace {
+
+enum Column { kTime, kLength, kText, kNote, kColumns };
+/// The line of the story that an item shows.
+constexpr int kLineRole = Qt::UserRole;
+
+}  // namespace
+
+frmReport::frmReport(presenters::RecordingReport& rules, const config::SettingsSection& section,
+                     QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      rules_(rules),
+      section_(section),
+      lstNights_(new QListWidget(this)),
+      lstStory_(new QTreeWidget(this)),
+      cmdShowInFolder_(new QPushButton(QStringLiteral("Show in &Folder"), this)) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setObjectName(QStringLiteral("frmReport"));
+  setWindowTitle(QStringLiteral("Kestrune Recording Report"));
+
+  Name(*lstNights_, "lstNights", {}, "Nights, the newest first");
+  connect(lstNights_, &QListWidget::currentRowChanged, this, [this](int row) {
+    rules_.Select(row);
+    Refresh();
+  });
+
+  Name(*lstStory_, "lstStory", {}, "What happened in the night, problems first");
+  lstStory_->setColumnCount(kColumns);
+  lstStory_->setHeaderLabels({tr("Time"), tr("Length"), tr("What"), tr("What became of it")});
+  lstStory_->setUniformRowHeights(true);
+  lstStory_->header()->setStretchLastSection(false);
+  lstStory_->header()->setSectionResizeMode(kText, QHeaderView::Stretch);
+  for (const int column : {kTime, kLength, kNote}) {
+    lstStory_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+  }
+  connect(lstStory_, &QTreeWidget::itemActivated, this, [this] { ShowInFolder(); });
+  connect(lstStory_, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* item) {
+    const int line = item != nullptr ? item->data(kTime, kLineRole).toInt() : -1;
+    cmdShowInFolder_->setEnabled(line >= 0 &&
+                                 !rules_.Story().at(static_cast<std::size_t>(line)).File.empty());
+  });
+
+  Name(*cmdShowInFolder_, "cmdShowInFolder", "Open the folder of the chosen song");
+  cmdShowInFolder_->setEnabled(false);
+  connect(cmdShowInFolder_, &QPushButton::clicked, this, [this] { ShowInFolder(); });
+
+  auto* both = new QSplitter(this);
+  both->addWidget(lstNights_);
+  both->addWidget(lstStory_);
+  both->setStretchFactor(1, 1);
+  both->setChildrenCollapsible(false);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(both);
+  layout->addWidget(cmdShowInFolder_, 0, Qt::AlignRight);
+
+  const int letter = fontMetrics().averageCharWidth();
+  both->setSizes({30 * letter, 100 * letter});
+  resize(130 * letter, 28 * fontMetrics().lineSpacing());
+  RestorePlace(*this, section_, "Report", Remembered::PlaceAndSize);
+  rules_.Load();
+  Refresh();
+  lstStory_->setFocus();
+}
+
+void frmReport::Refresh() {
+  if (changes_ == rules_.Changes()) return;
+  changes_ = rules_.Changes();
+  ShowNights();
+  ShowStory();
+}
+
+void frmReport::ShowNights() {
+  const QSignalBlocker quiet(lstNights_);
+  lstNights_->clear();
+  for (const presenters::ReportNight& night : rules_.Nights()) {
+    auto* item = new QListWidgetItem(ToQt(night.Title + "\n" + night.Summary), lstNights_);
+    if (night.Problems) item->setForeground(WarningColour(palette()));
+  }
+  lstNights_->setCurrentRow(rules_.Selected());
+}
+
+void frmReport::ShowStory() {
+  const int current =
+      lstStory_->currentItem() != nullptr ? lstStory_->currentItem()->data(kTime, kLineRole).toInt() : -1;
+  lstStory_->clear();
+  QTreeWidgetItem* heading = nullptr;
+  int number = 0;
+  for (const presenters::ReportLine& line : rules_.Story()) {
+    QTreeWidgetItem* item = nullptr;
+    if (line.Heading || heading == nullptr) {
+      item = heading = new QTreeWidgetItem(lstStory_, {ToQt(line.Text)});
+      item->setFirstColumnSpanned(true);
+      item->setExpanded(true);
+      QFont bold = font();
+      bold.setBold(true);
+      item->setFont(kTime, bold);
+    } else {
+      item = new QTreeWidgetItem(heading,
+                                 {ToQt(line.Time), ToQt(line.Length), ToQt(line.Text), ToQt(line.Note)});
+      item->setToolTip(kText, PlainTip(ToQt(line.Text)));
+      item->setTextAlignment(kLength, Qt::AlignRight | Qt::AlignVCenter);
+    }
+    item->setData(kTime, kLineRole, number);
+    for (int column = 0; line.Problem && column < kColumns; ++column) {
+      item->setForeground(column, WarningColour(palette()));
+    }
+    if (number == current) lstStory_->setCurrentItem(item);
+    ++number;
+  }
+}
+
+void frmReport::ShowInFolder() {
+  if (const QTreeWidgetItem* item = lstStory_->currentItem()) {
+    rules_.ShowInFolder(item->data(kTime, kLineRole).toInt());
+  }
+}
+
+void frmReport::closeEvent(QCloseEvent* event) {
+  rules_.Unload();
+  SavePlace(*this, section_, "Report", Remembered::PlaceAndSize);
+  event->accept();
+  if (Closed) Closed();
+}
+
+void frmReport::keyPressEvent(QKeyEvent* event) {
+  if (const int key = HotKeyOf(*event); key != 0) {
+    if (HotKey) HotKey(key);
+  } else if (event->key() == Qt::Key_Escape) {
+    close();
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}
+
+}  // namespace kestrune::windows

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QWidget>
+#include <cstdint>
+#include <functional>
+
+#include "config/settings/SettingsSection.h"
+#include "presenters/RecordingReport.h"
+
+class QListWidget;
+class QPushButton;
+class QTreeWidget;
+
+namespace kestrune::windows {
+
+/// The recording report: the nights on the left, the story of the chosen one on the right, problems first. It is made
+/// anew each time and deletes itself when it closes, so its owner holds it in a QPointer.
+class frmReport final : public QWidget {
+ public:
+  /// Loads the rules and places itself. Both references must outlive the window.
+  frmReport(presenters::RecordingReport& rules, const config::SettingsSection& section,
+            QWidget* parent = nullptr);
+
+  /// A key of the main window was pressed, in HotKeyOf's numbering: pass it the focus and the key.
+  std::function<void(int)> HotKey;
+  /// It closes: `chkReport` is to be cleared.
+  std::function<void()> Closed;
+
+  void Refresh();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void ShowNights();
+  void ShowStory();
+  void ShowInFolder();
+
+  presenters::RecordingReport& rules_;
+  const config::SettingsSection& section_;
+  QListWidget* lstNights_;
+  QTreeWidget* lstStory_;
+  QPushButton* cmdShowInFolder_;
+  std::uint32_t changes_ = 0;  // shown
+};
+
+}  // namespace kestrune::windows
