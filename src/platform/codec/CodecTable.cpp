@@ -4,6 +4,8 @@
 #include "platform/codec/G726Encoder.h"
 #include "platform/codec/Id3Tag.h"
 #include "platform/codec/LameEncoder.h"
+#include "platform/codec/Mp3Mender.h"
+#include "platform/codec/OggMender.h"
 #include "platform/codec/RiffFile.h"
 #include "platform/codec/SndfileEncoder.h"
 #include "platform/codec/VorbisComment.h"
@@ -14,21 +16,25 @@ namespace kestrune::platform {
 namespace {
 
 template <typename Format, typename ItsEncoder>
-constexpr Codec Row(std::string_view extension, bool (*writeTags)(DiskFile&, const TagTexts&)) {
-  return {extension, [](const CaptureFormat& format) { return std::holds_alternative<Format>(format); },
+constexpr Codec Row(std::string_view extension, bool (*writeTags)(DiskFile&, const TagTexts&),
+                    MendFile mend) {
+  return {extension,
+          [](const CaptureFormat& format) { return std::holds_alternative<Format>(format); },
           [](const CaptureFormat& format) -> std::unique_ptr<Encoder> {
             return std::make_unique<ItsEncoder>(std::get<Format>(format));
           },
-          [](const CaptureFormat& format) { return FormatDescription(std::get<Format>(format)); }, writeTags};
+          [](const CaptureFormat& format) { return FormatDescription(std::get<Format>(format)); },
+          writeTags,
+          mend};
 }
 
 constexpr Codec kCodecs[] = {
-    Row<Mp3Parameters, LameEncoder>(".mp3", WriteId3),
-    Row<OggFormat, VorbisEncoder>(".ogg", WriteVorbisComment),
-    Row<WavFormat, WaveEncoder>(".wav", WriteRiffInfo),
-    Row<RawFormat, SndfileEncoder>(".raw", nullptr),
-    Row<VoxFormat, SndfileEncoder>(".vox", nullptr),
-    Row<G726Format, G726Encoder>(".g726", WriteRiffInfo),
+    Row<Mp3Parameters, LameEncoder>(".mp3", WriteId3, MendMp3),
+    Row<OggFormat, VorbisEncoder>(".ogg", WriteVorbisComment, MendOgg),
+    Row<WavFormat, WaveEncoder>(".wav", WriteRiffInfo, MendRiff),
+    Row<RawFormat, SndfileEncoder>(".raw", nullptr, MendRaw),
+    Row<VoxFormat, SndfileEncoder>(".vox", nullptr, MendVox),
+    Row<G726Format, G726Encoder>(".g726", WriteRiffInfo, MendRiff),
 };
 
 }  // namespace

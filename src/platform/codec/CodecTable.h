@@ -7,11 +7,12 @@
 #include "platform/CaptureFormat.h"
 #include "platform/codec/DiskFile.h"
 #include "platform/codec/Encoder.h"
+#include "platform/codec/Mending.h"
 #include "platform/codec/TagText.h"
 
 namespace kestrune::platform {
 
-/// One recording format: what writes its sound and its tags. The functions that take a format must be given
+/// One recording format: what writes its sound and its tags, and what mends a file that was never closed. The functions that take a format must be given
 /// this one.
 struct Codec {
   std::string_view Extension;  ///< lower case, with its point
@@ -21,6 +22,7 @@ struct Codec {
   std::string (*Description)(const CaptureFormat& format);
   /// Null if such files hold no tags. Otherwise false if the file is none of ours; it is then as it was.
   bool (*WriteTags)(DiskFile& file, const TagTexts& texts);
+  MendFile Mend;
 };
 
 /// Null for the empty format.

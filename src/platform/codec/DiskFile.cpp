@@ -1,5 +1,6 @@
 #include "platform/codec/DiskFile.h"
 
+#include <array>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -68,6 +69,13 @@ bool DiskFile::OpenExisting(std::string_view path) {
   return true;
 }
 
+bool DiskFile::OpenHeld(std::string_view path) {
+  Close();
+  if (!Take(platform::OpenHeld(std::string(path)), path)) return false;
+  size_ = ::lseek(file_.Number(), 0, SEEK_END);
+  return true;
+}
+
 bool DiskFile::Append(std::span<const std::byte> bytes) {
   if (!IsOpen()) return Fails(EBADF);
   if (!WriteAll(file_.Number(), size_, bytes)) {
@@ -105,6 +113,16 @@ bool DiskFile::Truncate(std::int64_t size) {
   if (::ftruncate(file_.Number(), size) != 0) return Fails(errno);
   size_ = size;
   return true;
+}
+
+timespec DiskFile::Written() const {
+  struct stat status {};
+  return ::fstat(file_.Number(), &status) == 0 ? status.st_mtim : timespec{};
+}
+
+void DiskFile::SetWritten(timespec time) {
+  const std::array<timespec, 2> times{{{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, time}};
+  base::Ignored(::futimens(file_.Number(), times.data()));
 }
 
 void DiskFile::Close() {

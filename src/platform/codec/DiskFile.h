@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include <time.h>
+
 #include "base/Result.h"
 #include "platform/posix/FileDescriptor.h"
 
@@ -24,6 +26,8 @@ class DiskFile {
   [[nodiscard]] bool Create(std::string_view path);
   /// Opens a plain file that exists, for reading and writing.
   [[nodiscard]] bool OpenExisting(std::string_view path);
+  /// The same for a file that nobody holds, which is held while it is open; never through a link.
+  [[nodiscard]] bool OpenHeld(std::string_view path);
   [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
 
   /// All or nothing: a part that was written before a failure is removed again, so that the file ends with a whole
@@ -35,6 +39,10 @@ class DiskFile {
   [[nodiscard]] std::optional<std::string> ReadAt(std::int64_t offset, std::size_t count) const;
   [[nodiscard]] std::int64_t Size() const { return size_; }
   [[nodiscard]] bool Truncate(std::int64_t size);
+  /// When the file was last written, as the system has it.
+  [[nodiscard]] timespec Written() const;
+  /// Gives it back its time.
+  void SetWritten(timespec time);
 
   /// The error number of the call that failed last, 0 if none has failed since the file was opened.
   [[nodiscard]] int Error() const { return error_; }

@@ -65,6 +65,26 @@ std::string Id3v2Tag(const TagTexts& texts) {
   return tag;
 }
 
+std::optional<FoundTags> ReadId3(const DiskFile& file) {
+  const auto tag = file.ReadAt(0, kTagRoom);
+  if (!tag || !tag->starts_with(Header())) return std::nullopt;
+  FoundTags found;
+  for (std::size_t at = kHeaderBytes; at + kFrameHeaderBytes < tag->size();) {
+    std::size_t size = 0;
+    for (std::size_t i = 4; i < 8; ++i)
+      size = size << 7 | (static_cast<unsigned char>((*tag)[at + i]) & 0x7FU);
+    const std::size_t textAt = at + kFrameHeaderBytes;
+    if (size == 0 || size > tag->size() - textAt) break;
+    const std::string_view name = std::string_view(*tag).substr(at, 4);
+    // The first byte names the encoding.
+    const std::string_view text = std::string_view(*tag).substr(textAt + 1, size - 1);
+    if (name == "TPE1") found.Artist = CleanTagText(text);
+    if (name == "TIT2") found.Title = CleanTagText(text);
+    at = textAt + size;
+  }
+  return found;
+}
+
 bool WriteId3(DiskFile& file, const TagTexts& texts) {
   const auto head = file.ReadAt(0, kHeaderBytes);
   if (head != Header() || file.Size() < static_cast<std::int64_t>(kTagRoom)) return false;

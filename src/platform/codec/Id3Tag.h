@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/codec/DiskFile.h"
@@ -15,5 +16,9 @@ namespace kestrune::platform {
 /// one that is there. A disk with no room left for the latter is no failure. False, and the file as it was,
 /// if the file has no such room.
 [[nodiscard]] bool WriteId3(DiskFile& file, const TagTexts& texts);
+
+/// Artist and title of the tag in the room of an MP3 file of ours; nothing if there is no such room. An empty tag and one
+/// that is no tag of ours give empty texts.
+[[nodiscard]] std::optional<FoundTags> ReadId3(const DiskFile& file);
 
 }  // namespace kestrune::platform

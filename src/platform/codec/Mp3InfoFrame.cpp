@@ -137,4 +137,13 @@ std::string Mp3InfoFrame::Frame(const Contents& contents) const {
   return frame;
 }
 
+bool Mp3InfoFrame::Says(std::string_view frame, std::int64_t frames, std::int64_t soundBytes) const {
+  const std::size_t at = kHeaderBytes + SideInfoBytes(stream_.Rate.Version, stream_.ModeBits);
+  std::string lengths;
+  AppendBe(lengths, Capped(frames), 4);
+  AppendBe(lengths, Capped(Size() + soundBytes), 4);
+  const std::string_view name = frame.substr(at, 4);
+  return (name == "Info" || name == "Xing") && frame.substr(at + 8, 8) == lengths;
+}
+
 }  // namespace kestrune::platform

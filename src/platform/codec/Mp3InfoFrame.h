@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/codec/MpegAudio.h"
@@ -63,6 +64,8 @@ class Mp3InfoFrame {
   /// A silent frame, to be overwritten at the end.
   [[nodiscard]] std::string Placeholder() const;
   [[nodiscard]] std::string Frame(const Contents& contents) const;
+  /// Whether a frame of this stream, as long as Size, names this length.
+  [[nodiscard]] bool Says(std::string_view frame, std::int64_t frames, std::int64_t soundBytes) const;
 
  private:
   Stream stream_;

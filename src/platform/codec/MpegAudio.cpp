@@ -38,6 +38,13 @@ std::optional<MpegRate> FindMpegRate(std::int32_t hertz) {
   return std::nullopt;
 }
 
+std::optional<std::int32_t> HertzOf(const MpegRate& rate) {
+  for (const RateRow& row : kRates) {
+    if (row.Rate.Version == rate.Version && row.Rate.Index == rate.Index) return row.Hertz;
+  }
+  return std::nullopt;
+}
+
 std::span<const std::int16_t> MpegBitrates(MpegVersion version) {
   switch (version) {
     case MpegVersion::Mpeg1:

@@ -20,6 +20,9 @@ struct MpegRate {
 /// Nothing if MPEG layer III has no such rate.
 [[nodiscard]] std::optional<MpegRate> FindMpegRate(std::int32_t hertz);
 
+/// The rate in Hz; nothing if there is none of that index.
+[[nodiscard]] std::optional<std::int32_t> HertzOf(const MpegRate& rate);
+
 /// The bitrates in kbit/s, rising; the first has index 1 in a frame's header. For the lowest rates those that
 /// the encoder makes: up to 64.
 [[nodiscard]] std::span<const std::int16_t> MpegBitrates(MpegVersion version);

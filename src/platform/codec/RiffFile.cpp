@@ -1,5 +1,6 @@
 #include "platform/codec/RiffFile.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -34,6 +35,56 @@ std::string InfoList(const TagTexts& texts) {
   std::string chunk = "LIST";
   AppendLe(chunk, list.size(), 4);
   return chunk + list;
+}
+
+constexpr std::size_t kFormatAt = 56;  ///< in a header of ours
+constexpr std::size_t kFormatBytes = 16;
+
+/// What a header of ours says.
+struct Facts {
+  RiffSound Sound;
+  std::int64_t HeaderBytes = 0;
+  std::int64_t DataBytes = -1;  ///< negative while the file is open
+  std::int64_t Frames = -1;
+};
+
+RiffSound SoundOf(std::string_view format) {
+  RiffSound sound;
+  sound.FormatTag = static_cast<std::uint16_t>(ReadLe(format, 0, 2));
+  sound.Channels = static_cast<std::uint16_t>(ReadLe(format, 2, 2));
+  sound.SampleRate = static_cast<std::uint32_t>(ReadLe(format, 4, 4));
+  sound.BytesPerSecond = static_cast<std::uint32_t>(ReadLe(format, 8, 4));
+  sound.BlockAlign = static_cast<std::uint16_t>(ReadLe(format, 12, 2));
+  sound.BitsPerSample = static_cast<std::uint16_t>(ReadLe(format, 14, 2));
+  return sound;
+}
+
+/// Nothing if the file does not begin with a header as RiffFile writes it.
+std::optional<Facts> FactsOf(const DiskFile& file) {
+  const auto format = file.ReadAt(kFormatAt, kFormatBytes);
+  if (!format) return std::nullopt;
+  Facts facts;
+  facts.Sound = SoundOf(*format);
+  if (facts.Sound.SampleRate == 0 || facts.Sound.BlockAlign == 0 || facts.Sound.Channels == 0 ||
+      facts.Sound.BitsPerSample == 0) {
+    return std::nullopt;
+  }
+  const RiffFile riff(facts.Sound);
+  const std::string open = riff.Header(-1, -1, -1);
+  const auto header = file.ReadAt(0, open.size());
+  if (!header) return std::nullopt;
+  facts.HeaderBytes = static_cast<std::int64_t>(open.size());
+  if (*header == open) return facts;
+  const auto number = [&header](std::size_t at, int bytes) {
+    return static_cast<std::int64_t>(ReadLe(*header, at, bytes) & std::numeric_limits<std::int64_t>::max());
+  };
+  const bool isLong = header->starts_with("RF64");
+  const std::int64_t riffBytes = isLong ? number(20, 8) : number(4, 4);
+  if (riffBytes > std::numeric_limits<std::int64_t>::max() - kChunkHeader) return std::nullopt;
+  facts.DataBytes = isLong ? number(28, 8) : number(open.size() - 4, 4);
+  facts.Frames = isLong ? number(36, 8) : facts.Sound.FormatTag == kPcm ? 0 : number(open.size() - 12, 4);
+  if (*header != riff.Header(riffBytes + kChunkHeader, facts.DataBytes, facts.Frames)) return std::nullopt;
+  return facts;
 }
 
 struct Layout {
@@ -74,6 +125,38 @@ std::optional<Layout> FindLayout(const DiskFile& file) {
     return std::nullopt;
   }
   return layout;
+}
+
+/// The texts of an INFO list from a place on, up to the first that is none.
+FoundTags ReadInfo(const DiskFile& file, std::int64_t at) {
+  constexpr std::int64_t kListHeader = kChunkHeader + 4;
+  constexpr std::int64_t kMostBytes = 4 * (kChunkHeader + static_cast<std::int64_t>(kMaxTagText) + 2);
+  FoundTags found;
+  const std::int64_t size = file.Size() - at - kListHeader;
+  const auto list = size <= 0 || size > kMostBytes
+                        ? std::nullopt
+                        : file.ReadAt(at + kListHeader, static_cast<std::size_t>(size));
+  if (!list) return found;
+  constexpr auto kName = static_cast<std::size_t>(kChunkHeader);
+  for (std::size_t place = 0; place + kName <= list->size();) {
+    const auto bytes = static_cast<std::size_t>(ReadLe(*list, place + 4, 4));
+    const std::string_view name = std::string_view(*list).substr(place, 4);
+    place += kName;
+    if (bytes == 0 || bytes > list->size() - place) break;
+    const std::string_view text = std::string_view(*list).substr(place, bytes - 1);
+    if (name == "IART") found.Artist = CleanTagText(text);
+    if (name == "INAM") found.Title = CleanTagText(text);
+    place += bytes + bytes % 2;
+  }
+  return found;
+}
+
+/// Bytes of sound as milliseconds.
+std::int64_t LengthOf(const RiffSound& sound, std::int64_t bytes) {
+  const std::int64_t bits = std::int64_t{sound.Channels} * sound.BitsPerSample;
+  const std::int64_t frames = bytes / bits * 8 + bytes % bits * 8 / bits;
+  const std::int64_t rate = sound.SampleRate;
+  return frames / rate * 1000 + frames % rate * 1000 / rate;
 }
 
 }  // namespace
@@ -119,10 +202,42 @@ bool RiffFile::Begin(DiskFile& file) {
   return file_->Append(AsBytes(header));
 }
 
+void RiffFile::Resume(DiskFile& file) {
+  file_ = &file;
+  dataStart_ = static_cast<std::int64_t>(Header(-1, -1, -1).size());
+}
+
 bool RiffFile::Finish(std::int64_t frames) {
   const std::int64_t dataBytes = file_->Size() - dataStart_;
   const bool padded = dataBytes % 2 == 0 || file_->Append(AsBytes(std::string_view("\0", 1)));
   return file_->WriteAt(0, AsBytes(Header(file_->Size(), dataBytes, frames))) && padded;
+}
+
+MendedCapture MendRiff(DiskFile& file, const std::stop_token& /*stop*/) {
+  const std::string start = RiffFile(RiffSound()).Header(-1, -1, -1);
+  if (file.Size() < static_cast<std::int64_t>(start.size())) {
+    const auto head = file.ReadAt(0, std::min(static_cast<std::size_t>(file.Size()), kFormatAt - 4));
+    return head && start.starts_with(*head) ? NoSound() : NoCapture();
+  }
+  const auto facts = FactsOf(file);
+  if (!facts) return NoCapture();
+  const std::int64_t room = file.Size() - facts->HeaderBytes;
+  if (facts->DataBytes >= 0 && facts->DataBytes <= room) {
+    if (facts->DataBytes == 0) return NoSound();
+    const std::int64_t length = LengthOf(facts->Sound, facts->DataBytes);
+    if (const auto layout = FindLayout(file)) return Mended(length, ReadInfo(file, layout->SoundEnd));
+    // The tags were being written, which is what comes last.
+    if (room - facts->DataBytes > kMostCutOff) return NotMended("it is damaged long before its end");
+  }
+  const bool open = facts->DataBytes < 0 || facts->DataBytes > room;
+  const std::int64_t bytes = open ? room - room % facts->Sound.BlockAlign : facts->DataBytes;
+  if (bytes == 0) return NoSound();
+  const std::int64_t bits = std::int64_t{facts->Sound.Channels} * facts->Sound.BitsPerSample;
+  const std::int64_t frames = open ? bytes / bits * 8 + bytes % bits * 8 / bits : facts->Frames;
+  RiffFile riff(facts->Sound);
+  riff.Resume(file);
+  if (!file.Truncate(facts->HeaderBytes + bytes) || !riff.Finish(frames)) return NotWritten(file);
+  return Mended(LengthOf(facts->Sound, bytes));
 }
 
 bool WriteRiffInfo(DiskFile& file, const TagTexts& texts) {

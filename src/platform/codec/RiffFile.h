@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/codec/DiskFile.h"
+#include "platform/codec/Mending.h"
 
 namespace kestrune::platform {
 
@@ -34,9 +35,12 @@ class RiffFile {
   /// Puts the sizes right. `frames` is the length of the sound in sample frames.
   [[nodiscard]] bool Finish(std::int64_t frames);
 
- private:
+  /// Takes up a file of this sound that was begun before, whose header is as long as the one of Begin.
+  void Resume(DiskFile& file);
+  /// The header, of a file that is not finished if the sizes are negative.
   [[nodiscard]] std::string Header(std::int64_t fileBytes, std::int64_t dataBytes, std::int64_t frames) const;
 
+ private:
   RiffSound sound_;
   DiskFile* file_ = nullptr;
   std::int64_t dataStart_ = 0;
@@ -45,5 +49,8 @@ class RiffFile {
 /// Writes the INFO list after the sound of a finished file, in place of one that is there. False, and the
 /// file as it was, if it is no such file or takes no more.
 [[nodiscard]] bool WriteRiffInfo(DiskFile& file, const TagTexts& texts);
+
+/// A file of ours holds whole blocks of sound, and its sizes say how many.
+[[nodiscard]] MendedCapture MendRiff(DiskFile& file, const std::stop_token& stop);
 
 }  // namespace kestrune::platform

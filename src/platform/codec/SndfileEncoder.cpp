@@ -91,6 +91,18 @@ bool SndfileEncoder::Finish() {
   return sf_close(sound_.release()) == 0 && !sink_.Failed;
 }
 
+MendedCapture MendRaw(DiskFile& file, const std::stop_token& /*stop*/) {
+  constexpr std::int64_t kLargestFrame = 4;
+  const std::int64_t whole = file.Size() - file.Size() % kLargestFrame;
+  if (whole == 0) return NoSound();
+  if (whole != file.Size() && !file.Truncate(whole)) return NotWritten(file);
+  return Mended(MendedCapture::kUnknownLength);
+}
+
+MendedCapture MendVox(DiskFile& file, const std::stop_token& /*stop*/) {
+  return file.Size() == 0 ? NoSound() : Mended(MendedCapture::kUnknownLength);
+}
+
 std::string FormatDescription(const RawFormat& format) {
   const std::string_view samples = format.Compression == 2   ? "8-bit A-law"
                                    : format.Compression == 3 ? "8-bit mu-law"

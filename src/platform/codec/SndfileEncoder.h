@@ -8,6 +8,7 @@
 
 #include "platform/CaptureFormat.h"
 #include "platform/codec/Encoder.h"
+#include "platform/codec/Mending.h"
 
 namespace kestrune::platform {
 
@@ -44,6 +45,11 @@ class SndfileEncoder final : public Encoder {
   std::vector<std::int16_t> waiting_;  ///< for its neighbour: one sample at most between calls
   std::unique_ptr<SNDFILE, CloseSound> sound_;
 };
+
+/// Cuts to whole frames, whatever the samples are: two channels of 16 bits take the most bytes.
+[[nodiscard]] MendedCapture MendRaw(DiskFile& file, const std::stop_token& stop);
+/// Each byte of a VOX file is whole by itself.
+[[nodiscard]] MendedCapture MendVox(DiskFile& file, const std::stop_token& stop);
 
 [[nodiscard]] std::string FormatDescription(const RawFormat& format);
 [[nodiscard]] std::string FormatDescription(const VoxFormat& format);

@@ -23,6 +23,12 @@ struct TagTexts {
   std::string Encoder;
 };
 
+/// What a file's tags say, made fit for a log and a file name.
+struct FoundTags {
+  std::string Artist;
+  std::string Title;
+};
+
 /// Valid UTF-8 of at most kMaxTagText bytes: control characters become blanks, bytes that are no UTF-8 become
 /// question marks.
 [[nodiscard]] std::string CleanTagText(std::string_view text);

@@ -11,6 +11,7 @@
 namespace kestrune::platform {
 namespace {
 
+constexpr std::string_view kPacketStart = "\x03vorbis";
 constexpr std::size_t kMaxVendor = 128;
 constexpr std::size_t kPageFixedBytes = 27;
 static_assert(7 + 4 + kMaxVendor + 4 + 4 * (4 + 11 + kMaxTagText) + 1 <= kTagRoom);
@@ -61,6 +62,31 @@ std::string VorbisCommentPacket(const TagTexts& texts) {
   packet += '\x01';
   packet.resize(kTagRoom, '\0');
   return packet;
+}
+
+FoundTags ReadVorbisComment(std::string_view packet) {
+  FoundTags found;
+  std::size_t at = kPacketStart.size();
+  if (!packet.starts_with(kPacketStart)) return found;
+  const auto number = [&]() -> std::optional<std::size_t> {
+    if (packet.size() - at < 4) return std::nullopt;
+    at += 4;
+    return static_cast<std::size_t>(ReadLe(packet, at - 4, 4));
+  };
+  const auto text = [&]() -> std::optional<std::string_view> {
+    const auto size = number();
+    if (!size || *size > packet.size() - at) return std::nullopt;
+    at += *size;
+    return packet.substr(at - *size, *size);
+  };
+  if (!text()) return found;
+  for (std::size_t left = number().value_or(0); left > 0; --left) {
+    const auto comment = text();
+    if (!comment) break;
+    if (comment->starts_with("ARTIST=")) found.Artist = CleanTagText(comment->substr(7));
+    if (comment->starts_with("TITLE=")) found.Title = CleanTagText(comment->substr(6));
+  }
+  return found;
 }
 
 bool WriteVorbisComment(DiskFile& file, const TagTexts& texts) {

@@ -15,4 +15,7 @@ namespace kestrune::platform {
 /// False, and the file as it was, if the file has no such page.
 [[nodiscard]] bool WriteVorbisComment(DiskFile& file, const TagTexts& texts);
 
+/// Artist and title of a comment packet; empty texts from what is none.
+[[nodiscard]] FoundTags ReadVorbisComment(std::string_view packet);
+
 }  // namespace kestrune::platform

@@ -47,6 +47,17 @@ int RemoveUnheld(const std::string& path) {
   return Unlink(path);
 }
 
+FileDescriptor OpenHeld(const std::string& path) {
+  FileDescriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!file.IsOpen()) return {};
+  struct stat status {};
+  const bool plain = ::fstat(file.Number(), &status) == 0 && S_ISREG(status.st_mode);
+  if (plain && Hold(file.Number()) && StillNamed(file.Number(), path)) return file;
+  file.Close();
+  errno = EBUSY;
+  return {};
+}
+
 FileDescriptor CreateHeld(const std::string& path, mode_t mode) {
   constexpr int kTries = 3;
   for (int attempt = 0; attempt < kTries; ++attempt) {

@@ -17,6 +17,10 @@ namespace kestrune::platform {
 /// in errno: EBUSY if the name belongs to a file that is held, or to something that is neither file nor link.
 [[nodiscard]] FileDescriptor CreateHeld(const std::string& path, mode_t mode);
 
+/// Opens a plain file that nobody holds, for reading and writing, and holds it. Not open on failure, with the reason in
+/// errno: EBUSY if it is held or no plain file, ELOOP if it is a link.
+[[nodiscard]] FileDescriptor OpenHeld(const std::string& path);
+
 /// Removes a plain file or a link that nobody holds. 0, or the error: EBUSY as above.
 [[nodiscard]] int RemoveUnheld(const std::string& path);
 

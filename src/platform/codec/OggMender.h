@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/codec/Mending.h"
+
+namespace kestrune::platform {
+
+/// An Ogg Vorbis file ends with the last page that is whole and ends a packet; that page says that it is the last one.
+[[nodiscard]] MendedCapture MendOgg(DiskFile& file, const std::stop_token& stop);
+
+}  // namespace kestrune::platform

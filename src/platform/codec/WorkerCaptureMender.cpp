@@ -1,0 +1,98 @@
+#include "platform/codec/WorkerCaptureMender.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/codec/CodecTable.h"
+#include "platform/posix/FileNames.h"
+
+namespace kestrune::platform {
+namespace {
+
+constexpr std::chrono::milliseconds kLookInterval{50};
+constexpr int kMostNames = 1000000;
+
+base::DateValue LocalTime(std::time_t moment) {
+  std::tm fields{};
+  if (::localtime_r(&moment, &fields) == nullptr) return {};
+  return base::DateValue::FromCivil(fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
+                                    fields.tm_min, fields.tm_sec);
+}
+
+/// No link is followed, neither to a folder nor to a file.
+std::vector<std::string> FindFiles(const std::string& folder, const std::string& pattern,
+                                   const std::stop_token& stop) {
+  namespace fs = std::filesystem;
+  std::vector<std::string> found;
+  std::error_code error;
+  fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
+  for (int names = 0; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+    if (stop.stop_requested() || ++names > kMostNames) break;
+    std::error_code unknown;
+    const std::string& path = entry->path().native();
+    if (entry->symlink_status(unknown).type() == fs::file_type::regular &&
+        MatchesPattern(std::string_view(path).substr(path.rfind('/') + 1), pattern)) {
+      found.push_back(path);
+    }
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+}  // namespace
+
+MendedCapture MendCapture(DiskFile& file, std::string_view path, const std::stop_token& stop) {
+  const Codec* const codec = FindCodecOfFile(path);
+  if (codec == nullptr || !file.OpenHeld(path)) return {};
+  const timespec written = file.Written();
+  MendedCapture mended = codec->Mend(file, stop);
+  file.SetWritten(written);
+  mended.Written = LocalTime(written.tv_sec);
+  return mended;
+}
+
+WorkerCaptureMender::WorkerCaptureMender(base::EventLoop& loop)
+    : tmrLook_(loop.MakeTimer(kLookInterval, [this] { Look(); })) {}
+
+void WorkerCaptureMender::Find(std::string_view folder, std::string_view pattern, FoundHandler found) {
+  Begin([folder = std::string(folder), pattern = std::string(pattern),
+         found = std::move(found)](const std::stop_token& stop) -> Answer {
+    return [found, paths = FindFiles(folder, pattern, stop)] { found(paths); };
+  });
+}
+
+void WorkerCaptureMender::Mend(std::string_view path, MendedHandler mended) {
+  Begin([this, path = std::string(path), mended = std::move(mended)](const std::stop_token& stop) -> Answer {
+    return [mended, capture = MendCapture(file_, path, stop)] { mended(capture); };
+  });
+}
+
+void WorkerCaptureMender::Begin(std::function<Answer(const std::stop_token& stop)> work) {
+  Stop();
+  stop_ = std::stop_source();
+  running_ = std::async(std::launch::async, std::move(work), stop_.get_token());
+  tmrLook_->SetEnabled(true);
+}
+
+void WorkerCaptureMender::Look() {
+  if (running_.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return;
+  tmrLook_->SetEnabled(false);
+  const Answer answer = running_.get();
+  answer();
+}
+
+void WorkerCaptureMender::Stop() {
+  tmrLook_->SetEnabled(false);
+  stop_.request_stop();
+  if (running_.valid()) running_.wait();
+  running_ = {};
+  file_.Close();
+}
+
+}  // namespace kestrune::platform
