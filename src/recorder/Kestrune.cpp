@@ -66,7 +66,8 @@ Kestrune::Kestrune(const Outside& outside)
       update_(outside, state_.Run, commands_, boxes_, [this] { wishes_.Close(); }),
       stayAwake_(state_, outside.SleepInhibitor, outside.Loop),
       soundWatch_(state_, sound_.Audio, sound_.Meter, outside.Loop, log_),
-      diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_) {
+      diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_),
+      recovery_(state_, outside.CaptureMender, outside.Files, sound_.SongFiles, log_) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
   outside_.HistoryStore.SetTroubleHandler([this](const std::string& line) { log_.DoLog(line); });

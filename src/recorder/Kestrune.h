@@ -26,6 +26,7 @@
 #include "recorder/Presentation.h"
 #include "recorder/RadioSide.h"
 #include "recorder/RecordCommands.h"
+#include "recorder/Recovery.h"
 #include "recorder/SchedulePass.h"
 #include "recorder/Snapshot.h"
 #include "recorder/SoundSide.h"
@@ -200,6 +201,7 @@ class Kestrune final : private radio::ChannelEvents {
   StayAwake stayAwake_;
   SoundWatch soundWatch_;
   DiskWatch diskWatch_;
+  Recovery recovery_;
 };
 
 }  // namespace kestrune::recorder

@@ -2,6 +2,7 @@
 
 #include "base/EventLoop.h"
 #include "platform/AudioLibrary.h"
+#include "platform/CaptureMender.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/FileSync.h"
@@ -25,6 +26,7 @@ struct Outside {
   platform::AudioLibrary& Audio;
   platform::Files& Files;
   platform::FileSync& FileSync;
+  platform::CaptureMender& CaptureMender;
   const platform::Environment& Environment;
   platform::SettingsStore& Settings;
   platform::Dialogs& Dialogs;

@@ -42,15 +42,21 @@ class SongFiles {
   /// name in use, the song gets a name of its own in the same folder, from the time `now`.
   [[nodiscard]] MovedSong Move(CaptureRecord& capture, const std::string& target, base::DateValue now);
 
+  /// Has a file that got its name from somebody else brought to the disk.
+  void Sync(const std::string& path) { sync_.Sync(path); }
+
   /// Removes the capture, if there is one.
   void Discard(CaptureRecord& capture);
 
-  /// Removes the files of that pattern from a folder, but for those that another process holds and for songs that
-  /// could not be renamed.
+  /// Removes the files of that pattern from a folder, but for those that another process holds or that are kept.
   void RemoveLeftovers(const std::string& folder, std::string_view pattern);
 
-  /// Whether a song that could not be renamed lies under this temporary name.
+  /// Whether a song that could not be renamed lies under this temporary name, or a file that is spared.
   [[nodiscard]] bool IsKept(std::string_view path) const;
+  /// From now on a song lies under this temporary name.
+  void Keep(const std::string& path) { kept_.push_back(path); }
+  /// While leftovers are spared, each file that lies under a temporary name counts as kept.
+  void SpareLeftovers(bool spared) { leftoversSpared_ = spared; }
 
  private:
   [[nodiscard]] MovedSong KeepUnderOwnName(CaptureRecord& capture, const std::string& cause,
@@ -61,6 +67,7 @@ class SongFiles {
   platform::FileSync& sync_;
   base::Journal& journal_;
   std::vector<std::string> kept_;  // temporary names
+  bool leftoversSpared_ = false;
 };
 
 /// The next name to try for a song whose name is taken: a last digit from 1 to 8 goes up by one, everything

@@ -46,6 +46,7 @@ StartOutcome Kestrune::LoadSteps() {
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!Agree()) return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::NotAgreed;
   outside_.Windows.ShowPleaseWaitAndSplash();
+  recovery_.Start(multiUnit_);
   presentation_->LoadPresets();
   radio::DisableSerialMouse(outside_.SerialEnumerator);
   tmrUpdate_->SetEnabled(true);

@@ -56,6 +56,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
                                                                  .Audio = *audio_,
                                                                  .Files = files_,
                                                                  .FileSync = fileSync_,
+                                                                 .CaptureMender = captureMender_,
                                                                  .Environment = environment_,
                                                                  .Settings = store_,
                                                                  .Dialogs = dialogs_,

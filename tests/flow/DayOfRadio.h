@@ -72,6 +72,7 @@ class DayOfRadio {
   SimulatedSoundSource sound_{loop_, std::chrono::milliseconds(100)};
   MemoryFiles files_;
   FakeFileSync fileSync_;
+  FakeCaptureMender captureMender_{loop_, files_};
   MemorySettingsStore store_;
   FakeEnvironment environment_;
   ScriptedDialogs dialogs_;

@@ -154,6 +154,7 @@ class ScheduledFortnight : public ::testing::Test {
                                                                   .Audio = audio,
                                                                   .Files = files,
                                                                   .FileSync = fileSync,
+                                                                  .CaptureMender = captureMender,
                                                                   .Environment = environment,
                                                                   .Settings = store,
                                                                   .Dialogs = dialogs,
@@ -257,6 +258,7 @@ class ScheduledFortnight : public ::testing::Test {
   SimulatedSoundSource sound{loop, 1s};
   MemoryFiles files;
   FakeFileSync fileSync;
+  FakeCaptureMender captureMender{loop, files};
   MemorySettingsStore store;
   FakeEnvironment environment;
   ScriptedDialogs dialogs;

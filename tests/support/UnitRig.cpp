@@ -38,6 +38,7 @@ void UnitRig::MeetWindows(recorder::Windows& windows) {
                                   .Audio = Audio,
                                   .Files = Files,
                                   .FileSync = FileSync,
+                                  .CaptureMender = CaptureMender,
                                   .Environment = Environment,
                                   .Settings = Store,
                                   .Dialogs = Dialogs,

@@ -9,6 +9,7 @@
 #include "platform/ring/RingRecorder.h"
 #include "presenters/UnitPresenters.h"
 #include "recorder/Kestrune.h"
+#include "support/FakeCaptureMender.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeFileSync.h"
 #include "support/FakeHistoryStore.h"
@@ -113,6 +114,7 @@ class UnitRig {
   SimulatedSoundSource Sound{Loop};
   MemoryFiles Files;
   FakeFileSync FileSync;
+  FakeCaptureMender CaptureMender{Loop, Files};
   MemorySettingsStore Store;
   FakeEnvironment Environment;
   ScriptedDialogs Dialogs;

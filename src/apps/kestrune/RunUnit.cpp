@@ -15,6 +15,7 @@
 #include "apps/kestrune/DemoReceiver.h"
 #include "control/ControlServer.h"
 #include "control/UnitTarget.h"
+#include "platform/codec/WorkerCaptureMender.h"
 #include "platform/local/ControlSocketPath.h"
 #include "platform/posix/IniSettingsStore.h"
 #include "platform/posix/PortMap.h"
@@ -94,6 +95,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   }
   platform::PosixFiles files;
   platform::WorkerFileSync fileSync(loop);
+  platform::WorkerCaptureMender captureMender(loop);
   platform::IniSettingsStore settings(environment.SettingsFolder());
   platform::QtSerialPort port(loop, PortsOf(options));
   platform::SerialEnumerator serialEnumerator;
@@ -116,6 +118,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                                   .Audio = audio,
                                   .Files = files,
                                   .FileSync = fileSync,
+                                  .CaptureMender = captureMender,
                                   .Environment = environment,
                                   .Settings = settings,
                                   .Dialogs = face->Dialogs(),

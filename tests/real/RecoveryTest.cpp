@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <future>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/posix/TemporaryFolder.h"
+#include "real/Decoded.h"
+#include "real/LineUps.h"
+#include "real/Receiver.h"
+#include "real/Unit.h"
+#include "real/Waiting.h"
+#include "support/Repetitions.h"
+
+namespace kestrune::test {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr double kSongSeconds = 4;
+/// A longer leftover has sound in it, in each format.
+constexpr std::uintmax_t kSurelySound = 24000;
+
+/// Units that are killed again and again while they record, one in each format.
+class Recovery : public testing::Test {
+ protected:
+  struct Track {
+    std::string Format;
+    std::unique_ptr<Receiver> Radio;
+    std::unique_ptr<Unit> Recorder;
+    std::set<std::string> Decoded;  ///< files that were looked at
+    std::ptrdiff_t Left = 0;        ///< by the last kill, with sound in them
+    std::ptrdiff_t Recovered = 0;   ///< so far, as the log says
+  };
+
+  Track Make(const std::string& format, const std::string& sound) const {
+    Track track{.Format = format, .Radio = {}, .Recorder = {}, .Decoded = {}};
+    auto settings = ShortSongs();
+    settings["FileFormat"] = format;
+    settings["726_Frequency"] = settings["VOX_Frequency"] = "8000";
+    settings["RAW_Compression"] = "1";
+    track.Radio =
+        std::make_unique<Receiver>(folder_ / ("radio of " + format),
+                                   Receiver::Setup{ShortLineUp({"One", "Two", "Three"}, kSongSeconds)});
+    track.Recorder =
+        std::make_unique<Unit>(folder_ / format, Unit::Setup{"pipe:" + sound, track.Radio->Link(), settings});
+    return track;
+  }
+
+  static void ExpectNoComplaints(const std::string& program, const std::vector<std::string>& arguments) {
+    const Outcome checked = RunToEnd({program, arguments, {}});
+    EXPECT_EQ(checked.Exit, 0);
+    EXPECT_EQ(checked.Errors, "");
+    EXPECT_EQ(checked.Output.find("WARNING"), std::string::npos) << checked.Output;
+    EXPECT_EQ(checked.Output.find("ERROR"), std::string::npos) << checked.Output;
+  }
+
+  static void ExpectDecodes(const std::string& format, const std::string& file) {
+    SCOPED_TRACE(file);
+    if (format == "RAW") {
+      EXPECT_EQ(std::filesystem::file_size(file) % 4, 0U);
+    } else if (format == "VOX") {
+      EXPECT_FALSE(DecodeWithSox(file, {"-t", "vox", "-r", "8000"}, 8000, 1).Samples.empty());
+    } else {
+      ExpectNoComplaints("ffmpeg", {"-nostdin", "-v", "error", "-i", file, "-f", "null", "-"});
+      EXPECT_FALSE((format == "OGG" ? DecodeWithOggdec(file) : DecodeWithFfmpeg(file)).Samples.empty());
+    }
+    // The checker takes a very short file for no sound at all.
+    if (format == "MP3" && std::filesystem::file_size(file) >= kSurelySound)
+      ExpectNoComplaints("mp3val", {file});
+  }
+
+  /// Every file under a final name decodes completely.
+  static void LookAtRecordings(Track& track) {
+    for (const std::string& file : track.Recorder->Recordings()) {
+      if (track.Decoded.insert(file).second) ExpectDecodes(track.Format, file);
+    }
+  }
+
+  static std::ptrdiff_t RecoveredLines(const Track& track) {
+    const std::string log = track.Recorder->LogText();
+    std::ptrdiff_t lines = 0;
+    for (std::size_t at = 0; (at = log.find("Recovered \"", at)) != std::string::npos; ++at) ++lines;
+    return lines;
+  }
+
+  /// Records for a while and is killed.
+  static void Kill(Track& track, std::chrono::milliseconds after) {
+    Unit& unit = *track.Recorder;
+    EXPECT_EQ(unit.Ctl({"record"}).Exit, 0) << unit.Program().Errors();
+    std::this_thread::sleep_for(after);
+    unit.Program().Signal(SIGKILL);
+    EXPECT_EQ(unit.Program().Wait(kPatience), 128 + SIGKILL);
+    const std::vector<std::string> left = unit.Captures();
+    track.Left = std::count_if(left.begin(), left.end(), [](const std::string& path) {
+      return std::filesystem::file_size(path) >= kSurelySound;
+    });
+  }
+
+  /// After the next start.
+  static void ExpectRecovered(Track& track) {
+    const Unit& unit = *track.Recorder;
+    EXPECT_TRUE(WaitUntil(kPatience, [&] { return RecoveredLines(track) >= track.Recovered + track.Left; }))
+        << unit.LogText();
+    EXPECT_EQ(unit.LogText().find("Cannot mend"), std::string::npos) << unit.LogText();
+    track.Recovered = RecoveredLines(track);
+    LookAtRecordings(track);
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(Recovery, WhatAKilledProgramLeavesIsWholeAfterTheNextStart) {
+  const unsigned seed = std::random_device{}();
+  std::cout << "seed " << seed << '\n';
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<int> anyMoment(0, static_cast<int>(kSongSeconds * 2000));
+  const std::string sound = folder_ / "noise.raw";
+  ASSERT_EQ(RunToEnd({"sox",
+                      {"-n", "-r", "44100", "-c", "2", "-b", "16", "-e", "signed", "-t", "raw", sound,
+                       "synth", "120", "pinknoise", "gain", "-6"},
+                      {}})
+                .Exit,
+            0);
+  std::vector<Track> tracks;
+  for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3"})
+    tracks.push_back(Make(format, sound));
+  for (Track& track : tracks) track.Recorder->Start();
+  for (Track& track : tracks)
+    ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
+  // Two kills of each unit, or two hundred in all.
+  for (int round = Repetitions(2, 34); round > 0 && !HasFailure(); --round) {
+    std::vector<std::future<void>> kills;
+    for (Track& track : tracks) {
+      const std::chrono::milliseconds after(anyMoment(random));
+      kills.push_back(std::async(std::launch::async, [&track, after] { Kill(track, after); }));
+    }
+    for (std::future<void>& kill : kills) kill.get();
+    // A program ends with the thread that has started it, which must be this one.
+    for (Track& track : tracks) track.Recorder->Start();
+    for (Track& track : tracks) {
+      SCOPED_TRACE(track.Format);
+      ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
+      ExpectRecovered(track);
+    }
+  }
+  for (Track& track : tracks) {
+    EXPECT_EQ(track.Recorder->Quit(), 0);
+    EXPECT_THAT(track.Recorder->Captures(), IsEmpty()) << track.Format;
+    EXPECT_GT(track.Recovered, 0) << track.Format;
+    LookAtRecordings(track);
+  }
+}
+
+}  // namespace
+}  // namespace kestrune::test
