@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFont>
+#include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPalette>
@@ -170,6 +171,43 @@ void TakeMain(Stage& stage) {
   }
 }
 
+/// An event that lost something, songs of several fates, and what went wrong.
+void TakeReport(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  const base::DateValue began = unit.Loop.Now().AddHours(-1);
+  platform::HistoryRows& rows = unit.History.Rows;
+  rows.Incidents.push_back({.Kind = platform::IncidentKind::Line,
+                            .Began = began.AddMinutes(20),
+                            .Ended = began.AddMinutes(24),
+                            .Seconds = 240,
+                            .Cause = "the device is gone"});
+  rows.Events.push_back({.Entry = 3,
+                         .Due = began,
+                         .PlannedSeconds = 2400,
+                         .Channel = 47,
+                         .Station = "Campfire Folk",
+                         .Began = began,
+                         .Ended = began.AddMinutes(40),
+                         .WhyNot = {}});
+  for (int song = 0; song < (stage.Extreme ? 60 : 6); ++song) {
+    platform::HistorySong row;
+    row.Began = began.AddMinutes(4 * song);
+    row.Ended = row.Began.AddMinutes(4);
+    row.Channel = 47;
+    row.Artist = stage.Extreme ? "<b>Wwwwwwwwwwwwwwwwwww</b> & " + std::string(80, 'W') : "Abigail Wren";
+    row.Title = fmt::format("Winter Apples, part {}", song + 1);
+    row.LengthMs = 240000;
+    row.Fate = song % 3 == 2 ? platform::SongFate::TooShort : platform::SongFate::Kept;
+    row.File = "/music/Folk/song.mp3";
+    row.Event = song < 5 ? 3 : 0;
+    rows.Songs.push_back(row);
+  }
+  QWidget& window = stage.Open(WindowName::Report);
+  stage.Rig.Run(std::chrono::seconds(2));
+  Find<QListWidget>(window, "lstNights").setCurrentRow(1);
+  stage.Take(window, QStringLiteral("frmReport"));
+}
+
 void TakeLists(Stage& stage) {
   Play(stage);
   stage.Rig.Unit->cmdRecord();
@@ -186,6 +224,7 @@ void TakeLists(Stage& stage) {
   stage.TakeOpened(WindowName::Log, QStringLiteral("frmLog"));
   stage.TakeOpened(WindowName::KestruneNow, QStringLiteral("frmKestruneNow"));
   stage.TakeOpened(WindowName::Presets, QStringLiteral("frmPresets"));
+  TakeReport(stage);
 
   using schedule::RestrictList;
   schedule::Restrictions& lists = stage.Rig.Unit->Parts().Restrictions;
