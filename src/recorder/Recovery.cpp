@@ -116,7 +116,7 @@ std::string Recovery::MoveAway(const std::string& path, const platform::MendedCa
   // The folder of recordings may reach over several disks: then the file stays in its own folder.
   for (const std::string& place :
        {name.FileName, FolderOf(path) + name.FileName.substr(name.Folder.size())}) {
-    const std::string renamed = Rename(path, place);
+    std::string renamed = Rename(path, place);
     if (renamed.empty()) continue;
     songFiles_.Sync(renamed);
     return renamed;
@@ -128,8 +128,7 @@ std::string Recovery::MoveAway(const std::string& path, const platform::MendedCa
 
 std::string Recovery::Rename(const std::string& path, const std::string& name) {
   for (int number = 1; number <= kMostOfAName; ++number) {
-    const std::string target =
-        name + (number == 1 ? "" : fmt::format(" ({})", number)) + "." + ExtensionOf(path);
+    std::string target = name + (number == 1 ? "" : fmt::format(" ({})", number)) + "." + ExtensionOf(path);
     const platform::RenameResult moved = files_.RenameNoReplace(path, target);
     if (moved) return target;
     if (!moved.NameTaken) break;

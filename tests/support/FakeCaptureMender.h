@@ -20,7 +20,7 @@ namespace kestrune::test {
 class FakeCaptureMender final : public platform::CaptureMender {
  public:
   FakeCaptureMender(base::EventLoop& loop, MemoryFiles& files)
-      : loop_(loop), files_(files), tmrAnswer_(loop.MakeTimer(Takes, [this] { Answer(); })) {}
+      : files_(files), tmrAnswer_(loop.MakeTimer(kTakes, [this] { Answer(); })) {}
 
   /// The beginning of the pattern counts, up to its "*".
   void Find(std::string_view folder, std::string_view pattern, FoundHandler found) override {
@@ -47,7 +47,7 @@ class FakeCaptureMender final : public platform::CaptureMender {
   }
 
   /// How long each call takes.
-  static constexpr std::chrono::milliseconds Takes{500};
+  static constexpr std::chrono::milliseconds kTakes{500};
   /// What becomes of a file; of others nothing, as if somebody held them.
   std::map<std::string, platform::MendedCapture> Answers;
   std::vector<std::string> Calls;
@@ -63,7 +63,6 @@ class FakeCaptureMender final : public platform::CaptureMender {
     answer();
   }
 
-  base::EventLoop& loop_;
   MemoryFiles& files_;
   std::function<void()> answer_;
   std::unique_ptr<base::Timer> tmrAnswer_;
