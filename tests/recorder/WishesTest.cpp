@@ -337,6 +337,8 @@ TEST_F(WishesTest, TheBoxOfTheTemporaryDriveComesBeforeTheRememberedWindowsAndSt
   rig.Dialogs.Press(platform::MessageAnswer::Ok);
   rig.Run(1s);
   EXPECT_TRUE(windows.Remembered);
+  // The windows go before the rig does.
+  rig.Rules.reset();
   rig.Unit.reset();
 }
 
