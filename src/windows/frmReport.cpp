@@ -19,7 +19,7 @@
 namespace kestrune::windows {
 namespace {
 
-enum Column { kTime, kLength, kText, kNote, kColumns };
+enum Column { TimeColumn, LengthColumn, TextColumn, NoteColumn, ColumnCount };
 /// The line of the story that an item shows.
 constexpr int kLineRole = Qt::UserRole;
 
@@ -44,17 +44,17 @@ frmReport::frmReport(presenters::RecordingReport& rules, const config::SettingsS
   });
 
   Name(*lstStory_, "lstStory", {}, "What happened in the night, problems first");
-  lstStory_->setColumnCount(kColumns);
+  lstStory_->setColumnCount(ColumnCount);
   lstStory_->setHeaderLabels({tr("Time"), tr("Length"), tr("What"), tr("What became of it")});
   lstStory_->setUniformRowHeights(true);
   lstStory_->header()->setStretchLastSection(false);
-  lstStory_->header()->setSectionResizeMode(kText, QHeaderView::Stretch);
-  for (const int column : {kTime, kLength, kNote}) {
+  lstStory_->header()->setSectionResizeMode(TextColumn, QHeaderView::Stretch);
+  for (const int column : {TimeColumn, LengthColumn, NoteColumn}) {
     lstStory_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
   }
   connect(lstStory_, &QTreeWidget::itemActivated, this, [this] { ShowInFolder(); });
   connect(lstStory_, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* item) {
-    const int line = item != nullptr ? item->data(kTime, kLineRole).toInt() : -1;
+    const int line = item != nullptr ? item->data(TimeColumn, kLineRole).toInt() : -1;
     cmdShowInFolder_->setEnabled(line >= 0 &&
                                  !rules_.Story().at(static_cast<std::size_t>(line)).File.empty());
   });
@@ -92,15 +92,16 @@ void frmReport::ShowNights() {
   const QSignalBlocker quiet(lstNights_);
   lstNights_->clear();
   for (const presenters::ReportNight& night : rules_.Nights()) {
-    auto* item = new QListWidgetItem(ToQt(night.Title + "\n" + night.Summary), lstNights_);
-    if (night.Problems) item->setForeground(WarningColour(palette()));
+    lstNights_->addItem(ToQt(night.Title + "\n" + night.Summary));
+    if (night.Problems) lstNights_->item(lstNights_->count() - 1)->setForeground(WarningColour(palette()));
   }
   lstNights_->setCurrentRow(rules_.Selected());
 }
 
 void frmReport::ShowStory() {
-  const int current =
-      lstStory_->currentItem() != nullptr ? lstStory_->currentItem()->data(kTime, kLineRole).toInt() : -1;
+  const int current = lstStory_->currentItem() != nullptr
+                          ? lstStory_->currentItem()->data(TimeColumn, kLineRole).toInt()
+                          : -1;
   lstStory_->clear();
   QTreeWidgetItem* heading = nullptr;
   int number = 0;
@@ -112,15 +113,15 @@ void frmReport::ShowStory() {
       item->setExpanded(true);
       QFont bold = font();
       bold.setBold(true);
-      item->setFont(kTime, bold);
+      item->setFont(TimeColumn, bold);
     } else {
       item = new QTreeWidgetItem(heading,
                                  {ToQt(line.Time), ToQt(line.Length), ToQt(line.Text), ToQt(line.Note)});
-      item->setToolTip(kText, PlainTip(ToQt(line.Text)));
-      item->setTextAlignment(kLength, Qt::AlignRight | Qt::AlignVCenter);
+      item->setToolTip(TextColumn, PlainTip(ToQt(line.Text)));
+      item->setTextAlignment(LengthColumn, Qt::AlignRight | Qt::AlignVCenter);
     }
-    item->setData(kTime, kLineRole, number);
-    for (int column = 0; line.Problem && column < kColumns; ++column) {
+    item->setData(TimeColumn, kLineRole, number);
+    for (int column = 0; line.Problem && column < ColumnCount; ++column) {
       item->setForeground(column, WarningColour(palette()));
     }
     if (number == current) lstStory_->setCurrentItem(item);
@@ -130,7 +131,7 @@ void frmReport::ShowStory() {
 
 void frmReport::ShowInFolder() {
   if (const QTreeWidgetItem* item = lstStory_->currentItem()) {
-    rules_.ShowInFolder(item->data(kTime, kLineRole).toInt());
+    rules_.ShowInFolder(item->data(TimeColumn, kLineRole).toInt());
   }
 }
 

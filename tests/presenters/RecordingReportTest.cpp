@@ -13,7 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using base::DateValue;
-using platform::HistoryIncident;
 using platform::HistorySong;
 using platform::IncidentKind;
 using platform::SongFate;
