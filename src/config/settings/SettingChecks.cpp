@@ -42,6 +42,11 @@ base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environme
   return base::Result::Done();
 }
 
+base::Result CheckCutOverlap(Settings& wished, const platform::Environment& /*environment*/) {
+  if (wished.CutOverlap >= 0 && wished.CutOverlap <= kLongestCutOverlap) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is not from 0 to {}", kLongestCutOverlap));
+}
+
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
   std::string& folder = wished.FileDir;
   if (folder.empty()) return base::Result::Failed("is empty; a folder begins with / or ~/");

@@ -27,6 +27,8 @@ base::Result CheckFileDir(Settings& wished, const platform::Environment& environ
 base::Result CheckFileFormat(Settings& wished, const platform::Environment& environment);
 /// Fails below 0.
 base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environment& environment);
+/// Fails outside 0 to kLongestCutOverlap.
+base::Result CheckCutOverlap(Settings& wished, const platform::Environment& environment);
 /// Cleans it.
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& environment);
 

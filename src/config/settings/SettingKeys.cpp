@@ -45,6 +45,13 @@ struct FieldText<std::string> {
   static std::optional<std::string> Parse(std::string_view text) { return std::string(text); }
 };
 
+template <>
+struct FieldText<CutPlacement> {
+  static constexpr SettingType kType = SettingType::CutPlacement;
+  static std::string Print(CutPlacement value) { return std::string(NameOf(value)); }
+  static std::optional<CutPlacement> Parse(std::string_view text) { return ToCutPlacement(text); }
+};
+
 /// The field that the members lead to, one inside the other.
 template <auto... Members>
 auto& At(auto& settings) {
@@ -100,6 +107,8 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::CheckUpdatesAtStartup>("CheckUpdatesAtStartup"),
     Row<&Settings::Watch>("Watch"),
     Row<&Settings::IdleCaptureMinutes>("IdleCaptureMinutes").CheckedBy(CheckIdleCaptureMinutes),
+    Row<&Settings::CutPlacement>("CutPlacement"),
+    Row<&Settings::CutOverlap>("CutOverlap").CheckedBy(CheckCutOverlap),
 
     Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
     Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),
@@ -182,6 +191,7 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
     const std::string fallback = key.Text(defaults);
     if (!key.Read(settings, section.Text(key.Key, fallback))) base::Ignored(key.Read(settings, fallback));
   }
+  if (!CheckCutOverlap(settings, environment).Ok()) settings.CutOverlap = defaults.CutOverlap;
   if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())
     settings.FileDir = environment.DefaultRecordingFolder();
   base::Ignored(CheckFileDir(settings, environment));

@@ -4,8 +4,12 @@
 #include <string>
 
 #include "config/formats/Formats.h"
+#include "config/settings/CutPlacement.h"
 
 namespace kestrune::config {
+
+/// In milliseconds.
+inline constexpr std::int16_t kLongestCutOverlap = 5000;
 
 /// The settings of the running program, with the defaults of a fresh installation, which stand nowhere else. They
 /// are read from the store once, at the start; from then on this record is what counts. It changes through the
@@ -38,6 +42,10 @@ struct Settings : FormatSettings {
   bool Watch = true;
   /// A capture that nobody asked for is begun anew after this many minutes; 0 is never.
   std::int16_t IdleCaptureMinutes = 60;
+  config::CutPlacement CutPlacement = config::CutPlacement::Text;
+  /// Milliseconds of sound that the files of two songs share around a cut that was found by listening with low
+  /// confidence, 0 to kLongestCutOverlap.
+  std::int16_t CutOverlap = 0;
 
   bool LegalAgreement = false;       ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;   ///< check state: the channels window is open

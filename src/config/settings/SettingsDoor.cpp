@@ -18,6 +18,8 @@ std::string_view Unreadable(SettingType type) {
       return "is no number from -2147483648 to 2147483647";
     case SettingType::Bool:
       return "is neither True nor False";
+    case SettingType::CutPlacement:
+      return "is neither Text nor Listen";
     case SettingType::Text:
       break;
   }

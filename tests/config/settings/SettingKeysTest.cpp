@@ -11,6 +11,7 @@
 namespace kestrune::test {
 namespace {
 
+using config::CutPlacement;
 using config::Settings;
 using config::SettingType;
 using ::testing::ElementsAre;
@@ -32,6 +33,7 @@ constexpr auto kInt16 = SettingType::Int16;
 constexpr auto kInt32 = SettingType::Int32;
 constexpr auto kBool = SettingType::Bool;
 constexpr auto kText = SettingType::Text;
+constexpr auto kPlacement = SettingType::CutPlacement;
 
 // In the order in which the start reads them.
 const Expected kExpected[] = {
@@ -63,6 +65,9 @@ const Expected kExpected[] = {
     {"Watch", kBool, "True", "False", SHOWS(s.Watch), SHOWS(!s.Watch)},
     {"IdleCaptureMinutes", kInt16, "60", "0", SHOWS(s.IdleCaptureMinutes == 60),
      SHOWS(s.IdleCaptureMinutes == 0)},
+    {"CutPlacement", kPlacement, "Text", "Listen", SHOWS(s.CutPlacement == CutPlacement::Text),
+     SHOWS(s.CutPlacement == CutPlacement::Listen)},
+    {"CutOverlap", kInt16, "0", "1500", SHOWS(s.CutOverlap == 0), SHOWS(s.CutOverlap == 1500)},
 
     {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
     {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),
@@ -229,6 +234,15 @@ TEST_F(SettingKeysTest, AnUnreadableValueFallsBackToTheDefaultAndNotToWhatTheRec
   settings.MinSongLength = 99;
   config::LoadSettings(section_, environment_, settings);
   EXPECT_EQ(settings.MinSongLength, 45);
+}
+
+TEST_F(SettingKeysTest, AStoredOverlapOutOfItsRangeBecomesTheDefault) {
+  for (const char* stored : {"-1", "5001", "32767"}) {
+    Put("CutOverlap", stored);
+    EXPECT_EQ(Load().CutOverlap, 0) << stored;
+  }
+  Put("CutOverlap", "5000");
+  EXPECT_EQ(Load().CutOverlap, 5000);
 }
 
 TEST_F(SettingKeysTest, TheStartReadsInTheOrderOfTheTable) {

@@ -50,6 +50,8 @@ std::string OtherValue(const config::SettingKey& key, const config::Settings& se
   switch (key.Type) {
     case config::SettingType::Bool:
       return key.Text(settings) == "True" ? "False" : "True";
+    case config::SettingType::CutPlacement:
+      return key.Text(settings) == "Text" ? "Listen" : "Text";
     case config::SettingType::Text:
       return "%a";
     default:
@@ -281,6 +283,24 @@ TEST_F(SettingsDoorTest, ASongDelayWithoutAnAbsoluteValueIsRefused) {
 TEST_F(SettingsDoorTest, TheMinutesOfAnIdleCaptureAreNotNegative) {
   Refused("IdleCaptureMinutes", "-1", "IdleCaptureMinutes: \"-1\" is not from 0 to 32767");
   Done("IdleCaptureMinutes", "0", "IdleCaptureMinutes=0");
+}
+
+TEST_F(SettingsDoorTest, TheCutIsPlacedByTextOrByListening) {
+  Refused("CutPlacement", "both", "CutPlacement: \"both\" is neither Text nor Listen");
+  Refused("CutPlacement", "", "CutPlacement: \"\" is neither Text nor Listen");
+  Refused("CutPlacement", "Listen\n", "CutPlacement: \"Listen \" is neither Text nor Listen");
+  Done("CutPlacement", "Listen", "CutPlacement=Listen");
+  EXPECT_EQ(settings_.CutPlacement, config::CutPlacement::Listen);
+  EXPECT_EQ(door_.Get("cutplacement"), "Listen");
+  Done("CutPlacement", "text", "CutPlacement=Text");
+  EXPECT_EQ(settings_.CutPlacement, config::CutPlacement::Text);
+}
+
+TEST_F(SettingsDoorTest, TheOverlapIsFiveSecondsAtMost) {
+  Refused("CutOverlap", "-1", "CutOverlap: \"-1\" is not from 0 to 5000");
+  Refused("CutOverlap", "5001", "CutOverlap: \"5001\" is not from 0 to 5000");
+  Done("CutOverlap", "5000", "CutOverlap=5000");
+  Done("CutOverlap", "0", "CutOverlap=0");
 }
 
 TEST_F(SettingsDoorTest, TheFolderGetsItsSeparator) {
