@@ -17,38 +17,42 @@ constexpr const char* kDuplicate = ", duplicate song in output directory";
 
 }  // namespace
 
-Disposition::Disposition(State& state, const config::FileSpecs& fileSpecs,
-                         const schedule::Restrictions& restrictions, SongFiles& songFiles,
-                         base::EventLoop& loop, base::Journal& journal, Chronicle& chronicle)
+CaptureEnding EndingNow(const State& state) {
+  const RecordingState& recording = state.Recording;
+  const Modes modes(state);
+  return {.NotWhole = recording.WaitingForNextSong && !recording.StopPending,
+          .Incomplete = recording.Incomplete,
+          .Grab = modes.CheckGrab(),
+          .Kill = modes.CheckKill(),
+          .Artist = recording.LastArtist,
+          .Song = recording.LastSong,
+          .Channel = state.Radio.ChannelNumber};
+}
+
+Disposition::Disposition(State& state, const Parts& parts, base::EventLoop& loop, base::Journal& journal)
     : state_(state.Recording),
-      radio_(state.Radio),
       settings_(state.Settings),
-      fileSpecs_(fileSpecs),
-      modes_(state),
-      restrictions_(restrictions),
-      songFiles_(songFiles),
+      fileSpecs_(parts.FileSpecs),
+      restrictions_(parts.Restrictions),
+      songFiles_(parts.SongFiles),
       loop_(loop),
       journal_(journal),
-      chronicle_(chronicle) {}
+      chronicle_(parts.Chronicle) {}
 
-void Disposition::Dispose(std::int16_t finished) {
-  CaptureRecord& capture = state_.CaptureSlots[static_cast<std::size_t>(finished)];
-  const bool cutAtItsBeginning = state_.WaitingForNextSong && !state_.StopPending;
-  if (cutAtItsBeginning) {
+void Disposition::Dispose(CaptureRecord& capture) {
+  if (capture.Ending.NotWhole) {
     chronicle_.SongEnded(capture, SongFate::NotWhole, "");
     songFiles_.Discard(capture);
-    state_.Incomplete = false;
     return;
   }
 
   if (capture.Piece && capture.LengthMs == 0) {
     // The song's other piece has its line, and the failure has been said.
     songFiles_.Discard(capture);
-    state_.Incomplete = false;
     return;
   }
 
-  const bool incomplete = state_.Incomplete || capture.Outcome.Flawed();
+  const bool incomplete = capture.Ending.Incomplete || capture.Outcome.Flawed();
   Verdict verdict{.Keep = true,
                   .Suffix = incomplete ? " (Incomplete)" : "",
                   .Seconds = capture.LengthMs / 1000,
@@ -62,7 +66,6 @@ void Disposition::Dispose(std::int16_t finished) {
   chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
   if (!verdict.Keep) songFiles_.Discard(capture);
   loop_.PumpEvents();
-  state_.Incomplete = false;
 }
 
 void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
@@ -116,13 +119,14 @@ void Disposition::TestSound(const CaptureRecord& capture, Verdict& verdict) {
 void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
   // An event's captures are judged by its own modes, also after its end.
   const CaptureOutcome& outcome = capture.Outcome;
-  const bool grab = outcome.Event != 0 ? outcome.Modes.Grab : modes_.CheckGrab();
-  const bool kill = outcome.Event != 0 ? outcome.Modes.Kill : modes_.CheckKill();
-  if (grab && verdict.Keep && !restrictions_.IsInGrabList(state_.LastArtist, state_.LastSong)) {
+  const CaptureEnding& ending = capture.Ending;
+  const bool grab = outcome.Event != 0 ? outcome.Modes.Grab : ending.Grab;
+  const bool kill = outcome.Event != 0 ? outcome.Modes.Kill : ending.Kill;
+  if (grab && verdict.Keep && !restrictions_.IsInGrabList(ending.Artist, ending.Song)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, SongFate::NotGrabbed, ", not found in the grab list");
   }
-  if (kill && verdict.Keep && restrictions_.IsInKillList(state_.LastArtist, state_.LastSong)) {
+  if (kill && verdict.Keep && restrictions_.IsInKillList(ending.Artist, ending.Song)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, SongFate::Killed, ", found in the kill list");
   }
@@ -152,7 +156,7 @@ void Disposition::Reject(const CaptureRecord& capture, Verdict& verdict, SongFat
 
 std::string Disposition::LogLine(std::string_view head, const CaptureRecord& capture, const Verdict& verdict,
                                  std::string_view tail) const {
-  return fmt::format("{}{}  \"{} - {}{}\"  Song length: {}{}", head, radio_.ChannelNumber, capture.Artist,
+  return fmt::format("{}{}  \"{} - {}{}\"  Song length: {}{}", head, capture.Ending.Channel, capture.Artist,
                      capture.Song, verdict.Suffix, FormatSeconds(verdict.Seconds), tail);
 }
 

@@ -14,17 +14,26 @@
 
 namespace kestrune::recorder {
 
+/// The ending of a capture that ends now.
+[[nodiscard]] CaptureEnding EndingNow(const State& state);
+
 /// The fate of a finished capture: tested for its length, against the lists and for duplicates, then moved
 /// to its name or deleted, with one line in the log and one counter changed. Nothing is called recorded before it has
 /// its name.
 class Disposition {
  public:
-  /// All must outlive the object.
-  Disposition(State& state, const config::FileSpecs& fileSpecs, const schedule::Restrictions& restrictions,
-              SongFiles& songFiles, base::EventLoop& loop, base::Journal& journal, Chronicle& chronicle);
+  /// What a fate is decided with. All must outlive the object.
+  struct Parts {
+    const config::FileSpecs& FileSpecs;
+    const schedule::Restrictions& Restrictions;
+    recorder::SongFiles& SongFiles;
+    recorder::Chronicle& Chronicle;
+  };
 
-  /// Called while the next capture is already running. Clears `Incomplete`.
-  void Dispose(std::int16_t finished);
+  Disposition(State& state, const Parts& parts, base::EventLoop& loop, base::Journal& journal);
+
+  /// Called while the next capture is already running. The capture's `Ending` says how it ended.
+  void Dispose(CaptureRecord& capture);
 
  private:
   struct Verdict {
@@ -48,10 +57,8 @@ class Disposition {
                                     const Verdict& verdict, std::string_view tail) const;
 
   RecordingState& state_;
-  const radio::RadioState& radio_;
   const config::Settings& settings_;
   const config::FileSpecs& fileSpecs_;
-  Modes modes_;
   const schedule::Restrictions& restrictions_;
   SongFiles& songFiles_;
   base::EventLoop& loop_;

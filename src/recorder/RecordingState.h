@@ -11,6 +11,17 @@
 
 namespace kestrune::recorder {
 
+/// What the fate of a capture follows from, as it was at the moment when the capture ended.
+struct CaptureEnding {
+  bool NotWhole = false;    ///< it was captured before the first whole song began
+  bool Incomplete = false;  ///< it did not begin, or end, at a boundary
+  bool Grab = false;        ///< the mode switches; an event's captures are judged by the event's own
+  bool Kill = false;
+  std::string Artist;  ///< what the cycle last acted on, which the lists are asked for
+  std::string Song;
+  std::int16_t Channel = 0;  ///< tuned at that moment
+};
+
 /// One capture: where it lies, what it will be called, and what the radio said when it began.
 struct CaptureRecord {
   std::string FileName;       ///< full path of the final file, without suffix, point and extension
@@ -26,6 +37,7 @@ struct CaptureRecord {
   bool Piece = false;
   /// What FileName follows from. A recording that takes in a capture already begun gives it the session's values.
   SongNaming Naming = {};
+  CaptureEnding Ending = {};
 };
 
 /// In place of artist and title it means that no song has been acted on, and so forces a difference.

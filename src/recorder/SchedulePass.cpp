@@ -16,20 +16,19 @@ constexpr std::int16_t kSettleTicks = 4;
 
 }  // namespace
 
-SchedulePass::SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands,
-                           base::Journal& log, const base::EventLoop& loop, base::Timer& tmrUpdate,
-                           Chronicle& chronicle)
+SchedulePass::SchedulePass(State& state, const Parts& parts, base::Journal& log, const base::EventLoop& loop,
+                           base::Timer& tmrUpdate)
     : entries_(state.Entries),
       schedule_(state.Schedule),
       state_(state.Recording),
       clock_(state.Clock),
       radio_(state.Radio),
-      channels_(channels),
-      commands_(commands),
+      channels_(parts.Channels),
+      commands_(parts.Commands),
       log_(log),
       loop_(loop),
       tmrUpdate_(tmrUpdate),
-      chronicle_(chronicle),
+      chronicle_(parts.Chronicle),
       search_(state.Entries, [&loop] { return loop.Now(); }) {}
 
 void SchedulePass::Run() {

@@ -18,9 +18,15 @@ namespace kestrune::recorder {
 /// user's own settings are never touched. After an event the radio stays on its channel.
 class SchedulePass {
  public:
-  /// All must outlive the object.
-  SchedulePass(State& state, radio::Channels& channels, RecordCommands& commands, base::Journal& log,
-               const base::EventLoop& loop, base::Timer& tmrUpdate, Chronicle& chronicle);
+  /// What a pass works on. All must outlive the object.
+  struct Parts {
+    radio::Channels& Channels;
+    RecordCommands& Commands;
+    recorder::Chronicle& Chronicle;
+  };
+
+  SchedulePass(State& state, const Parts& parts, base::Journal& log, const base::EventLoop& loop,
+               base::Timer& tmrUpdate);
 
   /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Replies of the radio
   /// are handled inside it while the radio is tuned.

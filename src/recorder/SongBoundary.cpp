@@ -14,7 +14,8 @@ constexpr std::int64_t kShortestPieceMs = 2000;
 }  // namespace
 
 SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFiles, base::EventLoop& loop)
-    : state_(state.Recording),
+    : all_(state),
+      state_(state.Recording),
       settings_(state.Settings),
       channels_(parts.Channels),
       radio_(state.Radio),
@@ -61,7 +62,9 @@ void SongBoundary::Take(bool split) {
     if (!goesOn) {
       CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(finished)];
       song.FileName = MakePlace(song).FileName;
-      disposition_.Dispose(finished);
+      song.Ending = EndingNow(all_);
+      disposition_.Dispose(song);
+      state_.Incomplete = false;
     }
     // What a forced cut ended before the start was asked for by nobody.
     if (goesOn && cut) DropUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
@@ -96,7 +99,8 @@ void SongBoundary::TakePiece() {
   if (worthKeeping) {
     state_.Incomplete = true;
     piece.FileName = MakePlace(piece).FileName;
-    disposition_.Dispose(finished);
+    piece.Ending = EndingNow(all_);
+    disposition_.Dispose(piece);
   } else if (wanted) {
     if (piece.LengthMs > 0) chronicle_.SongEnded(piece, platform::SongFate::Failed, piece.Outcome.Failure());
     songFiles_.Discard(piece);

@@ -46,6 +46,7 @@ class SongBoundary {
   void ShowRecording();
   [[nodiscard]] const radio::ChannelEntry& Tuned() const;
 
+  const State& all_;
   RecordingState& state_;
   const config::Settings& settings_;
   radio::Channels& channels_;

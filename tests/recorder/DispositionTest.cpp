@@ -54,6 +54,11 @@ class DispositionTest : public ::testing::Test {
     files.MakeFolders("/home/user/Application Data/Kestrune");
   }
 
+  void Dispose() {
+    CaptureRecord& capture = state.CaptureSlots[1];
+    capture.Ending = EndingNow(all);
+    disposition.Dispose(capture);
+  }
   void Lists(std::string_view text) {
     files.Put("/home/user/Application Data/Kestrune/Restriction.txt", text);
     restrictions.LoadRestrictions();
@@ -83,11 +88,15 @@ class DispositionTest : public ::testing::Test {
   test::FakeHistoryStore store{loop};
   history::History history{store, loop};
   Chronicle chronicle{history, loop};
-  Disposition disposition{all, fileSpecs, restrictions, songFiles, loop, log, chronicle};
+  Disposition disposition{
+      all,
+      {.FileSpecs = fileSpecs, .Restrictions = restrictions, .SongFiles = songFiles, .Chronicle = chronicle},
+      loop,
+      log};
 };
 
 TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "sound");
   EXPECT_THAT(log.Lines,
@@ -97,14 +106,14 @@ TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
 
 TEST_F(DispositionTest, ExactlyTheMinimumIsKept) {
   state.CaptureSlots[1].LengthMs = 45000;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1);
   EXPECT_EQ(state.TooShortCount, 0);
 }
 
 TEST_F(DispositionTest, TooShortIsDroppedWithTheLengthAndTheLimit) {
   state.CaptureSlots[1].LengthMs = 44999;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_EQ(state.TooShortCount, 1);
   EXPECT_EQ(state.RecordedCount, 0);
@@ -115,7 +124,7 @@ TEST_F(DispositionTest, TooShortIsDroppedWithTheLengthAndTheLimit) {
 
 TEST_F(DispositionTest, TooLongIsDroppedAndItsLineSaysMinimumToo) {
   settings.MaxSongLength = 120;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_EQ(state.TooLongCount, 1);
   EXPECT_THAT(log.Lines,
@@ -126,20 +135,20 @@ TEST_F(DispositionTest, TooLongIsDroppedAndItsLineSaysMinimumToo) {
 TEST_F(DispositionTest, ExactlyTheMaximumIsKept) {
   settings.MaxSongLength = 200;
   state.CaptureSlots[1].LengthMs = 200999;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1);
 }
 
 TEST_F(DispositionTest, AMaximumOfZeroIsNoLimit) {
   state.CaptureSlots[1].LengthMs = 10 * 3600 * 1000;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1);
 }
 
 TEST_F(DispositionTest, ACaptureCanBeTooShortAndTooLongAtOnce) {
   settings.MinSongLength = 300;
   settings.MaxSongLength = 100;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.TooShortCount, 1);
   EXPECT_EQ(state.TooLongCount, 1);
   EXPECT_EQ(log.Lines.size(), 2U);
@@ -148,7 +157,7 @@ TEST_F(DispositionTest, ACaptureCanBeTooShortAndTooLongAtOnce) {
 TEST_F(DispositionTest, NotOnTheGrabListIsDropped) {
   settings.SievanceGrab = 1;
   Lists("0Somebody else\n");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_EQ(state.RestrictedCount, 1);
   EXPECT_THAT(log.Lines,
@@ -159,14 +168,14 @@ TEST_F(DispositionTest, NotOnTheGrabListIsDropped) {
 TEST_F(DispositionTest, OnTheGrabListIsKept) {
   settings.SievanceGrab = 1;
   Lists("0moon\n");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1);
 }
 
 TEST_F(DispositionTest, OnTheKillListIsDropped) {
   settings.SievanceKill = 1;
   Lists("3tide\n");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RestrictedCount, 1);
   EXPECT_THAT(log.Lines,
               ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: 3:20, "
@@ -176,7 +185,7 @@ TEST_F(DispositionTest, OnTheKillListIsDropped) {
 TEST_F(DispositionTest, KillBeatsGrabAndCountsOnce) {
   settings.SievanceGrab = settings.SievanceKill = 1;
   Lists("0Moon\n2Moon\n");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_EQ(state.RestrictedCount, 1);
   EXPECT_EQ(log.Lines.size(), 1U);
@@ -188,7 +197,7 @@ TEST_F(DispositionTest, TheListsSeeTheSongThatEndedAndTheLogTheOneOfTheCapture) 
   state.LastArtist = "Other";
   state.LastSong = "Thing";
   Lists("2Other\n");
-  disposition.Dispose(1);
+  Dispose();
   ASSERT_EQ(log.Lines.size(), 1U);
   EXPECT_THAT(log.Lines[0], ::testing::HasSubstr("\"Moonlighters - Slow Tide\""));
 }
@@ -197,24 +206,23 @@ TEST_F(DispositionTest, GrabDoesNotRescueASongThatIsTooShort) {
   settings.SievanceGrab = 1;
   Lists("0Moon\n");
   state.CaptureSlots[1].LengthMs = 1000;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.TooShortCount, 1);
   EXPECT_EQ(state.RestrictedCount, 0);
 }
 
 TEST_F(DispositionTest, IncompleteCarriesItsSuffixInTheFileAndInTheLog) {
   state.Incomplete = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
   EXPECT_THAT(log.Lines, ElementsAre("Recorded: Channel 44  \"Moonlighters - Slow Tide (Incomplete)\"  "
                                      "Song length: 3:20 "));
-  EXPECT_FALSE(state.Incomplete);
 }
 
 TEST_F(DispositionTest, IncompleteLeavesAnEarlierWholeSongAlone) {
   files.Put("/music/Moonlighters - Slow Tide.mp3", "whole");
   state.Incomplete = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "whole");
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide (Incomplete).mp3"), "sound");
 }
@@ -226,7 +234,7 @@ TEST_F(DispositionTest, DuplicatesGetRisingNames) {
     state.CaptureSlots[1].FileName = "/music/x";
     files.Put("/music/Capture1.mp3", std::to_string(copy));
     state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
-    disposition.Dispose(1);
+    Dispose();
   }
   EXPECT_THAT(Music(), ElementsAre("x.mp3", "x1.mp3", "x2.mp3", "x3.mp3", "x4.mp3", "x5.mp3", "x6.mp3",
                                    "x7.mp3", "x8.mp3", "x9.mp3", "x91.mp3", "x92.mp3"));
@@ -236,21 +244,21 @@ TEST_F(DispositionTest, DuplicatesGetRisingNames) {
 TEST_F(DispositionTest, ADuplicateOfATitleThatEndsInADigitGoesUpByOne) {
   state.CaptureSlots[1].FileName = "/music/Route 5";
   files.Put("/music/Route 5.mp3", "first");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(files.Text("/music/Route 6.mp3"), "sound");
 }
 
 TEST_F(DispositionTest, ADuplicateOfATitleThatEndsInNineGetsAOneBehindIt) {
   state.CaptureSlots[1].FileName = "/music/Cloud 9";
   files.Put("/music/Cloud 9.mp3", "first");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(files.Text("/music/Cloud 91.mp3"), "sound");
 }
 
 TEST_F(DispositionTest, DuplicatesAreSoughtUnderTheNameWithTheSuffix) {
   files.Put("/music/Moonlighters - Slow Tide (Incomplete).mp3", "first");
   state.Incomplete = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide (Incomplete).mp3"), "first");
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide1 (Incomplete).mp3"), "sound");
 }
@@ -258,7 +266,7 @@ TEST_F(DispositionTest, DuplicatesAreSoughtUnderTheNameWithTheSuffix) {
 TEST_F(DispositionTest, WithoutSavedDuplicatesTheSecondIsDroppedAndNothingIsCounted) {
   settings.SaveDuplicates = false;
   files.Put("/music/Moonlighters - Slow Tide.mp3", "first");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "first");
   EXPECT_THAT(log.Lines,
@@ -269,7 +277,7 @@ TEST_F(DispositionTest, WithoutSavedDuplicatesTheSecondIsDroppedAndNothingIsCoun
 
 TEST_F(DispositionTest, WhatWasCutAtItsBeginningGoesWithoutATestOrALine) {
   state.WaitingForNextSong = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_THAT(log.Lines, IsEmpty());
   EXPECT_EQ(state.RecordedCount, 0);
@@ -277,13 +285,13 @@ TEST_F(DispositionTest, WhatWasCutAtItsBeginningGoesWithoutATestOrALine) {
 
 TEST_F(DispositionTest, AStopWhileWaitingDisposesOfTheCaptureAsIncomplete) {
   state.WaitingForNextSong = state.StopPending = state.Incomplete = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
 }
 
 TEST_F(DispositionTest, AFailedRenameKeepsTheSongUnderANameOfItsOwnAndIsNotCalledRecorded) {
   files.FailNext(test::FileOperation::Rename);
-  disposition.Dispose(1);
+  Dispose();
   ASSERT_EQ(Music().size(), 1U);
   const std::string kept = "/music/" + Music()[0];
   EXPECT_NE(kept, "/music/Capture1.mp3");
@@ -296,7 +304,7 @@ TEST_F(DispositionTest, AFailedRenameKeepsTheSongUnderANameOfItsOwnAndIsNotCalle
 
 TEST_F(DispositionTest, ANameThatIsTakenMeanwhileGivesTheNextOne) {
   files.TakeNameAtRename("of another unit");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide.mp3"), "of another unit");
   EXPECT_EQ(files.Text("/music/Moonlighters - Slow Tide1.mp3"), "sound");
   EXPECT_EQ(state.RecordedCount, 1);
@@ -305,7 +313,7 @@ TEST_F(DispositionTest, ANameThatIsTakenMeanwhileGivesTheNextOne) {
 TEST_F(DispositionTest, WithoutSavedDuplicatesANameThatIsTakenMeanwhileMakesTheSongADuplicate) {
   settings.SaveDuplicates = false;
   files.TakeNameAtRename("of another unit");
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
   ASSERT_EQ(log.Lines.size(), 1U);
   EXPECT_TRUE(log.Lines[0].ends_with(", duplicate song in output directory"));
@@ -313,7 +321,7 @@ TEST_F(DispositionTest, WithoutSavedDuplicatesANameThatIsTakenMeanwhileMakesTheS
 
 TEST_F(DispositionTest, ACaptureThatIsGoneIsNotCalledRecorded) {
   base::Ignored(files.Remove("/music/Capture1.mp3"));
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_EQ(state.RecordedCount, 0);
   EXPECT_THAT(log.Lines, ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: "
@@ -323,32 +331,32 @@ TEST_F(DispositionTest, ACaptureThatIsGoneIsNotCalledRecorded) {
 TEST_F(DispositionTest, NothingIsCalledRecordedBeforeItHasItsName) {
   std::vector<std::string> atTheLine;
   log.OnLine = [&] { atTheLine = Music(); };
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(atTheLine, ElementsAre("Moonlighters - Slow Tide.mp3"));
 }
 
 TEST_F(DispositionTest, ASongThatLacksSoundIsIncomplete) {
   state.CaptureSlots[1].Outcome.MissingMs = 100;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
 }
 
 TEST_F(DispositionTest, LessThanABlockOfMissingSoundDoesNotMakeASongIncomplete) {
   state.CaptureSlots[1].Outcome.MissingMs = 99;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide.mp3"));
 }
 
 TEST_F(DispositionTest, ASongThatTheDiskDidNotTakeToItsEndIsIncomplete) {
   state.CaptureSlots[1].Outcome.WriteFailure = "No space left on device";
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), ElementsAre("Moonlighters - Slow Tide (Incomplete).mp3"));
 }
 
 TEST_F(DispositionTest, ASongWithoutAnySoundIsDroppedEvenIfAnyLengthIsKept) {
   settings.MinSongLength = 0;
   state.CaptureSlots[1].LengthMs = 0;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_THAT(Music(), IsEmpty());
   EXPECT_THAT(log.Lines, ElementsAre("Not Recorded: Channel 44  \"Moonlighters - Slow Tide\"  Song length: "
                                      "0:00, no sound came"));
@@ -358,14 +366,14 @@ TEST_F(DispositionTest, AnEventsLastSongIsJudgedByItsModesAfterItsEnd) {
   Lists("0Somebody else\n");
   state.CaptureSlots[1].Outcome.Event = 3;
   state.CaptureSlots[1].Outcome.Modes.Grab = true;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RestrictedCount, 1) << "the event asked for the Grab list";
 
   files.Put("/music/Capture1.mp3", "sound");
   state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
   state.CaptureSlots[1].Outcome.Modes.Grab = false;
   settings.SievanceGrab = 1;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1) << "the user's own box must have no say";
 }
 
@@ -373,12 +381,12 @@ TEST_F(DispositionTest, ARunningScheduleEntryDecidesWhetherTheListsApply) {
   settings.SievanceGrab = 1;
   schedule.ActiveSchedule = 3;
   schedule.SchedSievanceGrab = false;
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RecordedCount, 1) << "the user's own box must have no say";
   schedule.SchedSievanceGrab = true;
   files.Put("/music/Capture1.mp3", "sound");
   state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
-  disposition.Dispose(1);
+  Dispose();
   EXPECT_EQ(state.RestrictedCount, 1);
 }
 

@@ -100,7 +100,8 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
   test::FakeHistoryStore store{loop};
   history::History history{store, loop};
   recorder::Chronicle chronicle{history, loop};
-  recorder::SchedulePass pass{all, channels, commands, journal, loop, *tmrUpdate, chronicle};
+  recorder::SchedulePass pass{
+      all, {.Channels = channels, .Commands = commands, .Chronicle = chronicle}, journal, loop, *tmrUpdate};
   std::function<void()> whileTuning = [] {};
 
  private:
