@@ -1,10 +1,11 @@
-// What one choice of a cut costs: the sound from nine seconds before a stamp to ten after it, from samples to a frame.
+// What cuts by listening cost: a second of sound, and one choice.
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
-#include "cut/Cut.h"
+#include "cut/Listener.h"
 
 namespace kestrune::cut {
 namespace {
@@ -21,16 +22,33 @@ std::vector<std::int16_t> Noise(int channels) {
   return samples;
 }
 
-void FindACut(benchmark::State& state) {
-  Sound sound;
-  sound.Channels = static_cast<int>(state.range(0));
-  const auto samples = Noise(sound.Channels);
-  sound.Samples = samples;
+/// What listening costs all the time.
+void HearASecond(benchmark::State& state) {
+  const auto channels = static_cast<int>(state.range(0));
+  const auto samples = Noise(channels);
+  // As the ring hands them over.
+  const auto part = static_cast<std::size_t>(4410 * channels);
+  Listener listener(44100, channels, 0);
+  std::size_t at = 0;
+  for ([[maybe_unused]] auto step : state) {
+    for (int i = 0; i < 10; ++i, at = (at + part) % samples.size()) {
+      listener.Hear(std::span(samples).subspan(at, part));
+    }
+  }
+}
+BENCHMARK(HearASecond)->ArgName("channels")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+/// What a choice costs when its sound has been heard.
+void ChooseACut(benchmark::State& state) {
+  const auto channels = static_cast<int>(state.range(0));
+  const auto samples = Noise(channels);
+  Listener listener(44100, channels, 0);
+  listener.Hear(samples);
   LagModel station;
   for ([[maybe_unused]] auto step : state)
-    benchmark::DoNotOptimize(FindCut(sound, 9 * 44100 + 5000, station));
+    benchmark::DoNotOptimize(listener.Choose(9 * 44100 + 5000, station));
 }
-BENCHMARK(FindACut)->ArgName("channels")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(ChooseACut)->ArgName("channels")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kestrune::cut

@@ -5,8 +5,9 @@
 // n is the frame of its stamp. CUTS has one line a change:
 //   {"change": i, "sample": c, "reason": "gap|onset|novelty|lag|text", "confidence": 0..1, "lag_ms": .., "heard": frame}
 // lag_ms is the cut minus the stamp, heard the last frame that the choice looked at: at most ten seconds
-// after the stamp. What earlier changes have taught is all that is known beforehand. --one-channel hears the
-// mean of two channels.
+// after the stamp. What earlier changes have taught is all that is known beforehand; a change whose stamp lies
+// more than two seconds before that of the one above it finds its sound gone, and is cut by the lag alone. --one-channel
+// hears the mean of two channels.
 #include <cmath>
 #include <cstdint>
 #include <fstream>
@@ -17,7 +18,8 @@
 #include <nlohmann/json.hpp>
 #include <sndfile.hh>
 
-#include "cut/Cut.h"
+#include "cut/Listener.h"
+#include "cutlab/Station.h"
 
 namespace {
 
@@ -47,13 +49,17 @@ int main(int argc, char** argv) {
   SndfileHandle file(paths[0]);
   if (!file) return Fail(paths[0] + ": " + file.strError());
   if (file.channels() > 2) return Fail(paths[0] + ": more than two channels");
-  if (file.samplerate() < 8000) return Fail(paths[0] + ": fewer than 8000 frames a second");
+  if (file.samplerate() < 8000 || file.samplerate() > 192000) {
+    return Fail(paths[0] + ": not 8000 to 192000 frames a second");
+  }
   std::ifstream changes(paths[1]);
   if (!changes) return Fail(paths[1] + ": cannot be read");
 
-  const int channels = file.channels();
-  std::vector<std::int16_t> samples;
+  const int channels = oneChannel ? 1 : file.channels();
+  const std::int64_t rate = file.samplerate();
+  cut::Listener listener(file.samplerate(), channels, 0);
   cut::LagModel station;
+  std::vector<std::int16_t> samples;
   std::string line;
   for (int number = 1; std::getline(changes, line); ++number) {
     if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
@@ -62,29 +68,16 @@ int main(int argc, char** argv) {
         !change["sample"].is_number_integer()) {
       return Fail(fmt::format("{}:{}: not a change", paths[1], number));
     }
-    // Nothing else of the sound is read, so nothing else can matter.
+    // What comes later is not even read, so it cannot matter.
     const auto stamp = change["sample"].get<std::int64_t>();
-    const std::int64_t rate = file.samplerate();
-    const std::int64_t from = std::max<std::int64_t>(0, stamp - rate * cut::kWantedBeforeMs / 1000);
     const std::int64_t end = std::min<std::int64_t>(file.frames(), stamp + rate * cut::kWantedAfterMs / 1000);
-    cut::Sound sound;
-    sound.First = from;
-    sound.Rate = static_cast<int>(rate);
-    sound.Channels = channels;
-    samples.clear();
-    if (end > from && file.seek(from, SEEK_SET) == from) {
-      samples.resize(static_cast<std::size_t>((end - from) * channels));
-      samples.resize(static_cast<std::size_t>(file.readf(samples.data(), end - from) * channels));
+    while (listener.End() < end) {
+      const std::int64_t frames = std::min(end - listener.End(), rate);
+      samples.resize(static_cast<std::size_t>(frames * file.channels()));
+      if (file.readf(samples.data(), frames) != frames) return Fail(paths[0] + ": cannot be read");
+      listener.Hear(channels < file.channels() ? cutlab::Mean(samples) : samples);
     }
-    if (oneChannel && channels == 2) {
-      for (std::size_t i = 0; 2 * i + 1 < samples.size(); ++i) {
-        samples[i] = static_cast<std::int16_t>((samples[2 * i] + samples[2 * i + 1]) / 2);
-      }
-      samples.resize(samples.size() / 2);
-      sound.Channels = 1;
-    }
-    sound.Samples = samples;
-    const cut::Cut cut = cut::FindCut(sound, stamp, station);
+    const cut::Cut cut = listener.Choose(stamp, station);
     fmt::print(
         "{{\"change\": {}, \"sample\": {}, \"reason\": \"{}\", \"confidence\": {:.3f}, \"lag_ms\": {}, "
         "\"heard\": {}}}\n",

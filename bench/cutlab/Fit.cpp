@@ -7,9 +7,8 @@
 #include <numeric>
 #include <span>
 
-#include "cut/Blocks.h"
 #include "cut/Choice.h"
-#include "cut/Cut.h"
+#include "cut/Listener.h"
 
 namespace kestrune::cutlab {
 
@@ -94,42 +93,40 @@ cut::LagRow Known(double middleMs, double widthMs) {
   return row;
 }
 
+std::vector<std::int16_t> Left(std::span<const std::int16_t> samples) {
+  std::vector<std::int16_t> left;
+  for (std::size_t i = 0; i + 1 < samples.size(); i += 2) left.push_back(samples[i]);
+  return left;
+}
+
 }  // namespace
 
 void AddExamples(const Station& station, int stamps, std::uint64_t seed, std::vector<Example>& examples) {
   Dice dice(seed);
   constexpr std::int64_t kBlock = kRate / 50;
+  const auto end = static_cast<std::int64_t>(station.Samples.size() / 2);
   for (const Join& join : station.Joins) {
     for (int i = 0; i < stamps; ++i) {
       const double lag = -1200 + 4000 * dice.Fraction();
       const std::int64_t stamp = join.Start - static_cast<std::int64_t>(lag * kRate / 1000);
-      const std::int64_t first = std::max<std::int64_t>(0, stamp - 450 * kBlock);
-      const std::int64_t aligned = stamp - (stamp - first) / kBlock * kBlock;
-      const std::int64_t end =
-          std::min(static_cast<std::int64_t>(station.Samples.size() / 2), stamp + 500 * kBlock);
-      cut::Sound sound;
-      sound.First = aligned;
-      sound.Samples =
-          std::span(station.Samples)
-              .subspan(static_cast<std::size_t>(aligned) * 2, static_cast<std::size_t>(end - aligned) * 2);
-      std::vector<std::int16_t> one;
-      if (dice.Fraction() < 0.33) {
-        const bool left = dice.Fraction() < 0.3;
-        for (std::size_t at = 0; at + 1 < sound.Samples.size(); at += 2) {
-          one.push_back(left ? sound.Samples[at]
-                             : static_cast<std::int16_t>((sound.Samples[at] + sound.Samples[at + 1]) / 2));
-        }
-        sound.Samples = one;
-        sound.Channels = 1;
+      const std::int64_t first =
+          std::max<std::int64_t>(0, stamp - 450 * kBlock - dice.Between(0, kBlock - 1));
+      const auto samples = std::span(station.Samples)
+                               .first(static_cast<std::size_t>(std::min(end, stamp + 500 * kBlock)) * 2)
+                               .subspan(static_cast<std::size_t>(first) * 2);
+      const bool one = dice.Fraction() < 0.33;
+      cut::Listener listener(kRate, one ? 1 : 2, first);
+      if (one) {
+        listener.Hear(dice.Fraction() < 0.3 ? Left(samples) : Mean(samples));
+      } else {
+        listener.Hear(samples);
       }
-      const auto blocks = cut::MeasureBlocks(sound);
+      const auto stretch = listener.Around(stamp);
       Example example;
-      example.Features = cut::MeasureEvidence(
-          blocks, static_cast<std::ptrdiff_t>((stamp - aligned) / kBlock) + cut::kLowestLag / cut::kBlockMs,
-          kLags);
+      example.Features = cut::MeasureEvidence(stretch.Blocks, stretch.FirstLag, kLags);
       const double jitter = 100 + 600 * dice.Fraction();
       example.Expected = Known(lag + jitter * Gauss(dice), std::hypot(jitter, 100));
-      const double at = (lag - cut::kLowestLag) / cut::kBlockMs;
+      const double at = static_cast<double>(join.Start - stretch.FirstLagFrame) / kBlock;
       example.RightFrom = static_cast<std::size_t>(std::max(0.0, std::ceil(at - 1.6)));
       example.RightTo = static_cast<std::size_t>(std::min<double>(kLags - 1, std::floor(at + 1.6)));
       examples.push_back(std::move(example));

@@ -71,22 +71,20 @@ bool Late(const Judged& one) {
 
 void JudgeStation(const Station& station, const std::vector<std::int64_t>& stamps, bool oneChannel,
                   const cut::EvidenceWeights& weights, std::vector<Judged>& judged) {
-  cut::Sound sound;
-  sound.Samples = station.Samples;
-  std::vector<std::int16_t> one;
-  if (oneChannel) {
-    one.resize(station.Samples.size() / 2);
-    for (std::size_t i = 0; i < one.size(); ++i) {
-      one[i] = static_cast<std::int16_t>((station.Samples[2 * i] + station.Samples[2 * i + 1]) / 2);
-    }
-    sound.Samples = one;
-    sound.Channels = 1;
-  }
+  const std::vector<std::int16_t> one = oneChannel ? Mean(station.Samples) : std::vector<std::int16_t>();
+  std::span<const std::int16_t> samples = oneChannel ? one : station.Samples;
+  cut::Listener listener(kRate, oneChannel ? 1 : 2, 0);
   cut::LagModel lags;
   std::vector<double> known;
   for (std::size_t i = 0; i < stamps.size(); ++i) {
     const Join& join = station.Joins[i];
-    const cut::Cut cut = cut::FindCut(sound, stamps[i], lags, weights);
+    // As in the program: no more is heard than what has come ten seconds after the stamp.
+    const std::int64_t wanted = stamps[i] + kRate * cut::kWantedAfterMs / 1000 - listener.End();
+    const auto count = std::min(
+        samples.size(), static_cast<std::size_t>(std::max<std::int64_t>(0, wanted)) * (oneChannel ? 1 : 2));
+    listener.Hear(samples.first(count));
+    samples = samples.subspan(count);
+    const cut::Cut cut = listener.Choose(stamps[i], lags, weights);
     Judged result;
     result.Kind = join.Kind;
     result.Number = static_cast<int>(i) + 1;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cut/Cut.h"
+#include "cut/Listener.h"
 #include "cutlab/Station.h"
 
 namespace kestrune::cutlab {

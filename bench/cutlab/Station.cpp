@@ -310,4 +310,13 @@ std::vector<std::int64_t> MakeStamps(const Station& station, const Stamping& sta
   return stamps;
 }
 
+std::vector<std::int16_t> Mean(std::span<const std::int16_t> samples) {
+  std::vector<std::int16_t> mean;
+  mean.reserve(samples.size() / 2);
+  for (std::size_t i = 0; i + 1 < samples.size(); i += 2) {
+    mean.push_back(static_cast<std::int16_t>((samples[i] + samples[i + 1]) / 2));
+  }
+  return mean;
+}
+
 }  // namespace kestrune::cutlab

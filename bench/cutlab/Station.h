@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,5 +44,8 @@ struct Station {
 /// The frame at which each change of text is noticed. The same for the same seed.
 [[nodiscard]] std::vector<std::int64_t> MakeStamps(const Station& station, const Stamping& stamping,
                                                    std::uint64_t seed);
+
+/// The mean of two interleaved channels.
+[[nodiscard]] std::vector<std::int16_t> Mean(std::span<const std::int16_t> samples);
 
 }  // namespace kestrune::cutlab

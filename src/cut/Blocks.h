@@ -2,9 +2,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
 #include <vector>
-
-#include "cut/Sound.h"
 
 namespace kestrune::cut {
 
@@ -18,11 +19,32 @@ struct Block {
   float Side = -90;
   std::array<float, kBands> MiddleBands{};  ///< log bands from 100 Hz to 14 kHz
   std::array<float, kBands> SideBands{};
+
+  bool operator==(const Block&) const = default;
 };
 
 inline constexpr float kSilence = -90;
 
-/// The blocks of a stretch of sound, of Rate / 50 frames each; a part block at the end is left out.
-[[nodiscard]] std::vector<Block> MeasureBlocks(const Sound& sound);
+/// Measures blocks of rate / 50 frames each, as their sound comes. Keeps a block's worth of sound, since a spectrum
+/// reaches a little over the ends of its block.
+class BlockMeter {
+ public:
+  /// `rate`: 8000 to 192000 frames a second; `channels`: 1 or 2.
+  BlockMeter(int rate, int channels);
+  BlockMeter(BlockMeter&&) noexcept;
+  BlockMeter& operator=(BlockMeter&&) noexcept;
+  ~BlockMeter();
+
+  /// Appends the blocks that `interleaved` completes; it may be any whole number of frames. The same sound gives
+  /// the same blocks however it is divided.
+  void Hear(std::span<const std::int16_t> interleaved, std::vector<Block>& blocks);
+
+  /// How many frames after a block's own its spectrum looks at; the block is complete with them.
+  [[nodiscard]] int Ahead() const;
+
+ private:
+  class State;
+  std::unique_ptr<State> state_;
+};
 
 }  // namespace kestrune::cut

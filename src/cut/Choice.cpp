@@ -20,6 +20,17 @@ float Cost(Index error) {
   return (std::abs(error) > kNear ? 0.5F : 0.0F) + 0.5F * std::min(1.0F, far / kWhole);
 }
 
+/// The chance that the start is within 0.1 s.
+float Near(const LagRow& chances, std::size_t lag) {
+  const auto middle = static_cast<Index>(lag);
+  float sum = 0;
+  for (Index i = std::max<Index>(0, middle - kNear);
+       i <= std::min(static_cast<Index>(kLags) - 1, middle + kNear); ++i) {
+    sum += chances[static_cast<std::size_t>(i)];
+  }
+  return std::min(1.0F, sum);
+}
+
 }  // namespace
 
 std::string_view NameOf(Reason reason) {
@@ -57,12 +68,31 @@ Chosen LeastCost(const LagRow& chances) {
       chosen.Lag = static_cast<std::size_t>(at);
     }
   }
-  const auto middle = static_cast<Index>(chosen.Lag);
-  for (Index i = std::max<Index>(0, middle - kNear); i <= std::min(kCount - 1, middle + kNear); ++i) {
-    chosen.Confidence += chances[static_cast<std::size_t>(i)];
-  }
-  chosen.Confidence = std::min(1.0F, chosen.Confidence);
+  chosen.Confidence = Near(chances, chosen.Lag);
   return chosen;
+}
+
+std::vector<Chosen> Likeliest(const LagRow& chances) {
+  std::vector<std::size_t> peaks;
+  for (std::size_t i = 0; i < kLags; ++i) {
+    const bool rises = i == 0 || chances[i] > chances[i - 1];
+    if (rises && (i + 1 == kLags || chances[i] >= chances[i + 1])) peaks.push_back(i);
+  }
+  std::stable_sort(peaks.begin(), peaks.end(),
+                   [&](std::size_t one, std::size_t other) { return chances[one] > chances[other]; });
+  std::vector<Chosen> likeliest;
+  for (const std::size_t peak : peaks) {
+    const bool apart = std::all_of(likeliest.begin(), likeliest.end(), [&](const Chosen& other) {
+      return std::abs(static_cast<Index>(peak) - static_cast<Index>(other.Lag)) > 2 * kNear;
+    });
+    const float chance = Near(chances, peak);
+    if (!apart || chance < 0.01F) continue;
+    likeliest.push_back({peak, chance});
+    if (likeliest.size() == kCandidates) break;
+  }
+  std::stable_sort(likeliest.begin(), likeliest.end(),
+                   [](const Chosen& one, const Chosen& other) { return one.Confidence > other.Confidence; });
+  return likeliest;
 }
 
 }  // namespace kestrune::cut

@@ -75,6 +75,33 @@ TEST(Choice, TheEndsCanBeChosen) {
   }
 }
 
+TEST(Choice, TheLikeliestPlacesAreSeparatePeaks) {
+  LagRow chances{};
+  chances[Index(1000)] = 0.3F;
+  chances[Index(1020)] = 0.1F;
+  chances[Index(1180)] = 0.05F;  // too near
+  chances[Index(-500)] = 0.25F;
+  chances[Index(-400)] = 0.24F;
+  chances[Index(2000)] = 0.05F;
+  chances[Index(3000)] = 0.005F;  // too unlikely
+  const auto likeliest = Likeliest(chances);
+  ASSERT_EQ(likeliest.size(), 3U);
+  EXPECT_EQ(LagAt(likeliest[0].Lag), -500);
+  EXPECT_NEAR(likeliest[0].Confidence, 0.49F, 1e-5F);
+  EXPECT_EQ(LagAt(likeliest[1].Lag), 1000);
+  EXPECT_NEAR(likeliest[1].Confidence, 0.4F, 1e-5F);
+  EXPECT_EQ(LagAt(likeliest[2].Lag), 2000);
+}
+
+TEST(Choice, NoMoreThanFivePlacesAreToldAndTheEndsAreAmongThem) {
+  LagRow chances{};
+  for (std::size_t i = 0; i < kLags; i += 45) chances[i] = 1.0F / 11;
+  EXPECT_EQ(Likeliest(chances).size(), kCandidates);
+  LagRow ends{};
+  ends.front() = ends.back() = 0.5F;
+  EXPECT_EQ(Likeliest(ends).size(), 2U);
+}
+
 TEST(Choice, EachReasonHasAName) {
   EXPECT_EQ(NameOf(Reason::Gap), "gap");
   EXPECT_EQ(NameOf(Reason::Onset), "onset");
