@@ -34,6 +34,27 @@ inline constexpr int kSongFates = 12;
   return fate == SongFate::Kept || fate == SongFate::KeptIncomplete || fate == SongFate::KeptUnnamed;
 }
 
+/// A place where a cut might have fallen.
+struct CutCandidate {
+  std::int32_t LagMs = 0;  ///< after the stamp of the text
+  double Chance = 0;       ///< that the new song begins there, 0 to 1
+
+  bool operator==(const CutCandidate&) const = default;
+};
+inline constexpr std::size_t kMostCandidates = 5;
+
+/// How a song was cut from the one that follows it, by listening. Chances are kept to a thousandth.
+struct HistoryCut {
+  std::int64_t Frame = 0;  ///< the first frame of the new song, counted from the start of the sound
+  std::int32_t LagMs = 0;  ///< that frame minus the stamp of the text
+  std::string Reason;      ///< a word, such as "gap" or "lag"
+  double Confidence = 0;   ///< the chance that the true beginning is within 0.1 s, 0 to 1
+  std::vector<CutCandidate> Candidates;  ///< the likeliest first; no more than kMostCandidates are kept
+  std::string Next;                      ///< artist and title of the song that follows
+
+  bool operator==(const HistoryCut&) const = default;
+};
+
 /// A song that ended on the tuned channel.
 struct HistorySong {
   base::DateValue Began;
@@ -53,6 +74,7 @@ struct HistorySong {
   std::int64_t SilentMs = 0;      ///< how much of it was silence that was noticed
   std::int64_t OverloadedMs = 0;  ///< how much of it was at full scale
   std::int64_t LineLostMs = 0;    ///< how long the radio was lost meanwhile
+  std::optional<HistoryCut> Cut;  ///< its end; nothing if nobody listened for it
 
   bool operator==(const HistorySong&) const = default;
 };
@@ -111,15 +133,26 @@ struct HistoryPlay {
   bool operator==(const HistoryPlay&) const = default;
 };
 
+/// What was learned of how far the text of a channel runs ahead of its sound. Channel names it: a row with the same
+/// channel replaces the older. These are kept without a limit of time.
+struct HistoryLag {
+  std::int16_t Channel = 0;  ///< 1 to 255
+  base::DateValue Changed;   ///< when it was last renewed
+  std::string Model;         ///< one line, which only its writer understands
+
+  bool operator==(const HistoryLag&) const = default;
+};
+
 struct HistoryRows {
   std::vector<HistorySong> Songs;
   std::vector<HistoryEvent> Events;
   std::vector<HistoryIncident> Incidents;
   std::vector<HistoryRun> Runs;
   std::vector<HistoryPlay> Plays;
+  std::vector<HistoryLag> Lags;
 
   [[nodiscard]] std::size_t Count() const {
-    return Songs.size() + Events.size() + Incidents.size() + Runs.size() + Plays.size();
+    return Songs.size() + Events.size() + Incidents.size() + Runs.size() + Plays.size() + Lags.size();
   }
 
   bool operator==(const HistoryRows&) const = default;

@@ -23,11 +23,19 @@ struct HistorySearch {
   bool operator==(const HistorySearch&) const = default;
 };
 
+/// A question for the last cuts by listening.
+struct CutSearch {
+  std::int16_t Channel = 0;  ///< 0: all
+  std::size_t Limit = 20;    ///< at most so many, the newest
+
+  bool operator==(const CutSearch&) const = default;
+};
+
 /// Keeps what happened for 90 days, or less if it takes too much room, and answers questions about it. Used from the
 /// main thread.
 ///
 /// 1. No call waits: not for the disk, and not for another call. What is handed over is kept within a second or so.
-///    Rows that belong to a name replace the row of that name; a play replaces the one of the same text that began on
+///    Rows that belong to a name replace the row of that name, the last of them stays; a play replaces the one of the same text that began on
 ///    the same channel at the same second.
 /// 2. Each question is answered exactly once, from the event loop and never within the call, in the order of asking;
 ///    from a store that is destroyed no answer comes. A question does not wait for what was just handed over.
@@ -50,6 +58,14 @@ class HistoryStore {
   using PlaysAnswer = std::function<void(const base::Result& asked, const std::vector<HistoryPlay>& plays)>;
   /// Newest beginning first.
   virtual void Search(HistorySearch search, PlaysAnswer answer) = 0;
+
+  using SongsAnswer = std::function<void(const base::Result& asked, const std::vector<HistorySong>& songs)>;
+  /// The songs that have a Cut, newest end first.
+  virtual void ReadCuts(CutSearch search, SongsAnswer answer) = 0;
+
+  using LagsAnswer = std::function<void(const base::Result& asked, const std::vector<HistoryLag>& lags)>;
+  /// What was learned of all channels, in their order.
+  virtual void ReadLags(LagsAnswer answer) = 0;
 
   /// Takes one line for the log.
   using TroubleHandler = std::function<void(const std::string& line)>;

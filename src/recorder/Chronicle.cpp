@@ -46,7 +46,8 @@ void Chronicle::SongEnded(const CaptureRecord& capture, platform::SongFate fate,
                       .MissingMs = outcome.MissingMs,
                       .SilentMs = std::min(silent_.TakeMs(loop_.SteadyNow()), capture.LengthMs),
                       .OverloadedMs = OverloadedMs(capture),
-                      .LineLostMs = std::min(radioLost_.TakeMs(loop_.SteadyNow()), capture.LengthMs)});
+                      .LineLostMs = std::min(radioLost_.TakeMs(loop_.SteadyNow()), capture.LengthMs),
+                      .Cut = {}});
 }
 
 history::EventStart Chronicle::StartOf(const Event& event) const {

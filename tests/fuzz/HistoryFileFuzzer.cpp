@@ -75,7 +75,16 @@ platform::HistoryRows Rows() {
     song.LengthMs = 60'000;
     song.Event = 1;
     song.Title = "Title " + std::to_string(i);
+    if (i % 2 == 0)
+      song.Cut = {.Frame = i,
+                  .LagMs = -i,
+                  .Reason = "gap",
+                  .Confidence = 0.5,
+                  .Candidates = {{600, 0.5}},
+                  .Next = "N"};
     rows.Songs.push_back(song);
+    rows.Lags.push_back(
+        {.Channel = static_cast<std::int16_t>(i), .Changed = kNight, .Model = "1 5 600 10:1:5"});
     rows.Plays.push_back({.Channel = static_cast<std::int16_t>(i),
                           .Station = "Harbour",
                           .Genre = "Rock",
@@ -141,6 +150,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   platform::HistoryReader reader(*questions);
   const auto rows = reader.ReadSpan(DateValue::FromCivil(100, 1, 1), DateValue::FromCivil(9999, 12, 31));
   if (rows) Require(!history::ReportText(history::MakeReport(*rows, kNight, kNight.AddDays(1))).empty());
+  if (const auto cuts = reader.ReadCuts({.Channel = 0, .Limit = 20})) {
+    Require(cuts->size() <= 20);
+    for (const platform::HistorySong& song : *cuts)
+      Require(song.Cut && song.Cut->Candidates.size() <= platform::kMostCandidates);
+  }
+  if (const auto lags = reader.ReadLags()) {
+    for (const platform::HistoryLag& lag : *lags) Require(lag.Channel >= 1 && lag.Channel <= 255);
+  }
   for (const char* text : {"", "moon", "m", "title 9"}) {
     const auto plays = reader.Search({.Text = text, .Channel = 0, .Since = {}, .Limit = 20});
     if (plays) Require(plays->size() <= 20);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -45,6 +46,22 @@ class FakeHistoryStore final : public platform::HistoryStore {
     });
   }
 
+  void ReadCuts(platform::CutSearch search, SongsAnswer answer) override {
+    Ask([this, search, answer = std::move(answer)] {
+      if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
+      answer(base::Result::Done(), Cuts(search));
+    });
+  }
+
+  void ReadLags(LagsAnswer answer) override {
+    Ask([this, answer = std::move(answer)] {
+      if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
+      std::vector<platform::HistoryLag> lags = Rows.Lags;
+      std::sort(lags.begin(), lags.end(), [](const auto& a, const auto& b) { return a.Channel < b.Channel; });
+      answer(base::Result::Done(), lags);
+    });
+  }
+
   void SetTroubleHandler(TroubleHandler handler) override { handler_ = std::move(handler); }
 
   std::string Failure;          ///< why nothing can be written; empty if it can
@@ -63,6 +80,7 @@ class FakeHistoryStore final : public platform::HistoryStore {
     append(to.Incidents, from.Incidents);
     append(to.Runs, from.Runs);
     append(to.Plays, from.Plays);
+    append(to.Lags, from.Lags);
   }
 
   /// Adds the rows, in the place of those of the same name.
@@ -79,9 +97,19 @@ class FakeHistoryStore final : public platform::HistoryStore {
     }
   }
 
+  static double Thousandth(double chance) { return std::round(chance * 1000) / 1000; }
+  static void Trim(platform::HistoryCut& cut) {
+    cut.Confidence = Thousandth(cut.Confidence);
+    cut.Candidates.resize(std::min(cut.Candidates.size(), platform::kMostCandidates));
+    for (platform::CutCandidate& candidate : cut.Candidates) candidate.Chance = Thousandth(candidate.Chance);
+  }
+
   void Put(platform::HistoryRows more) {
     using namespace platform;
-    std::move(more.Songs.begin(), more.Songs.end(), std::back_inserter(Rows.Songs));
+    for (HistorySong& song : more.Songs) {
+      if (song.Cut) Trim(*song.Cut);
+      Rows.Songs.push_back(std::move(song));
+    }
     Merge(Rows.Events, more.Events, [](const HistoryEvent& a, const HistoryEvent& b) {
       return a.Entry == b.Entry && a.Due == b.Due && a.Began == b.Began;
     });
@@ -92,6 +120,8 @@ class FakeHistoryStore final : public platform::HistoryStore {
     Merge(Rows.Plays, more.Plays, [](const HistoryPlay& a, const HistoryPlay& b) {
       return a.From == b.From && a.Channel == b.Channel && a.Artist == b.Artist && a.Title == b.Title;
     });
+    Merge(Rows.Lags, more.Lags,
+          [](const HistoryLag& a, const HistoryLag& b) { return a.Channel == b.Channel; });
   }
 
   void Ask(std::function<void()> question) {
@@ -157,6 +187,16 @@ class FakeHistoryStore final : public platform::HistoryStore {
     }
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.From > b.From; });
+    found.resize(std::min(found.size(), search.Limit));
+    return found;
+  }
+
+  [[nodiscard]] std::vector<platform::HistorySong> Cuts(const platform::CutSearch& search) const {
+    std::vector<platform::HistorySong> found;
+    for (auto song = Rows.Songs.rbegin(); song != Rows.Songs.rend(); ++song)
+      if (song->Cut && (search.Channel == 0 || song->Channel == search.Channel)) found.push_back(*song);
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto& a, const auto& b) { return a.Ended > b.Ended; });
     found.resize(std::min(found.size(), search.Limit));
     return found;
   }

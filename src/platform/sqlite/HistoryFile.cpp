@@ -1,7 +1,5 @@
 #include "platform/sqlite/HistoryFile.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <optional>
@@ -17,75 +15,22 @@
 #include "platform/posix/FileNames.h"
 #include "platform/posix/NoReplaceRename.h"
 #include "platform/posix/SystemError.h"
+#include "platform/sqlite/HistorySchema.h"
 
 namespace kestrune::platform {
 namespace {
 
-constexpr std::int64_t kApplication = 0x4B535448;
-constexpr std::int64_t kVersion = 1;
 constexpr int kMostPutAside = 9;
-
-// Moments are seconds since 1970 of local time. What the channels play is most of it, so its rows hold only numbers:
-// a song's text and a station's name are kept once. title_text finds any three letters of a title or an artist.
-constexpr std::array kSchema{
-    "CREATE TABLE run (began INTEGER PRIMARY KEY, alive INTEGER NOT NULL, closed INTEGER NOT NULL)",
-    "CREATE TABLE song (began INTEGER NOT NULL, ended INTEGER NOT NULL, channel INTEGER NOT NULL, station "
-    "TEXT NOT NULL, "
-    "genre TEXT NOT NULL, artist TEXT NOT NULL, title TEXT NOT NULL, length_ms INTEGER NOT NULL, fate "
-    "INTEGER NOT NULL, "
-    "reason TEXT NOT NULL, file TEXT NOT NULL, event INTEGER NOT NULL, samples_lost INTEGER NOT NULL, "
-    "missing_ms INTEGER NOT NULL, silent_ms INTEGER NOT NULL, overloaded_ms INTEGER NOT NULL, "
-    "line_lost_ms INTEGER NOT NULL)",
-    "CREATE INDEX song_ended ON song (ended)",
-    "CREATE TABLE event (entry INTEGER NOT NULL, due INTEGER NOT NULL, began INTEGER, planned_seconds "
-    "INTEGER NOT NULL, "
-    "channel INTEGER NOT NULL, station TEXT NOT NULL, whole_songs INTEGER NOT NULL, ended INTEGER, kept "
-    "INTEGER NOT NULL, "
-    "dropped INTEGER NOT NULL, why_not TEXT NOT NULL)",
-    "CREATE UNIQUE INDEX event_name ON event (due, entry, coalesce(began, -1))",
-    "CREATE TABLE incident (began INTEGER NOT NULL, kind INTEGER NOT NULL, ended INTEGER, seconds INTEGER "
-    "NOT NULL, "
-    "cause TEXT NOT NULL, PRIMARY KEY (began, kind)) WITHOUT ROWID",
-    "CREATE TABLE station (id INTEGER PRIMARY KEY, name TEXT NOT NULL, genre TEXT NOT NULL, UNIQUE (name, "
-    "genre))",
-    "CREATE TABLE title (id INTEGER PRIMARY KEY, artist TEXT NOT NULL, title TEXT NOT NULL, UNIQUE (artist, "
-    "title))",
-    "CREATE VIRTUAL TABLE title_text USING fts5 (artist, title, content='title', content_rowid='id', "
-    "tokenize='trigram')",
-    "CREATE TABLE play (began INTEGER NOT NULL, channel INTEGER NOT NULL, title INTEGER NOT NULL, "
-    "seconds INTEGER NOT NULL, station INTEGER NOT NULL, PRIMARY KEY (began, channel, title)) WITHOUT ROWID",
-    "CREATE INDEX play_title ON play (title, began)",
-};
 
 /// What a file turns out to be.
 enum class Verdict { Good, Empty, Unreadable, Failed };
 
 struct Examined {
   Verdict Is = Verdict::Good;
-  std::string Why;   ///< it is unreadable
-  std::string Word;  ///< for the name it is put aside under
+  std::string Why;           ///< it is unreadable
+  std::string Word;          ///< for the name it is put aside under
+  std::int64_t Version = 0;  ///< of a good one
 };
-
-/// The whole schema as one text, but for what the index keeps of its own.
-std::optional<std::string> SchemaOf(SqliteConnection& database) {
-  SqliteStatement rows(
-      database,
-      "SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL AND name NOT LIKE 'title\\_text\\__%' "
-      "ESCAPE '\\' ORDER BY sql");
-  std::string schema;
-  while (rows.Next()) schema += rows.Text(0) + '\n';
-  if (rows.Failed()) return std::nullopt;
-  return schema;
-}
-
-std::string OwnSchema() {
-  std::array<std::string_view, kSchema.size()> sorted;
-  std::copy(kSchema.begin(), kSchema.end(), sorted.begin());
-  std::sort(sorted.begin(), sorted.end());
-  std::string schema;
-  for (const std::string_view command : sorted) schema.append(command) += '\n';
-  return schema;
-}
 
 Examined NoDatabase() {
   return {Verdict::Unreadable, "it is damaged, or no database", "damaged"};
@@ -104,28 +49,28 @@ Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bo
     if (hasBytes && database.NumberOf("PRAGMA page_count") == 0) return NoDatabase();
     return {Verdict::Empty, {}, {}};
   }
-  if (*application != kApplication) return {Verdict::Unreadable, "it is another program's", "foreign"};
-  if (*version > kVersion)
+  if (*application != kHistoryApplication) return {Verdict::Unreadable, "it is another program's", "foreign"};
+  if (*version > HistoryVersion())
     return {Verdict::Unreadable, "a later version of Kestrune has written it", "later"};
   const auto schema = SchemaOf(database);
-  if (!schema) return failed();
-  if (*version < kVersion || *schema != OwnSchema())
+  const auto expected = SchemaOfVersion(*version);
+  if (!schema || (!expected && *version > 0)) return failed();
+  if (schema != expected)
     return {Verdict::Unreadable, "it is damaged: it is not built as it should be", "damaged"};
 
   database.SetStop(&stop);
   SqliteStatement check(database, "PRAGMA quick_check(1)");
   const bool said = check.Next();
   database.SetStop(nullptr);
-  if (!said) return database.WasStopped() ? Examined{} : failed();
-  if (check.Text(0) != "ok") return {Verdict::Unreadable, "it is damaged", "damaged"};
-  return {};
+  if (!said && !database.WasStopped()) return failed();
+  if (said && check.Text(0) != "ok") return {Verdict::Unreadable, "it is damaged", "damaged"};
+  return {Verdict::Good, {}, {}, *version};
 }
 
-bool Create(SqliteConnection& database) {
-  std::string commands = "PRAGMA auto_vacuum=INCREMENTAL;BEGIN IMMEDIATE;";
-  for (const char* command : kSchema) commands.append(command) += ';';
-  commands += fmt::format("PRAGMA application_id={};PRAGMA user_version={};COMMIT", kApplication, kVersion);
-  return database.Run(commands.c_str());
+/// Makes an empty file a record, and one of an earlier version a present one.
+bool Prepare(SqliteConnection& database, const Examined& examined) {
+  if (examined.Is == Verdict::Empty && !database.Run("PRAGMA auto_vacuum=INCREMENTAL")) return false;
+  return examined.Version == HistoryVersion() || BringUpToDate(database, examined.Version);
 }
 
 /// Done, if a file lies there that a database can be.
@@ -177,8 +122,7 @@ HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<boo
       if (opened.PutAside.empty()) return opened;
       continue;
     }
-    const bool ready = examined.Is != Verdict::Failed &&
-                       (examined.Is != Verdict::Empty || Create(*database)) &&
+    const bool ready = examined.Is != Verdict::Failed && Prepare(*database, examined) &&
                        database->Run(
                            "PRAGMA journal_mode=WAL;PRAGMA synchronous=NORMAL;PRAGMA cache_size=-256;"
                            "PRAGMA journal_size_limit=4194304;PRAGMA secure_delete=OFF;"

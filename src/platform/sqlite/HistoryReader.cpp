@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/Text.h"
+#include "platform/sqlite/CandidateText.h"
 
 namespace kestrune::platform {
 namespace {
@@ -18,6 +19,8 @@ constexpr std::int64_t kMostRows = 50'000;
 constexpr std::size_t kShortestIndexed = 3;
 constexpr std::size_t kManyTitles = 4000;
 constexpr std::int64_t kLongestLength = 1'000'000'000'000;
+constexpr std::int64_t kLongestLagMs = 1'000'000'000;
+constexpr std::int64_t kLastChannel = 255;
 
 std::size_t Letters(std::string_view word) {
   return static_cast<std::size_t>(std::count_if(
@@ -63,6 +66,21 @@ IncidentKind KindOf(std::int64_t number) {
   return number >= 0 && number < kIncidentKinds ? static_cast<IncidentKind>(number) : IncidentKind::Crash;
 }
 
+std::int32_t LagOf(std::int64_t number) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(number, -kLongestLagMs, kLongestLagMs));
+}
+
+std::optional<HistoryCut> CutOf(const SqliteStatement& song) {
+  if (song.IsNull(17)) return std::nullopt;
+  return HistoryCut{
+      .Frame = song.Number(17),
+      .LagMs = LagOf(song.Number(18)),
+      .Reason = song.Text(19),
+      .Confidence = static_cast<double>(std::clamp<std::int64_t>(song.Number(20), 0, 1000)) / 1000,
+      .Candidates = ReadCandidates(song.Text(21)),
+      .Next = song.Text(22)};
+}
+
 HistorySong SongOf(const SqliteStatement& row) {
   return {.Began = row.Moment(0),
           .Ended = row.Moment(1),
@@ -80,7 +98,8 @@ HistorySong SongOf(const SqliteStatement& row) {
           .MissingMs = Length(row.Number(13)),
           .SilentMs = Length(row.Number(14)),
           .OverloadedMs = Length(row.Number(15)),
-          .LineLostMs = Length(row.Number(16))};
+          .LineLostMs = Length(row.Number(16)),
+          .Cut = CutOf(row)};
 }
 
 HistoryEvent EventOf(const SqliteStatement& row) {
@@ -155,6 +174,28 @@ std::optional<std::vector<HistoryPlay>> HistoryReader::Search(const HistorySearc
   }
   if (!done) return std::nullopt;
   return WholeRows(found);
+}
+
+std::optional<std::vector<HistorySong>> HistoryReader::ReadCuts(const CutSearch& search) {
+  SqliteStatement rows(database_,
+                       "SELECT * FROM song WHERE cut_frame IS NOT NULL AND (?1 = 0 OR channel = ?1) "
+                       "ORDER BY ended DESC, rowid DESC LIMIT ?2");
+  rows.Bind(1, std::int64_t{search.Channel})
+      .Bind(2, std::min(static_cast<std::int64_t>(search.Limit), kMostRows));
+  std::vector<HistorySong> songs;
+  while (rows.Next()) songs.push_back(SongOf(rows));
+  if (rows.Failed()) return std::nullopt;
+  return songs;
+}
+
+std::optional<std::vector<HistoryLag>> HistoryReader::ReadLags() {
+  SqliteStatement rows(
+      database_, "SELECT channel, changed, model FROM lag WHERE channel BETWEEN 1 AND ? ORDER BY channel");
+  rows.Bind(1, kLastChannel);
+  std::vector<HistoryLag> lags;
+  while (rows.Next()) lags.push_back({Small(rows.Number(0)), rows.Moment(1), rows.Text(2)});
+  if (rows.Failed()) return std::nullopt;
+  return lags;
 }
 
 std::optional<std::vector<std::int64_t>> HistoryReader::TitlesWith(const std::vector<std::string>& words) {

@@ -20,6 +20,8 @@ class HistoryReader {
 
   [[nodiscard]] std::optional<HistoryRows> ReadSpan(base::DateValue from, base::DateValue to);
   [[nodiscard]] std::optional<std::vector<HistoryPlay>> Search(const HistorySearch& search);
+  [[nodiscard]] std::optional<std::vector<HistorySong>> ReadCuts(const CutSearch& search);
+  [[nodiscard]] std::optional<std::vector<HistoryLag>> ReadLags();
 
  private:
   /// A play as the table has it.

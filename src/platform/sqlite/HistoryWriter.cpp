@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/sqlite/CandidateText.h"
+
 namespace kestrune::platform {
 namespace {
 
@@ -20,10 +22,12 @@ HistoryWriter::HistoryWriter(SqliteConnection& database, HistoryLimits limits)
     : database_(database),
       limits_(limits),
       run_(database, "INSERT OR REPLACE INTO run VALUES (?, ?, ?)"),
-      song_(database, "INSERT INTO song VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+      song_(database,
+            "INSERT INTO song VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
       event_(database, "INSERT OR REPLACE INTO event VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
       incident_(database, "INSERT OR REPLACE INTO incident VALUES (?, ?, ?, ?, ?)"),
       play_(database, "INSERT OR REPLACE INTO play VALUES (?, ?, ?, ?, ?)"),
+      lag_(database, "INSERT OR REPLACE INTO lag VALUES (?, ?, ?)"),
       findStation_(database, "SELECT id FROM station WHERE name = ? AND genre = ?"),
       station_(database, "INSERT INTO station (name, genre) VALUES (?, ?)"),
       findTitle_(database, "SELECT id FROM title WHERE artist = ? AND title = ?"),
@@ -44,10 +48,21 @@ bool HistoryWriter::WriteRows(const HistoryRows& rows) {
   };
   for (const HistoryRun& run : rows.Runs)
     if (!run_.Bind(1, run.Began).Bind(2, run.Alive).Bind(3, std::int64_t{run.Closed}).Run()) return false;
-  return all(rows.Songs) && all(rows.Events) && all(rows.Incidents) && all(rows.Plays);
+  return all(rows.Songs) && all(rows.Events) && all(rows.Incidents) && all(rows.Plays) && all(rows.Lags);
 }
 
 bool HistoryWriter::Write(const HistorySong& song) {
+  constexpr int kFirstOfCut = 18;
+  constexpr int kLastOfCut = 23;
+  for (int parameter = kFirstOfCut; parameter <= kLastOfCut; ++parameter) song_.BindNull(parameter);
+  if (song.Cut) {
+    song_.Bind(kFirstOfCut, song.Cut->Frame)
+        .Bind(19, std::int64_t{song.Cut->LagMs})
+        .Bind(20, song.Cut->Reason)
+        .Bind(21, std::int64_t{Thousandths(song.Cut->Confidence)})
+        .Bind(22, CandidateText(song.Cut->Candidates))
+        .Bind(kLastOfCut, song.Cut->Next);
+  }
   return song_.Bind(1, song.Began)
       .Bind(2, song.Ended)
       .Bind(3, std::int64_t{song.Channel})
@@ -90,6 +105,10 @@ bool HistoryWriter::Write(const HistoryIncident& incident) {
       .Bind(4, incident.Seconds)
       .Bind(5, incident.Cause)
       .Run();
+}
+
+bool HistoryWriter::Write(const HistoryLag& lag) {
+  return lag_.Bind(1, std::int64_t{lag.Channel}).Bind(2, lag.Changed).Bind(3, lag.Model).Run();
 }
 
 bool HistoryWriter::Write(const HistoryPlay& play) {

@@ -35,6 +35,7 @@ class HistoryWriter {
   [[nodiscard]] bool Write(const HistoryEvent& event);
   [[nodiscard]] bool Write(const HistoryIncident& incident);
   [[nodiscard]] bool Write(const HistoryPlay& play);
+  [[nodiscard]] bool Write(const HistoryLag& lag);
   [[nodiscard]] std::optional<std::int64_t> StationOf(const HistoryPlay& play);
   [[nodiscard]] std::optional<std::int64_t> TitleOf(const HistoryPlay& play);
 
@@ -57,6 +58,7 @@ class HistoryWriter {
   SqliteStatement event_;
   SqliteStatement incident_;
   SqliteStatement play_;
+  SqliteStatement lag_;
   SqliteStatement findStation_;
   SqliteStatement station_;
   SqliteStatement findTitle_;

@@ -144,7 +144,10 @@ SqliteStatement& SqliteStatement::Bind(int parameter, DateValue value) {
 }
 
 SqliteStatement& SqliteStatement::Bind(int parameter, std::optional<DateValue> value) {
-  if (value) return Bind(parameter, *value);
+  return value ? Bind(parameter, *value) : BindNull(parameter);
+}
+
+SqliteStatement& SqliteStatement::BindNull(int parameter) {
   if (statement_) failed_ = database_->Note(::sqlite3_bind_null(statement_.get(), parameter)) || failed_;
   return *this;
 }
@@ -187,8 +190,12 @@ DateValue SqliteStatement::Moment(int column) const {
 }
 
 std::optional<DateValue> SqliteStatement::MaybeMoment(int column) const {
-  if (::sqlite3_column_type(statement_.get(), column) == SQLITE_NULL) return std::nullopt;
+  if (IsNull(column)) return std::nullopt;
   return Moment(column);
+}
+
+bool SqliteStatement::IsNull(int column) const {
+  return ::sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
 }
 
 }  // namespace kestrune::platform

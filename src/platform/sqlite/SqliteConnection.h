@@ -32,6 +32,7 @@ class SqliteStatement {
   /// As seconds since 1970 of local time, which the database's own date functions read too.
   SqliteStatement& Bind(int parameter, base::DateValue value);
   SqliteStatement& Bind(int parameter, std::optional<base::DateValue> value);
+  SqliteStatement& BindNull(int parameter);
 
   /// The next row; false at the end, and if it failed: see Failed.
   [[nodiscard]] bool Next();
@@ -47,6 +48,7 @@ class SqliteStatement {
   [[nodiscard]] std::string Text(int column) const;
   [[nodiscard]] base::DateValue Moment(int column) const;
   [[nodiscard]] std::optional<base::DateValue> MaybeMoment(int column) const;
+  [[nodiscard]] bool IsNull(int column) const;
 
  private:
   struct Finalizer {

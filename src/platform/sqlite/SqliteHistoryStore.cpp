@@ -29,6 +29,21 @@ void Append(HistoryRows& to, HistoryRows from) {
   Append(to.Incidents, from.Incidents);
   Append(to.Runs, from.Runs);
   Append(to.Plays, from.Plays);
+  Append(to.Lags, from.Lags);
+}
+
+void KeepLastOfEach(std::vector<HistoryLag>& lags) {
+  std::vector<HistoryLag> kept;
+  for (HistoryLag& lag : lags) {
+    const auto older = std::find_if(kept.begin(), kept.end(),
+                                    [&lag](const HistoryLag& one) { return one.Channel == lag.Channel; });
+    if (older == kept.end()) {
+      kept.push_back(std::move(lag));
+    } else {
+      *older = std::move(lag);
+    }
+  }
+  lags = std::move(kept);
 }
 
 /// Removes up to `excess` of the oldest rows; how many there are left to remove.
@@ -148,14 +163,17 @@ void SqliteHistoryStore::WriteBatch(HistoryRows rows) {
 void SqliteHistoryStore::TakeBack(HistoryRows rows) {
   const std::lock_guard lock(mutex_);
   Append(rows, std::exchange(waiting_, {}));
-  // What the other channels play is of the least interest, and most of it; a run's last row is all that is needed.
+  // What the other channels play is of the least interest, and most of it; of a run and of a channel's lag the last row
+  // is all that is needed.
+  KeepLastOfEach(rows.Lags);
   if (rows.Runs.size() > 1) rows.Runs.erase(rows.Runs.begin(), rows.Runs.end() - 1);
   std::size_t excess = rows.Count() > kMostWaiting ? rows.Count() - kMostWaiting : 0;
   lost_ += static_cast<std::int64_t>(excess);
   excess = Trim(rows.Plays, excess);
   excess = Trim(rows.Incidents, excess);
   excess = Trim(rows.Songs, excess);
-  static_cast<void>(Trim(rows.Events, excess));
+  excess = Trim(rows.Events, excess);
+  static_cast<void>(Trim(rows.Lags, excess));
   waiting_ = std::move(rows);
 }
 
@@ -181,23 +199,32 @@ void SqliteHistoryStore::Say(std::string line) {
   lines_.push_back(std::move(line));
 }
 
-void SqliteHistoryStore::ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) {
-  Ask({.Work = [from, to, answer](HistoryReader& reader) -> std::optional<std::function<void()>> {
-         auto rows = reader.ReadSpan(from, to);
-         if (!rows) return std::nullopt;
-         return [answer, rows = *std::move(rows)] { answer(Result::Done(), rows); };
+template <typename Asker, typename Read>
+void SqliteHistoryStore::AskFor(Asker answer, Read read) {
+  Ask({.Work = [answer,
+                read = std::move(read)](HistoryReader& reader) -> std::optional<std::function<void()>> {
+         auto found = read(reader);
+         if (!found) return std::nullopt;
+         return [answer, found = *std::move(found)] { answer(Result::Done(), found); };
        },
        .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
 }
 
+void SqliteHistoryStore::ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) {
+  AskFor(std::move(answer), [from, to](HistoryReader& reader) { return reader.ReadSpan(from, to); });
+}
+
 void SqliteHistoryStore::Search(HistorySearch search, PlaysAnswer answer) {
-  Ask({.Work = [search = std::move(search),
-                answer](HistoryReader& reader) -> std::optional<std::function<void()>> {
-         auto plays = reader.Search(search);
-         if (!plays) return std::nullopt;
-         return [answer, plays = *std::move(plays)] { answer(Result::Done(), plays); };
-       },
-       .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
+  AskFor(std::move(answer),
+         [search = std::move(search)](HistoryReader& reader) { return reader.Search(search); });
+}
+
+void SqliteHistoryStore::ReadCuts(CutSearch search, SongsAnswer answer) {
+  AskFor(std::move(answer), [search](HistoryReader& reader) { return reader.ReadCuts(search); });
+}
+
+void SqliteHistoryStore::ReadLags(LagsAnswer answer) {
+  AskFor(std::move(answer), [](HistoryReader& reader) { return reader.ReadLags(); });
 }
 
 void SqliteHistoryStore::Ask(Question question) {

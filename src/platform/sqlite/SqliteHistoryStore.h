@@ -39,6 +39,8 @@ class SqliteHistoryStore final : public HistoryStore {
   void Write(HistoryRows rows) override;
   void ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) override;
   void Search(HistorySearch search, PlaysAnswer answer) override;
+  void ReadCuts(CutSearch search, SongsAnswer answer) override;
+  void ReadLags(LagsAnswer answer) override;
   void SetTroubleHandler(TroubleHandler handler) override { handler_ = std::move(handler); }
 
  private:
@@ -62,6 +64,9 @@ class SqliteHistoryStore final : public HistoryStore {
   [[nodiscard]] std::function<void()> Answer(const Question& question);
 
   void Ask(Question question);
+  /// `read` runs on the reader's thread; nothing if it failed.
+  template <typename Asker, typename Read>
+  void AskFor(Asker answer, Read read);
   void Report();
 
   base::EventLoop& loop_;

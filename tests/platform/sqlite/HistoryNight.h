@@ -32,7 +32,21 @@ inline platform::HistorySong SongRow(std::int64_t minute, std::string title) {
           .MissingMs = 34,
           .SilentMs = 56,
           .OverloadedMs = 78,
-          .LineLostMs = 90};
+          .LineLostMs = 90,
+          .Cut = {}};
+}
+
+/// A song that was cut by listening.
+inline platform::HistorySong CutRow(std::int64_t minute, std::string title, std::int16_t channel = 44) {
+  platform::HistorySong song = SongRow(minute, std::move(title));
+  song.Channel = channel;
+  song.Cut = {.Frame = 5'000'000'000'000 + minute,
+              .LagMs = -1240,
+              .Reason = "gap",
+              .Confidence = 0.937,
+              .Candidates = {{.LagMs = -1240, .Chance = 0.641}, {.LagMs = 600, .Chance = 0.055}},
+              .Next = "Moon - River"};
+  return song;
 }
 
 inline platform::HistoryEvent EventRow(std::int64_t minute) {

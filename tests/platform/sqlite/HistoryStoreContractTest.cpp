@@ -21,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 using base::DateValue;
 using test::AtMinute;
+using test::CutRow;
 using test::EventRow;
 using test::PlayRow;
 using test::SongRow;
@@ -67,6 +68,33 @@ class HistoryStoreContract : public testing::TestWithParam<std::string> {
                   });
     EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
     return got.value_or(std::vector<HistoryPlay>());
+  }
+  std::vector<HistorySong> Cuts(CutSearch search) {
+    std::optional<std::vector<HistorySong>> got;
+    Store->ReadCuts(search, [&got](const base::Result& asked, const std::vector<HistorySong>& songs) {
+      EXPECT_TRUE(asked.Ok()) << asked.Cause();
+      got = songs;
+    });
+    EXPECT_FALSE(got) << "never within the call";
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    return got.value_or(std::vector<HistorySong>());
+  }
+  std::vector<HistoryLag> Lags() {
+    std::optional<std::vector<HistoryLag>> got;
+    Store->ReadLags([&got](const base::Result& asked, const std::vector<HistoryLag>& lags) {
+      EXPECT_TRUE(asked.Ok()) << asked.Cause();
+      got = lags;
+    });
+    EXPECT_FALSE(got) << "never within the call";
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    return got.value_or(std::vector<HistoryLag>());
+  }
+  /// The titles of the last cuts, in their order.
+  std::string CutTitles(std::int16_t channel, std::size_t limit) {
+    std::string titles;
+    for (const HistorySong& song : Cuts({.Channel = channel, .Limit = limit}))
+      titles += (titles.empty() ? "" : "|") + song.Title;
+    return titles;
   }
   /// The titles that a search finds, in their order.
   std::string Titles(HistorySearch search) {
@@ -261,6 +289,61 @@ TEST_P(HistoryStoreContract, ASearchCanBeNarrowed) {
   EXPECT_EQ(Titles(search), "");
   search.Text = "moon";
   EXPECT_EQ(Titles(search), "");
+}
+
+TEST_P(HistoryStoreContract, ACutComesBackAsItWas) {
+  HistoryRows rows;
+  rows.Songs = {CutRow(0, "One"), SongRow(3, "Two"), CutRow(6, "Three")};
+  HistoryCut& odd = *rows.Songs[2].Cut;
+  odd = {.Frame = 0,
+         .LagMs = 5000,
+         .Reason = std::string("\0'\xFF\n", 4),
+         .Confidence = 1,
+         .Candidates = {},
+         .Next = ""};
+  Keep(rows);
+  EXPECT_EQ(Span(AtMinute(0), AtMinute(9)).Songs, rows.Songs);
+  EXPECT_EQ(Cuts({}), (std::vector{rows.Songs[2], rows.Songs[0]})) << "one without a cut has none to show";
+}
+
+TEST_P(HistoryStoreContract, OfACutTheLikeliestCandidatesAreKeptToAThousandth) {
+  HistoryRows rows;
+  rows.Songs = {CutRow(0, "One")};
+  rows.Songs[0].Cut->Confidence = 0.12345678;
+  rows.Songs[0].Cut->Candidates = {{-4000, 0.30009}, {1, 0.2}, {2, 0.1}, {3, 0.01}, {4, 0.00001}, {5, 0}};
+  Keep(rows);
+  const std::vector<HistorySong> cuts = Cuts({});
+  ASSERT_EQ(cuts.size(), 1U);
+  EXPECT_EQ(cuts[0].Cut->Confidence, 0.123);
+  EXPECT_EQ(cuts[0].Cut->Candidates,
+            (std::vector<CutCandidate>{{-4000, 0.3}, {1, 0.2}, {2, 0.1}, {3, 0.01}, {4, 0}}));
+}
+
+TEST_P(HistoryStoreContract, TheLastCutsComeNewestEndFirst) {
+  HistoryRows rows;
+  for (const int minute : {0, 9, 3, 6})
+    rows.Songs.push_back(CutRow(minute, std::to_string(minute), static_cast<std::int16_t>(minute % 2 + 1)));
+  rows.Songs.push_back(CutRow(9, "9 too", 2));
+  Keep(rows);
+  EXPECT_EQ(CutTitles(0, 20), "9 too|9|6|3|0");
+  EXPECT_EQ(CutTitles(0, 2), "9 too|9");
+  EXPECT_EQ(CutTitles(2, 2), "9 too|9");
+  EXPECT_EQ(CutTitles(1, 20), "6|0");
+  EXPECT_EQ(CutTitles(3, 20), "");
+  EXPECT_EQ(CutTitles(0, 0), "");
+}
+
+TEST_P(HistoryStoreContract, EachChannelHasTheLagThatWasWrittenLast) {
+  HistoryRows rows;
+  rows.Lags = {{.Channel = 255, .Changed = AtMinute(0), .Model = "first"},
+               {.Channel = 1, .Changed = AtMinute(1), .Model = std::string("\0'\xFF", 3)},
+               {.Channel = 255, .Changed = AtMinute(2), .Model = "second"}};
+  Keep(rows);
+  EXPECT_EQ(Lags(), (std::vector{rows.Lags[1], rows.Lags[2]}));
+  HistoryRows later;
+  later.Lags = {{.Channel = 255, .Changed = AtMinute(-5), .Model = ""}};
+  Keep(later);
+  EXPECT_EQ(Lags(), (std::vector{rows.Lags[1], later.Lags[0]}));
 }
 
 TEST_P(HistoryStoreContract, QuestionsAreAnsweredInTheOrderOfAsking) {

@@ -20,6 +20,7 @@
 
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/sqlite/HistoryNight.h"
+#include "platform/sqlite/SqliteConnection.h"
 #include "platform/sqlite/SqliteHistoryStore.h"
 #include "support/ChildProcess.h"
 #include "support/RealEventLoop.h"
@@ -30,6 +31,7 @@ namespace {
 using namespace std::chrono_literals;
 using base::DateValue;
 using test::AtMinute;
+using test::CutRow;
 using test::EventRow;
 using test::FileMode;
 using test::FileText;
@@ -164,7 +166,7 @@ TEST_F(SqliteHistoryStoreTest, AnotherProgramReadsTheSame) {
   rows.Plays = {PlayRow(0, "Moon", "River"), PlayRow(4, "Moon", "River")};
   Write(rows);
   Store.reset();
-  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA journal_mode"), "ok\n1\nwal\n");
+  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA journal_mode"), "ok\n2\nwal\n");
   EXPECT_EQ(
       Witness(
           "SELECT datetime(began, 'unixepoch'), datetime(ended, 'unixepoch'), artist, title, fate, event, "
@@ -252,7 +254,7 @@ TEST_F(SqliteHistoryStoreTest, ARecordOfALaterVersionIsPutAsideWhole) {
   Open();
   Write(OneSong());
   Store.reset();
-  test::ChildProcess sqlite({"sqlite3", "-batch", Path, "PRAGMA user_version = 2"});
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, "PRAGMA user_version = 3"});
   ASSERT_EQ(sqlite.Wait(20s), 0);
   const std::string before = FileText(Path);
   Open();
@@ -261,6 +263,131 @@ TEST_F(SqliteHistoryStoreTest, ARecordOfALaterVersionIsPutAsideWhole) {
   EXPECT_THAT(Troubles, ElementsAre(HasSubstr("a later version of Kestrune has written it")));
   EXPECT_EQ(FileText(Path + ".later-1"), before);
   EXPECT_EQ(Span()->Songs[0].Began, AtMinute(5));
+}
+
+// As version 3.0.29 has built it, with one song.
+constexpr const char* kFirstVersion =
+    "PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL;"
+    "CREATE TABLE run (began INTEGER PRIMARY KEY, alive INTEGER NOT NULL, closed INTEGER NOT NULL);"
+    "CREATE TABLE song (began INTEGER NOT NULL, ended INTEGER NOT NULL, channel INTEGER NOT NULL, station "
+    "TEXT "
+    "NOT NULL, genre TEXT NOT NULL, artist TEXT NOT NULL, title TEXT NOT NULL, length_ms INTEGER NOT NULL, "
+    "fate "
+    "INTEGER NOT NULL, reason TEXT NOT NULL, file TEXT NOT NULL, event INTEGER NOT NULL, samples_lost "
+    "INTEGER "
+    "NOT NULL, missing_ms INTEGER NOT NULL, silent_ms INTEGER NOT NULL, overloaded_ms INTEGER NOT NULL, "
+    "line_lost_ms INTEGER NOT NULL);"
+    "CREATE INDEX song_ended ON song (ended);"
+    "CREATE TABLE event (entry INTEGER NOT NULL, due INTEGER NOT NULL, began INTEGER, planned_seconds "
+    "INTEGER "
+    "NOT NULL, channel INTEGER NOT NULL, station TEXT NOT NULL, whole_songs INTEGER NOT NULL, ended INTEGER, "
+    "kept INTEGER NOT NULL, dropped INTEGER NOT NULL, why_not TEXT NOT NULL);"
+    "CREATE UNIQUE INDEX event_name ON event (due, entry, coalesce(began, -1));"
+    "CREATE TABLE incident (began INTEGER NOT NULL, kind INTEGER NOT NULL, ended INTEGER, seconds INTEGER "
+    "NOT "
+    "NULL, cause TEXT NOT NULL, PRIMARY KEY (began, kind)) WITHOUT ROWID;"
+    "CREATE TABLE station (id INTEGER PRIMARY KEY, name TEXT NOT NULL, genre TEXT NOT NULL, UNIQUE (name, "
+    "genre));"
+    "CREATE TABLE title (id INTEGER PRIMARY KEY, artist TEXT NOT NULL, title TEXT NOT NULL, UNIQUE (artist, "
+    "title));"
+    "CREATE VIRTUAL TABLE title_text USING fts5 (artist, title, content='title', content_rowid='id', "
+    "tokenize='trigram');"
+    "CREATE TABLE play (began INTEGER NOT NULL, channel INTEGER NOT NULL, title INTEGER NOT NULL, seconds "
+    "INTEGER "
+    "NOT NULL, station INTEGER NOT NULL, PRIMARY KEY (began, channel, title)) WITHOUT ROWID;"
+    "CREATE INDEX play_title ON play (title, began);"
+    "PRAGMA application_id=1263752264; PRAGMA user_version=1;"
+    "INSERT INTO song VALUES (3057595200, 3057595380, 44, 'Harbour', 'Rock', 'Bj\xC3\xB6rn', 'One', 180000, "
+    "6, "
+    "'found in the kill list', '/music/a.mp3', 3, 12, 34, 56, 78, 90);"
+    "INSERT INTO station VALUES (5, 'Harbour', 'Rock');"
+    "INSERT INTO title VALUES (9, 'Moon', 'River');"
+    "INSERT INTO title_text (rowid, artist, title) VALUES (9, 'Moon', 'River');"
+    "INSERT INTO play VALUES (3057595200, 44, 9, 200, 5);";
+
+TEST_F(SqliteHistoryStoreTest, ARecordOfAnEarlierVersionIsTakenOver) {
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, kFirstVersion}, {}, Folder / "sqlite.txt");
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  HistoryRows rows;
+  rows.Songs = {CutRow(3, "Two")};
+  rows.Lags = {{.Channel = 44, .Changed = AtMinute(6), .Model = "learned"}};
+  Write(rows);
+  ASSERT_TRUE(Keeps(2));
+  EXPECT_EQ(Span()->Songs, (std::vector{SongRow(0, "One"), CutRow(3, "Two")}));
+  EXPECT_EQ(Plays("river").size(), 1U);
+  Open();
+  EXPECT_TRUE(Keeps(2)) << "once is enough";
+  Store.reset();
+  EXPECT_TRUE(Troubles.empty());
+  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA auto_vacuum; SELECT model FROM lag"),
+            "ok\n2\n2\nlearned\n");
+  const std::string schema = "SELECT sql FROM sqlite_schema WHERE name NOT LIKE 'title_text_%' ORDER BY sql";
+  const std::string grown = Witness(schema);
+  Path = Folder / "New.db";
+  Open();
+  Store.reset();
+  EXPECT_EQ(grown, Witness(schema)) << "it is built as a new one is";
+}
+
+TEST_F(SqliteHistoryStoreTest, ARecordOfAnEarlierVersionThatIsBuiltOtherwiseIsDamaged) {
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, std::string(kFirstVersion) + "CREATE TABLE lag (a);"},
+                            {}, Folder / "sqlite.txt");
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  ASSERT_TRUE(Keeps(0));
+  EXPECT_THAT(Troubles, ElementsAre(HasSubstr("not built as it should be")));
+}
+
+TEST_F(SqliteHistoryStoreTest, ARecordThatCannotBeTakenOverStaysAsItIsUntilItCan) {
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, kFirstVersion}, {}, Folder / "sqlite.txt");
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  {
+    SqliteConnection other(Path);
+    ASSERT_TRUE(other.Run("BEGIN IMMEDIATE"));
+    Open();
+    Write(OneSong(3));
+    ASSERT_TRUE(ComesTrue([this] { return !Troubles.empty(); }));
+    EXPECT_THAT(Troubles, ElementsAre(HasSubstr("cannot be written: database is locked")));
+    EXPECT_EQ(other.NumberOf("PRAGMA user_version"), 1);
+  }
+  Write(OneSong(6));
+  EXPECT_TRUE(Keeps(3));
+  EXPECT_EQ(Names(),
+            std::vector<std::string>({"History1.db", "History1.db-shm", "History1.db-wal", "sqlite.txt"}));
+}
+
+TEST_F(SqliteHistoryStoreTest, ACutOfRubbishIsReadAsFarAsItGoes) {
+  Open();
+  Write(OneSong());
+  Store.reset();
+  const auto cutOf = [this](const std::string& frame, const std::string& lag, const std::string& confidence,
+                            const std::string& candidates) {
+    test::ChildProcess sqlite({"sqlite3", "-batch", Path,
+                               "UPDATE song SET cut_frame=" + frame + ", cut_lag_ms=" + lag +
+                                   ", cut_reason=x'41FF', cut_confidence=" + confidence +
+                                   ", cut_candidates='" + candidates + "', cut_next=5"});
+    EXPECT_EQ(sqlite.Wait(20s), 0);
+    Open();
+    const auto span = Span();
+    Store.reset();
+    return span && span->Songs.size() == 1 ? span->Songs[0].Cut.value_or(HistoryCut()) : HistoryCut();
+  };
+  EXPECT_EQ(cutOf("'x'", "9223372036854775807", "5000", "600:431 640:210 "),
+            (HistoryCut{.Frame = 0,
+                        .LagMs = 1'000'000'000,
+                        .Reason = "A\xFF",
+                        .Confidence = 1,
+                        .Candidates = {{600, 0.431}, {640, 0.21}},
+                        .Next = "5"}));
+  EXPECT_EQ(cutOf("1", "0", "-3", "").Confidence, 0);
+  using List = std::vector<CutCandidate>;
+  EXPECT_EQ(cutOf("1", "0", "0", "600:431  640:210").Candidates, (List{{600, 0.431}}));
+  EXPECT_EQ(cutOf("1", "0", "0", "600:1001").Candidates, List());
+  EXPECT_EQ(cutOf("1", "0", "0", "600:-1").Candidates, List());
+  EXPECT_EQ(cutOf("1", "0", "0", "99999999999:5").Candidates, List());
+  EXPECT_EQ(cutOf("1", "0", "0", "600").Candidates, List());
+  EXPECT_EQ(cutOf("1", "0", "0", "1:1 2:1 3:1 4:1 5:1 6:1").Candidates.size(), 5U);
 }
 
 TEST_F(SqliteHistoryStoreTest, AnotherProgramsDatabaseIsPutAside) {
@@ -408,7 +535,10 @@ TEST_F(SqliteHistoryStoreTest, WhatWaitsIsBoundedAndPlaysGoFirst) {
   for (std::int64_t i = 0; i < most; ++i) rows.Plays.push_back(PlayRow(i, "Moon", "River"));
   Write(rows);
   for (int i = 0; i < 20; ++i) {
-    Write(OneSong(i));
+    rows = OneSong(i);
+    // Of these the last one is enough.
+    rows.Lags = {{.Channel = 7, .Changed = AtMinute(i), .Model = std::to_string(i)}};
+    Write(rows);
     Loop.Run(20ms);
   }
   std::filesystem::remove(folder);
@@ -417,8 +547,8 @@ TEST_F(SqliteHistoryStoreTest, WhatWaitsIsBoundedAndPlaysGoFirst) {
   ASSERT_TRUE(ComesTrue([this] { return Troubles.size() >= 2; }));
   EXPECT_THAT(Troubles.back(), HasSubstr("is written again; "));
   const std::vector<HistoryPlay> plays = Plays();
-  EXPECT_LE(plays.size(), SqliteHistoryStore::kMostWaiting - 20);
-  EXPECT_GE(plays.size(), SqliteHistoryStore::kMostWaiting - 21);
+  EXPECT_LE(plays.size(), SqliteHistoryStore::kMostWaiting - 21);
+  EXPECT_GE(plays.size(), SqliteHistoryStore::kMostWaiting - 22);
   EXPECT_EQ(plays.front().From, AtMinute(most - 1)) << "the oldest went";
 }
 
