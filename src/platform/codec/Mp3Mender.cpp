@@ -20,6 +20,8 @@ constexpr std::size_t kWindow = std::size_t{1} << 18;
 constexpr std::int32_t kEncoderDelay = 576;
 /// What a decoder holds back at the end, as it would wait for a further frame.
 constexpr std::int32_t kDecoderDelay = 529;
+/// Players know a frame by the next one, and take a file with a single one for no sound at all.
+constexpr std::int64_t kFewestFrames = 2;
 
 struct FrameHeader {
   MpegRate Rate;
@@ -154,7 +156,7 @@ MendedCapture MendMp3(DiskFile& file, const std::stop_token& stop) {
   if (stop.stop_requested()) return NotMended("it was broken off");
   const std::int32_t frameSamples = MpegFrameSamples(first->Rate.Version);
   const std::int64_t samples = sound.Frames() * frameSamples - kEncoderDelay - kDecoderDelay;
-  if (samples <= 0) return sound.EndsInAFrame() ? NoSound() : NoCapture();
+  if (samples <= 0 || sound.Frames() < kFewestFrames) return sound.EndsInAFrame() ? NoSound() : NoCapture();
 
   const std::string info = file.ReadAt(kInfoAt, static_cast<std::size_t>(first->Size)).value_or("");
   const auto stream = StreamOf(*first, info, sound.ConstantBitrate());

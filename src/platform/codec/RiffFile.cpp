@@ -59,16 +59,33 @@ RiffSound SoundOf(std::string_view format) {
   return sound;
 }
 
-/// Nothing if the file does not begin with a header as RiffFile writes it.
-std::optional<Facts> FactsOf(const DiskFile& file) {
+/// As the format chunk of a header of ours says; nothing if there is none.
+std::optional<RiffSound> ReadSound(const DiskFile& file) {
   const auto format = file.ReadAt(kFormatAt, kFormatBytes);
   if (!format) return std::nullopt;
-  Facts facts;
-  facts.Sound = SoundOf(*format);
-  if (facts.Sound.SampleRate == 0 || facts.Sound.BlockAlign == 0 || facts.Sound.Channels == 0 ||
-      facts.Sound.BitsPerSample == 0) {
+  const RiffSound sound = SoundOf(*format);
+  if (sound.SampleRate == 0 || sound.BlockAlign == 0 || sound.Channels == 0 || sound.BitsPerSample == 0)
     return std::nullopt;
-  }
+  return sound;
+}
+
+/// Whether the file ends before the header of an open file does that it begins with.
+bool EndsInItsHeader(const DiskFile& file) {
+  const auto sound = ReadSound(file);
+  // The front of the header is the same for all.
+  std::string header = RiffFile(sound.value_or(RiffSound())).Header(-1, -1, -1);
+  if (file.Size() >= static_cast<std::int64_t>(header.size())) return false;
+  if (!sound) header.resize(kFormatAt - 4);
+  const auto head = file.ReadAt(0, std::min(static_cast<std::size_t>(file.Size()), header.size()));
+  return head && header.starts_with(*head);
+}
+
+/// Nothing if the file does not begin with a header as RiffFile writes it.
+std::optional<Facts> FactsOf(const DiskFile& file) {
+  const auto sound = ReadSound(file);
+  if (!sound) return std::nullopt;
+  Facts facts;
+  facts.Sound = *sound;
   const RiffFile riff(facts.Sound);
   const std::string open = riff.Header(-1, -1, -1);
   const auto header = file.ReadAt(0, open.size());
@@ -214,11 +231,7 @@ bool RiffFile::Finish(std::int64_t frames) {
 }
 
 MendedCapture MendRiff(DiskFile& file, const std::stop_token& /*stop*/) {
-  const std::string start = RiffFile(RiffSound()).Header(-1, -1, -1);
-  if (file.Size() < static_cast<std::int64_t>(start.size())) {
-    const auto head = file.ReadAt(0, std::min(static_cast<std::size_t>(file.Size()), kFormatAt - 4));
-    return head && start.starts_with(*head) ? NoSound() : NoCapture();
-  }
+  if (EndsInItsHeader(file)) return NoSound();
   const auto facts = FactsOf(file);
   if (!facts) return NoCapture();
   const std::int64_t room = file.Size() - facts->HeaderBytes;
