@@ -25,7 +25,7 @@ class Timer {
   [[nodiscard]] virtual bool Enabled() const = 0;
 };
 
-/// The port through which all time passes: both clocks, all waiting and all timers. One thread uses it.
+/// The port through which all time passes: the clocks, all waiting and all timers. One thread uses it.
 ///
 /// 1. Handlers run only inside PumpEvents (or the program's own outer loop), never inside Sleep.
 /// 2. PumpEvents serves what is due at the time of the call and returns; it may be called from within a handler,
@@ -46,8 +46,13 @@ class EventLoop {
   }
   /// Time since local midnight, for trace lines.
   [[nodiscard]] virtual std::chrono::milliseconds TimeOfDay() const = 0;
-  /// Time since some fixed moment; intervals are measured with it.
+  /// Time since some fixed moment; intervals are measured with it. It may stand still while the machine sleeps.
   [[nodiscard]] virtual std::chrono::milliseconds SteadyNow() const = 0;
+  /// Time since some fixed moment, the machine's sleep included.
+  [[nodiscard]] virtual std::chrono::milliseconds BootNow() const = 0;
+  /// What the wall clock would show in universal time, since some fixed moment: it follows each setting of the clock,
+  /// and neither summer time nor a change of the time zone.
+  [[nodiscard]] virtual std::chrono::milliseconds UniversalNow() const = 0;
 
   /// Blocks; serves nothing.
   virtual void Sleep(std::chrono::milliseconds duration) = 0;

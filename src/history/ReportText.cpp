@@ -113,8 +113,7 @@ std::string EventText(const EventStory& event) {
 std::string IncidentText(const HistoryIncident& incident) {
   const std::string end = incident.Ended ? "to " + Time(*incident.Ended) : "and still";
   return fmt::format("  {} {:<11}  {:>7}  {}: {}\n", base::FormatDate(incident.Began, "ddd, mmm d, hh:nn:ss"),
-                     end, incident.Ended ? LengthText(incident.Seconds) : "", KindText(incident.Kind),
-                     base::OneLine(incident.Cause));
+                     end, IncidentLength(incident), KindText(incident.Kind), base::OneLine(incident.Cause));
 }
 
 std::string Summary(const Report& report) {
@@ -137,6 +136,11 @@ std::string Summary(const Report& report) {
 std::string LengthText(std::int64_t seconds) {
   if (seconds < 3600) return base::SixtiesText(seconds);
   return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+std::string IncidentLength(const HistoryIncident& incident) {
+  if (!incident.Ended || incident.Kind == platform::IncidentKind::ClockStep) return {};
+  return LengthText(incident.Seconds);
 }
 
 std::string ReportText(const Report& report) {

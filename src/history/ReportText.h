@@ -4,6 +4,7 @@
 #include <string>
 
 #include "history/Report.h"
+#include "platform/HistoryRows.h"
 
 namespace kestrune::history {
 
@@ -13,5 +14,8 @@ namespace kestrune::history {
 
 /// 75 seconds are "1:15", 3675 are "1:01:15".
 [[nodiscard]] std::string LengthText(std::int64_t seconds);
+
+/// How long it lasted, as LengthText has it; empty while it lasts, and for a step of the clock, which takes no time.
+[[nodiscard]] std::string IncidentLength(const platform::HistoryIncident& incident);
 
 }  // namespace kestrune::history

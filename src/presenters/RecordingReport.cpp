@@ -73,7 +73,7 @@ void AddIncidents(const history::Report& report, std::vector<ReportLine>& story)
   story.push_back(Heading("What went wrong", true));
   for (const platform::HistoryIncident& incident : report.Incidents) {
     story.push_back({.Time = Time(incident.Began),
-                     .Length = incident.Ended ? history::LengthText(incident.Seconds) : "lasts",
+                     .Length = incident.Ended ? history::IncidentLength(incident) : "lasts",
                      .Text = base::OneLine(incident.Cause),
                      .Note = std::string(history::KindText(incident.Kind)),
                      .Problem = true});

@@ -41,6 +41,12 @@ class Chronicle {
   /// What the watch has noticed of radio, sound and disk. Cheap; to be called often.
   void Follow(const WatchState& watch);
 
+  /// Something that was over when it was noticed; see history::History::IncidentHappened.
+  void Happened(platform::IncidentKind kind, base::DateValue from, base::DateValue to,
+                std::chrono::seconds lasted, std::string_view cause) {
+    history_.IncidentHappened(kind, from, to, lasted, cause);
+  }
+
   /// A channel info reply has come.
   void Heard(const radio::ChannelInfo& info);
 

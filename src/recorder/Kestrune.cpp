@@ -68,6 +68,7 @@ Kestrune::Kestrune(const Outside& outside)
       stayAwake_(state_, outside.SleepInhibitor, outside.Loop),
       soundWatch_(state_, sound_.Audio, sound_.Meter, outside.Loop, log_),
       diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_),
+      clockWatch_(state_, chronicle_, outside.Loop, log_),
       recovery_(state_, outside.CaptureMender, outside.Files, sound_.SongFiles, log_) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;

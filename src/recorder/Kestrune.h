@@ -19,6 +19,7 @@
 #include "recorder/CaptureWatch.h"
 #include "recorder/Chronicle.h"
 #include "recorder/Clock.h"
+#include "recorder/ClockWatch.h"
 #include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
 #include "recorder/LinkWatch.h"
@@ -201,6 +202,7 @@ class Kestrune final : private radio::ChannelEvents {
   StayAwake stayAwake_;
   SoundWatch soundWatch_;
   DiskWatch diskWatch_;
+  ClockWatch clockWatch_;
   Recovery recovery_;
 };
 

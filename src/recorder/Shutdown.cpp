@@ -25,6 +25,7 @@ void Kestrune::CloseFirstPass() {
   stayAwake_.Stop();
   soundWatch_.Stop();
   diskWatch_.Stop();
+  clockWatch_.Stop();
   recovery_.Stop();
   sound_.Capture.RecordStop(0);
   sound_.Capture.RecordStop(1);

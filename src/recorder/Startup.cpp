@@ -79,6 +79,7 @@ StartOutcome Kestrune::LoadSteps() {
   stayAwake_.Start();
   soundWatch_.Start();
   diskWatch_.Start();
+  clockWatch_.Start();
   CheckTemporarySpace();
   return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }

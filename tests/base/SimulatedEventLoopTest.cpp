@@ -399,6 +399,27 @@ TEST(SimulatedEventLoop, RunWithNothingToDoStillMovesTime) {
   EXPECT_EQ(loop.Now(), DateValue::FromCivil(2005, 1, 2, 12));
 }
 
+TEST(SimulatedEventLoop, ASleepOfTheMachineStopsTheSteadyClockAlone) {
+  SimulatedEventLoop loop;
+  loop.Run(Ms(1000));
+  loop.SleepMachine(Ms(3600000));
+  EXPECT_EQ(loop.SteadyNow(), Ms(1000));
+  EXPECT_EQ(loop.BootNow(), Ms(3601000));
+  EXPECT_EQ(loop.UniversalNow(), Ms(3601000));
+  EXPECT_EQ(loop.Now(), DateValue::FromCivil(2005, 1, 1, 13, 0, 1));
+}
+
+TEST(SimulatedEventLoop, UniversalTimeFollowsASetClockAndNotSummerTime) {
+  SimulatedEventLoop loop;
+  loop.StepWallClockAt(DateValue::FromCivil(2005, 1, 1, 12, 0, 1), std::chrono::hours(1));
+  loop.Run(Ms(2000));
+  EXPECT_EQ(loop.Now(), DateValue::FromCivil(2005, 1, 1, 13, 0, 2));
+  EXPECT_EQ(loop.UniversalNow(), Ms(2000));
+  loop.StepWallClock(Ms(-60000));
+  EXPECT_EQ(loop.UniversalNow(), Ms(-58000));
+  EXPECT_EQ(loop.BootNow(), Ms(2000));
+}
+
 TEST(SimulatedEventLoop, TwoRunsWithTheSameCallsAreTheSame) {
   const auto run = [] {
     SimulatedEventLoop loop;

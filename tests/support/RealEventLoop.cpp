@@ -21,6 +21,10 @@ RealEventLoop::Duration RealEventLoop::SteadyNow() const {
   return std::chrono::floor<Duration>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
+RealEventLoop::Duration RealEventLoop::UniversalNow() const {
+  return std::chrono::floor<Duration>(std::chrono::system_clock::now().time_since_epoch());
+}
+
 void RealEventLoop::Sleep(Duration duration) {
   std::this_thread::sleep_for(duration);
 }

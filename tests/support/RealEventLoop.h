@@ -18,6 +18,8 @@ class RealEventLoop final : public base::EventLoop {
   [[nodiscard]] base::DateValue Now() const override;
   [[nodiscard]] Duration TimeOfDay() const override;
   [[nodiscard]] Duration SteadyNow() const override;
+  [[nodiscard]] Duration BootNow() const override { return SteadyNow(); }
+  [[nodiscard]] Duration UniversalNow() const override;
   void Sleep(Duration duration) override;
   void PumpEvents() override;
   [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }

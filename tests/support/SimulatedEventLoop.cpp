@@ -25,7 +25,7 @@ void SimulatedEventLoop::StepWallClockAt(base::DateValue wall, std::chrono::seco
   const Duration delay = std::chrono::seconds(wall.Seconds()) - (now_ + wallOffset_);
   const auto step = stepsToCome_.emplace(now_ + delay, by);
   AtHardware(delay, [this, step] {
-    StepWallClock(step->second);
+    wallOffset_ += step->second;
     stepsToCome_.erase(step);
   });
 }

@@ -32,16 +32,29 @@ class SimulatedEventLoop final : public base::EventLoop {
   [[nodiscard]] base::DateValue WallAfter(std::chrono::seconds time) const override;
   [[nodiscard]] Duration TimeOfDay() const override;
   [[nodiscard]] Duration SteadyNow() const override { return now_; }
+  [[nodiscard]] Duration BootNow() const override { return now_ + slept_; }
+  [[nodiscard]] Duration UniversalNow() const override { return now_ + universalOffset_; }
   void Sleep(Duration duration) override;
   void PumpEvents() override;
   [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }
   [[nodiscard]] std::unique_ptr<base::Timer> MakeTimer(Duration interval,
                                                        std::function<void()> handler) override;
 
-  /// Sets the wall clock without touching the steady one.
-  void StepWallClock(Duration by) { wallOffset_ += by; }
+  /// Sets the wall clock without touching the others.
+  void StepWallClock(Duration by) {
+    wallOffset_ += by;
+    universalOffset_ += by;
+  }
 
-  /// The wall clock steps by itself when it shows `wall`, as to summer time, and WallAfter knows that beforehand.
+  /// The machine has slept for so long: nothing ran, and the steady clock stood still. What is outside has not moved
+  /// on either.
+  void SleepMachine(Duration time) {
+    slept_ += time;
+    StepWallClock(time);
+  }
+
+  /// The wall clock steps by itself when it shows `wall`, as to summer time: WallAfter knows that beforehand, and
+  /// universal time goes on.
   void StepWallClockAt(base::DateValue wall, std::chrono::seconds by);
 
   /// Something outside the program happens after the delay, even while the program sleeps.
@@ -70,6 +83,8 @@ class SimulatedEventLoop final : public base::EventLoop {
 
   Duration now_{0};
   Duration wallOffset_;
+  Duration universalOffset_{0};
+  Duration slept_{0};
   std::multimap<Duration, Duration> stepsToCome_;
   std::uint64_t order_ = 0;
   std::uint64_t handlersRun_ = 0;

@@ -11,6 +11,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include <time.h>
+
 namespace kestrune::platform {
 namespace {
 
@@ -163,6 +165,17 @@ milliseconds QtEventLoop::TimeOfDay() const {
 
 milliseconds QtEventLoop::SteadyNow() const {
   return std::chrono::floor<milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+milliseconds QtEventLoop::BootNow() const {
+  timespec now{};
+  ::clock_gettime(CLOCK_BOOTTIME, &now);
+  return std::chrono::floor<milliseconds>(std::chrono::seconds(now.tv_sec) +
+                                          std::chrono::nanoseconds(now.tv_nsec));
+}
+
+milliseconds QtEventLoop::UniversalNow() const {
+  return std::chrono::floor<milliseconds>(std::chrono::system_clock::now().time_since_epoch());
 }
 
 void QtEventLoop::Sleep(milliseconds duration) {

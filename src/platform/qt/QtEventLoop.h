@@ -28,6 +28,8 @@ class QtEventLoop final : public base::EventLoop {
   [[nodiscard]] base::DateValue WallAfter(std::chrono::seconds time) const override;
   [[nodiscard]] std::chrono::milliseconds TimeOfDay() const override;
   [[nodiscard]] std::chrono::milliseconds SteadyNow() const override;
+  [[nodiscard]] std::chrono::milliseconds BootNow() const override;
+  [[nodiscard]] std::chrono::milliseconds UniversalNow() const override;
   void Sleep(std::chrono::milliseconds duration) override;
   void PumpEvents() override;
   [[nodiscard]] bool Pumping() const override { return pumps_ > 0; }

@@ -320,6 +320,19 @@ TYPED_TEST(EventLoopContract, TheSteadyClockNeverGoesBack) {
   }
 }
 
+TYPED_TEST(EventLoopContract, BootTimeAndUniversalTimeGoOnLikeTheSteadyClock) {
+  base::EventLoop& loop = this->Under.Loop;
+  const auto steady = loop.SteadyNow();
+  const auto boot = loop.BootNow();
+  const auto universal = loop.UniversalNow();
+  loop.Sleep(milliseconds(50));
+  const auto passed = loop.SteadyNow() - steady;
+  EXPECT_LE(std::chrono::abs(loop.BootNow() - boot - passed), milliseconds(1000));
+  EXPECT_GE(loop.BootNow() - boot, milliseconds(49));
+  EXPECT_LE(std::chrono::abs(loop.UniversalNow() - universal - passed), milliseconds(1000));
+  EXPECT_GE(loop.UniversalNow() - universal, milliseconds(49));
+}
+
 TYPED_TEST(EventLoopContract, TheTimeOfDayAgreesWithTheWallClock) {
   const auto before = this->Loop().Now();
   const milliseconds timeOfDay = this->Loop().TimeOfDay();
