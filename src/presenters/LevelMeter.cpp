@@ -5,6 +5,8 @@
 #include <complex>
 #include <numbers>
 
+#include <kissfft/kissfft.hh>
+
 namespace kestrune::presenters {
 namespace {
 
@@ -18,31 +20,6 @@ constexpr double kLowestBand = 50;  // Hz
 float Height(float amplitude) {
   if (amplitude <= 0) return 0;
   return std::clamp(1 - 20 * std::log10(amplitude) / LevelMeter::kFloorDecibels, 0.0F, 1.0F);
-}
-
-/// The Fourier transform, in place; the size must be a power of two.
-void Transform(std::span<std::complex<float>> values) {
-  const std::size_t size = values.size();
-  for (std::size_t i = 1, j = 0; i < size; ++i) {
-    std::size_t bit = size >> 1U;
-    for (; (j & bit) != 0; bit >>= 1U) j ^= bit;
-    j ^= bit;
-    if (i < j) std::swap(values[i], values[j]);
-  }
-  for (std::size_t length = 2; length <= size; length <<= 1U) {
-    const float angle = -2 * std::numbers::pi_v<float> / static_cast<float>(length);
-    const std::complex<float> turn(std::cos(angle), std::sin(angle));
-    for (std::size_t start = 0; start < size; start += length) {
-      std::complex<float> factor(1);
-      for (std::size_t i = 0; i < length / 2; ++i) {
-        const std::complex<float> even = values[start + i];
-        const std::complex<float> odd = values[start + i + length / 2] * factor;
-        values[start + i] = even + odd;
-        values[start + i + length / 2] = even - odd;
-        factor *= turn;
-      }
-    }
-  }
 }
 
 }  // namespace
@@ -121,7 +98,9 @@ void LevelMeter::DrawBands(std::span<const std::int16_t> samples, std::int32_t r
     const float hann = 0.5F - 0.5F * std::cos(2 * std::numbers::pi_v<float> * place);
     values.at(i) = sum / static_cast<float>(channelCount_) / kFullScale * hann;
   }
-  Transform(values);
+  static const kissfft<float> kTransform(kWindow, false);
+  std::array<std::complex<float>, kWindow> spectrum;
+  kTransform.transform(values.data(), spectrum.data());
   const double highest = std::min(16000.0, rate * 0.45);
   const double step = std::pow(std::max(highest / kLowestBand, 2.0), 1.0 / static_cast<double>(kBands));
   const auto bin = [rate](double hertz) {
@@ -133,7 +112,7 @@ void LevelMeter::DrawBands(std::span<const std::int16_t> samples, std::int32_t r
     const double to = from * step;
     float strongest = 0;
     for (std::size_t i = bin(from); i <= std::max(bin(from), bin(to) - 1); ++i) {
-      strongest = std::max(strongest, std::abs(values.at(i)));
+      strongest = std::max(strongest, std::abs(spectrum.at(i)));
     }
     // A sine of full scale yields a quarter of the window's length in its bin.
     const float height = Height(strongest * 4 / static_cast<float>(kWindow));
