@@ -1,6 +1,5 @@
 #include "recorder/Clock.h"
 
-#include "base/Ignored.h"
 #include "base/Text.h"
 
 namespace kestrune::recorder {
@@ -17,9 +16,9 @@ std::string LookupText(std::string_view name) {
 
 }  // namespace
 
-Clock::Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioSession& session,
+Clock::Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioLink& link,
              base::EventLoop& loop)
-    : state_(state), modes_(state), restrictions_(restrictions), session_(session), loop_(loop) {}
+    : state_(state), modes_(state), restrictions_(restrictions), link_(link), loop_(loop) {}
 
 void Clock::Tick() {
   const RecordingState& recording = state_.Recording;
@@ -36,7 +35,7 @@ void Clock::Tick() {
     state_.Clock.SecondsLeft = base::TimeUntil(loop_, event.RemainingUntil).count();
   }
   signalTick_ = (signalTick_ + 1) % kTicksPerSignalPoll;
-  if (signalTick_ == 0) base::Ignored(session_.pcrGetSignalLevels());
+  if (signalTick_ == 0) link_.AskForSignal();
 }
 
 void Clock::Blink() {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/EventLoop.h"
-#include "radio/line/RadioSession.h"
+#include "radio/line/RadioLink.h"
 #include "recorder/Modes.h"
 #include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
@@ -13,7 +13,7 @@ namespace kestrune::recorder {
 class Clock {
  public:
   /// All must outlive the object.
-  Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioSession& session,
+  Clock(State& state, const schedule::Restrictions& restrictions, radio::RadioLink& link,
         base::EventLoop& loop);
 
   void Tick();
@@ -25,7 +25,7 @@ class Clock {
   State& state_;
   Modes modes_;
   const schedule::Restrictions& restrictions_;
-  radio::RadioSession& session_;
+  radio::RadioLink& link_;
   base::EventLoop& loop_;
 
   int blinkTick_ = 0;

@@ -39,7 +39,7 @@ Kestrune::Kestrune(const Outside& outside)
               .Announcer = announcer_,
               .Chronicle = chronicle_},
              log_),
-      commands_(state_, announcer_, radio_.Session, outside.Loop, *tmrUpdate_),
+      commands_(state_, announcer_, radio_.Link, outside.Loop, *tmrUpdate_),
       settingsDoor_({.Settings = state_.Settings,
                      .Section = section_,
                      .Environment = outside.Environment,
@@ -48,7 +48,7 @@ Kestrune::Kestrune(const Outside& outside)
                     {.StopRecording = [this] { commands_.StopRecording(); },
                      .PrepareFormat = [this] { sound_.FileSpecs.SetFileSpecs(-1); },
                      .DeviceChanged = [this] { InputDeviceChanged(); }}),
-      linkWatch_(state_, {.Session = radio_.Session,
+      linkWatch_(state_, {.Link = radio_.Link,
                           .Channels = radio_.Channels,
                           .Settings = settingsDoor_,
                           .Loop = outside.Loop,
@@ -63,7 +63,7 @@ Kestrune::Kestrune(const Outside& outside)
                     .Announcer = announcer_,
                     .CaptureWatch = captureWatch_},
                    outside.Loop, *tmrUpdate_),
-      clock_(state_, restrictions_, radio_.Session, outside.Loop),
+      clock_(state_, restrictions_, radio_.Link, outside.Loop),
       update_(outside, state_.Run, commands_, boxes_, [this] { wishes_.Close(); }),
       stayAwake_(state_, outside.SleepInhibitor, outside.Loop),
       soundWatch_(state_, sound_.Audio, sound_.Meter, outside.Loop, log_),
@@ -73,14 +73,14 @@ Kestrune::Kestrune(const Outside& outside)
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
   outside_.HistoryStore.SetTroubleHandler([this](const std::string& line) { log_.DoLog(line); });
-  radio_.Session.pcrChannelInfoReceived = [this](const radio::ChannelInfo& info) {
+  radio_.Link.SetChannelInfoHandler([this](const radio::ChannelInfo& info) {
     chronicle_.Heard(info);
     radio_.Channels.pcrChannelInfoReceived(info);
-  };
-  radio_.Session.pcrSignalReceived = [this](std::int16_t satellite1, std::int16_t satellite2,
-                                            std::int16_t terrestrial) {
-    announcer_.pcrSignalReceived(satellite1, satellite2, terrestrial);
-  };
+  });
+  radio_.Link.SetSignalHandler(
+      [this](std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial) {
+        announcer_.pcrSignalReceived(satellite1, satellite2, terrestrial);
+      });
   // A pass may tune, and a wish whose wait let this tick in may be tuning: the next pass is early enough.
   updateCycle_.SetSchedulePass([this] {
     if (!door_.Serving()) schedulePass_.Run();
@@ -127,7 +127,7 @@ bool Kestrune::SetMute(bool on) {
     return false;
   }
   state_.Recording.Muted = on;
-  base::Ignored(radio_.Session.pcrMute(on));
+  base::Ignored(radio_.Link.Mute(on));
   return true;
 }
 

@@ -13,7 +13,7 @@
 #include "config/settings/SettingsSection.h"
 #include "history/History.h"
 #include "radio/channels/Channels.h"
-#include "radio/line/BringUp.h"
+#include "radio/line/RadioSearch.h"
 #include "recorder/Announcer.h"
 #include "recorder/Boxes.h"
 #include "recorder/CaptureWatch.h"
@@ -109,7 +109,7 @@ class Kestrune final : private radio::ChannelEvents {
   /// the running entry takes effect at the next schedule pass, within 4 seconds.
   void ReloadSchedule();
   /// The radio's identifier, asked for if it is not known yet, for 1.5 s at most; may be empty.
-  [[nodiscard]] std::string pcrRadioID() { return radio_.Session.pcrRadioID(); }
+  [[nodiscard]] std::string pcrRadioID() { return radio_.Link.RadioID(); }
   /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
   [[nodiscard]] std::string InputDeviceId();
   /// Asks the maker's server for a newer version, and the user what to do about it; returns at once.
@@ -143,7 +143,6 @@ class Kestrune final : private radio::ChannelEvents {
   void CloseFirstPass();
   void DeleteLeftovers();
   void tmrQuit_Timer();
-  void DrainPort();
   void SaveAtExit();
   void CloseSecondPass();
 

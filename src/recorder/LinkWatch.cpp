@@ -20,14 +20,11 @@ constexpr std::int16_t kSettleTicks = 4;
 }  // namespace
 
 LinkWatch::LinkWatch(recorder::State& state, const Parts& parts)
-    : state_(state),
-      parts_(parts),
-      link_(parts.Session, parts.Loop, state.Run, parts.Journal, *this),
-      tmrReturn_(parts.Loop.MakeTimer(kLook, [this] { Look(); })) {}
+    : state_(state), parts_(parts), tmrReturn_(parts.Loop.MakeTimer(kLook, [this] { Look(); })) {}
 
 void LinkWatch::Stop() {
   tmrReturn_->SetEnabled(false);
-  link_.Stop();
+  parts_.Link.StopWatch();
 }
 
 radio::LinkOrders LinkWatch::Orders() const {

@@ -11,7 +11,6 @@
 #include "radio/channels/Channels.h"
 #include "radio/line/LinkOwner.h"
 #include "radio/line/RadioLink.h"
-#include "radio/line/RadioSession.h"
 #include "recorder/State.h"
 
 namespace kestrune::recorder {
@@ -23,7 +22,7 @@ class LinkWatch final : private radio::LinkOwner {
  public:
   /// What the watch works on. All must outlive the object.
   struct Parts {
-    radio::RadioSession& Session;
+    radio::RadioLink& Link;
     radio::Channels& Channels;
     config::SettingsDoor& Settings;
     base::EventLoop& Loop;
@@ -33,12 +32,12 @@ class LinkWatch final : private radio::LinkOwner {
   LinkWatch(recorder::State& state, const Parts& parts);
 
   /// The watch begins; call it at the end of the start.
-  void Start() { link_.Start(); }
+  void Start() { parts_.Link.StartWatch(*this); }
   /// It ends, before the radio is switched off.
   void Stop();
 
   /// Why the radio cannot be reached now, fit for a refusal.
-  [[nodiscard]] base::Result Ready() const { return link_.Ready(); }
+  [[nodiscard]] base::Result Ready() const { return parts_.Link.Ready(); }
 
  private:
   /// What is still to be done after a return, one step after the other.
@@ -56,7 +55,6 @@ class LinkWatch final : private radio::LinkOwner {
 
   recorder::State& state_;
   Parts parts_;
-  radio::RadioLink link_;
   std::unique_ptr<base::Timer> tmrReturn_;
   Step step_ = Step::Nothing;
   std::int16_t slot_ = 0;  // that the new file follows

@@ -4,14 +4,9 @@
 
 namespace kestrune::recorder {
 
-RecordCommands::RecordCommands(State& state, Announcer& announcer, radio::RadioSession& session,
+RecordCommands::RecordCommands(State& state, Announcer& announcer, radio::RadioLink& link,
                                base::EventLoop& loop, base::Timer& tmrUpdate)
-    : state_(state),
-      modes_(state),
-      announcer_(announcer),
-      session_(session),
-      loop_(loop),
-      tmrUpdate_(tmrUpdate) {}
+    : state_(state), modes_(state), announcer_(announcer), link_(link), loop_(loop), tmrUpdate_(tmrUpdate) {}
 
 void RecordCommands::cmdRecord() {
   RecordingState& recording = state_.Recording;
@@ -47,7 +42,7 @@ void RecordCommands::cmdRecord() {
   recording.StopPending = false;
   if (recording.Muted) {
     recording.Muted = false;
-    base::Ignored(session_.pcrMute(false));
+    base::Ignored(link_.Mute(false));
   }
   tmrUpdate_.SetEnabled(true);
 }

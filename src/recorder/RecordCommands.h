@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/EventLoop.h"
-#include "radio/line/RadioSession.h"
+#include "radio/line/RadioLink.h"
 #include "recorder/Announcer.h"
 #include "recorder/Modes.h"
 #include "recorder/State.h"
@@ -13,7 +13,7 @@ namespace kestrune::recorder {
 class RecordCommands {
  public:
   /// All must outlive the object.
-  RecordCommands(State& state, Announcer& announcer, radio::RadioSession& session, base::EventLoop& loop,
+  RecordCommands(State& state, Announcer& announcer, radio::RadioLink& link, base::EventLoop& loop,
                  base::Timer& tmrUpdate);
 
   void cmdRecord();
@@ -30,7 +30,7 @@ class RecordCommands {
   State& state_;
   Modes modes_;
   Announcer& announcer_;
-  radio::RadioSession& session_;
+  radio::RadioLink& link_;
   base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
 };

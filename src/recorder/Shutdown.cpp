@@ -37,10 +37,7 @@ void Kestrune::CloseFirstPass() {
   state_.Run.ShuttingDown = true;
   outside_.Windows.HideAll();
   linkWatch_.Stop();
-  if (!state_.Settings.RadioOnAtExit && state_.Link.Up()) {
-    base::Ignored(radio_.Session.pcrMute(true));
-    base::Ignored(radio_.Session.pcrPowerOff());
-  }
+  if (!state_.Settings.RadioOnAtExit) radio_.Link.SwitchOff();
   tmrQuit_->SetEnabled(true);
   sound_.Audio.Release();
 }
@@ -74,17 +71,11 @@ void Kestrune::tmrQuit_Timer() {
   log_.DoLog("Shutting Down");
   chronicle_.Close(state_.Recording);
   tmrUpdate_->SetEnabled(false);
-  DrainPort();
+  radio_.Link.Close();
   tmrUpdate_->SetEnabled(false);
   outside_.Windows.UnloadChannelsAndLog();
   SaveAtExit();
   CloseSecondPass();
-}
-
-void Kestrune::DrainPort() {
-  if (!radio_.Session.pcrPortOpen()) return;
-  radio_.Session.DrainInput();
-  radio_.Session.SetPortOpen(false);
 }
 
 void Kestrune::SaveAtExit() {

@@ -52,14 +52,14 @@ StartOutcome Kestrune::LoadSteps() {
   tmrUpdate_->SetEnabled(true);
 
   const radio::RadioSearch search =
-      radio_.BringUp.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
+      radio_.Link.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!search.Found()) return ReportNoRadio(search);
   history_.Begin();
   ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);
-  base::Ignored(radio_.Session.pcrGetSignalLevels());
+  radio_.Link.AskForSignal();
   outside_.Windows.ClosePleaseWait();
   outside_.Windows.ShowMainWindowDisabled();
   outside_.Loop.PumpEvents();
@@ -180,15 +180,15 @@ void Kestrune::ReadRadioID(std::int16_t port) {
   outside_.Windows.ShowPort(state_.Settings.PortNum);
   log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();
-  state_.Radio.RadioID = radio_.BringUp.ReadRadioID();
+  state_.Radio.RadioID = radio_.Link.ReadRadioID();
   log_.DoLog("Radio ID " + state_.Radio.RadioID);
 }
 
 void Kestrune::TuneStoredChannel() {
   // A radio that confirms nothing may have obeyed all the same.
-  base::Ignored(radio_.BringUp.Tune(state_.Radio.ChannelNumber));
+  base::Ignored(radio_.Link.Tune(state_.Radio.ChannelNumber));
   state_.Recording.SongBoundarySeen = false;
-  radio_.BringUp.Settle([this] { outside_.Windows.ShowMainWindowDisabled(); });
+  radio_.Link.Settle([this] { outside_.Windows.ShowMainWindowDisabled(); });
 }
 
 bool Kestrune::FirstRun() {

@@ -10,7 +10,7 @@
 
 #include "radio/channels/Channels.h"
 #include "radio/line/FrameReader.h"
-#include "radio/line/RadioSession.h"
+#include "radio/line/OpenLink.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingJournal.h"
 #include "support/ScriptedSerialPort.h"
@@ -106,9 +106,10 @@ void RunProgram(const std::vector<std::string_view>& pieces) {
   kestrune::base::RunState run;
   kestrune::radio::RadioState state;
   NoEvents events;
-  kestrune::radio::RadioSession session(port, loop, run, journal);
+  kestrune::test::OpenLink link(port, loop, run, journal);
+  kestrune::radio::RadioSession& session = link.SessionForTests();
   kestrune::radio::Channels channels(
-      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, events);
+      state, run, {.Link = link, .Files = files, .Loop = loop, .Journal = journal}, events);
   session.pcrChannelInfoReceived = [&](const kestrune::radio::ChannelInfo& info) {
     channels.pcrChannelInfoReceived(info);
   };

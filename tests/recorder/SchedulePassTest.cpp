@@ -91,12 +91,12 @@ class SchedulePassTest : public ::testing::Test, private radio::ChannelEvents {
   schedule::ScheduleEntries& entries = all.Entries;
   config::Settings& settings = all.Settings;
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(milliseconds(200), [] {});
-  radio::RadioSession session{port, loop, run, journal};
+  radio::RadioLink link{port, loop, run, journal};
   radio::Channels channels{
-      radio, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, *this};
+      radio, run, {.Link = link, .Files = files, .Loop = loop, .Journal = journal}, *this};
   recorder::Modes modes{all};
   recorder::Announcer announcer{all, journal};
-  recorder::RecordCommands commands{all, announcer, session, loop, *tmrUpdate};
+  recorder::RecordCommands commands{all, announcer, link, loop, *tmrUpdate};
   test::FakeHistoryStore store{loop};
   history::History history{store, loop};
   recorder::Chronicle chronicle{history, loop};

@@ -29,7 +29,7 @@ constexpr auto kLostReply = 2s;
 Channels::Channels(RadioState& state, base::RunState& run, const Parts& parts, ChannelEvents& events)
     : state_(state),
       run_(run),
-      session_(parts.Session),
+      link_(parts.Link),
       loop_(parts.Loop),
       journal_(parts.Journal),
       events_(events),
@@ -78,7 +78,7 @@ void Channels::StartWalk() {
   run_.FormLoading = false;
   state_.ChannelsLoading = true;
   state_.EnumPass = 1;
-  session_.pcrEnumerateChannels(0);
+  link_.AskForChannelAfter(0);
 }
 
 void Channels::RepeatWalk() {
@@ -89,26 +89,27 @@ void Channels::RepeatWalk() {
 
 void Channels::RequestChannelInfo() {
   if (run_.FormLoading || run_.ShuttingDown) return;
-  if (session_.pcrWaitingForResponse() && loop_.SteadyNow() - state_.LastInfoRequest < kLostReply) return;
+  if (link_.Session().pcrWaitingForResponse() && loop_.SteadyNow() - state_.LastInfoRequest < kLostReply)
+    return;
   loop_.PumpEvents();
   stepAsked_ = false;
   if (state_.ChannelsLoading) {
     Trace("InitEnum ", state_.EnumCursor);
-    session_.pcrEnumerateChannels(state_.EnumCursor);
+    link_.AskForChannelAfter(state_.EnumCursor);
   } else if (state_.PollTunedNext) {
     state_.PollTunedNext = false;
     Trace("", state_.ChannelNumber);
-    session_.pcrGetChannelInfo(state_.ChannelNumber);
+    link_.AskForChannel(state_.ChannelNumber);
   } else if (walkingAgain_) {
     state_.PollTunedNext = stepAsked_ = true;
     Trace("EnumAgain ", walkCursor_);
-    session_.pcrEnumerateChannels(walkCursor_);
+    link_.AskForChannelAfter(walkCursor_);
   } else {
     state_.PollTunedNext = true;
     ++state_.EnumCursor;
     if (state_.EnumCursor > table_.ChannelCount()) state_.EnumCursor = 1;
     Trace("Enum ", state_.EnumCursor);
-    session_.pcrGetChannelInfo(table_.At(state_.EnumCursor).Number);
+    link_.AskForChannel(table_.At(state_.EnumCursor).Number);
   }
   state_.LastInfoRequest = loop_.SteadyNow();
 }
@@ -164,7 +165,7 @@ bool Channels::WalkOn(std::int16_t channel) {
   if (state_.EnumPass == kWalkEnds) {
     FinishWalk();
   } else {
-    session_.pcrEnumerateChannels(0);
+    link_.AskForChannelAfter(0);
   }
   return true;
 }
@@ -261,7 +262,7 @@ void Channels::SetChannelNumber(std::int16_t number) {
   events_.ShowBareTitle();
   loop_.PumpEvents();
   state_.ChannelChanged = true;
-  base::Ignored(session_.pcrSelectChannel(number));
+  base::Ignored(link_.SelectChannel(number));
   events_.ChannelTuned();
   grid_.IgnoreMove = true;
   grid_.Select(grid_.FindRow(number));
@@ -274,18 +275,19 @@ const ChannelEntry* Channels::TunedRow() const {
 }
 
 void Channels::CopyRadioText() {
-  const std::int16_t channel = session_.pcrChannel();
+  const RadioSession& session = link_.Session();
+  const std::int16_t channel = session.pcrChannel();
   ChannelEntry* entry = table_.Find(table_.ChannelIndex(channel));
   if (entry == nullptr) return;
-  entry->Artist = session_.pcrArtist();
-  entry->Song = session_.pcrSong();
+  entry->Artist = session.pcrArtist();
+  entry->Song = session.pcrSong();
   const int row = grid_.FindRow(channel);
   if (row == 0) return;
   grid_.IgnoreMove = true;
   grid_.SetCell(row, ChannelGrid::Artist, " " + entry->Artist + " ");
   grid_.SetCell(row, ChannelGrid::Song, " " + entry->Song + " ");
-  if (base::Trim(grid_.At(row)[ChannelGrid::Station]).empty() && !session_.pcrStation().empty()) {
-    grid_.SetCell(row, ChannelGrid::Station, " " + session_.pcrStation() + " ");
+  if (base::Trim(grid_.At(row)[ChannelGrid::Station]).empty() && !session.pcrStation().empty()) {
+    grid_.SetCell(row, ChannelGrid::Station, " " + session.pcrStation() + " ");
   }
   grid_.IgnoreMove = false;
 }

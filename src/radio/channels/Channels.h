@@ -13,7 +13,7 @@
 #include "radio/channels/ChannelTable.h"
 #include "radio/channels/RadioState.h"
 #include "radio/line/ChannelInfo.h"
-#include "radio/line/RadioSession.h"
+#include "radio/line/RadioLink.h"
 
 namespace kestrune::radio {
 
@@ -28,13 +28,13 @@ class Channels {
 
   /// What the channels work on. All must outlive the object.
   struct Parts {
-    RadioSession& Session;
+    RadioLink& Link;
     platform::Files& Files;
     base::EventLoop& Loop;
     base::Journal& Journal;
   };
 
-  /// All must outlive the object. The owner passes the session's channel info replies on to
+  /// All must outlive the object. The owner passes the link's channel info replies on to
   /// pcrChannelInfoReceived.
   Channels(RadioState& state, base::RunState& run, const Parts& parts, ChannelEvents& events);
 
@@ -99,7 +99,7 @@ class Channels {
 
   RadioState& state_;
   base::RunState& run_;
-  RadioSession& session_;
+  RadioLink& link_;
   base::EventLoop& loop_;
   base::Journal& journal_;
   ChannelEvents& events_;

@@ -19,29 +19,7 @@ constexpr int kSettleRounds = 8;
 constexpr auto kIdentifierPause = 200ms;
 constexpr auto kSettleRound = 500ms;
 
-const PortTrial* FirstOf(const std::vector<PortTrial>& trials, PortTrial::Reason why) {
-  const auto found =
-      std::find_if(trials.begin(), trials.end(), [why](const PortTrial& trial) { return trial.Why == why; });
-  return found == trials.end() ? nullptr : &*found;
-}
-
 }  // namespace
-
-base::Result RadioSearch::AsResult() const {
-  if (Found()) return base::Result::Done();
-  if (const PortTrial* const refused = FirstOf(Failed, PortTrial::Reason::NotOpened)) {
-    return base::Result::Failed(refused->Cause);
-  }
-  if (const PortTrial* const silent = FirstOf(Failed, PortTrial::Reason::NoAnswer)) {
-    return base::Result::Failed(fmt::format("port {} opens, but no radio answers there", silent->Port));
-  }
-  return base::Result::Failed("there is no serial device; is the radio plugged in?");
-}
-
-bool RadioSearch::AnyDevice() const {
-  return std::any_of(Failed.begin(), Failed.end(),
-                     [](const PortTrial& trial) { return trial.Why != PortTrial::Reason::NoDevice; });
-}
 
 BringUp::BringUp(RadioSession& session, base::EventLoop& loop, const base::RunState& run,
                  base::Journal& journal)

@@ -4,31 +4,16 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "base/Result.h"
 #include "base/RunState.h"
 #include "radio/line/PortTrial.h"
+#include "radio/line/RadioSearch.h"
 #include "radio/line/RadioSession.h"
 
 namespace kestrune::radio {
-
-/// What the search for the radio came to.
-struct RadioSearch {
-  /// Where the radio answered, its port open; 0 if nowhere.
-  std::int16_t Port = 0;
-  /// The unsuccessful tries, in order; a port may occur several times.
-  std::vector<PortTrial> Failed = {};
-
-  [[nodiscard]] bool Found() const { return Port != 0; }
-  /// Done if the radio was found. Otherwise the first device that could not be opened says why; if all opened,
-  /// the first that did not answer; and if there was no device at all, that.
-  [[nodiscard]] base::Result AsResult() const;
-  /// Whether a device was there that turned out not to be the radio, or could not be asked.
-  [[nodiscard]] bool AnyDevice() const;
-};
 
 /// Brings the radio up: opens its port and powers it on, asks for its identifier, tunes and unmutes it.
 ///

@@ -41,20 +41,46 @@ std::string_view NameOf(Remedy remedy) {
 
 }  // namespace
 
-RadioLink::RadioLink(RadioSession& session, base::EventLoop& loop, const base::RunState& run,
-                     base::Journal& journal, LinkOwner& owner)
-    : session_(session),
-      loop_(loop),
+RadioLink::RadioLink(platform::SerialPort& port, base::EventLoop& loop, const base::RunState& run,
+                     base::Journal& journal)
+    : loop_(loop),
       run_(run),
       journal_(journal),
-      owner_(owner),
+      session_(port, loop, run, journal),
+      start_(session_, loop, run, journal),
       tmrLink_(loop.MakeTimer(kBeat, [this] { Beat(); })),
       jump_(loop),
-      roster_([this](std::int16_t port) { return session_.PortExists(port); }),
-      keeper_(session, loop),
-      bringUp_(session, loop) {}
+      roster_([this](std::int16_t number) { return session_.PortExists(number); }),
+      keeper_(session_, loop),
+      bringUp_(session_, loop) {}
 
-void RadioLink::Start() {
+void RadioLink::SetChannelInfoHandler(std::function<void(const ChannelInfo& info)> handler) {
+  session_.pcrChannelInfoReceived = std::move(handler);
+}
+
+void RadioLink::SetSignalHandler(
+    std::function<void(std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial)> handler) {
+  session_.pcrSignalReceived = std::move(handler);
+}
+
+// The end.
+
+void RadioLink::SwitchOff() {
+  if (!status_.Up()) return;
+  base::Ignored(session_.pcrMute(true));
+  base::Ignored(session_.pcrPowerOff());
+}
+
+void RadioLink::Close() {
+  if (!session_.pcrPortOpen()) return;
+  session_.DrainInput();
+  session_.SetPortOpen(false);
+}
+
+// The watch.
+
+void RadioLink::StartWatch(LinkOwner& owner) {
+  owner_ = &owner;
   status_ = {.Port = session_.pcrCOMPort()};
   identifier_ = session_.Replies().pcrRadioID;
   roster_.Remember(status_.Port);
@@ -64,7 +90,7 @@ void RadioLink::Start() {
   tmrLink_->SetEnabled(true);
 }
 
-void RadioLink::Stop() {
+void RadioLink::StopWatch() {
   tmrLink_->SetEnabled(false);
   LeaveTrial();
 }
@@ -83,9 +109,9 @@ std::optional<SignalQuality> RadioLink::Signal() const {
 }
 
 void RadioLink::Beat() {
-  if (run_.ShuttingDown) return Stop();
+  if (run_.ShuttingDown) return StopWatch();
   if (loop_.Pumping()) return tmrLink_->SetInterval(kAfterWait);
-  const LinkOrders orders = owner_.Orders();
+  const LinkOrders orders = owner_->Orders();
   const bool jumped = jump_.Seen();
   if (!orders.Watch) {
     Rest();
@@ -151,8 +177,8 @@ void RadioLink::Fail(LinkState state, std::string_view cause, Milliseconds since
              .Cause = std::string(cause),
              .Port = session_.pcrCOMPort(),
              .Since = loop_.Now().AddSeconds(-std::chrono::floor<std::chrono::seconds>(now - since).count())};
-  owner_.RadioLost(status_);
-  owner_.LinkChanged(status_);
+  owner_->RadioLost(status_);
+  owner_->LinkChanged(status_);
 }
 
 // While it is not.
@@ -251,8 +277,8 @@ void RadioLink::Return(const LinkOrders& orders, bool muteAnswered) {
   signalReplies_ = traffic.Count(ReplyType::Signal);
   keeper_.Begin(!muteAnswered || mutedByRemedy_ != orders.Muted);
   base::Ignored(session_.pcrGetSignalLevels());
-  owner_.RadioFound(status_, loop_.SteadyNow() - lostAt_);
-  owner_.LinkChanged(status_);
+  owner_->RadioFound(status_, loop_.SteadyNow() - lostAt_);
+  owner_->LinkChanged(status_);
 }
 
 // What is reported.
@@ -261,13 +287,13 @@ void RadioLink::Change(LinkState state, std::string_view cause) {
   if (status_.State == state && status_.Cause == cause) return;
   status_.State = state;
   status_.Cause = cause;
-  owner_.LinkChanged(status_);
+  owner_->LinkChanged(status_);
 }
 
 void RadioLink::SetDoubt(const std::string& doubt) {
   if (status_.Doubt == doubt) return;
   status_.Doubt = doubt;
-  owner_.LinkChanged(status_);
+  owner_->LinkChanged(status_);
 }
 
 }  // namespace kestrune::radio

@@ -71,7 +71,7 @@ class ChannelsFixture : public SessionFixture, private radio::ChannelEvents {
   MemoryFiles files;
   radio::RadioState state;
   radio::Channels channels{
-      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, *this};
+      state, run, {.Link = link, .Files = files, .Loop = loop, .Journal = journal}, *this};
   HeardSounds sounds;
   ScriptedDialogs dialogs;
   bool recording = false;

@@ -102,7 +102,7 @@ class ChannelsTest : public SessionFixture {
   radio::RadioState state;
   NotedEvents events;
   radio::Channels channels{
-      state, run, {.Session = session, .Files = files, .Loop = loop, .Journal = journal}, events};
+      state, run, {.Link = link, .Files = files, .Loop = loop, .Journal = journal}, events};
 };
 
 // The walk.

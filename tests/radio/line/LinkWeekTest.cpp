@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "radio/line/LinkFixture.h"
+#include "radio/line/OpenLink.h"
 #include "support/Bytes.h"
 #include "support/FaultyLine.h"
 #include "support/SimulatedReceiver.h"
@@ -50,7 +51,7 @@ class Week {
     base::Ignored(session_.pcrPowerOn(true));
     base::Ignored(session_.pcrSelectChannel(owner_.Ordered.Channel));
     base::Ignored(session_.pcrMute(false));
-    link_.Start();
+    link_.StartWatch(owner_);
     polling_.Start();
     while (loop_.SteadyNow() < length_ && complaints_.size() < 5) {
       Background();
@@ -240,9 +241,9 @@ class Week {
   FaultyLine line_;
   base::RunState run_;
   RemedyJournal journal_{loop_};
-  radio::RadioSession session_{line_, loop_, run_, journal_};
+  OpenLink link_{line_, loop_, run_, journal_};
+  radio::RadioSession& session_ = link_.SessionForTests();
   RecordingLinkOwner owner_;
-  radio::RadioLink link_{session_, loop_, run_, journal_, owner_};
   Polling polling_{session_, loop_};
   std::string what_;
   std::vector<std::string> complaints_;

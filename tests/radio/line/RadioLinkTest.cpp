@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "radio/line/LinkFixture.h"
+#include "radio/line/OpenLink.h"
 #include "support/Bytes.h"
 #include "support/RadioFrames.h"
 #include "support/TestRadio.h"
@@ -33,7 +34,7 @@ class RadioLinkTest : public ::testing::Test {
     EXPECT_TRUE(session.pcrPowerOn(true));
     EXPECT_TRUE(session.pcrSelectChannel(45));
     EXPECT_TRUE(session.pcrMute(false));
-    link.Start();
+    link.StartWatch(owner);
     polling.Start();
     loop.Run(10s);
     EXPECT_TRUE(link.Status().Up());
@@ -85,9 +86,9 @@ class RadioLinkTest : public ::testing::Test {
   TestRadio radio_{loop};
   base::RunState run;
   RecordingJournal journal;
-  radio::RadioSession session{radio_, loop, run, journal};
+  OpenLink link{radio_, loop, run, journal};
+  radio::RadioSession& session = link.SessionForTests();
   RecordingLinkOwner owner;
-  radio::RadioLink link{session, loop, run, journal, owner};
   Polling polling{session, loop};
 };
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "base/RunState.h"
-#include "radio/line/RadioSession.h"
+#include "radio/line/OpenLink.h"
 #include "support/Bytes.h"
 #include "support/RadioFrames.h"
 #include "support/RecordingJournal.h"
@@ -16,7 +16,7 @@
 
 namespace kestrune::test {
 
-/// A session on a scripted line.
+/// A session on a scripted line, and the link that owns it.
 class SessionFixture : public ::testing::Test {
  protected:
   using Milliseconds = std::chrono::milliseconds;
@@ -59,7 +59,8 @@ class SessionFixture : public ::testing::Test {
   ScriptedSerialPort port{loop};
   base::RunState run;
   RecordingJournal journal;
-  radio::RadioSession session{port, loop, run, journal};
+  OpenLink link{port, loop, run, journal};
+  radio::RadioSession& session = link.SessionForTests();
   std::vector<radio::ChannelInfo> infos;
   Strings signalReplies;
   std::vector<radio::PortTrial> failedTrials;
