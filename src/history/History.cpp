@@ -145,6 +145,18 @@ void History::Heard(std::int16_t channel, const Playing& playing) {
   if (rows_.Plays.size() >= kManyPlays) HandOverSoon();
 }
 
+void History::LagLearned(platform::HistoryLag lag) {
+  if (!run_) return;
+  const auto older =
+      std::find_if(rows_.Lags.begin(), rows_.Lags.end(),
+                   [&lag](const platform::HistoryLag& one) { return one.Channel == lag.Channel; });
+  if (older == rows_.Lags.end()) {
+    rows_.Lags.push_back(std::move(lag));
+  } else {
+    *older = std::move(lag);
+  }
+}
+
 void History::HandOverSoon() {
   tmrSoon_->SetEnabled(true);
 }
@@ -173,6 +185,16 @@ void History::AskReport(base::DateValue from, base::DateValue to, ReportAnswer a
 void History::Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer) {
   HandOver();
   store_.Search(std::move(search), std::move(answer));
+}
+
+void History::AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer) {
+  HandOver();
+  store_.ReadCuts(search, std::move(answer));
+}
+
+void History::AskLags(platform::HistoryStore::LagsAnswer answer) {
+  HandOver();
+  store_.ReadLags(std::move(answer));
 }
 
 }  // namespace kestrune::history

@@ -70,6 +70,9 @@ class History {
   /// What the radio says of a channel, whether it is new or not.
   void Heard(std::int16_t channel, const Playing& playing);
 
+  /// What was learned of a channel; it waits for the minute, or for what matters, and of one channel the last goes.
+  void LagLearned(platform::HistoryLag lag);
+
   using ReportAnswer = std::function<void(const base::Result& asked, const Report& report)>;
   /// What happened in the span, which ends now or earlier. Answered as the store answers.
   void AskReport(base::DateValue from, base::DateValue to, ReportAnswer answer);
@@ -78,6 +81,8 @@ class History {
     AskReport(since, loop_.Now(), std::move(answer));
   }
   void Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer);
+  void AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer);
+  void AskLags(platform::HistoryStore::LagsAnswer answer);
 
  private:
   struct OpenIncident {

@@ -34,6 +34,7 @@
 #include "recorder/SoundWatch.h"
 #include "recorder/StartOutcome.h"
 #include "recorder/State.h"
+#include "recorder/StationLags.h"
 #include "recorder/StayAwake.h"
 #include "recorder/UnitParts.h"
 #include "recorder/UpdateCommand.h"
@@ -185,6 +186,7 @@ class Kestrune final : private radio::ChannelEvents {
   schedule::EntryEditors entryEditors_;
   history::History history_;
   Chronicle chronicle_;
+  StationLags stationLags_;
   Announcer announcer_;
   RadioSide radio_;
   SoundSide sound_;

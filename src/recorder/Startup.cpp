@@ -56,6 +56,7 @@ StartOutcome Kestrune::LoadSteps() {
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!search.Found()) return ReportNoRadio(search);
   history_.Begin();
+  stationLags_.Load();
   ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);

@@ -8,6 +8,7 @@
 #include "radio/channels/Channels.h"
 #include "recorder/Boxes.h"
 #include "recorder/InputDevices.h"
+#include "recorder/StationLags.h"
 #include "schedule/entries/EntryEditors.h"
 #include "schedule/lists/Restrictions.h"
 #include "schedule/log/Log.h"
@@ -21,6 +22,8 @@ struct UnitParts {
   schedule::Log& Log;
   /// The record of what happened.
   history::History& History;
+  /// How far the text of each channel runs ahead of its sound.
+  recorder::StationLags& StationLags;
   schedule::Restrictions& Restrictions;
   /// The open editors of the schedule's entries.
   schedule::EntryEditors& EntryEditors;

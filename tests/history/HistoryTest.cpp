@@ -117,6 +117,43 @@ TEST_F(HistoryTest, WhatOtherChannelsPlayWaitsForTheMinute) {
   EXPECT_EQ(Store.Rows.Plays[0].Title, "one");
 }
 
+TEST_F(HistoryTest, WhatWasLearnedWaitsForTheMinuteAndTheLastOfAChannelGoes) {
+  Loop.Run(1s);
+  const int writes = Store.Writes;
+  Chronicle.LagLearned({.Channel = 44, .Changed = kBegin, .Model = "one"});
+  Chronicle.LagLearned({.Channel = 7, .Changed = kBegin, .Model = "other"});
+  Chronicle.LagLearned({.Channel = 44, .Changed = kBegin.AddSeconds(1), .Model = "two"});
+  Loop.Run(50s);
+  EXPECT_EQ(Store.Writes, writes);
+  Loop.Run(10s);
+  EXPECT_EQ(Store.Writes, writes + 1);
+  ASSERT_EQ(Store.Rows.Lags.size(), 2U);
+  EXPECT_EQ(Store.Rows.Lags[0].Model, "two");
+}
+
+TEST_F(HistoryTest, WhatWasLearnedGoesWithASongAndWithTheEnd) {
+  Chronicle.LagLearned({.Channel = 44, .Changed = kBegin, .Model = "one"});
+  Chronicle.SongEnded(Song("one"));
+  Loop.Run(2s);
+  ASSERT_EQ(Store.Rows.Lags.size(), 1U);
+  Chronicle.LagLearned({.Channel = 44, .Changed = kBegin, .Model = "two"});
+  Chronicle.Close("closed");
+  EXPECT_EQ(Store.Rows.Lags.at(0).Model, "two");
+  Chronicle.LagLearned({.Channel = 44, .Changed = kBegin, .Model = "late"});
+  Loop.Run(10min);
+  EXPECT_EQ(Store.Rows.Lags.at(0).Model, "two");
+}
+
+TEST_F(HistoryTest, AQuestionForCutsSeesTheSongThatHasJustEnded) {
+  HistorySong song = Song("one");
+  song.Cut = platform::HistoryCut{};
+  Chronicle.SongEnded(song);
+  std::vector<HistorySong> got;
+  Chronicle.AskCuts({}, [&got](const base::Result&, const std::vector<HistorySong>& songs) { got = songs; });
+  Loop.Run(1s);
+  EXPECT_EQ(got, std::vector{song});
+}
+
 TEST_F(HistoryTest, AFloodOfTextsDoesNotWaitForTheMinute) {
   for (int i = 0; i <= 500; ++i) Chronicle.Heard(44, Text(std::to_string(i)));
   Loop.Run(2s);
