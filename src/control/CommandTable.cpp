@@ -13,6 +13,7 @@
 
 #include "base/Text.h"
 #include "control/ConsoleText.h"
+#include "control/CutJson.h"
 #include "control/HistoryJson.h"
 #include "control/ScheduleWords.h"
 #include "history/Since.h"
@@ -26,6 +27,7 @@ constexpr std::size_t kLongestKey = 64;
 constexpr std::size_t kLongestSearch = 200;
 constexpr std::size_t kUsualLogLines = 20;
 constexpr std::size_t kUsualPlays = 50;
+constexpr std::size_t kUsualCuts = 20;
 constexpr int kMostLogLines = 5000;
 constexpr int kLastChannel = 255;
 constexpr int kScheduleEntries = 10;
@@ -126,6 +128,12 @@ constexpr std::array kHistoryOptions{
     CommandOption{"--limit", "N", "a number of songs from 1 to 5000", IsLineCount,
                   "at most so many, the newest; 50 if not given"}};
 
+constexpr std::array kCutsOptions{
+    CommandOption{"--last", "N", "a number of cuts from 1 to 5000", IsLineCount,
+                  "so many, the newest; 20 if not given", "--stations"},
+    CommandOption{"--channel", "N", "a channel number from 1 to 255", IsChannelNumber, "on this channel"},
+    CommandOption{"--stations", "", "", nullptr, "what was learned of each station's text", "--last"}};
+
 Reply Done(Json result = nullptr) {
   return {ExitCode::Done, {}, std::move(result)};
 }
@@ -183,6 +191,25 @@ void RunHistory(ControlTarget& target, Arguments arguments, const Replied& repli
                  [replied](const base::Result& asked, const std::vector<platform::HistoryPlay>& plays) {
                    replied(asked.Ok() ? Done(ToJson(plays)) : Refused(asked.Cause()));
                  });
+}
+
+void RunCuts(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  CutsQuestion question{.Channel = 0, .Limit = kUsualCuts};
+  bool stations = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == "--stations") {
+      stations = true;
+      continue;
+    }
+    const int number = WholeNumber(arguments[i + 1]).value_or(0);
+    if (arguments[i] == "--channel") question.Channel = number;
+    if (arguments[i] == "--last") question.Limit = static_cast<std::size_t>(number);
+    ++i;
+  }
+  if (stations) return replied(Done(ToJson(target.StationLags(question.Channel))));
+  target.Cuts(question, [replied](const base::Result& asked, const std::vector<CutReport>& cuts) {
+    replied(asked.Ok() ? Done(ToJson(cuts)) : Refused(asked.Cause()));
+  });
 }
 
 // Wishes.
@@ -260,6 +287,7 @@ constexpr std::array kCommands{
             kReportOptions},
     Command{
         "history", {}, "show what the channels have played, the newest first", RunHistory, kHistoryOptions},
+    Command{"cuts", {}, "show the last cuts found by listening, the newest first", RunCuts, kCutsOptions},
     Command{"update", {}, "ask whether there is a newer version", RunUpdate},
     Command{"quit", {}, "end the program", RunQuit},
 };

@@ -36,6 +36,11 @@ struct HistoryQuestion {
   std::string Since;      ///< empty: as far back as the record goes
   std::size_t Limit = 0;  ///< at most so many, the newest
 };
+struct CutsQuestion {
+  int Channel = 0;        ///< 0: all
+  std::size_t Limit = 0;  ///< at most so many, the newest
+};
+using CutsAnswered = std::function<void(const base::Result& asked, const std::vector<CutReport>& cuts)>;
 using ReportAnswered = std::function<void(const base::Result& asked, const history::Report& report)>;
 using HistoryAnswered =
     std::function<void(const base::Result& asked, const std::vector<platform::HistoryPlay>& plays)>;
@@ -64,11 +69,16 @@ class ControlTarget {
   /// All ten entries, in their order.
   [[nodiscard]] virtual std::vector<ScheduleReport> Schedule() = 0;
   [[nodiscard]] virtual ListsReport Lists() = 0;
+  /// Of one channel, or of all if it is 0, those of which anything was learned, in their order.
+  [[nodiscard]] virtual std::vector<StationLagReport> StationLags(int channel) = 0;
 
   // Questions about the record of what happened.
   virtual void Report(const ReportQuestion& question, ReportAnswered answered) = 0;
   /// Newest first.
   virtual void History(const HistoryQuestion& question, HistoryAnswered answered) = 0;
+
+  /// Newest first.
+  virtual void Cuts(const CutsQuestion& question, CutsAnswered answered) = 0;
 
   // Wishes.
   virtual void Record(Answered answered) = 0;

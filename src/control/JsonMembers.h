@@ -72,6 +72,14 @@ struct Reader {
       Complete = false;
     }
   }
+  void operator()(const char* name, double& value) {
+    const Json* member = Member(name);
+    if (member != nullptr && member->is_number()) {
+      value = member->get<double>();
+    } else {
+      Complete = false;
+    }
+  }
   template <std::integral Integer>
   void operator()(const char* name, Integer& value) {
     const Json* member = Member(name);

@@ -10,6 +10,7 @@
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "control/ConsoleText.h"
+#include "control/CutJson.h"
 #include "control/HistoryJson.h"
 #include "history/ReportText.h"
 
@@ -167,6 +168,32 @@ std::string PlaysText(const std::vector<platform::HistoryPlay>& plays) {
   return Columns(rows);
 }
 
+std::string Seconds(int milliseconds) {
+  return fmt::format("{:>+6.2f} s", milliseconds / 1000.0);
+}
+
+std::string CutsText(const std::vector<CutReport>& cuts) {
+  if (cuts.empty()) return "no cut by listening is found\n";
+  Rows rows{{"At", "Channel", "Song", "Next", "Lag", "Reason", "Sure"}};
+  for (const CutReport& cut : cuts) {
+    rows.push_back({base::FormatDate(cut.At, "yyyy-mm-dd hh:nn:ss"), fmt::format("{:>7}", cut.Channel),
+                    Joined({cut.Artist, cut.Song}, " - "), cut.Next, Seconds(cut.LagMs), cut.Reason,
+                    fmt::format("{:>3.0f}%", cut.Confidence * 100)});
+  }
+  return Columns(rows);
+}
+
+std::string StationLagsText(const std::vector<StationLagReport>& stations) {
+  if (stations.empty()) return "nothing was learned yet\n";
+  Rows rows{{"Channel", "Station", "Lag", "Jitter", "Changes"}};
+  for (const StationLagReport& station : stations) {
+    rows.push_back({fmt::format("{:>7}", station.Channel), station.Station, Seconds(station.LagMs),
+                    fmt::format("{:.2f} s", station.JitterMs / 1000.0),
+                    fmt::format("{:>7}", station.Changes)});
+  }
+  return Columns(rows);
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -207,6 +234,11 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
   if (command == "history") {
     const std::optional<std::vector<platform::HistoryPlay>> plays = PlaysFromJson(result);
     return plays ? std::optional(PlaysText(*plays)) : std::nullopt;
+  }
+  if (command == "cuts") {
+    if (const auto cuts = CutsFromJson(result)) return CutsText(*cuts);
+    const auto stations = StationLagsFromJson(result);
+    return stations ? std::optional(StationLagsText(*stations)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

@@ -91,6 +91,42 @@ struct ListsReport {
   std::vector<std::string> KillSongs;
 };
 
+/// A place where a cut might have fallen.
+struct CutCandidateReport {
+  int LagMs = 0;
+  double Chance = 0;  ///< 0 to 1
+
+  bool operator==(const CutCandidateReport&) const = default;
+};
+
+/// A cut between two songs that was found by listening.
+struct CutReport {
+  base::DateValue At;  ///< when the song ended, local time
+  int Channel = 0;
+  std::string Station;
+  std::string Artist;      ///< of the song that ended
+  std::string Song;        ///< the same
+  std::string Next;        ///< artist and title of the song that follows
+  std::int64_t Frame = 0;  ///< its first frame, counted from the start of the sound
+  int LagMs = 0;           ///< how much later than the text it begins; negative: earlier
+  std::string Reason;      ///< "gap", "onset", "novelty", "lag" or "text"
+  double Confidence = 0;   ///< the chance that the cut is within 0.1 s of the true beginning, 0 to 1
+  std::vector<CutCandidateReport> Candidates;  ///< at most five, the likeliest first
+
+  bool operator==(const CutReport&) const = default;
+};
+
+/// What was learned of how far the text of a channel runs ahead of its sound.
+struct StationLagReport {
+  int Channel = 0;
+  std::string Station;  ///< empty if the channel is not known
+  int LagMs = 0;        ///< the middle of what is likely; negative: the text is late
+  int JitterMs = 0;     ///< how much it varies
+  int Changes = 0;      ///< of song that it was learned from
+
+  bool operator==(const StationLagReport&) const = default;
+};
+
 /// What `schedule set` is to change; what is not given stays.
 struct ScheduleChange {
   int Number = 0;  ///< 1 to 10

@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "config/update/VersionFile.h"
 #include "control/ConsoleText.h"
+#include "control/CutJson.h"
 #include "control/ScheduleCommands.h"
 #include "control/StatusOf.h"
 #include "history/Since.h"
@@ -90,15 +91,10 @@ void UnitTarget::Update(std::function<void(const UpdateResult&)> answered) {
 }
 
 std::vector<ScheduleReport> UnitTarget::Schedule() {
-  const radio::ChannelTable& table = unit_.Parts().Channels.Table();
   const schedule::SchedulerSettings settings = EntrySettings();
   ScheduleSources sources{
       .Now = unit_.Now(),
-      .Station =
-          [&table](std::int16_t channel) {
-            const std::int16_t slot = table.ChannelIndex(channel);
-            return slot == 0 ? std::string() : table.At(slot).Station;
-          },
+      .Station = [this](std::int16_t channel) { return StationOf(channel); },
       // Before the start has read them, no entry counts.
       .IsSet =
           [this, &settings](int number) {
@@ -106,6 +102,12 @@ std::vector<ScheduleReport> UnitTarget::Schedule() {
           },
       .SecondsUntil = [this](base::DateValue wall) { return unit_.TimeUntil(wall).count(); }};
   return ReportSchedule(unit_.State().Entries, unit_.State().Schedule, sources);
+}
+
+std::string UnitTarget::StationOf(std::int16_t channel) const {
+  const radio::ChannelTable& table = unit_.Parts().Channels.Table();
+  const std::int16_t slot = table.ChannelIndex(channel);
+  return slot == 0 ? std::string() : table.At(slot).Station;
 }
 
 schedule::SchedulerSettings UnitTarget::EntrySettings() const {
@@ -222,6 +224,29 @@ void UnitTarget::History(const HistoryQuestion& question, HistoryAnswered answer
 
 void UnitTarget::Quit(Answered answered) {
   unit_.Wishes().Close(std::move(answered));
+}
+
+void UnitTarget::Cuts(const CutsQuestion& question, CutsAnswered answered) {
+  unit_.Parts().History.AskCuts(
+      {.Channel = static_cast<std::int16_t>(question.Channel), .Limit = question.Limit},
+      [answered = std::move(answered)](const Result& asked, const std::vector<platform::HistorySong>& songs) {
+        answered(asked, CutsOf(songs));
+      });
+}
+
+std::vector<StationLagReport> UnitTarget::StationLags(int channel) {
+  std::vector<StationLagReport> reports;
+  recorder::StationLags& lags = unit_.Parts().StationLags;
+  for (const std::int16_t learned : lags.LearnedChannels()) {
+    if (channel != 0 && learned != channel) continue;
+    const cut::LagModel& model = *lags.Learned(learned);
+    reports.push_back({.Channel = learned,
+                       .Station = StationOf(learned),
+                       .LagMs = model.MedianMs(),
+                       .JitterMs = model.JitterMs(),
+                       .Changes = model.Changes()});
+  }
+  return reports;
 }
 
 }  // namespace kestrune::control

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "control/ControlTarget.h"
 #include "control/ScheduleCommands.h"
@@ -23,9 +25,11 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] SettingResult Get(std::string_view key) override;
   [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
   [[nodiscard]] ListsReport Lists() override;
+  [[nodiscard]] std::vector<StationLagReport> StationLags(int channel) override;
 
   void Report(const ReportQuestion& question, ReportAnswered answered) override;
   void History(const HistoryQuestion& question, HistoryAnswered answered) override;
+  void Cuts(const CutsQuestion& question, CutsAnswered answered) override;
 
   void Record(Answered answered) override;
   void Stop(Answered answered) override;
@@ -41,6 +45,8 @@ class UnitTarget final : public ControlTarget {
   void Quit(Answered answered) override;
 
  private:
+  /// Empty if the channel is not known.
+  [[nodiscard]] std::string StationOf(std::int16_t channel) const;
   [[nodiscard]] schedule::SchedulerSettings EntrySettings() const;
   /// Asks for a command on a stored entry, which is refused while an open editor has changes. The schedule and the
   /// open editors read the entries again after it.

@@ -31,6 +31,7 @@ TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
                                               "lists remove LIST TEXT",
                                               "report [OPTION...]",
                                               "history [OPTION...]",
+                                              "cuts [OPTION...]",
                                               "update",
                                               "quit"}));
 }
@@ -144,9 +145,9 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, update, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, cuts, update, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, update, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, cuts, update, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);
@@ -197,6 +198,14 @@ TEST(CommandTable, EachScheduleWordAtItsEdges) {
        R"(history: "256" is wrong for --channel, expected a channel number from 1 to 255)"},
       {{"history", {"--limit", "0"}},
        R"(history: "0" is wrong for --limit, expected a number of songs from 1 to 5000)"},
+      {{"cuts", {}}, nullptr},
+      {{"cuts", {"--last", "5000", "--channel", "255"}}, nullptr},
+      {{"cuts", {"--channel", "44", "--stations"}}, nullptr},
+      {{"cuts", {"--last", "0"}},
+       R"(cuts: "0" is wrong for --last, expected a number of cuts from 1 to 5000)"},
+      {{"cuts", {"--last"}}, "cuts: --last needs a number of cuts from 1 to 5000; usage: cuts [OPTION...]"},
+      {{"cuts", {"--stations", "--last", "5"}},
+       "cuts: --stations and --last exclude each other; usage: cuts [OPTION...]"},
       {{"history", {"moon"}}, R"(history: unknown option "moon"; usage: history [OPTION...])"},
       {{"schedule", {"set", "1"}}, "schedule set: no option is given; usage: schedule set N OPTION..."},
       {{"schedule", {"set", "--at", "20:00"}},

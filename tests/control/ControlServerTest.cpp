@@ -179,17 +179,34 @@ TEST(ControlServer, QuestionsAboutTheRecordReachItAsTheyWereAsked) {
       {R"({"command":"history","arguments":["--search","moon","--channel","44","--since","2d","--limit","7"]})",
        "History moon|44|2d|7"},
       {R"({"command":"history","arguments":["--search","--since","--limit","9"]})", "History --since|0||9"},
+      {R"({"command":"cuts"})", "Cuts 0|20"},
+      {R"({"command":"cuts","arguments":["--channel","44","--last","7"]})", "Cuts 44|7"},
   };
   for (const auto& [line, call] : kQuestions) {
     test::FakeControlTarget target;
     target.NextReport.Advice = {"Look at it."};
     target.NextPlays.emplace_back().Title = "River";
+    target.NextCuts.emplace_back().Song = "River";
     const std::string answer = Dispatch(target, line);
     EXPECT_THAT(target.Calls, ElementsAre(call));
     EXPECT_TRUE(answer.starts_with(R"({"exit":0,"reason":"","result":)")) << answer;
     EXPECT_NE(answer.find(call[0] == 'R' ? "Look at it." : "River"), std::string::npos) << answer;
     target.NextResult = base::Result::Failed("the disk failed");
     EXPECT_EQ(Dispatch(target, line), R"({"exit":1,"reason":"the disk failed","result":null})");
+  }
+}
+
+TEST(ControlServer, WhatWasLearnedOfTheStationsIsToldAtOnce) {
+  const std::pair<const char*, const char*> kQuestions[] = {
+      {R"({"command":"cuts","arguments":["--stations"]})", "StationLags 0"},
+      {R"({"command":"cuts","arguments":["--stations","--channel","44"]})", "StationLags 44"},
+      {R"({"command":"cuts","arguments":["--channel","44","--stations"]})", "StationLags 44"},
+  };
+  for (const auto& [line, call] : kQuestions) {
+    test::FakeControlTarget target;
+    target.NextStationLags.emplace_back().Station = "Harbour";
+    EXPECT_THAT(Dispatch(target, line), HasSubstr("Harbour"));
+    EXPECT_THAT(target.Calls, ElementsAre(call));
   }
 }
 

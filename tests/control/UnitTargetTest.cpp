@@ -209,8 +209,57 @@ TEST_F(RecordTest, ASearchReachesTheRecordAsItWasAsked) {
   EXPECT_FALSE(store.LastSearch.Since);
 }
 
+TEST_F(RecordTest, TheLastCutsComeFromTheRecord) {
+  platform::HistorySong song;
+  song.Channel = 44;
+  song.Title = "River";
+  song.Cut = platform::HistoryCut{};
+  song.Cut->Candidates = {{.LagMs = 600, .Chance = 0.5}};
+  store.Rows.Songs = {song, {}, song};
+  store.Rows.Songs[2].Channel = 7;
+  std::vector<CutReport> got;
+  const auto ask = [&](int channel, std::size_t limit) {
+    target.Cuts({.Channel = channel, .Limit = limit},
+                [&](const base::Result&, const std::vector<CutReport>& cuts) { got = cuts; });
+    rig.Run(std::chrono::seconds(1));
+  };
+  ask(0, 20);
+  EXPECT_EQ(got.size(), 2U);
+  ask(0, 1);
+  EXPECT_EQ(got.size(), 1U);
+  ask(44, 20);
+  ASSERT_EQ(got.size(), 1U);
+  EXPECT_EQ(got[0].Song, "River");
+  EXPECT_EQ(got[0].Candidates.at(0).LagMs, 600);
+}
+
+TEST_F(RecordTest, WhatWasLearnedOfTheStationsIsToldWithTheirNames) {
+  rig.StartIdle();
+  recorder::StationLags& lags = rig->Parts().StationLags;
+  EXPECT_TRUE(target.StationLags(0).empty());
+  const std::int16_t known = rig->State().Radio.ChannelNumber;
+  cut::LagRow evidence{};
+  evidence[0] = 30;
+  for (int i = 0; i < 3; ++i) lags.Of(known).Renew(evidence);
+  lags.Of(250).Renew(evidence);
+  const std::vector<StationLagReport> reports = target.StationLags(0);
+  ASSERT_EQ(reports.size(), 2U);
+  EXPECT_EQ(reports[0].Channel, known);
+  EXPECT_FALSE(reports[0].Station.empty());
+  EXPECT_EQ(reports[0].LagMs, lags.Of(known).MedianMs());
+  EXPECT_EQ(reports[0].JitterMs, lags.Of(known).JitterMs());
+  EXPECT_EQ(reports[0].Changes, 3);
+  EXPECT_EQ(reports[1].Station, "");
+  EXPECT_EQ(target.StationLags(250), std::vector{reports[1]});
+  EXPECT_TRUE(target.StationLags(249).empty());
+}
+
 TEST_F(RecordTest, AFailureOfTheRecordIsToldAsItIs) {
   store.QuestionFailure = "the disk failed";
+  std::string said;
+  target.Cuts({}, [&said](const base::Result& asked, const auto&) { said = asked.Cause(); });
+  rig.Run(std::chrono::seconds(1));
+  EXPECT_EQ(said, "the disk failed");
   EXPECT_EQ(Report(""), "the disk failed");
   EXPECT_EQ(History({}), "the disk failed");
 }

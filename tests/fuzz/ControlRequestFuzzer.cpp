@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // The client's side: any line may come back to it.
   if (const auto hostile = control::ReplyFromLine(line)) {
     for (const char* command :
-         {"status", "channels", "log", "get", "schedule", "lists", "report", "history", "stop"}) {
+         {"status", "channels", "log", "get", "schedule", "lists", "report", "history", "cuts", "stop"}) {
       if (const auto text = control::PeopleText(command, hostile->Result)) {
         Require(text->find('\x1B') == std::string::npos);
       }

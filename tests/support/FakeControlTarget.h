@@ -29,6 +29,8 @@ class FakeControlTarget : public control::ControlTarget {
   control::ListsReport NextLists;
   history::Report NextReport;
   std::vector<platform::HistoryPlay> NextPlays;
+  std::vector<control::CutReport> NextCuts;
+  std::vector<control::StationLagReport> NextStationLags;
   control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
@@ -91,6 +93,14 @@ class FakeControlTarget : public control::ControlTarget {
     Calls.push_back(
         fmt::format("History {}|{}|{}|{}", question.Text, question.Channel, question.Since, question.Limit));
     answered(NextResult, NextPlays);
+  }
+  void Cuts(const control::CutsQuestion& question, control::CutsAnswered answered) override {
+    Calls.push_back(fmt::format("Cuts {}|{}", question.Channel, question.Limit));
+    answered(NextResult, NextCuts);
+  }
+  std::vector<control::StationLagReport> StationLags(int channel) override {
+    Calls.push_back(fmt::format("StationLags {}", channel));
+    return NextStationLags;
   }
   void Update(std::function<void(const control::UpdateResult&)> answered) override {
     Calls.emplace_back("Update");
