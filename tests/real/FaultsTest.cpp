@@ -133,12 +133,14 @@ class SoundServerFaults : public Faults {
   void SetUp() override {
     if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
     ASSERT_TRUE(pulse_.Start());
-    ASSERT_EQ(RunToEnd({"sox",
-                        {"-n", "-r", "44100", "-c", "2", "-b", "16", "-e", "signed", "-t", "raw", tone_,
-                         "synth", "300", "sine", "480", "gain", "-6"},
-                        {}})
-                  .Exit,
-              0);
+    for (const auto& [file, hertz] : {std::pair(tone_, "480"), std::pair(otherTone_, "1200")}) {
+      ASSERT_EQ(RunToEnd({"sox",
+                          {"-n", "-r", "44100", "-c", "2", "-b", "16", "-e", "signed", "-t", "raw", file,
+                           "synth", "300", "sine", hertz, "gain", "-6"},
+                          {}})
+                    .Exit,
+                0);
+    }
     player_ = pulse_.Play(tone_);
     const auto variables = pulse_.Environment();
     setup_.Audio = "pulse";
@@ -156,6 +158,33 @@ class SoundServerFaults : public Faults {
     ASSERT_EQ(unit_->Ctl({"record"}).Exit, 0);
     ASSERT_TRUE(WaitForMidSong(*unit_));
   }
+  /// The server ends and comes back with both tones and another default source.
+  void RestartWithDefault(const std::string& source) {
+    const std::string log = unit_->LogText();
+    pulse_.Kill();
+    EXPECT_TRUE(WaitUntil(kPatience, [&] { return unit_->LogText().size() > log.size(); }))
+        << "a loss is said";
+    ASSERT_TRUE(pulse_.Start());
+    ASSERT_TRUE(pulse_.Control({"set-default-source", source}));
+    PlayBoth();
+    ASSERT_TRUE(WaitForSongs(*unit_, unit_->RecordedCount() + 3)) << unit_->LogText();
+  }
+  void PlayBoth() {
+    player_ = pulse_.Play(tone_);
+    otherPlayer_ = pulse_.Play(otherTone_, "odd");
+  }
+  /// The file that was finished last holds that tone.
+  void ExpectLastHeard(double tone) const {
+    std::vector<std::string> files = unit_->Recordings();
+    std::sort(files.begin(), files.end(), [](const std::string& a, const std::string& b) {
+      return std::filesystem::last_write_time(a) < std::filesystem::last_write_time(b);
+    });
+    ASSERT_FALSE(files.empty());
+    const Decoded last = DecodeWithFfmpeg(files.back());
+    const std::vector<double> heard = TonesOver(last.Mono(), last.Rate, std::vector{kTone, kOtherTone});
+    EXPECT_GT(std::count(heard.begin(), heard.end(), tone), static_cast<int>((kSongSeconds - 2) * 10));
+    EXPECT_LT(std::count(heard.begin(), heard.end(), tone == kTone ? kOtherTone : kTone), 1);
+  }
   [[nodiscard]] std::int64_t Lost() const { return unit_->Status().value("samplesLost", std::int64_t{-1}); }
 
   // The monitors, by description: this one and "Radio"; the mapper comes after them.
@@ -163,8 +192,12 @@ class SoundServerFaults : public Faults {
   // The receiver plays no sound here, as its player would go down with the server.
   Receiver radio_{folder_ / "radio", RadioSetup()};
   Unit::Setup setup_ = UnitSetup(radio_);
+  static constexpr double kTone = 480;
+  static constexpr double kOtherTone = 1200;
   std::string tone_ = folder_ / "tone.raw";
+  std::string otherTone_ = folder_ / "other.raw";
   ChildProcess player_;
+  ChildProcess otherPlayer_;
   std::optional<Unit> unit_;
 };
 
@@ -183,6 +216,34 @@ TEST_F(SoundServerFaults, TheMapperRecordsTheSongThatBeganWithoutASoundServer) {
   EXPECT_THAT(unit_->LogText(), Not(HasSubstr("recording input")));
   EXPECT_THAT(unit_->LogText(), HasSubstr("of sound are missing from"));
   EXPECT_THAT(unit_->Recordings(), Contains(HasSubstr(" (Incomplete)"))) << "the song that lacks sound";
+  EXPECT_EQ(unit_->Quit(), 0);
+}
+
+TEST_F(SoundServerFaults, TheChosenDeviceStaysTheOneWhenTheServerComesBackWithAnotherDefault) {
+  Record("1");
+  ASSERT_EQ(unit_->Status().value("inputDevice", ""), "Monitor of Radio");
+  RestartWithDefault("odd.monitor");
+  EXPECT_EQ(unit_->Status().value("inputDevice", ""), "Monitor of Radio");
+  ExpectLastHeard(kTone);
+  EXPECT_EQ(unit_->Quit(), 0);
+
+  // Another device that comes first in the list, and with that another number for this one.
+  ASSERT_TRUE(pulse_.Control(
+      {"load-module", "module-null-sink", "sink_name=first", "sink_properties=device.description=1st"}));
+  unit_->Start();
+  ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
+  EXPECT_EQ(unit_->Status().value("inputDevice", ""), "Monitor of Radio");
+  EXPECT_EQ(unit_->Ctl({"get", "InputDevice"}).Output, "2\n");
+  ASSERT_TRUE(unit_->Record(2));
+  ExpectLastHeard(kTone);
+  EXPECT_EQ(unit_->Quit(), 0);
+}
+
+/// It stands for the device that it chose at the start, whatever the server calls its default later.
+TEST_F(SoundServerFaults, TheMapperStaysWithItsDeviceWhenTheServerComesBackWithAnotherDefault) {
+  Record("2");
+  RestartWithDefault("radio.monitor");
+  ExpectLastHeard(kOtherTone);
   EXPECT_EQ(unit_->Quit(), 0);
 }
 
