@@ -170,19 +170,27 @@ class StoryTeller {
     DateValue from = story.Due;
     bool first = true;
     for (const HistorySong& song : story.Songs) {
-      AddGap(from, song.Began, story, first && last.WholeSongs);
+      // A clock that is set forward within a song seems to have shifted the song's beginning.
+      AddGap({from, song.Began, song.Ended}, story, first && last.WholeSongs);
       first = false;
       const DateValue soundUntil = song.Began.AddSeconds((song.LengthMs + song.MissingMs) / 1000);
       from = std::max(from, IsAccountedFor(song.Fate) ? std::max(soundUntil, song.Ended) : song.Began);
     }
-    AddGap(from, end, story, false);
+    AddGap({from, end, end}, story, false);
   }
 
-  void AddGap(DateValue from, DateValue to, EventStory& story, bool waitsForWholeSong) const {
+  struct Gap {
+    DateValue From;
+    DateValue To;
+    DateValue StepsUntil;  ///< steps of the clock up to here may be the reason too
+  };
+
+  void AddGap(const Gap& gap, EventStory& story, bool waitsForWholeSong) const {
+    const auto [from, to, stepsUntil] = gap;
     if (SecondsBetween(from, to) < kNoticeableGap) return;
     MissingPart part{
         .From = from, .To = to, .Seconds = SecondsBetween(from, to), .Why = {}, .Intended = false};
-    part.Why = WhyBetween(from, to);
+    part.Why = WhyBetween(from, to, stepsUntil);
     if (part.Why.empty() && story.State == EventState::Missed) part.Why = story.Why;
     if (part.Why.empty() && story.Ended && from <= *story.Ended && *story.Ended <= to) part.Why = story.Why;
     if (part.Why.empty() && waitsForWholeSong) {
@@ -200,7 +208,7 @@ class StoryTeller {
       if (seconds < 1) continue;
       const std::string inSong =
           song.MissingMs >= song.SilentMs ? "sound was lost in this song" : "there is silence in this song";
-      const std::string why = WhyBetween(song.Began, song.Ended);
+      const std::string why = WhyBetween(song.Began, song.Ended, song.Ended);
       story.Missing.push_back({.From = song.Began,
                                .To = song.Ended,
                                .Seconds = seconds,
@@ -212,7 +220,7 @@ class StoryTeller {
   }
 
   /// What went wrong in that time, each thing once.
-  [[nodiscard]] std::string WhyBetween(DateValue from, DateValue to) const {
+  [[nodiscard]] std::string WhyBetween(DateValue from, DateValue to, DateValue stepsUntil) const {
     std::vector<std::string> causes;
     const auto add = [&causes](std::string cause) {
       if (!cause.empty() && std::find(causes.begin(), causes.end(), cause) == causes.end())
@@ -221,7 +229,8 @@ class StoryTeller {
     for (const HistoryIncident& incident : incidents_) {
       const DateValue until = incident.Ended.value_or(std::max(now_, incident.Began));
       // Both ends count: the end of a second is the beginning of the next one.
-      if (incident.Began <= to && from <= until)
+      const DateValue last = incident.Kind == IncidentKind::ClockStep ? std::max(to, stepsUntil) : to;
+      if (incident.Began <= last && from <= until)
         add(fmt::format("{}: {}", KindText(incident.Kind), incident.Cause));
     }
     for (const Absence& absence : absences_)

@@ -175,6 +175,25 @@ TEST_F(ReportTest, AStepOfTheClockChangesNothingInTheSum) {
   EXPECT_EQ(Story().MissingSeconds, 0);
 }
 
+TEST_F(ReportTest, AClockThatIsSetForwardWithinASongAccountsForTheGapBeforeIt) {
+  Event();
+  Song(At(0), At(20));
+  // It began at 20, and seems to have begun when its length says.
+  Song(At(21), At(31));
+  Song(At(31), At(60));
+  Incident(IncidentKind::ClockStep, At(26), At(25), "the clock was set 0:01:00 forward");
+  EventStory story = Story();
+  ASSERT_EQ(story.Missing.size(), 1U);
+  EXPECT_EQ(story.Missing[0].Why, "clock: the clock was set 0:01:00 forward");
+
+  Rows.Incidents.clear();
+  Incident(IncidentKind::ClockStep, At(41), At(40), "the clock was set 0:01:00 forward");
+  EXPECT_EQ(Story().Missing[0].Why, "") << "in a later song";
+  Rows.Incidents.clear();
+  Incident(IncidentKind::Line, At(26), At(25), "the device is gone");
+  EXPECT_EQ(Story().Missing[0].Why, "") << "what else happens in the song is no reason";
+}
+
 TEST_F(ReportTest, AMissedEventMissesAllOfItAndSaysWhy) {
   Event(std::nullopt, "the clock went past it");
   Rows.Events[0].Began.reset();
