@@ -8,6 +8,7 @@
 
 #include "base/Text.h"
 #include "platform/sqlite/CandidateText.h"
+#include "platform/sqlite/HistorySchema.h"
 
 namespace kestrune::platform {
 namespace {
@@ -48,6 +49,11 @@ std::string Query(const std::vector<std::string>& words) {
 
 bool HasWord(const SqliteStatement& title, const std::string& word) {
   return base::ContainsNoCase(title.Text(1), word) || base::ContainsNoCase(title.Text(2), word);
+}
+
+/// Whether a title is wanted: all are, if none are named. They are sorted.
+bool IsAmong(const std::vector<std::int64_t>* titles, std::int64_t title) {
+  return titles == nullptr || std::binary_search(titles->begin(), titles->end(), title);
 }
 
 // A file of rubbish may have any number.
@@ -162,6 +168,7 @@ std::optional<HistoryRows> HistoryReader::ReadSpan(DateValue from, DateValue to)
 }
 
 std::optional<std::vector<HistoryPlay>> HistoryReader::Search(const HistorySearch& search) {
+  if (!IsKnown(search.Channel)) return std::vector<HistoryPlay>();
   const std::vector<std::string> words = WordsOf(search.Text);
   std::vector<Found> found;
   bool done = false;
@@ -250,6 +257,7 @@ bool HistoryReader::FindInTitles(const HistorySearch& search, const std::vector<
 
 bool HistoryReader::FindInPlays(const HistorySearch& search, const std::vector<std::int64_t>* titles,
                                 std::vector<Found>& found) {
+  if (search.Channel != 0) return FindOnChannel(search, titles, found);
   SqliteStatement plays(database_,
                         "SELECT began, channel, title FROM play WHERE began >= ? ORDER BY began DESC");
   if (search.Since) {
@@ -259,11 +267,40 @@ bool HistoryReader::FindInPlays(const HistorySearch& search, const std::vector<s
   }
   while (found.size() < search.Limit && plays.Next()) {
     const Found one{plays.Number(0), plays.Number(1), plays.Number(2)};
-    if (search.Channel != 0 && one.Channel != search.Channel) continue;
-    if (titles != nullptr && !std::binary_search(titles->begin(), titles->end(), one.Title)) continue;
-    found.push_back(one);
+    if (IsAmong(titles, one.Title)) found.push_back(one);
   }
   return !plays.Failed();
+}
+
+bool HistoryReader::FindOnChannel(const HistorySearch& search, const std::vector<std::int64_t>* titles,
+                                  std::vector<Found>& found) {
+  SqliteStatement hours(database_,
+                        "SELECT hour FROM heard WHERE channel = ? AND hour >= ? ORDER BY hour DESC");
+  SqliteStatement plays(database_,
+                        "SELECT began, title FROM play WHERE began >= ? AND began < ? AND channel = ? "
+                        "ORDER BY began DESC");
+  hours.Bind(1, std::int64_t{search.Channel})
+      .Bind(2, search.Since ? HistoryHour(*search.Since) : std::numeric_limits<std::int64_t>::min());
+  while (found.size() < search.Limit && hours.Next()) {
+    const DateValue begins = HistoryHourBegins(hours.Number(0));
+    plays.Bind(1, std::max(begins, search.Since.value_or(begins)))
+        .Bind(2, begins.AddHours(1))
+        .Bind(3, std::int64_t{search.Channel});
+    while (found.size() < search.Limit && plays.Next()) {
+      const Found one{plays.Number(0), search.Channel, plays.Number(1)};
+      if (IsAmong(titles, one.Title)) found.push_back(one);
+    }
+    if (plays.Failed()) return false;
+    plays.Reset();
+  }
+  return !hours.Failed();
+}
+
+bool HistoryReader::IsKnown(std::int16_t channel) {
+  if (channel == 0) return true;
+  SqliteStatement heard(database_, "SELECT 1 FROM heard WHERE channel = ? LIMIT 1");
+  // What cannot be read is for the search itself to find.
+  return heard.Bind(1, std::int64_t{channel}).Next() || heard.Failed();
 }
 
 std::optional<std::vector<HistoryPlay>> HistoryReader::WholeRows(const std::vector<Found>& found) {

@@ -39,6 +39,11 @@ class HistoryReader {
   /// The newest plays of any title, or of one of many, which will soon have come by.
   [[nodiscard]] bool FindInPlays(const HistorySearch& search, const std::vector<std::int64_t>* titles,
                                  std::vector<Found>& found);
+  /// The same on one channel, by way of the hours in which it was heard.
+  [[nodiscard]] bool FindOnChannel(const HistorySearch& search, const std::vector<std::int64_t>* titles,
+                                   std::vector<Found>& found);
+  /// Whether anything is known of the channel; true for all channels.
+  [[nodiscard]] bool IsKnown(std::int16_t channel);
   [[nodiscard]] std::optional<std::vector<HistoryPlay>> WholeRows(const std::vector<Found>& found);
 
   SqliteConnection& database_;

@@ -1,5 +1,7 @@
 #include "platform/sqlite/HistorySchema.h"
 
+#include <algorithm>
+#include <chrono>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -49,7 +51,14 @@ constexpr const char* kSteps[] = {
     "ALTER TABLE song ADD COLUMN cut_next TEXT;"
     "CREATE INDEX song_cut ON song (ended) WHERE cut_frame IS NOT NULL;"
     "CREATE TABLE lag (channel INTEGER PRIMARY KEY, changed INTEGER NOT NULL, model TEXT NOT NULL);",
+    // 3: the hours since 1970 in which anything began on a channel, which lead to its rows among those of all others.
+    "CREATE TABLE heard (channel INTEGER NOT NULL, hour INTEGER NOT NULL, PRIMARY KEY (channel, hour)) "
+    "WITHOUT ROWID;"
+    "INSERT OR IGNORE INTO heard SELECT channel, (began - (began % 3600 + 3600) % 3600) / 3600 FROM play;",
 };
+
+constexpr std::int64_t kSecondsTo1970 = 25569LL * 86400;
+constexpr std::int64_t kMostHours = 100'000'000;
 
 constexpr auto kVersion = static_cast<std::int64_t>(std::size(kSteps));
 
@@ -88,6 +97,16 @@ bool BringUpToDate(SqliteConnection& database, std::int64_t version) {
   if (database.Run(commands.c_str())) return true;
   if (database.InTransaction()) static_cast<void>(database.Run("ROLLBACK"));
   return false;
+}
+
+std::int64_t HistoryHour(base::DateValue moment) {
+  const std::chrono::seconds since1970(moment.Seconds() - kSecondsTo1970);
+  return std::chrono::floor<std::chrono::hours>(since1970).count();
+}
+
+base::DateValue HistoryHourBegins(std::int64_t hour) {
+  // A file of rubbish may have any number.
+  return base::DateValue::FromSeconds(kSecondsTo1970).AddHours(std::clamp(hour, -kMostHours, kMostHours));
 }
 
 }  // namespace kestrune::platform

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "base/DateValue.h"
 #include "platform/sqlite/SqliteConnection.h"
 
 namespace kestrune::platform {
@@ -24,5 +25,9 @@ inline constexpr std::int64_t kHistoryApplication = 0x4B535448;
 /// Takes the steps that lead from `version` to the present one, and notes it: all of them or, if it fails, none. An
 /// empty database has version 0.
 [[nodiscard]] bool BringUpToDate(SqliteConnection& database, std::int64_t version);
+
+/// The hour of a moment, as the table of what was heard counts them, and the moment at which an hour begins.
+[[nodiscard]] std::int64_t HistoryHour(base::DateValue moment);
+[[nodiscard]] base::DateValue HistoryHourBegins(std::int64_t hour);
 
 }  // namespace kestrune::platform

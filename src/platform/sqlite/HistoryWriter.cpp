@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/sqlite/CandidateText.h"
+#include "platform/sqlite/HistorySchema.h"
 
 namespace kestrune::platform {
 namespace {
@@ -27,6 +28,7 @@ HistoryWriter::HistoryWriter(SqliteConnection& database, HistoryLimits limits)
       event_(database, "INSERT OR REPLACE INTO event VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
       incident_(database, "INSERT OR REPLACE INTO incident VALUES (?, ?, ?, ?, ?)"),
       play_(database, "INSERT OR REPLACE INTO play VALUES (?, ?, ?, ?, ?)"),
+      heard_(database, "INSERT OR IGNORE INTO heard VALUES (?, ?)"),
       lag_(database, "INSERT OR REPLACE INTO lag VALUES (?, ?, ?)"),
       findStation_(database, "SELECT id FROM station WHERE name = ? AND genre = ?"),
       station_(database, "INSERT INTO station (name, genre) VALUES (?, ?)"),
@@ -115,6 +117,7 @@ bool HistoryWriter::Write(const HistoryPlay& play) {
   const auto title = TitleOf(play);
   const auto station = StationOf(play);
   if (!title || !station) return false;
+  if (!heard_.Bind(1, std::int64_t{play.Channel}).Bind(2, HistoryHour(play.From)).Run()) return false;
   return play_.Bind(1, play.From)
       .Bind(2, std::int64_t{play.Channel})
       .Bind(3, *title)
@@ -211,6 +214,8 @@ bool HistoryWriter::RemoveSomeRows() {
   }
   rowsRemoved_ = rowsRemoved_ || database_.Changes() != changes;
   if (more) return true;
+  SqliteStatement heard(database_, "DELETE FROM heard WHERE hour < ?");
+  if (!heard.Bind(1, HistoryHour(removeBefore_)).Run()) return false;
   removing_ = std::exchange(rowsRemoved_, false) ? Removing::Titles : Removing::Room;
   sweptTitles_ = 0;
   return true;

@@ -58,6 +58,7 @@ class HistoryWriter {
   SqliteStatement event_;
   SqliteStatement incident_;
   SqliteStatement play_;
+  SqliteStatement heard_;
   SqliteStatement lag_;
   SqliteStatement findStation_;
   SqliteStatement station_;

@@ -291,6 +291,31 @@ TEST_P(HistoryStoreContract, ASearchCanBeNarrowed) {
   EXPECT_EQ(Titles(search), "");
 }
 
+TEST_P(HistoryStoreContract, ASearchOnAChannelReachesBackOverAllItsHours) {
+  HistoryRows rows;
+  for (const int minute : {0, 59, 60, 61, 119, 3000, 100'000})
+    rows.Plays.push_back(PlayRow(minute, "Moon", std::to_string(minute), 3));
+  for (int minute = 0; minute < 5000; minute += 7) rows.Plays.push_back(PlayRow(minute, "Sun", "Other", 4));
+  Keep(rows);
+  HistorySearch search = For("");
+  search.Channel = 3;
+  EXPECT_EQ(Titles(search), "100000|3000|119|61|60|59|0");
+  search.Limit = 4;
+  EXPECT_EQ(Titles(search), "100000|3000|119|61");
+  search.Limit = 50;
+  search.Since = AtMinute(60);
+  EXPECT_EQ(Titles(search), "100000|3000|119|61|60");
+  search.Since = AtMinute(61);
+  EXPECT_EQ(Titles(search), "100000|3000|119|61");
+  search.Since = AtMinute(100'001);
+  EXPECT_EQ(Titles(search), "");
+  search.Since.reset();
+  search.Channel = 5;
+  EXPECT_EQ(Titles(search), "") << "nothing was heard of it";
+  search.Text = "moon";
+  EXPECT_EQ(Titles(search), "");
+}
+
 TEST_P(HistoryStoreContract, ACutComesBackAsItWas) {
   HistoryRows rows;
   rows.Songs = {CutRow(0, "One"), SongRow(3, "Two"), CutRow(6, "Three")};
