@@ -31,7 +31,8 @@ std::string_view AdviceAgainst(IncidentKind kind) {
     case IncidentKind::ClockStep:
       return "The clock was set: let the computer keep its time by the network.";
     case IncidentKind::Crash:
-      return "The program or the computer ended unexpectedly: look into the journal, and at the power.";
+      return "The program or the computer ended unexpectedly: look into the journal, and at the power. "
+             "What it was recording should be in the folder \"Recovered\".";
   }
   return {};
 }

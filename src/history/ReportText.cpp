@@ -1,5 +1,6 @@
 #include "history/ReportText.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <string_view>
@@ -35,8 +36,14 @@ std::string Songs(int count) {
   return Count(static_cast<std::size_t>(count), "song", "songs");
 }
 
-std::string MissingText(std::int64_t seconds) {
-  if (seconds == 0) return "nothing is missing";
+/// Whether a short part of the event is in no file that should be. A long one that a set clock has made up does not count.
+bool LacksMoments(const EventStory& event) {
+  return std::any_of(event.Missing.begin(), event.Missing.end(),
+                     [](const MissingPart& part) { return !part.Intended && part.Seconds < 60; });
+}
+
+std::string MissingText(std::int64_t seconds, bool lacksMoments) {
+  if (seconds == 0) return lacksMoments ? "less than a minute is missing" : "nothing is missing";
   return Count(static_cast<std::size_t>((seconds + 30) / 60), "minute is missing", "minutes are missing");
 }
 
@@ -93,7 +100,7 @@ std::string EventText(const EventStory& event) {
   std::string text =
       fmt::format("Event {}, {}, {} to {}: {}\n", event.Entry, Named(event.Channel, event.Station),
                   Moment(event.Due), sameDay ? base::FormatDate(event.Until, "hh:nn") : Moment(event.Until),
-                  MissingText(event.MissingSeconds));
+                  MissingText(event.MissingSeconds, LacksMoments(event)));
   if (const std::string state = StateText(event); !state.empty()) text += "  " + state + '\n';
   if (event.State != EventState::Missed) {
     text += fmt::format("  {} kept, {} dropped", Songs(event.Kept), event.Dropped);
@@ -126,9 +133,10 @@ std::string Summary(const Report& report) {
     missing += event.MissingSeconds;
   }
   for (const HistorySong& song : report.OtherSongs) ++(platform::IsKept(song.Fate) ? kept : dropped);
-  return fmt::format("{}, {} kept, {} dropped, {}, {}.\n", Count(report.Events.size(), "event", "events"),
-                     Songs(kept), dropped, MissingText(missing),
-                     Count(report.Incidents.size(), "incident", "incidents"));
+  return fmt::format(
+      "{}, {} kept, {} dropped, {}, {}.\n", Count(report.Events.size(), "event", "events"), Songs(kept),
+      dropped, MissingText(missing, std::any_of(report.Events.begin(), report.Events.end(), LacksMoments)),
+      Count(report.Incidents.size(), "incident", "incidents"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "history/ReportText.h"
@@ -10,6 +11,9 @@ namespace {
 using base::DateValue;
 using platform::HistorySong;
 using platform::SongFate;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 const DateValue kDue = DateValue::FromCivil(2026, 11, 21, 20, 0, 0);
 
@@ -99,6 +103,21 @@ TEST(ReportText, TellsProblemsFirstAndThenTheRest) {
             "\n"
             "Recorded by hand:\n"
             "    19:00:00     3:20  Rain - Cloud\n");
+}
+
+TEST(ReportText, MomentsThatAreMissingAreNotCalledNothing) {
+  Report report = Night();
+  EventStory& event = report.Events[1];
+  event.MissingSeconds = 0;
+  event.Missing[0].Seconds = 16;
+  EXPECT_THAT(ReportText(report),
+              AllOf(HasSubstr("2 dropped, less than a minute is missing, 2 incidents"),
+                    HasSubstr("Nov 21, 20:00 to 21:00: less than a minute is missing\n")));
+  event.Missing[0].Intended = true;
+  EXPECT_THAT(ReportText(report), Not(HasSubstr("less than")));
+  event.Missing[0].Intended = false;
+  event.Missing[0].Seconds = 3600;
+  EXPECT_THAT(ReportText(report), Not(HasSubstr("less than"))) << "a clock that was set";
 }
 
 TEST(ReportText, ANightWithoutAnythingIsShort) {
