@@ -48,6 +48,14 @@ ChoiceList SongDelays() {
   return list;
 }
 
+ChoiceList CutPlacements() {
+  using config::CutPlacement;
+  ChoiceList list;
+  list.Rows = {{"When the text changes", static_cast<std::int32_t>(CutPlacement::Text)},
+               {"By listening", static_cast<std::int32_t>(CutPlacement::Listen)}};
+  return list;
+}
+
 ChoiceList FileFormats() {
   ChoiceList list;
   for (const std::string_view code : config::FileFormats()) list.Rows.push_back({std::string(code), 0});
@@ -81,7 +89,7 @@ struct Configuration::Field {
 };
 
 // In the order in which a save stores the settings.
-const std::array<Configuration::Field, 14> Configuration::kFields{{
+const std::array<Configuration::Field, 15> Configuration::kFields{{
     {"MinSongLength", "cboMinLength",
      [](auto& controls, const auto& settings) { controls.cboMinLength.SelectValue(settings.MinSongLength); },
      [](const auto& controls, auto& settings) {
@@ -170,6 +178,15 @@ const std::array<Configuration::Field, 14> Configuration::kFields{{
        settings.Watch = controls.chkWatch;
        return true;
      }},
+    {"CutPlacement", "cboCutPlacement",
+     [](auto& controls, const auto& settings) {
+       controls.cboCutPlacement.SelectValue(static_cast<std::int32_t>(settings.CutPlacement));
+     },
+     [](const auto& controls, auto& settings) {
+       settings.CutPlacement = static_cast<config::CutPlacement>(
+           ChosenOr(controls.cboCutPlacement, static_cast<std::int16_t>(settings.CutPlacement)));
+       return true;
+     }},
 }};
 
 Configuration::Configuration(ConfigurationAccess access)
@@ -194,6 +211,7 @@ void Configuration::Load() {
   controls_.cboMinLength = MinLengths();
   controls_.cboMaxLength = MaxLengths();
   controls_.cboSongDelay = SongDelays();
+  controls_.cboCutPlacement = CutPlacements();
   controls_.cboFileFormat = FileFormats();
   FillDevices();
   for (const Field& field : kFields) field.Show(controls_, shown_);
@@ -336,6 +354,10 @@ void Configuration::chkWatch(bool checked) {
   controls_.chkWatch = checked;
   Touch("Watch");
   dirty_ = true;
+}
+
+void Configuration::cboCutPlacement(int row) {
+  Choose("CutPlacement", controls_.cboCutPlacement, row);
 }
 
 std::string Configuration::cmdBrowse() {

@@ -59,6 +59,7 @@ class Configuration {
   void chkDuplicates(bool checked);
   void chkTaskBarMinimized(bool checked);
   void chkWatch(bool checked);
+  void cboCutPlacement(int row);
 
   /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
@@ -94,7 +95,7 @@ class Configuration {
 
  private:
   struct Field;
-  static const std::array<Field, 14> kFields;
+  static const std::array<Field, 15> kFields;
 
   void FillDevices();
   void Touch(std::string_view key);
@@ -107,7 +108,7 @@ class Configuration {
   ConfigurationAccess access_;
   ConfigurationControls controls_;
   config::Settings shown_;  ///< as of Load, or the last Follow
-  std::bitset<14> touched_;
+  std::bitset<15> touched_;
   bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
   bool first_ = false;
   bool dirty_ = false;

@@ -25,6 +25,7 @@ struct ConfigurationControls {
   bool chkDuplicates = false;
   bool chkTaskBarMinimized = false;
   bool chkWatch = false;
+  ChoiceList cboCutPlacement;  ///< the values of config::CutPlacement
 };
 
 }  // namespace kestrune::presenters

@@ -29,6 +29,7 @@ namespace {
 using presenters::Configuration;
 
 constexpr int kLengthCharacters = 10;
+constexpr int kPlacementCharacters = 22;
 constexpr int kDeviceCharacters = 40;
 constexpr int kNumberCharacters = 6;
 
@@ -138,6 +139,18 @@ void frmConfig::FillSongs() {
   unit->setTextFormat(Qt::PlainText);
   delay->addWidget(unit);
   delay->addStretch();
+  cboCutPlacement_ =
+      AddList("cboCutPlacement",
+              "Cut songs when the delay after their text is over, or where the new song is heard "
+              "to begin",
+              kPlacementCharacters, &Configuration::cboCutPlacement);
+  add(3, "Songs Are Cut:", cboCutPlacement_)->addStretch();
+  auto* explanation = new QLabel(
+      QStringLiteral("By listening, Kestrune finds where each song begins, and learns each station's delay."),
+      this);
+  Name(*explanation, "lblCutExplanation");
+  explanation->setTextFormat(Qt::PlainText);
+  grid.addWidget(explanation, 4, 1);
 }
 
 void frmConfig::FillFiles() {
@@ -315,6 +328,7 @@ void frmConfig::Refresh() {
   ShowChoices(*cboMinLength_, controls.cboMinLength);
   ShowChoices(*cboMaxLength_, controls.cboMaxLength);
   ShowChoices(*cboSongDelay_, controls.cboSongDelay);
+  ShowChoices(*cboCutPlacement_, controls.cboCutPlacement);
   ShowText(*txtFileDir_, controls.txtFileDir);
   ShowText(*txtFilenameFormat_, controls.txtFilenameFormat);
   ShowChoices(*cboFileFormat_, controls.cboFileFormat);

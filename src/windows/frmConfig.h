@@ -91,6 +91,7 @@ class frmConfig final : public QDialog {
   QComboBox* cboMinLength_ = nullptr;
   QComboBox* cboMaxLength_ = nullptr;
   QComboBox* cboSongDelay_ = nullptr;
+  QComboBox* cboCutPlacement_ = nullptr;
   QLineEdit* txtFileDir_ = nullptr;
   QLineEdit* txtFilenameFormat_ = nullptr;
   QCheckBox* chkDuplicates_ = nullptr;

@@ -272,6 +272,7 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   rig_.Settings.FilenameFormat = "%s";
   rig_.Settings.FormatMP3.Bitrate = 64;
   rig_.Settings.Watch = false;
+  rig_.Settings.CutPlacement = config::CutPlacement::Listen;
   const config::FormatMP3 mp3 = rig_.Settings.FormatMP3;
   window_.Load();
   window_.cmdDefault();
@@ -288,6 +289,7 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   EXPECT_EQ(rig_.Idle.Calls.back(), "SetFormatMP3 44100 2 64");
   // And these stay.
   EXPECT_FALSE(Shown().chkWatch);
+  EXPECT_EQ(Shown().cboCutPlacement.Text(), "By listening");
   EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
   EXPECT_EQ(Shown().txtFileDir, "/music/");
   EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
@@ -380,12 +382,13 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   window_.chkDuplicates(false);
   window_.chkTaskBarMinimized(false);
   window_.chkWatch(false);
+  window_.cboCutPlacement(1);
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_THAT(rig_.Saves(),
               ElementsAre("MinSongLength=20", "MaxSongLength=90", "SongDelay=5000", "FileDir=/data/",
                           "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
                           "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
-                          "TaskBarMinimized=False", "Watch=False"));
+                          "TaskBarMinimized=False", "Watch=False", "CutPlacement=Listen"));
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 20);
   EXPECT_EQ(saved.MaxSongLength, 90);
@@ -401,6 +404,7 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
   EXPECT_FALSE(saved.Watch);
+  EXPECT_EQ(saved.CutPlacement, config::CutPlacement::Listen);
   EXPECT_FALSE(window_.Dirty());
   EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 1);
 }
@@ -504,6 +508,7 @@ TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
       {"SaveDuplicates=False", [](Configuration& window) { window.chkDuplicates(false); }},
       {"TaskBarMinimized=False", [](Configuration& window) { window.chkTaskBarMinimized(false); }},
       {"Watch=False", [](Configuration& window) { window.chkWatch(false); }},
+      {"CutPlacement=Listen", [](Configuration& window) { window.cboCutPlacement(1); }},
   };
   for (const auto& [saved, touch] : touches) {
     ConfigurationRig rig;
@@ -522,7 +527,7 @@ TEST_F(ConfigurationTest, AfterDefaultSettingsEveryFieldIsSaved) {
   rig_.Settings.FileDir = "/elsewhere/";
   window_.Follow();
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 14U);
+  EXPECT_EQ(rig_.Saves().size(), 15U);
   EXPECT_TRUE(rig_.Settings.TaskBarMinimized);
   EXPECT_EQ(rig_.Settings.FileDir, "/music/") << "as it was shown";
 }
@@ -531,7 +536,7 @@ TEST_F(ConfigurationTest, TheFirstConfigurationStoresEverySettingOfTheWindow) {
   window_.LoadFirst();
   rig_.Settings.MinSongLength = 60;
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 14U);
+  EXPECT_EQ(rig_.Saves().size(), 15U);
   EXPECT_EQ(rig_.Stored("MinSongLength"), "60") << "what nobody touched is stored as it is";
 }
 

@@ -60,6 +60,10 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
       {"cboSongDelay", "",
        "Wait this many milliseconds after song changes before stopping recording (recommended=600)"},
       {"lblMS", "ms   (1000 ms = 1 second)", ""},
+      {"cboCutPlacement", "",
+       "Cut songs when the delay after their text is over, or where the new song is heard to begin"},
+      {"lblCutExplanation",
+       "By listening, Kestrune finds where each song begins, and learns each station's delay.", ""},
       {"txtFileDir", "", ""},
       {"cmdBrowse", "&Browse", "Click to select folder files are saved into"},
       {"txtFilenameFormat", "", "Format to use when writing filenames of recorded files"},
@@ -101,10 +105,10 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
     }
   }
   for (const char* caption :
-       {"Minimum Song Length:", "Maximum Song Length:", "Song Change Delay:", "File Save Folder:",
-        "Filename Format:", "File Format:", "Format Specifications:", "Recording Device:",
-        "Automatic Gain Control:", "Low Level:", "High Level:", "AttackTime:", "Duplicate Files:",
-        "Show in Taskbar:"}) {
+       {"Minimum Song Length:", "Maximum Song Length:", "Song Change Delay:", "Songs Are Cut:",
+        "File Save Folder:", "Filename Format:", "File Format:", "Format Specifications:",
+        "Recording Device:", "Automatic Gain Control:", "Low Level:", "High Level:", "AttackTime:",
+        "Duplicate Files:", "Show in Taskbar:"}) {
     EXPECT_TRUE(HasLabel(window_, caption)) << caption;
   }
 }
@@ -115,7 +119,7 @@ TEST_F(FrmConfigTest, TheListsShowTheRulesRows) {
   const std::vector<std::pair<const char*, const presenters::ChoiceList*>> lists{
       {"cboMinLength", &shown.cboMinLength}, {"cboMaxLength", &shown.cboMaxLength},
       {"cboSongDelay", &shown.cboSongDelay}, {"cboFileFormat", &shown.cboFileFormat},
-      {"cboDevice", &shown.cboDevice},
+      {"cboDevice", &shown.cboDevice},       {"cboCutPlacement", &shown.cboCutPlacement},
   };
   for (const auto& [name, list] : lists) {
     const auto& box = Find<QComboBox>(window_, name);
@@ -134,6 +138,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   ChooseRow(Find<QComboBox>(window_, "cboMinLength"), 1);
   ChooseRow(Find<QComboBox>(window_, "cboMaxLength"), 30);
   ChooseRow(Find<QComboBox>(window_, "cboSongDelay"), 7);
+  ChooseRow(Find<QComboBox>(window_, "cboCutPlacement"), 1);
   ChooseRow(Find<QComboBox>(window_, "cboDevice"), 1);
   auto& folder = Find<QLineEdit>(window_, "txtFileDir");
   folder.selectAll();
@@ -153,6 +158,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   EXPECT_EQ(saved.MinSongLength, 2);
   EXPECT_EQ(saved.MaxSongLength, 900);
   EXPECT_EQ(saved.SongDelay, 700);
+  EXPECT_EQ(saved.CutPlacement, config::CutPlacement::Listen);
   EXPECT_EQ(saved.InputDevice, 3);
   EXPECT_EQ(saved.FileDir, "/data/Lieder/");
   EXPECT_EQ(saved.FilenameFormat, "%a\\%s");
@@ -426,11 +432,27 @@ TEST_F(FrmConfigTest, DefaultsAreShown) {
 
 TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
   window_.ShowModeless();
-  const std::vector<const char*> order{
-      "cboMinLength",        "cboMaxLength",      "cboSongDelay",   "txtFileDir",      "cmdBrowse",
-      "txtFilenameFormat",   "cmdFilenameFormat", "chkDuplicates",  "cboFileFormat",   "cmdChangeFormatSpecs",
-      "cboDevice",           "chkAGCEnabled",     "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime",
-      "chkTaskBarMinimized", "chkWatch",          "cmdDefault",     "cmdSave",         "cmdCancel"};
+  const std::vector<const char*> order{"cboMinLength",
+                                       "cboMaxLength",
+                                       "cboSongDelay",
+                                       "cboCutPlacement",
+                                       "txtFileDir",
+                                       "cmdBrowse",
+                                       "txtFilenameFormat",
+                                       "cmdFilenameFormat",
+                                       "chkDuplicates",
+                                       "cboFileFormat",
+                                       "cmdChangeFormatSpecs",
+                                       "cboDevice",
+                                       "chkAGCEnabled",
+                                       "txtAGCLowLevel",
+                                       "txtAGCHighLevel",
+                                       "txtAGCAttackTime",
+                                       "chkTaskBarMinimized",
+                                       "chkWatch",
+                                       "cmdDefault",
+                                       "cmdSave",
+                                       "cmdCancel"};
   EXPECT_EQ(window_.focusWidget()->objectName(), order.front());
   for (std::size_t i = 1; i < order.size(); ++i) {
     QTest::keyClick(window_.focusWidget(), Qt::Key_Tab);
