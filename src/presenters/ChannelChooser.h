@@ -36,6 +36,8 @@ class ChannelChooser {
       [this](std::int16_t channel, const std::function<void()>& /*refused*/) {
         channels_.SetChannelNumber(channel);
       };
+  /// What else is to be said of a channel; may be empty.
+  std::function<std::string(std::int16_t channel)> Tip = [](auto) { return std::string(); };
   /// Clears `chkChannelListing` of the main window, which hides this one.
   std::function<void()> ClearChannelListing = [] {};
 

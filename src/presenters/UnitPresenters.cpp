@@ -6,6 +6,7 @@
 
 #include "base/Ignored.h"
 #include "presenters/Explanation.h"
+#include "presenters/LagTip.h"
 
 namespace kestrune::presenters {
 
@@ -13,6 +14,7 @@ UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside
     : unit_(unit),
       parts_(unit.Parts()),
       outside_(outside),
+      cutOffer_(unit.State(), parts_.Section),
       options_(parts_.Settings, unit.State().Run, parts_.Boxes),
       switches_(desktop_, outside.Windows, parts_.Settings, unit.State().Run),
       resize_(desktop_, outside.Windows, unit.State().Settings, unit.State().Run),
@@ -31,6 +33,7 @@ UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside
   };
   presets_.Tune = tune;
   channelChooser_.Tune = tune;
+  channelChooser_.Tip = [this](std::int16_t channel) { return TipOfChannel(channel); };
   unit_.SetPresentation(this);
 }
 
@@ -39,7 +42,14 @@ UnitPresenters::~UnitPresenters() {
 }
 
 std::string UnitPresenters::Explanation() const {
+  if (cutOffer_.Shown() && unit_.State().Watch.Warning().empty()) return std::string(CutOffer::kText);
   return ExplainRecording(unit_.State(), parts_.Restrictions);
+}
+
+std::string UnitPresenters::TipOfChannel(std::int16_t channel) const {
+  if (unit_.State().Settings.CutPlacement != config::CutPlacement::Listen) return {};
+  const cut::LagModel* const learned = parts_.StationLags.Learned(channel);
+  return learned == nullptr ? std::string() : LagTip(*learned);
 }
 
 std::optional<recorder::WindowPlace> UnitPresenters::PlaceToRemember() const {

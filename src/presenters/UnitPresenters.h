@@ -8,6 +8,7 @@
 
 #include "presenters/ChannelChooser.h"
 #include "presenters/ConfigurationAccess.h"
+#include "presenters/CutOffer.h"
 #include "presenters/GrabKill.h"
 #include "presenters/LevelMeter.h"
 #include "presenters/MainWindow.h"
@@ -40,7 +41,7 @@ class UnitPresenters final : private recorder::Presentation {
 
   /// What it shows now.
   [[nodiscard]] MainWindow Window() const { return ShowState(unit_.State(), desktop_); }
-  /// What becomes of the song that plays, and why.
+  /// What becomes of the song that plays, and why; once, that songs can be cut by listening.
   [[nodiscard]] std::string Explanation() const;
   /// What only the window knows of itself; the window keeps it up to date.
   [[nodiscard]] DesktopRecord& OnDesktop() { return desktop_; }
@@ -66,6 +67,7 @@ class UnitPresenters final : private recorder::Presentation {
   void LoadPresets() override { presets_.LoadPresets(); }
   void QuitChannels() override { channelChooser_.Quit(); }
   void ApplyResizeRule() override { resize_.Apply(); }
+  void FollowSongs() override { cutOffer_.Follow(); }
   [[nodiscard]] std::int32_t DisplaySamples() const override { return audioDisplay_.SampleCount(); }
   void DrawSound(std::span<const std::int16_t> samples, const platform::PcmFormat& format) override {
     audioDisplay_.Draw(samples, format);
@@ -75,12 +77,15 @@ class UnitPresenters final : private recorder::Presentation {
   [[nodiscard]] bool ChannelKept() const { return unit_.State().Recording.GetRecordingStatus(); }
   [[nodiscard]] PresetKeys KeysOfPresets();
   [[nodiscard]] NowLines LinesOfNow() const;
+  /// What was learned of a channel; empty if nothing was, or cuts do not follow from it.
+  [[nodiscard]] std::string TipOfChannel(std::int16_t channel) const;
 
   recorder::Kestrune& unit_;
   recorder::UnitParts parts_;
   recorder::Outside outside_;
 
   DesktopRecord desktop_;
+  CutOffer cutOffer_;
   OptionRules options_;
   WindowSwitches switches_;
   ResizeRule resize_;

@@ -143,6 +143,7 @@ void Kestrune::tmrClock_Timer() {
   clock_.Tick();
   chronicle_.Follow(state_.Watch);
   presentation_->ApplyResizeRule();
+  presentation_->FollowSongs();
 }
 
 void Kestrune::AudioRecord_Timer() {

@@ -26,6 +26,8 @@ class Presentation {
   virtual void QuitChannels() {}
   /// The rule that follows the main window's size and state, ten times a second.
   virtual void ApplyResizeRule() {}
+  /// What follows from the songs that have ended, ten times a second.
+  virtual void FollowSongs() {}
 
   /// How many of the newest samples the level display takes; 0 while nothing is displayed.
   [[nodiscard]] virtual std::int32_t DisplaySamples() const { return 0; }

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "base/Numbers.h"
 #include "base/OneLine.h"
 #include "windows/Binding.h"
 
@@ -14,6 +15,15 @@ namespace {
 QString Shown(std::string_view cell) {
   if (!cell.empty() && cell.front() == ' ') cell.remove_prefix(1);
   return ToQt(base::OneLine(cell));
+}
+
+/// A text that is never taken for markup; empty stays empty.
+QString AsMarkup(const QString& text) {
+  return text.isEmpty() ? text : QStringLiteral("<span>") + text.toHtmlEscaped() + QStringLiteral("</span>");
+}
+
+std::int16_t ChannelOf(const radio::ChannelGrid::Row& row) {
+  return base::ToInt16(base::LeadingNumber(row[radio::ChannelGrid::Number])).value_or(0);
 }
 
 }  // namespace
@@ -143,8 +153,9 @@ QVariant ChannelGridModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
       return text();
     case Qt::ToolTipRole:
-      // Never taken for markup.
-      return QString(QStringLiteral("<span>") + text().toHtmlEscaped() + QStringLiteral("</span>"));
+      return AsMarkup(text());
+    case RowTipRole:
+      return AsMarkup(ToQt(RowTip(ChannelOf(rows_[static_cast<std::size_t>(index.row())]))));
     case Qt::TextAlignmentRole:
       return QVariant(index.column() == radio::ChannelGrid::Number ? Qt::AlignRight | Qt::AlignVCenter
                                                                    : Qt::AlignLeft | Qt::AlignVCenter);

@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,11 @@ class ChannelGridModel final : public QAbstractTableModel {
  public:
   /// The grid must outlive the model.
   explicit ChannelGridModel(const radio::ChannelGrid& grid, QObject* parent = nullptr);
+
+  /// What is said of a whole row, as markup; empty if nothing is.
+  static constexpr int RowTipRole = Qt::UserRole;
+  /// The text behind it, by channel.
+  std::function<std::string(std::int16_t channel)> RowTip = [](auto) { return std::string(); };
 
   /// Costs nothing if the grid has not changed.
   void Update();

@@ -9,23 +9,27 @@
 #include <algorithm>
 #include <utility>
 
+#include "windows/ChannelGridModel.h"
 #include "windows/HotKeys.h"
 
 namespace kestrune::windows {
 namespace {
 
-/// Shows the full text as a tip only where it is cut off.
+/// Shows the full text as a tip only where it is cut off, and what is said of the row everywhere.
 class CutTextDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
 
   bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                  const QModelIndex& index) override {
-    if (event->type() == QEvent::ToolTip && sizeHint(option, index).width() <= option.rect.width()) {
-      QToolTip::hideText();
-      return true;
-    }
-    return QStyledItemDelegate::helpEvent(event, view, option, index);
+    if (event->type() != QEvent::ToolTip) return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStringList tips;
+    if (sizeHint(option, index).width() > option.rect.width()) tips << index.data(Qt::ToolTipRole).toString();
+    tips << index.data(ChannelGridModel::RowTipRole).toString();
+    tips.removeAll(QString());
+    // An empty text hides the tip.
+    QToolTip::showText(event->globalPos(), tips.join(QStringLiteral("<br>")), view);
+    return true;
   }
 };
 

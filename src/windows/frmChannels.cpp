@@ -44,6 +44,7 @@ frmChannels::frmChannels(presenters::ChannelChooser& rules, const config::Settin
   setWindowTitle(QStringLiteral("Kestrune Channels"));
 
   Name(*grdChannels_, "grdChannels", {}, "Channels and what they play");
+  model_->RowTip = [this](std::int16_t channel) { return rules_.Tip(channel); };
   grdChannels_->setModel(model_);
   grdChannels_->BeforeInput = [this] { Refresh(); };
   grdChannels_->Moved = [this](int row) {

@@ -149,6 +149,17 @@ TEST_F(ChannelGridModelTest, TextsOfTheRadioAreShownAsTheyAreOnOneLineAndNeverAs
             QStringLiteral("<span>&lt;b&gt;Bold&lt;/b&gt;</span>"));
 }
 
+TEST_F(ChannelGridModelTest, ARowHasATipOfItsOwnThatIsNeverTakenForMarkup) {
+  grid.AddRow({.Number = 45, .Station = "R&B", .Artist = "Moon", .Song = "River"});
+  model.Update();
+  EXPECT_EQ(model.index(0, 2).data(ChannelGridModel::RowTipRole).toString(), QString());
+  model.RowTip = [](std::int16_t channel) { return "<i>" + std::to_string(channel); };
+  for (const int column : {0, 4}) {
+    EXPECT_EQ(model.index(0, column).data(ChannelGridModel::RowTipRole).toString(),
+              QStringLiteral("<span>&lt;i&gt;45</span>"));
+  }
+}
+
 // Random changes of the grid, some of them between two updates: the model always ends up equal to the grid,
 // and what points at a channel's row follows it until it is removed.
 TEST_F(ChannelGridModelTest, FollowsAnyChangesOfTheGrid) {
