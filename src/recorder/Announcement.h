@@ -37,7 +37,7 @@ struct Announcement {
   /// Nothing while no song is known.
   std::optional<Tip> TrayTip;
 
-  /// Nothing before the first reply.
+  /// Nothing before the first reply, nor after an outage until the radio reports anew.
   std::optional<recorder::Signal> Signal;
 };
 

@@ -1,5 +1,7 @@
 #include "recorder/Announcer.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 namespace kestrune::recorder {
@@ -42,10 +44,9 @@ void Announcer::ShowTrayTip() {
 void Announcer::pcrSignalReceived(std::int16_t satellite1, std::int16_t satellite2,
                                   std::int16_t terrestrial) {
   if (state_.Run.ShuttingDown) return;
-  const bool first = !state_.Announcement.Signal;
   state_.Announcement.Signal = {
       .Satellite1 = satellite1, .Satellite2 = satellite2, .Terrestrial = terrestrial};
-  if (!first) return;
+  if (std::exchange(signalLogged_, true)) return;
   journal_.DoLog(fmt::format("Satellite 1 signal quality: {}%", satellite1));
   journal_.DoLog(fmt::format("Satellite 2 signal quality: {}%", satellite2));
   journal_.DoLog(fmt::format("Terrestrial signal quality: {}%", terrestrial));

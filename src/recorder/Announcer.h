@@ -31,6 +31,7 @@ class Announcer final {
  private:
   State& state_;
   base::Journal& journal_;
+  bool signalLogged_ = false;
 };
 
 }  // namespace kestrune::recorder

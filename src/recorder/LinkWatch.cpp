@@ -36,6 +36,7 @@ radio::LinkOrders LinkWatch::Orders() const {
 
 void LinkWatch::RadioLost(const radio::LinkStatus& status) {
   parts_.Journal.DoLog(radio::RadioLostLine(status));
+  state_.Announcement.Signal.reset();
   tmrReturn_->SetEnabled(false);
   step_ = Step::Nothing;
   MarkCaptureInHand();
@@ -43,6 +44,8 @@ void LinkWatch::RadioLost(const radio::LinkStatus& status) {
 
 void LinkWatch::RadioFound(const radio::LinkStatus& status, std::chrono::milliseconds away) {
   parts_.Journal.DoLog(radio::RadioFoundLine(status, away));
+  // It may have come from a radio that had not said who it is.
+  state_.Announcement.Signal.reset();
   if (status.Port != state_.Settings.PortNum) {
     config::Settings wished = state_.Settings;
     wished.PortNum = status.Port;

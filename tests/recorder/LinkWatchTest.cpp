@@ -1,4 +1,7 @@
 // Outages of the radio on a whole unit: what is logged, recorded and shown.
+#include <algorithm>
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -279,7 +282,10 @@ TEST_F(LinkWatchTest, CommandsThatNeedTheRadioSayThatItIsLost) {
             "the radio is lost: the device is gone");
   EXPECT_EQ(Answer([&](auto answered) { wishes.Mute(true, answered); }),
             "the radio is lost: the device is gone");
+  EXPECT_EQ(Answer([&](auto answered) { wishes.ToggleMute(answered); }),
+            "the radio is lost: the device is gone");
   EXPECT_EQ(rig->State().Radio.ChannelNumber, 44);
+  EXPECT_FALSE(rig->State().Recording.Muted);
   EXPECT_EQ(Answer([&](auto answered) { wishes.ChangeSetting("SongDelay", "700", answered); }), "done");
 }
 
@@ -301,6 +307,52 @@ TEST_F(LinkWatchTest, WindowAndStatusShowNothingStale) {
   EXPECT_EQ(rig.Window().pbrSatSignal[0].Caption, "80%");
   EXPECT_EQ(control::StatusOf(rig->Snapshot()).Port, 1);
   EXPECT_EQ(control::StatusOf(rig->Snapshot()).RadioLost, "");
+}
+
+TEST_F(LinkWatchTest, TheSignalIsUnknownUntilTheRadioReportsItAnew) {
+  rig.StartIdle();
+  ASSERT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 80);
+  // Everything is answered but the question for the signal.
+  rig.Radio.WhenCommanded = [this] { rig.Radio.Answers = rig.Radio.Commands.back() != "5AA5000143EDED"; };
+  Unplugged(10s);
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 0);
+  EXPECT_EQ(rig.Window().pbrSatSignal[0].Caption, "");
+  rig.Radio.WhenCommanded = [] {};
+  rig.Radio.Answers = true;
+  rig.Run(10s);
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 80);
+  EXPECT_EQ(rig.Window().pbrSatSignal[0].Caption, "80%");
+  EXPECT_EQ(std::ranges::count(rig.LogTexts(), "Satellite 1 signal quality: 80%"), 1) << "as told";
+}
+
+TEST_F(LinkWatchTest, ASignalReportedInAnOutageIsNotShownAfterIt) {
+  rig.StartIdle();
+  rig.Radio.Answers = false;
+  rig.Run(15s);
+  ASSERT_FALSE(rig->State().Link.Up());
+  // One answer to the signal's question, before the radio has said who it is.
+  bool signal = true;
+  rig.Radio.WhenCommanded = [&] {
+    const bool asked = rig.Radio.Commands.back() == "5AA5000143EDED";
+    rig.Radio.Answers = asked ? std::exchange(signal, false) : !signal;
+  };
+  ASSERT_TRUE(rig.Loop.RunUntil([this] { return rig->State().Announcement.Signal.has_value(); }, 40s));
+  EXPECT_FALSE(rig->State().Link.Up());
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 0);
+  ASSERT_TRUE(rig.Loop.RunUntil([this] { return rig->State().Link.Up(); }, 40s));
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 0);
+  rig.Run(10s);
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 0);
+}
+
+TEST_F(LinkWatchTest, TheSignalFromBeforeStaysAwayIfTheWatchIsSwitchedOffInAnOutage) {
+  rig.StartIdle();
+  rig.Radio.Unplug();
+  rig.Run(3s);
+  EXPECT_EQ(Answer([&](auto answered) { rig->Wishes().ChangeSetting("Watch", "False", answered); }), "done");
+  ASSERT_TRUE(rig->State().Link.Up());
+  EXPECT_EQ(control::StatusOf(rig->Snapshot()).Satellite1, 0);
+  EXPECT_EQ(rig.Window().pbrSatSignal[0].Caption, "");
 }
 
 TEST_F(LinkWatchTest, ASongWithAnOutageIsExplained) {
