@@ -1,5 +1,6 @@
 #include "radio/line/RadioLink.h"
 
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -100,19 +101,13 @@ base::Result RadioLink::Ready() const {
   return base::Result::Failed("the radio is lost: " + status_.Cause);
 }
 
-std::optional<SignalQuality> RadioLink::Signal() const {
-  if (!status_.Up() || session_.Traffic().Count(ReplyType::Signal) == signalReplies_) return std::nullopt;
-  const ReplyState& replies = session_.Replies();
-  return SignalQuality{.Satellite1 = replies.pcrSat1SignalQuality,
-                       .Satellite2 = replies.pcrSat2SignalQuality,
-                       .Terrestrial = replies.pcrTerSignalQuality};
-}
-
 void RadioLink::Beat() {
   if (run_.ShuttingDown) return StopWatch();
   if (loop_.Pumping()) return tmrLink_->SetInterval(kAfterWait);
   const LinkOrders orders = owner_->Orders();
   const bool jumped = jump_.Seen();
+  // Whatever sleeps may find its devices numbered anew.
+  if (jumped) roster_.SuspectAll();
   if (!orders.Watch) {
     Rest();
   } else if (status_.Up()) {
@@ -274,7 +269,6 @@ void RadioLink::Return(const LinkOrders& orders, bool muteAnswered) {
   roster_.Remember(status_.Port);
   beats_ = 0;
   gaps_ = traffic.Gaps();
-  signalReplies_ = traffic.Count(ReplyType::Signal);
   keeper_.Begin(!muteAnswered || mutedByRemedy_ != orders.Muted);
   base::Ignored(session_.pcrGetSignalLevels());
   owner_->RadioFound(status_, loop_.SteadyNow() - lostAt_);

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,7 +22,6 @@
 #include "radio/line/RadioSearch.h"
 #include "radio/line/RadioSession.h"
 #include "radio/line/RemedyPace.h"
-#include "radio/line/Replies.h"
 #include "radio/line/TimeJump.h"
 #include "radio/line/TuningKeeper.h"
 
@@ -42,11 +40,11 @@ namespace kestrune::radio {
 /// 1. It notices a line that hung up (Lost, within half a second), ten requests in a row without any reply (Silent)
 ///    and three refusals "powered off" in a row (Off). A reply lost now and then raises nothing, nor does a frame that
 ///    never ends: it is dropped when three requests have gone unanswered, as no frame takes so long.
-/// 2. Remedies follow one another at the pace of RemedyPace: ask, power on, close and open
-///    again; after a hang-up, the device under its own or another number. Only a radio with the identifier of
-///    the start is accepted; if that is unknown, any on the same number. The first remedy of an outage is due at
-///    once, and so is the next one after a jump of the clocks, with which the pace begins anew. A radio that answers
-///    again by itself is asked who it is before its turn.
+/// 2. Remedies follow one another at the pace of RemedyPace: ask, power on, close and open again; after a hang-up, the
+///    device under its own or another number. Only a radio with the identifier of the start is accepted; if that is
+///    unknown, any on the same number. The first remedy of an outage is due at once, and so is the next one after a jump
+///    of the clocks, with which the pace begins anew, and after which devices may have changed their numbers. A radio
+///    that answers again by itself is asked who it is before its turn.
 /// 3. When the link comes up, the radio has been put on the channel and the mute that its owner orders. While it is up,
 ///    TuningKeeper keeps it there; the channel and the mute are sent once more after a gap in the replies and after a
 ///    jump of the clocks, when the radio may have lost its power.
@@ -117,9 +115,6 @@ class RadioLink {
   /// Done if a command can reach the radio now. The cause is fit for a refusal: "the radio is lost: the device is
   /// gone".
   [[nodiscard]] base::Result Ready() const;
-  /// The signal as the radio reported it last. Nothing before its first report, nor while the link is not up, nor after
-  /// that until the radio reports anew.
-  [[nodiscard]] std::optional<SignalQuality> Signal() const;
 
  protected:
   /// For tests, which do to the line what no user of the link can.
@@ -157,10 +152,9 @@ class RadioLink {
 
   // While the link is up.
   TuningKeeper keeper_;
-  std::uint32_t gaps_ = 0;           // seen
-  std::uint32_t signalReplies_ = 0;  // before it came up
-  int beats_ = 0;                    // since the roster was brought up to date
-  int partialBeats_ = 0;             // for so long nothing has come but parts of a frame
+  std::uint32_t gaps_ = 0;  // seen
+  int beats_ = 0;           // since the roster was brought up to date
+  int partialBeats_ = 0;    // for so long nothing has come but parts of a frame
 
   // While it is not.
   Milliseconds lostAt_{0};

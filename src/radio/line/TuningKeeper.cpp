@@ -27,7 +27,9 @@ void TuningKeeper::Begin(bool muteOwed) {
 }
 
 void TuningKeeper::MayHaveLostPower(const LinkOrders& orders) {
-  if (session_.Traffic().Tuning() == Tuning::ByUser && !orders.InEvent) return;
+  const LineTraffic& traffic = session_.Traffic();
+  const bool usersOwn = traffic.Tuning() == Tuning::ByUser && traffic.Channel() != orders.Channel;
+  if (usersOwn && !orders.InEvent) return;
   session_.DoubtTuning();
   if (muteOwed_) return;
   muteOwed_ = true;

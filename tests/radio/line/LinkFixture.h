@@ -54,6 +54,10 @@ class Polling {
     channels_->SetEnabled(true);
     signal_->SetEnabled(true);
   }
+  void Stop() {
+    channels_->SetEnabled(false);
+    signal_->SetEnabled(false);
+  }
 
  private:
   void AskChannel() {

@@ -18,6 +18,7 @@ using ::testing::IsEmpty;
 
 constexpr const char* kSetup = "5AA500037400010177";
 constexpr const char* kPowerOn = "5AA500050010101001EDED";
+constexpr const char* kPowerOff = "5AA500020100EDED";
 constexpr const char* kTuneTo45 = "5AA5000610022D0000010119";
 constexpr const char* kTuneTo9 = "5AA500061002090000010119";
 constexpr const char* kMuteOn = "5AA500021301EDED";
@@ -238,6 +239,24 @@ TEST_F(RadioLinkTest, RadiosThatChangedPlacesUnseenAreToldApart) {
   EXPECT_EQ(link.Status().Port, 2);
 }
 
+TEST_F(RadioLinkTest, AnIdentifierGarbledOnceSuspectsNobody) {
+  radio_.Strangers[2] = "WXYZ9876";
+  loop.Run(20s);
+  radio_.Unplug();
+  loop.Run(1s);
+  radio_.Commands.clear();
+  radio_.Identifier = "ABCD1235";
+  radio_.WhenCommanded = [&] {
+    if (Sent(kAskIdentifier) > 1) radio_.Identifier = "ABCD1234";
+  };
+  radio_.Plug();
+  ASSERT_TRUE(
+      loop.RunUntil([this] { return link.Status().Cause == "another radio answers on port 1"; }, 10s));
+  UntilUp();
+  EXPECT_EQ(link.Status().Port, 1);
+  EXPECT_THAT(radio_.CommandsToStrangers, IsEmpty());
+}
+
 TEST_F(RadioLinkTest, ADeviceThatWasThereAllAlongIsNeverTouched) {
   radio_.Strangers[2] = "WXYZ9876";
   loop.Run(20s);
@@ -295,6 +314,14 @@ TEST_F(RadioLinkTest, ThreeRefusalsInARowMeanThatItIsOff) {
   EXPECT_EQ(Sent(kPowerOn), 1);
   EXPECT_EQ(Sent(kTuneTo45), 1);
   EXPECT_EQ(owner.Lines.size(), 2U);
+}
+
+TEST_F(RadioLinkTest, TheThirdRefusalIsEnough) {
+  radio_.PoweredOn = false;
+  int refused = 0;
+  radio_.WhenCommanded = [&] { radio_.Answers = ++refused <= 3; };
+  ASSERT_TRUE(loop.RunUntil([this] { return !link.Status().Up(); }, 5s)) << "no fourth one comes";
+  EXPECT_EQ(State(), LinkState::Off);
 }
 
 TEST_F(RadioLinkTest, TwoRefusalsAreNone) {
@@ -416,6 +443,36 @@ TEST_F(RadioLinkTest, AfterTheMachinesSleepTheNextRemedyIsDueAtOnce) {
   }
 }
 
+TEST_F(RadioLinkTest, AfterTheMachinesSleepThePaceBeginsAnew) {
+  radio_.Unplug();
+  radio_.Obstacles[1] = "it is in use";
+  loop.Run(20min);
+  const auto slow = RemedyTimes(2min);
+  EXPECT_LE(slow.size(), 5U);
+  loop.StepWallClock(8h);
+  const auto woken = loop.SteadyNow();
+  const auto times = RemedyTimes(6min);
+  ASSERT_GT(times.size(), 130U);
+  EXPECT_LE(times.front() - woken, 300ms);
+  for (std::size_t i = 1; i < times.size(); ++i) {
+    EXPECT_GE(times[i] - times[i - 1], times[i - 1] - woken < 5min ? 2s : 30s);
+  }
+  EXPECT_GE(times.back() - times[times.size() - 2], 30s);
+}
+
+TEST_F(RadioLinkTest, AfterTheMachinesSleepTheDevicesMayHaveChangedPlaces) {
+  radio_.Obstacles[2] = "it is in use";
+  loop.Run(20s);  // it is there beside the radio
+  radio_.Unplug();
+  radio_.Obstacles = {{1, "it is in use"}};
+  radio_.SittingOnPort = 2;
+  radio_.Plug();
+  loop.StepWallClock(8h);
+  loop.Run(1s);
+  EXPECT_LT(UntilUp(), 10s);
+  EXPECT_EQ(link.Status().Port, 2);
+}
+
 TEST_F(RadioLinkTest, AfterTheMachinesSleepTheRadioIsTunedOnceMore) {
   radio_.TunedChannel = 1;  // it had no power, and is on all the same
   loop.StepWallClock(8h);
@@ -481,6 +538,37 @@ TEST_F(RadioLinkTest, AGapLeavesAUsersChannelAlone) {
   EXPECT_EQ(radio_.TunedChannel, 9);
 }
 
+TEST_F(RadioLinkTest, AUserWhoCameBackToTheChannelHasLeftNothingToLeaveAlone) {
+  radio_.Say(Bytes("5A A5 00 06 90 01 00 09 00 00 ED ED"));
+  radio_.Say(Bytes("5A A5 00 06 90 01 00 2D 00 00 ED ED"));
+  owner.Ordered.Muted = true;
+  for (const bool inEvent : {false, true}) {
+    owner.Ordered.InEvent = inEvent;
+    radio_.Muted = false;
+    radio_.TunedChannel = 1;
+    radio_.Answers = false;
+    loop.Run(5s);
+    radio_.Answers = true;
+    loop.Run(5s);
+    EXPECT_EQ(radio_.TunedChannel, 45);
+    EXPECT_TRUE(radio_.Muted);
+  }
+}
+
+TEST_F(RadioLinkTest, InAnEventARadioThatWakesUpElsewhereIsMutedAgainToo) {
+  owner.Ordered.InEvent = owner.Ordered.Muted = true;
+  radio_.Muted = false;
+  radio_.TunedChannel = 1;
+  radio_.Answers = false;
+  loop.Run(5s);
+  radio_.Say(Bytes("5A A5 00 06 90 01 00 01 00 00 ED ED"));
+  loop.Run(300ms);
+  radio_.Answers = true;
+  loop.Run(5s);
+  EXPECT_EQ(radio_.TunedChannel, 45);
+  EXPECT_TRUE(radio_.Muted);
+}
+
 TEST_F(RadioLinkTest, AChannelChosenMeanwhileIsTheOneItComesBackOn) {
   radio_.Unplug();
   loop.Run(3s);
@@ -504,19 +592,19 @@ TEST_F(RadioLinkTest, AMuteThatGetsNoAnswerIsRepeated) {
   EXPECT_EQ(Sent(kMuteOn), 2);
 }
 
-// The signal.
-
-TEST_F(RadioLinkTest, TheSignalOfALostRadioIsUnknown) {
-  ASSERT_TRUE(link.Signal());
-  EXPECT_EQ(link.Signal()->Satellite1, 80);
-  radio_.Unplug();
-  loop.Run(1s);
-  EXPECT_FALSE(link.Signal());
-  radio_.Plug();
+TEST_F(RadioLinkTest, AMuteChangedWhileItComesBackIsSentOnceMore) {
+  radio_.PoweredOn = false;
+  radio_.WhenCommanded = [&] {
+    if (radio_.Commands.back() == kMuteOff) owner.Ordered.Muted = true;
+  };
+  ASSERT_TRUE(loop.RunUntil([this] { return !link.Status().Up(); }, 5s));
   UntilUp();
-  EXPECT_FALSE(link.Signal()) << "not until it reports anew";
   loop.Run(1s);
-  EXPECT_TRUE(link.Signal());
+  EXPECT_TRUE(radio_.Muted);
+  EXPECT_EQ(Sent(kMuteOff), 1);
+  EXPECT_EQ(Sent(kMuteOn), 1);
+  loop.Run(1min);
+  EXPECT_EQ(Sent(kMuteOn), 1) << "once is enough";
 }
 
 // Without the watch.
@@ -577,6 +665,33 @@ TEST_F(RadioLinkTest, TheWatchSwitchedOffInATrialLeavesNoStrangersPortOpen) {
 }
 
 // The end, and other people's waits.
+
+TEST_F(RadioLinkTest, AtTheEndTheRadioIsMutedSwitchedOffAndLeft) {
+  polling.Stop();
+  loop.Run(1s);
+  radio_.Commands.clear();
+  link.StopWatch();
+  link.SwitchOff();
+  EXPECT_THAT(radio_.Commands, ElementsAre(kMuteOn, kPowerOff));
+  EXPECT_FALSE(radio_.PoweredOn);
+  EXPECT_TRUE(radio_.IsOpen());
+  link.Close();
+  EXPECT_FALSE(radio_.IsOpen());
+}
+
+TEST_F(RadioLinkTest, ARadioThatIsLostIsNotWaitedForAtTheEnd) {
+  radio_.Answers = false;
+  ASSERT_TRUE(loop.RunUntil([this] { return !link.Status().Up(); }, 20s));
+  polling.Stop();
+  link.StopWatch();
+  radio_.Commands.clear();
+  const auto before = loop.SteadyNow();
+  link.SwitchOff();
+  EXPECT_EQ(loop.SteadyNow(), before);
+  EXPECT_THAT(radio_.Commands, IsEmpty());
+  link.Close();
+  EXPECT_FALSE(radio_.IsOpen());
+}
 
 TEST_F(RadioLinkTest, AShutdownEndsTheWatch) {
   run.ShuttingDown = true;
