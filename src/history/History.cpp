@@ -105,12 +105,13 @@ void History::NoteEvent() {
   HandOverSoon();
 }
 
-void History::IncidentBegan(IncidentKind kind, std::string_view cause) {
+void History::IncidentBegan(IncidentKind kind, std::string_view cause, std::chrono::seconds already) {
   if (!run_) return;
   std::optional<OpenIncident>& open = Open(kind);
   if (!open) {
-    open = OpenIncident{.Row = {.Kind = kind, .Began = loop_.Now(), .Ended = {}, .Seconds = 0, .Cause = {}},
-                        .Since = loop_.SteadyNow()};
+    const base::DateValue began = loop_.Now().AddSeconds(-already.count());
+    open = OpenIncident{.Row = {.Kind = kind, .Began = began, .Ended = {}, .Seconds = 0, .Cause = {}},
+                        .Since = loop_.SteadyNow() - already};
   }
   open->Row.Cause = base::OneLine(cause);
   Note(open->Row);

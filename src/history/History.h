@@ -58,8 +58,9 @@ class History {
   void EventEnded(int kept, int dropped, std::string_view why);
   void EventMissed(const EventStart& event, std::string_view why);
 
-  /// Something outside fails; a kind that fails already only gets the new cause. Line, sound and disk.
-  void IncidentBegan(platform::IncidentKind kind, std::string_view cause);
+  /// Something outside fails; a kind that fails already only gets the new cause. Line, sound and disk. `already` is what
+  /// had passed of it when it was noticed.
+  void IncidentBegan(platform::IncidentKind kind, std::string_view cause, std::chrono::seconds already = {});
   /// It works again. Nothing if it did not fail.
   void IncidentEnded(platform::IncidentKind kind);
   /// Something that was over when it was noticed: sleep, a step of the clock, a crash. `lasted` is the time that

@@ -97,10 +97,12 @@ void Chronicle::Follow(const WatchState& watch) {
   radioLost_.Set(!watch.RadioFailure.empty(), now, {});
   silent_.Set(watch.Silent, now, SoundWatch::kSilence);
   FollowIncident(platform::IncidentKind::Line, watch.RadioFailure, radioCause_);
-  const std::string_view silence = watch.Silent ? "no sound comes from the radio" : "";
-  FollowIncident(platform::IncidentKind::Sound,
-                 watch.SoundInputFailure.empty() ? silence : std::string_view(watch.SoundInputFailure),
-                 soundCause_);
+  if (watch.SoundInputFailure.empty() && watch.Silent) {
+    FollowIncident(platform::IncidentKind::Sound, "no sound comes from the radio", soundCause_,
+                   SoundWatch::kSilence);
+  } else {
+    FollowIncident(platform::IncidentKind::Sound, watch.SoundInputFailure, soundCause_);
+  }
   FollowIncident(platform::IncidentKind::Disk, watch.WriteFailure, diskCause_);
 }
 
@@ -117,13 +119,14 @@ std::int64_t Chronicle::Stopwatch::TakeMs(std::chrono::milliseconds now) {
   return std::exchange(sum_, {}).count();
 }
 
-void Chronicle::FollowIncident(platform::IncidentKind kind, std::string_view cause, std::string& said) {
+void Chronicle::FollowIncident(platform::IncidentKind kind, std::string_view cause, std::string& said,
+                               std::chrono::seconds already) {
   if (cause == said) return;
   said = cause;
   if (cause.empty()) {
     history_.IncidentEnded(kind);
   } else {
-    history_.IncidentBegan(kind, cause);
+    history_.IncidentBegan(kind, cause, already);
   }
 }
 

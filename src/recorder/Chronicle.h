@@ -54,8 +54,9 @@ class Chronicle {
   void Close(const RecordingState& recording);
 
  private:
-  /// The incident of that kind lasts as long as there is a cause.
-  void FollowIncident(platform::IncidentKind kind, std::string_view cause, std::string& said);
+  /// The incident of that kind lasts as long as there is a cause. `already` is what had passed when it was noticed.
+  void FollowIncident(platform::IncidentKind kind, std::string_view cause, std::string& said,
+                      std::chrono::seconds already = {});
   [[nodiscard]] history::EventStart StartOf(const Event& event) const;
 
   history::History& history_;

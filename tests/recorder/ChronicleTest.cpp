@@ -370,6 +370,7 @@ TEST(Chronicle, ASongSaysHowMuchOfItWasSilentOrWithoutARadio) {
   const auto songEnds = [&] { chronicle.SongEnded(capture, SongFate::Kept, ""); };
   recorder::WatchState watch;
   loop.Run(100s);
+  const base::DateValue silentSince = loop.Now().AddSeconds(-20);
   watch.Silent = true;
   chronicle.Follow(watch);
   loop.Run(30s);
@@ -394,6 +395,9 @@ TEST(Chronicle, ASongSaysHowMuchOfItWasSilentOrWithoutARadio) {
   EXPECT_EQ(store.Rows.Songs[3].SilentMs, 0);
   EXPECT_EQ(store.Rows.Songs[3].LineLostMs, 0);
   ASSERT_EQ(store.Rows.Incidents.size(), 2U);
+  EXPECT_EQ(store.Rows.Incidents[0].Kind, platform::IncidentKind::Sound);
+  EXPECT_EQ(store.Rows.Incidents[0].Began, silentSince);
+  EXPECT_EQ(store.Rows.Incidents[0].Seconds, 65) << "the silence, not only what came after it was noticed";
   EXPECT_EQ(store.Rows.Incidents[1].Kind, platform::IncidentKind::Line);
   EXPECT_EQ(store.Rows.Incidents[1].Cause, "the device is gone");
   EXPECT_EQ(store.Rows.Incidents[1].Seconds, 340);
