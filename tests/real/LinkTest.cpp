@@ -1,9 +1,22 @@
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include "platform/posix/TemporaryFolder.h"
 #include "real/LineUps.h"
@@ -18,6 +31,7 @@ using Json = Unit::Json;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
+using namespace std::chrono_literals;
 
 constexpr double kSongSeconds = 5;
 
@@ -155,6 +169,103 @@ TEST_F(Link, WithoutTheWatchALostRadioStaysLost) {
   })) << "the capture runs on";
   EXPECT_EQ(unit.Quit(), 0);
   EXPECT_THAT(unit.LogText(), Not(HasSubstr("Radio lost")));
+}
+
+/// A device that is no line, which counts how often somebody tries to open it. Root alone may make one.
+class DeadDevice {
+ public:
+  explicit DeadDevice(std::string path) : path_(std::move(path)) {
+    constexpr unsigned kMisc = 10;
+    constexpr unsigned kFuse = 229;  // on every machine, and opening it changes nothing
+    std::filesystem::remove(path_);
+    const bool made = ::mknod(path_.c_str(), S_IFCHR | 0600, makedev(kMisc, kFuse)) == 0 &&
+                      std::ifstream(path_).is_open() &&
+                      ::inotify_add_watch(events_, path_.c_str(), kEvents) >= 0;
+    if (!made) trouble_ = std::strerror(errno);
+  }
+  ~DeadDevice() {
+    ::close(events_);
+    std::filesystem::remove(path_);
+  }
+  DeadDevice(const DeadDevice&) = delete;
+  DeadDevice& operator=(const DeadDevice&) = delete;
+
+  /// Why there is none; empty if there is.
+  [[nodiscard]] const std::string& Trouble() const { return trouble_; }
+  /// Since the last call.
+  [[nodiscard]] int Openings() const {
+    std::array<char, 65536> buffer{};
+    int openings = 0;
+    for (ssize_t got = 0; (got = ::read(events_, buffer.data(), buffer.size())) > 0;) {
+      for (std::size_t at = 0; at < static_cast<std::size_t>(got); at += sizeof(inotify_event)) {
+        inotify_event event{};
+        std::memcpy(&event, buffer.data() + at, sizeof event);
+        if ((event.mask & IN_OPEN) != 0) ++openings;
+      }
+    }
+    return openings;
+  }
+
+ private:
+  /// Equal events in a row would be reported as one, so the closings are wanted too.
+  static constexpr std::uint32_t kEvents = IN_OPEN | IN_CLOSE;
+
+  std::string path_;
+  std::string trouble_;
+  int events_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+};
+
+/// An outage that takes as long as it says, so it is left to long runs.
+class LongOutage : public Link {
+ protected:
+  void SetUp() override {
+    if (std::getenv("KESTRUNE_SOAK") == nullptr) GTEST_SKIP() << "takes twelve minutes; set KESTRUNE_SOAK=1";
+  }
+};
+
+TEST_F(LongOutage, OfTenMinutesIsTriedEachHalfMinuteAndTheEventGoesOn) {
+  Receiver radio(folder_ / "radio", RadioSetup());
+  Unit::Setup setup = UnitSetup(radio);
+  const std::time_t begin = std::time(nullptr) + 15;
+  std::array<char, 64> date{};
+  ASSERT_GT(std::strftime(date.data(), date.size(), "%b %d, %Y %I:%M:%S %p", std::localtime(&begin)), 0U);
+  setup.Settings.insert({{"ScheduleEnabled3", "1"},
+                         {"ScheduleStartDate3", date.data()},
+                         {"ScheduleChannel3", "1"},
+                         {"ScheduleDuration3", "1:00"},
+                         {"ScheduleMatchGrab3", "0"},
+                         {"ScheduleMatchKill3", "0"}});
+  Unit unit(folder_ / "profile", setup);
+  unit.Start();
+  ASSERT_TRUE(unit.WaitForStatus([](const Json& status) {
+    return status.value("activeSchedule", 0) == 3 && status.value("recordedCount", 0) >= 1;
+  })) << unit.LogText();
+
+  radio.Kill();
+  {
+    const DeadDevice device(radio.Link());
+    if (!device.Trouble().empty()) GTEST_SKIP() << "no device can be made here: " << device.Trouble();
+    ASSERT_TRUE(WaitUntil(kPatience, [&unit] { return !unit.Status().value("radioLost", "").empty(); }));
+    std::this_thread::sleep_for(1min);
+    const int fast = device.Openings();
+    EXPECT_GE(fast, 15) << "each two seconds";
+    EXPECT_LE(fast, 40);
+    std::this_thread::sleep_for(5min);
+    EXPECT_GE(device.Openings(), 60);
+    std::this_thread::sleep_for(4min);
+    const int slow = device.Openings();
+    EXPECT_GE(slow, 6) << "each thirty seconds";
+    EXPECT_LE(slow, 10);
+    EXPECT_EQ(unit.Status().value("activeSchedule", 0), 3);
+  }
+  radio.Start();
+  EXPECT_TRUE(
+      unit.WaitForStatus([](const Json& status) { return status.value("radioLost", "-").empty(); }, 40s));
+  EXPECT_TRUE(WaitForMoreSongs(unit));
+  EXPECT_EQ(unit.Status().value("activeSchedule", 0), 3);
+  EXPECT_THAT(unit.LogText(), HasSubstr("Radio found again on port 1 after 10:"));
+  EXPECT_EQ(unit.Quit(), 0);
+  EXPECT_THAT(unit.Recordings(), Contains(HasSubstr("(Incomplete)")));
 }
 
 }  // namespace
