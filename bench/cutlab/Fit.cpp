@@ -93,6 +93,9 @@ cut::LagRow Known(double middleMs, double widthMs) {
   return row;
 }
 
+/// What counts as right, in blocks: what nobody hears.
+constexpr double kNear = 3.6;
+
 std::vector<std::int16_t> Left(std::span<const std::int16_t> samples) {
   std::vector<std::int16_t> left;
   for (std::size_t i = 0; i + 1 < samples.size(); i += 2) left.push_back(samples[i]);
@@ -127,8 +130,8 @@ void AddExamples(const Station& station, int stamps, std::uint64_t seed, std::ve
       const double jitter = 100 + 600 * dice.Fraction();
       example.Expected = Known(lag + jitter * Gauss(dice), std::hypot(jitter, 100));
       const double at = static_cast<double>(join.Start - stretch.FirstLagFrame) / kBlock;
-      example.RightFrom = static_cast<std::size_t>(std::max(0.0, std::ceil(at - 1.6)));
-      example.RightTo = static_cast<std::size_t>(std::min<double>(kLags - 1, std::floor(at + 1.6)));
+      example.RightFrom = static_cast<std::size_t>(std::max(0.0, std::ceil(at - kNear)));
+      example.RightTo = static_cast<std::size_t>(std::min<double>(kLags - 1, std::floor(at + kNear)));
       examples.push_back(std::move(example));
     }
   }

@@ -22,9 +22,9 @@ struct Example {
 void AddExamples(const Station& station, int stamps, std::uint64_t seed, std::vector<Example>& examples);
 
 struct FitOptions {
-  int Epochs = 12;
+  int Epochs = 14;
   double Rate = 0.003;
-  double Decay = 1e-4;
+  double Decay = 3e-3;
   std::uint64_t Seed = 1;
 };
 

@@ -16,6 +16,7 @@ Stereo ReadSound(const std::string& path) {
   const auto channels = static_cast<std::size_t>(file.channels());
   std::vector<float> samples(static_cast<std::size_t>(file.frames()) * channels);
   const auto frames = static_cast<std::size_t>(file.readf(samples.data(), file.frames()));
+  for (auto* channel : {&sound.Left, &sound.Right}) channel->reserve(frames);
   for (std::size_t i = 0; i < frames; ++i) {
     sound.Left.push_back(samples[i * channels]);
     sound.Right.push_back(samples[i * channels + (channels > 1 ? 1 : 0)]);

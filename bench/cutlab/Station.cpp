@@ -282,11 +282,14 @@ Station MakeStation(Pieces& pieces, int songs, std::uint64_t seed) {
 
   // A little noise as every analogue way has it.
   const double noise = std::pow(10.0, Uniform(dice, -84, -66) / 20);
+  // Dice would take longer than all the rest.
+  auto chance = static_cast<std::uint32_t>(dice.Between(1, 1 << 30));
   station.Samples.resize(mix.Sound.Left.size() * 2);
   for (std::size_t i = 0; i < mix.Sound.Left.size(); ++i) {
     for (std::size_t channel = 0; channel < 2; ++channel) {
-      const double sample =
-          (channel == 0 ? mix.Sound.Left[i] : mix.Sound.Right[i]) + noise * 2 * (dice.Fraction() - 0.5);
+      chance = chance * 1664525U + 1013904223U;
+      const double sample = (channel == 0 ? mix.Sound.Left[i] : mix.Sound.Right[i]) +
+                            noise * static_cast<std::int32_t>(chance) / 2147483648.0;
       station.Samples[2 * i + channel] =
           static_cast<std::int16_t>(std::clamp(sample * 32767, -32768.0, 32767.0));
     }

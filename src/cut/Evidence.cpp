@@ -249,7 +249,7 @@ std::vector<Features> MeasureEvidence(std::span<const Block> blocks, Index from,
   const auto size = static_cast<Index>(blocks.size());
   const auto begin = std::max<Index>(1, from - kReach);
   const auto end = std::min(size - 1, from + static_cast<Index>(count) + kReach);
-  if (begin >= end) return all;
+  if (begin >= end || size < 2 * Likeness::kMoment) return all;
 
   Row levels(blocks.size());
   Row middles(blocks.size());
