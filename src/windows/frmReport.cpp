@@ -114,6 +114,11 @@ void frmReport::ShowStory() {
       QFont bold = font();
       bold.setBold(true);
       item->setFont(TimeColumn, bold);
+    } else if (line.Time.empty() && line.Note.empty()) {
+      // A sentence has the whole row.
+      item = new QTreeWidgetItem(heading, {ToQt(line.Text)});
+      item->setFirstColumnSpanned(true);
+      item->setToolTip(TimeColumn, PlainTip(ToQt(line.Text)));
     } else {
       item = new QTreeWidgetItem(heading,
                                  {ToQt(line.Time), ToQt(line.Length), ToQt(line.Text), ToQt(line.Note)});

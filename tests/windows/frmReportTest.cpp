@@ -89,6 +89,16 @@ TEST_F(frmReportTest, ShowsTheNightsAndTheStoryOfTheNewest) {
   EXPECT_EQ(Item("Salt - Rain & Wind")->text(1), "3:00");
 }
 
+TEST_F(frmReportTest, AnAdviceHasTheWholeRow) {
+  const auto headings = Story().findItems("What to do", Qt::MatchExactly, 0);
+  ASSERT_EQ(headings.size(), 1);
+  ASSERT_EQ(headings.constFirst()->childCount(), 1);
+  const QTreeWidgetItem* const advice = headings.constFirst()->child(0);
+  EXPECT_TRUE(advice->text(0).startsWith("The sound failed: look at the sound cable"));
+  EXPECT_TRUE(advice->isFirstColumnSpanned());
+  EXPECT_FALSE(Item("nothing comes from it")->isFirstColumnSpanned());
+}
+
 TEST_F(frmReportTest, AnotherNightIsChosenByKey) {
   QTest::keyClick(&Nights(), Qt::Key_Down);
   EXPECT_EQ(rules.Selected(), 1);
