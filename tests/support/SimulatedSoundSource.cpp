@@ -28,6 +28,7 @@ std::string SimulatedSoundSource::Open(const std::string& id, const platform::Pc
   openId_ = id;
   format_ = format;
   sink_ = &sink;
+  slept_ = Duration(0);
   nextFrame_ = FrameAt(loop_.SteadyNow(), format.SampleRate);
   session_ = std::make_shared<int>(0);
   std::string error = OpeningError();
@@ -68,6 +69,10 @@ void SimulatedSoundSource::Stall(Duration duration) {
   silentUntil_ = loop_.SteadyNow() + duration;
 }
 
+void SimulatedSoundSource::Slept(Duration duration) {
+  if (sink_ != nullptr) slept_ += duration;
+}
+
 void SimulatedSoundSource::Die(Duration duration) {
   silentUntil_ = loop_.SteadyNow() + duration;
   dead_ = true;
@@ -85,6 +90,13 @@ void SimulatedSoundSource::Tick() {
   const Duration now = loop_.SteadyNow();
   if (!running_ && !Retry(now)) return;
   if (now < silentUntil_) return;
+  if (slept_.count() > 0) {
+    // These frames have no numbers: the steady clock, which counts them, stood still.
+    const auto missed =
+        static_cast<std::int64_t>(FrameAt(std::exchange(slept_, Duration(0)), format_.SampleRate));
+    framesDropped_ += missed;
+    sink_->OnLost(missed);
+  }
   const std::uint64_t end = FrameAt(now, format_.SampleRate);
   std::int64_t missing = 0;
   if (dead_) {

@@ -49,6 +49,8 @@ class SimulatedSoundSource final : public platform::SoundSource {
   void Drop(std::int64_t frames);
   /// Nothing comes for that long; then all of it at once.
   void Stall(Duration duration);
+  /// The machine has slept for that long, as SleepMachine has it: the sound of that time is reported as lost.
+  void Slept(Duration duration);
   /// The device is gone for that long; then it is back, and the gap is reported as lost.
   void Die(Duration duration);
 
@@ -92,6 +94,7 @@ class SimulatedSoundSource final : public platform::SoundSource {
   Duration retryAt_{0};
   bool dead_ = false;
   std::int64_t toDrop_ = 0;
+  Duration slept_{0};
   std::vector<std::int16_t> samples_;
 
   int timesOpened_ = 0;
