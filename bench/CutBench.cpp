@@ -1,6 +1,7 @@
 // What a cut between two songs costs in MP3 with the settings of a fresh installation, on the wall clock, from
 // RecordStop to the end of RecordStart: what came in while the thread slept through the song's delay is encoded, the
 // old file is closed and tagged, the next one created. "backlog" tells how long that sleep was; 0 leaves it out.
+// With "record" the song's row goes to the record of what happened too, whose threads write it beside the cuts.
 // KESTRUNE_BENCH_CUTS=500 takes so many cuts of five minutes (about half an hour), not twenty.
 #include <algorithm>
 #include <chrono>
@@ -16,11 +17,14 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
+#include "history/History.h"
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/FileTagWriter.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/ring/RingRecorder.h"
+#include "platform/sqlite/SqliteHistoryStore.h"
 #include "recorder/Capture.h"
+#include "recorder/Chronicle.h"
 #include "support/FakeFileSync.h"
 #include "support/SimulatedEventLoop.h"
 #include "support/SimulatedSoundSource.h"
@@ -60,7 +64,7 @@ SimulatedSoundSource::Signal Music() {
 /// The real recorder, encoder and tag writer under the capture of the program, in a folder of its own.
 class Rig {
  public:
-  Rig() {
+  explicit Rig(bool keepsRecord) {
     std::string pattern = (std::filesystem::temp_directory_path() / "cut-bench-XXXXXX").string();
     if (::mkdtemp(pattern.data()) != nullptr) folder_ = pattern;
     sound_.SetSignal(Music());
@@ -74,12 +78,21 @@ class Rig {
       record.Artist = "Moonlighters";
       record.Folder = folder_ + "/";
     }
+    if (keepsRecord) {
+      store_ = std::make_unique<platform::SqliteHistoryStore>(loop_, folder_ + "/History.db");
+      history_ = std::make_unique<history::History>(*store_, loop_);
+      chronicle_ = std::make_unique<recorder::Chronicle>(*history_, loop_);
+      history_->Begin();
+    }
     capture_.ConnectRecorder();
     Begin(0);
   }
   ~Rig() {
     capture_.RecordStop(state_.CaptureSlot);
     audio_.Release();
+    chronicle_.reset();
+    history_.reset();
+    store_.reset();
     std::error_code ignored;
     if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
   }
@@ -96,6 +109,10 @@ class Rig {
     const auto start = std::chrono::steady_clock::now();
     capture_.RecordStop(finished);
     Begin(static_cast<std::int16_t>(1 - finished));
+    if (chronicle_ != nullptr) {
+      chronicle_->SongEnded(state_.CaptureSlots[static_cast<std::size_t>(finished)], platform::SongFate::Kept,
+                            "");
+    }
     const Milliseconds cost = std::chrono::steady_clock::now() - start;
     recorder::CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(finished)];
     if (record.Outcome.File.empty()) result_ = -1;
@@ -126,6 +143,9 @@ class Rig {
   recorder::SoundMeter meter_;
   recorder::Capture capture_{audio_, meter_, all_, fileSpecs_, songFiles_, journal_};
   std::int32_t result_ = 0;
+  std::unique_ptr<platform::SqliteHistoryStore> store_;
+  std::unique_ptr<history::History> history_;
+  std::unique_ptr<recorder::Chronicle> chronicle_;
 };
 
 int WantedCuts() {
@@ -134,7 +154,7 @@ int WantedCuts() {
 }
 
 void Cut(benchmark::State& state) {
-  Rig rig;
+  Rig rig(state.range(3) != 0);
   std::vector<double> costs;
   for ([[maybe_unused]] auto step : state) {
     for (int cut = 0; cut < state.range(2); ++cut) {
@@ -150,10 +170,12 @@ void Cut(benchmark::State& state) {
 }
 
 void Arguments(benchmark::internal::Benchmark* cut) {
-  cut->ArgNames({"seconds", "backlog", "cuts"});
+  cut->ArgNames({"seconds", "backlog", "cuts", "record"});
   for (const int backlog : {0, 600}) {
-    cut->Args({2, backlog, 500});
-    cut->Args({300, backlog, WantedCuts()});
+    for (const int record : {0, 1}) {
+      cut->Args({2, backlog, 500, record});
+      cut->Args({300, backlog, WantedCuts(), record});
+    }
   }
 }
 BENCHMARK(Cut)->Apply(Arguments)->Iterations(1)->Unit(benchmark::kMillisecond);

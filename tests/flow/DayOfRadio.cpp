@@ -8,6 +8,13 @@ namespace kestrune::test {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+constexpr int kFirstChannel = 30;
+constexpr int kFewChannels = 40;
+
+}  // namespace
+
 class DayOfRadio::Audio final : public platform::AudioLibrary {
  public:
   explicit Audio(DayOfRadio& day) : day_(day) {}
@@ -32,7 +39,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
       random_(plan.Seed),
       line_(radio_, loop_, plan.Seed + 1),
       audio_(std::make_unique<Audio>(*this)) {
-  for (int channel = 30; channel < 70; ++channel) {
+  for (int channel = kFirstChannel; channel < kFirstChannel + plan.Channels; ++channel) {
     radio_.Channels[channel] = {fmt::format("Station {}", channel), "Genre",
                                 fmt::format("Artist {}", channel), "A"};
   }
@@ -49,6 +56,8 @@ DayOfRadio::DayOfRadio(const Plan& plan)
   set("CheckUpdatesAtStartup", "False");
   set("LegalAgreement", "True");
   set("PortNum", "1");
+  set("Watch", plan.Watch ? "True" : "False");
+  history_.Forgets = !plan.Record;
   files_.MakeFolders("/music");
   files_.Put("/home/user/Application Data/Kestrune/Restriction.txt", "2Artist 7\n0Artist\n");
   unit_ = std::make_unique<recorder::Kestrune>(recorder::Outside{.Loop = loop_,
@@ -88,7 +97,7 @@ void DayOfRadio::Every(std::chrono::milliseconds least, std::chrono::millisecond
 void DayOfRadio::Run() {
   Check(unit_->Load() == recorder::StartOutcome::Running, "the start failed");
   line_.Now = plan_.Faults;
-  Every(1s, 9s, [this] { ChangeSongs(); });
+  Every(1s * kFewChannels / plan_.Channels, 9s * kFewChannels / plan_.Channels, [this] { ChangeSongs(); });
   // What a user does can come during any wait.
   if (plan_.User) {
     Every(20s, 600s, [this] { AsAWish([this] { PressSomething(); }); });
@@ -116,8 +125,8 @@ void DayOfRadio::Run() {
 }
 
 void DayOfRadio::ChangeSongs() {
-  // Forty channels with a song of three minutes each: one of them changes every four or five seconds.
-  const int channel = Draw(30, 69);
+  // A song of three minutes on each channel: of forty, one changes every four or five seconds.
+  const int channel = Draw(kFirstChannel, kFirstChannel + plan_.Channels - 1);
   ++song_;
   radio_.Play(channel, fmt::format("Artist {}", song_ % 11), fmt::format("Song {}", song_));
 }

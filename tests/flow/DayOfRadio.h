@@ -25,6 +25,9 @@ class DayOfRadio {
     bool BadMoments = true;  ///< the radio falls silent, is switched off, comes back on another channel
     bool Unplugs = false;    ///< once its cable is pulled, and plugged in again
     bool User = true;        ///< somebody presses buttons
+    bool Watch = true;       ///< the setting of that name
+    int Channels = 40;       ///< of which each has a new song every three minutes; 40 to 120
+    bool Record = true;      ///< keeps the record of what happened in memory; else it is only fed
     bool Schedule = false;   ///< and plans events, and the wall clock is set now and then
   };
 

@@ -25,6 +25,7 @@ class FakeHistoryStore final : public platform::HistoryStore {
 
   void Write(platform::HistoryRows rows) override {
     ++Writes;
+    if (Forgets) return;
     Append(waiting_, std::move(rows));
     tmrAnswer_->SetEnabled(true);
     if (!Failure.empty()) return;
@@ -66,6 +67,7 @@ class FakeHistoryStore final : public platform::HistoryStore {
 
   std::string Failure;          ///< why nothing can be written; empty if it can
   std::string QuestionFailure;  ///< why questions are refused
+  bool Forgets = false;         ///< nothing is kept, as in a run that is only measured
   int Writes = 0;
   platform::HistoryRows Rows;  ///< what is on the disk
   platform::HistorySearch LastSearch;
