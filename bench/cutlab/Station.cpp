@@ -95,6 +95,12 @@ void FadeOut(Stereo& sound, std::size_t frames, Curve curve) {
   }
 }
 
+/// Throws one die after the other: arguments are evaluated in an order of the compiler's choice.
+void FadeOutAnyhow(Stereo& sound, double shortest, double longest, Dice& dice) {
+  const Curve curve = AnyCurve(dice);
+  FadeOut(sound, Frames(Uniform(dice, shortest, longest)), curve);
+}
+
 void FadeIn(Stereo& sound, std::size_t frames) {
   frames = std::min(frames, sound.Left.size());
   for (std::size_t i = 0; i < frames; ++i) {
@@ -222,16 +228,16 @@ Station MakeStation(Pieces& pieces, int songs, std::uint64_t seed) {
     double overlap = 0;
     switch (join) {
       case JoinKind::Silence:
-        if (!ownEnd || !DiesAway(sound)) FadeOut(sound, Frames(Uniform(dice, 0.02, 2.5)), AnyCurve(dice));
+        if (!ownEnd || !DiesAway(sound)) FadeOutAnyhow(sound, 0.02, 2.5, dice);
         gap = Uniform(dice, 0.25, 2.5);
         break;
       case JoinKind::NaturalEnd:
-        if (!DiesAway(sound)) FadeOut(sound, Frames(Uniform(dice, 1.5, 5)), AnyCurve(dice));
+        if (!DiesAway(sound)) FadeOutAnyhow(sound, 1.5, 5, dice);
         gap = Uniform(dice, 0, 0.15);
         break;
       case JoinKind::Segue:
         overlap = Uniform(dice, 1, 6);
-        FadeOut(sound, Frames(overlap * Uniform(dice, 1, 1.6)), AnyCurve(dice));
+        FadeOutAnyhow(sound, overlap, overlap * 1.6, dice);
         if (dice.Fraction() < 0.25) fadeIn = Uniform(dice, 0.05, 0.6);
         break;
       default:
