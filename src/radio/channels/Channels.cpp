@@ -96,15 +96,18 @@ void Channels::RequestChannelInfo() {
   if (state_.ChannelsLoading) {
     Trace("InitEnum ", state_.EnumCursor);
     link_.AskForChannelAfter(state_.EnumCursor);
-  } else if (state_.PollTunedNext) {
+  } else if (TunedIsNext()) {
     state_.PollTunedNext = false;
+    ++tunedInARow_;
     Trace("", state_.ChannelNumber);
     link_.AskForChannel(state_.ChannelNumber);
   } else if (walkingAgain_) {
+    tunedInARow_ = 0;
     state_.PollTunedNext = stepAsked_ = true;
     Trace("EnumAgain ", walkCursor_);
     link_.AskForChannelAfter(walkCursor_);
   } else {
+    tunedInARow_ = 0;
     state_.PollTunedNext = true;
     ++state_.EnumCursor;
     if (state_.EnumCursor > table_.ChannelCount()) state_.EnumCursor = 1;

@@ -320,6 +320,20 @@ TEST_F(ChannelsTest, PollingAlternatesBetweenTheTunedChannelAndTheNextSlot) {
                                     "#RequestChannelInfo Enum 3", "#RequestChannelInfo 12"));
 }
 
+TEST_F(ChannelsTest, FollowedCloselyTheTunedChannelIsAskedThreeTimesOfFour) {
+  LoadTwelve();
+  channels.FollowTunedClosely(true);
+  for (int count = 0; count < 9; ++count) {
+    channels.RequestChannelInfo();
+    Plain(3);
+  }
+  EXPECT_TRUE(Wrote({"5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
+                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 03 00 ED ED",
+                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
+                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 04 00 ED ED",
+                     "5A A5 00 04 25 08 0C 00 ED ED"}));
+}
+
 TEST_F(ChannelsTest, AFullCycleTakesTwoRepliesAChannelAndBeginsAgain) {
   LoadTwelve();
   for (int count = 0; count < 24; ++count) {
