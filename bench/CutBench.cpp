@@ -26,6 +26,7 @@
 #include "recorder/Capture.h"
 #include "recorder/Chronicle.h"
 #include "support/FakeFileSync.h"
+#include "support/FakeHistoryStore.h"
 #include "support/SimulatedEventLoop.h"
 #include "support/SimulatedSoundSource.h"
 
@@ -141,7 +142,14 @@ class Rig {
   FakeFileSync sync_;
   recorder::SongFiles songFiles_{files_, sync_, journal_};
   recorder::SoundMeter meter_;
-  recorder::Capture capture_{audio_, meter_, all_, fileSpecs_, songFiles_, journal_};
+  FakeHistoryStore nothingLearned_{loop_};
+  history::History noHistory_{nothingLearned_, loop_};
+  recorder::StationLags lags_{noHistory_, settings_, loop_};
+  recorder::CutChooser cuts_{lags_};
+  recorder::Capture capture_{
+      all_,
+      {.Audio = audio_, .Meter = meter_, .Cuts = cuts_, .FileSpecs = fileSpecs_, .SongFiles = songFiles_},
+      journal_};
   std::int32_t result_ = 0;
   std::unique_ptr<platform::SqliteHistoryStore> store_;
   std::unique_ptr<history::History> history_;

@@ -72,6 +72,8 @@ class AudioRecorder {
   /// Sample frames handed over, and lost on the way, since the program started.
   [[nodiscard]] virtual std::int64_t FramesCaptured() const = 0;
   [[nodiscard]] virtual std::int64_t FramesLost() const = 0;
+  /// Sample frames that have come from the device and are not handed over yet.
+  [[nodiscard]] virtual std::int64_t FramesWaiting() const = 0;
 };
 
 }  // namespace kestrune::platform

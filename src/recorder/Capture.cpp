@@ -6,6 +6,7 @@
 
 #include "base/Ignored.h"
 #include "base/Version.h"
+#include "cut/Lags.h"
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
@@ -14,20 +15,22 @@ namespace {
 constexpr std::int32_t kBlockMs = 100;
 // Nobody has so many units in one folder: something else is wrong with it.
 constexpr int kLastNumber = 99;
+// A cut is put so much before an onset at most.
+constexpr int kOnsetMs = 50;
 
 }  // namespace
 
-Capture::Capture(AudioObjects& audio, SoundMeter& meter, State& state, config::FileSpecs& fileSpecs,
-                 SongFiles& songFiles, base::Journal& journal)
-    : audio_(audio),
-      meter_(meter),
+Capture::Capture(State& state, const Parts& parts, base::Journal& journal)
+    : audio_(parts.Audio),
+      meter_(parts.Meter),
+      cuts_(parts.Cuts),
       state_(state.Recording),
       watch_(state.Watch),
-      fileSpecs_(fileSpecs),
+      fileSpecs_(parts.FileSpecs),
       settings_(state.Settings),
       radio_(state.Radio),
       modes_(state),
-      songFiles_(songFiles),
+      songFiles_(parts.SongFiles),
       journal_(journal),
       link_(state.Link) {}
 
@@ -37,53 +40,77 @@ void Capture::ConnectRecorder() {
 
 void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::int32_t& result) {
   if (audio_.AudioRecord == nullptr) return;
-  platform::AudioRecorder& recorder = *audio_.AudioRecord;
-  recorder.SetAgcEnabled(settings_.AGCEnabled);
-  if (settings_.AGCEnabled) {
-    recorder.SetAgcAttackTime(settings_.AGCAttackTime);
-    recorder.SetAgcHighLevel(settings_.AGCHighLevel);
-    recorder.SetAgcLowLevel(settings_.AGCLowLevel);
-  }
+  SetGain();
   fileSpecs_.SetFileSpecs(slot);
-  recorder.SetDeviceIndex(settings_.InputDevice);
+  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
   platform::CaptureFile* const file = audio_.File(slot);
   if (file == nullptr) return;
   CaptureRecord& record = Record(slot);
+  BeginOutcome(record);
+  const platform::NumberedResult created = Open(slot, fileName);
+  result = created.Number;
+  if (!created) return held_.Drop();
+  meter_.Begin();
+  held_.Begin(file->FormatValues());
+  const platform::NumberedResult started = StartRecorder(file->FormatValues());
+  result = started.Number;
+  if (!started) {
+    record.Outcome.StartFailure = started.Cause;
+    base::Ignored(file->Close());
+    return;
+  }
+  // The watch says it once, and when it is over.
+  if (const std::string error = audio_.AudioRecord->OpenError(); !error.empty() && !settings_.Watch) {
+    journal_.DoLog(fmt::format("No sound from the input device: {}; it is tried again each second", error));
+  }
+}
+
+void Capture::SetGain() {
+  platform::AudioRecorder& recorder = *audio_.AudioRecord;
+  recorder.SetAgcEnabled(settings_.AGCEnabled);
+  if (!settings_.AGCEnabled) return;
+  recorder.SetAgcAttackTime(settings_.AGCAttackTime);
+  recorder.SetAgcHighLevel(settings_.AGCHighLevel);
+  recorder.SetAgcLowLevel(settings_.AGCLowLevel);
+}
+
+void Capture::BeginOutcome(CaptureRecord& record) {
   record.LengthMs = 0;
   record.Outcome = {};
   record.Outcome.Event = modes_.Event();
   record.Outcome.Modes = modes_.InForce();
   record.Outcome.RadioLost = !link_.Up();
+}
 
-  std::string path = fileName;
-  const platform::NumberedResult created = CreateFree(slot, path);
-  result = created.Number;
-  if (!created) {
-    record.Outcome.StartFailure = created.Cause;
-    if (!NewFailure(created.Cause)) return;
-    journal_.DoLog(fmt::format("Error {} creating output file", result));
-    journal_.DoLog(fmt::format("Cannot create \"{}\": {}", path, created.Cause));
-    return;
-  }
-  record.Outcome.File = path;
-  meter_.Begin();
-  sampleRate_ = file->FormatValues().SampleRate;
-  recorder.SetFormat(file->FormatValues());
+platform::NumberedResult Capture::StartRecorder(const platform::PcmFormat& format) {
+  platform::AudioRecorder& recorder = *audio_.AudioRecord;
+  format_ = format;
+  recorder.SetFormat(format);
   recorder.SetBlockSize(recorder.TimeToBytes(kBlockMs));
   recorder.Prepare();
-  const platform::NumberedResult started = recorder.StartRecording();
-  result = started.Number;
+  recorderFrom_ = held_.End();
+  platform::NumberedResult started = recorder.StartRecording();
+  recording_ = static_cast<bool>(started);
   if (!started) {
-    record.Outcome.StartFailure = started.Cause;
-    base::Ignored(file->Close());
-    journal_.DoLog(fmt::format("Error {} recording input", result));
+    journal_.DoLog(fmt::format("Error {} recording input", started.Number));
     journal_.DoLog("Cannot record from the input device: " + started.Cause);
-    return;
   }
-  // The watch says it once, and when it is over.
-  if (const std::string error = recorder.OpenError(); !error.empty() && !settings_.Watch) {
-    journal_.DoLog(fmt::format("No sound from the input device: {}; it is tried again each second", error));
+  return started;
+}
+
+platform::NumberedResult Capture::Open(std::int16_t slot, std::string path) {
+  CaptureOutcome& outcome = Record(slot).Outcome;
+  platform::NumberedResult created = CreateFree(slot, path);
+  if (created) {
+    outcome.File = path;
+    return created;
   }
+  outcome.StartFailure = created.Cause;
+  if (NewFailure(created.Cause)) {
+    journal_.DoLog(fmt::format("Error {} creating output file", created.Number));
+    journal_.DoLog(fmt::format("Cannot create \"{}\": {}", path, created.Cause));
+  }
+  return created;
 }
 
 platform::NumberedResult Capture::CreateFree(std::int16_t slot, std::string& path) {
@@ -102,27 +129,118 @@ platform::NumberedResult Capture::CreateFree(std::int16_t slot, std::string& pat
 }
 
 void Capture::RecordStop(std::int16_t slot) {
+  Stop(slot, true);
+}
+
+void Capture::StopPiece(std::int16_t slot) {
+  Stop(slot, Record(slot).Outcome.WriteFailure.empty());
+}
+
+void Capture::Stop(std::int16_t slot, bool writeHeld) {
   if (audio_.AudioRecord == nullptr || audio_.File(0) == nullptr) return;
+  StopRecorder();
+  if (audio_.File(slot) == nullptr) return;
+  if (slot == WritingSlot()) {
+    if (writeHeld) held_.Flush(Into(slot));
+    NoteLevel(Record(slot).Outcome);
+    TakeSound(Record(slot), held_.Start(), held_.Written());
+  }
+  Close(slot);
+}
+
+void Capture::StopRecorder() {
   audio_.AudioRecord->Stop();
-  platform::CaptureFile* const file = audio_.File(slot);
-  if (file == nullptr) return;
+  if (!recording_) return;
+  recording_ = false;
+  for (platform::SoundGap gap : audio_.AudioRecord->Sound().Gaps) {
+    gap.At += recorderFrom_;
+    gaps_.push_back(gap);
+  }
+}
+
+void Capture::Close(std::int16_t slot) {
   CaptureRecord& record = Record(slot);
-  if (slot == state_.CaptureSlot) TakeSound(record);
-  NoteWriting(record, file->Close());
+  NoteWriting(record, audio_.File(slot)->Close());
   WriteTags(record);
 }
 
-void Capture::TakeSound(CaptureRecord& record) {
-  CaptureOutcome& outcome = record.Outcome;
-  if (outcome.File.empty()) return;
+std::int64_t Capture::FrameNow() const {
+  return held_.End() + (audio_.AudioRecord != nullptr ? audio_.AudioRecord->FramesWaiting() : 0);
+}
+
+std::int64_t Capture::MsSince(std::int64_t frame) const {
+  return (held_.End() - frame) * 1000 / format_.SampleRate;
+}
+
+bool Capture::AwaitCut(std::int16_t next, std::int64_t stamp) {
+  if (audio_.AudioRecord == nullptr || audio_.File(next) == nullptr || !recording_) return false;
+  const std::int16_t inHand = state_.CaptureSlot;
+  fileSpecs_.SetFileSpecs(next);
+  if (Record(inHand).Outcome.File.empty() || audio_.File(next)->FormatValues() != format_) return false;
+  SetGain();
+  audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
+  StopRecorder();
+  NoteLevel(Record(inHand).Outcome);
+  meter_.Begin();
+  BeginOutcome(Record(next));
+  const platform::NumberedResult started = StartRecorder(format_);
+  if (!started) Record(next).Outcome.StartFailure = started.Cause;
+  held_.AwaitCut(stamp + std::int64_t{cut::kLowestLag - kOnsetMs} * format_.SampleRate / 1000);
+  return true;
+}
+
+void Capture::SetCut(std::int64_t frame, std::int64_t overlapMs) {
+  held_.SetCut(frame, overlapMs * format_.SampleRate / 1000);
+}
+
+void Capture::CutOver(std::int16_t finished) {
+  const auto next = static_cast<std::int16_t>(1 - finished);
+  CaptureRecord& song = Record(finished);
+  const std::int64_t begin = held_.Start();
+  song.Outcome.HeldBackMs = MsSince(*held_.ChosenCut());
+  TakeSound(song, begin, *held_.ChosenCut());
+  held_.Cut(Into(finished));
+  Close(finished);
+  if (Record(next).Outcome.StartFailure.empty()) base::Ignored(Open(next, TemporaryFile(next)));
+}
+
+HeldBack::File Capture::Into(std::int16_t slot) {
+  return [this, slot](std::span<const std::int16_t> samples) {
+    CaptureRecord& record = Record(slot);
+    platform::CaptureFile& file = *audio_.File(slot);
+    NoteWriting(record, file.WriteBlock(samples));
+    record.LengthMs = file.Length();
+  };
+}
+
+void Capture::NoteLevel(CaptureOutcome& outcome) const {
   outcome.Overloaded = meter_.Overloaded();
   outcome.FullScalePercent = meter_.FullScalePercent();
-  outcome.Sound = audio_.AudioRecord->Sound();
-  outcome.MissingMs = outcome.Sound.Lost() * 1000 / sampleRate_;
+}
+
+void Capture::TakeSound(CaptureRecord& record, std::int64_t begin, std::int64_t end) {
+  CaptureOutcome& outcome = record.Outcome;
+  if (outcome.File.empty()) return;
+  std::vector<platform::SoundGap> gaps = gaps_;
+  if (recording_) {
+    for (platform::SoundGap gap : audio_.AudioRecord->Sound().Gaps) {
+      gap.At += recorderFrom_;
+      gaps.push_back(gap);
+    }
+  }
+  // A gap at the end of a stopped recorder's sound belongs to the file that got all of it.
+  const std::int64_t limit = recording_ ? end : end + 1;
+  outcome.Sound = {.Frames = end - begin, .Gaps = {}};
+  for (const platform::SoundGap& gap : gaps) {
+    if (gap.At >= begin && gap.At < limit)
+      outcome.Sound.Gaps.push_back({.At = gap.At - begin, .Frames = gap.Frames});
+  }
+  std::erase_if(gaps_, [limit](const platform::SoundGap& gap) { return gap.At < limit; });
+  outcome.MissingMs = outcome.Sound.Lost() * 1000 / format_.SampleRate;
   if (outcome.MissingMs < CaptureOutcome::kNoticeableMs) return;
   journal_.DoLog(fmt::format("{:.1f} s of sound are missing from \"{} - {}\", the first at {}",
                              static_cast<double>(outcome.MissingMs) / 1000, record.Artist, record.Song,
-                             FormatSeconds(outcome.Sound.Gaps.front().At / sampleRate_)));
+                             FormatSeconds(outcome.Sound.Gaps.front().At / format_.SampleRate)));
 }
 
 void Capture::WriteTags(const CaptureRecord& record) {
@@ -156,12 +274,17 @@ std::string Capture::TemporaryName(int number, const std::string& extension) con
 }
 
 void Capture::AudioRecord_EndArrayRecord() {
-  platform::CaptureFile& file = *audio_.File(state_.CaptureSlot);
-  CaptureRecord& record = Record(state_.CaptureSlot);
   const std::span<const std::int16_t> block = audio_.AudioRecord->GetBlock();
   meter_.Take(block);
-  NoteWriting(record, file.WriteBlock(block));
-  record.LengthMs = file.Length();
+  if (Listening() || held_.AwaitsCut()) {
+    cuts_.Hear(block, held_.End(), format_);
+  } else {
+    cuts_.Forget();
+  }
+  held_.Take(block, Listening(), Into(WritingSlot()));
+  // What is held back counts as captured.
+  if (held_.Written() < held_.End())
+    Record(state_.CaptureSlot).LengthMs = MsSince(held_.AwaitsCut() ? recorderFrom_ : held_.Start());
 }
 
 bool Capture::NewFailure(const std::string& cause) {

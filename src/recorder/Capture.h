@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
 #include "recorder/AudioObjects.h"
+#include "recorder/CutChooser.h"
+#include "recorder/HeldBack.h"
 #include "recorder/Modes.h"
 #include "recorder/SongFiles.h"
 #include "recorder/SoundMeter.h"
@@ -13,12 +16,20 @@
 
 namespace kestrune::recorder {
 
-/// Starts and stops the two alternating captures and moves the sound into the one that is being written.
+/// Starts and stops the two alternating captures and moves the sound into the one that is being written, at once or,
+/// while songs are cut by listening, ten seconds late.
 class Capture {
  public:
-  /// All must outlive the object.
-  Capture(AudioObjects& audio, SoundMeter& meter, State& state, config::FileSpecs& fileSpecs,
-          SongFiles& songFiles, base::Journal& journal);
+  /// What captures are made with. All must outlive the object.
+  struct Parts {
+    AudioObjects& Audio;
+    SoundMeter& Meter;
+    CutChooser& Cuts;
+    config::FileSpecs& FileSpecs;
+    recorder::SongFiles& SongFiles;
+  };
+
+  Capture(State& state, const Parts& parts, base::Journal& journal);
 
   /// Takes the block handler of a recorder that has just been made.
   void ConnectRecorder();
@@ -32,8 +43,27 @@ class Capture {
 
   /// Takes over the sound up to now, closes the slot's file and writes its tags. The file stays held.
   void RecordStop(std::int16_t slot);
+  /// The same for a file whose song goes on in another one: what the file did not take is left for that.
+  void StopPiece(std::int16_t slot);
   /// Lets go of the slot's file, once it is renamed or removed.
   void Release(std::int16_t slot);
+
+  // A cut that is chosen by listening: the capture ends at a frame before now, or a little later.
+
+  /// The number of the frame that comes from the input now, counted from the program's start.
+  [[nodiscard]] std::int64_t FrameNow() const;
+  /// How much sound has come since a frame, in milliseconds.
+  [[nodiscard]] std::int64_t MsSince(std::int64_t frame) const;
+  /// Begins the capture of slot `next` where the one in hand ends, at a frame around `stamp` that is still to be chosen.
+  /// Until CutOver the sound goes on to the file in hand. False, with nothing done, if there is no such file, or if
+  /// the next one wants sound of another form.
+  [[nodiscard]] bool AwaitCut(std::int16_t next, std::int64_t stamp);
+  /// The frame that begins the next capture, as near as it can be had; `overlapMs` around it come into both files.
+  void SetCut(std::int64_t frame, std::int64_t overlapMs);
+  /// Whether the file in hand has all its sound.
+  [[nodiscard]] bool CutReached() const { return held_.CutReached(); }
+  /// Closes the finished slot's file at the frame that was set, and creates the other one's. The finished file stays held.
+  void CutOver(std::int16_t finished);
 
   /// Where a capture of the slot is to be created.
   [[nodiscard]] std::string TemporaryFile(std::int16_t slot) const;
@@ -43,10 +73,27 @@ class Capture {
 
  private:
   void AudioRecord_EndArrayRecord();
+  [[nodiscard]] bool Listening() const { return settings_.CutPlacement == config::CutPlacement::Listen; }
+  /// The slot whose file is being written: the one in hand, or, while a cut is awaited, the other.
+  [[nodiscard]] std::int16_t WritingSlot() const {
+    return static_cast<std::int16_t>(held_.AwaitsCut() ? 1 - state_.CaptureSlot : state_.CaptureSlot);
+  }
+  /// Writes to the file of a slot.
+  [[nodiscard]] HeldBack::File Into(std::int16_t slot);
+  void BeginOutcome(CaptureRecord& record);
+  void SetGain();
+  [[nodiscard]] platform::NumberedResult StartRecorder(const platform::PcmFormat& format);
+  /// Creates the slot's file; the log has it if that fails.
+  [[nodiscard]] platform::NumberedResult Open(std::int16_t slot, std::string path);
+  void Stop(std::int16_t slot, bool writeHeld);
+  void Close(std::int16_t slot);
+  void NoteLevel(CaptureOutcome& outcome) const;
+  /// Keeps what the recorder knows of its last run, in frames from the program's start.
+  void StopRecorder();
   /// Creates the file under the first name that nobody holds, beginning with `path`, which is that name afterwards.
   platform::NumberedResult CreateFree(std::int16_t slot, std::string& path);
-  /// Takes what came and what is missing into the outcome.
-  void TakeSound(CaptureRecord& record);
+  /// Takes what is missing of frames `begin` to `end` into the outcome.
+  void TakeSound(CaptureRecord& record, std::int64_t begin, std::int64_t end);
   void WriteTags(const CaptureRecord& record);
   /// Whether a failure to write has to be said: not again while the watch tries to write.
   [[nodiscard]] bool NewFailure(const std::string& cause);
@@ -58,6 +105,7 @@ class Capture {
 
   AudioObjects& audio_;
   SoundMeter& meter_;
+  CutChooser& cuts_;
   RecordingState& state_;
   WatchState& watch_;
   config::FileSpecs& fileSpecs_;
@@ -68,7 +116,12 @@ class Capture {
   base::Journal& journal_;
   const radio::LinkStatus& link_;
   std::string multiUnit_;
-  std::int32_t sampleRate_ = 1;  // of the capture that runs
+  HeldBack held_;
+  platform::PcmFormat format_;     // of the capture that runs
+  std::int64_t recorderFrom_ = 0;  // the first frame of the recorder's run
+  bool recording_ = false;         // the recorder runs
+  std::vector<platform::SoundGap>
+      gaps_;  // of the recorder's earlier runs, as far as a capture may still lack them
 };
 
 }  // namespace kestrune::recorder

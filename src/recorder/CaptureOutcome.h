@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/CaptureSound.h"
+#include "platform/HistoryRows.h"
 
 namespace kestrune::recorder {
 
@@ -43,6 +45,12 @@ struct CaptureOutcome {
   [[nodiscard]] const std::string& Failure() const {
     return StartFailure.empty() ? WriteFailure : StartFailure;
   }
+
+  /// How long before its end became known the capture had ended, in milliseconds; 0 unless sound is held back.
+  std::int64_t HeldBackMs = 0;
+
+  /// How the capture was cut from the next one, by listening; nothing if nobody listened.
+  std::optional<platform::HistoryCut> Cut;
 
   /// Less than this, one block of sound, does not make a song incomplete.
   static constexpr std::int64_t kNoticeableMs = 100;

@@ -26,7 +26,7 @@ std::int64_t OverloadedMs(const CaptureRecord& capture) {
 void Chronicle::SongEnded(const CaptureRecord& capture, platform::SongFate fate, std::string_view reason) {
   const CaptureOutcome& outcome = capture.Outcome;
   const SongNameValues& naming = capture.Naming.Values;
-  const base::DateValue ended = loop_.Now();
+  const base::DateValue ended = loop_.Now().AddSeconds(-outcome.HeldBackMs / 1000);
   const std::int64_t seconds = (capture.LengthMs + outcome.MissingMs + 500) / 1000;
   // The log's lines go on from the one word to the other with a comma.
   if (reason.starts_with(", ")) reason.remove_prefix(2);
@@ -47,7 +47,7 @@ void Chronicle::SongEnded(const CaptureRecord& capture, platform::SongFate fate,
                       .SilentMs = std::min(silent_.TakeMs(loop_.SteadyNow()), capture.LengthMs),
                       .OverloadedMs = OverloadedMs(capture),
                       .LineLostMs = std::min(radioLost_.TakeMs(loop_.SteadyNow()), capture.LengthMs),
-                      .Cut = {}});
+                      .Cut = outcome.Cut});
 }
 
 history::EventStart Chronicle::StartOf(const Event& event) const {

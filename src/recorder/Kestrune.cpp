@@ -38,7 +38,8 @@ Kestrune::Kestrune(const Outside& outside)
              {.Channels = radio_.Channels,
               .Restrictions = restrictions_,
               .Announcer = announcer_,
-              .Chronicle = chronicle_},
+              .Chronicle = chronicle_,
+              .Lags = stationLags_},
              log_),
       commands_(state_, announcer_, radio_.Link, outside.Loop, *tmrUpdate_),
       settingsDoor_({.Settings = state_.Settings,
@@ -76,12 +77,15 @@ Kestrune::Kestrune(const Outside& outside)
   outside_.HistoryStore.SetTroubleHandler([this](const std::string& line) { log_.DoLog(line); });
   radio_.Link.SetChannelInfoHandler([this](const radio::ChannelInfo& info) {
     chronicle_.Heard(info);
+    if (info.Channel == state_.Radio.ChannelNumber)
+      sound_.Cuts.TextCame(info.Artist, info.Song, sound_.Capture.FrameNow());
     radio_.Channels.pcrChannelInfoReceived(info);
   });
   radio_.Link.SetSignalHandler(
       [this](std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial) {
         announcer_.pcrSignalReceived(satellite1, satellite2, terrestrial);
       });
+  schedulePass_.SetSettleCut([this] { sound_.Boundary.SettleCut(); });
   // A pass may tune, and a wish whose wait let this tick in may be tuning: the next pass is early enough.
   updateCycle_.SetSchedulePass([this] {
     if (!door_.Serving()) schedulePass_.Run();
@@ -199,6 +203,7 @@ void Kestrune::ShowBareTitle() {
 }
 
 void Kestrune::ChannelTuned() {
+  sound_.Boundary.ChooseCut();
   state_.Recording.SongBoundarySeen = false;
   state_.Recording.SkipSongDelay = true;
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
@@ -31,6 +33,9 @@ class SchedulePass {
   /// One pass. The caller has marked the update cycle busy and turns its timer on afterwards. Replies of the radio
   /// are handled inside it while the radio is tuned.
   void Run();
+
+  /// What carries out a cut that is awaited, so that an event's end counts its last song.
+  void SetSettleCut(std::function<void()> settleCut) { settleCut_ = std::move(settleCut); }
 
  private:
   /// Logs what the clock went past since the last pass.
@@ -65,6 +70,7 @@ class SchedulePass {
   const base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
   Chronicle& chronicle_;
+  std::function<void()> settleCut_ = [] {};
   schedule::DueSearch search_;
   std::optional<base::DateValue> lastPass_;
 };

@@ -8,7 +8,7 @@ namespace kestrune::recorder {
 bool Kestrune::Close() {
   if (closing_) return false;
   closing_ = true;
-  updateCycle_.FinishStop();
+  updateCycle_.FinishSongs();
   CloseFirstPass();
   return true;
 }

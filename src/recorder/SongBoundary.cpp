@@ -1,8 +1,11 @@
 #include "recorder/SongBoundary.h"
 
-#include <chrono>
+#include <utility>
+
+#include <fmt/format.h>
 
 #include "base/Text.h"
+#include "cut/Cut.h"
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
@@ -10,6 +13,21 @@ namespace {
 
 // Shorter pieces are what a full disk took of the tries to write again.
 constexpr std::int64_t kShortestPieceMs = 2000;
+
+// If the sound stops coming, a choice waits no longer for it, and its cut not for the rest of the file.
+constexpr std::chrono::milliseconds kLongestListening{cut::kWantedAfterMs + 5000};
+constexpr std::chrono::milliseconds kLongestWriting{cut::kWantedAfterMs + 10000};
+
+// Below this the files may overlap.
+constexpr float kSureCut = 0.5F;
+
+std::string TraceLine(const platform::HistoryCut& cut) {
+  std::string line =
+      fmt::format("#Cut {} lag {} {} {:.2f}:", cut.Frame, cut.LagMs, cut.Reason, cut.Confidence);
+  for (const platform::CutCandidate& place : cut.Candidates)
+    line += fmt::format(" {} {:.2f}", place.LagMs, place.Chance);
+  return line;
+}
 
 }  // namespace
 
@@ -20,15 +38,21 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFile
       channels_(parts.Channels),
       radio_(state.Radio),
       capture_(parts.Capture),
+      cuts_(parts.Cuts),
       disposition_(parts.Disposition),
       announcer_(parts.Announcer),
       chronicle_(parts.Chronicle),
+      journal_(parts.Journal),
       songFiles_(songFiles),
       loop_(loop) {}
 
 void SongBoundary::Take(bool split) {
+  SettleCut();
   const bool natural = split && !state_.StartPending && !state_.StopPending;
-  if (natural && !state_.SkipSongDelay) AwaitSound();
+  if (natural && !state_.SkipSongDelay) {
+    if (Listens() && TakeByListening()) return;
+    AwaitSound();
+  }
   state_.SkipSongDelay = false;
 
   const std::int16_t finished = state_.CaptureSlot;
@@ -75,7 +99,87 @@ void SongBoundary::Take(bool split) {
   announcer_.ShowSong(Tuned());
 }
 
+bool SongBoundary::Listens() const {
+  return settings_.CutPlacement == config::CutPlacement::Listen && cuts_.Hears();
+}
+
+bool SongBoundary::TakeByListening() {
+  const std::int16_t finished = state_.CaptureSlot;
+  const auto next = static_cast<std::int16_t>(1 - finished);
+  const std::int64_t stamp = cuts_.StampOf(radio_.CurrentArtist, radio_.CurrentSong, capture_.FrameNow());
+  if (!capture_.AwaitCut(next, stamp)) return false;
+
+  NameNextSong(state_.CaptureSlots[static_cast<std::size_t>(next)]);
+  state_.CaptureSlots[static_cast<std::size_t>(finished)].Ending = EndingNow(all_);
+  const bool wanted = state_.RecordRequested && state_.RecordArmed;
+  awaited_ = {.Finished = finished,
+              .Channel = radio_.ChannelNumber,
+              .Stamp = stamp,
+              .Since = loop_.SteadyNow(),
+              .Wanted = wanted};
+  state_.SongBoundarySeen = true;
+  state_.SongBoundaryTime = loop_.Now();
+  state_.CaptureSlot = next;
+  state_.ForceSongChange = false;
+  channels_.CopyRadioText();
+  if (wanted) {
+    loop_.PumpEvents();
+    ShowRecording();
+    state_.WaitingForNextSong = state_.Incomplete = false;
+  }
+  FollowCurrentSong();
+  announcer_.ShowSong(Tuned());
+  return true;
+}
+
+void SongBoundary::FollowCut() {
+  if (!awaited_) return;
+  const bool failed =
+      !state_.CaptureSlots[static_cast<std::size_t>(awaited_->Finished)].Outcome.Failure().empty();
+  if (failed || settings_.CutPlacement != config::CutPlacement::Listen) return SettleCut();
+  const std::chrono::milliseconds waited = loop_.SteadyNow() - awaited_->Since;
+  if (capture_.MsSince(awaited_->Stamp) >= cut::kWantedAfterMs || waited > kLongestListening) ChooseCut();
+  if (awaited_->Chosen && (capture_.CutReached() || waited > kLongestWriting)) SettleCut();
+}
+
+void SongBoundary::ChooseCut() {
+  if (!awaited_ || awaited_->Chosen) return;
+  awaited_->Chosen = true;
+  const cut::Cut cut = cuts_.Choose(awaited_->Stamp, awaited_->Channel);
+  const CaptureRecord& next = state_.CaptureSlots[static_cast<std::size_t>(1 - awaited_->Finished)];
+  platform::HistoryCut kept{.Frame = cut.Frame,
+                            .LagMs = static_cast<std::int32_t>(cut.LagMs),
+                            .Reason = std::string(cut::NameOf(cut.Reason)),
+                            .Confidence = cut.Confidence,
+                            .Candidates = {},
+                            .Next = next.Artist + " - " + next.Song};
+  for (const cut::Candidate& candidate : cut.Candidates)
+    kept.Candidates.push_back({.LagMs = candidate.LagMs, .Chance = candidate.Chance});
+  if (journal_.Tracing()) journal_.Trace(TraceLine(kept));
+  state_.CaptureSlots[static_cast<std::size_t>(awaited_->Finished)].Outcome.Cut = std::move(kept);
+  capture_.SetCut(cut.Frame, cut.Confidence < kSureCut ? settings_.CutOverlap : 0);
+}
+
+void SongBoundary::SettleCut() {
+  if (!awaited_) return;
+  ChooseCut();
+  const Awaited ended = *awaited_;
+  awaited_.reset();
+  const bool busy = std::exchange(state_.BoundaryBusy, true);
+  capture_.CutOver(ended.Finished);
+  CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(ended.Finished)];
+  if (ended.Wanted) {
+    song.FileName = MakePlace(song).FileName;
+    disposition_.Dispose(song);
+  } else {
+    DropUnwanted(song);
+  }
+  capture_.Release(ended.Finished);
+  state_.BoundaryBusy = busy;
+}
+
 void SongBoundary::TakePiece() {
+  SettleCut();
   const std::int16_t finished = state_.CaptureSlot;
   const auto next = static_cast<std::int16_t>(1 - finished);
   CaptureRecord& piece = state_.CaptureSlots[static_cast<std::size_t>(finished)];
@@ -91,7 +195,7 @@ void SongBoundary::TakePiece() {
   rest.FileName = name.FileName;
   rest.Folder = name.Folder;
   std::int32_t result = 0;
-  capture_.RecordStop(finished);
+  capture_.StopPiece(finished);
   capture_.RecordStart(next, capture_.TemporaryFile(next), result);
   state_.CaptureSlot = next;
   state_.SongBoundarySeen = false;

@@ -12,10 +12,13 @@ std::optional<std::string> ScheduledBitRate(const State& state) {
 }  // namespace
 
 SoundSide::SoundSide(const Outside& outside, State& state, const Sources& sources, schedule::Log& log)
-    : FileSpecs([this](std::int16_t slot) { return Audio.File(slot); }, state.Settings,
+    : Cuts(sources.Lags),
+      FileSpecs([this](std::int16_t slot) { return Audio.File(slot); }, state.Settings,
                 state.Recording.CaptureSlot, [&state] { return ScheduledBitRate(state); }),
       SongFiles(outside.Files, outside.FileSync, log),
-      Capture(Audio, Meter, state, FileSpecs, SongFiles, log),
+      Capture(state,
+              {.Audio = Audio, .Meter = Meter, .Cuts = Cuts, .FileSpecs = FileSpecs, .SongFiles = SongFiles},
+              log),
       Disposition(state,
                   {.FileSpecs = FileSpecs,
                    .Restrictions = sources.Restrictions,
@@ -25,9 +28,11 @@ SoundSide::SoundSide(const Outside& outside, State& state, const Sources& source
       Boundary(state,
                {.Channels = sources.Channels,
                 .Capture = Capture,
+                .Cuts = Cuts,
                 .Disposition = Disposition,
                 .Announcer = sources.Announcer,
-                .Chronicle = sources.Chronicle},
+                .Chronicle = sources.Chronicle,
+                .Journal = log},
                SongFiles, outside.Loop) {}
 
 void SoundSide::Create(platform::AudioLibrary& library) {

@@ -28,6 +28,7 @@ struct SoundSide {
     const schedule::Restrictions& Restrictions;
     recorder::Announcer& Announcer;
     recorder::Chronicle& Chronicle;
+    StationLags& Lags;
   };
 
   SoundSide(const Outside& outside, State& state, const Sources& sources, schedule::Log& log);
@@ -39,6 +40,7 @@ struct SoundSide {
 
   AudioObjects Audio;
   SoundMeter Meter;
+  CutChooser Cuts;
   InputDevices Devices;
   /// Name of the device that the settings ask for, empty if it was not usable.
   std::string InputDeviceName;

@@ -11,6 +11,7 @@ UpdateCycle::UpdateCycle(State& state, const Parts& parts, base::EventLoop& loop
     : state_(state.Recording),
       radio_(state.Radio),
       run_(state.Run),
+      settings_(state.Settings),
       channels_(parts.Channels),
       modes_(state),
       boundary_(parts.Boundary),
@@ -31,6 +32,7 @@ void UpdateCycle::Tick() {
   updateTick_ = (updateTick_ + 1) % kTicksPerSchedulePass;
   if (run_.FormLoading) return EndTick();
 
+  channels_.FollowTunedClosely(settings_.CutPlacement == config::CutPlacement::Listen);
   channels_.RequestChannelInfo();
   if (state_.SettleTicks > 0) {
     boundary_.FollowCurrentSong();
@@ -39,6 +41,7 @@ void UpdateCycle::Tick() {
   }
   const bool split = modes_.CheckCleftune();
   if (GateOpen(split)) TakeBoundary(split);
+  boundary_.FollowCut();
   captureWatch_.Look();
 
   loop_.PumpEvents();
@@ -54,11 +57,11 @@ void UpdateCycle::Tick() {
   EndTick();
 }
 
-void UpdateCycle::FinishStop() {
-  if (!state_.StopPending) return;
+void UpdateCycle::FinishSongs() {
   updateBusy_ = true;
   tmrUpdate_.SetEnabled(false);
-  TakeBoundary(modes_.CheckCleftune());
+  boundary_.SettleCut();
+  if (state_.StopPending) TakeBoundary(modes_.CheckCleftune());
   EndTick();
 }
 

@@ -30,8 +30,9 @@ class UpdateCycle {
 
   void Tick();
 
-  /// Carries out a stop that still waits for its tick, so that the piece is kept; not within a tick.
-  void FinishStop();
+  /// Carries out a cut that is awaited and a stop that still waits for its tick, so that song and piece are kept; not
+  /// within a tick.
+  void FinishSongs();
 
   /// What every twentieth tick ends with, while the cycle is still marked busy and its timer is off.
   void SetSchedulePass(std::function<void()> pass) { schedulePass_ = std::move(pass); }
@@ -44,6 +45,7 @@ class UpdateCycle {
   RecordingState& state_;
   const radio::RadioState& radio_;
   const base::RunState& run_;
+  const config::Settings& settings_;
   radio::Channels& channels_;
   Modes modes_;
   SongBoundary& boundary_;

@@ -50,6 +50,10 @@ DayOfRadio::DayOfRadio(const Plan& plan)
   set("FileFormat", "WAV");
   set("WAV_Frequency", "1000");
   set("WAV_Channels", "1");
+  if (plan_.Listens) {
+    set("WAV_Frequency", "8000");
+    set("CutPlacement", "Listen");
+  }
   set("FileDir", "/music/");
   set("FilenameFormat", "%c %a - %s");
   set("MinSongLength", "45");
@@ -105,6 +109,14 @@ void DayOfRadio::Run() {
   if (plan_.Schedule) {
     Every(60s, 900s, [this] { AsAWish([this] { PlanSomething(); }); });
     Every(1000s, 9000s, [this] { loop_.StepWallClock(std::chrono::minutes(Draw(-120, 120))); });
+  }
+  if (plan_.Listens) {
+    Every(60s, 900s, [this] {
+      AsAWish([this] {
+        const char* placement = Draw(0, 3) > 0 ? "Listen" : "Text";
+        static_cast<void>(unit_->Parts().Settings.Set("CutPlacement", placement));
+      });
+    });
   }
   if (plan_.BadMoments) Every(1000s, 5000s, [this] { HaveABadMoment(); });
   if (plan_.Unplugs) PullTheCable();

@@ -29,6 +29,7 @@ class DayOfRadio {
     int Channels = 40;       ///< of which each has a new song every three minutes; 40 to 120
     bool Record = true;      ///< keeps the record of what happened in memory; else it is only fed
     bool Schedule = false;   ///< and plans events, and the wall clock is set now and then
+    bool Listens = false;    ///< songs are cut by listening, and by text again now and then
   };
 
   explicit DayOfRadio(const Plan& plan);

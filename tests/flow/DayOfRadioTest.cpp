@@ -79,6 +79,17 @@ TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {
   }
 }
 
+TEST(DayOfRadio, CutsByListeningLoseAndDoubleNothing) {
+  const std::chrono::hours length = Length(1h);
+  DayOfRadio day({.Seed = Seed(), .Length = length, .Faults = kBadLine, .Schedule = true, .Listens = true});
+  day.Run();
+  EXPECT_THAT(day.Complaints(), IsEmpty());
+  EXPECT_EQ(day.Ledger().Breaks, 0);
+  EXPECT_EQ(day.FramesLost(), 0);
+  EXPECT_GT(day.Ledger().Captures, 3);
+  EXPECT_GT(day.Ledger().Samples, 8 * (length / 1ms) * 95 / 100);
+}
+
 TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {
   const std::uint32_t seed = Seed();
   std::vector<std::string> logs[2];

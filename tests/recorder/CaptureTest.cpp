@@ -5,8 +5,10 @@
 
 #include "recorder/Capture.h"
 #include "support/FakeFileSync.h"
+#include "support/FakeHistoryStore.h"
 #include "support/MemoryFiles.h"
 #include "support/RecordingCaptureFile.h"
+#include "support/SimulatedEventLoop.h"
 
 namespace kestrune::recorder {
 namespace {
@@ -51,6 +53,7 @@ class CalledRecorder final : public platform::AudioRecorder {
   [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }
   [[nodiscard]] std::int64_t FramesLost() const override { return 0; }
+  [[nodiscard]] std::int64_t FramesWaiting() const override { return 0; }
 
   platform::NumberedResult StartResult;
   platform::CaptureSound CapturedSound;
@@ -128,7 +131,15 @@ class CaptureTest : public ::testing::Test {
   test::FakeFileSync sync;
   SongFiles songFiles{files, sync, log};
   recorder::SoundMeter meter;
-  Capture capture{audio, meter, all, fileSpecs, songFiles, log};
+  test::SimulatedEventLoop loop;
+  test::FakeHistoryStore store{loop};
+  history::History history{store, loop};
+  StationLags lags{history, settings, loop};
+  CutChooser cuts{lags};
+  Capture capture{
+      all,
+      {.Audio = audio, .Meter = meter, .Cuts = cuts, .FileSpecs = fileSpecs, .SongFiles = songFiles},
+      log};
   std::int32_t result = 99;
 };
 

@@ -45,6 +45,7 @@ class ListedRecorder final : public platform::AudioRecorder {
   [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }
   [[nodiscard]] std::int64_t FramesLost() const override { return 0; }
+  [[nodiscard]] std::int64_t FramesWaiting() const override { return 0; }
 
   std::vector<std::int16_t> Asked;
   platform::CaptureSound CapturedSound;

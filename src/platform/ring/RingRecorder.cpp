@@ -205,6 +205,10 @@ std::int64_t RingRecorder::FramesLost() const {
   return ledger_.Lost(LostBySource());
 }
 
+std::int64_t RingRecorder::FramesWaiting() const {
+  return open_ ? static_cast<std::int64_t>(ring_->Available()) / openFormat_.Channels : 0;
+}
+
 void RingRecorder::OnSamples(std::span<const std::int16_t> interleaved) {
   ring_->Push(interleaved);
 }

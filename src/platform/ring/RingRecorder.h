@@ -85,6 +85,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   [[nodiscard]] const CaptureSound& Sound() const override { return ledger_.Sound(); }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return framesCaptured_; }
   [[nodiscard]] std::int64_t FramesLost() const override;
+  [[nodiscard]] std::int64_t FramesWaiting() const override;
 
   [[nodiscard]] bool Recording() const { return recording_; }
 

@@ -327,11 +327,10 @@ TEST_F(ChannelsTest, FollowedCloselyTheTunedChannelIsAskedThreeTimesOfFour) {
     channels.RequestChannelInfo();
     Plain(3);
   }
-  EXPECT_TRUE(Wrote({"5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
-                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 03 00 ED ED",
-                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
-                     "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 04 00 ED ED",
-                     "5A A5 00 04 25 08 0C 00 ED ED"}));
+  EXPECT_TRUE(Wrote(
+      {"5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
+       "5A A5 00 04 25 08 03 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED",
+       "5A A5 00 04 25 08 0C 00 ED ED", "5A A5 00 04 25 08 04 00 ED ED", "5A A5 00 04 25 08 0C 00 ED ED"}));
 }
 
 TEST_F(ChannelsTest, AFullCycleTakesTwoRepliesAChannelAndBeginsAgain) {
