@@ -27,7 +27,7 @@ void HearASecond(benchmark::State& state) {
   const auto channels = static_cast<int>(state.range(0));
   const auto samples = Noise(channels);
   // As the ring hands them over.
-  const auto part = static_cast<std::size_t>(4410 * channels);
+  const auto part = std::size_t{4410} * static_cast<std::size_t>(channels);
   Listener listener(44100, channels, 0);
   std::size_t at = 0;
   for ([[maybe_unused]] auto step : state) {

@@ -74,7 +74,7 @@ void StationLags::TakeKept(std::int16_t channel, Station& station) {
   kept_.erase(found);
   cut::LagModel model;
   if (!cut::LagModel::FromText(kept.Model, model) || model.Changes() < station.Model.Changes()) return;
-  station.Model = std::move(model);
+  station.Model = model;
   station.Since = kept.Changed;
 }
 

@@ -154,7 +154,7 @@ QVariant ChannelGridModel::data(const QModelIndex& index, int role) const {
       return text();
     case Qt::ToolTipRole:
       return AsMarkup(text());
-    case RowTipRole:
+    case kRowTipRole:
       return AsMarkup(ToQt(RowTip(ChannelOf(rows_[static_cast<std::size_t>(index.row())]))));
     case Qt::TextAlignmentRole:
       return QVariant(index.column() == radio::ChannelGrid::Number ? Qt::AlignRight | Qt::AlignVCenter

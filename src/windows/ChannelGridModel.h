@@ -20,7 +20,7 @@ class ChannelGridModel final : public QAbstractTableModel {
   explicit ChannelGridModel(const radio::ChannelGrid& grid, QObject* parent = nullptr);
 
   /// What is said of a whole row, as markup; empty if nothing is.
-  static constexpr int RowTipRole = Qt::UserRole;
+  static constexpr int kRowTipRole = Qt::UserRole;
   /// The text behind it, by channel.
   std::function<std::string(std::int16_t channel)> RowTip = [](auto) { return std::string(); };
 

@@ -25,7 +25,7 @@ class CutTextDelegate final : public QStyledItemDelegate {
     if (event->type() != QEvent::ToolTip) return QStyledItemDelegate::helpEvent(event, view, option, index);
     QStringList tips;
     if (sizeHint(option, index).width() > option.rect.width()) tips << index.data(Qt::ToolTipRole).toString();
-    tips << index.data(ChannelGridModel::RowTipRole).toString();
+    tips << index.data(ChannelGridModel::kRowTipRole).toString();
     tips.removeAll(QString());
     // An empty text hides the tip.
     QToolTip::showText(event->globalPos(), tips.join(QStringLiteral("<br>")), view);

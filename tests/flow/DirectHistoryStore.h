@@ -50,7 +50,7 @@ class DirectHistoryStore final : public platform::HistoryStore {
     Ask([search = std::move(search)](auto& reader) { return reader.Search(search); }, std::move(answer));
   }
   void ReadCuts(platform::CutSearch search, SongsAnswer answer) override {
-    Ask([search = std::move(search)](auto& reader) { return reader.ReadCuts(search); }, std::move(answer));
+    Ask([search](auto& reader) { return reader.ReadCuts(search); }, std::move(answer));
   }
   void ReadLags(LagsAnswer answer) override {
     Ask([](auto& reader) { return reader.ReadLags(); }, std::move(answer));

@@ -385,8 +385,8 @@ void WeekOfFailures::CheckReport() {
     for (const history::EventStory& event : report.Events) {
       if (event.Due < from) continue;
       for (const history::MissingPart& part : event.Missing) {
-        const bool short_ = part.Seconds <= kMostUnexplained;
-        Check(short_ || !part.Why.empty(),
+        const bool isShort = part.Seconds <= kMostUnexplained;
+        Check(isShort || !part.Why.empty(),
               fmt::format("the report does not know why {} s of event {} are missing from {}", part.Seconds,
                           event.Entry, base::FormatDate(part.From, "mmm d, hh:nn:ss")));
       }

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +33,8 @@ int WantedCuts() {
   return wanted == nullptr ? 20 : std::max(1, std::atoi(wanted));
 }
 
-/// Three units record the same kind of sound over three roads at once: songs of three seconds, all kept.
+/// Four units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening: songs
+/// of three seconds, all kept. A cut by listening is then settled by the next change, seven seconds early.
 class Cuts : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -81,7 +83,8 @@ class Cuts : public testing::Test {
   };
 
   static void StartTrack(const std::string& road, const std::string& sound, const std::string& audio,
-                         const std::map<std::string, std::string>& environment) {
+                         const std::map<std::string, std::string>& environment,
+                         const std::string& cutPlacement = "Text") {
     Track& track = world_->Tracks[road];
     track.Radio = std::make_unique<Receiver>(
         world_->Folder / (road + "-radio"),
@@ -89,6 +92,7 @@ class Cuts : public testing::Test {
             ShortLineUp({"One", "Two", "Three"}, kSongSeconds), sound, "counter", {}, environment});
     auto settings = ShortSongs();
     settings["MinSongLength"] = "0";
+    settings["CutPlacement"] = cutPlacement;
     track.Recorder = std::make_unique<Unit>(
         world_->Folder / road, Unit::Setup{audio, track.Radio->Link(), settings, {}, environment});
     track.Recorder->Start();
@@ -112,12 +116,14 @@ class Cuts : public testing::Test {
         << "\" }\n";
     StartTrack("alsa", "pulse:radio1", "alsa", alsa);
 
-    const std::string pipe = world_->Folder / "sound";
-    if (::mkfifo(pipe.c_str(), 0600) != 0) {
-      world_->Trouble = "no named pipe can be made";
-      return false;
+    for (const auto& [road, cutPlacement] : {std::pair("pipe", "Text"), std::pair("listening", "Listen")}) {
+      const std::string pipe = world_->Folder / (std::string(road) + "-sound");
+      if (::mkfifo(pipe.c_str(), 0600) != 0) {
+        world_->Trouble = "no named pipe can be made";
+        return false;
+      }
+      StartTrack(road, "pipe:" + pipe, "pipe:" + pipe, {}, cutPlacement);
     }
-    StartTrack("pipe", "pipe:" + pipe, "pipe:" + pipe, {});
     return true;
   }
 
@@ -155,6 +161,10 @@ TEST_F(Cuts, LoseAndDoubleNothingThroughAlsa) {
 
 TEST_F(Cuts, LoseAndDoubleNothingThroughAPipe) {
   ExpectUnbroken("pipe");
+}
+
+TEST_F(Cuts, LoseAndDoubleNothingByListening) {
+  ExpectUnbroken("listening");
 }
 
 }  // namespace

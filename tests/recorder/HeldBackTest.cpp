@@ -12,8 +12,6 @@
 namespace kestrune::recorder {
 namespace {
 
-using ::testing::SizeIs;
-
 constexpr platform::PcmFormat kForm{.SampleRate = 8000, .Channels = 1};
 constexpr std::int64_t kBlock = 800;
 constexpr std::int64_t kHeld = HeldBack::kSeconds * std::int64_t{8000};

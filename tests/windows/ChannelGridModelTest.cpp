@@ -152,10 +152,10 @@ TEST_F(ChannelGridModelTest, TextsOfTheRadioAreShownAsTheyAreOnOneLineAndNeverAs
 TEST_F(ChannelGridModelTest, ARowHasATipOfItsOwnThatIsNeverTakenForMarkup) {
   grid.AddRow({.Number = 45, .Station = "R&B", .Artist = "Moon", .Song = "River"});
   model.Update();
-  EXPECT_EQ(model.index(0, 2).data(ChannelGridModel::RowTipRole).toString(), QString());
+  EXPECT_EQ(model.index(0, 2).data(ChannelGridModel::kRowTipRole).toString(), QString());
   model.RowTip = [](std::int16_t channel) { return "<i>" + std::to_string(channel); };
   for (const int column : {0, 4}) {
-    EXPECT_EQ(model.index(0, column).data(ChannelGridModel::RowTipRole).toString(),
+    EXPECT_EQ(model.index(0, column).data(ChannelGridModel::kRowTipRole).toString(),
               QStringLiteral("<span>&lt;i&gt;45</span>"));
   }
 }
