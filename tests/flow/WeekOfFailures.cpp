@@ -409,11 +409,18 @@ void WeekOfFailures::Check(bool holds, const std::string& complaint) {
 // The account.
 
 void WeekOfFailures::CollectExplanations() {
-  for (const platform::HistoryIncident& row : history_.Rows.Incidents) {
-    if (!row.Ended) continue;  // another row has its end, or the end of the run is it
-    incidents_.emplace_back(row.Began.Seconds() - kNoticing, row.Ended->Seconds() + kNoticing);
-  }
   const auto& runs = history_.Rows.Runs;
+  for (const platform::HistoryIncident& row : history_.Rows.Incidents) {
+    std::int64_t end = row.Began.Seconds();
+    if (row.Ended) {
+      end = row.Ended->Seconds();
+    } else {
+      // Another row has its end, or a crash was.
+      for (const platform::HistoryRun& run : runs)
+        if (run.Began <= row.Began && !run.Closed) end = std::max(row.Began, run.Alive).Seconds();
+    }
+    incidents_.emplace_back(row.Began.Seconds() - kNoticing, end + kNoticing);
+  }
   for (std::size_t i = 0; i + 1 < runs.size(); ++i) {
     const std::int64_t from = std::min(runs[i].Alive, runs[i + 1].Began).Seconds();
     // The song in hand, and what an incident that lasted did to it, went with the run.
