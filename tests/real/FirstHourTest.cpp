@@ -257,7 +257,7 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   // In the midst of it another format, by the menu. It stops what is recorded, and Record goes on with it.
   screen_.Press(kMain, {"alt+o", "Up", "Return"});
   ASSERT_TRUE(screen_.WaitFor(kConfiguration));
-  screen_.Press(kConfiguration, Then(Times(8, "Tab"), {"o", "Return"}));
+  screen_.Press(kConfiguration, Then(Times(9, "Tab"), {"o", "Return"}));
   ASSERT_TRUE(screen_.WaitUntilGone(kConfiguration));
   ASSERT_TRUE(WaitForRecording(""));
   screen_.Press(kMain, {"ctrl+r"});

@@ -123,13 +123,15 @@ class SpeechPauses : public ::testing::Test {
     const std::int32_t rate = rig.Sound.OpenFormat().SampleRate;
     const std::uint64_t start = SimulatedSoundSource::FrameAt(rig.Loop.SteadyNow(), rate);
     const double step = static_cast<double>(kSpeechRate) / rate;
-    rig.Sound.SetSignal([=, hiss = Hiss(road.NoiseDb), &road, &talk](std::uint64_t frame, int channel) {
+    // The sound runs on to the end of the rig, and what it is made of with it.
+    const auto played = std::make_shared<const Samples>(talk);
+    rig.Sound.SetSignal([=, hiss = Hiss(road.NoiseDb)](std::uint64_t frame, int channel) {
       double sample = hiss.At(frame, channel);
       const double place = static_cast<double>(frame - start) * step;
       const auto at = static_cast<std::size_t>(place);
-      if (at + 1 < talk.size() && !(road.LeftAlone && channel == 1)) {
+      if (at + 1 < played->size() && !(road.LeftAlone && channel == 1)) {
         const double part = place - static_cast<double>(at);
-        sample += road.Gain * (talk[at] * (1 - part) + talk[at + 1] * part);
+        sample += road.Gain * ((*played)[at] * (1 - part) + (*played)[at + 1] * part);
       }
       return static_cast<std::int16_t>(std::clamp(std::lround(sample), -32768L, 32767L));
     });
