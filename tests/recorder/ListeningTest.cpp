@@ -107,7 +107,7 @@ TEST_F(ListeningTest, AFileBeginsWhereItsSongDoesAndNothingIsLost) {
   rig.Run(20s);
   for (const auto lag : {1500ms, 1700ms, 1200ms, 1600ms}) {
     Change("Artist", "Song " + std::to_string(starts_.size()), lag);
-    rig.Run(60s);
+    rig.Run(25s);
   }
   ASSERT_EQ(FilesMade().size(), 5U);
   for (std::size_t i = 0; i < 4; ++i) {
@@ -125,7 +125,7 @@ TEST_F(ListeningTest, ATextThatComesLateIsLearnedAndNoHindrance) {
     starts_.push_back(FrameNow() + 5 * kRate);
     rig.Run(6s);
     rig.Radio.Play(44, "Artist", "Late " + std::to_string(i));
-    rig.Run(60s);
+    rig.Run(25s);
   }
   ASSERT_EQ(FilesMade().size(), 6U);
   for (std::size_t i = 2; i < 5; ++i) {
