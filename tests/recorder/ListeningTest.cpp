@@ -233,7 +233,10 @@ TEST_F(ListeningTest, TheCutOfASongIsChosenBeforeAnotherChannelIsHeard) {
   rig.Run(20s);
   Change("B", "2", 1s);
   rig.Run(4s);
+  const auto finished = static_cast<std::size_t>(1 - State().CaptureSlot);
+  EXPECT_FALSE(State().CaptureSlots[finished].Outcome.Cut);
   rig->SetChannelNumber(50);
+  EXPECT_TRUE(State().CaptureSlots[finished].Outcome.Cut);
   rig.Run(20s);
   EXPECT_LT(std::abs(Error(2, 1) + 0.2), 0.25);
   ExpectUnbroken();
@@ -314,6 +317,18 @@ TEST_F(ListeningTest, AFullDiskLosesNoMoreThanItMust) {
   EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Writing goes on after ")));
 }
 
+TEST_F(ListeningTest, WhatAFullFileDidNotTakeIsInTheNext) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(40s);
+  rig.Audio.CaptureFiles.at(static_cast<std::size_t>(State().CaptureSlot))->FailWrites = true;
+  const std::int64_t full = FrameNow();
+  rig.Run(30s);
+  ASSERT_EQ(FilesMade().size(), 2U);
+  EXPECT_NEAR(static_cast<double>(FirstFrame(*FilesMade().back())), static_cast<double>(full - 10 * kRate),
+              kRate);
+}
+
 TEST_F(ListeningTest, TheLastSongOfAnEventIsCountedWhoseCutIsAwaited) {
   // Whole songs from a minute on, for two minutes.
   rig.StartIdle();
@@ -331,7 +346,8 @@ TEST_F(ListeningTest, TheLastSongOfAnEventIsCountedWhoseCutIsAwaited) {
   rig.Run(10s);
   Change("A", "1", 1s);
   rig.Run(80s);
-  ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->TimeUntil(start.AddSeconds(119)) <= 0s; }, 3min));
+  ASSERT_TRUE(
+      rig.Loop.RunUntil([&] { return rig->TimeUntil(rig->State().Schedule.RemainingUntil) <= 3s; }, 3min));
   Change("B", "2", 1s);
   ASSERT_TRUE(rig.Loop.RunUntil([&] { return rig->State().Schedule.ActiveSchedule == 0; }, 1min));
   EXPECT_THAT(rig.LogTexts(), Contains("Scheduled event 1 completed - 1 songs recorded"));
