@@ -142,7 +142,8 @@ TEST_F(Ends, AQuitWhileASongIsCutKeepsThatSong) {
   std::this_thread::sleep_for(500ms);
   EXPECT_EQ(track.Recorder->Quit(), 0);
   ExpectClosed(track);
-  EXPECT_EQ(track.Recorder->Recordings().size(), kept + 1) << track.Recorder->LogText();
+  // On a slow machine another song may have ended before its name was asked for.
+  EXPECT_GE(track.Recorder->Recordings().size(), kept + 1) << track.Recorder->LogText();
   EXPECT_THAT(track.Recorder->LogText(), HasSubstr(song));
 }
 
