@@ -120,8 +120,8 @@ class Capture {
   platform::PcmFormat format_;     // of the capture that runs
   std::int64_t recorderFrom_ = 0;  // the first frame of the recorder's run
   bool recording_ = false;         // the recorder runs
-  std::vector<platform::SoundGap>
-      gaps_;  // of the recorder's earlier runs, as far as a capture may still lack them
+  // Of the recorder's earlier runs, as far as a capture may still lack them.
+  std::vector<platform::SoundGap> gaps_;
 };
 
 }  // namespace kestrune::recorder

@@ -97,6 +97,22 @@ class ListeningTest : public ::testing::Test {
     return static_cast<double>(FirstFrame(*FilesMade().at(index)) - starts_.at(song)) / kRate;
   }
 
+  /// Songs `from` to `to` - 1 begin with their files, which are cut in the quiet before them.
+  void ExpectCutsInTheGaps(std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i) {
+      EXPECT_GT(Error(i + 1, i), -0.45) << i;
+      EXPECT_LT(Error(i + 1, i), 0.01) << i;
+    }
+  }
+  /// "A - 1" has been recorded from its beginning, for a minute.
+  void RecordWholeSong() {
+    rig.StartIdle();
+    Change("A", "1", 1s);
+    rig.Run(20s);
+    rig->cmdRecord();
+    rig.Run(40s);
+  }
+
   UnitRig rig;
   std::vector<std::int64_t> starts_;
 };
@@ -110,10 +126,7 @@ TEST_F(ListeningTest, AFileBeginsWhereItsSongDoesAndNothingIsLost) {
     rig.Run(25s);
   }
   ASSERT_EQ(FilesMade().size(), 5U);
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_GT(Error(i + 1, i), -0.45) << i;
-    EXPECT_LT(Error(i + 1, i), 0.01) << i;
-  }
+  ExpectCutsInTheGaps(0, 4);
   ExpectUnbroken();
 }
 
@@ -128,19 +141,12 @@ TEST_F(ListeningTest, ATextThatComesLateIsLearnedAndNoHindrance) {
     rig.Run(25s);
   }
   ASSERT_EQ(FilesMade().size(), 6U);
-  for (std::size_t i = 2; i < 5; ++i) {
-    EXPECT_GT(Error(i + 1, i), -0.45) << i;
-    EXPECT_LT(Error(i + 1, i), 0.01) << i;
-  }
+  ExpectCutsInTheGaps(2, 5);
   ExpectUnbroken();
 }
 
 TEST_F(ListeningTest, TheWindowGoesOnAtOnceAndTheFileFollows) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(3s);
   EXPECT_EQ(rig.Window().lblSong.Caption, "2");
@@ -187,11 +193,7 @@ TEST_F(ListeningTest, AStopEndsTheFileWithTheSoundOfThatMoment) {
 
 TEST_F(ListeningTest, AStopSoonAfterAChangeKeepsTheSongBefore) {
   rig.Set("Integrel", "False");
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(4s);
   rig->cmdStop();
@@ -202,11 +204,7 @@ TEST_F(ListeningTest, AStopSoonAfterAChangeKeepsTheSongBefore) {
 }
 
 TEST_F(ListeningTest, AStopOfWholeSongsLetsTheFinishedOneEnd) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(3s);
   rig->cmdStop();
@@ -216,11 +214,7 @@ TEST_F(ListeningTest, AStopOfWholeSongsLetsTheFinishedOneEnd) {
 }
 
 TEST_F(ListeningTest, ACloseKeepsTheSongWhoseCutIsAwaited) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(3s);
   rig.CloseAndWait();
@@ -291,11 +285,7 @@ TEST_F(ListeningTest, OtherSoundParametersEndTheFileNow) {
 }
 
 TEST_F(ListeningTest, SoundThatStopsComingEndsNoSongLater) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(2s);
   rig.Sound.Die(60s);
@@ -304,11 +294,7 @@ TEST_F(ListeningTest, SoundThatStopsComingEndsNoSongLater) {
 }
 
 TEST_F(ListeningTest, AFullDiskLosesNoMoreThanItMust) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   rig.Audio.CaptureFiles[0]->FailWrites = rig.Audio.CaptureFiles[1]->FailWrites = true;
   rig.Run(30s);
   rig.Audio.CaptureFiles[0]->FailWrites = rig.Audio.CaptureFiles[1]->FailWrites = false;
@@ -354,11 +340,7 @@ TEST_F(ListeningTest, TheLastSongOfAnEventIsCountedWhoseCutIsAwaited) {
 }
 
 TEST_F(ListeningTest, ACutIsInTheRecordWithItsReason) {
-  rig.StartIdle();
-  Change("A", "1", 1s);
-  rig.Run(20s);
-  rig->cmdRecord();
-  rig.Run(40s);
+  RecordWholeSong();
   Change("B", "2", 1s);
   rig.Run(20s);
   rig.CloseAndWait();
