@@ -1,6 +1,7 @@
 #include "receiver/LineUp.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -14,6 +15,9 @@ using Json = nlohmann::json;
 
 constexpr int kHighestChannel = 255;
 constexpr double kLongestSongSeconds = 86400;
+constexpr double kLongestLeadSeconds = 60;
+constexpr std::array kJoins = {JoinKind::Silence, JoinKind::NaturalEnd, JoinKind::Hard, JoinKind::Segue,
+                               JoinKind::Talk};
 
 std::optional<std::string> TextOf(const Json& object, const char* key) {
   const auto place = object.find(key);
@@ -29,6 +33,21 @@ std::optional<std::chrono::milliseconds> SecondsOf(const Json& object, const cha
   return std::chrono::milliseconds(std::llround(seconds * 1000));
 }
 
+std::string ReadJoin(const Json& value, JoinKind& join) {
+  const auto found = std::find_if(kJoins.begin(), kJoins.end(),
+                                  [&value](JoinKind kind) { return value == std::string(NameOf(kind)); });
+  if (found == kJoins.end()) return "a \"join\" is not silence, natural, hard, segue or talk";
+  join = *found;
+  return {};
+}
+
+std::string ReadLead(const Json& value, std::optional<std::chrono::milliseconds>& lead) {
+  if (!value.is_number() || !(std::abs(value.get<double>()) <= kLongestLeadSeconds))
+    return "a \"lead\" is not a number of seconds from -60 to 60";
+  lead = std::chrono::milliseconds(std::llround(value.get<double>() * 1000));
+  return {};
+}
+
 std::string ReadSong(const Json& object, Song& song) {
   if (!object.is_object()) return "a song is not an object";
   const auto artist = TextOf(object, "artist");
@@ -37,7 +56,10 @@ std::string ReadSong(const Json& object, Song& song) {
   if (!artist || !title) return "a song needs an \"artist\" and a \"title\"";
   if (!length || length->count() == 0) return "a song needs a \"length\" in seconds above 0";
   song = {*artist, *title, *length};
-  return {};
+  std::string error;
+  if (object.contains("join")) error = ReadJoin(object["join"], song.Join);
+  if (error.empty() && object.contains("lead")) error = ReadLead(object["lead"], song.Lead);
+  return error;
 }
 
 std::string ReadStation(const Json& object, Station& station) {
@@ -72,6 +94,12 @@ bool LowerNumber(const Station& a, const Station& b) {
 }
 
 }  // namespace
+
+std::string_view NameOf(JoinKind kind) {
+  constexpr std::array<std::string_view, kJoins.size()> kNames = {"silence", "natural", "hard", "segue",
+                                                                  "talk"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
 
 const Station* LineUp::Find(int number) const {
   const Station* const station = After(number - 1);

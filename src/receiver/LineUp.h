@@ -1,16 +1,32 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kestrune::receiver {
 
+/// How the sound of a song gives way to that of the next one.
+enum class JoinKind {
+  Silence,     ///< the song ends, and some time passes
+  NaturalEnd,  ///< it fades away, and the next one follows at once
+  Hard,        ///< it breaks off where the next one begins
+  Segue,       ///< it fades out under the next one
+  Talk,        ///< an announcer talks over the end of the one and the beginning of the other
+};
+
+/// "silence", "natural", "hard", "segue" or "talk".
+[[nodiscard]] std::string_view NameOf(JoinKind kind);
+
 struct Song {
   std::string Artist;  ///< UTF-8
   std::string Title;   ///< UTF-8
   std::chrono::milliseconds Length{0};
+  JoinKind Join = JoinKind::NaturalEnd;  ///< to the next song, where the signal has joins
+  /// How far the text of the song runs ahead of its sound; without it, as far as all of the receiver's.
+  std::optional<std::chrono::milliseconds> Lead{};
 };
 
 struct Station {
@@ -45,7 +61,8 @@ struct LineUpResult {
 };
 
 /// {"stations": [{"number": 8, "name": "...", "genre": "...", "phase": seconds (optional),
-///   "songs": [{"artist": "...", "title": "...", "length": seconds}]}]}
+///   "songs": [{"artist": "...", "title": "...", "length": seconds, "join": "..." (optional, a name of
+///   JoinKind), "lead": seconds (optional, -60 to 60)}]}]}
 [[nodiscard]] LineUpResult LineUpFromJson(std::string_view json);
 
 }  // namespace kestrune::receiver

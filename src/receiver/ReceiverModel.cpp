@@ -136,7 +136,7 @@ std::string ReceiverModel::ChannelInfo(std::chrono::milliseconds now, std::strin
   // Channel 0 without texts is the end of the list, and the answer for a channel that does not exist.
   static const Station kNothing;
   const Station& described = station != nullptr ? *station : kNothing;
-  const Playing playing = PlayingAt(described, now + setup_.Lead);
+  const Playing playing = TextAt(described, now, setup_.Lead);
   return reply.Byte(7, static_cast<unsigned>(described.Number))
       .Bytes(10, WireText(described.Name, kTextSize))
       .Bytes(28, WireText(described.Genre, kTextSize))

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "receiver/Dice.h"
+#include "receiver/MusicSignal.h"
 #include "receiver/TunePlayer.h"
 
 namespace kestrune::receiver {
@@ -81,6 +82,8 @@ std::unique_ptr<SongSignal> MakeSongSignal(SignalKind kind, int sampleRate) {
       return std::make_unique<ToneSignal>(sampleRate);
     case SignalKind::Counter:
       return std::make_unique<CounterSignal>();
+    case SignalKind::Music:
+      return MakeMusicSignal(sampleRate);
     case SignalKind::Tunes:
       break;
   }

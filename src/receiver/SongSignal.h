@@ -9,9 +9,10 @@
 namespace kestrune::receiver {
 
 enum class SignalKind {
-  Tunes,   ///< each song its own melody
-  Tones,   ///< each song its own pure frequency, which a measurement can recognise
-  Counter  ///< each frame its own number, so that a missing one shows
+  Tunes,    ///< each song its own melody
+  Tones,    ///< each song its own pure frequency, which a measurement can recognise
+  Counter,  ///< each frame its own number, so that a missing one shows
+  Music     ///< each song its own band, joined to the next one as the line-up says
 };
 
 /// A song's place in the sound of the receiver. Frames count from the receiver's start.
@@ -20,6 +21,8 @@ struct SongPlace {
   int Ordinal = 0;  ///< of the song in the whole line-up, from 0
   std::int64_t StartFrame = 0;
   std::int64_t EndFrame = 0;
+  const Song* Before = nullptr;  ///< the song before it, which may be the same one
+  std::int64_t BeforeFrame = 0;  ///< the first one of that
 };
 
 /// What a song sounds like.
@@ -45,6 +48,16 @@ class SongSignal {
 }
 [[nodiscard]] constexpr std::int16_t CounterRight(std::int64_t frame) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>((frame >> 16) & 0xFFFF));
+}
+
+/// The lowest bits of the samples in SignalKind::Music. Each 32 frames bear their number, counted in such groups, in the
+/// bits on the left, the lowest bit first; on the right the first frame of a group has a one, the others have zeros.
+inline constexpr std::int64_t kMarkedGroup = 32;
+[[nodiscard]] constexpr bool MarkLeft(std::int64_t frame) {
+  return ((frame / kMarkedGroup) >> (frame % kMarkedGroup) & 1) != 0;
+}
+[[nodiscard]] constexpr bool MarkRight(std::int64_t frame) {
+  return frame % kMarkedGroup == 0;
 }
 
 }  // namespace kestrune::receiver

@@ -31,8 +31,14 @@ SongPlace StationSound::PlaceAt(int channel, std::int64_t frame) const {
   if (station == nullptr) return {};
   const Playing playing = PlayingAt(*station, std::chrono::milliseconds(frame * 1000 / sampleRate_));
   if (playing.What == nullptr) return {};
-  return {playing.What, OrdinalOf(lineUp_, *station, playing.Index), FramesUntil(playing.Start),
-          FramesUntil(playing.End)};
+  const std::size_t songs = station->Songs.size();
+  const Song& before = station->Songs[(playing.Index + songs - 1) % songs];
+  return {.What = playing.What,
+          .Ordinal = OrdinalOf(lineUp_, *station, playing.Index),
+          .StartFrame = FramesUntil(playing.Start),
+          .EndFrame = FramesUntil(playing.End),
+          .Before = &before,
+          .BeforeFrame = FramesUntil(playing.Start - before.Length)};
 }
 
 void StationSound::Render(int channel, std::int64_t firstFrame, std::span<std::int16_t> interleaved) {

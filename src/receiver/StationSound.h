@@ -26,6 +26,7 @@ class StationSound {
   [[nodiscard]] std::int64_t FramesUntil(std::chrono::milliseconds time) const;
   /// The song of a channel at a frame; its What is null if there is none.
   [[nodiscard]] SongPlace PlaceAt(int channel, std::int64_t frame) const;
+  [[nodiscard]] SignalKind Kind() const { return kind_; }
 
  private:
   const LineUp& lineUp_;

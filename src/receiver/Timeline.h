@@ -17,4 +17,8 @@ struct Playing {
 /// What a station plays at a moment. Times count from the receiver's start; a song may have begun before it.
 [[nodiscard]] Playing PlayingAt(const Station& station, std::chrono::milliseconds time);
 
+/// The song whose text a station shows at a moment: it runs ahead of the sound by the song's own lead, or by `lead`.
+[[nodiscard]] Playing TextAt(const Station& station, std::chrono::milliseconds time,
+                             std::chrono::milliseconds lead);
+
 }  // namespace kestrune::receiver

@@ -1,10 +1,13 @@
 #include "receiver/VirtualReceiver.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include "receiver/JoinShape.h"
 
 namespace kestrune::receiver {
 namespace {
@@ -159,6 +162,12 @@ void VirtualReceiver::LogSong(Milliseconds now, std::string_view event, const Pl
                                    {"start", static_cast<double>(playing.Start.count()) / 1000},
                                    {"end", static_cast<double>(playing.End.count()) / 1000}};
   if (sound_) fields["start_frame"] = sound_->FramesUntil(playing.Start);
+  if (sound_ && sound_->Kind() == SignalKind::Music) {
+    const SongPlace place = sound_->PlaceAt(model_.TunedChannel(), sound_->FramesUntil(playing.Start));
+    const double quiet = ShapeOf(*place.Before).QuietBefore() * sound_->SampleRate();
+    fields["join"] = NameOf(place.Before->Join);
+    fields["quiet_frame"] = place.StartFrame - std::llround(quiet);
+  }
   log_->Write(now, event, fields);
 }
 
@@ -170,7 +179,7 @@ void VirtualReceiver::Observe(Milliseconds now) {
     observedText_.reset();
     observedSound_.reset();
   }
-  const Playing text = PlayingAt(*station, now + model_.Lead());
+  const Playing text = TextAt(*station, now, model_.Lead());
   if (text.What == nullptr) return;
   if (std::exchange(observedText_, text.Start) != text.Start) LogSong(now, "text", text);
   const Playing heard = PlayingAt(*station, now);

@@ -18,7 +18,10 @@ Json LineUpJson(const std::vector<LineUpStation>& stations) {
   for (const LineUpStation& station : stations) {
     Json songs = Json::array();
     for (const LineUpSong& song : station.Songs) {
-      songs.push_back({{"artist", song.Artist}, {"title", song.Title}, {"length", song.Seconds}});
+      Json& made =
+          songs.emplace_back(Json{{"artist", song.Artist}, {"title", song.Title}, {"length", song.Seconds}});
+      if (!song.Join.empty()) made["join"] = song.Join;
+      if (song.Lead) made["lead"] = *song.Lead;
     }
     list.push_back(
         {{"number", station.Number}, {"name", station.Name}, {"genre", station.Genre}, {"songs", songs}});

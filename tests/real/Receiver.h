@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,8 @@ struct LineUpSong {
   std::string Artist;
   std::string Title;
   double Seconds = 0;
+  std::string Join{};            ///< to the next song, with the signal "music"
+  std::optional<double> Lead{};  ///< of its text, in seconds; else the receiver's
 };
 
 struct LineUpStation {

@@ -104,6 +104,21 @@ TEST(LineUpFromJson, ReadsStationsAndSortsThem) {
   EXPECT_TRUE(lineUp.Stations[1].Songs.empty());
 }
 
+TEST(LineUpFromJson, ASongHasAJoinAndALeadOfItsOwn) {
+  const auto [lineUp, error] = receiver::LineUpFromJson(R"({"stations": [
+      {"number": 3, "name": "Three", "genre": "", "songs": [
+        {"artist": "A", "title": "1", "length": 9, "join": "talk", "lead": -1.25},
+        {"artist": "A", "title": "2", "length": 9, "join": "silence"},
+        {"artist": "A", "title": "3", "length": 9}]}]})");
+  EXPECT_EQ(error, "");
+  const std::vector<receiver::Song>& songs = lineUp.Stations.at(0).Songs;
+  EXPECT_EQ(songs[0].Join, receiver::JoinKind::Talk);
+  EXPECT_EQ(songs[0].Lead, std::chrono::milliseconds(-1250));
+  EXPECT_EQ(songs[1].Join, receiver::JoinKind::Silence);
+  EXPECT_EQ(songs[1].Lead, std::nullopt);
+  EXPECT_EQ(songs[2].Join, receiver::JoinKind::NaturalEnd);
+}
+
 TEST(LineUpFromJson, SaysWhatIsWrong) {
   const struct {
     const char* Json;
@@ -128,6 +143,15 @@ TEST(LineUpFromJson, SaysWhatIsWrong) {
       {R"({"stations": [{"number": 4, "name": "x", "genre": "",
           "songs": [{"artist": "", "title": "", "length": 0}]}]})",
        "station 4: a song needs a \"length\" in seconds above 0"},
+      {R"({"stations": [{"number": 4, "name": "x", "genre": "",
+          "songs": [{"artist": "", "title": "", "length": 1, "join": "loud"}]}]})",
+       "station 4: a \"join\" is not silence, natural, hard, segue or talk"},
+      {R"({"stations": [{"number": 4, "name": "x", "genre": "",
+          "songs": [{"artist": "", "title": "", "length": 1, "join": 1}]}]})",
+       "station 4: a \"join\" is not silence, natural, hard, segue or talk"},
+      {R"({"stations": [{"number": 4, "name": "x", "genre": "",
+          "songs": [{"artist": "", "title": "", "length": 1, "lead": 61}]}]})",
+       "station 4: a \"lead\" is not a number of seconds from -60 to 60"},
       {R"({"stations": [{"number": 4, "name": "", "genre": ""}, {"number": 4, "name": "", "genre": ""}]})",
        "station 4 is listed twice"},
   };

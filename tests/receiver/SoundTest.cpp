@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "receiver/Dice.h"
+#include "receiver/JoinShape.h"
 #include "receiver/StationSound.h"
 #include "receiver/TunePlayer.h"
 
@@ -93,7 +94,8 @@ TEST(StationSound, ASongBeginsWithTheFirstFrameThatIsNotBeforeItsMoment) {
 
 TEST(StationSound, PiecesAreTheSameAsTheWhole) {
   const LineUp lineUp = TwoSongs();
-  for (const SignalKind kind : {SignalKind::Tunes, SignalKind::Tones, SignalKind::Counter}) {
+  for (const SignalKind kind :
+       {SignalKind::Tunes, SignalKind::Tones, SignalKind::Counter, SignalKind::Music}) {
     StationSound sound(lineUp, kind, kRate);
     const Samples whole = Render(sound, 8, 0, 80000);
     StationSound again(lineUp, kind, kRate);
@@ -109,7 +111,7 @@ TEST(StationSound, PiecesAreTheSameAsTheWhole) {
 
 TEST(StationSound, AStationWithoutSongsAndNoStationAreSilent) {
   const LineUp lineUp = TwoSongs();
-  for (const SignalKind kind : {SignalKind::Tunes, SignalKind::Tones}) {
+  for (const SignalKind kind : {SignalKind::Tunes, SignalKind::Tones, SignalKind::Music}) {
     StationSound sound(lineUp, kind, kRate);
     EXPECT_EQ(Render(sound, 9, 100, 50), Samples(100, 0));
     EXPECT_EQ(Render(sound, 0, 100, 50), Samples(100, 0));
@@ -162,6 +164,112 @@ TEST(Tunes, ASongStartsAndEndsInQuiet) {
   StationSound sound(lineUp, SignalKind::Tunes, kRate);
   const std::int64_t end = sound.FramesUntil(milliseconds(1001));
   for (const std::int16_t sample : Render(sound, 8, end - 20, 40)) EXPECT_LT(std::abs(sample), 200);
+}
+
+/// Songs of 20 s, each with its own join.
+LineUp JoinedSongs(receiver::JoinKind join) {
+  LineUp lineUp{{{8, "Eight", "", {}, {}}}};
+  for (int i = 0; i < 10; ++i)
+    lineUp.Stations[0].Songs.push_back({"Band", "Song " + std::to_string(i), milliseconds(20000), join});
+  return lineUp;
+}
+
+double Loudness(const Samples& samples) {
+  double power = 0;
+  for (const std::int16_t sample : samples) power += static_cast<double>(sample) * sample;
+  return std::sqrt(power / static_cast<double>(samples.size())) / 32768;
+}
+
+/// The loudness of 0.2 s from a moment on, counted from the start of the second song, in seconds.
+double LoudnessAt(receiver::JoinKind join, double seconds) {
+  const LineUp lineUp = JoinedSongs(join);
+  StationSound sound(lineUp, SignalKind::Music, kRate);
+  return Loudness(Render(sound, 8, std::llround((20 + seconds) * kRate), kRate / 5));
+}
+
+TEST(Music, IsAsLoudAsMusicAndNeverReachesFullScale) {
+  const LineUp lineUp = JoinedSongs(receiver::JoinKind::Hard);
+  StationSound sound(lineUp, SignalKind::Music, kRate);
+  for (int song = 0; song < 10; ++song) {
+    const Samples samples = Render(sound, 8, std::int64_t{kRate} * (20 * song + 8), std::size_t{kRate} * 4);
+    EXPECT_GT(Loudness(samples), 0.04) << song;
+    EXPECT_LT(Loudness(samples), 0.3) << song;
+    for (const std::int16_t sample : samples) ASSERT_LT(std::abs(static_cast<int>(sample)), 32500) << song;
+  }
+}
+
+TEST(Music, TheLowestBitsNumberTheFrames) {
+  const LineUp lineUp = JoinedSongs(receiver::JoinKind::Hard);
+  StationSound sound(lineUp, SignalKind::Music, kRate);
+  // Group 31250, 0111 1010 0001 0010 in binary, and two frames of the next one.
+  const Samples samples = Render(sound, 8, 1000000, 34);
+  std::string left;
+  std::string right;
+  for (std::size_t i = 0; i < samples.size(); i += 2) {
+    left += (samples[i] & 1) != 0 ? '1' : '0';
+    right += (samples[i + 1] & 1) != 0 ? '1' : '0';
+  }
+  EXPECT_EQ(left, "0100100001011110000000000000000011");
+  EXPECT_EQ(right, "1000000000000000000000000000000010");
+}
+
+TEST(Music, EachJoinSoundsAsItIsCalled) {
+  using receiver::JoinKind;
+  for (const JoinKind join : {JoinKind::Silence, JoinKind::NaturalEnd, JoinKind::Hard, JoinKind::Segue}) {
+    EXPECT_GT(LoudnessAt(join, 0), 0.03) << receiver::NameOf(join) << ": the next song begins at once";
+    EXPECT_GT(LoudnessAt(join, -8), 0.03) << receiver::NameOf(join);
+  }
+  EXPECT_LT(LoudnessAt(JoinKind::Silence, -0.2), 0.001);
+  EXPECT_LT(LoudnessAt(JoinKind::NaturalEnd, -0.2), 0.01);
+  EXPECT_GT(LoudnessAt(JoinKind::Hard, -0.2), 0.03);
+  EXPECT_GT(LoudnessAt(JoinKind::Segue, -0.2), 0.01);
+}
+
+TEST(Music, ASegueGoesOnUnderTheNextSongAndAnAnnouncerTalksOverBoth) {
+  const auto difference = [](receiver::JoinKind join, double seconds) {
+    const LineUp lineUp = JoinedSongs(join);
+    const LineUp hard = JoinedSongs(receiver::JoinKind::Hard);
+    StationSound sound(lineUp, SignalKind::Music, kRate);
+    StationSound plain(hard, SignalKind::Music, kRate);
+    const std::int64_t from = std::llround((20 + seconds) * kRate);
+    Samples samples = Render(sound, 8, from, kRate / 2);
+    const Samples other = Render(plain, 8, from, kRate / 2);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+      samples[i] = static_cast<std::int16_t>(samples[i] - other[i]);
+    return Loudness(samples);
+  };
+  EXPECT_GT(difference(receiver::JoinKind::Segue, 0), 0.01);
+  EXPECT_EQ(difference(receiver::JoinKind::Segue, 7), 0) << "no segue is longer than six seconds";
+  EXPECT_GT(difference(receiver::JoinKind::Talk, -0.5), 0.01);
+  EXPECT_GT(difference(receiver::JoinKind::Talk, 0), 0.01);
+  EXPECT_EQ(difference(receiver::JoinKind::Talk, 7), 0);
+}
+
+TEST(JoinShape, NothingIsHeardWhereItIsSaidToBeQuiet) {
+  for (const auto join : {receiver::JoinKind::Silence, receiver::JoinKind::NaturalEnd}) {
+    const LineUp lineUp = JoinedSongs(join);
+    StationSound sound(lineUp, SignalKind::Music, kRate);
+    for (int song = 1; song < 10; ++song) {
+      const double quiet =
+          receiver::ShapeOf(lineUp.Stations[0].Songs[static_cast<std::size_t>(song - 1)]).QuietBefore();
+      const auto frames = static_cast<std::size_t>(quiet * kRate);
+      const std::int64_t start = std::int64_t{kRate} * 20 * song;
+      EXPECT_LT(Loudness(Render(sound, 8, start - static_cast<std::int64_t>(frames), frames)), 0.0015)
+          << song;
+    }
+  }
+}
+
+TEST(JoinShape, NoPartIsLongerThanAThirdOfTheSong) {
+  for (int i = 0; i < 50; ++i) {
+    const receiver::JoinShape shape = receiver::ShapeOf(
+        {"Band", "Song " + std::to_string(i), milliseconds(1500), static_cast<receiver::JoinKind>(i % 5)});
+    for (const double part :
+         {shape.Fade, shape.Silence, shape.Overlap, shape.FadeIn, shape.TalkBefore, shape.TalkAfter}) {
+      EXPECT_GE(part, 0);
+      EXPECT_LE(part, 0.5);
+    }
+  }
 }
 
 }  // namespace

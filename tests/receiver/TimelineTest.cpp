@@ -8,6 +8,7 @@ namespace {
 using receiver::Playing;
 using receiver::PlayingAt;
 using receiver::Station;
+using receiver::TextAt;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
@@ -55,6 +56,32 @@ TEST(Timeline, SongsFollowWithoutAGap) {
     EXPECT_EQ(playing.Index, static_cast<std::size_t>(i % 3));
     time = playing.End;
   }
+}
+
+TEST(Timeline, TheTextRunsAheadByTheLead) {
+  const Station station = ThreeSongs();
+  EXPECT_EQ(TextAt(station, milliseconds(9399), milliseconds(600)).Index, 0U);
+  EXPECT_EQ(TextAt(station, milliseconds(9400), milliseconds(600)).Index, 1U);
+  EXPECT_EQ(TextAt(station, milliseconds(11999), milliseconds(-2000)).Index, 0U);
+  EXPECT_EQ(TextAt(station, milliseconds(12000), milliseconds(-2000)).Index, 1U);
+}
+
+TEST(Timeline, ASongsOwnLeadPutsItsTextElsewhere) {
+  Station station = ThreeSongs();
+  station.Songs[1].Lead = seconds(-2);
+  station.Songs[2].Lead = seconds(2);
+  EXPECT_EQ(TextAt(station, milliseconds(11999), milliseconds(600)).Index, 0U);
+  EXPECT_EQ(TextAt(station, milliseconds(12000), milliseconds(600)).Index, 1U);
+  EXPECT_EQ(TextAt(station, milliseconds(27999), milliseconds(600)).Index, 1U);
+  const Playing third = TextAt(station, milliseconds(28000), milliseconds(600));
+  EXPECT_EQ(third.Index, 2U);
+  EXPECT_EQ(third.Start, seconds(30));
+  EXPECT_EQ(TextAt(station, milliseconds(34399), milliseconds(600)).Index, 2U);
+  EXPECT_EQ(TextAt(station, milliseconds(34400), milliseconds(600)).Index, 0U);
+}
+
+TEST(Timeline, AStationWithoutSongsShowsNothing) {
+  EXPECT_EQ(TextAt(Station(), seconds(1), seconds(1)).What, nullptr);
 }
 
 }  // namespace

@@ -204,5 +204,16 @@ TEST(VirtualReceiver, LogsWhatItDid) {
 )");
 }
 
+TEST(VirtualReceiver, LogsTheJoinsOfMusic) {
+  std::ostringstream out;
+  receiver::JsonLines log(out);
+  receiver::LineUp lineUp = TwoStations();
+  lineUp.Stations.front().Songs.front().Join = receiver::JoinKind::Segue;
+  VirtualReceiver receiver(std::move(lineUp), {}, &log);
+  receiver.StartSound(milliseconds(0), SignalKind::Music, 44100);
+  receiver.Observe(milliseconds(2000));
+  EXPECT_THAT(out.str(), testing::HasSubstr(R"("start_frame":88200,"join":"segue","quiet_frame":88200})"));
+}
+
 }  // namespace
 }  // namespace kestrune::test

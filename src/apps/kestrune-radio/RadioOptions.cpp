@@ -72,8 +72,10 @@ std::string ReadSignal(std::string_view text, RadioOptions& options) {
     options.Signal = receiver::SignalKind::Tones;
   } else if (text == "counter") {
     options.Signal = receiver::SignalKind::Counter;
+  } else if (text == "music") {
+    options.Signal = receiver::SignalKind::Music;
   } else {
-    return fmt::format("\"{}\" is not tunes, tones or counter", text);
+    return fmt::format("\"{}\" is not tunes, tones, counter or music", text);
   }
   return {};
 }
@@ -211,9 +213,8 @@ std::string RadioUsage() {
       "default);\n"
       "                       16 bits, stereo\n"
       "  --rate HZ            samples a second (44100)\n"
-      "  --signal KIND        what songs sound like: tunes (the default), tones (a pure frequency a song) "
-      "or\n"
-      "                       counter (each frame its number)\n"
+      "  --signal KIND        what songs sound like: tunes (the default), tones (a pure frequency a song),\n"
+      "                       counter (each frame its number) or music (a band a song, with joins)\n"
       "  --songs SECONDS      gives each song this length\n"
       "  --lead MS            how far the text runs ahead of the sound (600)\n"
       "  --line-up FILE       the stations, as JSON\n"
