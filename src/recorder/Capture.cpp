@@ -49,11 +49,12 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   BeginOutcome(record);
   const platform::NumberedResult created = Open(slot, fileName);
   result = created.Number;
-  if (!created) return held_.Drop();
+  // What is held back begins the next file that can be created.
+  if (!created && !Listening()) return;
   meter_.Begin();
   held_.Begin(file->FormatValues());
   const platform::NumberedResult started = StartRecorder(file->FormatValues());
-  result = started.Number;
+  if (created) result = started.Number;
   if (!started) {
     record.Outcome.StartFailure = started.Cause;
     base::Ignored(file->Close());
@@ -75,7 +76,7 @@ void Capture::SetGain() {
 }
 
 void Capture::BeginOutcome(CaptureRecord& record) {
-  record.LengthMs = 0;
+  record.LengthMs = record.WrittenMs = 0;
   record.Outcome = {};
   record.Outcome.Event = modes_.Event();
   record.Outcome.Modes = modes_.InForce();
@@ -129,21 +130,24 @@ platform::NumberedResult Capture::CreateFree(std::int16_t slot, std::string& pat
 }
 
 void Capture::RecordStop(std::int16_t slot) {
-  Stop(slot, true);
+  Stop(slot, false);
 }
 
 void Capture::StopPiece(std::int16_t slot) {
-  Stop(slot, Record(slot).Outcome.WriteFailure.empty());
+  Stop(slot, true);
 }
 
-void Capture::Stop(std::int16_t slot, bool writeHeld) {
+void Capture::Stop(std::int16_t slot, bool goesOn) {
   if (audio_.AudioRecord == nullptr || audio_.File(0) == nullptr) return;
   StopRecorder();
   if (audio_.File(slot) == nullptr) return;
   if (slot == WritingSlot()) {
-    if (writeHeld) held_.Flush(Into(slot));
-    NoteLevel(Record(slot).Outcome);
-    TakeSound(Record(slot), held_.Start(), held_.Written());
+    CaptureRecord& record = Record(slot);
+    if (!goesOn || record.Outcome.WriteFailure.empty()) held_.Flush(Into(slot));
+    record.LengthMs = record.WrittenMs;
+    NoteLevel(record.Outcome);
+    TakeSound(record, held_.Start(), held_.Written());
+    if (!goesOn) held_.Drop();
   }
   Close(slot);
 }
@@ -208,8 +212,10 @@ HeldBack::File Capture::Into(std::int16_t slot) {
   return [this, slot](std::span<const std::int16_t> samples) {
     CaptureRecord& record = Record(slot);
     platform::CaptureFile& file = *audio_.File(slot);
-    NoteWriting(record, file.WriteBlock(samples));
-    record.LengthMs = file.Length();
+    const base::Result written = file.WriteBlock(samples);
+    NoteWriting(record, written);
+    if (written) record.LengthMs = record.WrittenMs = file.Length();
+    return written.Ok();
   };
 }
 

@@ -85,7 +85,8 @@ class Capture {
   [[nodiscard]] platform::NumberedResult StartRecorder(const platform::PcmFormat& format);
   /// Creates the slot's file; the log has it if that fails.
   [[nodiscard]] platform::NumberedResult Open(std::int16_t slot, std::string path);
-  void Stop(std::int16_t slot, bool writeHeld);
+  /// `goesOn`: what the file did not take stays.
+  void Stop(std::int16_t slot, bool goesOn);
   void Close(std::int16_t slot);
   void NoteLevel(CaptureOutcome& outcome) const;
   /// Keeps what the recorder knows of its last run, in frames from the program's start.

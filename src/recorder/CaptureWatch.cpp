@@ -37,7 +37,7 @@ void CaptureWatch::LookForFailure(const CaptureRecord& capture) {
     if (now < nextTry_) return;
     nextTry_ = now + kNextTry;
     boundary_.TakePiece();
-  } else if (failing_ && capture.LengthMs >= kProofMs) {
+  } else if (failing_ && capture.WrittenMs >= kProofMs) {
     failing_ = false;
     state_.Watch.WriteFailure.clear();
     journal_.DoLog("Writing goes on after " + FormatSeconds((now - since_).count() / 1000));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Ignored.h"
 #include "config/settings/Settings.h"
 
 namespace kestrune::recorder {
@@ -29,12 +30,14 @@ void HeldBack::Take(std::span<const std::int16_t> block, bool held, const File& 
   if (!held && written_ == end_) {
     sound_.Reset(format_.Channels, end_ + frames);
     written_ = end_ = end_ + frames;
-    return file(block);
+    return base::Ignored(file(block));
   }
   sound_.Append(block);
   end_ += frames;
-  const std::int64_t due = Due(held);
-  WriteUpTo(held ? std::min(due, written_ + kBlocksAtOnce * frames) : due, file);
+  std::int64_t due = Due(held);
+  if (held) due = std::min(due, written_ + kBlocksAtOnce * frames);
+  WriteUpTo(due, file);
+  if (written_ < due) LetGo();
 }
 
 std::int64_t HeldBack::Due(bool held) const {
@@ -50,10 +53,17 @@ void HeldBack::Flush(const File& file) {
 void HeldBack::WriteUpTo(std::int64_t frame, const File& file) {
   frame = std::min(frame, end_);
   if (frame <= written_) return;
-  sound_.Visit(written_, frame, file);
-  written_ = frame;
+  written_ = sound_.Visit(written_, frame, file);
   // A cut may be chosen where the file ends now, and the next file may begin an overlap before the end of this one.
   sound_.DropBefore(written_ - std::int64_t{format_.SampleRate} * config::kLongestCutOverlap / 1000);
+}
+
+void HeldBack::LetGo() {
+  const std::int64_t oldest = end_ - std::int64_t{kMostSeconds} * format_.SampleRate;
+  if (written_ >= oldest) return;
+  if (start_ == written_) start_ = oldest;
+  written_ = oldest;
+  sound_.DropBefore(written_);
 }
 
 void HeldBack::AwaitCut(std::int64_t earliest) {

@@ -17,18 +17,21 @@ namespace kestrune::recorder {
 ///    overlap that was asked for and for what Drop takes away.
 /// 2. What has become due all at once is written little by little, with the blocks that come, so that an encoder
 ///    never holds the main thread up for long; Flush and Cut write all that is needed at once.
+/// 3. What the file does not take stays, for the next one: half a minute more than what is held back anyway.
 class HeldBack {
  public:
-  /// Writes interleaved samples to the file in hand.
-  using File = std::function<void(std::span<const std::int16_t>)>;
+  /// Writes interleaved samples to the file in hand; false if it does not take them.
+  using File = std::function<bool(std::span<const std::int16_t>)>;
 
   static constexpr int kSeconds = 10;
+  static constexpr int kMostSeconds = kSeconds + 30;
 
   /// A file begins with the next frame that comes. What an earlier file left comes before that, if it has the same
   /// form.
   void Begin(const platform::PcmFormat& format);
 
-  /// A block has come. Without `held` all that is there goes to the file at once.
+  /// A block has come. Without `held` all that is there goes to the file at once; a block that finds nothing before it
+  /// does not stay then.
   void Take(std::span<const std::int16_t> block, bool held, const File& file);
   /// Everything that is there goes to the file.
   void Flush(const File& file);
@@ -56,6 +59,8 @@ class HeldBack {
 
  private:
   void WriteUpTo(std::int64_t frame, const File& file);
+  /// Forgets what no file has taken for too long.
+  void LetGo();
   [[nodiscard]] std::int64_t Due(bool held) const;
   [[nodiscard]] std::int64_t FileEnd() const { return *cut_ + overlap_ / 2; }
 

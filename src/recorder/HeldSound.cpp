@@ -23,19 +23,20 @@ void HeldSound::DropBefore(std::int64_t frame) {
   }
 }
 
-void HeldSound::Visit(std::int64_t from, std::int64_t to,
-                      const std::function<void(std::span<const std::int16_t>)>& visit) const {
+std::int64_t HeldSound::Visit(std::int64_t from, std::int64_t to,
+                              const std::function<bool(std::span<const std::int16_t>)>& take) const {
   std::int64_t at = first_;
   for (const std::vector<std::int16_t>& block : blocks_) {
     const std::int64_t end = at + Frames(block);
     const std::int64_t begin = std::max(from, at);
     const std::int64_t stop = std::min(to, end);
-    if (begin < stop) {
-      visit(std::span(block).subspan(static_cast<std::size_t>((begin - at) * channels_),
-                                     static_cast<std::size_t>((stop - begin) * channels_)));
-    }
+    const bool taken =
+        begin >= stop || take(std::span(block).subspan(static_cast<std::size_t>((begin - at) * channels_),
+                                                       static_cast<std::size_t>((stop - begin) * channels_)));
+    if (!taken) return begin;
     at = end;
   }
+  return to;
 }
 
 }  // namespace kestrune::recorder

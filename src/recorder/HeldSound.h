@@ -27,9 +27,10 @@ class HeldSound {
   [[nodiscard]] std::int64_t End() const { return end_; }
   [[nodiscard]] bool Empty() const { return first_ == end_; }
 
-  /// Hands frames `from` to `to` - 1 over, in order and in pieces; what is not there is left out.
-  void Visit(std::int64_t from, std::int64_t to,
-             const std::function<void(std::span<const std::int16_t>)>& visit) const;
+  /// Hands frames `from` to `to` - 1 over, in order and in pieces, until one is not taken; what is not there is left out.
+  /// Returns the frame after the last that was taken: `to`, if all were.
+  [[nodiscard]] std::int64_t Visit(std::int64_t from, std::int64_t to,
+                                   const std::function<bool(std::span<const std::int16_t>)>& take) const;
 
  private:
   [[nodiscard]] std::int64_t Frames(const std::vector<std::int16_t>& block) const {

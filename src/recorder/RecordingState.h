@@ -24,9 +24,10 @@ struct CaptureEnding {
 
 /// One capture: where it lies, what it will be called, and what the radio said when it began.
 struct CaptureRecord {
-  std::string FileName;       ///< full path of the final file, without suffix, point and extension
-  std::string Extension;      ///< the format's code in lower case, without a point
-  std::int64_t LengthMs = 0;  ///< milliseconds captured so far
+  std::string FileName;        ///< full path of the final file, without suffix, point and extension
+  std::string Extension;       ///< the format's code in lower case, without a point
+  std::int64_t LengthMs = 0;   ///< milliseconds captured so far; at the end, those that are in the file
+  std::int64_t WrittenMs = 0;  ///< those that the file has taken so far
   std::string Song;
   std::string Artist;
   std::string Genre;

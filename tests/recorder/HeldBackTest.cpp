@@ -35,7 +35,9 @@ class HeldBackTest : public ::testing::Test {
   }
   [[nodiscard]] HeldBack::File File() {
     return [this](std::span<const std::int16_t> samples) {
+      if (full) return false;
       Files.back().insert(Files.back().end(), samples.begin(), samples.end());
+      return true;
     };
   }
   void Cut() {
@@ -56,6 +58,7 @@ class HeldBackTest : public ::testing::Test {
   }
 
   HeldBack held;
+  bool full = false;  ///< the file takes nothing
   std::vector<std::vector<std::int16_t>> Files;
 
  private:
@@ -183,6 +186,36 @@ TEST_F(HeldBackTest, WhatAFileLeftComesIntoTheNext) {
   held.Flush(File());
   EXPECT_EQ(Files[1].front(), static_cast<std::int16_t>(written));
   ExpectUnbroken();
+}
+
+TEST_F(HeldBackTest, WhatTheFileDoesNotTakeStaysForTheNext) {
+  Come(150);
+  full = true;
+  Come(100);
+  EXPECT_EQ(held.Written(), 50 * kBlock);
+  held.Flush(File());
+  EXPECT_EQ(held.Written(), 50 * kBlock);
+  full = false;
+  Begin();
+  EXPECT_EQ(held.Start(), 50 * kBlock);
+  Come(100);
+  EXPECT_EQ(held.End() - held.Written(), kHeld) << "it has caught up";
+  ExpectUnbroken();
+}
+
+TEST_F(HeldBackTest, WhatNoFileTakesStaysForHalfAMinute) {
+  constexpr int kMost = HeldBack::kMostSeconds * 10;
+  Come(150);
+  full = true;
+  Come(500);
+  EXPECT_EQ(held.Written(), (650 - kMost) * kBlock);
+  Begin();
+  Come(20);
+  EXPECT_EQ(held.Start(), (670 - kMost) * kBlock) << "a file begins with what it has";
+  full = false;
+  held.Flush(File());
+  EXPECT_EQ(Length(1), kMost * kBlock);
+  EXPECT_EQ(Files[1].front(), static_cast<std::int16_t>((670 - kMost) * kBlock));
 }
 
 TEST_F(HeldBackTest, SoundOfAnotherFormIsNotMixedIn) {

@@ -70,6 +70,7 @@ class ListeningTest : public ::testing::Test {
   /// The source's number of the first sample of a file.
   [[nodiscard]] std::int64_t FirstFrame(const RecordingCaptureFile::File& file) {
     constexpr std::int64_t kEnough = 20;
+    if (file.Samples.size() < kEnough) return -1;
     for (std::int64_t frame = 0; frame < FrameNow(); ++frame) {
       std::int64_t i = 0;
       while (i < kEnough &&
@@ -111,6 +112,10 @@ class ListeningTest : public ::testing::Test {
     rig.Run(20s);
     rig->cmdRecord();
     rig.Run(40s);
+  }
+
+  void SetDisk(bool RecordingCaptureFile::*fails, bool value) {
+    for (RecordingCaptureFile* file : rig.Audio.CaptureFiles) file->*fails = value;
   }
 
   UnitRig rig;
@@ -293,14 +298,58 @@ TEST_F(ListeningTest, SoundThatStopsComingEndsNoSongLater) {
   EXPECT_THAT(rig.Recordings(), Contains(testing::HasSubstr("A - 1.wav")));
 }
 
-TEST_F(ListeningTest, AFullDiskLosesNoMoreThanItMust) {
+TEST_F(ListeningTest, ADiskThatIsFullForAShortTimeLosesNothing) {
   RecordWholeSong();
-  rig.Audio.CaptureFiles[0]->FailWrites = rig.Audio.CaptureFiles[1]->FailWrites = true;
+  SetDisk(&RecordingCaptureFile::FailWrites, true);
+  rig.Run(16s);
+  SetDisk(&RecordingCaptureFile::FailWrites, false);
   rig.Run(30s);
-  rig.Audio.CaptureFiles[0]->FailWrites = rig.Audio.CaptureFiles[1]->FailWrites = false;
+  EXPECT_THAT(rig.Recordings(),
+              ElementsAre(testing::HasSubstr("A - 1 (Incomplete)"), testing::HasSubstr("/Capture")))
+      << "what was tried in between is no song";
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Writing goes on after ")).Times(1));
+  ExpectUnbroken();
+}
+
+TEST_F(ListeningTest, AFileThatCannotBeCreatedForAShortTimeLosesNothing) {
+  RecordWholeSong();
+  SetDisk(&RecordingCaptureFile::FailCreate, true);
+  SetDisk(&RecordingCaptureFile::FailWrites, true);
+  rig.Run(16s);
+  SetDisk(&RecordingCaptureFile::FailCreate, false);
+  SetDisk(&RecordingCaptureFile::FailWrites, false);
   rig.Run(30s);
-  EXPECT_THAT(rig.Recordings(), Contains(testing::HasSubstr("A - 1 (Incomplete)")));
   EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Writing goes on after ")));
+  ExpectUnbroken();
+}
+
+TEST_F(ListeningTest, AfterALongTimeTheFileBeginsWithTheOldestSoundThatIsLeft) {
+  RecordWholeSong();
+  SetDisk(&RecordingCaptureFile::FailWrites, true);
+  rig.Run(65s);
+  SetDisk(&RecordingCaptureFile::FailWrites, false);
+  const std::int64_t room = FrameNow();
+  rig.Run(30s);
+  const std::int64_t first = FirstFrame(*FilesMade().back());
+  EXPECT_LE(first, room - 29 * kRate) << "another file is tried each ten seconds";
+  EXPECT_GE(first, room - 41 * kRate);
+  const RecordingCaptureFile::File& file = *FilesMade().back();
+  for (std::size_t i = 0; i < file.Samples.size(); ++i)
+    ASSERT_EQ(file.Samples[i], Sample(static_cast<std::uint64_t>(first) + i)) << i;
+}
+
+TEST_F(ListeningTest, TheNextSongHasNothingOfOneThatCouldNotBeWritten) {
+  rig.Set("Watch", "False");
+  rig.Set("Integrel", "False");
+  RecordWholeSong();
+  SetDisk(&RecordingCaptureFile::FailWrites, true);
+  rig.Run(5s);
+  const std::int64_t stopped = FrameNow();
+  rig->cmdStop();
+  rig.Run(1s);
+  SetDisk(&RecordingCaptureFile::FailWrites, false);
+  rig.Run(30s);
+  EXPECT_GE(FirstFrame(*FilesMade().back()), stopped);
 }
 
 TEST_F(ListeningTest, WhatAFullFileDidNotTakeIsInTheNext) {

@@ -48,7 +48,7 @@ void RecordingCaptureFile::SetFormat(const platform::CaptureFormat& format) {
 
 platform::NumberedResult RecordingCaptureFile::Create(std::string_view path) {
   Calls.push_back(fmt::format("Create {}", path));
-  open_ = held_ = false;
+  open_ = held_ = failed_ = false;
   if (FailCreate) return {.Number = -1, .Cause = "Permission denied"};
   if (files_ != nullptr) {
     if (auto created = files_->CreateHeld(path); !created) return created;
@@ -60,7 +60,8 @@ platform::NumberedResult RecordingCaptureFile::Create(std::string_view path) {
 
 base::Result RecordingCaptureFile::WriteBlock(std::span<const std::int16_t> samples) {
   if (!open_) return base::Result::Failed("no file is open");
-  if (FailWrites) return base::Result::Failed("No space left on device");
+  failed_ = failed_ || FailWrites;
+  if (failed_) return base::Result::Failed("No space left on device");
   File& file = Written.back();
   if (files_ != nullptr) {
     const auto bytes = std::as_bytes(samples);

@@ -40,7 +40,7 @@ class RecordingCaptureFile final : public platform::CaptureFile {
 
   /// While set, Create fails with -1 and leaves no file.
   bool FailCreate = false;
-  /// While set, the file takes no more.
+  /// While set, the file takes no more; it takes no more afterwards either, but the next one does.
   bool FailWrites = false;
   /// "SetFormatWAV 44100 2 16", "Create PATH", "Close" and so on; blocks are kept in Written instead.
   std::vector<std::string> Calls;
@@ -55,6 +55,7 @@ class RecordingCaptureFile final : public platform::CaptureFile {
   std::string description_ = "nothing prepared";
   bool open_ = false;
   bool held_ = false;
+  bool failed_ = false;
 };
 
 }  // namespace kestrune::test
