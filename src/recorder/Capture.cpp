@@ -1,6 +1,7 @@
 #include "recorder/Capture.h"
 
 #include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 
@@ -47,7 +48,7 @@ void Capture::RecordStart(std::int16_t slot, const std::string& fileName, std::i
   if (file == nullptr) return;
   CaptureRecord& record = Record(slot);
   BeginOutcome(record);
-  const platform::NumberedResult created = Open(slot, fileName);
+  const platform::NumberedResult created = Open(slot, record, fileName);
   result = created.Number;
   // What is held back begins the next file that can be created.
   if (!created && !Listening()) return;
@@ -99,9 +100,9 @@ platform::NumberedResult Capture::StartRecorder(const platform::PcmFormat& forma
   return started;
 }
 
-platform::NumberedResult Capture::Open(std::int16_t slot, std::string path) {
-  CaptureOutcome& outcome = Record(slot).Outcome;
-  platform::NumberedResult created = CreateFree(slot, path);
+platform::NumberedResult Capture::Open(std::int16_t slot, CaptureRecord& record, std::string path) {
+  CaptureOutcome& outcome = record.Outcome;
+  platform::NumberedResult created = CreateFree(slot, record, path);
   if (created) {
     outcome.File = path;
     return created;
@@ -114,8 +115,8 @@ platform::NumberedResult Capture::Open(std::int16_t slot, std::string path) {
   return created;
 }
 
-platform::NumberedResult Capture::CreateFree(std::int16_t slot, std::string& path) {
-  const CaptureRecord& record = Record(slot);
+platform::NumberedResult Capture::CreateFree(std::int16_t slot, const CaptureRecord& record,
+                                             std::string& path) {
   platform::CaptureFile& file = *audio_.File(slot);
   // Every second number: the other slot looks for its own.
   for (int number = slot + 2;; number += 2) {
@@ -141,15 +142,15 @@ void Capture::Stop(std::int16_t slot, bool goesOn) {
   if (audio_.AudioRecord == nullptr || audio_.File(0) == nullptr) return;
   StopRecorder();
   if (audio_.File(slot) == nullptr) return;
-  if (slot == WritingSlot()) {
-    CaptureRecord& record = Record(slot);
-    if (!goesOn || record.Outcome.WriteFailure.empty()) held_.Flush(Into(slot));
+  CaptureRecord& record = Record(slot);
+  if (slot == state_.CaptureSlot) {
+    if (!goesOn || record.Outcome.WriteFailure.empty()) held_.Flush(IntoFile());
     record.LengthMs = record.WrittenMs;
     NoteLevel(record.Outcome);
     TakeSound(record, held_.Start(), held_.Written());
     if (!goesOn) held_.Drop();
   }
-  Close(slot);
+  Close(slot, record);
 }
 
 void Capture::StopRecorder() {
@@ -162,8 +163,7 @@ void Capture::StopRecorder() {
   }
 }
 
-void Capture::Close(std::int16_t slot) {
-  CaptureRecord& record = Record(slot);
+void Capture::Close(std::int16_t slot, CaptureRecord& record) {
   NoteWriting(record, audio_.File(slot)->Close());
   WriteTags(record);
 }
@@ -176,41 +176,64 @@ std::int64_t Capture::MsSince(std::int64_t frame) const {
   return (held_.End() - frame) * 1000 / format_.SampleRate;
 }
 
-bool Capture::AwaitCut(std::int16_t next, std::int64_t stamp) {
+bool Capture::AwaitCut(std::int16_t next, AwaitedCut cut) {
   if (audio_.AudioRecord == nullptr || audio_.File(next) == nullptr || !recording_) return false;
-  const std::int16_t inHand = state_.CaptureSlot;
   fileSpecs_.SetFileSpecs(next);
-  if (Record(inHand).Outcome.File.empty() || audio_.File(next)->FormatValues() != format_) return false;
+  if (Writing().Outcome.File.empty() || audio_.File(next)->FormatValues() != format_) return false;
   SetGain();
   audio_.AudioRecord->SetDeviceIndex(settings_.InputDevice);
   StopRecorder();
-  NoteLevel(Record(inHand).Outcome);
+  CaptureRecord& inHand = Record(state_.CaptureSlot);
+  NoteLevel(inHand.Outcome);
+  cut.Song = std::exchange(inHand, {});
+  cut.Slot = state_.CaptureSlot;
+  state_.AwaitedCuts.push_back(std::move(cut));
+  state_.CaptureSlot = next;
   meter_.Begin();
   BeginOutcome(Record(next));
+  Record(next).Format = fileSpecs_.Format();
   const platform::NumberedResult started = StartRecorder(format_);
   if (!started) Record(next).Outcome.StartFailure = started.Cause;
-  held_.AwaitCut(stamp + std::int64_t{cut::kLowestLag - kOnsetMs} * format_.SampleRate / 1000);
+  if (state_.AwaitedCuts.size() == 1) LimitFile();
   return true;
 }
 
-void Capture::SetCut(std::int64_t frame, std::int64_t overlapMs) {
-  held_.SetCut(frame, overlapMs * format_.SampleRate / 1000);
+void Capture::LimitFile() {
+  const std::int64_t stamp = state_.AwaitedCuts.front().Stamp;
+  held_.AwaitCut(stamp + std::int64_t{cut::kLowestLag - kOnsetMs} * format_.SampleRate / 1000);
 }
 
-void Capture::CutOver(std::int16_t finished) {
-  const auto next = static_cast<std::int16_t>(1 - finished);
-  CaptureRecord& song = Record(finished);
+void Capture::SetCut() {
+  const AwaitedCut& cut = state_.AwaitedCuts.front();
+  held_.SetCut(cut.Frame.value_or(cut.Stamp), cut.OverlapMs * format_.SampleRate / 1000);
+}
+
+AwaitedCut Capture::CutOver() {
+  CaptureRecord& song = Writing();
   const std::int64_t begin = held_.Start();
   song.Outcome.HeldBackMs = MsSince(*held_.ChosenCut());
   TakeSound(song, begin, *held_.ChosenCut());
-  held_.Cut(Into(finished));
-  Close(finished);
-  if (Record(next).Outcome.StartFailure.empty()) base::Ignored(Open(next, TemporaryFile(next)));
+  held_.Cut(IntoFile());
+  song.LengthMs = song.WrittenMs;
+  Close(WritingSlot(), song);
+  AwaitedCut ended = std::move(state_.AwaitedCuts.front());
+  state_.AwaitedCuts.pop_front();
+
+  const std::int16_t slot = WritingSlot();
+  CaptureRecord& next = Writing();
+  if (next.Outcome.StartFailure.empty()) {
+    // Another song may have been prepared for this slot meanwhile.
+    if (!std::holds_alternative<std::monostate>(next.Format)) audio_.File(slot)->SetFormat(next.Format);
+    base::Ignored(Open(slot, next, TemporaryFile(slot, next)));
+  }
+  if (state_.AwaitedCuts.empty()) return ended;
+  LimitFile();
+  if (state_.AwaitedCuts.front().Frame) SetCut();
+  return ended;
 }
 
-HeldBack::File Capture::Into(std::int16_t slot) {
-  return [this, slot](std::span<const std::int16_t> samples) {
-    CaptureRecord& record = Record(slot);
+HeldBack::File Capture::IntoFile() {
+  return [this, slot = WritingSlot(), &record = Writing()](std::span<const std::int16_t> samples) {
     platform::CaptureFile& file = *audio_.File(slot);
     const base::Result written = file.WriteBlock(samples);
     NoteWriting(record, written);
@@ -269,8 +292,7 @@ void Capture::Release(std::int16_t slot) {
   if (platform::CaptureFile* const file = audio_.File(slot); file != nullptr) file->Release();
 }
 
-std::string Capture::TemporaryFile(std::int16_t slot) const {
-  const CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(slot)];
+std::string Capture::TemporaryFile(std::int16_t slot, const CaptureRecord& record) const {
   return record.Folder + TemporaryName(slot, record.Extension);
 }
 
@@ -287,7 +309,7 @@ void Capture::AudioRecord_EndArrayRecord() {
   } else {
     cuts_.Forget();
   }
-  held_.Take(block, Listening(), Into(WritingSlot()));
+  held_.Take(block, Listening(), IntoFile());
   // What is held back counts as captured.
   if (held_.Written() < held_.End())
     Record(state_.CaptureSlot).LengthMs = MsSince(held_.AwaitsCut() ? recorderFrom_ : held_.Start());

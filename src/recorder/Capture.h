@@ -54,45 +54,54 @@ class Capture {
   [[nodiscard]] std::int64_t FrameNow() const;
   /// How much sound has come since a frame, in milliseconds.
   [[nodiscard]] std::int64_t MsSince(std::int64_t frame) const;
-  /// Begins the capture of slot `next` where the one in hand ends, at a frame around `stamp` that is still to be chosen.
-  /// Until CutOver the sound goes on to the file in hand. False, with nothing done, if there is no such file, or if
-  /// the next one wants sound of another form.
-  [[nodiscard]] bool AwaitCut(std::int16_t next, std::int64_t stamp);
-  /// The frame that begins the next capture, as near as it can be had; `overlapMs` around it come into both files.
-  void SetCut(std::int64_t frame, std::int64_t overlapMs);
-  /// Whether the file in hand has all its sound.
+  /// The song in hand ends at a frame around `cut.Stamp` that is still to be chosen, and joins the songs whose cuts are
+  /// awaited; the capture of slot `next` begins there. Until CutOver the sound goes on to the file that is being
+  /// written. False, with nothing done, if there is none, or if the next one wants sound of another form.
+  [[nodiscard]] bool AwaitCut(std::int16_t next, AwaitedCut cut);
+  /// Takes over the frame that was chosen for the first of the awaited cuts, as near as it can be had.
+  void SetCut();
+  /// Whether the file of that song has all its sound.
   [[nodiscard]] bool CutReached() const { return held_.CutReached(); }
-  /// Closes the finished slot's file at the frame that was set, and creates the other one's. The finished file stays held.
-  void CutOver(std::int16_t finished);
+  /// Closes that file at the frame that was set, and creates the next one. Returns the finished song, which awaits its
+  /// cut no more; its file stays held.
+  [[nodiscard]] AwaitedCut CutOver();
 
   /// Where a capture of the slot is to be created.
-  [[nodiscard]] std::string TemporaryFile(std::int16_t slot) const;
+  [[nodiscard]] std::string TemporaryFile(std::int16_t slot) const {
+    return TemporaryFile(slot, state_.CaptureSlots[static_cast<std::size_t>(slot)]);
+  }
   /// A temporary name: "Capture", the number, the unit after a hyphen if there is one, a point and the extension. The
   /// number is the slot's, or a higher one of the same parity if that name was held.
   [[nodiscard]] std::string TemporaryName(int number, const std::string& extension) const;
 
  private:
   void AudioRecord_EndArrayRecord();
+  [[nodiscard]] std::string TemporaryFile(std::int16_t slot, const CaptureRecord& record) const;
   [[nodiscard]] bool Listening() const { return settings_.CutPlacement == config::CutPlacement::Listen; }
-  /// The slot whose file is being written: the one in hand, or, while a cut is awaited, the other.
+  /// What is being written: the song in hand, or the first one whose cut is awaited.
   [[nodiscard]] std::int16_t WritingSlot() const {
-    return static_cast<std::int16_t>(held_.AwaitsCut() ? 1 - state_.CaptureSlot : state_.CaptureSlot);
+    return state_.AwaitedCuts.empty() ? state_.CaptureSlot : state_.AwaitedCuts.front().Slot;
   }
-  /// Writes to the file of a slot.
-  [[nodiscard]] HeldBack::File Into(std::int16_t slot);
+  [[nodiscard]] CaptureRecord& Writing() {
+    return state_.AwaitedCuts.empty() ? Record(state_.CaptureSlot) : state_.AwaitedCuts.front().Song;
+  }
+  /// Writes to that file.
+  [[nodiscard]] HeldBack::File IntoFile();
+  /// The song that is being written ends around the first awaited cut.
+  void LimitFile();
   void BeginOutcome(CaptureRecord& record);
   void SetGain();
   [[nodiscard]] platform::NumberedResult StartRecorder(const platform::PcmFormat& format);
-  /// Creates the slot's file; the log has it if that fails.
-  [[nodiscard]] platform::NumberedResult Open(std::int16_t slot, std::string path);
+  /// Creates the file of a capture in a slot; the log has it if that fails.
+  [[nodiscard]] platform::NumberedResult Open(std::int16_t slot, CaptureRecord& record, std::string path);
   /// `goesOn`: what the file did not take stays.
   void Stop(std::int16_t slot, bool goesOn);
-  void Close(std::int16_t slot);
+  void Close(std::int16_t slot, CaptureRecord& record);
   void NoteLevel(CaptureOutcome& outcome) const;
   /// Keeps what the recorder knows of its last run, in frames from the program's start.
   void StopRecorder();
   /// Creates the file under the first name that nobody holds, beginning with `path`, which is that name afterwards.
-  platform::NumberedResult CreateFree(std::int16_t slot, std::string& path);
+  platform::NumberedResult CreateFree(std::int16_t slot, const CaptureRecord& record, std::string& path);
   /// Takes what is missing of frames `begin` to `end` into the outcome.
   void TakeSound(CaptureRecord& record, std::int64_t begin, std::int64_t end);
   void WriteTags(const CaptureRecord& record);

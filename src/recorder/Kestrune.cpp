@@ -85,7 +85,7 @@ Kestrune::Kestrune(const Outside& outside)
       [this](std::int16_t satellite1, std::int16_t satellite2, std::int16_t terrestrial) {
         announcer_.pcrSignalReceived(satellite1, satellite2, terrestrial);
       });
-  schedulePass_.SetSettleCut([this] { sound_.Boundary.SettleCut(); });
+  schedulePass_.SetSettleCuts([this] { sound_.Boundary.SettleCuts(); });
   // A pass may tune, and a wish whose wait let this tick in may be tuning: the next pass is early enough.
   updateCycle_.SetSchedulePass([this] {
     if (!door_.Serving()) schedulePass_.Run();
@@ -203,7 +203,7 @@ void Kestrune::ShowBareTitle() {
 }
 
 void Kestrune::ChannelTuned() {
-  sound_.Boundary.ChooseCut();
+  sound_.Boundary.ChooseCuts();
   state_.Recording.SongBoundarySeen = false;
   state_.Recording.SkipSongDelay = true;
 }

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
+#include <deque>
+#include <optional>
 #include <string>
 
 #include "base/DateValue.h"
+#include "platform/CaptureFormat.h"
 #include "recorder/CaptureOutcome.h"
 #include "recorder/Phase.h"
 #include "recorder/SongName.h"
@@ -39,6 +43,20 @@ struct CaptureRecord {
   /// What FileName follows from. A recording that takes in a capture already begun gives it the session's values.
   SongNaming Naming = {};
   CaptureEnding Ending = {};
+  /// What its file is made in, if that is created after the song has begun; see AwaitedCut.
+  platform::CaptureFormat Format = {};
+};
+
+/// A song that has ended where the sound is still to be cut.
+struct AwaitedCut {
+  CaptureRecord Song = {};
+  std::int16_t Slot = 0;  ///< of its file, 0 or 1
+  std::int16_t Channel = 0;
+  std::int64_t Stamp = 0;                  ///< the frame that was captured when the text changed
+  std::chrono::milliseconds Since{0};      ///< then, of the steady clock
+  bool Wanted = false;                     ///< to be kept, if its fate allows it
+  std::optional<std::int64_t> Frame = {};  ///< the chosen one
+  std::int64_t OverlapMs = 0;              ///< of the files, around it
 };
 
 /// In place of artist and title it means that no song has been acted on, and so forces a difference.
@@ -54,8 +72,11 @@ struct RecordingState {
   bool StopPending = false;         ///< finish the capture in hand at the next tick
   bool Incomplete = false;          ///< the capture in hand did not begin, or will not end, at a boundary
 
-  std::int16_t CaptureSlot = 0;  ///< the slot that is being written, 0 or 1
+  std::int16_t CaptureSlot = 0;  ///< the slot of the song in hand, 0 or 1
   std::array<CaptureRecord, 2> CaptureSlots;
+  /// The songs before the one in hand whose cuts are awaited, in their order. The first is being written; the others, and
+  /// the song in hand, get their files one after the other, in slots that take turns.
+  std::deque<AwaitedCut> AwaitedCuts;
 
   bool SongBoundarySeen = false;  ///< the capture in hand began exactly at a song boundary
   base::DateValue SongBoundaryTime;

@@ -82,7 +82,7 @@ base::DateValue SchedulePass::Until() const {
 }
 
 void SchedulePass::EndEvent(std::int16_t next) {
-  settleCut_();
+  settleCuts_();
   const bool piece = state_.IsRecording() && state_.Incomplete;
   commands_.cmdStop();
   // What began as a piece is kept as one, even if the entry has been changed to whole songs since.

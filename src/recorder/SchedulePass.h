@@ -35,7 +35,7 @@ class SchedulePass {
   void Run();
 
   /// What carries out a cut that is awaited, so that an event's end counts its last song.
-  void SetSettleCut(std::function<void()> settleCut) { settleCut_ = std::move(settleCut); }
+  void SetSettleCuts(std::function<void()> settleCuts) { settleCuts_ = std::move(settleCuts); }
 
  private:
   /// Logs what the clock went past since the last pass.
@@ -70,7 +70,7 @@ class SchedulePass {
   const base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
   Chronicle& chronicle_;
-  std::function<void()> settleCut_ = [] {};
+  std::function<void()> settleCuts_ = [] {};
   schedule::DueSearch search_;
   std::optional<base::DateValue> lastPass_;
 };

@@ -47,12 +47,10 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFile
       loop_(loop) {}
 
 void SongBoundary::Take(bool split) {
-  SettleCut();
-  const bool natural = split && !state_.StartPending && !state_.StopPending;
-  if (natural && !state_.SkipSongDelay) {
-    if (Listens() && TakeByListening()) return;
-    AwaitSound();
-  }
+  const bool natural = split && !state_.StartPending && !state_.StopPending && !state_.SkipSongDelay;
+  if (natural && Listens() && TakeByListening()) return;
+  SettleCuts();
+  if (natural) AwaitSound();
   state_.SkipSongDelay = false;
 
   const std::int16_t finished = state_.CaptureSlot;
@@ -104,22 +102,20 @@ bool SongBoundary::Listens() const {
 }
 
 bool SongBoundary::TakeByListening() {
+  if (state_.AwaitedCuts.size() >= kMostAwaited) SettleFirstCut();
   const std::int16_t finished = state_.CaptureSlot;
   const auto next = static_cast<std::int16_t>(1 - finished);
-  const std::int64_t stamp = cuts_.StampOf(radio_.CurrentArtist, radio_.CurrentSong, capture_.FrameNow());
-  if (!capture_.AwaitCut(next, stamp)) return false;
+  const bool wanted = state_.RecordRequested && state_.RecordArmed;
+  state_.CaptureSlots[static_cast<std::size_t>(finished)].Ending = EndingNow(all_);
+  AwaitedCut cut{.Channel = radio_.ChannelNumber,
+                 .Stamp = cuts_.StampOf(radio_.CurrentArtist, radio_.CurrentSong, capture_.FrameNow()),
+                 .Since = loop_.SteadyNow(),
+                 .Wanted = wanted};
+  if (!capture_.AwaitCut(next, std::move(cut))) return false;
 
   NameNextSong(state_.CaptureSlots[static_cast<std::size_t>(next)]);
-  state_.CaptureSlots[static_cast<std::size_t>(finished)].Ending = EndingNow(all_);
-  const bool wanted = state_.RecordRequested && state_.RecordArmed;
-  awaited_ = {.Finished = finished,
-              .Channel = radio_.ChannelNumber,
-              .Stamp = stamp,
-              .Since = loop_.SteadyNow(),
-              .Wanted = wanted};
   state_.SongBoundarySeen = true;
   state_.SongBoundaryTime = loop_.Now();
-  state_.CaptureSlot = next;
   state_.ForceSongChange = false;
   channels_.CopyRadioText();
   if (wanted) {
@@ -132,21 +128,28 @@ bool SongBoundary::TakeByListening() {
   return true;
 }
 
-void SongBoundary::FollowCut() {
-  if (!awaited_) return;
-  const bool failed =
-      !state_.CaptureSlots[static_cast<std::size_t>(awaited_->Finished)].Outcome.Failure().empty();
-  if (failed || settings_.CutPlacement != config::CutPlacement::Listen) return SettleCut();
-  const std::chrono::milliseconds waited = loop_.SteadyNow() - awaited_->Since;
-  if (capture_.MsSince(awaited_->Stamp) >= cut::kWantedAfterMs || waited > kLongestListening) ChooseCut();
-  if (awaited_->Chosen && (capture_.CutReached() || waited > kLongestWriting)) SettleCut();
+void SongBoundary::FollowCuts() {
+  if (state_.AwaitedCuts.empty()) return;
+  if (settings_.CutPlacement != config::CutPlacement::Listen) return SettleCuts();
+  const AwaitedCut& first = state_.AwaitedCuts.front();
+  if (!first.Song.Outcome.Failure().empty()) return SettleFirstCut();
+  const std::chrono::milliseconds waited = loop_.SteadyNow() - first.Since;
+  if (capture_.MsSince(first.Stamp) >= cut::kWantedAfterMs || waited > kLongestListening) Choose(0);
+  if (!first.Frame) return;
+  if (capture_.CutReached() || waited > kLongestWriting) SettleFirstCut();
 }
 
-void SongBoundary::ChooseCut() {
-  if (!awaited_ || awaited_->Chosen) return;
-  awaited_->Chosen = true;
-  const cut::Cut cut = cuts_.Choose(awaited_->Stamp, awaited_->Channel);
-  const CaptureRecord& next = state_.CaptureSlots[static_cast<std::size_t>(1 - awaited_->Finished)];
+void SongBoundary::ChooseCuts() {
+  for (std::size_t i = 0; i < state_.AwaitedCuts.size(); ++i) Choose(i);
+}
+
+void SongBoundary::Choose(std::size_t index) {
+  AwaitedCut& awaited = state_.AwaitedCuts.at(index);
+  if (awaited.Frame) return;
+  const cut::Cut cut = cuts_.Choose(awaited.Stamp, awaited.Channel);
+  const bool last = index + 1 == state_.AwaitedCuts.size();
+  const CaptureRecord& next = last ? state_.CaptureSlots[static_cast<std::size_t>(state_.CaptureSlot)]
+                                   : state_.AwaitedCuts.at(index + 1).Song;
   platform::HistoryCut kept{.Frame = cut.Frame,
                             .LagMs = static_cast<std::int32_t>(cut.LagMs),
                             .Reason = std::string(cut::NameOf(cut.Reason)),
@@ -156,30 +159,35 @@ void SongBoundary::ChooseCut() {
   for (const cut::Candidate& candidate : cut.Candidates)
     kept.Candidates.push_back({.LagMs = candidate.LagMs, .Chance = candidate.Chance});
   if (journal_.Tracing()) journal_.Trace(TraceLine(kept));
-  state_.CaptureSlots[static_cast<std::size_t>(awaited_->Finished)].Outcome.Cut = std::move(kept);
-  capture_.SetCut(cut.Frame, cut.Confidence < kSureCut ? settings_.CutOverlap : 0);
+  awaited.Song.Outcome.Cut = std::move(kept);
+  awaited.Frame = cut.Frame;
+  awaited.OverlapMs = cut.Confidence < kSureCut ? settings_.CutOverlap : 0;
+  if (index == 0) capture_.SetCut();
 }
 
-void SongBoundary::SettleCut() {
-  if (!awaited_) return;
-  ChooseCut();
-  const Awaited ended = *awaited_;
-  awaited_.reset();
+void SongBoundary::SettleCuts() {
+  while (!state_.AwaitedCuts.empty()) SettleFirstCut();
+}
+
+void SongBoundary::SettleFirstCut() {
+  Choose(0);
   const bool busy = std::exchange(state_.BoundaryBusy, true);
-  capture_.CutOver(ended.Finished);
-  CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(ended.Finished)];
+  AwaitedCut ended = capture_.CutOver();
+  // What has ended last lies beside the song in hand.
+  CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(1 - state_.CaptureSlot)];
+  song = std::move(ended.Song);
   if (ended.Wanted) {
     song.FileName = MakePlace(song).FileName;
     disposition_.Dispose(song);
   } else {
     DropUnwanted(song);
   }
-  capture_.Release(ended.Finished);
+  capture_.Release(ended.Slot);
   state_.BoundaryBusy = busy;
 }
 
 void SongBoundary::TakePiece() {
-  SettleCut();
+  SettleCuts();
   const std::int16_t finished = state_.CaptureSlot;
   const auto next = static_cast<std::int16_t>(1 - finished);
   CaptureRecord& piece = state_.CaptureSlots[static_cast<std::size_t>(finished)];

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-#include <optional>
+#include <cstddef>
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
@@ -20,8 +18,9 @@ namespace kestrune::recorder {
 /// finished one meets its fate.
 ///
 /// While songs are cut by listening, a change of text only begins a boundary: the run goes on with the next song at once,
-/// and the file of the one before is cut some ten seconds later, when the sound has shown where it ended. One cut at
-/// most is awaited: whatever else cuts the sound settles it first, with what was heard so far.
+/// and the file of the one before is cut some ten seconds later, when the sound has shown where it ended. Some changes may
+/// come meanwhile; each cut has its ten seconds. Whatever else cuts the sound settles them all first, with what was heard
+/// so far.
 class SongBoundary {
  public:
   /// What a boundary works on. All must outlive the object.
@@ -40,12 +39,15 @@ class SongBoundary {
   /// `split`: songs are split into files, so that this may be a natural change of song.
   void Take(bool split);
 
-  /// A step of the update tick: carries out a cut that is awaited, once it can be. Events run inside it then.
-  void FollowCut();
-  /// Chooses the cut that is awaited in what was heard up to now: what follows is of no use for it.
-  void ChooseCut();
-  /// Carries out the cut that is awaited, if there is one. Events run inside it.
-  void SettleCut();
+  /// The most cuts that are awaited at a time; one more change settles the first of them.
+  static constexpr std::size_t kMostAwaited = 4;
+
+  /// A step of the update tick: carries out the first cut that is awaited, once it can be. Events run inside it then.
+  void FollowCuts();
+  /// Chooses all cuts that are awaited in what was heard up to now: what follows is of no use for them.
+  void ChooseCuts();
+  /// Carries out all cuts that are awaited. Events run inside it.
+  void SettleCuts();
 
   /// Ends the file in hand in the middle of its song, keeps it as an incomplete piece if it is to be kept and long
   /// enough to be heard, and begins another file for the rest of the song. Events run inside it.
@@ -55,20 +57,13 @@ class SongBoundary {
   void FollowCurrentSong();
 
  private:
-  /// A song that has ended where the sound is to be cut.
-  struct Awaited {
-    std::int16_t Finished = 0;  ///< slot
-    std::int16_t Channel = 0;
-    std::int64_t Stamp = 0;  ///< the frame that was captured when the text changed
-    std::chrono::milliseconds Since{0};
-    bool Wanted = false;  ///< to be kept, if its fate allows it
-    bool Chosen = false;
-  };
-
   void AwaitSound();
   /// Goes on with the next song, and leaves the cut to be chosen. False if this change cannot be cut that way.
   [[nodiscard]] bool TakeByListening();
   [[nodiscard]] bool Listens() const;
+  /// Chooses one of the awaited cuts, the number of which is `index`, if it is not chosen yet.
+  void Choose(std::size_t index);
+  void SettleFirstCut();
   void NameNextSong(CaptureRecord& next);
   /// Nobody asked for what the capture holds.
   void DropUnwanted(CaptureRecord& capture);
@@ -89,7 +84,6 @@ class SongBoundary {
   base::Journal& journal_;
   SongFiles& songFiles_;
   base::EventLoop& loop_;
-  std::optional<Awaited> awaited_;
 };
 
 }  // namespace kestrune::recorder

@@ -41,7 +41,7 @@ void UpdateCycle::Tick() {
   }
   const bool split = modes_.CheckCleftune();
   if (GateOpen(split)) TakeBoundary(split);
-  boundary_.FollowCut();
+  boundary_.FollowCuts();
   captureWatch_.Look();
 
   loop_.PumpEvents();
@@ -60,7 +60,7 @@ void UpdateCycle::Tick() {
 void UpdateCycle::FinishSongs() {
   updateBusy_ = true;
   tmrUpdate_.SetEnabled(false);
-  boundary_.SettleCut();
+  boundary_.SettleCuts();
   if (state_.StopPending) TakeBoundary(modes_.CheckCleftune());
   EndTick();
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/DatePattern.h"
+#include "recorder/SongBoundary.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {
@@ -232,26 +233,89 @@ TEST_F(ListeningTest, TheCutOfASongIsChosenBeforeAnotherChannelIsHeard) {
   rig.Run(20s);
   Change("B", "2", 1s);
   rig.Run(4s);
-  const auto finished = static_cast<std::size_t>(1 - State().CaptureSlot);
-  EXPECT_FALSE(State().CaptureSlots[finished].Outcome.Cut);
+  ASSERT_EQ(State().AwaitedCuts.size(), 1U);
+  EXPECT_FALSE(State().AwaitedCuts.front().Frame);
   rig->SetChannelNumber(50);
-  EXPECT_TRUE(State().CaptureSlots[finished].Outcome.Cut);
+  ASSERT_EQ(State().AwaitedCuts.size(), 1U);
+  EXPECT_TRUE(State().AwaitedCuts.front().Frame);
   rig.Run(20s);
   EXPECT_LT(std::abs(Error(2, 1) + 0.2), 0.25);
   ExpectUnbroken();
 }
 
-TEST_F(ListeningTest, AQuickSecondChangeSettlesTheFirst) {
+TEST_F(ListeningTest, ASecondChangeLeavesTheFirstItsTenSeconds) {
   rig.StartIdle();
   rig->cmdRecord();
   rig.Run(20s);
-  Change("A", "1", 1s);
-  rig.Run(5s);
-  Change("B", "2", 1s);
+  for (int i = 0; i < 4; ++i) {
+    Change("A", "Early " + std::to_string(i), 3s);
+    rig.Run(25s);
+  }
+  // The text of each comes before the song before it is heard.
+  Change("B", "1", 3s);
+  rig.Run(2s);
+  Change("C", "2", 3s);
+  rig.Run(7s);
+  EXPECT_EQ(State().AwaitedCuts.size(), 2U);
+  rig.Run(30s);
+  EXPECT_TRUE(State().AwaitedCuts.empty());
+  ASSERT_EQ(FilesMade().size(), 7U);
+  ExpectCutsInTheGaps(3, 6);
+  ExpectUnbroken();
+}
+
+TEST_F(ListeningTest, TwoLateTextsInQuickSuccessionAreCutWhereTheirSongsBegan) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(20s);
+  for (int i = 0; i < 3; ++i) {
+    starts_.push_back(FrameNow() + 5 * kRate);
+    rig.Run(6500ms);
+    rig.Radio.Play(44, "Artist", "Late " + std::to_string(i));
+    rig.Run(25s);
+  }
+  starts_.push_back(FrameNow() + 5 * kRate);
+  starts_.push_back(FrameNow() + 8 * kRate);
+  rig.Run(6500ms);
+  rig.Radio.Play(44, "B", "1");
+  rig.Run(3s);
+  rig.Radio.Play(44, "C", "2");
+  rig.Run(40s);
+  ASSERT_EQ(FilesMade().size(), 6U);
+  ExpectCutsInTheGaps(2, 5);
+  ExpectUnbroken();
+}
+
+TEST_F(ListeningTest, MoreChangesThanCanBeAwaitedSettleTheFirst) {
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(20s);
+  for (int i = 0; i < 8; ++i) {
+    Change("A", std::to_string(i), 600ms);
+    rig.Run(1500ms);
+    EXPECT_LE(State().AwaitedCuts.size(), recorder::SongBoundary::kMostAwaited);
+  }
+  EXPECT_EQ(State().AwaitedCuts.size(), recorder::SongBoundary::kMostAwaited);
   rig.Run(60s);
-  ASSERT_EQ(FilesMade().size(), 3U);
-  EXPECT_LT(std::abs(Error(1, 0) + 0.2), 0.25);
-  EXPECT_LT(std::abs(Error(2, 1) + 0.2), 0.25);
+  EXPECT_TRUE(State().AwaitedCuts.empty());
+  EXPECT_EQ(FilesMade().size(), 9U);
+  ExpectUnbroken();
+}
+
+TEST_F(ListeningTest, AStopSettlesAllCutsThatAreAwaited) {
+  rig.Set("Integrel", "False");
+  rig.Set("MinSongLength", "0");
+  RecordWholeSong();
+  Change("B", "2", 1s);
+  rig.Run(4s);
+  Change("C", "3", 1s);
+  rig.Run(4s);
+  rig->cmdStop();
+  rig.Run(1s);
+  EXPECT_TRUE(State().AwaitedCuts.empty());
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Recorded: Channel 44  \"A - 1\"")));
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Recorded: Channel 44  \"B - 2\"")));
+  EXPECT_THAT(rig.LogTexts(), Contains(StartsWith("Recorded: Channel 44  \"C - 3 (Incomplete)\"")));
   ExpectUnbroken();
 }
 
