@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "base/DatePattern.h"
+#include "support/MemoryInUse.h"
 
 namespace kestrune::test {
 
@@ -123,7 +124,9 @@ void DayOfRadio::Run() {
   for (auto second = 0s; second < plan_.Length; ++second) {
     loop_.Run(1s);
     LookOver();
+    if (second == plan_.Length / 2) bytesHalfway_ = BytesInUse();
   }
+  bytesGrown_ = BytesInUse() - bytesHalfway_;
   framesLost_ = unit_->Snapshot().FramesLost;
   lineOpenAtTheEnd_ = line_.IsOpen();
   line_.Now = {};

@@ -81,13 +81,21 @@ TEST(DayOfRadio, EventsAndClocksThatAreSetBreakNothing) {
 
 TEST(DayOfRadio, CutsByListeningLoseAndDoubleNothing) {
   const std::chrono::hours length = Length(1h);
-  DayOfRadio day({.Seed = Seed(), .Length = length, .Faults = kBadLine, .Schedule = true, .Listens = true});
+  DayOfRadio day({.Seed = Seed(),
+                  .Length = length,
+                  .Faults = kBadLine,
+                  .Record = false,
+                  .Schedule = true,
+                  .Listens = true});
   day.Run();
+  std::cout << day.Ledger().Captures << " captures of " << day.Ledger().Samples
+            << " samples, memory grown by " << day.BytesGrown() << " bytes" << std::endl;
   EXPECT_THAT(day.Complaints(), IsEmpty());
   EXPECT_EQ(day.Ledger().Breaks, 0);
   EXPECT_EQ(day.FramesLost(), 0);
   EXPECT_GT(day.Ledger().Captures, 3);
   EXPECT_GT(day.Ledger().Samples, 8 * (length / 1ms) * 95 / 100);
+  EXPECT_LT(day.BytesGrown(), 2'000'000);
 }
 
 TEST(DayOfRadio, TheSameSeedGivesTheSameDay) {

@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include <fmt/format.h>
-#include <malloc.h>
 
 #include "base/DatePattern.h"
+#include "support/MemoryInUse.h"
 
 namespace kestrune::test {
 namespace {
@@ -28,12 +28,6 @@ constexpr std::int64_t kNoticing = 75;
 constexpr std::int64_t kMostUnexplained = 30;
 
 constexpr std::int64_t kMostRecordBytes = 1'500'000;
-
-/// What the process has allocated; 0 where a sanitizer keeps the memory.
-std::int64_t BytesInUse() {
-  const struct mallinfo2 info = ::mallinfo2();
-  return static_cast<std::int64_t>(info.uordblks + info.hblkhd);
-}
 
 }  // namespace
 
