@@ -1,6 +1,6 @@
 #include "radio/line/TimeJump.h"
 
-#include <cstdlib>
+#include <utility>
 
 namespace kestrune::radio {
 
@@ -8,23 +8,22 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The steady clock stands still while the machine sleeps, and the wall clock does not.
-constexpr auto kClocksApart = 10s;
+// The steady clock stands still while the machine sleeps.
+constexpr auto kSlept = 10s;
 // The longest song delay blocks the program for half of this.
 constexpr auto kNoBeat = 60s;
 
 }  // namespace
 
-TimeJump::TimeJump(const base::EventLoop& loop) : loop_(loop), steady_(loop.SteadyNow()), wall_(loop.Now()) {}
+TimeJump::TimeJump(const base::EventLoop& loop)
+    : loop_(loop), steady_(loop.SteadyNow()), boot_(loop.BootNow()) {}
 
 bool TimeJump::Seen() {
   const auto steady = loop_.SteadyNow();
-  const base::DateValue wall = loop_.Now();
-  const auto passed = steady - steady_;
-  const auto shown = std::chrono::seconds(wall.Seconds() - wall_.Seconds());
-  steady_ = steady;
-  wall_ = wall;
-  return passed >= kNoBeat || std::chrono::abs(shown - passed) >= kClocksApart;
+  const auto boot = loop_.BootNow();
+  const auto ran = steady - std::exchange(steady_, steady);
+  const auto passed = boot - std::exchange(boot_, boot);
+  return ran >= kNoBeat || passed - ran >= kSlept;
 }
 
 }  // namespace kestrune::radio

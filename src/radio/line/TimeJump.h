@@ -6,8 +6,8 @@
 
 namespace kestrune::radio {
 
-/// Notices that the machine has slept, that the program was stopped, or that the wall clock was set: the clocks have
-/// moved further than a regular beat explains.
+/// Notices that the machine has slept or that the program was stopped: the clocks have moved further than a regular
+/// beat explains. A wall clock that is set means nothing to the radio.
 class TimeJump {
  public:
   /// The loop must outlive the object. The first beat begins now.
@@ -19,7 +19,7 @@ class TimeJump {
  private:
   const base::EventLoop& loop_;
   std::chrono::milliseconds steady_;
-  base::DateValue wall_;
+  std::chrono::milliseconds boot_;
 };
 
 }  // namespace kestrune::radio

@@ -167,7 +167,7 @@ class Week {
       radio_.MoveTo(port);
       radio_.Plug();
     }
-    loop_.StepWallClock(length + 1min);
+    loop_.SleepMachine(length + 1min);
     jumps_.push_back(loop_.SteadyNow());
   }
 

@@ -437,7 +437,7 @@ TEST_F(RadioLinkTest, AfterTheMachinesSleepTheNextRemedyIsDueAtOnce) {
     radio_.Unplug();
     loop.Run(20min + round * 7s);
     ASSERT_FALSE(link.Status().Up());
-    loop.StepWallClock(8h);
+    loop.SleepMachine(8h);
     radio_.Plug();
     EXPECT_LT(UntilUp(), 6s);
   }
@@ -449,7 +449,7 @@ TEST_F(RadioLinkTest, AfterTheMachinesSleepThePaceBeginsAnew) {
   loop.Run(20min);
   const auto slow = RemedyTimes(2min);
   EXPECT_LE(slow.size(), 5U);
-  loop.StepWallClock(8h);
+  loop.SleepMachine(8h);
   const auto woken = loop.SteadyNow();
   const auto times = RemedyTimes(6min);
   ASSERT_GT(times.size(), 130U);
@@ -467,7 +467,7 @@ TEST_F(RadioLinkTest, AfterTheMachinesSleepTheDevicesMayHaveChangedPlaces) {
   radio_.Obstacles = {{1, "it is in use"}};
   radio_.SittingOnPort = 2;
   radio_.Plug();
-  loop.StepWallClock(8h);
+  loop.SleepMachine(8h);
   loop.Run(1s);
   EXPECT_LT(UntilUp(), 10s);
   EXPECT_EQ(link.Status().Port, 2);
@@ -475,12 +475,20 @@ TEST_F(RadioLinkTest, AfterTheMachinesSleepTheDevicesMayHaveChangedPlaces) {
 
 TEST_F(RadioLinkTest, AfterTheMachinesSleepTheRadioIsTunedOnceMore) {
   radio_.TunedChannel = 1;  // it had no power, and is on all the same
-  loop.StepWallClock(8h);
+  loop.SleepMachine(8h);
   loop.Run(1s);
   EXPECT_EQ(radio_.TunedChannel, 45);
   EXPECT_EQ(Sent(kTuneTo45), 1);
   EXPECT_EQ(Sent(kMuteOff), 1);
   EXPECT_THAT(owner.Changes, IsEmpty());
+}
+
+TEST_F(RadioLinkTest, AClockThatIsSetSendsTheRadioNothing) {
+  loop.StepWallClock(1h);
+  loop.Run(10s);
+  loop.StepWallClock(-1h);
+  loop.Run(10s);
+  EXPECT_EQ(Sent(kTuneTo45), 0) << "to select a channel again may interrupt its sound";
 }
 
 // The channel.
@@ -628,7 +636,7 @@ TEST_F(RadioLinkTest, WithoutTheWatchNothingIsSent) {
   radio_.Answers = true;
   radio_.RefusesTuning = true;
   EXPECT_TRUE(session.pcrSelectChannel(45)) << "true at once, as ever";
-  loop.StepWallClock(1h);
+  loop.SleepMachine(1h);
   loop.Run(10min);
   EXPECT_EQ(Sent(kTuneTo45), 1);
   EXPECT_EQ(Sent(kPowerOn), 0);
