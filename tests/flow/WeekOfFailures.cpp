@@ -29,6 +29,30 @@ constexpr std::int64_t kMostUnexplained = 30;
 
 constexpr std::int64_t kMostRecordBytes = 1'500'000;
 
+std::int64_t HeapOf(const std::string& text) {
+  constexpr std::size_t kInside = 15;
+  constexpr std::size_t kOverhead = 16;
+  return text.capacity() <= kInside ? 0 : static_cast<std::int64_t>(text.capacity() + kOverhead);
+}
+
+template <typename Item>
+std::int64_t HeapOf(const std::vector<Item>& items) {
+  return static_cast<std::int64_t>(items.capacity() * sizeof(Item));
+}
+
+std::int64_t HeapOf(const platform::HistoryRows& rows) {
+  std::int64_t bytes = HeapOf(rows.Songs) + HeapOf(rows.Events) + HeapOf(rows.Incidents) + HeapOf(rows.Runs);
+  for (const platform::HistorySong& song : rows.Songs) {
+    for (const std::string* text :
+         {&song.Station, &song.Genre, &song.Artist, &song.Title, &song.Reason, &song.File})
+      bytes += HeapOf(*text);
+  }
+  for (const platform::HistoryEvent& event : rows.Events)
+    bytes += HeapOf(event.Station) + HeapOf(event.WhyNot);
+  for (const platform::HistoryIncident& incident : rows.Incidents) bytes += HeapOf(incident.Cause);
+  return bytes;
+}
+
 }  // namespace
 
 class WeekOfFailures::Audio final : public platform::AudioLibrary {
@@ -391,6 +415,17 @@ void WeekOfFailures::CheckReport() {
   recordBytes_ = std::max(recordBytes_, bytes);
   Check(bytes <= kMostRecordBytes * 5 / 4, fmt::format("the record has {} bytes", bytes));
   Check(history_.Failures == 0, "the record could not be written");
+}
+
+std::int64_t WeekOfFailures::BytesInUse() const {
+  std::int64_t bytes = test::BytesInUse();
+  if (bytes == 0) return 0;
+  bytes -= HeapOf(history_.Rows) + HeapOf(whereabouts_.Captures) + HeapOf(radio_.Openings);
+  for (const auto& ranges : whereabouts_.Captures) bytes -= HeapOf(ranges);
+  for (const std::string& path : files_.AllFiles()) bytes -= HeapOf(files_.Text(path));
+  const auto& lines = unit_->Parts().Log.List().Lines();
+  for (const std::string& line : lines) bytes -= static_cast<std::int64_t>(sizeof(line)) + HeapOf(line);
+  return bytes;
 }
 
 void WeekOfFailures::Check(bool holds, const std::string& complaint) {

@@ -53,7 +53,7 @@ class WeekOfFailures {
   };
   [[nodiscard]] const Tally& Events() const { return tally_; }
   [[nodiscard]] std::int64_t RecordBytes() const { return recordBytes_; }
-  /// By how much the memory has grown in the second half.
+  /// By how much the memory has grown in the second half, but for the account that is kept here, the log and its list.
   [[nodiscard]] std::int64_t BytesGrown() const { return bytesGrown_; }
   [[nodiscard]] int Starts() const { return starts_; }
   [[nodiscard]] std::uint64_t HandlersRun() const { return loop_.HandlersRun(); }
@@ -96,6 +96,8 @@ class WeekOfFailures {
   [[nodiscard]] bool IsExplained(const PlannedEvent& event, std::int64_t wall) const;
   void CollectExplanations();
   void Check(bool holds, const std::string& complaint);
+  /// What the process has allocated besides what has to grow; 0 where a sanitizer keeps the memory.
+  [[nodiscard]] std::int64_t BytesInUse() const;
   void Later(std::chrono::seconds after, std::function<void()> what) {
     loop_.AtHardware(after, std::move(what));
   }

@@ -48,8 +48,8 @@ TEST(WeekOfFailures, EveryMinuteOfEveryEventIsInAFileOrAccountedFor) {
     Tell(seed, week);
     EXPECT_THAT(week.Complaints(), IsEmpty()) << "seed " << seed;
     EXPECT_GT(week.Events().Events, 0);
-    // The account itself, and the songs of half a week in it, are the most of it.
-    EXPECT_LT(week.BytesGrown(), 8'000'000) << "seed " << seed;
+    // The pages that the database keeps in memory, and room that containers of the rig have taken ahead.
+    EXPECT_LT(week.BytesGrown(), 2'000'000) << "seed " << seed;
     planned += week.Events().Planned;
     inFiles += week.Events().InFiles;
   }
