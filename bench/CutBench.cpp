@@ -1,7 +1,9 @@
 // What a cut between two songs costs in MP3 with the settings of a fresh installation, on the wall clock, from
 // RecordStop to the end of RecordStart: what came in while the thread slept through the song's delay is encoded, the
 // old file is closed and tagged, the next one created. "backlog" tells how long that sleep was; 0 leaves it out.
-// With "record" the song's row goes to the record of what happened too, whose threads write it beside the cuts.
+// With "record" the song's row goes to the record of what happened too, whose threads write it beside the cuts. With
+// "listen" songs are cut by listening: what a change of text costs at once, and the cut some ten seconds later; the choice
+// of its place is a benchmark of its own.
 // KESTRUNE_BENCH_CUTS=500 takes so many cuts of five minutes (about half an hour), not twenty.
 #include <algorithm>
 #include <chrono>
@@ -65,7 +67,8 @@ SimulatedSoundSource::Signal Music() {
 /// The real recorder, encoder and tag writer under the capture of the program, in a folder of its own.
 class Rig {
  public:
-  explicit Rig(bool keepsRecord) {
+  Rig(bool keepsRecord, bool listens) {
+    settings_.CutPlacement = listens ? config::CutPlacement::Listen : config::CutPlacement::Text;
     std::string pattern = (std::filesystem::temp_directory_path() / "cut-bench-XXXXXX").string();
     if (::mkdtemp(pattern.data()) != nullptr) folder_ = pattern;
     sound_.SetSignal(Music());
@@ -110,19 +113,47 @@ class Rig {
     const auto start = std::chrono::steady_clock::now();
     capture_.RecordStop(finished);
     Begin(static_cast<std::int16_t>(1 - finished));
-    if (chronicle_ != nullptr) {
-      chronicle_->SongEnded(state_.CaptureSlots[static_cast<std::size_t>(finished)], platform::SongFate::Kept,
-                            "");
-    }
+    TellRecord(finished);
     const Milliseconds cost = std::chrono::steady_clock::now() - start;
-    recorder::CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(finished)];
-    if (record.Outcome.File.empty()) result_ = -1;
-    songFiles_.Discard(record);
-    capture_.Release(finished);
+    Forget(finished);
+    return cost;
+  }
+
+  /// The same by listening, one second after the text.
+  [[nodiscard]] Milliseconds CutByListening(std::chrono::milliseconds length) {
+    constexpr std::chrono::milliseconds kHeard{10'000};
+    const std::int16_t finished = state_.CaptureSlot;
+    const auto next = static_cast<std::int16_t>(1 - finished);
+    const std::int64_t stamp = capture_.FrameNow();
+    auto start = std::chrono::steady_clock::now();
+    if (!capture_.AwaitCut(next, stamp)) result_ = -1;
+    Milliseconds cost = std::chrono::steady_clock::now() - start;
+    if (result_ < 0) return cost;
+    state_.CaptureSlot = next;
+    loop_.Run(kHeard);
+    capture_.SetCut(stamp + 44100, 0);
+    while (!capture_.CutReached()) loop_.Run(100ms);
+    start = std::chrono::steady_clock::now();
+    capture_.CutOver(finished);
+    TellRecord(finished);
+    cost += std::chrono::steady_clock::now() - start;
+    Forget(finished);
+    loop_.Run(std::max(length - kHeard, 0ms));
     return cost;
   }
 
  private:
+  void TellRecord(std::int16_t finished) {
+    if (chronicle_ == nullptr) return;
+    chronicle_->SongEnded(state_.CaptureSlots[static_cast<std::size_t>(finished)], platform::SongFate::Kept,
+                          "");
+  }
+  void Forget(std::int16_t finished) {
+    recorder::CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(finished)];
+    if (record.Outcome.File.empty()) result_ = -1;
+    songFiles_.Discard(record);
+    capture_.Release(finished);
+  }
   void Begin(std::int16_t slot) {
     capture_.RecordStart(slot, capture_.TemporaryFile(slot), result_);
     state_.CaptureSlot = slot;
@@ -162,12 +193,14 @@ int WantedCuts() {
 }
 
 void Cut(benchmark::State& state) {
-  Rig rig(state.range(3) != 0);
+  const bool listens = state.range(4) != 0;
+  Rig rig(state.range(3) != 0, listens);
   std::vector<double> costs;
   for ([[maybe_unused]] auto step : state) {
     for (int cut = 0; cut < state.range(2); ++cut) {
-      costs.push_back(
-          rig.Cut(std::chrono::seconds(state.range(0)), std::chrono::milliseconds(state.range(1))).count());
+      const std::chrono::seconds length(state.range(0));
+      const std::chrono::milliseconds backlog(state.range(1));
+      costs.push_back((listens ? rig.CutByListening(length) : rig.Cut(length, backlog)).count());
     }
   }
   if (!rig.Works()) state.SkipWithError("a capture could not be written");
@@ -178,13 +211,15 @@ void Cut(benchmark::State& state) {
 }
 
 void Arguments(benchmark::internal::Benchmark* cut) {
-  cut->ArgNames({"seconds", "backlog", "cuts", "record"});
+  cut->ArgNames({"seconds", "backlog", "cuts", "record", "listen"});
   for (const int backlog : {0, 600}) {
     for (const int record : {0, 1}) {
-      cut->Args({2, backlog, 500, record});
-      cut->Args({300, backlog, WantedCuts(), record});
+      cut->Args({2, backlog, 500, record, 0});
+      cut->Args({300, backlog, WantedCuts(), record, 0});
     }
   }
+  cut->Args({30, 0, 100, 0, 1});
+  cut->Args({300, 0, WantedCuts(), 0, 1});
 }
 BENCHMARK(Cut)->Apply(Arguments)->Iterations(1)->Unit(benchmark::kMillisecond);
 
