@@ -112,7 +112,7 @@ void RingRecorder::Stop() {
     HandOver(count);
   }
   recording_ = false;
-  stoppedAt_ = loop_.SteadyNow();
+  stoppedAt_ = loop_.BootNow();
   ledger_.EndCapture(stoppedAt_);
   displayTimer_->SetEnabled(false);
 }
@@ -122,18 +122,18 @@ void RingRecorder::Forget() {
   block_.resize(ring_->Available());
   block_.resize(ring_->Pop(block_));
   Look();
-  ledger_.Forget(loop_.SteadyNow());
+  ledger_.Forget(loop_.BootNow());
 }
 
 void RingRecorder::Look() {
   const auto offered = static_cast<std::int64_t>(ring_->Offered());
-  ledger_.Look({.Frames = offered / openFormat_.Channels, .Lost = LostBySource()}, loop_.SteadyNow());
+  ledger_.Look({.Frames = offered / openFormat_.Channels, .Lost = LostBySource()}, loop_.BootNow());
 }
 
 void RingRecorder::Poll() {
   Look();
   if (!recording_) {
-    if (loop_.SteadyNow() - stoppedAt_ >= kIdleLimit) CloseSource();
+    if (loop_.BootNow() - stoppedAt_ >= kIdleLimit) CloseSource();
     return;
   }
   for (std::size_t blocks = ring_->Available() / blockSamples_; blocks > 0 && recording_; --blocks) {
@@ -179,7 +179,7 @@ void RingRecorder::OpenSource(const SoundDevice& device) {
   ring_ = std::make_unique<SampleRing>(samples);
   openFormat_ = format_;
   openId_ = device.Id;
-  ledger_.Open(format_.SampleRate, loop_.SteadyNow());
+  ledger_.Open(format_.SampleRate, loop_.BootNow());
   openError_ = source_.Open(device.Id, format_, *this);
   open_ = true;
 }

@@ -8,7 +8,7 @@
 namespace kestrune::platform {
 
 /// Keeps the books on the sound of the captures: what was handed over, what is missing, and in which capture. For
-/// the main thread; times are those of a steady clock.
+/// the main thread; times are those of a clock that goes on while the machine sleeps.
 ///
 /// 1. A source reports a gap only when sound comes again. A capture that ends in the middle of a gap is charged
 ///    with its part at once: with the time since the last sound, if that is more than a second. When the source

@@ -420,6 +420,21 @@ TEST_F(RingRecorderTest, AGapOverTwoCutsIsSharedByThreeCaptures) {
   EXPECT_EQ(Recorder->FramesLost(), 10 * 44100);
 }
 
+TEST_F(RingRecorderTest, ASleepOfTheMachineIsChargedToTheCaptureThatEndsWhenItWakes) {
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(3000));
+  Loop.SleepMachine(milliseconds(83000));
+  Source.Slept(milliseconds(83000));
+  Recorder->Stop();
+  EXPECT_EQ(Recorder->Sound().Frames, 3 * 44100);
+  EXPECT_NEAR(static_cast<double>(Recorder->Sound().Lost()), 83 * 44100, 0.1 * 44100);
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  Loop.Run(milliseconds(5000));
+  Recorder->Stop();
+  EXPECT_EQ(Recorder->Sound().Lost(), 0);
+  EXPECT_EQ(Recorder->FramesLost(), 83 * 44100);
+}
+
 TEST_F(RingRecorderTest, SoundThatComesLateIsNoGapInALaterCapture) {
   ASSERT_EQ(Start(), RingRecorder::kStarted);
   Loop.Run(milliseconds(1000));
