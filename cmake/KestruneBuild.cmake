@@ -64,6 +64,9 @@ endfunction()
 
 # kestrune_test(NAME source... [ON_BASE] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its cases
 # when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic.
+#
+# With a sanitizer a program takes longer to start than most of its cases to run, so its cases share a few processes, and
+# KESTRUNE_TEST_FILTER, in GoogleTest's notation, says which of them run.
 function(kestrune_test name)
   cmake_parse_arguments(TEST "ON_BASE" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
@@ -73,8 +76,17 @@ function(kestrune_test name)
     target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
   endif()
   kestrune_test_code(${name})
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300 LABELS ${name})
+  if(KESTRUNE_SANITIZE)
+    foreach(shard RANGE 1 4)
+      math(EXPR index "${shard} - 1")
+      add_test(NAME ${name}.${shard} COMMAND ${name} --gtest_brief=1 --gtest_filter=${KESTRUNE_TEST_FILTER})
+      set_tests_properties(${name}.${shard} PROPERTIES TIMEOUT 600 LABELS ${name}
+        ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${index}")
+    endforeach()
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+      PROPERTIES TIMEOUT 300 LABELS ${name})
+  endif()
 endfunction()
 
 add_custom_target(fuzzers)
