@@ -353,6 +353,9 @@ void WeekOfFailures::LookOver() {
   sounds_.Played.clear();
   dialogs_.Shown.clear();
   captureMender_.Calls.clear();
+  store_.Calls.clear();
+  web_.Calls.clear();
+  sleepInhibitor_.Reasons.clear();
   audio_->ForgetTags();
 }
 
