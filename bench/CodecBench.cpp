@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include <FLAC/stream_encoder.h>
 #include <benchmark/benchmark.h>
 #include <lame/lame.h>
 #include <sndfile.h>
@@ -151,6 +152,21 @@ void BareOgg(const std::string& path, const Samples& samples) {
   std::fclose(file);
 }
 
+void BareFlac(unsigned level, const std::string& path, const Samples& samples) {
+  FLAC__StreamEncoder* const flac = FLAC__stream_encoder_new();
+  FLAC__stream_encoder_set_channels(flac, 2);
+  FLAC__stream_encoder_set_bits_per_sample(flac, 16);
+  FLAC__stream_encoder_set_sample_rate(flac, kRate);
+  FLAC__stream_encoder_set_compression_level(flac, level);
+  FLAC__stream_encoder_init_file(flac, path.c_str(), nullptr, nullptr);
+  InBlocks(samples, 2, [&](std::span<const std::int16_t> block) {
+    const std::vector<FLAC__int32> wide(block.begin(), block.end());
+    FLAC__stream_encoder_process_interleaved(flac, wide.data(), static_cast<std::uint32_t>(block.size() / 2));
+  });
+  FLAC__stream_encoder_finish(flac);
+  FLAC__stream_encoder_delete(flac);
+}
+
 void BareSndfile(int format, int channels, const std::string& path, const Samples& samples) {
   SF_INFO info{};
   info.samplerate = kRate;
@@ -220,6 +236,15 @@ std::vector<Contest> Contests() {
                         file.SetFormat(platform::G726Format{kRate, 4});
                       },
                       [](const std::string& path, const Samples& s) { BareG726(4, path, s); }});
+  for (const auto& [name, level] : {std::pair{"FlacLevel5", 5}, {"FlacLevel8", 8}}) {
+    contests.push_back({name, 2,
+                        [=](EncodedFile& file) {
+                          file.SetFormat(platform::FlacFormat{kRate, 2, static_cast<std::int16_t>(level)});
+                        },
+                        [=](const std::string& path, const Samples& s) {
+                          BareFlac(static_cast<unsigned>(level), path, s);
+                        }});
+  }
   return contests;
 }
 
@@ -267,7 +292,7 @@ void BesideTheLibrary(benchmark::State& state) {
   state.counters["realtime"] = kSeconds * static_cast<double>(state.iterations()) / ours;
 }
 
-BENCHMARK(BesideTheLibrary)->DenseRange(0, 9)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BesideTheLibrary)->DenseRange(0, 11)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kestrune

@@ -69,11 +69,24 @@ struct G726Format {
   bool operator==(const G726Format&) const = default;
 };
 
+inline constexpr std::int16_t kMostFlacLevel = 8;
+
+/// Always 16 bits a sample.
+struct FlacFormat {
+  std::int32_t Frequency = 0;  ///< Hz
+  std::int16_t Channels = 0;
+  std::int16_t Level = 0;  ///< 0 fastest to kMostFlacLevel, smallest
+
+  /// Of sound that cannot be compressed, such as noise.
+  [[nodiscard]] std::int64_t BytesPerSecond() const { return std::int64_t{Frequency} * Channels * 2; }
+  bool operator==(const FlacFormat&) const = default;
+};
+
 /// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz
 /// and, unless it is always mono, Channels, and about how many bytes a second of sound takes: exact for a fixed rate,
 /// else the nominal or the highest one.
-using CaptureFormat =
-    std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat, G726Format>;
+using CaptureFormat = std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat,
+                                   G726Format, FlacFormat>;
 
 /// As each format has it; 0 for no format.
 [[nodiscard]] inline std::int64_t BytesPerSecond(const CaptureFormat& format) {

@@ -79,11 +79,22 @@ constexpr OptionGroup k726Groups[] = {
     Group<&config::Settings::Format726, &config::Format726::Frequency>("optFrequency", kRateFrame, k726Rates),
 };
 
+constexpr std::string_view kLevelTip =
+    "Select how long to search for the smallest file; nothing is lost at any level";
+constexpr OptionButton kFlacLevels[] = {
+    {"0 (fastest)", 0, kLevelTip}, {"1", 1, kLevelTip}, {"2", 2, kLevelTip},
+    {"3", 3, kLevelTip},           {"4", 4, kLevelTip}, {"5", 5, kLevelTip},
+    {"6", 6, kLevelTip},           {"7", 7, kLevelTip}, {"8 (smallest)", 8, kLevelTip},
+};
+constexpr OptionGroup kFlacGroups[] = {
+    Group<&config::Settings::FormatFLAC, &config::FormatFLAC::Level>("optLevel", "Compression Level",
+                                                                     kFlacLevels),
+};
+
 constexpr OptionWindow kWindows[] = {
-    {"RAW", "RAW Options", kRawGroups},
-    {"VOX", "VOX Options", kVoxGroups},
-    {"WAV", "WAV Options", kWavGroups},
-    {"G726", "Set CCUIT G.726 Format", k726Groups},
+    {"RAW", "RAW Options", kRawGroups},    {"VOX", "VOX Options", kVoxGroups},
+    {"WAV", "WAV Options", kWavGroups},    {"G726", "Set CCUIT G.726 Format", k726Groups},
+    {"FLAC", "FLAC Options", kFlacGroups},
 };
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "platform/codec/Bytes.h"
 #include "platform/codec/DiskFile.h"
+#include "platform/codec/FlacMender.h"
 #include "platform/codec/Mp3Mender.h"
 #include "platform/codec/OggMender.h"
 #include "platform/codec/RiffFile.h"
@@ -78,5 +79,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Mend(kestrune::platform::MendRiff, content);
   Mend(kestrune::platform::MendRaw, content);
   Mend(kestrune::platform::MendVox, content);
+  Mend(kestrune::platform::MendFlac, content);
   return 0;
 }

@@ -10,6 +10,7 @@
 
 #include "platform/codec/Bytes.h"
 #include "platform/codec/DiskFile.h"
+#include "platform/codec/FlacHeader.h"
 #include "platform/codec/Id3Tag.h"
 #include "platform/codec/RiffFile.h"
 #include "platform/codec/VorbisComment.h"
@@ -54,5 +55,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Tag(kestrune::platform::WriteId3, content, texts);
   Tag(kestrune::platform::WriteVorbisComment, content, texts);
   Tag(kestrune::platform::WriteRiffInfo, content, texts);
+  Tag(kestrune::platform::WriteFlacComment, content, texts);
   return 0;
 }

@@ -55,11 +55,12 @@ class FormatOptionsTest : public ::testing::Test {
   ConfigurationRig rig_;
 };
 
-TEST_F(FormatOptionsTest, TheFourCaptions) {
+TEST_F(FormatOptionsTest, TheFiveCaptions) {
   EXPECT_EQ(presenters::FindOptionWindow("RAW")->Caption, "RAW Options");
   EXPECT_EQ(presenters::FindOptionWindow("VOX")->Caption, "VOX Options");
   EXPECT_EQ(presenters::FindOptionWindow("WAV")->Caption, "WAV Options");
   EXPECT_EQ(presenters::FindOptionWindow("G726")->Caption, "Set CCUIT G.726 Format");
+  EXPECT_EQ(presenters::FindOptionWindow("FLAC")->Caption, "FLAC Options");
 }
 
 TEST_F(FormatOptionsTest, TheButtonsOfRaw) {
@@ -126,6 +127,16 @@ TEST_F(FormatOptionsTest, TheButtonsOfG726) {
                   rate("44100", 44100), rate("48000", 48000)}));
 }
 
+TEST_F(FormatOptionsTest, TheButtonsOfFlac) {
+  const auto level = [](std::string_view caption, std::int32_t value) {
+    return Button{"optLevel", "Compression Level", caption, value,
+                  "Select how long to search for the smallest file; nothing is lost at any level"};
+  };
+  EXPECT_EQ(Made("FLAC"),
+            Told({level("0 (fastest)", 0), level("1", 1), level("2", 2), level("3", 3), level("4", 4),
+                  level("5", 5), level("6", 6), level("7", 7), level("8 (smallest)", 8)}));
+}
+
 TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
   for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
     const std::string_view format = design.FileFormat;
@@ -146,7 +157,7 @@ TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
 }
 
 TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
-  for (const std::string_view format : {"RAW", "VOX", "WAV", "G726"}) {
+  for (const std::string_view format : {"RAW", "VOX", "WAV", "G726", "FLAC"}) {
     presenters::FormatOptions options(*presenters::FindOptionWindow(format), rig_.Door);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
@@ -158,9 +169,10 @@ TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
             format == "RAW"   ? fmt::format("SetFormatRAW {} {} {} 16", now.FormatRAW.Compression,
                                             now.FormatRAW.Frequency, now.FormatRAW.Channels)
             : format == "VOX" ? fmt::format("SetFormatVOX {}", now.FormatVOX.Frequency)
-            : format == "WAV"
-                ? fmt::format("SetFormatWAV {} {} {}", now.FormatWAV.Frequency, now.FormatWAV.Channels,
-                              now.FormatWAV.Bits)
+            : format == "WAV" ? fmt::format("SetFormatWAV {} {} {}", now.FormatWAV.Frequency,
+                                            now.FormatWAV.Channels, now.FormatWAV.Bits)
+            : format == "FLAC"
+                ? fmt::format("SetFormatFLAC 44100 2 {}", now.FormatFLAC.Level)
                 : fmt::format("SetFormatG726 {} {}", now.Format726.Frequency, now.Format726.Bits);
         EXPECT_EQ(Prepared(format), wanted);
         EXPECT_NE((" " + wanted + " ").find(fmt::format(" {} ", groups[group].Buttons[button].Value)),
@@ -181,6 +193,7 @@ TEST_F(FormatOptionsTest, TheKeysAreSavedInTheirOrder) {
       {"VOX", {"VOX_Frequency=8000"}},
       {"WAV", {"WAV_Bits=16", "WAV_Channels=2", "WAV_Frequency=8000"}},
       {"G726", {"726_Bits=2", "726_Frequency=6000"}},
+      {"FLAC", {"FLAC_Level=0"}},
   };
   for (const Row& row : rows) {
     rig_.Store.Calls.clear();

@@ -33,7 +33,7 @@ int WantedCuts() {
   return wanted == nullptr ? 20 : std::max(1, std::atoi(wanted));
 }
 
-/// Four units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening: songs
+/// Units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening and as FLAC: songs
 /// of three seconds, all kept. A cut by listening is then settled by the next change, seven seconds early.
 class Cuts : public testing::Test {
  protected:
@@ -84,7 +84,7 @@ class Cuts : public testing::Test {
 
   static void StartTrack(const std::string& road, const std::string& sound, const std::string& audio,
                          const std::map<std::string, std::string>& environment,
-                         const std::string& cutPlacement = "Text") {
+                         const std::map<std::string, std::string>& more = {}) {
     Track& track = world_->Tracks[road];
     track.Radio = std::make_unique<Receiver>(
         world_->Folder / (road + "-radio"),
@@ -92,7 +92,7 @@ class Cuts : public testing::Test {
             ShortLineUp({"One", "Two", "Three"}, kSongSeconds), sound, "counter", {}, environment});
     auto settings = ShortSongs();
     settings["MinSongLength"] = "0";
-    settings["CutPlacement"] = cutPlacement;
+    for (const auto& [key, value] : more) settings[key] = value;
     track.Recorder = std::make_unique<Unit>(
         world_->Folder / road, Unit::Setup{audio, track.Radio->Link(), settings, {}, environment});
     track.Recorder->Start();
@@ -116,13 +116,15 @@ class Cuts : public testing::Test {
         << "\" }\n";
     StartTrack("alsa", "pulse:radio1", "alsa", alsa);
 
-    for (const auto& [road, cutPlacement] : {std::pair("pipe", "Text"), std::pair("listening", "Listen")}) {
-      const std::string pipe = world_->Folder / (std::string(road) + "-sound");
+    const std::map<std::string, std::map<std::string, std::string>> pipes{
+        {"pipe", {}}, {"listening", {{"CutPlacement", "Listen"}}}, {"flac", {{"FileFormat", "FLAC"}}}};
+    for (const auto& [road, settings] : pipes) {
+      const std::string pipe = world_->Folder / (road + "-sound");
       if (::mkfifo(pipe.c_str(), 0600) != 0) {
         world_->Trouble = "no named pipe can be made";
         return false;
       }
-      StartTrack(road, "pipe:" + pipe, "pipe:" + pipe, {}, cutPlacement);
+      StartTrack(road, "pipe:" + pipe, "pipe:" + pipe, {}, settings);
     }
     return true;
   }
@@ -161,6 +163,10 @@ TEST_F(Cuts, LoseAndDoubleNothingThroughAlsa) {
 
 TEST_F(Cuts, LoseAndDoubleNothingThroughAPipe) {
   ExpectUnbroken("pipe");
+}
+
+TEST_F(Cuts, LoseAndDoubleNothingInFlacFiles) {
+  ExpectUnbroken("flac");
 }
 
 TEST_F(Cuts, LoseAndDoubleNothingByListening) {

@@ -38,6 +38,8 @@ struct FormatRun {
   Unit::Json Status;
 };
 
+constexpr const char* kFormats[] = {"WAV", "RAW", "VOX", "G726", "OGG", "MP3", "FLAC"};
+
 struct ExpectedSong {
   std::string Place;  ///< below the folder of recordings, without extension
   std::string Artist;
@@ -52,8 +54,8 @@ const std::array<ExpectedSong, kRoundOfSongs> kSongs{{
     {"Decades/8 - Neon 80s/The Arcades - Insert Coin", "The Arcades", "Insert Coin"},
 }};
 
-/// Six units record at once, one in each format, from a receiver and a sink each: the songs last as long for
-/// six as for one.
+/// As many units record at once, one in each format, from a receiver and a sink each: the songs last as long for
+/// all as for one.
 class Formats : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -150,7 +152,8 @@ class Formats : public testing::Test {
  private:
   struct World {
     // After the first sink, whose monitor comes first as its description is the shortest.
-    PrivatePulse Pulse{{SinkModule(1), SinkModule(2), SinkModule(3), SinkModule(4), SinkModule(5)}};
+    PrivatePulse Pulse{
+        {SinkModule(1), SinkModule(2), SinkModule(3), SinkModule(4), SinkModule(5), SinkModule(6)}};
     TemporaryFolder Folder;
     std::vector<FormatRun> Runs;
     bool Ready = false;
@@ -173,7 +176,7 @@ class Formats : public testing::Test {
     }
     const auto variables = world_->Pulse.Environment();
     const std::map<std::string, std::string> environment(variables.begin(), variables.end());
-    for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3"}) {
+    for (const char* format : kFormats) {
       const std::size_t number = world_->Runs.size();
       FormatRun run;
       run.Format = format;
@@ -270,6 +273,19 @@ TEST_F(Formats, Mp3FilesHoldTheirOwnSongsAndTags) {
   ExpectTags("MP3", ".mp3", "mp3", "TAG:encoded_by");
 }
 
+TEST_F(Formats, FlacFilesHoldTheirOwnSongsAndTags) {
+  ExpectWholeSongs("FLAC", ".flac", 44100, 2, DecodeWithFfmpeg);
+  ExpectTags("FLAC", ".flac", "flac", "TAG:encoder");
+}
+
+TEST_F(Formats, FlacFilesAreInOrder) {
+  for (const std::string& file : RunOf("FLAC").Files) {
+    const Outcome checked = RunToEnd({"flac", {"-s", "-t", "-w", file}, {}});
+    EXPECT_EQ(checked.Exit, 0);
+    EXPECT_EQ(checked.Errors, "");
+  }
+}
+
 TEST_F(Formats, Mp3FilesAreInOrder) {
   for (const std::string& file : RunOf("MP3").Files) {
     const Outcome checked = RunToEnd({"mp3val", {file}, {}});
@@ -279,14 +295,14 @@ TEST_F(Formats, Mp3FilesAreInOrder) {
 }
 
 TEST_F(Formats, EachUnitRecordsFromItsOwnInput) {
-  for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3"}) {
+  for (const char* format : kFormats) {
     EXPECT_THAT(RunOf(format).Status.value("inputDevice", ""), testing::HasSubstr("Radio"));
     EXPECT_EQ(RunOf(format).Status.value("samplesLost", -1), 0) << format;
   }
 }
 
 TEST_F(Formats, NothingUnfinishedIsLeftBehind) {
-  for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3"}) {
+  for (const char* format : kFormats) {
     EXPECT_THAT(RunOf(format).Recorder->Captures(), testing::IsEmpty()) << format;
   }
 }

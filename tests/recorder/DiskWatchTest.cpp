@@ -109,7 +109,7 @@ TEST_F(DiskWatch, WhatIsNotKnownIsNoReasonToWorry) {
   watch.Start();
   EXPECT_EQ(state.Watch.LittleRoom, "");
   files.Free = 0;
-  state.Settings.FileFormat = "FLAC";
+  state.Settings.FileFormat = "8TRACK";
   loop.Run(1min);
   EXPECT_EQ(state.Watch.LittleRoom, "");
 }
@@ -135,6 +135,7 @@ TEST(BytesPerSecond, EachFormatHasItsOwn) {
   EXPECT_EQ(BytesPerSecond(RawFormat{.Compression = 3, .Frequency = 8000, .Channels = 1, .Bits = 16}), 8000);
   EXPECT_EQ(BytesPerSecond(VoxFormat{.Frequency = 8000}), 4000);
   EXPECT_EQ(BytesPerSecond(G726Format{.Frequency = 8000, .Bits = 5}), 5000);
+  EXPECT_EQ(BytesPerSecond(FlacFormat{.Frequency = 44100, .Channels = 2, .Level = 5}), 176400);
   EXPECT_EQ(BytesPerSecond(OggFormat{.Frequency = 44100, .Channels = 2, .NominalBitrate = 160}), 20000);
   EXPECT_EQ(
       BytesPerSecond(OggFormat{.Frequency = 44100, .Channels = 2, .NominalBitrate = 128, .Quality = 10}),

@@ -30,6 +30,9 @@ struct TextOf {
   std::string operator()(const platform::G726Format& f) const {
     return fmt::format("SetFormatG726 {} {}", f.Frequency, f.Bits);
   }
+  std::string operator()(const platform::FlacFormat& f) const {
+    return fmt::format("SetFormatFLAC {} {} {}", f.Frequency, f.Channels, f.Level);
+  }
   template <typename Other>
   std::string operator()(const Other& format) const {
     const auto values = platform::FormatValues(platform::CaptureFormat(format));

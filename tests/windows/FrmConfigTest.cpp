@@ -305,6 +305,7 @@ TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
       {"RAW", "frmFormatRAW", "optCompression_0", "SetFormatRAW 3 44100 2 16"},
       {"G726", "frmFormatG726", "optADPCM_3", "SetFormatG726 44100 5"},
       {"OGG", "frmFormatOgg", "chkQuality", "SetFormatOgg 44100 2 128 0 0 0"},
+      {"FLAC", "frmFormatFLAC", "optLevel_8", "SetFormatFLAC 44100 2 8"},
   };
   for (std::size_t i = 0; i < rows.size(); ++i) {
     window_.ShowModeless();

@@ -83,9 +83,14 @@ CaptureFormat G726(const FormatSettings& settings, const Scheduled& /*scheduled*
   return platform::G726Format{.Frequency = settings.Format726.Frequency, .Bits = settings.Format726.Bits};
 }
 
+// Like Ogg Vorbis always stereo at 44100 Hz.
+CaptureFormat Flac(const FormatSettings& settings, const Scheduled& /*scheduled*/) {
+  return platform::FlacFormat{.Frequency = 44100, .Channels = 2, .Level = settings.FormatFLAC.Level};
+}
+
 constexpr FormatRow kFormats[] = {
-    {"MP3", "MP3_", Mp3}, {"WAV", "WAV_", Wav},   {"VOX", "VOX_", Vox},
-    {"RAW", "RAW_", Raw}, {"G726", "726_", G726}, {"OGG", "OGG_", Ogg},
+    {"MP3", "MP3_", Mp3},   {"WAV", "WAV_", Wav}, {"VOX", "VOX_", Vox},    {"RAW", "RAW_", Raw},
+    {"G726", "726_", G726}, {"OGG", "OGG_", Ogg}, {"FLAC", "FLAC_", Flac},
 };
 
 }  // namespace

@@ -14,6 +14,12 @@ struct Format726 {
   bool operator==(const Format726&) const = default;
 };
 
+struct FormatFLAC {
+  std::int16_t Level = 5;  ///< 0 fastest to 8, smallest
+
+  bool operator==(const FormatFLAC&) const = default;
+};
+
 struct FormatMP3 {
   std::int32_t Frequency = 44100;
   std::int16_t Bitrate = 160;
@@ -87,6 +93,7 @@ struct FormatSettings {
   config::FormatRAW FormatRAW;
   config::FormatVOX FormatVOX;
   config::FormatWAV FormatWAV;
+  config::FormatFLAC FormatFLAC;
 
   bool operator==(const FormatSettings&) const = default;
 };

@@ -7,6 +7,7 @@
 
 #include "base/Text.h"
 #include "config/formats/FormatTable.h"
+#include "platform/CaptureFormat.h"
 
 namespace kestrune::config {
 namespace {
@@ -45,6 +46,12 @@ base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environme
 base::Result CheckCutOverlap(Settings& wished, const platform::Environment& /*environment*/) {
   if (wished.CutOverlap >= 0 && wished.CutOverlap <= kLongestCutOverlap) return base::Result::Done();
   return base::Result::Failed(fmt::format("is not from 0 to {}", kLongestCutOverlap));
+}
+
+base::Result CheckFlacLevel(Settings& wished, const platform::Environment& /*environment*/) {
+  const std::int16_t level = wished.FormatFLAC.Level;
+  if (level >= 0 && level <= platform::kMostFlacLevel) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is not from 0 to {}", platform::kMostFlacLevel));
 }
 
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {

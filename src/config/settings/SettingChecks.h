@@ -29,6 +29,8 @@ base::Result CheckFileFormat(Settings& wished, const platform::Environment& envi
 base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environment& environment);
 /// Fails outside 0 to kLongestCutOverlap.
 base::Result CheckCutOverlap(Settings& wished, const platform::Environment& environment);
+/// Fails outside 0 to 8.
+base::Result CheckFlacLevel(Settings& wished, const platform::Environment& environment);
 /// Cleans it.
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& environment);
 

@@ -156,6 +156,8 @@ constexpr SettingKey kSettingKeys[] = {
     Record<&Settings::FormatWAV, &FormatWAV::Channels>("WAV_Channels"),
     Record<&Settings::FormatWAV, &FormatWAV::Frequency>("WAV_Frequency"),
 
+    Record<&Settings::FormatFLAC, &FormatFLAC::Level>("FLAC_Level").CheckedBy(CheckFlacLevel),
+
     Row<&Settings::LegalAgreement>("LegalAgreement").Following("only the user's own consent sets it"),
     Row<&Settings::ChannelListing>("ChannelListing").Following("it follows the channels window"),
     Row<&Settings::RecordLog>("RecordLog").Following("it follows the log window"),
@@ -192,6 +194,7 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
     if (!key.Read(settings, section.Text(key.Key, fallback))) base::Ignored(key.Read(settings, fallback));
   }
   if (!CheckCutOverlap(settings, environment).Ok()) settings.CutOverlap = defaults.CutOverlap;
+  if (!CheckFlacLevel(settings, environment).Ok()) settings.FormatFLAC.Level = defaults.FormatFLAC.Level;
   if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())
     settings.FileDir = environment.DefaultRecordingFolder();
   base::Ignored(CheckFileDir(settings, environment));

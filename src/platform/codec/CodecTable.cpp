@@ -1,6 +1,9 @@
 #include "platform/codec/CodecTable.h"
 
 #include "base/Text.h"
+#include "platform/codec/FlacEncoder.h"
+#include "platform/codec/FlacHeader.h"
+#include "platform/codec/FlacMender.h"
 #include "platform/codec/G726Encoder.h"
 #include "platform/codec/Id3Tag.h"
 #include "platform/codec/LameEncoder.h"
@@ -35,6 +38,7 @@ constexpr Codec kCodecs[] = {
     Row<RawFormat, SndfileEncoder>(".raw", nullptr, MendRaw),
     Row<VoxFormat, SndfileEncoder>(".vox", nullptr, MendVox),
     Row<G726Format, G726Encoder>(".g726", WriteRiffInfo, MendRiff),
+    Row<FlacFormat, FlacEncoder>(".flac", WriteFlacComment, MendFlac),
 };
 
 }  // namespace

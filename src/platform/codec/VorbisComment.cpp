@@ -1,30 +1,19 @@
 #include "platform/codec/VorbisComment.h"
 
-#include <cstdint>
 #include <optional>
 
 #include <ogg/ogg.h>
 #include <vorbis/codec.h>
 
 #include "platform/codec/Bytes.h"
+#include "platform/codec/CommentFields.h"
 
 namespace kestrune::platform {
 namespace {
 
 constexpr std::string_view kPacketStart = "\x03vorbis";
-constexpr std::size_t kMaxVendor = 128;
 constexpr std::size_t kPageFixedBytes = 27;
-static_assert(7 + 4 + kMaxVendor + 4 + 4 * (4 + 11 + kMaxTagText) + 1 <= kTagRoom);
-
-void AppendComment(std::string& comments, std::uint32_t& count, std::string_view name,
-                   const std::string& text) {
-  if (text.empty()) return;
-  AppendLe(comments, name.size() + 1 + text.size(), 4);
-  comments += name;
-  comments += '=';
-  comments += text;
-  ++count;
-}
+static_assert(kPacketStart.size() + kMaxCommentFields + 1 <= kTagRoom);
 
 /// Bytes of the page's header and of its body, by its segment table; nothing if no page begins here.
 struct PageSizes {
@@ -46,47 +35,16 @@ std::optional<PageSizes> SizesOfPage(const DiskFile& file, std::int64_t at) {
 }  // namespace
 
 std::string VorbisCommentPacket(const TagTexts& texts) {
-  std::string comments;
-  std::uint32_t count = 0;
-  AppendComment(comments, count, "ARTIST", texts.Artist);
-  AppendComment(comments, count, "TITLE", texts.Title);
-  AppendComment(comments, count, "COMMENT", texts.Comment);
-  AppendComment(comments, count, "ENCODER", texts.Encoder);
-
-  std::string packet = "\x03vorbis";
-  const std::string_view vendor = std::string_view(vorbis_version_string()).substr(0, kMaxVendor);
-  AppendLe(packet, vendor.size(), 4);
-  packet += vendor;
-  AppendLe(packet, count, 4);
-  packet += comments;
+  std::string packet(kPacketStart);
+  packet += CommentFields(vorbis_version_string(), texts);
   packet += '\x01';
   packet.resize(kTagRoom, '\0');
   return packet;
 }
 
 FoundTags ReadVorbisComment(std::string_view packet) {
-  FoundTags found;
-  std::size_t at = kPacketStart.size();
-  if (!packet.starts_with(kPacketStart)) return found;
-  const auto number = [&]() -> std::optional<std::size_t> {
-    if (packet.size() - at < 4) return std::nullopt;
-    at += 4;
-    return static_cast<std::size_t>(ReadLe(packet, at - 4, 4));
-  };
-  const auto text = [&]() -> std::optional<std::string_view> {
-    const auto size = number();
-    if (!size || *size > packet.size() - at) return std::nullopt;
-    at += *size;
-    return packet.substr(at - *size, *size);
-  };
-  if (!text()) return found;
-  for (std::size_t left = number().value_or(0); left > 0; --left) {
-    const auto comment = text();
-    if (!comment) break;
-    if (comment->starts_with("ARTIST=")) found.Artist = CleanTagText(comment->substr(7));
-    if (comment->starts_with("TITLE=")) found.Title = CleanTagText(comment->substr(6));
-  }
-  return found;
+  if (!packet.starts_with(kPacketStart)) return {};
+  return ReadCommentFields(packet.substr(kPacketStart.size()));
 }
 
 bool WriteVorbisComment(DiskFile& file, const TagTexts& texts) {
@@ -96,7 +54,7 @@ bool WriteVorbisComment(DiskFile& file, const TagTexts& texts) {
   const auto second = SizesOfPage(file, at);
   if (!second || second->Body != kTagRoom) return false;
   auto page = file.ReadAt(at, second->Header + second->Body);
-  if (!page || page->compare(second->Header, 7, "\x03vorbis") != 0) return false;
+  if (!page || page->compare(second->Header, kPacketStart.size(), kPacketStart) != 0) return false;
 
   page->replace(second->Header, kTagRoom, VorbisCommentPacket(texts));
   auto* bytes = reinterpret_cast<unsigned char*>(page->data());

@@ -284,6 +284,15 @@ TEST_F(FileSpecsTest, OggQualityWinsOverVariableBitrate) {
   EXPECT_THAT(file0_.Calls, ElementsAre("SetFormatOgg 44100 2 128 0 0 7"));
 }
 
+TEST_F(FileSpecsTest, FlacIsStereoAtItsLevelWhateverASchedulesBitRateSays) {
+  settings_.FileFormat = "FLAC";
+  specs_.SetFileSpecs(0);
+  settings_.FormatFLAC.Level = 8;
+  scheduled_ = "64 Mono";
+  specs_.SetFileSpecs(0);
+  EXPECT_THAT(file0_.Calls, ElementsAre("SetFormatFLAC 44100 2 5", "SetFormatFLAC 44100 2 8"));
+}
+
 TEST_F(FileSpecsTest, EachPreparationReadsTheSettingsAfresh) {
   settings_.FileFormat = "WAV";
   specs_.SetFileSpecs(0);

@@ -141,6 +141,8 @@ const Expected kExpected[] = {
     {"WAV_Frequency", kInt32, "44100", "48000", SHOWS(s.FormatWAV.Frequency == 44100),
      SHOWS(s.FormatWAV.Frequency == 48000)},
 
+    {"FLAC_Level", kInt16, "5", "8", SHOWS(s.FormatFLAC.Level == 5), SHOWS(s.FormatFLAC.Level == 8)},
+
     {"LegalAgreement", kBool, "False", "True", SHOWS(!s.LegalAgreement), SHOWS(s.LegalAgreement)},
     {"ChannelListing", kInt16, "1", "0", SHOWS(s.ChannelListing == 1), SHOWS(s.ChannelListing == 0)},
     {"RecordLog", kInt16, "0", "1", SHOWS(s.RecordLog == 0), SHOWS(s.RecordLog == 1)},
@@ -245,6 +247,15 @@ TEST_F(SettingKeysTest, AStoredOverlapOutOfItsRangeBecomesTheDefault) {
   EXPECT_EQ(Load().CutOverlap, 5000);
 }
 
+TEST_F(SettingKeysTest, AStoredFlacLevelOutOfItsRangeBecomesTheDefault) {
+  for (const char* stored : {"-1", "9"}) {
+    Put("FLAC_Level", stored);
+    EXPECT_EQ(Load().FormatFLAC.Level, 5) << stored;
+  }
+  Put("FLAC_Level", "0");
+  EXPECT_EQ(Load().FormatFLAC.Level, 0);
+}
+
 TEST_F(SettingKeysTest, TheStartReadsInTheOrderOfTheTable) {
   const Settings settings = Load();
   std::vector<std::string> expected;
@@ -315,6 +326,7 @@ TEST_F(SettingKeysTest, AnOptionWindowSavesItsKeysInOrder) {
   EXPECT_THAT(KeysOf("RAW"), ElementsAre("RAW_Channels", "RAW_Compression", "RAW_Frequency"));
   EXPECT_THAT(KeysOf("VOX"), ElementsAre("VOX_Frequency"));
   EXPECT_THAT(KeysOf("WAV"), ElementsAre("WAV_Bits", "WAV_Channels", "WAV_Frequency"));
+  EXPECT_THAT(KeysOf("FLAC"), ElementsAre("FLAC_Level"));
   EXPECT_THAT(
       KeysOf("MP3"),
       ElementsAre("MP3_ATHControl", "MP3_Bitrate", "MP3_", "MP3_Channels", "MP3_ComplyISO", "MP3_DeEmphasis",

@@ -303,6 +303,13 @@ TEST_F(SettingsDoorTest, TheOverlapIsFiveSecondsAtMost) {
   Done("CutOverlap", "0", "CutOverlap=0");
 }
 
+TEST_F(SettingsDoorTest, TheFlacLevelIsEightAtMost) {
+  Refused("FLAC_Level", "-1", "FLAC_Level: \"-1\" is not from 0 to 8");
+  Refused("FLAC_Level", "9", "FLAC_Level: \"9\" is not from 0 to 8");
+  Done("FLAC_Level", "8", "FLAC_Level=8");
+  Done("FLAC_Level", "0", "FLAC_Level=0");
+}
+
 TEST_F(SettingsDoorTest, TheFolderGetsItsSeparator) {
   Done("FileDir", "/srv/songs", "FileDir=/srv/songs/");
   EXPECT_EQ(settings_.FileDir, "/srv/songs/");
@@ -357,12 +364,12 @@ TEST_F(SettingsDoorTest, TheFilenameFormatIsCleaned) {
   EXPECT_EQ(settings_.FilenameFormat, "%a %s");
 }
 
-TEST_F(SettingsDoorTest, EachOfTheSixFormatsIsTaken) {
-  for (const char* code : {"OGG", "WAV", "RAW", "VOX", "G726", "MP3"}) {
+TEST_F(SettingsDoorTest, EachFormatIsTaken) {
+  for (const char* code : {"OGG", "WAV", "RAW", "VOX", "G726", "FLAC", "MP3"}) {
     Done("FileFormat", code, std::string("FileFormat=") + code);
     EXPECT_EQ(settings_.FileFormat, code);
   }
-  EXPECT_EQ(rig_.Stops(), 6);
+  EXPECT_EQ(rig_.Stops(), 7);
 }
 
 TEST_F(SettingsDoorTest, AnUnknownFormatIsRefusedAndStopsNothing) {

@@ -67,6 +67,8 @@ std::vector<Row> Rows() {
       {"Capture2.mp3", Mp3(22050, 1, 32, -1), 1500, 4096 + 1500},
       {"Capture0.ogg", platform::OggFormat{44100, 2, 128, 0, 0, -1}, 9000, 20000},
       {"Capture1.ogg", platform::OggFormat{44100, 2, 0, 0, 0, 8}, 9000, 20000},
+      {"Capture0.flac", platform::FlacFormat{44100, 2, 5}, 17000, 4138 + 17000},
+      {"Capture1.flac", platform::FlacFormat{22050, 1, 0}, 2400, 4138 + 2400},
   };
 }
 
@@ -80,6 +82,10 @@ std::vector<std::int16_t> Decode(const std::string& path) {
   if (EndsWith(path, ".ogg")) {
     EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
     return DecodeWithOggdec(path);
+  }
+  if (EndsWith(path, ".flac")) {
+    EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
+    return DecodeWithFlac(path);
   }
   std::string options;
   if (EndsWith(path, "0.raw")) options = "-f s16le -ac 2";
@@ -135,6 +141,11 @@ void ExpectEndOfStream(const std::string& bytes) {
   EXPECT_EQ(bytes[at + 5] & 4, 4);
 }
 
+/// As another program reads it off the first block.
+std::size_t FlacFrames(const std::string& path) {
+  return std::stoul(RunProgram("metaflac --show-total-samples '" + path + "'").Output);
+}
+
 void ExpectMended(const Crashed& crashed, const std::string& path, std::size_t cut) {
   SCOPED_TRACE("cut at " + std::to_string(cut));
   WriteFile(path, crashed.Open.substr(0, cut));
@@ -156,6 +167,9 @@ void ExpectMended(const Crashed& crashed, const std::string& path, std::size_t c
   }
   if (EndsWith(path, ".mp3")) ExpectRightInfoFrame(bytes);
   if (EndsWith(path, ".ogg")) ExpectEndOfStream(bytes);
+  if (EndsWith(path, ".flac")) {
+    EXPECT_EQ(FlacFrames(path) * static_cast<std::size_t>(format.Channels), decoded.size());
+  }
   // Mending again changes nothing.
   EXPECT_EQ(Mend(path).LengthMs, mended.LengthMs);
   EXPECT_TRUE(ReadFile(path) == bytes);
@@ -263,10 +277,12 @@ TEST(CaptureMender, ALongFileKeepsItsSoundBeyondFourGigabytes) {
 
 TEST(CaptureMender, AStrangersFileStaysAsItIs) {
   const TempFolder folder;
-  for (const char* name : {"Capture0.mp3", "Capture0.ogg", "Capture0.wav", "Capture0.g726"}) {
+  for (const char* name :
+       {"Capture0.mp3", "Capture0.ogg", "Capture0.wav", "Capture0.g726", "Capture0.flac"}) {
     const std::string path = folder.Path(name);
-    for (const std::string& bytes : {std::string("A diary."), std::string(100000, '\0'),
-                                     "RIFF" + std::string(40, 'x'), "OggS" + std::string(100000, '\0')}) {
+    for (const std::string& bytes :
+         {std::string("A diary."), std::string(100000, '\0'), "RIFF" + std::string(40, 'x'),
+          "OggS" + std::string(100000, '\0'), "fLaC" + std::string(100000, '\0')}) {
       WriteFile(path, bytes);
       EXPECT_EQ(Mend(path).Is, State::Not) << name;
       EXPECT_TRUE(ReadFile(path) == bytes);
@@ -276,7 +292,7 @@ TEST(CaptureMender, AStrangersFileStaysAsItIs) {
 
 TEST(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
   for (const Row& row : Rows()) {
-    if (!EndsWith(row.Name, ".mp3") && !EndsWith(row.Name, ".ogg")) continue;
+    if (!EndsWith(row.Name, ".mp3") && !EndsWith(row.Name, ".ogg") && !EndsWith(row.Name, ".flac")) continue;
     const TempFolder folder;
     const std::string path = folder.Path(row.Name);
     std::string bytes = Crash(row, folder).Open;
@@ -286,6 +302,45 @@ TEST(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
     EXPECT_EQ(Mend(path).Cause, "it is damaged long before its end") << row.Name;
     EXPECT_TRUE(ReadFile(path) == bytes);
   }
+}
+
+/// A disk that lost power may have kept what stood there before.
+TEST(CaptureMender, FlacBlocksOfAnOlderCaptureAreCutOff) {
+  const TempFolder folder;
+  const std::string path = folder.Path("Capture0.flac");
+  for (const platform::FlacFormat& other :
+       {platform::FlacFormat{44100, 2, 5}, platform::FlacFormat{48000, 2, 5},
+        platform::FlacFormat{44100, 1, 5}}) {
+    const std::string older =
+        Crash({.Name = "Capture1.flac", .Format = other, .MostLost = 0, .EmptyBelow = 0}, folder).Open;
+    const Crashed crashed = Crash({.Name = "Capture0.flac",
+                                   .Format = platform::FlacFormat{44100, 2, 5},
+                                   .MostLost = 0,
+                                   .EmptyBelow = 0},
+                                  folder);
+    WriteFile(path, crashed.Open + older.substr(4138));
+    EXPECT_EQ(Mend(path).Is, State::Whole);
+    EXPECT_TRUE(ReadFile(path).substr(4138) == crashed.Open.substr(4138));
+    ExpectPrefix(Decode(path), crashed.Decoded);
+  }
+}
+
+TEST(CaptureMender, ALengthThatFlacBlocksDoNotBearOutIsPutRight) {
+  const TempFolder folder;
+  const std::string path = folder.Path("Capture0.flac");
+  Crash(
+      {.Name = "Capture0.flac", .Format = platform::FlacFormat{44100, 2, 5}, .MostLost = 0, .EmptyBelow = 0},
+      folder, 2);
+  const std::string whole = ReadFile(path);
+  std::string wrong = whole;
+  wrong[25] = '\1';  // the last byte of the length
+  WriteFile(path, wrong);
+  const MendedCapture mended = Mend(path);
+  EXPECT_EQ(mended.Is, State::Whole);
+  EXPECT_EQ(mended.LengthMs, 2000);
+  EXPECT_EQ(FlacFrames(path), 88200U);
+  EXPECT_EQ(ReadFile(path).size(), whole.size());
+  EXPECT_EQ(RunProgramAll("flac -s -t '" + path + "'").Status, 0);
 }
 
 TEST(CaptureMender, TheTimeOfTheFileStays) {

@@ -155,6 +155,18 @@ TEST_F(ChosenFormats, EveryG726Button) {
   }
 }
 
+TEST_F(ChosenFormats, EveryFlacButton) {
+  presenters::FormatOptions options(*presenters::FindOptionWindow("FLAC"), door_);
+  for (std::size_t button = 0; button < options.Design().Groups[0].Buttons.size(); ++button) {
+    options.Choose(0, button);
+    EXPECT_TRUE(options.cmdOK());
+    const std::string path = Record("FLAC");
+    EXPECT_EQ(specs_.FileFormatString(), fmt::format("FLAC, level {}, 44100 Hz, stereo", button));
+    ExpectFacts(path, "flac", 44100, 2);
+    EXPECT_EQ(DecodeWithFlac(path), MakeMusic(frames_, 44100, 2));
+  }
+}
+
 TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   presenters::OggOptions options(door_);
   const auto record = [&] {

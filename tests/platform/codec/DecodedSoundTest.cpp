@@ -376,6 +376,58 @@ TEST_F(DecodedSound, OggSerialNumbersDiffer) {
   EXPECT_NE(ReadFile(folder_.Path("a.ogg")).substr(14, 4), ReadFile(folder_.Path("b.ogg")).substr(14, 4));
 }
 
+TEST_F(DecodedSound, FlacHoldsEverySampleAtEveryLevelRateAndShape) {
+  const auto expectWhole = [&](const platform::FlacFormat& format, std::size_t frames) {
+    SCOPED_TRACE(fmt::format("level {}, {} Hz, {} channels, {} frames", format.Level, format.Frequency,
+                             format.Channels, frames));
+    const std::string path = folder_.Path("a.flac");
+    file_.SetFormat(format);
+    const auto music = WriteMusic(path, frames);
+    ExpectFacts(path, "flac");
+    EXPECT_EQ(DecodeWithFfmpeg(path), music);
+    EXPECT_EQ(DecodeWithFlac(path), music);
+    // The checksum of all samples is there and right, and nothing is said.
+    const auto said = RunProgramAll("flac -s -t -w '" + path + "'");
+    EXPECT_EQ(said.Status, 0);
+    EXPECT_EQ(said.Output, "");
+    EXPECT_EQ(RunProgramAll("metaflac --show-total-samples '" + path + "'").Output,
+              fmt::format("{}\n", frames));
+  };
+  for (std::int16_t level = 0; level <= 8; ++level) {
+    for (const std::int16_t channels : {1, 2}) expectWhole({44100, channels, level}, kFrames);
+  }
+  for (const std::int32_t rate : {8000, 11025, 16000, 22050, 24000, 32000, 48000})
+    expectWhole({rate, 2, 5}, 12345);
+  for (const std::size_t frames : {1, 2, 15, 16, 1152, 4095, 4096, 4097, 8192})
+    expectWhole({44100, 2, 5}, frames);
+}
+
+TEST_F(DecodedSound, FlacHoldsNoiseAndSilenceAndClicks) {
+  const std::string path = folder_.Path("a.flac");
+  file_.SetFormat(platform::FlacFormat{44100, 2, 8});
+  for (const auto& sound :
+       {MakeNoise(2 * kFrames, 3), std::vector<std::int16_t>(2 * kFrames), MakeClicks(kFrames, 44100, 2),
+        std::vector<std::int16_t>(2 * kFrames, INT16_MIN)}) {
+    ASSERT_EQ(file_.Create(path).Number, 0);
+    EXPECT_TRUE(WriteBlocks(file_, sound));
+    EXPECT_TRUE(file_.Close());
+    EXPECT_EQ(DecodeWithFlac(path), sound);
+  }
+}
+
+TEST_F(DecodedSound, AHigherFlacLevelIsSmaller) {
+  std::vector<std::size_t> sizes;
+  for (const std::int16_t level : {0, 3, 8}) {
+    const std::string path = folder_.Path("a.flac");
+    file_.SetFormat(platform::FlacFormat{44100, 2, level});
+    const auto music = WriteMusic(path);
+    sizes.push_back(ReadFile(path).size());
+    EXPECT_LT(sizes.back(), music.size() * 2);
+  }
+  EXPECT_GT(sizes[0], sizes[1]);
+  EXPECT_GT(sizes[1], sizes[2]);
+}
+
 TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
   struct Row {
     std::string Name;
@@ -403,6 +455,11 @@ TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
       {"a.g726",
        [](EncodedFile& file) {
          file.SetFormat(platform::G726Format{8000, 4});
+       },
+       ""},
+      {"a.flac",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::FlacFormat{44100, 2, 5});
        },
        ""},
   };
@@ -459,6 +516,12 @@ TEST_F(ThreeFiles, RawLaidEndToEndAreTheInput) {
   Expect(
       "raw", [](const std::string& path) { return DecodeWithFfmpeg(path, "-f s16le -ar 44100 -ac 2"); },
       kEqual);
+}
+
+TEST_F(ThreeFiles, FlacLaidEndToEndAreTheInput) {
+  file_.SetFormat(platform::FlacFormat{44100, 2, 5});
+  Expect(
+      "flac", [](const std::string& path) { return DecodeWithFlac(path); }, kEqual);
 }
 
 TEST_F(ThreeFiles, Mp3LaidEndToEndAreTheInput) {

@@ -50,6 +50,10 @@ std::vector<std::int16_t> DecodeWithOggdec(const std::string& path) {
   return Samples(RunProgram("oggdec -Q -R -b 16 -e 0 -o - '" + path + "'"));
 }
 
+std::vector<std::int16_t> DecodeWithFlac(const std::string& path) {
+  return Samples(RunProgram("flac -s -d -c --force-raw-format --endian=little --sign=signed '" + path + "'"));
+}
+
 std::vector<std::int16_t> DecodeWithSox(const std::string& path, const std::string& options) {
   return Samples(RunProgram("sox -V1 -D " + options + " '" + path + "' -t raw -e signed -b 16 -L -"));
 }

@@ -106,8 +106,18 @@ TEST_F(EncodedFileTest, RatesThatAFormatDoesNotKnowAreRefused) {
                 f.SetFormat(platform::OggFormat{rate, 2, 128, 0, 0, 4});
               }),
               platform::kRateRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::FlacFormat{rate, 2, 5});
+              }),
+              platform::kRateRefused);
   }
   EXPECT_LT(ResultOf([&](EncodedFile& f) { f.SetFormat(platform::OggFormat{2000000, 2, 128, 0, 0, 4}); }), 0);
+  for (const std::int32_t rate : {2000000, 100001}) {
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::FlacFormat{rate, 2, 5});
+              }),
+              platform::kRateRefused);
+  }
 }
 
 TEST_F(EncodedFileTest, ChannelsAndBitsThatAFormatDoesNotKnowAreRefused) {
@@ -123,6 +133,10 @@ TEST_F(EncodedFileTest, ChannelsAndBitsThatAFormatDoesNotKnowAreRefused) {
               platform::kShapeRefused);
     EXPECT_EQ(ResultOf([&](EncodedFile& f) {
                 f.SetFormat(platform::OggFormat{44100, channels, 128, 0, 0, 4});
+              }),
+              platform::kShapeRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::FlacFormat{44100, channels, 5});
               }),
               platform::kShapeRefused);
   }
@@ -187,6 +201,15 @@ TEST_F(EncodedFileTest, OggParametersOutsideTheirRangesAreRefused) {
   EXPECT_EQ(ogg(160, -1, 0, -1), platform::kBitrateRefused);
   EXPECT_EQ(ogg(0, 128, 192, -1), 0) << "the limits are enough";
   EXPECT_LT(ogg(32767, 0, 0, -1), 0);
+}
+
+TEST_F(EncodedFileTest, FlacLevelsOutsideTheirRangeAreRefused) {
+  for (const std::int16_t level : {-1, 9, 32767}) {
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::FlacFormat{44100, 2, level});
+              }),
+              platform::kParameterRefused);
+  }
 }
 
 TEST_F(EncodedFileTest, SetFormatDoesNotTouchTheOpenFile) {
@@ -267,6 +290,10 @@ TEST_F(EncodedFileTest, AFileWhoseEndNeverCameCanStillBePlayed) {
        [&] {
          file_.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
        }},
+      {"a.flac",
+       [&] {
+         file_.SetFormat(platform::FlacFormat{44100, 2, 5});
+       }},
   };
   for (const auto& [name, prepare] : rows) {
     prepare();
@@ -322,6 +349,8 @@ TEST_F(EncodedFileTest, DescriptionsNameFormatAndMainParameters) {
   EXPECT_EQ(file_.FormatDescription(), "VOX, 4-bit ADPCM, 8000 Hz, mono");
   file_.SetFormat(platform::G726Format{8000, 5});
   EXPECT_EQ(file_.FormatDescription(), "G.726, 5-bit ADPCM, 8000 Hz, mono");
+  file_.SetFormat(platform::FlacFormat{44100, 2, 8});
+  EXPECT_EQ(file_.FormatDescription(), "FLAC, level 8, 44100 Hz, stereo");
 }
 
 TEST_F(EncodedFileTest, APlantedLinkIsReplacedAndItsTargetKept) {

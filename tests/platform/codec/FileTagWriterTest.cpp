@@ -46,6 +46,8 @@ class FileTagWriterTest : public testing::Test {
       file.SetFormat(parameters);
     } else if (extension == "ogg") {
       file.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
+    } else if (extension == "flac") {
+      file.SetFormat(platform::FlacFormat{44100, 2, 5});
     } else if (extension == "g726") {
       file.SetFormat(platform::G726Format{8000, 5});
     } else if (extension == "vox") {
@@ -69,7 +71,7 @@ class FileTagWriterTest : public testing::Test {
   std::vector<std::int16_t> sound_;
 };
 
-const std::vector<std::string> kTagged{"a.mp3", "a.ogg", "a.wav", "a.g726"};
+const std::vector<std::string> kTagged{"a.mp3", "a.ogg", "a.wav", "a.g726", "a.flac"};
 
 TEST_F(FileTagWriterTest, TagsAreThereAndTheSoundIsUntouched) {
   for (const std::string& name : kTagged) {
@@ -93,6 +95,13 @@ TEST_F(FileTagWriterTest, TagsAreThereAndTheSoundIsUntouched) {
   }
 }
 
+/// What the tags may change of a file: up to the end of the room in front, or the size in the RIFF header.
+std::size_t HeadOf(const std::string& name) {
+  if (name == "a.mp3") return 4096;
+  if (name == "a.ogg") return 58 + 27 + 17 + 4096;
+  return name == "a.flac" ? 42 + 4096 : 8;
+}
+
 void ExpectSomeTags(const TagLib::Tag& tag) {
   EXPECT_EQ(tag.artist().to8Bit(true), "Björk");
   EXPECT_EQ(tag.title().to8Bit(true), "Jóga");
@@ -100,7 +109,7 @@ void ExpectSomeTags(const TagLib::Tag& tag) {
 }
 
 TEST_F(FileTagWriterTest, AnotherTagLibraryReadsTheSame) {
-  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg"}) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac"}) {
     SCOPED_TRACE(name);
     const std::string path = MakeFile(name);
     ASSERT_TRUE(writer_.Write(path, SomeTags()));
@@ -116,12 +125,12 @@ TEST_F(FileTagWriterTest, AnotherTagLibraryReadsTheSame) {
 }
 
 TEST_F(FileTagWriterTest, TaggingWithinReservedRoomMovesNoByteOfSound) {
-  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg"}) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac"}) {
     const std::string path = MakeFile(name);
     const std::string before = ReadFile(path);
     ASSERT_TRUE(writer_.Write(path, SomeTags()));
     const std::string after = ReadFile(path);
-    const std::size_t room = name == "a.mp3" ? 4096 : 58 + 27 + 17 + 4096;
+    const std::size_t room = HeadOf(name);
     EXPECT_EQ(after.substr(room, before.size() - room), before.substr(room)) << name;
     EXPECT_EQ(after.size(), before.size() + (name == "a.mp3" ? 128 : 0));
   }
@@ -141,6 +150,14 @@ TEST_F(FileTagWriterTest, TaggedFilesPassTheCheckers) {
   EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
   EXPECT_NE(said.Output.find("ARTIST=Björk"), std::string::npos) << said.Output;
   EXPECT_EQ(DecodeWithOggdec(ogg).size(), sound_.size());
+
+  const std::string flac = MakeFile("a.flac");
+  ASSERT_TRUE(writer_.Write(flac, SomeTags()));
+  const auto tested = RunProgramAll("flac -s -t -w '" + flac + "'");
+  EXPECT_EQ(tested.Status, 0);
+  EXPECT_EQ(tested.Output, "");
+  EXPECT_EQ(RunProgramAll("metaflac --no-utf8-convert --export-tags-to=- '" + flac + "'").Output,
+            "ARTIST=Björk\nTITLE=Jóga\nCOMMENT=Radio ID: ABC12345\nENCODER=Kestrune 3.0\n");
 
   const std::string wav = MakeFile("a.wav");
   ASSERT_TRUE(writer_.Write(wav, SomeTags()));
@@ -216,7 +233,7 @@ TEST_F(FileTagWriterTest, ExtensionsCountWithoutRegardToCase) {
 }
 
 TEST_F(FileTagWriterTest, AMissingFileIsReportedAndNotCreated) {
-  for (const char* name : {"a.mp3", "a.ogg", "a.wav", "a.g726"}) {
+  for (const std::string& name : kTagged) {
     EXPECT_EQ(writer_.Write(folder_.Path(name), SomeTags()).Cause(), "No such file or directory");
   }
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Path("")));
@@ -228,6 +245,8 @@ TEST_F(FileTagWriterTest, FilesThatAreNotOursAreLeftAsTheyAre) {
                                           "ID3",
                                           "OggS",
                                           "RIFF",
+                                          "fLaC",
+                                          std::string("fLaC\0\0\0\x22", 8) + std::string(5000, '\x10'),
                                           std::string(5000, '\0'),
                                           std::string(5000, '\xFF'),
                                           std::string("RIFF\x0C\0\0\0WAVEfata\0\0\0\0", 20),
@@ -244,8 +263,7 @@ TEST_F(FileTagWriterTest, FilesThatAreNotOursAreLeftAsTheyAre) {
 
 TEST_F(FileTagWriterTest, ACutOffFileIsTaggedOrLeftButItsSoundNeverSpoilt) {
   for (const std::string& name : kTagged) {
-    // What the tags may change of the file: the room in front, or the size in the RIFF header.
-    const std::size_t head = name == "a.mp3" ? 4096 : name == "a.ogg" ? 58 + 27 + 17 + 4096 : 8;
+    const std::size_t head = HeadOf(name);
     const std::string path = MakeFile(name);
     const std::string whole = ReadFile(path);
     for (std::size_t size = 0; size < whole.size(); size += 1 + size / 7) {

@@ -85,6 +85,11 @@ std::vector<Row> Formats() {
          f.SetFormat(platform::G726Format{44100, 5});
        },
        ""},
+      {"a.flac",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::FlacFormat{44100, 2, 5});
+       },
+       ""},
   };
 }
 
@@ -106,7 +111,7 @@ void ExpectWhatWasTaken(const Row& row, const std::string& path, std::size_t tak
     return;
   }
   const std::size_t decoded = DecodeWithFfmpeg(path, row.Options).size();
-  if (path.ends_with(".mp3") || path.ends_with(".ogg")) {
+  if (path.ends_with(".mp3") || path.ends_with(".ogg") || path.ends_with(".flac")) {
     // These hold sound back while they encode, which had no room any more.
     EXPECT_GT(decoded, taken * 3 / 4);
     EXPECT_LE(decoded, taken + 4608);
@@ -140,6 +145,11 @@ TEST(FullDisk, AShortFileIsFinishedAndPlays) {
       EXPECT_FALSE(stream.Broken);
       EXPECT_EQ(ParseInfo(stream).Frames, static_cast<long>(stream.Frames.size()) - 1);
     }
+    if (path.ends_with(".flac")) {
+      EXPECT_EQ(RunProgramAll("flac -s -t '" + path + "'").Status, 0);
+      EXPECT_EQ(RunProgram("metaflac --show-total-samples '" + path + "'").Output,
+                std::to_string(DecodeWithFlac(path).size() / 2) + "\n");
+    }
   }
 }
 
@@ -169,7 +179,7 @@ TEST(FullDisk, ADeviceIsNeitherWrittenNorRemoved) {
 
 TEST(FullDisk, TagsInReservedRoomAreWrittenAllTheSame) {
   for (const Row& row : Formats()) {
-    if (!row.Name.ends_with(".mp3") && !row.Name.ends_with(".ogg")) continue;
+    if (!row.Name.ends_with(".mp3") && !row.Name.ends_with(".ogg") && !row.Name.ends_with(".flac")) continue;
     TempFolder folder;
     const std::string path = folder.Path(row.Name);
     const FileSizeLimit limit(150001);
