@@ -1,6 +1,7 @@
 // The record of what happened at 120 channels: how long a search takes in 90 days of it (about three million rows),
 // how large they are, and what the feeding costs.
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -24,6 +25,7 @@
 #include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistoryWriter.h"
+#include "platform/sqlite/PlayCounter.h"
 #include "platform/sqlite/SqliteHistoryStore.h"
 #include "support/SimulatedEventLoop.h"
 
@@ -146,6 +148,45 @@ BENCHMARK_CAPTURE(Search, AllOfAChannel, For("", 44));
 BENCHMARK_CAPTURE(Search, AWordOnAChannel, For("sel", 44));
 BENCHMARK_CAPTURE(Search, AChannelThatIsNoMore, For("", 200));
 BENCHMARK_CAPTURE(Search, SinceYesterday, For("sel", 0, kEnd.AddDays(-1)));
+
+/// All pieces of one answer; between them other questions are answered.
+void MostPlayed(benchmark::State& state, const platform::MostPlayedSearch& search) {
+  using std::chrono::duration;
+  using std::chrono::steady_clock;
+  const std::atomic<bool> stop{false};
+  const auto database = platform::OpenHistoryForQuestions(NinetyDays::Get().Path(), stop);
+  double longest = 0;
+  double pieces = 0;
+  std::size_t found = 0;
+  for ([[maybe_unused]] auto step : state) {
+    platform::PlayCounter counter(search);
+    auto piece = platform::PlayCounter::Piece::More;
+    for (pieces = 0; piece == platform::PlayCounter::Piece::More; ++pieces) {
+      const auto began = steady_clock::now();
+      piece = counter.CountOn(*database);
+      database->ReleaseMemory();
+      longest = std::max(longest, duration<double>(steady_clock::now() - began).count());
+    }
+    const auto began = steady_clock::now();
+    found = counter.MostPlayed().size();
+    longest = std::max(longest, duration<double>(steady_clock::now() - began).count());
+  }
+  state.counters["found"] = static_cast<double>(found);
+  state.counters["pieces"] = pieces;
+  state.counters["longest_piece_ms"] = longest * 1000;
+}
+
+platform::MostPlayedSearch Most(platform::PlayedAs as, std::int16_t channel = 0,
+                                std::optional<DateValue> since = {}) {
+  return {.As = as, .Channel = channel, .Since = since, .Limit = 50};
+}
+
+BENCHMARK_CAPTURE(MostPlayed, Artists, Most(platform::PlayedAs::Artist))->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(MostPlayed, Songs, Most(platform::PlayedAs::Song))->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(MostPlayed, SongsOfAChannel, Most(platform::PlayedAs::Song, 44))
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(MostPlayed, SongsOfAWeek, Most(platform::PlayedAs::Song, 0, kEnd.AddDays(-7)))
+    ->Unit(benchmark::kMillisecond);
 
 /// The processor time of the whole process, in seconds.
 double ProcessTime() {

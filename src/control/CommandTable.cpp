@@ -26,10 +26,13 @@ using Arguments = std::span<const std::string>;
 constexpr std::size_t kLongestKey = 64;
 constexpr std::size_t kLongestSearch = 200;
 constexpr std::size_t kUsualLogLines = 20;
-constexpr std::size_t kUsualPlays = 50;
+constexpr int kUsualPlays = 50;
 constexpr std::size_t kUsualCuts = 20;
 constexpr int kMostLogLines = 5000;
+constexpr int kMostDays = 366;
 constexpr int kLastChannel = 255;
+constexpr std::string_view kArtists = "artists";
+constexpr std::string_view kSongs = "songs";
 constexpr int kScheduleEntries = 10;
 
 std::optional<int> WholeNumber(std::string_view text) {
@@ -50,6 +53,12 @@ bool IsChannelNumber(std::string_view text) {
 }
 bool IsLineCount(std::string_view text) {
   return IsWithin(text, 1, kMostLogLines);
+}
+bool IsDayCount(std::string_view text) {
+  return IsWithin(text, 1, kMostDays);
+}
+bool IsPlayed(std::string_view text) {
+  return text == kArtists || text == kSongs;
 }
 bool IsSwitch(std::string_view text) {
   return text == "on" || text == "off";
@@ -122,11 +131,15 @@ constexpr std::array kReportOptions{
                   "--since"}};
 constexpr std::array kHistoryOptions{
     CommandOption{"--search", "TEXT", "words of at most 200 bytes, not blank", IsSearch,
-                  "what has all these words in artist or title"},
+                  "what has all these words in artist or title", "--top"},
     CommandOption{"--channel", "N", "a channel number from 1 to 255", IsChannelNumber, "on this channel"},
-    kSince,
+    CommandOption{kSince.Name, kSince.ValueName, kSince.Allowed, kSince.Fits, kSince.Help, "--days"},
+    CommandOption{"--days", "N", "a number of days from 1 to 366", IsDayCount, "in the last so many days",
+                  "--since"},
     CommandOption{"--limit", "N", "a number of songs from 1 to 5000", IsLineCount,
-                  "at most so many, the newest; 50 if not given"}};
+                  "at most so many, the newest; 50 if not given"},
+    CommandOption{"--top", "artists|songs", "artists or songs", IsPlayed,
+                  "instead, what was played most, and how often", "--search"}};
 
 constexpr std::array kCutsOptions{
     CommandOption{"--last", "N", "a number of cuts from 1 to 5000", IsLineCount,
@@ -178,16 +191,37 @@ void RunReport(ControlTarget& target, Arguments arguments, const Replied& replie
     replied(asked.Ok() ? Done(ToJson(report)) : Refused(asked.Cause()));
   });
 }
+/// The value of an option that is followed by one, as all options of the command are; empty if it is not given.
+std::string ValueOf(std::string_view option, Arguments arguments) {
+  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2)
+    if (arguments[i] == option) return arguments[i + 1];
+  return {};
+}
+int NumberOf(std::string_view option, Arguments arguments, int otherwise) {
+  const std::string value = ValueOf(option, arguments);
+  return value.empty() ? otherwise : WholeNumber(value).value_or(otherwise);
+}
+
+void RunMostPlayed(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  const auto as =
+      ValueOf("--top", arguments) == kSongs ? platform::PlayedAs::Song : platform::PlayedAs::Artist;
+  target.MostPlayed({.As = as,
+                     .Channel = NumberOf("--channel", arguments, 0),
+                     .Since = ValueOf(kSince.Name, arguments),
+                     .Days = NumberOf("--days", arguments, 0),
+                     .Limit = static_cast<std::size_t>(NumberOf("--limit", arguments, kUsualPlays))},
+                    [replied, as](const base::Result& asked, const std::vector<platform::PlayCount>& counts) {
+                      replied(asked.Ok() ? Done(ToJson(counts, as)) : Refused(asked.Cause()));
+                    });
+}
+
 void RunHistory(ControlTarget& target, Arguments arguments, const Replied& replied) {
-  HistoryQuestion question{.Text = {}, .Channel = 0, .Since = {}, .Limit = kUsualPlays};
-  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
-    const std::string& value = arguments[i + 1];
-    if (arguments[i] == "--search") question.Text = value;
-    if (arguments[i] == "--channel") question.Channel = WholeNumber(value).value_or(0);
-    if (arguments[i] == kSince.Name) question.Since = value;
-    if (arguments[i] == "--limit") question.Limit = static_cast<std::size_t>(WholeNumber(value).value_or(0));
-  }
-  target.History(question,
+  if (!ValueOf("--top", arguments).empty()) return RunMostPlayed(target, arguments, replied);
+  target.History({.Text = ValueOf("--search", arguments),
+                  .Channel = NumberOf("--channel", arguments, 0),
+                  .Since = ValueOf(kSince.Name, arguments),
+                  .Days = NumberOf("--days", arguments, 0),
+                  .Limit = static_cast<std::size_t>(NumberOf("--limit", arguments, kUsualPlays))},
                  [replied](const base::Result& asked, const std::vector<platform::HistoryPlay>& plays) {
                    replied(asked.Ok() ? Done(ToJson(plays)) : Refused(asked.Cause()));
                  });

@@ -10,6 +10,7 @@
 #include "control/Reports.h"
 #include "history/Report.h"
 #include "platform/HistoryRows.h"
+#include "platform/HistoryStore.h"
 #include "schedule/lists/Restrictions.h"
 
 namespace kestrune::control {
@@ -34,7 +35,15 @@ struct HistoryQuestion {
   std::string Text;       ///< words; empty: all
   int Channel = 0;        ///< 0: all
   std::string Since;      ///< empty: as far back as the record goes
+  int Days = 0;           ///< 0: as Since has it; else the last so many days
   std::size_t Limit = 0;  ///< at most so many, the newest
+};
+struct MostPlayedQuestion {
+  platform::PlayedAs As = platform::PlayedAs::Artist;
+  int Channel = 0;        ///< 0: all
+  std::string Since;      ///< empty: as far back as the record goes
+  int Days = 0;           ///< 0: as Since has it; else the last so many days
+  std::size_t Limit = 0;  ///< at most so many
 };
 struct CutsQuestion {
   int Channel = 0;        ///< 0: all
@@ -42,6 +51,8 @@ struct CutsQuestion {
 };
 using CutsAnswered = std::function<void(const base::Result& asked, const std::vector<CutReport>& cuts)>;
 using ReportAnswered = std::function<void(const base::Result& asked, const history::Report& report)>;
+using MostPlayedAnswered =
+    std::function<void(const base::Result& asked, const std::vector<platform::PlayCount>& counts)>;
 using HistoryAnswered =
     std::function<void(const base::Result& asked, const std::vector<platform::HistoryPlay>& plays)>;
 
@@ -76,6 +87,8 @@ class ControlTarget {
   virtual void Report(const ReportQuestion& question, ReportAnswered answered) = 0;
   /// Newest first.
   virtual void History(const HistoryQuestion& question, HistoryAnswered answered) = 0;
+  /// The most played first.
+  virtual void MostPlayed(const MostPlayedQuestion& question, MostPlayedAnswered answered) = 0;
 
   /// Newest first.
   virtual void Cuts(const CutsQuestion& question, CutsAnswered answered) = 0;

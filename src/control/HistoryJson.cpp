@@ -20,6 +20,8 @@ constexpr std::array<std::string_view, platform::kSongFates> kFates{
     "killed", "duplicate",  "no sound",    "failed",    "not whole", "not wanted"};
 constexpr std::array<std::string_view, platform::kIncidentKinds> kKinds{"radio", "sound", "disk",
                                                                         "sleep", "clock", "program"};
+constexpr const char* kArtists = "artists";
+constexpr const char* kSongs = "songs";
 constexpr std::array<std::string_view, 4> kStates{"completed", "running", "broken off", "missed"};
 
 /// Visits a value of an enumeration as its word. One that is read and has no such word has its first value.
@@ -33,6 +35,11 @@ void VisitWord(const char* name, Value& value, const std::array<std::string_view
       if (words.at(i) == word) value = static_cast<Value>(i);
   }
 }
+
+/// A row of artists, which has no song.
+struct ArtistCount {
+  platform::PlayCount Count;
+};
 
 }  // namespace
 
@@ -72,6 +79,19 @@ static void ForEachMember(EitherConst<HistoryPlay> auto& play, auto& visit) {
   visit("genre", play.Genre);
   visit("artist", play.Artist);
   visit("song", play.Title);
+}
+
+static void ForEachMember(EitherConst<ArtistCount> auto& artist, auto& visit) {
+  visit("plays", artist.Count.Plays);
+  visit("artist", artist.Count.Artist);
+  visit("last", artist.Count.Last);
+}
+
+static void ForEachMember(EitherConst<platform::PlayCount> auto& song, auto& visit) {
+  visit("plays", song.Plays);
+  visit("artist", song.Artist);
+  visit("song", song.Title);
+  visit("last", song.Last);
 }
 
 static void ForEachMember(EitherConst<MissingPart> auto& part, auto& visit) {
@@ -116,12 +136,36 @@ Json ToJson(const std::vector<platform::HistoryPlay>& plays) {
   return ArrayOf(plays);
 }
 
+Json ToJson(const std::vector<platform::PlayCount>& counts, platform::PlayedAs as) {
+  if (as == platform::PlayedAs::Song) return {{kSongs, ArrayOf(counts)}};
+  std::vector<ArtistCount> artists;
+  for (const platform::PlayCount& count : counts) artists.push_back({count});
+  return {{kArtists, ArrayOf(artists)}};
+}
+
 std::optional<history::Report> NightFromJson(const Json& json) {
   return FromObject<history::Report>(json);
 }
 
 std::optional<std::vector<platform::HistoryPlay>> PlaysFromJson(const Json& json) {
   return FromArray<platform::HistoryPlay>(json);
+}
+
+std::optional<MostPlayed> MostPlayedFromJson(const Json& json) {
+  MostPlayed most;
+  if (const auto songs = json.find(kSongs); songs != json.end()) {
+    auto counts = FromArray<platform::PlayCount>(*songs);
+    if (!counts) return std::nullopt;
+    most.As = platform::PlayedAs::Song;
+    most.Counts = *std::move(counts);
+    return most;
+  }
+  const auto artists = json.find(kArtists);
+  if (artists == json.end()) return std::nullopt;
+  const auto counts = FromArray<ArtistCount>(*artists);
+  if (!counts) return std::nullopt;
+  for (const ArtistCount& artist : *counts) most.Counts.push_back(artist.Count);
+  return most;
 }
 
 }  // namespace kestrune::control

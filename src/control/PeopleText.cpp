@@ -168,6 +168,19 @@ std::string PlaysText(const std::vector<platform::HistoryPlay>& plays) {
   return Columns(rows);
 }
 
+std::string MostPlayedText(const MostPlayed& most) {
+  if (most.Counts.empty()) return "nothing is found\n";
+  const bool songs = most.As == platform::PlayedAs::Song;
+  Rows rows{{"Plays", "Last", "Artist"}};
+  if (songs) rows.front().emplace_back("Song");
+  for (const platform::PlayCount& count : most.Counts) {
+    rows.push_back(
+        {fmt::format("{:>5}", count.Plays), base::FormatDate(count.Last, "yyyy-mm-dd hh:nn"), count.Artist});
+    if (songs) rows.back().push_back(count.Title);
+  }
+  return Columns(rows);
+}
+
 std::string Seconds(int milliseconds) {
   return fmt::format("{:>+6.2f} s", milliseconds / 1000.0);
 }
@@ -232,6 +245,7 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
     return report ? std::optional(ReportLines(*report)) : std::nullopt;
   }
   if (command == "history") {
+    if (const std::optional<MostPlayed> most = MostPlayedFromJson(result)) return MostPlayedText(*most);
     const std::optional<std::vector<platform::HistoryPlay>> plays = PlaysFromJson(result);
     return plays ? std::optional(PlaysText(*plays)) : std::nullopt;
   }

@@ -17,6 +17,17 @@ namespace {
 
 using base::Result;
 
+/// Since when a question about the record asks; nothing if it asks for all.
+Result ReadSince(const std::string& words, int days, base::DateValue now,
+                 std::optional<base::DateValue>& since) {
+  if (days != 0) since = now.AddDays(-days);
+  if (words.empty()) return Result::Done();
+  const history::SinceRead read = history::ReadSince(words, now);
+  if (!read.Error.empty()) return Result::Failed(read.Error);
+  since = read.Since;
+  return Result::Done();
+}
+
 }  // namespace
 
 StatusReport UnitTarget::Status() {
@@ -214,12 +225,19 @@ void UnitTarget::History(const HistoryQuestion& question, HistoryAnswered answer
                                  .Channel = static_cast<std::int16_t>(question.Channel),
                                  .Since = {},
                                  .Limit = question.Limit};
-  if (!question.Since.empty()) {
-    const history::SinceRead since = history::ReadSince(question.Since, unit_.Now());
-    if (!since.Error.empty()) return answered(Result::Failed(since.Error), {});
-    search.Since = since.Since;
-  }
+  const Result read = ReadSince(question.Since, question.Days, unit_.Now(), search.Since);
+  if (!read.Ok()) return answered(read, {});
   unit_.Parts().History.Search(std::move(search), std::move(answered));
+}
+
+void UnitTarget::MostPlayed(const MostPlayedQuestion& question, MostPlayedAnswered answered) {
+  platform::MostPlayedSearch search{.As = question.As,
+                                    .Channel = static_cast<std::int16_t>(question.Channel),
+                                    .Since = {},
+                                    .Limit = question.Limit};
+  const Result read = ReadSince(question.Since, question.Days, unit_.Now(), search.Since);
+  if (!read.Ok()) return answered(read, {});
+  unit_.Parts().History.CountPlays(search, std::move(answered));
 }
 
 void UnitTarget::Quit(Answered answered) {

@@ -29,6 +29,7 @@ class UnitTarget final : public ControlTarget {
 
   void Report(const ReportQuestion& question, ReportAnswered answered) override;
   void History(const HistoryQuestion& question, HistoryAnswered answered) override;
+  void MostPlayed(const MostPlayedQuestion& question, MostPlayedAnswered answered) override;
   void Cuts(const CutsQuestion& question, CutsAnswered answered) override;
 
   void Record(Answered answered) override;

@@ -188,6 +188,11 @@ void History::Search(platform::HistorySearch search, platform::HistoryStore::Pla
   store_.Search(std::move(search), std::move(answer));
 }
 
+void History::CountPlays(platform::MostPlayedSearch search, platform::HistoryStore::CountsAnswer answer) {
+  HandOver();
+  store_.CountPlays(search, std::move(answer));
+}
+
 void History::AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer) {
   HandOver();
   store_.ReadCuts(search, std::move(answer));

@@ -82,6 +82,7 @@ class History {
     AskReport(since, loop_.Now(), std::move(answer));
   }
   void Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer);
+  void CountPlays(platform::MostPlayedSearch search, platform::HistoryStore::CountsAnswer answer);
   void AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer);
   void AskLags(platform::HistoryStore::LagsAnswer answer);
 

@@ -175,10 +175,16 @@ TEST(ControlServer, QuestionsAboutTheRecordReachItAsTheyWereAsked) {
       {R"({"command":"report"})", "Report "},
       {R"({"command":"report","arguments":["--last-night"]})", "Report "},
       {R"({"command":"report","arguments":["--since","yesterday 18:00"]})", "Report yesterday 18:00"},
-      {R"({"command":"history"})", "History |0||50"},
+      {R"({"command":"history"})", "History |0||0|50"},
       {R"({"command":"history","arguments":["--search","moon","--channel","44","--since","2d","--limit","7"]})",
-       "History moon|44|2d|7"},
-      {R"({"command":"history","arguments":["--search","--since","--limit","9"]})", "History --since|0||9"},
+       "History moon|44|2d|0|7"},
+      {R"({"command":"history","arguments":["--search","--since","--limit","9"]})", "History --since|0||0|9"},
+      {R"({"command":"history","arguments":["--days","3"]})", "History |0||3|50"},
+      {R"({"command":"history","arguments":["--top","artists"]})", "MostPlayed artists|0||0|50"},
+      {R"({"command":"history","arguments":["--days","7","--top","songs","--channel","44","--limit","5"]})",
+       "MostPlayed songs|44||7|5"},
+      {R"({"command":"history","arguments":["--since","2d","--top","artists"]})",
+       "MostPlayed artists|0|2d|0|50"},
       {R"({"command":"cuts"})", "Cuts 0|20"},
       {R"({"command":"cuts","arguments":["--channel","44","--last","7"]})", "Cuts 44|7"},
   };
@@ -187,6 +193,7 @@ TEST(ControlServer, QuestionsAboutTheRecordReachItAsTheyWereAsked) {
     target.NextReport.Advice = {"Look at it."};
     target.NextPlays.emplace_back().Title = "River";
     target.NextCuts.emplace_back().Song = "River";
+    target.NextCounts.emplace_back().Artist = "River";
     const std::string answer = Dispatch(target, line);
     EXPECT_THAT(target.Calls, ElementsAre(call));
     EXPECT_TRUE(answer.starts_with(R"({"exit":0,"reason":"","result":)")) << answer;

@@ -147,6 +147,28 @@ TEST(HistoryJson, PlaysComeBackAsTheyWent) {
   EXPECT_FALSE(PlaysFromJson(Json::parse(R"([{"from":"2026-11-21 20:00:00"}])")));
 }
 
+TEST(HistoryJson, WhatWasPlayedMostComesBackAsItWent) {
+  const platform::PlayCount song{.Artist = "Moon", .Title = "River", .Plays = 12'345, .Last = kNight};
+  const Json songs = ToJson(std::vector{song}, platform::PlayedAs::Song);
+  EXPECT_EQ(songs.dump(),
+            R"({"songs":[{"plays":12345,"artist":"Moon","song":"River","last":"2026-11-21 20:00:00"}]})");
+  EXPECT_EQ(MostPlayedFromJson(songs)->As, platform::PlayedAs::Song);
+  EXPECT_EQ(MostPlayedFromJson(songs)->Counts, std::vector{song});
+  const platform::PlayCount artist{.Artist = "Moon", .Title = "", .Plays = 12'345, .Last = kNight};
+  const Json artists = ToJson(std::vector{artist}, platform::PlayedAs::Artist);
+  EXPECT_EQ(artists.dump(), R"({"artists":[{"plays":12345,"artist":"Moon","last":"2026-11-21 20:00:00"}]})");
+  EXPECT_EQ(MostPlayedFromJson(artists)->As, platform::PlayedAs::Artist);
+  EXPECT_EQ(MostPlayedFromJson(artists)->Counts, std::vector{artist});
+  EXPECT_FALSE(MostPlayedFromJson(Json::array()));
+  EXPECT_FALSE(MostPlayedFromJson(Json::parse(R"({"songs":[{"plays":1}]})")));
+  EXPECT_FALSE(MostPlayedFromJson(Json::parse(R"({"artists":{}})")));
+  EXPECT_EQ(PeopleText("history", songs),
+            "Plays  Last              Artist  Song\n12345  2026-11-21 20:00  Moon    River\n");
+  EXPECT_EQ(PeopleText("history", artists),
+            "Plays  Last              Artist\n12345  2026-11-21 20:00  Moon\n");
+  EXPECT_EQ(PeopleText("history", Json::parse(R"({"songs":[]})")), "nothing is found\n");
+}
+
 /// The names of all members, at any depth.
 void NamesOf(const Json& json, std::set<std::string>& names) {
   if (json.is_object()) {
@@ -173,6 +195,8 @@ TEST(HistoryJson, EveryMemberIsDocumented) {
   };
   check("report", ToJson(Night()));
   check("history", ToJson(std::vector{Play()}));
+  check("history", ToJson(std::vector<platform::PlayCount>(1), platform::PlayedAs::Song));
+  check("history", ToJson(std::vector<platform::PlayCount>(1), platform::PlayedAs::Artist));
 }
 
 TEST(HistoryJson, PeopleReadTheSame) {
@@ -196,8 +220,10 @@ TEST(HistoryJson, NoTextReachesTheTerminalAsItIs) {
   night.Events[0].Station = night.Events[0].Why = night.Events[0].Songs[0].Title = evil;
   HistoryPlay play = Play();
   play.Station = play.Artist = play.Title = evil;
+  const platform::PlayCount count{.Artist = evil, .Title = evil, .Plays = 1, .Last = kNight};
   for (const auto& text :
-       {PeopleText("report", ToJson(night)), PeopleText("history", ToJson(std::vector{play}))}) {
+       {PeopleText("report", ToJson(night)), PeopleText("history", ToJson(std::vector{play})),
+        PeopleText("history", ToJson(std::vector{count}, platform::PlayedAs::Song))}) {
     ASSERT_TRUE(text);
     EXPECT_EQ(text->find('\x1B'), std::string::npos);
     EXPECT_EQ(text->find("\xE2\x80\xAE"), std::string::npos) << "a mark that turns the direction of writing";

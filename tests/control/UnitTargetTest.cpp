@@ -196,17 +196,46 @@ TEST_F(RecordTest, AReportBeginsLastNightUnlessAskedOtherwise) {
 
 TEST_F(RecordTest, AMomentToComeIsRefused) {
   EXPECT_EQ(Report("9999-01-01"), "9999-01-01 00:00 is still to come");
-  EXPECT_EQ(History({.Text = {}, .Channel = 0, .Since = "9999-01-01", .Limit = 1}),
+  EXPECT_EQ(History({.Text = {}, .Channel = 0, .Since = "9999-01-01", .Days = 0, .Limit = 1}),
             "9999-01-01 00:00 is still to come");
 }
 
 TEST_F(RecordTest, ASearchReachesTheRecordAsItWasAsked) {
   const DateValue now = rig.Loop.Now();
-  EXPECT_EQ(History({.Text = "moon", .Channel = 44, .Since = "1h", .Limit = 7}), "");
+  EXPECT_EQ(History({.Text = "moon", .Channel = 44, .Since = "1h", .Days = 0, .Limit = 7}), "");
   EXPECT_EQ(store.LastSearch,
             (platform::HistorySearch{.Text = "moon", .Channel = 44, .Since = now.AddHours(-1), .Limit = 7}));
-  EXPECT_EQ(History({.Text = "", .Channel = 0, .Since = "", .Limit = 50}), "");
+  EXPECT_EQ(History({.Text = "", .Channel = 0, .Since = "", .Days = 0, .Limit = 50}), "");
   EXPECT_FALSE(store.LastSearch.Since);
+  EXPECT_EQ(History({.Text = "", .Channel = 0, .Since = "", .Days = 3, .Limit = 50}), "");
+  EXPECT_EQ(store.LastSearch.Since, now.AddSeconds(2).AddDays(-3));
+}
+
+TEST_F(RecordTest, WhatWasPlayedMostIsAskedForAsItWas) {
+  const DateValue now = rig.Loop.Now();
+  store.Rows.Plays.emplace_back().Artist = "Moon";
+  std::string got;
+  const auto ask = [&](const MostPlayedQuestion& question) {
+    target.MostPlayed(question, [&](const base::Result& asked, const auto& counts) {
+      got = asked.Ok() ? counts.empty() ? "nothing" : counts.front().Artist : asked.Cause();
+    });
+    rig.Run(std::chrono::seconds(1));
+  };
+  ask({.As = platform::PlayedAs::Song, .Channel = 44, .Since = "", .Days = 7, .Limit = 9});
+  EXPECT_EQ(store.LastCount,
+            (platform::MostPlayedSearch{
+                .As = platform::PlayedAs::Song, .Channel = 44, .Since = now.AddDays(-7), .Limit = 9}));
+  EXPECT_EQ(got, "nothing");
+  ask({.As = platform::PlayedAs::Artist, .Channel = 0, .Since = "", .Days = 0, .Limit = 50});
+  EXPECT_EQ(store.LastCount, platform::MostPlayedSearch{});
+  EXPECT_EQ(got, "Moon");
+  ask({.As = platform::PlayedAs::Artist, .Channel = 0, .Since = "1h", .Days = 0, .Limit = 50});
+  EXPECT_EQ(store.LastCount.Since, now.AddSeconds(2).AddHours(-1));
+  ask({.As = platform::PlayedAs::Artist, .Channel = 0, .Since = "9999-01-01", .Days = 0, .Limit = 50});
+  EXPECT_EQ(got, "9999-01-01 00:00 is still to come");
+  store.QuestionFailure = "the disk failed";
+  ask({});
+  EXPECT_EQ(got, "the disk failed");
 }
 
 TEST_F(RecordTest, TheLastCutsComeFromTheRecord) {

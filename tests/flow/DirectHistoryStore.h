@@ -6,14 +6,17 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/EventLoop.h"
 #include "platform/HistoryStore.h"
 #include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistoryWriter.h"
+#include "platform/sqlite/PlayCounter.h"
 
 namespace kestrune::test {
 
@@ -48,6 +51,17 @@ class DirectHistoryStore final : public platform::HistoryStore {
   }
   void Search(platform::HistorySearch search, PlaysAnswer answer) override {
     Ask([search = std::move(search)](auto& reader) { return reader.Search(search); }, std::move(answer));
+  }
+  void CountPlays(platform::MostPlayedSearch search, CountsAnswer answer) override {
+    Ask(
+        [search](platform::HistoryReader& reader) -> std::optional<std::vector<platform::PlayCount>> {
+          platform::PlayCounter counter(search);
+          auto piece = platform::PlayCounter::Piece::More;
+          while (piece == platform::PlayCounter::Piece::More) piece = counter.CountOn(reader.Database());
+          if (piece == platform::PlayCounter::Piece::Failed) return std::nullopt;
+          return counter.MostPlayed();
+        },
+        std::move(answer));
   }
   void ReadCuts(platform::CutSearch search, SongsAnswer answer) override {
     Ask([search](auto& reader) { return reader.ReadCuts(search); }, std::move(answer));

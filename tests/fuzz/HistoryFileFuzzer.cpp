@@ -18,6 +18,7 @@
 #include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistoryWriter.h"
+#include "platform/sqlite/PlayCounter.h"
 
 namespace {
 
@@ -157,6 +158,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (const auto lags = reader.ReadLags()) {
     for (const platform::HistoryLag& lag : *lags) Require(lag.Channel >= 1 && lag.Channel <= 255);
+  }
+  for (const auto as : {platform::PlayedAs::Artist, platform::PlayedAs::Song}) {
+    platform::PlayCounter counter({.As = as, .Channel = 0, .Since = {}, .Limit = 20});
+    int pieces = 0;
+    while (counter.CountOn(*questions) == platform::PlayCounter::Piece::More) Require(++pieces < 100);
+    Require(counter.MostPlayed().size() <= 20);
   }
   for (const char* text : {"", "moon", "m", "title 9"}) {
     const auto plays = reader.Search({.Text = text, .Channel = 0, .Since = {}, .Limit = 20});

@@ -29,6 +29,7 @@ class FakeControlTarget : public control::ControlTarget {
   control::ListsReport NextLists;
   history::Report NextReport;
   std::vector<platform::HistoryPlay> NextPlays;
+  std::vector<platform::PlayCount> NextCounts;
   std::vector<control::CutReport> NextCuts;
   std::vector<control::StationLagReport> NextStationLags;
   control::ScheduleChange Change;  ///< the last one asked for
@@ -90,9 +91,16 @@ class FakeControlTarget : public control::ControlTarget {
     answered(NextResult, NextReport);
   }
   void History(const control::HistoryQuestion& question, control::HistoryAnswered answered) override {
-    Calls.push_back(
-        fmt::format("History {}|{}|{}|{}", question.Text, question.Channel, question.Since, question.Limit));
+    Calls.push_back(fmt::format("History {}|{}|{}|{}|{}", question.Text, question.Channel, question.Since,
+                                question.Days, question.Limit));
     answered(NextResult, NextPlays);
+  }
+  void MostPlayed(const control::MostPlayedQuestion& question,
+                  control::MostPlayedAnswered answered) override {
+    Calls.push_back(fmt::format("MostPlayed {}|{}|{}|{}|{}",
+                                question.As == platform::PlayedAs::Song ? "songs" : "artists",
+                                question.Channel, question.Since, question.Days, question.Limit));
+    answered(NextResult, NextCounts);
   }
   void Cuts(const control::CutsQuestion& question, control::CutsAnswered answered) override {
     Calls.push_back(fmt::format("Cuts {}|{}", question.Channel, question.Limit));

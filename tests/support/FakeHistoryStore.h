@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -47,6 +48,14 @@ class FakeHistoryStore final : public platform::HistoryStore {
     });
   }
 
+  void CountPlays(platform::MostPlayedSearch search, CountsAnswer answer) override {
+    LastCount = search;
+    Ask([this, search, answer = std::move(answer)] {
+      if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
+      answer(base::Result::Done(), Counts(search));
+    });
+  }
+
   void ReadCuts(platform::CutSearch search, SongsAnswer answer) override {
     Ask([this, search, answer = std::move(answer)] {
       if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
@@ -71,6 +80,7 @@ class FakeHistoryStore final : public platform::HistoryStore {
   int Writes = 0;
   platform::HistoryRows Rows;  ///< what is on the disk
   platform::HistorySearch LastSearch;
+  platform::MostPlayedSearch LastCount;
 
  private:
   static void Append(platform::HistoryRows& to, platform::HistoryRows from) {
@@ -191,6 +201,32 @@ class FakeHistoryStore final : public platform::HistoryStore {
                      [](const auto& a, const auto& b) { return a.From > b.From; });
     found.resize(std::min(found.size(), search.Limit));
     return found;
+  }
+
+  [[nodiscard]] std::vector<platform::PlayCount> Counts(const platform::MostPlayedSearch& search) const {
+    const bool songs = search.As == platform::PlayedAs::Song;
+    std::vector<platform::PlayCount> counts;
+    for (const platform::HistoryPlay& play : Rows.Plays) {
+      if (search.Channel != 0 && play.Channel != search.Channel) continue;
+      if (search.Since && play.From < *search.Since) continue;
+      if (play.Artist.empty() || (songs && play.Title.empty())) continue;
+      const std::string title = songs ? play.Title : "";
+      auto count = std::find_if(counts.begin(), counts.end(), [&](const platform::PlayCount& one) {
+        return base::ToLower(one.Artist) == base::ToLower(play.Artist) &&
+               base::ToLower(one.Title) == base::ToLower(title);
+      });
+      if (count == counts.end()) {
+        counts.push_back({.Artist = play.Artist, .Title = title, .Plays = 0, .Last = play.From});
+        count = counts.end() - 1;
+      }
+      ++count->Plays;
+      count->Last = std::max(count->Last, play.From);
+    }
+    std::sort(counts.begin(), counts.end(), [](const auto& a, const auto& b) {
+      return std::tie(b.Plays, b.Last, a.Artist, a.Title) < std::tie(a.Plays, a.Last, b.Artist, b.Title);
+    });
+    counts.resize(std::min(counts.size(), search.Limit));
+    return counts;
   }
 
   [[nodiscard]] std::vector<platform::HistorySong> Cuts(const platform::CutSearch& search) const {

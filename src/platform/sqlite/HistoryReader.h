@@ -16,6 +16,9 @@ class HistoryReader {
   /// The database must outlive the object.
   explicit HistoryReader(SqliteConnection& database) : database_(database) {}
 
+  /// What it reads.
+  [[nodiscard]] SqliteConnection& Database() { return database_; }
+
   // Each returns nothing if it failed; the connection has the reason.
 
   [[nodiscard]] std::optional<HistoryRows> ReadSpan(base::DateValue from, base::DateValue to);

@@ -99,8 +99,16 @@ bool BringUpToDate(SqliteConnection& database, std::int64_t version) {
   return false;
 }
 
+std::int64_t HistorySecond(base::DateValue moment) {
+  return moment.Seconds() - kSecondsTo1970;
+}
+
+base::DateValue HistoryMoment(std::int64_t second) {
+  return base::DateValue::FromSeconds(kSecondsTo1970).AddSeconds(second);
+}
+
 std::int64_t HistoryHour(base::DateValue moment) {
-  const std::chrono::seconds since1970(moment.Seconds() - kSecondsTo1970);
+  const std::chrono::seconds since1970(HistorySecond(moment));
   return std::chrono::floor<std::chrono::hours>(since1970).count();
 }
 

@@ -26,6 +26,11 @@ inline constexpr std::int64_t kHistoryApplication = 0x4B535448;
 /// empty database has version 0.
 [[nodiscard]] bool BringUpToDate(SqliteConnection& database, std::int64_t version);
 
+/// A moment as the tables have it, in seconds since 1970 of local time, and back; any number becomes a moment of the
+/// calendar.
+[[nodiscard]] std::int64_t HistorySecond(base::DateValue moment);
+[[nodiscard]] base::DateValue HistoryMoment(std::int64_t second);
+
 /// The hour of a moment, as the table of what was heard counts them, and the moment at which an hour begins.
 [[nodiscard]] std::int64_t HistoryHour(base::DateValue moment);
 [[nodiscard]] base::DateValue HistoryHourBegins(std::int64_t hour);

@@ -10,6 +10,7 @@
 
 #include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryReader.h"
+#include "platform/sqlite/PlayCounter.h"
 
 namespace kestrune::platform {
 namespace {
@@ -210,6 +211,22 @@ void SqliteHistoryStore::AskFor(Asker answer, Read read) {
        .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
 }
 
+void SqliteHistoryStore::CountPlays(MostPlayedSearch search, CountsAnswer answer) {
+  const auto counter = std::make_shared<PlayCounter>(search);
+  Ask({.Work = [answer, counter](HistoryReader& reader) -> std::optional<std::function<void()>> {
+         switch (counter->CountOn(reader.Database())) {
+           case PlayCounter::Piece::Failed:
+             return std::nullopt;
+           case PlayCounter::Piece::More:
+             return std::function<void()>();
+           case PlayCounter::Piece::Last:
+             break;
+         }
+         return [answer, counts = counter->MostPlayed()] { answer(Result::Done(), counts); };
+       },
+       .Refuse = [answer](const Result& failure) { answer(failure, {}); }});
+}
+
 void SqliteHistoryStore::ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) {
   AskFor(std::move(answer), [from, to](HistoryReader& reader) { return reader.ReadSpan(from, to); });
 }
@@ -241,18 +258,22 @@ void SqliteHistoryStore::AnswerQuestions() {
   for (;;) {
     asked_.wait(lock, [this] { return closing_ || (!questions_.empty() && opened_ != Opened::NotYet); });
     if (closing_) return;
-    const Question question = std::move(questions_.front());
+    Question question = std::move(questions_.front());
     questions_.pop_front();
     answering_ = true;
     lock.unlock();
     std::function<void()> answer = Answer(question);
     lock.lock();
     answering_ = false;
-    answers_.push_back(std::move(answer));
+    if (answer) {
+      answers_.push_back(std::move(answer));
+    } else {
+      questions_.push_back(std::move(question));
+    }
   }
 }
 
-std::function<void()> SqliteHistoryStore::Answer(const Question& question) {
+std::function<void()> SqliteHistoryStore::Answer(Question& question) {
   const auto refused = [&question](const Result& failure) -> std::function<void()> {
     return [refuse = question.Refuse, failure] { refuse(failure); };
   };
@@ -261,8 +282,15 @@ std::function<void()> SqliteHistoryStore::Answer(const Question& question) {
     const std::lock_guard lock(mutex_);
     if (opened_ == Opened::Failed) return refused(openFailure_);
   }
-  if (questionsDatabase_ == nullptr) questionsDatabase_ = OpenHistoryForQuestions(path_, stop_);
+  if (questionsDatabase_ == nullptr) {
+    questionsDatabase_ = OpenHistoryForQuestions(path_, stop_);
+    ++connections_;
+  }
   if (questionsDatabase_ == nullptr) return refused(Result::Failed("the record cannot be opened"));
+  // What was read before it may be of another file, which has been put aside.
+  if (question.Connection != 0 && question.Connection != connections_)
+    return refused(Result::Failed("the record was begun anew"));
+  question.Connection = connections_;
   HistoryReader reader(*questionsDatabase_);
   auto answer = question.Work(reader);
   questionsDatabase_->ReleaseMemory();

@@ -39,15 +39,18 @@ class SqliteHistoryStore final : public HistoryStore {
   void Write(HistoryRows rows) override;
   void ReadSpan(base::DateValue from, base::DateValue to, RowsAnswer answer) override;
   void Search(HistorySearch search, PlaysAnswer answer) override;
+  void CountPlays(MostPlayedSearch search, CountsAnswer answer) override;
   void ReadCuts(CutSearch search, SongsAnswer answer) override;
   void ReadLags(LagsAnswer answer) override;
   void SetTroubleHandler(TroubleHandler handler) override { handler_ = std::move(handler); }
 
  private:
-  /// `Work` runs on the reader's thread and returns how to answer, or nothing if it failed; then `Refuse` answers.
+  /// `Work` runs on the reader's thread and returns how to answer, or nothing if it failed; then `Refuse` answers. If
+  /// it returns an empty function there is more to do, and it is called again after the questions that wait.
   struct Question {
     std::function<std::optional<std::function<void()>>(HistoryReader& reader)> Work;
     std::function<void(const base::Result& failure)> Refuse;
+    int Connection = 0;  // the one it was begun on; 0: not begun
   };
   enum class Opened { NotYet, Done, Failed };
 
@@ -61,7 +64,8 @@ class SqliteHistoryStore final : public HistoryStore {
 
   // The reader's thread.
   void AnswerQuestions();
-  [[nodiscard]] std::function<void()> Answer(const Question& question);
+  /// Empty if there is more to do.
+  [[nodiscard]] std::function<void()> Answer(Question& question);
 
   void Ask(Question question);
   /// `read` runs on the reader's thread; nothing if it failed.
@@ -97,6 +101,7 @@ class SqliteHistoryStore final : public HistoryStore {
   // whoever closes last removes what lies beside a file of that name.
   std::mutex reading_;
   std::unique_ptr<SqliteConnection> questionsDatabase_;
+  int connections_ = 0;  // opened for questions so far
 
   // The writer's alone.
   std::unique_ptr<SqliteConnection> database_;

@@ -103,6 +103,22 @@ class HistoryStoreContract : public testing::TestWithParam<std::string> {
       titles += (titles.empty() ? "" : "|") + play.Title;
     return titles;
   }
+  /// What was played most, with the minute of the last time.
+  std::string MostPlayed(MostPlayedSearch search) {
+    std::optional<std::vector<PlayCount>> got;
+    Store->CountPlays(search, [&got](const base::Result& asked, const std::vector<PlayCount>& counts) {
+      EXPECT_TRUE(asked.Ok()) << asked.Cause();
+      got = counts;
+    });
+    EXPECT_FALSE(got) << "never within the call";
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    std::string text;
+    for (const PlayCount& count : got.value_or(std::vector<PlayCount>())) {
+      text += (text.empty() ? "" : "|") + std::to_string(count.Plays) + ' ' + count.Artist + ' ' +
+              count.Title + " @" + std::to_string(base::SecondsBetween(AtMinute(0), count.Last) / 60);
+    }
+    return text;
+  }
   static HistorySearch For(std::string text) {
     return {.Text = std::move(text), .Channel = 0, .Since = {}, .Limit = 50};
   }
@@ -314,6 +330,40 @@ TEST_P(HistoryStoreContract, ASearchOnAChannelReachesBackOverAllItsHours) {
   EXPECT_EQ(Titles(search), "") << "nothing was heard of it";
   search.Text = "moon";
   EXPECT_EQ(Titles(search), "");
+}
+
+TEST_P(HistoryStoreContract, WhatWasPlayedMostComesFirst) {
+  HistoryRows rows;
+  rows.Plays = {PlayRow(0, "Moon", "River"),     PlayRow(5, "Sun", "Day", 8), PlayRow(10, "MOON", "river"),
+                PlayRow(15, "Moon", "Lake"),     PlayRow(20, "Sun", "Day"),   PlayRow(25, "Star", "Night"),
+                PlayRow(30, "Bj\xC3\xB6rn", ""), PlayRow(35, "", "News"),     PlayRow(40, "", ""),
+                PlayRow(45, "", "News")};
+  Keep(rows);
+  EXPECT_EQ(MostPlayed({}), "3 Moon  @15|2 Sun  @20|1 Bj\xC3\xB6rn  @30|1 Star  @25");
+  const MostPlayedSearch songs{.As = PlayedAs::Song, .Channel = 0, .Since = {}, .Limit = 50};
+  EXPECT_EQ(MostPlayed(songs), "2 Sun Day @20|2 Moon River @10|1 Star Night @25|1 Moon Lake @15");
+  MostPlayedSearch search = songs;
+  search.Limit = 1;
+  EXPECT_EQ(MostPlayed(search), "2 Sun Day @20");
+  search.Limit = 0;
+  EXPECT_EQ(MostPlayed(search), "");
+  search = songs;
+  search.Channel = 8;
+  EXPECT_EQ(MostPlayed(search), "1 Sun Day @5");
+  search.Channel = 9;
+  EXPECT_EQ(MostPlayed(search), "");
+  search = songs;
+  search.Since = AtMinute(15);
+  EXPECT_EQ(MostPlayed(search), "1 Star Night @25|1 Sun Day @20|1 Moon Lake @15") << "what began then counts";
+}
+
+TEST_P(HistoryStoreContract, ArtistAndTitleAreNotMixedUp) {
+  HistoryRows rows;
+  rows.Plays = {PlayRow(0, "Moon", "River Song"), PlayRow(1, "Moon River", "Song"),
+                PlayRow(2, "MoonRiver", " Song")};
+  Keep(rows);
+  EXPECT_EQ(MostPlayed({.As = PlayedAs::Song, .Channel = 0, .Since = {}, .Limit = 50}),
+            "1 MoonRiver  Song @2|1 Moon River Song @1|1 Moon River Song @0");
 }
 
 TEST_P(HistoryStoreContract, ACutComesBackAsItWas) {

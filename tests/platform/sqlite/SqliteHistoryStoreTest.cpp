@@ -25,6 +25,7 @@
 #include "platform/sqlite/HistoryNight.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistorySchema.h"
+#include "platform/sqlite/PlayCounter.h"
 #include "platform/sqlite/SqliteConnection.h"
 #include "platform/sqlite/SqliteHistoryStore.h"
 #include "support/ChildProcess.h"
@@ -790,6 +791,83 @@ TEST_F(SqliteHistoryStoreTest, ManyTitlesAreSearchedAsFewAre) {
   EXPECT_EQ(plays[2].Title, "Title 5997");
   EXPECT_EQ(Plays("moon").size(), 6000U);
   EXPECT_EQ(Plays("moon 59").size(), 219U);
+}
+
+/// More plays, and more titles, than are read in one piece.
+HistoryRows ManyPlays() {
+  HistoryRows rows;
+  for (int i = 0; i < 50'000; ++i)
+    rows.Plays.push_back(PlayRow(i, "Moon", "Title " + std::to_string(i % 45'000)));
+  return rows;
+}
+
+TEST_F(SqliteHistoryStoreTest, PlaysAreCountedPieceByPieceWithoutLoss) {
+  Open();
+  Write(ManyPlays());
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  std::vector<PlayCount> counts;
+  const auto count = [&](PlayedAs as) {
+    bool answered = false;
+    Store->CountPlays({.As = as, .Channel = 0, .Since = {}, .Limit = 100'000},
+                      [&](const base::Result& asked, const std::vector<PlayCount>& got) {
+                        answered = asked.Ok();
+                        counts = got;
+                      });
+    return Loop.RunUntil([&answered] { return answered; }, 60s);
+  };
+  ASSERT_TRUE(count(PlayedAs::Song));
+  ASSERT_EQ(counts.size(), 45'000U);
+  EXPECT_EQ(counts[4999].Plays, 2);
+  EXPECT_EQ(counts[5000].Plays, 1);
+  EXPECT_EQ(counts[0].Title, "Title 4999");
+  ASSERT_TRUE(count(PlayedAs::Artist));
+  ASSERT_EQ(counts.size(), 1U);
+  EXPECT_EQ(counts[0].Plays, 50'000);
+}
+
+TEST_F(SqliteHistoryStoreTest, ACountOfAllPlaysLetsOtherQuestionsGoFirst) {
+  Open();
+  Write(ManyPlays());
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  std::string order;
+  Store->CountPlays({}, [&order](const base::Result&, const auto&) { order += 'c'; });
+  for (int i = 0; i < 3; ++i)
+    Store->Search({.Text = "moon 44", .Channel = 0, .Since = {}, .Limit = 1},
+                  [&order](const base::Result&, const auto&) { order += 's'; });
+  ASSERT_TRUE(Loop.RunUntil([&order] { return order.size() == 4; }, 60s));
+  EXPECT_EQ(order, "sssc");
+}
+
+TEST_F(SqliteHistoryStoreTest, ACountThatIsStoppedFails) {
+  Open();
+  Write(ManyPlays());
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  std::atomic<bool> stop{false};
+  const auto database = OpenHistoryForQuestions(Path, stop);
+  ASSERT_NE(database, nullptr);
+  PlayCounter counter({});
+  EXPECT_EQ(counter.CountOn(*database), PlayCounter::Piece::More);
+  stop = true;
+  EXPECT_EQ(counter.CountOn(*database), PlayCounter::Piece::Failed);
+  EXPECT_TRUE(database->WasStopped());
+}
+
+TEST_F(SqliteHistoryStoreTest, ACountDoesNotGoOnInAnotherRecord) {
+  Open();
+  Write(ManyPlays());
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  Store.reset();
+  // Only a search for words reads this index, so that the record is put aside between two pieces of the count.
+  test::ChildProcess sqlite(
+      {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  std::string refusal;
+  Store->CountPlays({}, [&refusal](const base::Result& asked, const auto&) { refusal = asked.Cause(); });
+  Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
+                [](const base::Result& asked, const auto&) { EXPECT_FALSE(asked.Ok()); });
+  ASSERT_TRUE(ComesTrue([&refusal] { return !refusal.empty(); }));
+  EXPECT_EQ(refusal, "the record was begun anew");
 }
 
 TEST_F(SqliteHistoryStoreTest, ItsEndDoesNotWaitForQuestions) {
