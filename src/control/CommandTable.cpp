@@ -14,6 +14,7 @@
 #include "base/Text.h"
 #include "control/ConsoleText.h"
 #include "control/CutJson.h"
+#include "control/HintJson.h"
 #include "control/HistoryJson.h"
 #include "control/ScheduleWords.h"
 #include "history/Since.h"
@@ -141,6 +142,9 @@ constexpr std::array kHistoryOptions{
     CommandOption{"--top", "artists|songs", "artists or songs", IsPlayed,
                   "instead, what was played most, and how often", "--search"}};
 
+constexpr std::array kHintsOptions{
+    CommandOption{"--follow", "", "", nullptr, "go on, and show each as it begins, until the unit ends"}};
+
 constexpr std::array kCutsOptions{
     CommandOption{"--last", "N", "a number of cuts from 1 to 5000", IsLineCount,
                   "so many, the newest; 20 if not given", "--stations"},
@@ -181,6 +185,12 @@ void RunSchedule(ControlTarget& target, Arguments /*none*/, const Replied& repli
 }
 void RunLists(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
   replied(Done(ToJson(target.Lists())));
+}
+
+/// Whoever follows asks again and again.
+void RunHints(ControlTarget& target, Arguments /*follow*/, const Replied& replied) {
+  HintsResult result = target.Hints();
+  replied(result.Done ? Done(ToJson(result.Hints)) : Refused(std::move(result.Reason)));
 }
 
 void RunReport(ControlTarget& target, Arguments arguments, const Replied& replied) {
@@ -321,6 +331,7 @@ constexpr std::array kCommands{
             kReportOptions},
     Command{
         "history", {}, "show what the channels have played, the newest first", RunHistory, kHistoryOptions},
+    Command{"hints", {}, "show what of the Grab lists plays on other channels now", RunHints, kHintsOptions},
     Command{"cuts", {}, "show the last cuts found by listening, the newest first", RunCuts, kCutsOptions},
     Command{"update", {}, "ask whether there is a newer version", RunUpdate},
     Command{"quit", {}, "end the program", RunQuit},

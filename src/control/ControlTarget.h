@@ -21,6 +21,12 @@ struct SettingResult {
   std::string Value;
 };
 
+struct HintsResult {
+  bool Done = false;
+  std::string Reason;
+  std::vector<HintReport> Hints;  ///< the newest first
+};
+
 struct UpdateResult {
   bool Done = false;
   std::string Reason;
@@ -82,6 +88,8 @@ class ControlTarget {
   [[nodiscard]] virtual ListsReport Lists() = 0;
   /// Of one channel, or of all if it is 0, those of which anything was learned, in their order.
   [[nodiscard]] virtual std::vector<StationLagReport> StationLags(int channel) = 0;
+  /// What begins elsewhere; refused while the setting for it is off.
+  [[nodiscard]] virtual HintsResult Hints() = 0;
 
   // Questions about the record of what happened.
   virtual void Report(const ReportQuestion& question, ReportAnswered answered) = 0;

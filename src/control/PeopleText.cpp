@@ -11,6 +11,7 @@
 #include "base/Text.h"
 #include "control/ConsoleText.h"
 #include "control/CutJson.h"
+#include "control/HintJson.h"
 #include "control/HistoryJson.h"
 #include "history/ReportText.h"
 
@@ -248,6 +249,11 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
     if (const std::optional<MostPlayed> most = MostPlayedFromJson(result)) return MostPlayedText(*most);
     const std::optional<std::vector<platform::HistoryPlay>> plays = PlaysFromJson(result);
     return plays ? std::optional(PlaysText(*plays)) : std::nullopt;
+  }
+  if (command == "hints") {
+    const auto hints = HintsFromJson(result);
+    if (!hints) return std::nullopt;
+    return hints->empty() ? "nothing of the Grab lists is heard to begin elsewhere\n" : HintsText(*hints);
   }
   if (command == "cuts") {
     if (const auto cuts = CutsFromJson(result)) return CutsText(*cuts);

@@ -127,6 +127,20 @@ struct StationLagReport {
   bool operator==(const StationLagReport&) const = default;
 };
 
+/// A song of the Grab lists that plays on another channel.
+struct HintReport {
+  std::int64_t Number = 0;  ///< from 1, in the order of their beginnings since the unit's start
+  base::DateValue Began;    ///< when it was first heard of, local time
+  int Channel = 0;
+  std::string Station;
+  std::string Artist;
+  std::string Song;
+  std::string
+      Text;  ///< all of it in one line, such as "Now on 47 Campfire Folk: Abigail Wren - Winter Apples"
+
+  bool operator==(const HintReport&) const = default;
+};
+
 /// What `schedule set` is to change; what is not given stays.
 struct ScheduleChange {
   int Number = 0;  ///< 1 to 10

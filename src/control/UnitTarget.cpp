@@ -115,6 +115,22 @@ std::vector<ScheduleReport> UnitTarget::Schedule() {
   return ReportSchedule(unit_.State().Entries, unit_.State().Schedule, sources);
 }
 
+HintsResult UnitTarget::Hints() {
+  if (!unit_.State().Settings.Hints)
+    return {.Done = false, .Reason = "hints are switched off; set Hints to True", .Hints = {}};
+  HintsResult result{.Done = true, .Reason = "", .Hints = {}};
+  for (const recorder::Hint& hint : unit_.State().Hints) {
+    result.Hints.push_back({.Number = hint.Number,
+                            .Began = hint.Began,
+                            .Channel = hint.Channel,
+                            .Station = hint.Station,
+                            .Artist = hint.Artist,
+                            .Song = hint.Song,
+                            .Text = recorder::HintText(hint)});
+  }
+  return result;
+}
+
 std::string UnitTarget::StationOf(std::int16_t channel) const {
   const radio::ChannelTable& table = unit_.Parts().Channels.Table();
   const std::int16_t slot = table.ChannelIndex(channel);

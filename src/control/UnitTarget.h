@@ -26,6 +26,7 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
   [[nodiscard]] ListsReport Lists() override;
   [[nodiscard]] std::vector<StationLagReport> StationLags(int channel) override;
+  [[nodiscard]] HintsResult Hints() override;
 
   void Report(const ReportQuestion& question, ReportAnswered answered) override;
   void History(const HistoryQuestion& question, HistoryAnswered answered) override;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "presenters/HintLine.h"
 #include "recorder/Modes.h"
 
 namespace kestrune::presenters {
@@ -14,6 +15,7 @@ std::string ExplainRecording(const recorder::State& state, const schedule::Restr
     return "Recording begins once the channels are loaded.";
   }
   if (state.Radio.ChannelsLoading) return "The radio's channels are being loaded.";
+  if (const recorder::Hint* const hint = ShownHint(state)) return recorder::HintText(*hint);
   if (recording.StopPending) return "Finishing the song in hand.";
   if (!recording.RecordRequested) return "Not recording.";
   if (recording.WaitingForNextSong) {

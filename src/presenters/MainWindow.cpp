@@ -4,6 +4,7 @@
 
 #include "base/DatePattern.h"
 #include "base/Text.h"
+#include "presenters/HintLine.h"
 
 namespace kestrune::presenters {
 namespace {
@@ -75,6 +76,11 @@ MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop)
   ShowAnnouncement(state.Announcement, state.Link.Up(), window);
   ShowRecording(state, window);
   ShowOptions(state.Settings, window);
+  if (const recorder::Hint* const hint = ShownHint(state)) {
+    window.TrayTip = window.TrayTip.substr(0, window.TrayTip.find('\n')) + '\n' + recorder::HintText(*hint);
+    window.HintStation = base::Trim(fmt::format("{} {}", hint->Channel, hint->Station));
+  }
+  window.HintChannel = HintChannel(state);
   window.Warning = state.Watch.Warning();
   if (!window.Warning.empty()) window.TrayTip += "\n" + window.Warning;
   window.Recording = state.Recording.IsRecording();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "presenters/DesktopRecord.h"
@@ -37,8 +38,11 @@ struct MainWindow : DesktopRecord {
   Label lblArtist;
   Label lblSong;
   Label lblRecording{.Caption = "", .Visible = false};
-  std::string Warning;     ///< what has failed, for as long as it lasts; empty if all is well
-  bool Recording = false;  ///< a song is being kept, and the status is to catch the eye
+  std::string Warning;  ///< what has failed, for as long as it lasts; empty if all is well
+  std::int16_t HintChannel =
+      0;  ///< the channel that a click on the hint tunes to; 0: there is nothing to click on
+  std::string HintStation;  ///< its number and its station
+  bool Recording = false;   ///< a song is being kept, and the status is to catch the eye
   Label lblClock{.Caption = "", .Visible = false};
   Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own
   Label lblRemaining{.Caption = "", .Visible = false};

@@ -6,6 +6,7 @@
 
 #include "base/Ignored.h"
 #include "presenters/Explanation.h"
+#include "presenters/HintLine.h"
 #include "presenters/LagTip.h"
 
 namespace kestrune::presenters {
@@ -42,8 +43,14 @@ UnitPresenters::~UnitPresenters() {
 }
 
 std::string UnitPresenters::Explanation() const {
-  if (cutOffer_.Shown() && unit_.State().Watch.Warning().empty()) return std::string(CutOffer::kText);
-  return ExplainRecording(unit_.State(), parts_.Restrictions);
+  const recorder::State& state = unit_.State();
+  if (cutOffer_.Shown() && state.Watch.Warning().empty() && ShownHint(state) == nullptr)
+    return std::string(CutOffer::kText);
+  return ExplainRecording(state, parts_.Restrictions);
+}
+
+void UnitPresenters::TuneToHint() {
+  if (const std::int16_t channel = HintChannel(unit_.State()); channel != 0) unit_.Wishes().Tune(channel);
 }
 
 std::string UnitPresenters::TipOfChannel(std::int16_t channel) const {

@@ -41,8 +41,10 @@ class UnitPresenters final : private recorder::Presentation {
 
   /// What it shows now.
   [[nodiscard]] MainWindow Window() const { return ShowState(unit_.State(), desktop_); }
-  /// What becomes of the song that plays, and why; once, that songs can be cut by listening.
+  /// What becomes of the song that plays, and why, or what begins elsewhere; once, that songs can be cut by listening.
   [[nodiscard]] std::string Explanation() const;
+  /// Tunes to the channel of the hint that the window shows; nothing if it shows none.
+  void TuneToHint();
   /// What only the window knows of itself; the window keeps it up to date.
   [[nodiscard]] DesktopRecord& OnDesktop() { return desktop_; }
   [[nodiscard]] OptionRules& Options() { return options_; }

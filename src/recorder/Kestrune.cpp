@@ -34,6 +34,7 @@ Kestrune::Kestrune(const Outside& outside)
       stationLags_(history_, state_.Settings, outside.Loop),
       announcer_(state_, log_),
       radio_(outside, state_, log_, *this),
+      hints_(state_, radio_.Channels, restrictions_, outside.Loop),
       sound_(outside, state_,
              {.Channels = radio_.Channels,
               .Restrictions = restrictions_,
@@ -77,6 +78,7 @@ Kestrune::Kestrune(const Outside& outside)
   outside_.HistoryStore.SetTroubleHandler([this](const std::string& line) { log_.DoLog(line); });
   radio_.Link.SetChannelInfoHandler([this](const radio::ChannelInfo& info) {
     chronicle_.Heard(info);
+    hints_.Heard(info);
     if (info.Channel == state_.Radio.ChannelNumber)
       sound_.Cuts.TextCame(info.Artist, info.Song, sound_.Capture.FrameNow());
     radio_.Channels.pcrChannelInfoReceived(info);
@@ -146,6 +148,7 @@ void Kestrune::mnuReload_Click() {
 void Kestrune::tmrClock_Timer() {
   clock_.Tick();
   chronicle_.Follow(state_.Watch);
+  hints_.Follow();
   presentation_->ApplyResizeRule();
   presentation_->FollowSongs();
 }

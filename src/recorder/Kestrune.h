@@ -22,6 +22,7 @@
 #include "recorder/ClockWatch.h"
 #include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
+#include "recorder/Hints.h"
 #include "recorder/LinkWatch.h"
 #include "recorder/Outside.h"
 #include "recorder/Presentation.h"
@@ -189,6 +190,7 @@ class Kestrune final : private radio::ChannelEvents {
   StationLags stationLags_;
   Announcer announcer_;
   RadioSide radio_;
+  Hints hints_;
   SoundSide sound_;
   RecordCommands commands_;
   config::SettingsDoor settingsDoor_;

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <vector>
+
 #include "base/RunState.h"
 #include "config/settings/Settings.h"
 #include "radio/channels/RadioState.h"
 #include "radio/line/LinkState.h"
 #include "recorder/Announcement.h"
 #include "recorder/ClockState.h"
+#include "recorder/Hint.h"
 #include "recorder/RecordingState.h"
 #include "recorder/WatchState.h"
 #include "schedule/entries/ScheduleEntry.h"
@@ -28,6 +31,8 @@ struct State {
   ClockState Clock;
   WatchState Watch;
   recorder::Announcement Announcement;
+  /// What begins elsewhere, the newest first.
+  std::vector<Hint> Hints;
 
   /// Whether a person may press Record.
   [[nodiscard]] bool MayRecord() const { return Recording.Phase == Phase::Idle; }

@@ -186,6 +186,8 @@ void Desktop::AddTrayIcon() {
   trayMenu_->addAction(tr("Show Kestrune"), this, [this] { Restore(); });
   trayMenu_->addSeparator();
   for (const char* name : {"mnuRecord", "mnuStop"}) trayMenu_->addAction(main_->Entry(name));
+  trayHint_ = trayMenu_->addAction(QString(), this, [this] { rules_->TuneToHint(); });
+  trayHint_->setObjectName(QStringLiteral("mnuTuneToHint"));
   trayMenu_->addSeparator();
   trayMenu_->addAction(main_->Entry("mnuExit"));
   tray_->setContextMenu(trayMenu_.get());
@@ -212,9 +214,11 @@ void Desktop::ShowTray() {
   }
   if (trayCheck_ == 0) record.TrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
   trayCheck_ = (trayCheck_ + 1) % kRefreshesPerTrayCheck;
-  std::string tip = rules_->Window().TrayTip;
-  if (tip == trayTip_) return;
-  trayTip_ = std::move(tip);
+  presenters::MainWindow window = rules_->Window();
+  trayHint_->setVisible(window.HintChannel != 0);
+  trayHint_->setText(ToQt(base::DoubleAmpersands("Tune to " + window.HintStation)));
+  if (window.TrayTip == trayTip_) return;
+  trayTip_ = std::move(window.TrayTip);
   tray_->setToolTip(ToQt(trayTip_).left(kTrayTipLetters));
 }
 

@@ -130,6 +130,7 @@ class Desktop final : public QObject, public recorder::Windows {
   std::unique_ptr<QWidget> modal_;
   std::unique_ptr<QSystemTrayIcon> tray_;
   std::unique_ptr<QMenu> trayMenu_;
+  QAction* trayHint_ = nullptr;  // of the menu
   std::string trayTip_;
   int trayCheck_ = 0;
   bool busyCursor_ = false;

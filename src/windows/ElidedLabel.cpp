@@ -25,8 +25,13 @@ ElidedLabel::ElidedLabel(int letters, QWidget* parent) : QLabel(parent), letters
 
 void ElidedLabel::SetActivated(std::function<void()> activated) {
   activated_ = std::move(activated);
-  setFocusPolicy(Qt::StrongFocus);
-  setCursor(Qt::PointingHandCursor);
+  if (activated_) {
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::PointingHandCursor);
+  } else {
+    setFocusPolicy(Qt::NoFocus);
+    unsetCursor();
+  }
 }
 
 QSize ElidedLabel::sizeHint() const {

@@ -13,7 +13,7 @@ class ElidedLabel final : public QLabel {
   explicit ElidedLabel(int letters, QWidget* parent = nullptr);
 
   /// Called on a double click, and on Enter or the space bar while the label has the focus. Setting it makes
-  /// the label take the focus.
+  /// the label take the focus; an empty function makes it a plain label again.
   void SetActivated(std::function<void()> activated);
 
   [[nodiscard]] QSize sizeHint() const override;

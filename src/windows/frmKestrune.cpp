@@ -515,6 +515,7 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowWarning(*lblRecording_, record.Recording);
   ShowText(*lblExplanation_, rules_.Explanation());
   ShowWarning(*lblExplanation_, !record.Warning.empty());
+  ShowHint(record);
   // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
   ShowVisible(*pctTimer_, record.pctTimer.Visible);
@@ -523,6 +524,13 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowText(*lblRemaining_, record.lblRemaining.Caption);
   ShowEnabled(*cmdRecord_, record.cmdRecord.Enabled);
   ShowEnabled(*cmdStop_, record.cmdStop.Enabled);
+}
+
+void frmKestrune::ShowHint(const MainWindow& record) {
+  const bool shown = record.HintChannel != 0;
+  if (std::exchange(hintShown_, shown) == shown) return;
+  lblExplanation_->SetActivated(shown ? std::function<void()>([this] { rules_.TuneToHint(); }) : nullptr);
+  lblExplanation_->setToolTip(shown ? PlainTip(tr("Click to tune to this channel")) : QString());
 }
 
 void frmKestrune::ShowMenus(const MainWindow& record) {

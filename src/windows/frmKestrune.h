@@ -96,6 +96,8 @@ class frmKestrune final : public QMainWindow {
   /// Gives the text the colour that catches the eye, or the normal one.
   void ShowWarning(QWidget& label, bool warning) const;
   void ShowStatus(const presenters::MainWindow& record);
+  /// The line of the explanation can be clicked on while it shows a hint.
+  void ShowHint(const presenters::MainWindow& record);
   void ShowMenus(const presenters::MainWindow& record);
 
   presenters::UnitPresenters& rules_;
@@ -107,6 +109,7 @@ class frmKestrune final : public QMainWindow {
   ElidedLabel* lblSong_ = nullptr;
   ElidedLabel* lblRecording_ = nullptr;
   ElidedLabel* lblExplanation_ = nullptr;
+  bool hintShown_ = false;
   QLabel* lblClock_ = nullptr;
   QLabel* pctTimer_ = nullptr;
   QLabel* lblcRemaining_ = nullptr;

@@ -31,6 +31,7 @@ TEST(CommandTable, HoldsTheseCommandsInThisOrder) {
                                               "lists remove LIST TEXT",
                                               "report [OPTION...]",
                                               "history [OPTION...]",
+                                              "hints [OPTION...]",
                                               "cuts [OPTION...]",
                                               "update",
                                               "quit"}));
@@ -145,9 +146,9 @@ TEST(CommandTable, EachArgumentAtItsEdges) {
       {{"set", {"]", "x"}},
        R"(set: "]" is wrong, expected the name of a setting: letters, digits and underscores; usage: set KEY VALUE)"},
       {{"start", {}},
-       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, cuts, update, quit)"},
+       R"(unknown command "start"; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, hints, cuts, update, quit)"},
       {{"", {}},
-       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, cuts, update, quit)"},
+       R"(unknown command ""; allowed: status, channels, record, stop, tune, mute, log, get, set, schedule, lists, report, history, hints, cuts, update, quit)"},
   };
   for (const Case& one : kCases) {
     const auto wrong = WhatIsWrong(one.Asked);
@@ -214,6 +215,9 @@ TEST(CommandTable, EachScheduleWordAtItsEdges) {
        "history: --since and --days exclude each other; usage: history [OPTION...]"},
       {{"history", {"--days", "7", "--since", "3h"}},
        "history: --days and --since exclude each other; usage: history [OPTION...]"},
+      {{"hints", {}}, nullptr},
+      {{"hints", {"--follow"}}, nullptr},
+      {{"hints", {"--follow", "--follow"}}, "hints: --follow is given twice; usage: hints [OPTION...]"},
       {{"cuts", {}}, nullptr},
       {{"cuts", {"--last", "5000", "--channel", "255"}}, nullptr},
       {{"cuts", {"--channel", "44", "--stations"}}, nullptr},

@@ -203,6 +203,17 @@ TEST(ControlServer, QuestionsAboutTheRecordReachItAsTheyWereAsked) {
   }
 }
 
+TEST(ControlServer, HintsAreToldAtOnceOrRefused) {
+  FakeControlTarget target;
+  target.NextHints.Hints.emplace_back().Text = "Now on 47";
+  for (const char* line : {R"({"command":"hints"})", R"({"command":"hints","arguments":["--follow"]})"}) {
+    EXPECT_THAT(Dispatch(target, line), HasSubstr(R"("text":"Now on 47")"));
+  }
+  EXPECT_THAT(target.Calls, ElementsAre("Hints", "Hints"));
+  target.NextHints = {.Done = false, .Reason = "off", .Hints = {}};
+  EXPECT_EQ(Dispatch(target, R"({"command":"hints"})"), R"({"exit":1,"reason":"off","result":null})");
+}
+
 TEST(ControlServer, WhatWasLearnedOfTheStationsIsToldAtOnce) {
   const std::pair<const char*, const char*> kQuestions[] = {
       {R"({"command":"cuts","arguments":["--stations"]})", "StationLags 0"},

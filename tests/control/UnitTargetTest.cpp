@@ -161,6 +161,28 @@ TEST_F(UnitTargetTest, AFullListTakesNoMore) {
   EXPECT_TRUE(Add(RestrictList::GrabArtists, "Moon").Ok());
 }
 
+TEST_F(UnitTargetTest, HintsAreToldUnlessTheyAreSwitchedOff) {
+  rig.StartIdle();
+  EXPECT_FALSE(target.Hints().Done);
+  EXPECT_EQ(target.Hints().Reason, "hints are switched off; set Hints to True");
+  rig->Wishes().ChangeSetting("Hints", "True");
+  EXPECT_TRUE(rig->Parts().Restrictions.Add(RestrictList::GrabArtists, "Wren").Ok());
+  rig.Run(std::chrono::seconds(12));
+  EXPECT_TRUE(target.Hints().Done);
+  EXPECT_TRUE(target.Hints().Hints.empty());
+  rig.Radio.Play(47, "Abigail Wren", "Winter Apples");
+  rig.Run(std::chrono::seconds(12));
+  const HintsResult result = target.Hints();
+  ASSERT_EQ(result.Hints.size(), 1U);
+  EXPECT_EQ(result.Hints[0], (HintReport{.Number = 1,
+                                         .Began = rig->State().Hints[0].Began,
+                                         .Channel = 47,
+                                         .Station = "Station 47",
+                                         .Artist = "Abigail Wren",
+                                         .Song = "Winter Apples",
+                                         .Text = "Now on 47 Station 47: Abigail Wren - Winter Apples"}));
+}
+
 // The record of what happened.
 
 class RecordTest : public UnitTargetTest {

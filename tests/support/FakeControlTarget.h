@@ -32,6 +32,7 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<platform::PlayCount> NextCounts;
   std::vector<control::CutReport> NextCuts;
   std::vector<control::StationLagReport> NextStationLags;
+  control::HintsResult NextHints{.Done = true, .Reason = "", .Hints = {}};
   control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
@@ -109,6 +110,10 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<control::StationLagReport> StationLags(int channel) override {
     Calls.push_back(fmt::format("StationLags {}", channel));
     return NextStationLags;
+  }
+  control::HintsResult Hints() override {
+    Calls.emplace_back("Hints");
+    return NextHints;
   }
   void Update(std::function<void(const control::UpdateResult&)> answered) override {
     Calls.emplace_back("Update");

@@ -247,6 +247,29 @@ TEST_F(frmKestruneTest, TheButtonsSwap) {
   EXPECT_EQ(Text("lblRecording"), "");
 }
 
+TEST_F(frmKestruneTest, ADoubleClickOnAHintTunesToIt) {
+  rig.Unit.Set("Hints", "True");
+  rig.Unit.Files.MakeFolders("/home/user/Application Data/Kestrune");
+  rig.Unit.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "0Wren\n");
+  rig.Unit.StartIdle();
+  auto& line = rig.Find<QLabel>("lblExplanation");
+  QTest::mouseDClick(&line, Qt::LeftButton);
+  EXPECT_EQ(line.focusPolicy(), Qt::NoFocus) << "it says what becomes of the song, and nothing else";
+  rig.Run(12s);
+  rig.Unit.Radio.Play(47, "Abigail Wren", "Winter Apples");
+  rig.Run(12s);
+  EXPECT_EQ(Text("lblExplanation"), "Now on 47 Station 47: Abigail Wren - Winter Apples");
+  EXPECT_EQ(line.toolTip(), "Click to tune to this channel");
+  EXPECT_EQ(line.focusPolicy(), Qt::StrongFocus);
+  EXPECT_EQ(rig.Unit.Radio.TunedChannel, 44);
+  QTest::mouseDClick(&line, Qt::LeftButton);
+  rig.Run(3s);
+  EXPECT_EQ(rig.Unit.Radio.TunedChannel, 47);
+  EXPECT_EQ(Text("lblExplanation"), "Not recording.");
+  EXPECT_EQ(line.focusPolicy(), Qt::NoFocus);
+  EXPECT_EQ(line.toolTip(), "");
+}
+
 TEST_F(frmKestruneTest, TheStatusBlinksOnceASecondAndTheClockRuns) {
   rig.Unit.StartIdle();
   Press("cmdRecord");

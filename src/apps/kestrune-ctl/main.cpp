@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -20,6 +21,7 @@
 #include "base/Version.h"
 #include "control/CommandTable.h"
 #include "control/ConsoleText.h"
+#include "control/HintFollow.h"
 #include "control/LongOptions.h"
 #include "control/PeopleText.h"
 #include "control/Protocol.h"
@@ -36,6 +38,9 @@ using control::ExitCode;
 /// A wish is answered once the unit has carried it out, which it does between two steps: not within a cut, a tuning
 /// or a song's delay.
 constexpr std::chrono::seconds kPatience{45};
+
+constexpr std::chrono::seconds kFollowPause{1};
+constexpr const char* kUnknownShape = "the unit's answer has a shape that is not known here; try --json";
 
 constexpr std::array kOptions{
     control::LongOption{"--unit", "U", "talk to unit U (one character); without it, to the single unit"},
@@ -172,11 +177,65 @@ ExitCode Show(const Invocation& invocation, std::string_view line) {
   const std::optional<std::string> text =
       control::PeopleText(control::FindCommand(invocation.Request)->Name, reply->Result);
   if (!text) {
-    Complain("the unit's answer has a shape that is not known here; try --json");
+    Complain(kUnknownShape);
     return ExitCode::Refused;
   }
   Write(stdout, *text);
   return ExitCode::Done;
+}
+
+/// One answer of the unit, or what was complained about instead.
+struct Asked {
+  std::string Answer;
+  ExitCode Exit = ExitCode::Done;
+};
+
+Asked AskOnce(const Invocation& invocation, const std::string& path) {
+  const platform::AskResult asked = platform::Ask(path, control::ToLine(invocation.Request), kPatience);
+  switch (asked.Outcome) {
+    case platform::AskOutcome::Answered:
+      return {asked.Answer, ExitCode::Done};
+    case platform::AskOutcome::NobodyListens:
+      Complain(invocation.Unit.empty() ? "no unit is running"
+                                       : fmt::format("no unit {} is running", invocation.Unit));
+      return {{}, ExitCode::NoSuchUnit};
+    case platform::AskOutcome::Foreign:
+      Complain(fmt::format("{} belongs to another user", path));
+      return {{}, ExitCode::NoSuchUnit};
+    case platform::AskOutcome::NoAnswer:
+      break;
+  }
+  Complain("the unit does not answer");
+  return {{}, ExitCode::Refused};
+}
+
+ExitCode Ask(const Invocation& invocation, const std::string& path) {
+  const Asked asked = AskOnce(invocation, path);
+  return asked.Exit == ExitCode::Done ? Show(invocation, asked.Answer) : asked.Exit;
+}
+
+/// Hints alone can be followed.
+bool IsFollowed(const control::Request& request) {
+  return request.Command == "hints" && !request.Arguments.empty();
+}
+
+/// Asks each second until the unit ends or refuses, or nobody reads any more.
+ExitCode Follow(const Invocation& invocation, const std::string& path) {
+  control::HintFollow follow(invocation.Json);
+  while (true) {
+    const Asked asked = AskOnce(invocation, path);
+    if (asked.Exit != ExitCode::Done) return asked.Exit;
+    const std::optional<control::Reply> reply = control::ReplyFromLine(asked.Answer);
+    if (!reply || reply->Exit != ExitCode::Done) return Show(invocation, asked.Answer);
+    const std::optional<std::string> text = follow.NewIn(reply->Result);
+    if (!text) {
+      Complain(kUnknownShape);
+      return ExitCode::Refused;
+    }
+    Write(stdout, *text);
+    if (std::fflush(stdout) != 0) return ExitCode::Done;
+    std::this_thread::sleep_for(kFollowPause);
+  }
 }
 
 ExitCode Run(std::span<const std::string> words) {
@@ -202,22 +261,7 @@ ExitCode Run(std::span<const std::string> words) {
     Complain("the unit is still starting");
     return ExitCode::Refused;
   }
-  const platform::AskResult asked = platform::Ask(path, control::ToLine(invocation.Request), kPatience);
-  switch (asked.Outcome) {
-    case platform::AskOutcome::Answered:
-      return Show(invocation, asked.Answer);
-    case platform::AskOutcome::NobodyListens:
-      Complain(invocation.Unit.empty() ? "no unit is running"
-                                       : fmt::format("no unit {} is running", invocation.Unit));
-      return ExitCode::NoSuchUnit;
-    case platform::AskOutcome::Foreign:
-      Complain(fmt::format("{} belongs to another user", path));
-      return ExitCode::NoSuchUnit;
-    case platform::AskOutcome::NoAnswer:
-      break;
-  }
-  Complain("the unit does not answer");
-  return ExitCode::Refused;
+  return IsFollowed(invocation.Request) ? Follow(invocation, path) : Ask(invocation, path);
 }
 
 }  // namespace

@@ -109,6 +109,7 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::IdleCaptureMinutes>("IdleCaptureMinutes").CheckedBy(CheckIdleCaptureMinutes),
     Row<&Settings::CutPlacement>("CutPlacement"),
     Row<&Settings::CutOverlap>("CutOverlap").CheckedBy(CheckCutOverlap),
+    Row<&Settings::Hints>("Hints"),
 
     Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
     Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),

@@ -46,6 +46,8 @@ struct Settings : FormatSettings {
   /// Milliseconds of sound that the files of two songs share around a cut that was found by listening with low
   /// confidence, 0 to kLongestCutOverlap.
   std::int16_t CutOverlap = 0;
+  /// A song of the Grab lists that begins on another channel is pointed out.
+  bool Hints = false;
 
   bool LegalAgreement = false;       ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;   ///< check state: the channels window is open

@@ -68,6 +68,7 @@ const Expected kExpected[] = {
     {"CutPlacement", kPlacement, "Text", "Listen", SHOWS(s.CutPlacement == CutPlacement::Text),
      SHOWS(s.CutPlacement == CutPlacement::Listen)},
     {"CutOverlap", kInt16, "0", "1500", SHOWS(s.CutOverlap == 0), SHOWS(s.CutOverlap == 1500)},
+    {"Hints", kBool, "False", "True", SHOWS(!s.Hints), SHOWS(s.Hints)},
 
     {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
     {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),
