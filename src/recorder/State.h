@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "base/RunState.h"
@@ -33,6 +34,8 @@ struct State {
   recorder::Announcement Announcement;
   /// What begins elsewhere, the newest first.
   std::vector<Hint> Hints;
+  /// The channel to which the program goes back after a hint that it follows; 0 while it follows none.
+  std::int16_t HintHome = 0;
 
   /// Whether a person may press Record.
   [[nodiscard]] bool MayRecord() const { return Recording.Phase == Phase::Idle; }

@@ -48,6 +48,8 @@ struct Settings : FormatSettings {
   std::int16_t CutOverlap = 0;
   /// A song of the Grab lists that begins on another channel is pointed out.
   bool Hints = false;
+  /// An idle program goes after such a song, keeps it and comes back.
+  bool FollowHints = false;
 
   bool LegalAgreement = false;       ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;   ///< check state: the channels window is open
