@@ -47,12 +47,14 @@ CutLedger ReadCutLedger(const std::vector<std::string>& files) {
         last = number;
       } else if (number > last) {
         ledger.Lost += number - last - 1;
+        ledger.Missing.emplace_back(last + 1, number);
         last = number;
       } else {
         ++ledger.Doubled;
       }
     }
   }
+  ledger.Last = last;
   return ledger;
 }
 

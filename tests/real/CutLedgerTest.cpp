@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -38,6 +39,7 @@ TEST(CutLedger, AnUnbrokenRowHasNoLoss) {
       ReadCutLedger({WaveOf(folder, "late", {70003, 70004}), WaveOf(folder, "early", {70000, 70001, 70002})});
   EXPECT_EQ(ledger.Files, 2);
   EXPECT_EQ(ledger.Frames, 5);
+  EXPECT_EQ(ledger.Last, 70004);
   EXPECT_EQ(ledger.Lost, 0);
   EXPECT_EQ(ledger.Doubled, 0);
 }
@@ -46,6 +48,7 @@ TEST(CutLedger, FramesThatAreMissingAtACutAreLost) {
   const TemporaryFolder folder;
   const CutLedger ledger = ReadCutLedger({WaveOf(folder, "a", {7, 8}), WaveOf(folder, "b", {11, 12})});
   EXPECT_EQ(ledger.Lost, 2);
+  EXPECT_EQ(ledger.Missing, (std::vector<std::pair<std::int64_t, std::int64_t>>{{9, 11}}));
 }
 
 TEST(CutLedger, FramesOfTheFileBeforeAreDoubled) {

@@ -1,10 +1,15 @@
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <map>
 #include <memory>
+#include <random>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,8 +38,15 @@ int WantedCuts() {
   return wanted == nullptr ? 20 : std::max(1, std::atoi(wanted));
 }
 
+unsigned Seed() {
+  const char* asked = std::getenv("KESTRUNE_SEED");
+  const unsigned seed = asked != nullptr ? static_cast<unsigned>(std::atol(asked)) : std::random_device{}();
+  std::cout << "seed " << seed << std::endl;
+  return seed;
+}
+
 /// Units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening and as FLAC: songs
-/// of three seconds, all kept. A cut by listening is then settled by the next change, seven seconds early.
+/// of three seconds, all kept. Where cuts are made by listening, Stop and Record are pressed at random moments too.
 class Cuts : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -55,11 +67,13 @@ class Cuts : public testing::Test {
   static void ExpectUnbroken(const std::string& road) {
     const Track& track = world_->Tracks.at(road);
     ASSERT_EQ(track.Trouble, "");
-    const CutLedger ledger = ReadCutLedger(track.Recorder->Recordings());
+    CutLedger ledger = ReadCutLedger(track.Recorder->Recordings());
+    RecordProperty(road + "_pauses", std::to_string(track.Pauses.size()));
+    TakeAwayPauses(track, ledger);
     RecordProperty(road + "_frames", std::to_string(ledger.Frames));
     // One cut lies between each two files.
     EXPECT_GT(ledger.Files, WantedCuts());
-    EXPECT_GT(ledger.Frames, static_cast<std::int64_t>(WantedCuts() * (kSongSeconds - 1) * 44100));
+    EXPECT_GT(ledger.Frames, static_cast<std::int64_t>(WantedCuts() * kSongSeconds / 2 * 44100));
     EXPECT_EQ(ledger.Lost, 0);
     EXPECT_EQ(ledger.Doubled, 0);
     EXPECT_LE(ledger.Silent, kMostSilence);
@@ -67,9 +81,18 @@ class Cuts : public testing::Test {
   }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
+  /// From a press of Stop to the press of Record after it.
+  struct Pause {
+    Clock::time_point From;
+    Clock::time_point To;
+  };
   struct Track {
     std::unique_ptr<Receiver> Radio;
     std::unique_ptr<Unit> Recorder;
+    Clock::time_point RadioStart;
+    std::vector<Pause> Pauses;
     std::int64_t SamplesLost = -1;
     std::string Trouble;
   };
@@ -86,6 +109,7 @@ class Cuts : public testing::Test {
                          const std::map<std::string, std::string>& environment,
                          const std::map<std::string, std::string>& more = {}) {
     Track& track = world_->Tracks[road];
+    track.RadioStart = Clock::now();
     track.Radio = std::make_unique<Receiver>(
         world_->Folder / (road + "-radio"),
         Receiver::Setup{
@@ -117,7 +141,10 @@ class Cuts : public testing::Test {
     StartTrack("alsa", "pulse:radio1", "alsa", alsa);
 
     const std::map<std::string, std::map<std::string, std::string>> pipes{
-        {"pipe", {}}, {"listening", {{"CutPlacement", "Listen"}}}, {"flac", {{"FileFormat", "FLAC"}}}};
+        {"pipe", {}},
+        // Where Stop is pressed, it ends the song in hand.
+        {"listening", {{"CutPlacement", "Listen"}, {"Integrel", "False"}}},
+        {"flac", {{"FileFormat", "FLAC"}}}};
     for (const auto& [road, settings] : pipes) {
       const std::string pipe = world_->Folder / (road + "-sound");
       if (::mkfifo(pipe.c_str(), 0600) != 0) {
@@ -129,6 +156,57 @@ class Cuts : public testing::Test {
     return true;
   }
 
+  /// What nobody recorded is not lost: from Stop to the beginning of the song in which Record was pressed, or of the next
+  /// one, if its text had come by then.
+  static void TakeAwayPauses(const Track& track, CutLedger& ledger) {
+    constexpr auto kEarliest = std::chrono::milliseconds(-300);
+    constexpr auto kLatest = std::chrono::milliseconds(6000);
+    const auto momentOf = [&track](std::int64_t frame) {
+      return track.RadioStart + std::chrono::milliseconds(frame * 1000 / 44100);
+    };
+    for (const std::pair<std::int64_t, std::int64_t>& row : ledger.Missing) {
+      const bool paused = std::any_of(track.Pauses.begin(), track.Pauses.end(), [&](const Pause& pause) {
+        return momentOf(row.first) >= pause.From + kEarliest && momentOf(row.second) <= pause.To + kLatest;
+      });
+      if (paused) ledger.Lost -= row.second - row.first;
+    }
+    std::cout << track.Pauses.size() << " pauses, " << ledger.Files << " files, " << ledger.Lost << " lost, "
+              << ledger.Doubled << " doubled" << std::endl;
+  }
+
+  static bool Press(const Track& track, const char* button) {
+    return WaitUntil(kPatience, [&] { return track.Recorder->Ctl({button}).Exit == 0; });
+  }
+
+  /// Presses Stop and Record at random moments until enough songs are kept; Record was pressed before.
+  static void PressAtRandom(Track& track) {
+    std::mt19937 random(Seed());
+    const auto wait = [&random](int least, int most) {
+      std::this_thread::sleep_for(
+          std::chrono::milliseconds(std::uniform_int_distribution<int>(least, most)(random)));
+    };
+    const auto deadline = Clock::now() + Patience();
+    while (track.Recorder->Recordings().size() <= static_cast<std::size_t>(WantedCuts())) {
+      if (Clock::now() > deadline) {
+        track.Trouble = "too few songs are kept: " + track.Recorder->LogText();
+        return;
+      }
+      wait(4000, 20000);
+      Pause& pause = track.Pauses.emplace_back();
+      pause.From = Clock::now();
+      const bool stopped = Press(track, "stop");
+      wait(0, 5000);
+      const bool recorded = Press(track, "record");
+      pause.To = Clock::now();
+      if (!stopped || !recorded) track.Trouble = "the buttons do not work: " + track.Recorder->LogText();
+      if (!track.Trouble.empty()) return;
+    }
+  }
+
+  [[nodiscard]] static std::chrono::milliseconds Patience() {
+    return std::chrono::seconds(WantedCuts() * 2 * static_cast<int>(kSongSeconds)) + kPatience;
+  }
+
   static void RecordAll() {
     for (auto& [road, track] : world_->Tracks) {
       if (!track.Recorder->WaitUntilIdle()) {
@@ -137,14 +215,20 @@ class Cuts : public testing::Test {
         track.Trouble = road + " does not record";
       }
     }
-    const auto patience = std::chrono::seconds(WantedCuts() * 2 * static_cast<int>(kSongSeconds)) + kPatience;
+    Track& listening = world_->Tracks.at("listening");
+    std::thread presses([&listening] {
+      if (listening.Trouble.empty()) PressAtRandom(listening);
+    });
     for (auto& [road, track] : world_->Tracks) {
-      if (!track.Trouble.empty()) continue;
+      if (!track.Trouble.empty() || &track == &listening) continue;
       const bool kept = track.Recorder->WaitForStatus(
-          [](const Unit::Json& status) { return status.value("recordedCount", 0) > WantedCuts(); }, patience);
+          [](const Unit::Json& status) { return status.value("recordedCount", 0) > WantedCuts(); },
+          Patience());
       if (!kept) track.Trouble = road + " keeps too few songs: " + track.Recorder->LogText();
-      track.SamplesLost = track.Recorder->Status().value("samplesLost", std::int64_t{-1});
     }
+    presses.join();
+    for (auto& [road, track] : world_->Tracks)
+      track.SamplesLost = track.Recorder->Status().value("samplesLost", std::int64_t{-1});
     for (auto& [road, track] : world_->Tracks) {
       if (track.Trouble.empty() && track.Recorder->Quit() != 0) track.Trouble = road + " does not end well";
     }
