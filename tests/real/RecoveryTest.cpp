@@ -15,8 +15,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "platform/posix/TemporaryFolder.h"
+#include "real/CutLedger.h"
 #include "real/Decoded.h"
 #include "real/LineUps.h"
 #include "real/Receiver.h"
@@ -178,6 +180,44 @@ TEST_F(Recovery, WhatAKilledProgramLeavesIsWholeAfterTheNextStart) {
     EXPECT_GT(track.Recovered, 0);
     LookAtRecordings(track);
   }
+}
+
+TEST_F(Recovery, ACrashWhileListeningLosesNoMoreThanWasHeldBack) {
+  // Ten seconds, and while a cut is awaited, what may still begin the next song; and what is on the way to the disk.
+  constexpr double kMostHeld = 10 + 4.05;
+  constexpr double kOnTheWay = 1.5;
+  constexpr double kRate = 44100;
+  const unsigned seed = std::random_device{}();
+  std::cout << "seed " << seed << '\n';
+  std::mt19937 random(seed);
+  const std::string pipe = folder_ / "sound";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const auto radioStart = std::chrono::steady_clock::now();
+  const Receiver radio(folder_ / "radio",
+                       {ShortLineUp({"One", "Two", "Three"}, 12), "pipe:" + pipe, "counter"});
+  auto settings = ShortSongs();
+  settings["CutPlacement"] = "Listen";
+  Track track{.Format = "WAV", .Radio = {}, .Recorder = {}, .Decoded = {}};
+  track.Recorder =
+      std::make_unique<Unit>(folder_ / "profile", Unit::Setup{"pipe:" + pipe, radio.Link(), settings});
+  track.Recorder->Start();
+  ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
+  // Long enough for a cut, and at any moment after it.
+  Kill(track, std::chrono::milliseconds(std::uniform_int_distribution<int>(26000, 38000)(random)));
+  const std::chrono::duration<double> killed = std::chrono::steady_clock::now() - radioStart;
+  track.Recorder->Start();
+  ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
+  ExpectRecovered(track);
+  EXPECT_EQ(track.Recorder->Quit(), 0);
+
+  const CutLedger ledger = ReadCutLedger(track.Recorder->Recordings());
+  EXPECT_GT(ledger.Files, 1);
+  EXPECT_EQ(ledger.Lost, 0);
+  EXPECT_EQ(ledger.Doubled, 0);
+  const double lost = killed.count() - static_cast<double>(ledger.Last) / kRate;
+  std::cout << "lost " << lost << " s\n";
+  EXPECT_GT(lost, 9) << "nothing was held back";
+  EXPECT_LT(lost, kMostHeld + kOnTheWay);
 }
 
 }  // namespace
