@@ -124,9 +124,9 @@ void DayOfRadio::Run() {
   for (auto second = 0s; second < plan_.Length; ++second) {
     loop_.Run(1s);
     LookOver();
-    if (second == plan_.Length / 2) bytesHalfway_ = BytesInUse();
+    if (second == plan_.Length / 2) bytesHalfway_ = BytesInUse() - logBytes_;
   }
-  bytesGrown_ = BytesInUse() - bytesHalfway_;
+  bytesGrown_ = BytesInUse() - logBytes_ - bytesHalfway_;
   framesLost_ = unit_->Snapshot().FramesLost;
   lineOpenAtTheEnd_ = line_.IsOpen();
   line_.Now = {};
@@ -278,6 +278,10 @@ void DayOfRadio::LookOver() {
   // What the devices remember of the day would hide how much the program keeps.
   radio_.Commands.clear();
   files_.Calls.clear();
+  store_.Calls.clear();
+  fileSync_.Synced.clear();
+  dialogs_.Shown.clear();
+  sleepInhibitor_.Reasons.clear();
   audio_->ForgetTags();
 
   // The kept files are checked and removed: a day of them would only slow the list down.
@@ -320,6 +324,9 @@ void DayOfRadio::TakeLogLine(const std::string& line) {
   const bool begins = ofEvent && text.find(" beginning ") != std::string::npos;
   if (begins || text.starts_with("Schedule changed, now recording channel")) sessionAnnounced_ = true;
   if (begins) ++eventsBegun_;
+  // Each string has its own few bytes beside its text.
+  constexpr std::size_t kString = sizeof(std::string) + 2 * sizeof(void*);
+  logBytes_ += static_cast<std::int64_t>(2 * (kString + line.size()) + kString + text.size());
   logTexts_.push_back(std::move(text));
 }
 

@@ -47,7 +47,7 @@ class DayOfRadio {
   [[nodiscard]] int EventsBegun() const { return eventsBegun_; }
   /// Complete songs whose names give another channel than the one that the radio really played for most of them.
   [[nodiscard]] const std::vector<std::string>& Misnamed() const { return misnamed_; }
-  /// By how many bytes the memory has grown in the second half. Without a record nothing but the log may grow.
+  /// By how many bytes the memory has grown in the second half, but for the log: its file, its list and the texts here.
   [[nodiscard]] std::int64_t BytesGrown() const { return bytesGrown_; }
   [[nodiscard]] bool LineOpenAtTheEnd() const { return lineOpenAtTheEnd_; }
 
@@ -100,6 +100,7 @@ class DayOfRadio {
   int eventsBegun_ = 0;
   std::vector<std::string> misnamed_;
   bool lineOpenAtTheEnd_ = false;
+  std::int64_t logBytes_ = 0;
   std::int64_t bytesHalfway_ = 0;
   std::int64_t bytesGrown_ = 0;
   std::int64_t framesLost_ = 0;
