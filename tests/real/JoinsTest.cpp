@@ -251,8 +251,9 @@ TEST_F(Joins, FilesBeginWhereTheirSongsDo) {
   std::cout << Table() << std::flush;
   const Line all = All();
   ASSERT_GE(static_cast<int>(all.Sizes.size()), CutsAStation() * kStations);
-  EXPECT_LE(Median(all.Sizes), 0.3);
-  EXPECT_GE(all.Within(1), 0.7);
+  // Cuts 600 ms after the text are off by a second. Of ten cuts, the first ones of their stations, little can be said.
+  EXPECT_LE(Median(all.Sizes), Long() ? 0.1 : 0.6);
+  EXPECT_GE(all.Within(1), Long() ? 0.85 : 0.5);
 }
 
 }  // namespace
