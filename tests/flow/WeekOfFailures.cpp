@@ -251,6 +251,7 @@ void WeekOfFailures::FailSomething(int least, int most) {
       count("clock set");
       const std::chrono::seconds by(Draw(0, 1) == 0 ? Draw(-5400, 5400) : Draw(-90, 90));
       if (by.count() > 0) skipped_.push_back({loop_.Now().Seconds(), loop_.Now().Seconds() + by.count()});
+      clockSteps_.push_back({loop_.Now().Seconds(), loop_.Now().Seconds() + by.count()});
       loop_.StepWallClock(by);
       ++clocksSet_;
       paceSince_ = loop_.SteadyNow();
@@ -459,10 +460,9 @@ void WeekOfFailures::CollectExplanations() {
     incidents_.emplace_back(from - kNoticing, runs[i + 1].Began.Seconds() + kNoticing);
   }
   for (const platform::HistorySong& song : history_.Rows.Songs) {
-    const std::pair span(song.Began.Seconds() - 2, song.Ended.Seconds() + 2);
-    if (song.Fate == SongFate::TooShort || song.Fate == SongFate::Duplicate) dropped_.push_back(span);
+    if (song.Fate == SongFate::TooShort || song.Fate == SongFate::Duplicate) Explain(dropped_, song);
     const bool remainder = song.Fate == SongFate::NotWanted && song.Event != 0;  // of an event of whole songs
-    if (song.Fate == SongFate::NotWhole || remainder) notWhole_.push_back(span);
+    if (song.Fate == SongFate::NotWhole || remainder) Explain(notWhole_, song);
   }
   // An event of whole songs begins to record with the first of them, and begins so again after a crash.
   for (const platform::HistoryEvent& event : history_.Rows.Events) {
@@ -474,6 +474,16 @@ void WeekOfFailures::CollectExplanations() {
     if (first == history_.Rows.Songs.end()) continue;
     notWhole_.emplace_back(event.Began->Seconds() - 2,
                            std::min(first->Began, event.Began->AddMinutes(6)).Seconds() + 2);
+  }
+}
+
+void WeekOfFailures::Explain(std::vector<std::pair<std::int64_t, std::int64_t>>& spans,
+                             const platform::HistorySong& song) const {
+  const std::pair span(song.Began.Seconds() - 2, song.Ended.Seconds() + 2);
+  spans.push_back(span);
+  for (const Skipped& step : clockSteps_) {
+    if (span.first < step.To && step.To <= span.second)
+      spans.emplace_back(span.first - (step.To - step.From), step.From);
   }
 }
 

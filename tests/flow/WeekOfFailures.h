@@ -95,6 +95,10 @@ class WeekOfFailures {
   void AccountForEvents();
   [[nodiscard]] bool IsExplained(const PlannedEvent& event, std::int64_t wall) const;
   void CollectExplanations();
+  /// Adds a song to those that explain what is missing. Its times are those of the clock at its end: what sounded before
+  /// the clock was set had other ones.
+  void Explain(std::vector<std::pair<std::int64_t, std::int64_t>>& spans,
+               const platform::HistorySong& song) const;
   void Check(bool holds, const std::string& complaint);
   /// What the process has allocated besides what has to grow; 0 where a sanitizer keeps the memory.
   [[nodiscard]] std::int64_t BytesInUse() const;
@@ -142,7 +146,8 @@ class WeekOfFailures {
 
   std::vector<Second> seconds_;
   std::vector<Skipped> skipped_;
-  std::vector<bool> inFinalFile_;  // by the number of the capture
+  std::vector<Skipped> clockSteps_;  // also back
+  std::vector<bool> inFinalFile_;    // by the number of the capture
   std::int64_t runningSince_ = 0;
   std::size_t openingsSeen_ = 0;
   Milliseconds lastOpening_{0};
