@@ -1,21 +1,34 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/DateValue.h"
 #include "base/Result.h"
 
 namespace kestrune::platform {
 
-/// How a rename went. `NameTaken` says that it failed because the new name is in use, so that another name may do.
+/// How a rename went. `NameTaken` says that it failed because the new name is in use, so that another name may do;
+/// `OtherVolume`, that the new name lies on another volume, where only a copy can go.
 struct [[nodiscard]] RenameResult {
   base::Result Outcome = base::Result::Done();
   bool NameTaken = false;
+  bool OtherVolume = false;
 
   explicit operator bool() const { return Outcome.Ok(); }
+};
+
+/// A plain file in a folder.
+struct FileEntry {
+  std::string Name;
+  std::int64_t Bytes = 0;
+  base::DateValue Written;  ///< when its contents last changed, local time
+
+  bool operator==(const FileEntry&) const = default;
 };
 
 /// A text file that stays open for writing, such as a trace. Each line is on its way to disk when the call
@@ -48,6 +61,13 @@ class Files {
   /// Names of the plain, not hidden files of a folder that match a pattern with "*" and "?", sorted.
   [[nodiscard]] virtual std::vector<std::string> Matching(std::string_view folder,
                                                           std::string_view pattern) const = 0;
+  /// The plain, not hidden files of a folder, no links: what was written first comes first, and of the same moment by
+  /// name. Empty if there is no such folder.
+  [[nodiscard]] virtual std::vector<FileEntry> List(std::string_view folder) const = 0;
+  /// The size of a file; nothing if there is none.
+  [[nodiscard]] virtual std::optional<std::int64_t> Bytes(std::string_view path) const = 0;
+  /// Whether anybody, this process too, has the file open at this moment; false where that cannot be told.
+  [[nodiscard]] virtual bool InUse(std::string_view path) const = 0;
 
   [[nodiscard]] virtual base::Result Remove(std::string_view path) = 0;
   /// Removes a file, unless a process holds it as the capture that it is writing. See CaptureFile.

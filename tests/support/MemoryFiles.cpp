@@ -32,6 +32,7 @@ class MemoryFiles::OpenFile final : public platform::OpenTextFile {
   [[nodiscard]] bool WriteLine(std::string_view text) override {
     if (files_.Fails(FileOperation::WriteLine) || files_.DiskFull) return false;
     files_.files_[path_].append(text).append("\n");
+    files_.NoteWritten(path_);
     return true;
   }
 
@@ -56,6 +57,9 @@ std::string MemoryFiles::Parent(const std::string& path) {
 }
 
 bool MemoryFiles::Fails(FileOperation operation) const {
+  if (changesLeft_ == 0 && operation != FileOperation::Read) return true;
+  const bool counts = operation != FileOperation::Read && operation != FileOperation::Append;
+  if (changesLeft_ > 0 && counts) --changesLeft_;
   const auto failure = failures_.find(operation);
   if (failure == failures_.end() || failure->second == 0) return false;
   --failure->second;
@@ -79,6 +83,7 @@ base::Result MemoryFiles::Write(const std::string& path, std::string text) {
   if (base::Result writable = Writable(path); !writable) return writable;
   if (folders_.contains(path)) return base::Result::Failed(kIsFolder);
   files_[path] = std::move(text);
+  NoteWritten(path);
   return base::Result::Done();
 }
 
@@ -196,6 +201,13 @@ platform::RenameResult MemoryFiles::RenameNoReplace(std::string_view from, std::
   for (const std::string& path : {source, target}) {
     if (base::Result writable = Writable(path); !writable) return {.Outcome = writable};
   }
+  if (VolumeOf(source) != VolumeOf(target)) {
+    return {.Outcome = base::Result::Failed("Invalid cross-device link"),
+            .NameTaken = false,
+            .OtherVolume = true};
+  }
+  written_[target] = written_[source];
+  if (inUse_.erase(source) > 0) inUse_.insert(target);
   auto file = files_.extract(source);
   file.key() = target;
   files_.insert(std::move(file));
@@ -230,6 +242,7 @@ base::Result MemoryFiles::Append(std::string_view path, std::string_view text) {
   if (base::Result writable = Writable(clean); !writable) return writable;
   if (folders_.contains(clean)) return base::Result::Failed(kIsFolder);
   files_[clean].append(text);
+  NoteWritten(clean);
   return base::Result::Done();
 }
 
@@ -249,7 +262,42 @@ std::unique_ptr<platform::OpenTextFile> MemoryFiles::OpenForWriting(std::string_
 }
 
 double MemoryFiles::FreeBytes(std::string_view /*path*/) const {
+  ++Asked;
   return Free;
+}
+
+std::vector<platform::FileEntry> MemoryFiles::List(std::string_view folder) const {
+  std::multimap<std::uint64_t, platform::FileEntry> entries;
+  for (const std::string& name : Matching(folder, "*")) {
+    const std::string path = Clean(folder) + "/" + name;
+    const auto written = written_.find(path);
+    const Written when = written == written_.end() ? Written() : written->second;
+    entries.insert({when.Order, {.Name = name, .Bytes = Bytes(path).value_or(0), .Written = when.At}});
+  }
+  std::vector<platform::FileEntry> list;
+  for (auto& [order, entry] : entries) list.push_back(std::move(entry));
+  return list;
+}
+
+std::optional<std::int64_t> MemoryFiles::Bytes(std::string_view path) const {
+  const auto file = files_.find(Followed(path));
+  if (file == files_.end()) return std::nullopt;
+  return static_cast<std::int64_t>(file->second.size());
+}
+
+void MemoryFiles::OpenByAnother(std::string_view path, bool open) {
+  if (open) {
+    inUse_.insert(Clean(path));
+  } else {
+    inUse_.erase(Clean(path));
+  }
+}
+
+std::string MemoryFiles::VolumeOf(const std::string& path) const {
+  std::string volume;
+  for (const std::string& folder : volumes_)
+    if (path.starts_with(folder + "/") && folder.size() > volume.size()) volume = folder;
+  return volume;
 }
 
 void MemoryFiles::MakeFolders(std::string_view path) {
@@ -262,6 +310,7 @@ void MemoryFiles::Put(std::string_view path, std::string_view text) {
   const std::string clean = Clean(path);
   MakeFolders(Parent(clean));
   files_[clean] = text;
+  NoteWritten(clean);
 }
 
 std::string MemoryFiles::Text(std::string_view path) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
@@ -45,6 +46,10 @@ class MemoryFiles final : public platform::Files {
   [[nodiscard]] base::Result RemoveFolder(std::string_view path) override;
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
                                                   std::string_view pattern) const override;
+  /// As of what was written when; what a test puts there counts as written at that moment.
+  [[nodiscard]] std::vector<platform::FileEntry> List(std::string_view folder) const override;
+  [[nodiscard]] std::optional<std::int64_t> Bytes(std::string_view path) const override;
+  [[nodiscard]] bool InUse(std::string_view path) const override { return inUse_.contains(Clean(path)); }
   [[nodiscard]] base::Result Remove(std::string_view path) override;
   [[nodiscard]] base::Result RemoveUnlessHeld(std::string_view path) override;
   [[nodiscard]] platform::RenameResult RenameNoReplace(std::string_view from, std::string_view to) override;
@@ -72,9 +77,18 @@ class MemoryFiles final : public platform::Files {
   void FailNext(FileOperation operation, int times = 1) { failures_[operation] = times; }
   /// Every call of the operation fails from now on.
   void FailAlways(FileOperation operation) { FailNext(operation, std::numeric_limits<int>::max()); }
-  void Heal() { failures_.clear(); }
+  /// After so many changes more, appended text not counted, nothing changes any more, as when the program is killed.
+  void FreezeAfter(int changes) { changesLeft_ = changes; }
+  void Heal() {
+    failures_.clear();
+    changesLeft_ = -1;
+  }
   /// Another process holds the file, which it is writing.
   void HoldByAnother(std::string_view path) { held_.insert(Clean(path)); }
+  /// Another process has the file open, or no longer.
+  void OpenByAnother(std::string_view path, bool open = true);
+  /// What lies in the folder and below it is on a volume of its own: nothing is renamed into it or out of it.
+  void PutOnOtherVolume(std::string_view folder) { volumes_.insert(Clean(folder)); }
   /// Plants a link to another file. Exists, Read, Replace and Append follow it; Remove removes the link.
   void PlantLink(std::string_view path, std::string_view target);
   /// Right before the next rename, somebody else puts a file under its new name.
@@ -89,11 +103,19 @@ class MemoryFiles final : public platform::Files {
   bool DiskFull = false;
   /// What FreeBytes answers for every volume.
   double Free = 100e9;
+  /// The wall clock, for List; without it all is written at the first of moments, in its order.
+  std::function<base::DateValue()> Now = [] { return base::DateValue(); };
+  /// How often FreeBytes was asked.
+  mutable int Asked = 0;
   /// Each call that changes something, failed ones too: the operation's name and the path or paths.
   std::vector<std::string> Calls;
 
  private:
   class OpenFile;
+  struct Written {
+    base::DateValue At;
+    std::uint64_t Order = 0;
+  };
 
   [[nodiscard]] static std::string Clean(std::string_view path);
   [[nodiscard]] static std::string Parent(const std::string& path);
@@ -104,16 +126,24 @@ class MemoryFiles final : public platform::Files {
   /// The file that a path leads to.
   [[nodiscard]] std::string Followed(std::string_view path) const;
   [[nodiscard]] base::Result Write(const std::string& path, std::string text);
+  void NoteWritten(const std::string& path) { written_[path] = {.At = Now(), .Order = ++writes_}; }
+  /// The folder of its volume; empty for the one of the root.
+  [[nodiscard]] std::string VolumeOf(const std::string& path) const;
 
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
   std::set<std::string> ownFolders_;
   std::set<std::string> unwritable_;
   std::set<std::string> held_;
+  std::set<std::string> inUse_;
+  std::set<std::string> volumes_;
+  std::map<std::string, Written> written_;
+  std::uint64_t writes_ = 0;
   std::map<std::string, std::string> links_;
   std::optional<std::string> takenAtRename_;
   int privateFolders_ = 0;
   mutable std::map<FileOperation, int> failures_;
+  mutable int changesLeft_ = -1;  // negative: any number
 };
 
 }  // namespace kestrune::test

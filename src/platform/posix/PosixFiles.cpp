@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstddef>
 #include <cstdlib>
+#include <ctime>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include <dirent.h>
@@ -39,6 +42,24 @@ FileDescriptor OpenPlain(const std::string& path) {
   errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
   return {};
 }
+
+base::DateValue LocalTime(std::time_t moment) {
+  std::tm fields{};
+  if (::localtime_r(&moment, &fields) == nullptr) return {};
+  return base::DateValue::FromCivil(fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
+                                    fields.tm_min, fields.tm_sec);
+}
+
+/// A file of a folder, with the exact time by which they are put in order.
+struct WrittenFile {
+  timespec Written{};
+  FileEntry Entry;
+
+  bool operator<(const WrittenFile& other) const {
+    return std::tie(Written.tv_sec, Written.tv_nsec, Entry.Name) <
+           std::tie(other.Written.tv_sec, other.Written.tv_nsec, other.Entry.Name);
+  }
+};
 
 /// What the system answers to a path that it cannot take.
 base::Result NoSuchPath() {
@@ -153,6 +174,51 @@ std::vector<std::string> PosixFiles::Matching(std::string_view folder, std::stri
   return names;
 }
 
+std::vector<FileEntry> PosixFiles::List(std::string_view folder) const {
+  const auto path = SystemPath(folder);
+  if (!path) return {};
+  const std::unique_ptr<DIR, CloseFolder> open(::opendir(path->c_str()));
+  if (!open) return {};
+  std::vector<WrittenFile> files;
+  while (const dirent* entry = ::readdir(open.get())) {
+    const std::string name(&entry->d_name[0]);
+    struct stat status {};
+    if (name.starts_with('.') ||
+        ::fstatat(::dirfd(open.get()), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+        !S_ISREG(status.st_mode)) {
+      continue;
+    }
+    files.push_back({.Written = status.st_mtim,
+                     .Entry = {.Name = name,
+                               .Bytes = static_cast<std::int64_t>(status.st_size),
+                               .Written = LocalTime(status.st_mtim.tv_sec)}});
+  }
+  std::sort(files.begin(), files.end());
+  std::vector<FileEntry> entries;
+  entries.reserve(files.size());
+  for (WrittenFile& file : files) entries.push_back(std::move(file.Entry));
+  return entries;
+}
+
+std::optional<std::int64_t> PosixFiles::Bytes(std::string_view path) const {
+  const auto name = SystemPath(path);
+  struct stat status {};
+  if (!name || ::stat(name->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  return static_cast<std::int64_t>(status.st_size);
+}
+
+bool PosixFiles::InUse(std::string_view path) const {
+  const auto name = SystemPath(path);
+  if (!name) return false;
+  const FileDescriptor file = OpenPlain(*name);
+  if (!file.IsOpen()) return false;
+  // The lease is over with the descriptor. Somebody who opens the file before that waits so long, and the system says
+  // so with a signal: by default one that ends the process, so it is to be one that is ignored.
+  if (::fcntl(file.Number(), F_SETSIG, SIGURG) != 0) return false;
+  if (::fcntl(file.Number(), F_SETLEASE, F_WRLCK) == 0) return false;
+  return errno == EAGAIN;
+}
+
 base::Result PosixFiles::Remove(std::string_view path) {
   const auto name = SystemPath(path);
   if (!name) return NoSuchPath();
@@ -169,10 +235,10 @@ base::Result PosixFiles::RemoveUnlessHeld(std::string_view path) {
 RenameResult PosixFiles::RenameNoReplace(std::string_view from, std::string_view to) {
   const auto oldName = SystemPath(from);
   const auto newName = SystemPath(to);
-  if (!oldName || !newName) return {.Outcome = NoSuchPath(), .NameTaken = false};
+  if (!oldName || !newName) return {.Outcome = NoSuchPath(), .NameTaken = false, .OtherVolume = false};
   const int error = RenameNeverReplacing(*oldName, *newName);
   if (error == 0) return {};
-  return {.Outcome = FailedWith(error), .NameTaken = error == EEXIST};
+  return {.Outcome = FailedWith(error), .NameTaken = error == EEXIST, .OtherVolume = error == EXDEV};
 }
 
 base::Result PosixFiles::Copy(std::string_view from, std::string_view to) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,11 @@ class PosixFiles final : public Files {
   /// A link to a plain file counts as one.
   [[nodiscard]] std::vector<std::string> Matching(std::string_view folder,
                                                   std::string_view pattern) const override;
+  [[nodiscard]] std::vector<FileEntry> List(std::string_view folder) const override;
+  [[nodiscard]] std::optional<std::int64_t> Bytes(std::string_view path) const override;
+  /// Asks the system for a lease, which it gives only on a file that nobody has open, and gives it back. Only on the
+  /// user's own files.
+  [[nodiscard]] bool InUse(std::string_view path) const override;
   /// Removes a file, never a folder.
   [[nodiscard]] base::Result Remove(std::string_view path) override;
   [[nodiscard]] base::Result RemoveUnlessHeld(std::string_view path) override;

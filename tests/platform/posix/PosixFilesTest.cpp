@@ -1,10 +1,13 @@
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -41,6 +44,106 @@ TEST_F(PosixFilesTest, ExistsSeesFilesAndFolders) {
   EXPECT_FALSE(files.Exists(""));
 }
 
+TEST_F(PosixFilesTest, AListHasThePlainFilesInTheOrderInWhichTheyWereWritten) {
+  const auto put = [this](const char* name, std::size_t bytes, long seconds, long nanoseconds) {
+    PutFile(folder / name, std::string(bytes, 'x'));
+    const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
+                              {.tv_sec = seconds, .tv_nsec = nanoseconds}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, (folder / name).c_str(), &times[0], 0), 0);
+  };
+  put("a", 3, 1'700'000'000, 500);
+  put("b", 1, 1'700'000'000, 400);
+  put("d", 0, 1'600'000'000, 0);
+  put("c", 2, 1'600'000'000, 0);
+  put(".hidden", 2, 1'600'000'000, 0);
+  ASSERT_TRUE(files.CreateFolder(folder / "folder"));
+  std::filesystem::create_symlink(folder / "a", folder / "link");
+  std::vector<std::string> found;
+  for (const FileEntry& entry : files.List(folder.Path()))
+    found.push_back(entry.Name + std::to_string(entry.Bytes));
+  EXPECT_EQ(found, (std::vector<std::string>{"c2", "d0", "b1", "a3"}));
+  const std::time_t moment = 1'700'000'000;
+  std::tm fields{};
+  ASSERT_NE(::localtime_r(&moment, &fields), nullptr);
+  EXPECT_EQ(files.List(folder.Path())[3].Written,
+            base::DateValue::FromCivil(fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
+                                       fields.tm_hour, fields.tm_min, fields.tm_sec));
+  EXPECT_TRUE(files.List(folder / "none").empty());
+}
+
+TEST_F(PosixFilesTest, ASizeIsThatOfAPlainFile) {
+  PutFile(folder / "file", "12345");
+  EXPECT_EQ(files.Bytes(folder / "file"), 5);
+  EXPECT_EQ(files.Bytes(folder.Path()), std::nullopt);
+  EXPECT_EQ(files.Bytes(folder / "none"), std::nullopt);
+}
+
+TEST_F(PosixFilesTest, AFileIsInUseWhileAnotherProcessHasItOpen) {
+  const std::string path = folder / "song";
+  PutFile(path, "sound");
+  EXPECT_FALSE(files.InUse(path));
+  int gate[2] = {};
+  int ready[2] = {};
+  ASSERT_EQ(::pipe(&gate[0]), 0);
+  ASSERT_EQ(::pipe(&ready[0]), 0);
+  const pid_t reader = ::fork();
+  if (reader == 0) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    char byte = file >= 0 ? 'y' : 'n';
+    if (::write(ready[1], &byte, 1) != 1) ::_exit(1);
+    if (::read(gate[0], &byte, 1) != 1) ::_exit(1);
+    ::_exit(0);
+  }
+  char byte = 'n';
+  ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+  ASSERT_EQ(byte, 'y');
+  EXPECT_TRUE(files.InUse(path));
+  EXPECT_FALSE(files.InUse(folder / "other"));
+  ASSERT_EQ(::write(gate[1], &byte, 1), 1);
+  int status = 0;
+  ASSERT_EQ(::waitpid(reader, &status, 0), reader);
+  EXPECT_FALSE(files.InUse(path));
+  EXPECT_FALSE(files.InUse(folder.Path()));
+  for (const int end : {gate[0], gate[1], ready[0], ready[1]}) ::close(end);
+}
+
+// Whoever opens the file while it is being asked about must not end this process.
+TEST_F(PosixFilesTest, AReaderThatComesInBetweenHarmsNobody) {
+  const std::string path = folder / "song";
+  PutFile(path, "sound");
+  const pid_t reader = ::fork();
+  if (reader == 0) {
+    for (;;) {
+      const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+      if (file >= 0) ::close(file);
+    }
+  }
+  int inUse = 0;
+  for (int i = 0; i < 20000; ++i) inUse += files.InUse(path) ? 1 : 0;
+  ::kill(reader, SIGKILL);
+  int status = 0;
+  ASSERT_EQ(::waitpid(reader, &status, 0), reader);
+  EXPECT_GE(inUse, 0);
+}
+
+TEST_F(PosixFilesTest, ARenameToAnotherVolumeIsKnownAsSuch) {
+  std::string other = "/dev/shm/kestrune-test-XXXXXX";
+  if (::mkdtemp(other.data()) == nullptr) GTEST_SKIP() << "there is no other volume";
+  struct stat here {};
+  struct stat there {};
+  ASSERT_EQ(::stat(folder.Path().c_str(), &here), 0);
+  ASSERT_EQ(::stat(other.c_str(), &there), 0);
+  PutFile(folder / "file", "text");
+  const RenameResult moved = files.RenameNoReplace(folder / "file", other + "/file");
+  std::filesystem::remove_all(other);
+  if (here.st_dev == there.st_dev) GTEST_SKIP() << "there is no other volume";
+  EXPECT_FALSE(moved);
+  EXPECT_TRUE(moved.OtherVolume);
+  EXPECT_FALSE(moved.NameTaken);
+  EXPECT_EQ(FileText(folder / "file"), "text");
+  EXPECT_FALSE(files.RenameNoReplace(folder / "none", folder / "to").OtherVolume);
+}
+
 TEST_F(PosixFilesTest, APathWithANulFailsEverywhere) {
   PutFile(folder / "file", "text");
   const std::string bad = (folder / "file") + '\0' + "x";
@@ -48,6 +151,9 @@ TEST_F(PosixFilesTest, APathWithANulFailsEverywhere) {
   EXPECT_FALSE(files.CreateFolder(bad));
   EXPECT_FALSE(files.RemoveFolder(bad));
   EXPECT_TRUE(files.Matching(bad, "*").empty());
+  EXPECT_TRUE(files.List(bad).empty());
+  EXPECT_EQ(files.Bytes(bad), std::nullopt);
+  EXPECT_FALSE(files.InUse(bad));
   EXPECT_FALSE(files.Remove(bad));
   EXPECT_FALSE(files.RenameNoReplace(bad, folder / "to"));
   EXPECT_FALSE(files.RenameNoReplace(folder / "file", bad));
