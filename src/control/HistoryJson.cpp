@@ -15,26 +15,11 @@ using platform::HistoryIncident;
 using platform::HistoryPlay;
 using platform::HistorySong;
 
-constexpr std::array<std::string_view, platform::kSongFates> kFates{
-    "kept",   "incomplete", "not renamed", "too short", "too long",  "not grabbed",
-    "killed", "duplicate",  "no sound",    "failed",    "not whole", "not wanted"};
 constexpr std::array<std::string_view, platform::kIncidentKinds> kKinds{"radio", "sound", "disk",
                                                                         "sleep", "clock", "program"};
 constexpr const char* kArtists = "artists";
 constexpr const char* kSongs = "songs";
 constexpr std::array<std::string_view, 4> kStates{"completed", "running", "broken off", "missed"};
-
-/// Visits a value of an enumeration as its word. One that is read and has no such word has its first value.
-template <typename Value, std::size_t Count>
-void VisitWord(const char* name, Value& value, const std::array<std::string_view, Count>& words,
-               auto& visit) {
-  std::string word(words.at(static_cast<std::size_t>(value)));
-  visit(name, word);
-  if constexpr (!std::is_const_v<Value>) {
-    for (std::size_t i = 0; i < Count; ++i)
-      if (words.at(i) == word) value = static_cast<Value>(i);
-  }
-}
 
 /// A row of artists, which has no song.
 struct ArtistCount {
@@ -52,7 +37,7 @@ static void ForEachMember(EitherConst<HistorySong> auto& song, auto& visit) {
   visit("artist", song.Artist);
   visit("song", song.Title);
   visit("lengthMs", song.LengthMs);
-  VisitWord("fate", song.Fate, kFates, visit);
+  VisitWord("fate", song.Fate, kFateWords, visit);
   visit("reason", song.Reason);
   visit("file", song.File);
   visit("event", song.Event);
@@ -113,6 +98,7 @@ static void ForEachMember(EitherConst<EventStory> auto& event, auto& visit) {
   VisitWord("state", event.State, kStates, visit);
   visit("why", event.Why);
   visit("kept", event.Kept);
+  visit("keptLater", event.KeptLater);
   visit("dropped", event.Dropped);
   visit("missingSeconds", event.MissingSeconds);
   visit("missing", event.Missing);

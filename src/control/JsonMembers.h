@@ -1,9 +1,12 @@
 #pragma once
 
+#include <array>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -11,6 +14,7 @@
 #include "base/DatePattern.h"
 #include "base/DateValue.h"
 #include "control/ReportJson.h"
+#include "platform/HistoryRows.h"
 
 // How a report's members become the members of a JSON object and come back. A file that includes this lists them once,
 // in functions `static void ForEachMember(EitherConst<Report> auto& report, auto& visit)` of this namespace.
@@ -24,6 +28,23 @@ concept EitherConst = std::same_as<std::remove_const_t<Type>, Report>;
 [[nodiscard]] inline std::string MomentText(std::optional<base::DateValue> moment) {
   return moment ? base::FormatDate(*moment, "yyyy-mm-dd hh:nn:ss") : std::string();
 }
+
+/// Visits a value of an enumeration as its word. One that is read and has no such word has its first value.
+template <typename Value, std::size_t Count>
+void VisitWord(const char* name, Value& value, const std::array<std::string_view, Count>& words,
+               auto& visit) {
+  std::string word(words.at(static_cast<std::size_t>(value)));
+  visit(name, word);
+  if constexpr (!std::is_const_v<Value>) {
+    for (std::size_t i = 0; i < Count; ++i)
+      if (words.at(i) == word) value = static_cast<Value>(i);
+  }
+}
+
+/// What became of a song, a word for each fate.
+inline constexpr std::array<std::string_view, platform::kSongFates> kFateWords{
+    "kept",      "incomplete", "not renamed", "too short", "too long",   "not grabbed", "killed",
+    "duplicate", "no sound",   "failed",      "not whole", "not wanted", "kept later"};
 
 /// Puts each member into an object.
 struct Writer {

@@ -94,6 +94,8 @@ std::string_view FateText(SongFate fate) {
       return "not whole";
     case SongFate::NotWanted:
       return "not wanted";
+    case SongFate::KeptLater:
+      return "kept later";
   }
   return {};
 }

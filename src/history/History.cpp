@@ -65,6 +65,13 @@ void History::SongEnded(platform::HistorySong song) {
   HandOverSoon();
 }
 
+void History::SongMoved(std::string from, std::string to, std::optional<platform::SongFate> fate) {
+  if (!run_) return;
+  platform::HistoryMove move{.From = std::move(from), .To = std::move(to), .Fate = fate};
+  if (!platform::Moved(rows_.Songs, move)) rows_.Moves.push_back(std::move(move));
+  HandOverSoon();
+}
+
 void History::EventBegan(const EventStart& event) {
   if (!run_) return;
   if (event_) EventEnded(event_->Kept, event_->Dropped, "another event began");
@@ -196,6 +203,11 @@ void History::CountPlays(platform::MostPlayedSearch search, platform::HistorySto
 void History::AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer) {
   HandOver();
   store_.ReadCuts(search, std::move(answer));
+}
+
+void History::AskFolder(std::string folder, platform::HistoryStore::SongsAnswer answer) {
+  HandOver();
+  store_.ReadFolder(std::move(folder), std::move(answer));
 }
 
 void History::AskLags(platform::HistoryStore::LagsAnswer answer) {

@@ -49,6 +49,9 @@ class History {
   void Close(std::string_view why);
 
   void SongEnded(platform::HistorySong song);
+  /// The file of a song that ended has another name now, an empty one if it is gone; and the song another fate, if one
+  /// is given.
+  void SongMoved(std::string from, std::string to, std::optional<platform::SongFate> fate);
 
   /// One event runs at a time; the next one ends it.
   void EventBegan(const EventStart& event);
@@ -84,6 +87,8 @@ class History {
   void Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer);
   void CountPlays(platform::MostPlayedSearch search, platform::HistoryStore::CountsAnswer answer);
   void AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer);
+  /// The songs whose files lie in a folder, which ends in "/"; as HistoryStore::ReadFolder has them.
+  void AskFolder(std::string folder, platform::HistoryStore::SongsAnswer answer);
   void AskLags(platform::HistoryStore::LagsAnswer answer);
 
  private:

@@ -115,12 +115,16 @@ class StoryTeller {
                      .State = EventState::Missed,
                      .Why = last.WhyNot,
                      .Kept = 0,
+                     .KeptLater = 0,
                      .Dropped = 0,
                      .MissingSeconds = 0,
                      .Missing = {},
                      .Songs = std::move(songs)};
     if (story.Began) TellEnd(last, story);
-    for (const HistorySong& song : story.Songs) ++(platform::IsKept(song.Fate) ? story.Kept : story.Dropped);
+    for (const HistorySong& song : story.Songs) {
+      ++(platform::IsKept(song.Fate) ? story.Kept : story.Dropped);
+      if (song.Fate == SongFate::KeptLater) ++story.KeptLater;
+    }
     TellMissing(last, story);
     return story;
   }

@@ -33,8 +33,9 @@ struct EventStory {
   std::optional<base::DateValue> Began;  ///< nothing if it never did
   std::optional<base::DateValue> Ended;  ///< nothing if it runs, or never began
   EventState State = EventState::Completed;
-  std::string Why;  ///< why it was missed or broke off; empty if all was well
-  int Kept = 0;     ///< songs
+  std::string Why;    ///< why it was missed or broke off; empty if all was well
+  int Kept = 0;       ///< songs
+  int KeptLater = 0;  ///< of these, because a user asked for them
   int Dropped = 0;
   /// What is missing, all in all, in seconds: the planned time, less what is in a file (silence that was noticed is not) and what was dropped or left
   /// out as asked for. What falls short of half a minute is not counted.

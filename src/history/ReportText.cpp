@@ -90,6 +90,11 @@ std::string StateText(const EventStory& event) {
   return event.Why.empty() ? text : text + ": " + base::OneLine(event.Why);
 }
 
+/// How many of the songs a user kept that would have been dropped.
+std::string LaterText(int songs) {
+  return songs == 0 ? std::string() : fmt::format(" ({} of them later)", songs);
+}
+
 bool HasProblem(const EventStory& event) {
   return event.MissingSeconds > 0 || event.State == EventState::Missed ||
          event.State == EventState::BrokenOff;
@@ -103,7 +108,8 @@ std::string EventText(const EventStory& event) {
                   MissingText(event.MissingSeconds, LacksMoments(event)));
   if (const std::string state = StateText(event); !state.empty()) text += "  " + state + '\n';
   if (event.State != EventState::Missed) {
-    text += fmt::format("  {} kept, {} dropped", Songs(event.Kept), event.Dropped);
+    text +=
+        fmt::format("  {} kept{}, {} dropped", Songs(event.Kept), LaterText(event.KeptLater), event.Dropped);
     if (event.Dropped > 0) text += fmt::format(" ({})", DropText(event.Songs));
     text += '\n';
   }
@@ -125,17 +131,23 @@ std::string IncidentText(const HistoryIncident& incident) {
 
 std::string Summary(const Report& report) {
   int kept = 0;
+  int later = 0;
   int dropped = 0;
   std::int64_t missing = 0;
   for (const EventStory& event : report.Events) {
     kept += event.Kept;
+    later += event.KeptLater;
     dropped += event.Dropped;
     missing += event.MissingSeconds;
   }
-  for (const HistorySong& song : report.OtherSongs) ++(platform::IsKept(song.Fate) ? kept : dropped);
+  for (const HistorySong& song : report.OtherSongs) {
+    ++(platform::IsKept(song.Fate) ? kept : dropped);
+    if (song.Fate == platform::SongFate::KeptLater) ++later;
+  }
   return fmt::format(
-      "{}, {} kept, {} dropped, {}, {}.\n", Count(report.Events.size(), "event", "events"), Songs(kept),
-      dropped, MissingText(missing, std::any_of(report.Events.begin(), report.Events.end(), LacksMoments)),
+      "{}, {} kept{}, {} dropped, {}, {}.\n", Count(report.Events.size(), "event", "events"), Songs(kept),
+      LaterText(later), dropped,
+      MissingText(missing, std::any_of(report.Events.begin(), report.Events.end(), LacksMoments)),
       Count(report.Incidents.size(), "incident", "incidents"));
 }
 

@@ -24,14 +24,16 @@ enum class SongFate : std::uint8_t {
   Killed = 6,      ///< on the Kill lists
   Duplicate = 7,
   NoSound = 8,
-  Failed = 9,     ///< it could not be written, or its file is gone
-  NotWhole = 10,  ///< captured before the first whole song began
-  NotWanted = 11  ///< nobody was recording
+  Failed = 9,      ///< it could not be written, or its file is gone
+  NotWhole = 10,   ///< captured before the first whole song began
+  NotWanted = 11,  ///< nobody was recording
+  KeptLater = 12   ///< nobody was recording, or it would have been dropped, but a user asked for it
 };
-inline constexpr int kSongFates = 12;
+inline constexpr int kSongFates = 13;
 
 [[nodiscard]] constexpr bool IsKept(SongFate fate) {
-  return fate == SongFate::Kept || fate == SongFate::KeptIncomplete || fate == SongFate::KeptUnnamed;
+  return fate == SongFate::Kept || fate == SongFate::KeptIncomplete || fate == SongFate::KeptUnnamed ||
+         fate == SongFate::KeptLater;
 }
 
 /// A place where a cut might have fallen.
@@ -67,7 +69,7 @@ struct HistorySong {
   std::int64_t LengthMs = 0;  ///< of the sound captured
   SongFate Fate = SongFate::Kept;
   std::string Reason;             ///< why, as the log says it; may be empty
-  std::string File;               ///< full path; empty if there is none
+  std::string File;               ///< full path, on the shelf if it was not kept; empty if there is none
   std::int16_t Event = 0;         ///< the schedule entry that ran when it began, 1 to 10; 0 for none
   std::int64_t SamplesLost = 0;   ///< a sample of each sound channel counts as one
   std::int64_t MissingMs = 0;     ///< their length
@@ -143,7 +145,28 @@ struct HistoryLag {
   bool operator==(const HistoryLag&) const = default;
 };
 
+/// What became later of the file of a song that was handed over before. It changes the newest song with that file.
+struct HistoryMove {
+  std::string From;
+  std::string To;                ///< empty if the file is gone
+  std::optional<SongFate> Fate;  ///< nothing if it stays as it was
+
+  bool operator==(const HistoryMove&) const = default;
+};
+
+/// Changes the last of the songs that has that file; false if none has it.
+[[nodiscard]] inline bool Moved(std::vector<HistorySong>& songs, const HistoryMove& move) {
+  for (auto song = songs.rbegin(); song != songs.rend(); ++song) {
+    if (move.From.empty() || song->File != move.From) continue;
+    song->File = move.To;
+    song->Fate = move.Fate.value_or(song->Fate);
+    return true;
+  }
+  return false;
+}
+
 struct HistoryRows {
+  std::vector<HistoryMove> Moves;  ///< they come before the songs
   std::vector<HistorySong> Songs;
   std::vector<HistoryEvent> Events;
   std::vector<HistoryIncident> Incidents;
@@ -152,7 +175,8 @@ struct HistoryRows {
   std::vector<HistoryLag> Lags;
 
   [[nodiscard]] std::size_t Count() const {
-    return Songs.size() + Events.size() + Incidents.size() + Runs.size() + Plays.size() + Lags.size();
+    return Songs.size() + Moves.size() + Events.size() + Incidents.size() + Runs.size() + Plays.size() +
+           Lags.size();
   }
 
   bool operator==(const HistoryRows&) const = default;

@@ -93,6 +93,9 @@ class HistoryStore {
   /// The songs that have a Cut, newest end first.
   virtual void ReadCuts(CutSearch search, SongsAnswer answer) = 0;
 
+  /// The songs whose files lie in a folder, which ends in "/", or below it, newest end first; the newest 50,000.
+  virtual void ReadFolder(std::string folder, SongsAnswer answer) = 0;
+
   using LagsAnswer = std::function<void(const base::Result& asked, const std::vector<HistoryLag>& lags)>;
   /// What was learned of all channels, in their order.
   virtual void ReadLags(LagsAnswer answer) = 0;

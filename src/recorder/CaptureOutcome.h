@@ -40,6 +40,7 @@ struct CaptureOutcome {
   ModeSwitches Modes;      ///< in force when the capture began: that entry's, or the user's
 
   std::string FinalName;  ///< full path of the song; empty as long as there is none
+  std::string ShelfName;  ///< full path on the shelf of a capture that was not kept; empty if it is not there
 
   /// Why nothing more reaches the file; empty if all is well.
   [[nodiscard]] const std::string& Failure() const {

@@ -47,7 +47,8 @@ void CaptureWatch::LookForFailure(const CaptureRecord& capture) {
 bool CaptureWatch::TooLongForNobody(const CaptureRecord& capture) const {
   const RecordingState& recording = state_.Recording;
   const std::int64_t minutes = state_.Settings.IdleCaptureMinutes;
-  return minutes > 0 && !recording.CaptureWanted() && capture.LengthMs >= minutes * kMsPerMinute;
+  return minutes > 0 && !recording.CaptureWanted() && !capture.KeepAtEnd &&
+         capture.LengthMs >= minutes * kMsPerMinute;
 }
 
 }  // namespace kestrune::recorder

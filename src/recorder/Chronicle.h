@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,12 @@ class Chronicle {
 
   /// A capture has been stopped and met its fate; its file, if it has one, has its name. `reason` as the log has it.
   void SongEnded(const CaptureRecord& capture, platform::SongFate fate, std::string_view reason);
+
+  /// The file of such a capture has been moved, or is gone: then `to` is empty.
+  void SongMoved(const std::string& from, const std::string& to,
+                 std::optional<platform::SongFate> fate = std::nullopt) {
+    history_.SongMoved(from, to, fate);
+  }
 
   /// A scheduled event as it begins, or as its entry has it now. `until` is what the wall clock shows at its end.
   struct Event {

@@ -13,6 +13,10 @@ std::string PathOf(const CaptureRecord& capture, const std::string& suffix) {
   return capture.FileName + suffix + "." + capture.Extension;
 }
 
+std::string NameOf(const CaptureRecord& capture, std::string_view suffix) {
+  return fmt::format("{} - {}{}", capture.Artist, capture.Song, suffix);
+}
+
 constexpr const char* kDuplicate = ", duplicate song in output directory";
 
 }  // namespace
@@ -37,13 +41,13 @@ Disposition::Disposition(State& state, const Parts& parts, base::EventLoop& loop
       songFiles_(parts.SongFiles),
       loop_(loop),
       journal_(journal),
-      chronicle_(parts.Chronicle) {}
+      chronicle_(parts.Chronicle),
+      shelving_(parts.Shelving) {}
 
 void Disposition::Dispose(CaptureRecord& capture) {
   if (capture.Ending.NotWhole) {
-    chronicle_.SongEnded(capture, SongFate::NotWhole, "");
-    songFiles_.Discard(capture);
-    return;
+    if (capture.KeepAtEnd) return DisposeUnwanted(capture);
+    return Drop(capture, SongFate::NotWhole, "", true);
   }
 
   if (capture.Piece && capture.LengthMs == 0) {
@@ -62,10 +66,34 @@ void Disposition::Dispose(CaptureRecord& capture) {
   TestSound(capture, verdict);
   TestLists(capture, verdict);
   TestDuplicates(capture, verdict);
-  if (verdict.Keep) Keep(capture, verdict);
-  chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
-  if (!verdict.Keep) songFiles_.Discard(capture);
+  CarryOut(capture, verdict);
   loop_.PumpEvents();
+}
+
+void Disposition::DisposeUnwanted(CaptureRecord& capture) {
+  const bool incomplete = !capture.Ending.Whole || capture.Outcome.Flawed();
+  if (!capture.KeepAtEnd || capture.LengthMs == 0) return Drop(capture, SongFate::NotWanted, "", incomplete);
+  Verdict verdict{.Keep = true,
+                  .Suffix = incomplete ? " (Incomplete)" : "",
+                  .Seconds = capture.LengthMs / 1000,
+                  .Fate = SongFate::KeptLater,
+                  .Reason = {},
+                  .ForUser = true};
+  TestDuplicates(capture, verdict);
+  CarryOut(capture, verdict);
+}
+
+void Disposition::CarryOut(CaptureRecord& capture, Verdict& verdict) {
+  if (verdict.Keep) Keep(capture, verdict);
+  if (!verdict.Keep) return Drop(capture, verdict.Fate, verdict.Reason, !verdict.Suffix.empty());
+  chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
+  shelving_.GiveWay();
+}
+
+void Disposition::Drop(CaptureRecord& capture, SongFate fate, std::string_view reason, bool incomplete) {
+  shelving_.Take(capture, fate, incomplete);
+  if (capture.LengthMs > 0 || fate != SongFate::NotWanted) chronicle_.SongEnded(capture, fate, reason);
+  songFiles_.Discard(capture);
 }
 
 void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
@@ -77,6 +105,12 @@ void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
   }
   switch (moved.Where) {
     case MovedSong::To::FinalName:
+      if (verdict.ForUser) {
+        verdict.Fate = SongFate::KeptLater;
+        journal_.DoLog(KeptLine(capture.Naming.Values.Channel, NameOf(capture, verdict.Suffix),
+                                capture.LengthMs, capture.Extension));
+        break;
+      }
       ++state_.RecordedCount;
       journal_.DoLog(LogLine("Recorded: Channel ", capture, verdict, " " + fileSpecs_.FileFormatString()));
       break;
@@ -96,13 +130,14 @@ void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {
 }
 
 void Disposition::TestLength(const CaptureRecord& capture, Verdict& verdict) {
-  if (verdict.Seconds < settings_.MinSongLength) {
+  if (verdict.Seconds < settings_.MinSongLength && !PassFor(capture, verdict)) {
     ++state_.TooShortCount;
     Reject(capture, verdict, SongFate::TooShort,
            ", Minimum length: " + FormatSeconds(settings_.MinSongLength));
   }
   // A capture can count in both tests, and the word is the same in both lines.
-  if (verdict.Seconds > settings_.MaxSongLength && settings_.MaxSongLength > 0) {
+  if (verdict.Seconds > settings_.MaxSongLength && settings_.MaxSongLength > 0 &&
+      !PassFor(capture, verdict)) {
     ++state_.TooLongCount;
     Reject(capture, verdict, SongFate::TooLong,
            ", Minimum length: " + FormatSeconds(settings_.MaxSongLength));
@@ -122,11 +157,13 @@ void Disposition::TestLists(const CaptureRecord& capture, Verdict& verdict) {
   const CaptureEnding& ending = capture.Ending;
   const bool grab = outcome.Event != 0 ? outcome.Modes.Grab : ending.Grab;
   const bool kill = outcome.Event != 0 ? outcome.Modes.Kill : ending.Kill;
-  if (grab && verdict.Keep && !restrictions_.IsInGrabList(ending.Artist, ending.Song)) {
+  if (grab && verdict.Keep && !restrictions_.IsInGrabList(ending.Artist, ending.Song) &&
+      !PassFor(capture, verdict)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, SongFate::NotGrabbed, ", not found in the grab list");
   }
-  if (kill && verdict.Keep && restrictions_.IsInKillList(ending.Artist, ending.Song)) {
+  if (kill && verdict.Keep && restrictions_.IsInKillList(ending.Artist, ending.Song) &&
+      !PassFor(capture, verdict)) {
     ++state_.RestrictedCount;
     Reject(capture, verdict, SongFate::Killed, ", found in the kill list");
   }
@@ -140,6 +177,11 @@ void Disposition::TestDuplicates(CaptureRecord& capture, Verdict& verdict) {
   } else if (taken()) {
     Reject(capture, verdict, SongFate::Duplicate, kDuplicate);
   }
+}
+
+bool Disposition::PassFor(const CaptureRecord& capture, Verdict& verdict) {
+  verdict.ForUser = verdict.ForUser || capture.KeepAtEnd;
+  return capture.KeepAtEnd;
 }
 
 bool Disposition::SavesDuplicate(const CaptureRecord& capture) const {
@@ -156,8 +198,8 @@ void Disposition::Reject(const CaptureRecord& capture, Verdict& verdict, SongFat
 
 std::string Disposition::LogLine(std::string_view head, const CaptureRecord& capture, const Verdict& verdict,
                                  std::string_view tail) const {
-  return fmt::format("{}{}  \"{} - {}{}\"  Song length: {}{}", head, capture.Ending.Channel, capture.Artist,
-                     capture.Song, verdict.Suffix, FormatSeconds(verdict.Seconds), tail);
+  return fmt::format("{}{}  \"{}\"  Song length: {}{}", head, capture.Ending.Channel,
+                     NameOf(capture, verdict.Suffix), FormatSeconds(verdict.Seconds), tail);
 }
 
 }  // namespace kestrune::recorder

@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "config/formats/FileSpecs.h"
 #include "recorder/Chronicle.h"
 #include "recorder/Modes.h"
+#include "recorder/Shelving.h"
 #include "recorder/SongFiles.h"
 #include "recorder/State.h"
 #include "schedule/lists/Restrictions.h"
@@ -28,12 +30,15 @@ class Disposition {
     const schedule::Restrictions& Restrictions;
     recorder::SongFiles& SongFiles;
     recorder::Chronicle& Chronicle;
+    recorder::Shelving& Shelving;
   };
 
   Disposition(State& state, const Parts& parts, base::EventLoop& loop, base::Journal& journal);
 
   /// Called while the next capture is already running. The capture's `Ending` says how it ended.
   void Dispose(CaptureRecord& capture);
+  /// The fate of a capture for which nobody was recording: kept if a user asked for it. Serves no events.
+  void DisposeUnwanted(CaptureRecord& capture);
 
  private:
   struct Verdict {
@@ -41,9 +46,12 @@ class Disposition {
     std::string Suffix;
     std::int64_t Seconds = 0;
     platform::SongFate Fate = platform::SongFate::Kept;
-    std::string Reason;  ///< of a fate that is not to be kept under the final name
+    std::string Reason;    ///< of a fate that is not to be kept under the final name
+    bool ForUser = false;  ///< it is kept only because a user asked for it
   };
 
+  /// A test is failed: true, and so noted, if a user wants the song all the same.
+  static bool PassFor(const CaptureRecord& capture, Verdict& verdict);
   void TestLength(const CaptureRecord& capture, Verdict& verdict);
   void TestSound(const CaptureRecord& capture, Verdict& verdict);
   void TestLists(const CaptureRecord& capture, Verdict& verdict);
@@ -51,6 +59,9 @@ class Disposition {
   /// Whether it gets another name if its own is in use.
   [[nodiscard]] bool SavesDuplicate(const CaptureRecord& capture) const;
   void Keep(CaptureRecord& capture, Verdict& verdict);
+  /// What follows the tests: the file's way, and the row of the record.
+  void CarryOut(CaptureRecord& capture, Verdict& verdict);
+  void Drop(CaptureRecord& capture, platform::SongFate fate, std::string_view reason, bool incomplete);
   void Reject(const CaptureRecord& capture, Verdict& verdict, platform::SongFate fate,
               const std::string& why);
   [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,
@@ -64,6 +75,7 @@ class Disposition {
   base::EventLoop& loop_;
   base::Journal& journal_;
   Chronicle& chronicle_;
+  Shelving& shelving_;
 };
 
 }  // namespace kestrune::recorder

@@ -40,6 +40,7 @@ Kestrune::Kestrune(const Outside& outside)
               .Restrictions = restrictions_,
               .Announcer = announcer_,
               .Chronicle = chronicle_,
+              .History = history_,
               .Lags = stationLags_},
              log_),
       commands_(state_, announcer_, radio_.Link, outside.Loop, *tmrUpdate_),
@@ -119,6 +120,7 @@ UnitParts Kestrune::Parts() {
           .Log = log_,
           .History = history_,
           .StationLags = stationLags_,
+          .Shelving = sound_.Shelving,
           .Restrictions = restrictions_,
           .EntryEditors = entryEditors_,
           .Section = section_,
@@ -137,6 +139,16 @@ bool Kestrune::SetMute(bool on) {
   state_.Recording.Muted = on;
   base::Ignored(radio_.Link.Mute(on));
   return true;
+}
+
+base::Result Kestrune::KeepCurrent() {
+  RecordingState& recording = state_.Recording;
+  CaptureRecord& capture = recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot));
+  if (capture.FileName.empty()) return base::Result::Failed("no song is captured yet");
+  const std::string& failure = capture.Outcome.Failure();
+  if (!failure.empty()) return base::Result::Failed("the song is not being captured: " + failure);
+  capture.KeepAtEnd = true;
+  return base::Result::Done();
 }
 
 void Kestrune::mnuReload_Click() {

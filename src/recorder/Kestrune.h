@@ -106,6 +106,8 @@ class Kestrune final : private radio::ChannelEvents {
   void SetChannelNumber(std::int16_t channel) { radio_.Channels.SetChannelNumber(channel); }
   /// False, with a sound, while recording forbids it.
   bool SetMute(bool on);
+  /// Has the song that plays kept at its end.
+  base::Result KeepCurrent();
   void mnuReload_Click();
   /// Brings the stored entries into the table; the scheduler window's close calls it, saved or not. A change to
   /// the running entry takes effect at the next schedule pass, within 4 seconds.

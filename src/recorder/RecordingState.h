@@ -21,6 +21,7 @@ struct CaptureEnding {
   bool Incomplete = false;  ///< it did not begin, or end, at a boundary
   bool Grab = false;        ///< the mode switches; an event's captures are judged by the event's own
   bool Kill = false;
+  bool Whole = false;  ///< it began and ended at a boundary
   std::string Artist;  ///< what the cycle last acted on, which the lists are asked for
   std::string Song;
   std::int16_t Channel = 0;  ///< tuned at that moment
@@ -40,6 +41,8 @@ struct CaptureRecord {
   CaptureOutcome Outcome = {};
   /// The beginning of the song is in another file: it gets a name of its own also if duplicates are not saved.
   bool Piece = false;
+  /// A user wants the song: it is kept at its end, whether or not anybody records; lists and lengths do not count.
+  bool KeepAtEnd = false;
   /// What FileName follows from. A recording that takes in a capture already begun gives it the session's values.
   SongNaming Naming = {};
   CaptureEnding Ending = {};

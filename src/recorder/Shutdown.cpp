@@ -29,6 +29,7 @@ void Kestrune::CloseFirstPass() {
   recovery_.Stop();
   sound_.Capture.RecordStop(0);
   sound_.Capture.RecordStop(1);
+  sound_.Boundary.TakeLast();
   DeleteLeftovers();
   tmrUpdate_->SetEnabled(false);
   tmrClock_->SetEnabled(false);
@@ -43,7 +44,7 @@ void Kestrune::CloseFirstPass() {
 }
 
 void Kestrune::DeleteLeftovers() {
-  // The song in hand goes with them: a close does not keep it.
+  // The song in hand goes with them: a close does not keep it unless a user has asked for it.
   for (const std::int16_t slot : {std::int16_t{0}, std::int16_t{1}}) {
     sound_.Capture.Release(slot);
     sound_.SongFiles.Discard(state_.Recording.CaptureSlots.at(static_cast<std::size_t>(slot)));

@@ -42,12 +42,14 @@ SongBoundary::SongBoundary(State& state, const Parts& parts, SongFiles& songFile
       disposition_(parts.Disposition),
       announcer_(parts.Announcer),
       chronicle_(parts.Chronicle),
+      shelving_(parts.Shelving),
       journal_(parts.Journal),
       songFiles_(songFiles),
       loop_(loop) {}
 
 void SongBoundary::Take(bool split) {
   const bool natural = split && !state_.StartPending && !state_.StopPending && !state_.SkipSongDelay;
+  const bool whole = natural && state_.SongBoundarySeen;
   if (natural && Listens() && TakeByListening()) return;
   SettleCuts();
   if (natural) AwaitSound();
@@ -77,7 +79,7 @@ void SongBoundary::Take(bool split) {
   const bool wanted = state_.RecordRequested || state_.StopPending;
   const bool armed = state_.RecordArmed || state_.StopPending;
   if (!wanted || !armed) {
-    DropUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
+    DisposeUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)], whole);
   } else {
     loop_.PumpEvents();
     if (!state_.StopPending) ShowRecording();
@@ -85,11 +87,12 @@ void SongBoundary::Take(bool split) {
       CaptureRecord& song = state_.CaptureSlots[static_cast<std::size_t>(finished)];
       song.FileName = MakePlace(song).FileName;
       song.Ending = EndingNow(all_);
+      song.Ending.Whole = whole;
       disposition_.Dispose(song);
       state_.Incomplete = false;
     }
     // What a forced cut ended before the start was asked for by nobody.
-    if (goesOn && cut) DropUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)]);
+    if (goesOn && cut) DisposeUnwanted(state_.CaptureSlots[static_cast<std::size_t>(finished)], whole);
     state_.WaitingForNextSong = state_.StartPending = state_.StopPending = false;
   }
   if (cut) capture_.Release(finished);
@@ -106,7 +109,9 @@ bool SongBoundary::TakeByListening() {
   const std::int16_t finished = state_.CaptureSlot;
   const auto next = static_cast<std::int16_t>(1 - finished);
   const bool wanted = state_.RecordRequested && state_.RecordArmed;
-  state_.CaptureSlots[static_cast<std::size_t>(finished)].Ending = EndingNow(all_);
+  CaptureEnding& ending = state_.CaptureSlots[static_cast<std::size_t>(finished)].Ending;
+  ending = EndingNow(all_);
+  ending.Whole = state_.SongBoundarySeen;
   AwaitedCut cut{.Channel = radio_.ChannelNumber,
                  .Stamp = cuts_.StampOf(radio_.CurrentArtist, radio_.CurrentSong, capture_.FrameNow()),
                  .Since = loop_.SteadyNow(),
@@ -180,7 +185,7 @@ void SongBoundary::SettleFirstCut() {
     song.FileName = MakePlace(song).FileName;
     disposition_.Dispose(song);
   } else {
-    DropUnwanted(song);
+    DisposeUnwanted(song, song.Ending.Whole);
   }
   capture_.Release(ended.Slot);
   state_.BoundaryBusy = busy;
@@ -193,7 +198,8 @@ void SongBoundary::TakePiece() {
   CaptureRecord& piece = state_.CaptureSlots[static_cast<std::size_t>(finished)];
   CaptureRecord& rest = state_.CaptureSlots[static_cast<std::size_t>(next)];
   const bool wanted = state_.CaptureWanted();
-  const bool worthKeeping = wanted && piece.LengthMs >= kShortestPieceMs;
+  const bool asked = wanted || piece.KeepAtEnd;
+  const bool worthKeeping = asked && piece.LengthMs >= kShortestPieceMs;
   state_.BoundaryBusy = true;
 
   rest = piece;
@@ -208,25 +214,39 @@ void SongBoundary::TakePiece() {
   state_.CaptureSlot = next;
   state_.SongBoundarySeen = false;
 
-  if (worthKeeping) {
+  if (worthKeeping && wanted) {
     state_.Incomplete = true;
     piece.FileName = MakePlace(piece).FileName;
     piece.Ending = EndingNow(all_);
     disposition_.Dispose(piece);
-  } else if (wanted) {
+  } else if (asked && !worthKeeping) {
     if (piece.LengthMs > 0) chronicle_.SongEnded(piece, platform::SongFate::Failed, piece.Outcome.Failure());
     songFiles_.Discard(piece);
   } else {
-    DropUnwanted(piece);
+    DisposeUnwanted(piece, false);
   }
   capture_.Release(finished);
   state_.Incomplete = wanted;
   state_.BoundaryBusy = false;
 }
 
-void SongBoundary::DropUnwanted(CaptureRecord& capture) {
-  if (capture.LengthMs > 0) chronicle_.SongEnded(capture, platform::SongFate::NotWanted, "");
-  songFiles_.Discard(capture);
+void SongBoundary::DisposeUnwanted(CaptureRecord& capture, bool whole) {
+  capture.Ending = EndingNow(all_);
+  capture.Ending.Whole = whole;
+  // The radio may be on another channel already.
+  capture.Ending.Channel = capture.Naming.Values.Channel;
+  if (capture.KeepAtEnd) capture.FileName = MakePlace(capture).FileName;
+  disposition_.DisposeUnwanted(capture);
+}
+
+void SongBoundary::TakeLast() {
+  CaptureRecord& capture = state_.CaptureSlots[static_cast<std::size_t>(state_.CaptureSlot)];
+  if (capture.Outcome.File.empty() || capture.LengthMs == 0) return;
+  if (capture.KeepAtEnd) return DisposeUnwanted(capture, false);
+  shelving_.Take(capture, platform::SongFate::NotWanted, true);
+  // Of an event it is missing.
+  if (!capture.Outcome.ShelfName.empty() && capture.Outcome.Event == 0)
+    chronicle_.SongEnded(capture, platform::SongFate::NotWanted, "");
 }
 
 void SongBoundary::AwaitSound() {
@@ -256,6 +276,7 @@ void SongBoundary::NameNextSong(CaptureRecord& next) {
   next.Artist = radio_.CurrentArtist;
   next.Genre = base::Trim(tuned.Genre);
   next.Piece = false;
+  next.KeepAtEnd = false;
 }
 
 SongName SongBoundary::MakePlace(const CaptureRecord& capture) {

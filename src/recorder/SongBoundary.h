@@ -31,6 +31,7 @@ class SongBoundary {
     recorder::Disposition& Disposition;
     recorder::Announcer& Announcer;
     recorder::Chronicle& Chronicle;
+    recorder::Shelving& Shelving;
     base::Journal& Journal;
   };
 
@@ -53,6 +54,10 @@ class SongBoundary {
   /// enough to be heard, and begins another file for the rest of the song. Events run inside it.
   void TakePiece();
 
+  /// The program closes, and the capture in hand has been stopped: it is kept if a user asked for it, and else left to
+  /// the shelf, or to be removed.
+  void TakeLast();
+
   /// Brings what the cycle last acted on up to what the radio reports now.
   void FollowCurrentSong();
 
@@ -65,8 +70,8 @@ class SongBoundary {
   void Choose(std::size_t index);
   void SettleFirstCut();
   void NameNextSong(CaptureRecord& next);
-  /// Nobody asked for what the capture holds.
-  void DropUnwanted(CaptureRecord& capture);
+  /// Nobody was recording what the capture holds. `whole`: it began and ended at a boundary.
+  void DisposeUnwanted(CaptureRecord& capture, bool whole);
   [[nodiscard]] SongName MakePlace(const CaptureRecord& capture);
   void ShowRecording();
   [[nodiscard]] const radio::ChannelEntry& Tuned() const;
@@ -81,6 +86,7 @@ class SongBoundary {
   Disposition& disposition_;
   Announcer& announcer_;
   Chronicle& chronicle_;
+  Shelving& shelving_;
   base::Journal& journal_;
   SongFiles& songFiles_;
   base::EventLoop& loop_;

@@ -11,6 +11,7 @@
 #include "recorder/Disposition.h"
 #include "recorder/InputDevices.h"
 #include "recorder/Outside.h"
+#include "recorder/Shelving.h"
 #include "recorder/SongBoundary.h"
 #include "recorder/SongFiles.h"
 #include "recorder/SoundMeter.h"
@@ -28,6 +29,7 @@ struct SoundSide {
     const schedule::Restrictions& Restrictions;
     recorder::Announcer& Announcer;
     recorder::Chronicle& Chronicle;
+    history::History& History;
     StationLags& Lags;
   };
 
@@ -46,6 +48,7 @@ struct SoundSide {
   std::string InputDeviceName;
   config::FileSpecs FileSpecs;
   recorder::SongFiles SongFiles;
+  recorder::Shelving Shelving;
   recorder::Capture Capture;
   recorder::Disposition Disposition;
   SongBoundary Boundary;

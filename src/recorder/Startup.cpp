@@ -57,6 +57,7 @@ StartOutcome Kestrune::LoadSteps() {
   if (!search.Found()) return ReportNoRadio(search);
   history_.Begin();
   stationLags_.Load();
+  sound_.Shelving.Start(multiUnit_);
   ReadRadioID(search.Port);
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   tmrClock_->SetEnabled(true);

@@ -30,7 +30,9 @@ void StayAwake::Stop() {
 }
 
 bool StayAwake::Needed() const {
-  return state_.Recording.RecordArmed || state_.Schedule.ActiveSchedule != 0 ||
+  const RecordingState& recording = state_.Recording;
+  const CaptureRecord& capture = recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot));
+  return recording.RecordArmed || capture.KeepAtEnd || state_.Schedule.ActiveSchedule != 0 ||
          schedule::RunsWithin(state_.Entries, loop_.Now(), kBefore) || due_.Find();
 }
 

@@ -8,6 +8,7 @@
 #include "radio/channels/Channels.h"
 #include "recorder/Boxes.h"
 #include "recorder/InputDevices.h"
+#include "recorder/Shelving.h"
 #include "recorder/StationLags.h"
 #include "schedule/entries/EntryEditors.h"
 #include "schedule/lists/Restrictions.h"
@@ -24,6 +25,8 @@ struct UnitParts {
   history::History& History;
   /// How far the text of each channel runs ahead of its sound.
   recorder::StationLags& StationLags;
+  /// What just played and was not kept.
+  recorder::Shelving& Shelving;
   schedule::Restrictions& Restrictions;
   /// The open editors of the schedule's entries.
   schedule::EntryEditors& EntryEditors;

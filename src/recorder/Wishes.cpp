@@ -99,6 +99,19 @@ Result Wishes::MuteNow(bool on) {
   return Result::Failed("the radio cannot be muted while recording is under way; stop it first");
 }
 
+void Wishes::KeepCurrent(Answered answered) {
+  Ask([&unit = unit_] { return unit.KeepCurrent(); }, std::move(answered));
+}
+
+void Wishes::Keep(std::size_t number, Answered answered) {
+  Ask([&unit = unit_, number] { return unit.Parts().Shelving.Keep(number); }, std::move(answered));
+}
+
+void Wishes::KeepFile(std::string path, Answered answered) {
+  Ask([&unit = unit_, path = std::move(path)] { return unit.Parts().Shelving.KeepFile(path); },
+      std::move(answered));
+}
+
 void Wishes::ReloadChannels(Answered answered) {
   Ask(
       [&unit = unit_] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -32,6 +33,11 @@ class Wishes {
   /// Refused, with a sound, while recording forbids it, and while the radio is lost.
   void Mute(bool on, Answered answered = {});
   void ToggleMute(Answered answered = {});
+  /// Keeps the song that plays, at its end; refused while none is captured.
+  void KeepCurrent(Answered answered = {});
+  /// Keeps a song of the shelf: by its number, of which 1 is the newest, or by its path. Refused as Shelving refuses.
+  void Keep(std::size_t number, Answered answered = {});
+  void KeepFile(std::string path, Answered answered = {});
   void ReloadChannels(Answered answered = {});
   void ChangeSetting(std::string key, std::string value, Answered answered = {});
   /// Passes on the radio's identifier, which may be empty. If it is not known yet the radio is asked for it, for

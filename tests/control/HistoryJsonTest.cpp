@@ -67,7 +67,7 @@ constexpr const char* kSong =
 std::string FullReport() {
   return R"({"from":"2026-11-21 18:00:00","to":"2026-11-22 08:00:00","events":[{"entry":3,"channel":0,"station":"",)"
          R"("due":"2026-11-21 20:00:00","until":"2026-11-21 21:00:00","began":"2026-11-21 20:00:00","ended":"",)"
-         R"("state":"missed","why":"","kept":0,"dropped":0,"missingSeconds":60,"missing":[{"from":)"
+         R"("state":"missed","why":"","kept":0,"keptLater":0,"dropped":0,"missingSeconds":60,"missing":[{"from":)"
          R"("2026-11-21 20:00:00","to":"2026-11-21 20:01:00","seconds":60,"why":"gone","intended":true}],"songs":[)" +
          std::string(kSong) + R"(]}],"otherSongs":[)" + kSong +
          R"(],"incidents":[{"kind":"program","began":"2026-11-21 20:00:00","ended":"","seconds":0,"cause":"x"}],)"

@@ -60,6 +60,7 @@ DayOfRadio::DayOfRadio(const Plan& plan)
   set("MinSongLength", "45");
   set("CheckUpdatesAtStartup", "False");
   set("LegalAgreement", "True");
+  set("ShelfSongs", plan_.Shelf ? "7" : "0");
   set("PortNum", "1");
   set("Watch", plan.Watch ? "True" : "False");
   history_.Forgets = !plan.Record;

@@ -29,6 +29,7 @@ class DayOfRadio {
     int Channels = 40;       ///< of which each has a new song every three minutes; 40 to 120
     bool Record = true;      ///< keeps the record of what happened in memory; else it is only fed
     bool Schedule = false;   ///< and plans events, and the wall clock is set now and then
+    bool Shelf = false;      ///< what is not kept goes to a shelf of seven songs, and the user keeps some
     bool Listens = false;    ///< songs are cut by listening, and by text again now and then
   };
 

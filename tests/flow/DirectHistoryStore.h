@@ -66,6 +66,9 @@ class DirectHistoryStore final : public platform::HistoryStore {
   void ReadCuts(platform::CutSearch search, SongsAnswer answer) override {
     Ask([search](auto& reader) { return reader.ReadCuts(search); }, std::move(answer));
   }
+  void ReadFolder(std::string folder, SongsAnswer answer) override {
+    Ask([folder = std::move(folder)](auto& reader) { return reader.ReadFolder(folder); }, std::move(answer));
+  }
   void ReadLags(LagsAnswer answer) override {
     Ask([](auto& reader) { return reader.ReadLags(); }, std::move(answer));
   }

@@ -146,6 +146,7 @@ class ScheduledFortnight : public ::testing::Test {
     set("MaxSongLength", "0");
     set("CheckUpdatesAtStartup", "False");
     set("LegalAgreement", "True");
+    set("ShelfSongs", "0");
     set("PortNum", "1");
     files.MakeFolders("/music");
     files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "0Artist\n2Nobody\n");

@@ -105,6 +105,7 @@ WeekOfFailures::WeekOfFailures(const Plan& plan)
   set("MinSongLength", "45");
   set("CheckUpdatesAtStartup", "False");
   set("LegalAgreement", "True");
+  set("ShelfSongs", "0");
   set("PortNum", "1");
   files_.MakeFolders("/music");
   files_.MakeFolders("/home/user");

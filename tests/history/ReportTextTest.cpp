@@ -130,6 +130,16 @@ TEST(ReportText, ANightWithoutAnythingIsShort) {
             "0 events, 0 songs kept, 0 dropped, nothing is missing, 0 incidents.\n");
 }
 
+TEST(ReportText, WhatAUserKeptLaterIsCountedApart) {
+  Report report = Night();
+  report.Events[1].Kept = 3;
+  report.Events[1].KeptLater = 2;
+  report.OtherSongs.emplace_back().Fate = platform::SongFate::KeptLater;
+  EXPECT_THAT(ReportText(report),
+              AllOf(HasSubstr("(3 of them later), "), HasSubstr("3 songs kept (2 of them later), "),
+                    HasSubstr("  [kept later]\n")));
+}
+
 TEST(ReportText, EventsThatDidNotRunAsPlannedSayWhy) {
   Report report = Night();
   report.Events[0].State = EventState::Missed;

@@ -14,6 +14,8 @@ Unit::Unit(std::string profile, Setup setup) : profile_(std::move(profile)), set
   if (!setup_.WritesSettings) return;
   // No program of a test asks the network for a newer version of itself.
   setup_.Settings.insert({"CheckUpdatesAtStartup", "False"});
+  // Only the tests of the shelf have one.
+  setup_.Settings.insert({"ShelfSongs", "0"});
   std::filesystem::create_directories(profile_ + "/config");
   std::ofstream file(SettingsFile());
   file << "[Kestrune" << setup_.Name << "]\n";

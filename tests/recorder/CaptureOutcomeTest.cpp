@@ -82,6 +82,7 @@ TEST_F(CaptureOutcomeTest, ANamedUnitAddsItsCharacterAndLeavesTheFilesOfOthers) 
                                                                      {"FilenameFormat", "%a - %s"},
                                                                      {"CheckUpdatesAtStartup", "False"},
                                                                      {"LegalAgreement", "True"},
+                                                                     {"ShelfSongs", "0"},
                                                                      {"PortNum", "1"}}) {
     rig.Store.Put("Lorimel", "Kestrune2", key, value);
   }

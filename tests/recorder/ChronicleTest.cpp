@@ -59,9 +59,9 @@ class ChronicleTest : public ::testing::Test {
   }
   /// "title: fate" of each song that ended.
   [[nodiscard]] std::vector<std::string> Songs() {
-    static const char* const kFates[] = {"kept",     "incomplete",  "unnamed",   "short",
-                                         "long",     "not grabbed", "killed",    "duplicate",
-                                         "no sound", "failed",      "not whole", "not wanted"};
+    static const char* const kFates[] = {"kept",        "incomplete", "unnamed",   "short",    "long",
+                                         "not grabbed", "killed",     "duplicate", "no sound", "failed",
+                                         "not whole",   "not wanted", "kept later"};
     rig.Run(3s);
     std::vector<std::string> songs;
     for (const HistorySong& song : rig.History.Rows.Songs)

@@ -37,6 +37,7 @@ class DispositionTest : public ::testing::Test {
     radio.ChannelNumber = 44;
     settings.MinSongLength = 45;
     settings.MaxSongLength = 0;
+    settings.ShelfSongs = 0;
     state.RecordRequested = state.RecordArmed = true;
     state.LastArtist = "Moonlighters";
     state.LastSong = "Slow Tide";
@@ -88,11 +89,16 @@ class DispositionTest : public ::testing::Test {
   test::FakeHistoryStore store{loop};
   history::History history{store, loop};
   Chronicle chronicle{history, loop};
-  Disposition disposition{
-      all,
-      {.FileSpecs = fileSpecs, .Restrictions = restrictions, .SongFiles = songFiles, .Chronicle = chronicle},
-      loop,
-      log};
+  Shelving shelving{
+      all, {.Files = files, .SongFiles = songFiles, .Chronicle = chronicle, .History = history}, loop, log};
+  Disposition disposition{all,
+                          {.FileSpecs = fileSpecs,
+                           .Restrictions = restrictions,
+                           .SongFiles = songFiles,
+                           .Chronicle = chronicle,
+                           .Shelving = shelving},
+                          loop,
+                          log};
 };
 
 TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {

@@ -131,6 +131,7 @@ TEST_F(RecoveryTest, ANamedUnitTakesItsOwn) {
   for (const auto& [key, value] : std::map<std::string, std::string>{{"FileDir", "/music/"},
                                                                      {"CheckUpdatesAtStartup", "False"},
                                                                      {"LegalAgreement", "True"},
+                                                                     {"ShelfSongs", "0"},
                                                                      {"PortNum", "1"}}) {
     rig.Store.Put("Lorimel", "Kestrune2", key, value);
   }

@@ -63,6 +63,18 @@ class FakeHistoryStore final : public platform::HistoryStore {
     });
   }
 
+  void ReadFolder(std::string folder, SongsAnswer answer) override {
+    Ask([this, folder = std::move(folder), answer = std::move(answer)] {
+      if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
+      std::vector<platform::HistorySong> found;
+      for (auto song = Rows.Songs.rbegin(); song != Rows.Songs.rend(); ++song)
+        if (song->File.starts_with(folder)) found.push_back(*song);
+      std::stable_sort(found.begin(), found.end(),
+                       [](const auto& a, const auto& b) { return a.Ended > b.Ended; });
+      answer(base::Result::Done(), found);
+    });
+  }
+
   void ReadLags(LagsAnswer answer) override {
     Ask([this, answer = std::move(answer)] {
       if (!QuestionFailure.empty()) return answer(base::Result::Failed(QuestionFailure), {});
@@ -87,6 +99,8 @@ class FakeHistoryStore final : public platform::HistoryStore {
     const auto append = [](auto& rows, auto& more) {
       rows.insert(rows.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
     };
+    for (platform::HistoryMove& move : from.Moves)
+      if (!platform::Moved(to.Songs, move)) to.Moves.push_back(std::move(move));
     append(to.Songs, from.Songs);
     append(to.Events, from.Events);
     append(to.Incidents, from.Incidents);
@@ -118,6 +132,7 @@ class FakeHistoryStore final : public platform::HistoryStore {
 
   void Put(platform::HistoryRows more) {
     using namespace platform;
+    for (const HistoryMove& move : more.Moves) static_cast<void>(Moved(Rows.Songs, move));
     for (HistorySong& song : more.Songs) {
       if (song.Cut) Trim(*song.Cut);
       Rows.Songs.push_back(std::move(song));

@@ -9,6 +9,7 @@ namespace kestrune::test {
 using namespace std::chrono_literals;
 
 UnitRig::UnitRig() {
+  Files.Now = [this] { return Loop.Now(); };
   for (int channel = 40; channel <= 55; ++channel) {
     const std::string number = std::to_string(channel);
     Radio.Channels[channel] = {"Station " + number, "Genre", "Artist " + number, "Song " + number};
@@ -22,6 +23,8 @@ UnitRig::UnitRig() {
   Set("MinSongLength", "10");
   Set("CheckUpdatesAtStartup", "False");
   Set("LegalAgreement", "True");
+  // Only the tests of the shelf have one.
+  Set("ShelfSongs", "0");
   Set("PortNum", "1");
   Files.MakeFolders("/music");
   Files.MakeFolders("/home/user");

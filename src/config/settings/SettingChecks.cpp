@@ -16,6 +16,18 @@ base::Result CheckState(std::int16_t state) {
   return state == 0 || state == 1 ? base::Result::Done() : base::Result::Failed("is neither 0 nor 1");
 }
 
+base::Result CheckFolder(std::string& folder, const platform::Environment& environment) {
+  if (folder.empty()) return base::Result::Failed("is empty; a folder begins with / or ~/");
+  if (folder == "~" || folder.starts_with("~/")) {
+    const std::string home = environment.Variable("userprofile");
+    if (home.empty()) return base::Result::Failed("needs the home folder, which is not known");
+    folder.replace(0, 1, home);
+  }
+  if (!folder.starts_with('/')) return base::Result::Failed("is not a folder that begins with / or ~/");
+  if (!folder.ends_with('/')) folder += '/';
+  return base::Result::Done();
+}
+
 }  // namespace
 
 base::Result CheckSievanceGrab(Settings& wished, const platform::Environment& /*environment*/) {
@@ -55,16 +67,24 @@ base::Result CheckFlacLevel(Settings& wished, const platform::Environment& /*env
 }
 
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
-  std::string& folder = wished.FileDir;
-  if (folder.empty()) return base::Result::Failed("is empty; a folder begins with / or ~/");
-  if (folder == "~" || folder.starts_with("~/")) {
-    const std::string home = environment.Variable("userprofile");
-    if (home.empty()) return base::Result::Failed("needs the home folder, which is not known");
-    folder.replace(0, 1, home);
-  }
-  if (!folder.starts_with('/')) return base::Result::Failed("is not a folder that begins with / or ~/");
-  if (!folder.ends_with('/')) folder += '/';
-  return base::Result::Done();
+  return CheckFolder(wished.FileDir, environment);
+}
+
+base::Result CheckShelfFolder(Settings& wished, const platform::Environment& environment) {
+  if (wished.ShelfFolder.empty()) return base::Result::Done();
+  if (const base::Result folder = CheckFolder(wished.ShelfFolder, environment); !folder.Ok()) return folder;
+  if (wished.ShelfFolder != wished.FileDir) return base::Result::Done();
+  return base::Result::Failed("is the folder of recordings; the shelf needs one of its own");
+}
+
+base::Result CheckShelfSongs(Settings& wished, const platform::Environment& /*environment*/) {
+  if (wished.ShelfSongs >= 0 && wished.ShelfSongs <= kMostShelfSongs) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is not from 0 to {}", kMostShelfSongs));
+}
+
+base::Result CheckShelfMegabytes(Settings& wished, const platform::Environment& /*environment*/) {
+  if (wished.ShelfMegabytes >= 1 && wished.ShelfMegabytes <= kMostShelfMegabytes) return base::Result::Done();
+  return base::Result::Failed(fmt::format("is not from 1 to {}", kMostShelfMegabytes));
 }
 
 base::Result CheckFileFormat(Settings& wished, const platform::Environment& /*environment*/) {

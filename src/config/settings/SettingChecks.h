@@ -31,6 +31,12 @@ base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environme
 base::Result CheckCutOverlap(Settings& wished, const platform::Environment& environment);
 /// Fails outside 0 to 8.
 base::Result CheckFlacLevel(Settings& wished, const platform::Environment& environment);
+/// As CheckFileDir, but it may be empty. Fails for the folder of recordings itself.
+base::Result CheckShelfFolder(Settings& wished, const platform::Environment& environment);
+/// Fails outside 0 to kMostShelfSongs.
+base::Result CheckShelfSongs(Settings& wished, const platform::Environment& environment);
+/// Fails outside 1 to kMostShelfMegabytes.
+base::Result CheckShelfMegabytes(Settings& wished, const platform::Environment& environment);
 /// Cleans it.
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& environment);
 

@@ -110,6 +110,9 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::CutPlacement>("CutPlacement"),
     Row<&Settings::CutOverlap>("CutOverlap").CheckedBy(CheckCutOverlap),
     Row<&Settings::Hints>("Hints"),
+    Row<&Settings::ShelfFolder>("ShelfFolder").CheckedBy(CheckShelfFolder),
+    Row<&Settings::ShelfSongs>("ShelfSongs").CheckedBy(CheckShelfSongs),
+    Row<&Settings::ShelfMegabytes>("ShelfMegabytes").CheckedBy(CheckShelfMegabytes),
 
     Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
     Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),
@@ -196,10 +199,13 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
   }
   if (!CheckCutOverlap(settings, environment).Ok()) settings.CutOverlap = defaults.CutOverlap;
   if (!CheckFlacLevel(settings, environment).Ok()) settings.FormatFLAC.Level = defaults.FormatFLAC.Level;
+  if (!CheckShelfSongs(settings, environment).Ok()) settings.ShelfSongs = defaults.ShelfSongs;
+  if (!CheckShelfMegabytes(settings, environment).Ok()) settings.ShelfMegabytes = defaults.ShelfMegabytes;
   if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())
     settings.FileDir = environment.DefaultRecordingFolder();
   base::Ignored(CheckFileDir(settings, environment));
   if (!settings.FileDir.ends_with('/')) settings.FileDir += '/';
+  if (!CheckShelfFolder(settings, environment).Ok()) settings.ShelfFolder = defaults.ShelfFolder;
 }
 
 bool SaveSetting(const SettingsSection& section, const Settings& settings, std::string_view key) {

@@ -11,6 +11,9 @@ namespace kestrune::config {
 /// In milliseconds.
 inline constexpr std::int16_t kLongestCutOverlap = 5000;
 
+inline constexpr std::int16_t kMostShelfSongs = 1000;
+inline constexpr std::int32_t kMostShelfMegabytes = 1'000'000;
+
 /// The settings of the running program, with the defaults of a fresh installation, which stand nowhere else. They
 /// are read from the store once, at the start; from then on this record is what counts. It changes through the
 /// SettingsDoor alone.
@@ -50,6 +53,10 @@ struct Settings : FormatSettings {
   bool Hints = false;
   /// An idle program goes after such a song, keeps it and comes back.
   bool FollowHints = false;
+  /// Where songs that were not kept lie for a while: a folder that ends in "/"; empty is Kestrune/Shelf in FileDir.
+  std::string ShelfFolder;
+  std::int16_t ShelfSongs = 20;       ///< at most so many lie there, 0 to kMostShelfSongs; 0 is none, ever
+  std::int32_t ShelfMegabytes = 500;  ///< of at most so many million bytes, 1 to kMostShelfMegabytes
 
   bool LegalAgreement = false;       ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;   ///< check state: the channels window is open

@@ -195,6 +195,21 @@ std::optional<std::vector<HistorySong>> HistoryReader::ReadCuts(const CutSearch&
   return songs;
 }
 
+std::optional<std::vector<HistorySong>> HistoryReader::ReadFolder(const std::string& folder) {
+  // Up to the byte after "/", the paths that begin with the folder.
+  std::string after = folder;
+  if (after.empty() || after.back() != '/') return std::vector<HistorySong>();
+  ++after.back();
+  SqliteStatement rows(database_,
+                       "SELECT * FROM song WHERE file <> '' AND file >= ?1 AND file < ?2 "
+                       "ORDER BY ended DESC, rowid DESC LIMIT ?3");
+  rows.Bind(1, folder).Bind(2, after).Bind(3, kMostRows);
+  std::vector<HistorySong> songs;
+  while (rows.Next()) songs.push_back(SongOf(rows));
+  if (rows.Failed()) return std::nullopt;
+  return songs;
+}
+
 std::optional<std::vector<HistoryLag>> HistoryReader::ReadLags() {
   SqliteStatement rows(
       database_, "SELECT channel, changed, model FROM lag WHERE channel BETWEEN 1 AND ? ORDER BY channel");

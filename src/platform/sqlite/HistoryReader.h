@@ -24,6 +24,7 @@ class HistoryReader {
   [[nodiscard]] std::optional<HistoryRows> ReadSpan(base::DateValue from, base::DateValue to);
   [[nodiscard]] std::optional<std::vector<HistoryPlay>> Search(const HistorySearch& search);
   [[nodiscard]] std::optional<std::vector<HistorySong>> ReadCuts(const CutSearch& search);
+  [[nodiscard]] std::optional<std::vector<HistorySong>> ReadFolder(const std::string& folder);
   [[nodiscard]] std::optional<std::vector<HistoryLag>> ReadLags();
 
  private:

@@ -25,6 +25,9 @@ HistoryWriter::HistoryWriter(SqliteConnection& database, HistoryLimits limits)
       run_(database, "INSERT OR REPLACE INTO run VALUES (?, ?, ?)"),
       song_(database,
             "INSERT INTO song VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+      move_(database,
+            "UPDATE song SET file = ?2, fate = coalesce(?3, fate) WHERE ?1 <> '' AND rowid = "
+            "(SELECT max(rowid) FROM song WHERE file = ?1 AND file <> '')"),
       event_(database, "INSERT OR REPLACE INTO event VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
       incident_(database, "INSERT OR REPLACE INTO incident VALUES (?, ?, ?, ?, ?)"),
       play_(database, "INSERT OR REPLACE INTO play VALUES (?, ?, ?, ?, ?)"),
@@ -50,7 +53,8 @@ bool HistoryWriter::WriteRows(const HistoryRows& rows) {
   };
   for (const HistoryRun& run : rows.Runs)
     if (!run_.Bind(1, run.Began).Bind(2, run.Alive).Bind(3, std::int64_t{run.Closed}).Run()) return false;
-  return all(rows.Songs) && all(rows.Events) && all(rows.Incidents) && all(rows.Plays) && all(rows.Lags);
+  return all(rows.Moves) && all(rows.Songs) && all(rows.Events) && all(rows.Incidents) && all(rows.Plays) &&
+         all(rows.Lags);
 }
 
 bool HistoryWriter::Write(const HistorySong& song) {
@@ -83,6 +87,12 @@ bool HistoryWriter::Write(const HistorySong& song) {
       .Bind(16, song.OverloadedMs)
       .Bind(17, song.LineLostMs)
       .Run();
+}
+
+bool HistoryWriter::Write(const HistoryMove& move) {
+  move_.BindNull(3);
+  if (move.Fate) move_.Bind(3, static_cast<std::int64_t>(*move.Fate));
+  return move_.Bind(1, move.From).Bind(2, move.To).Run();
 }
 
 bool HistoryWriter::Write(const HistoryEvent& event) {

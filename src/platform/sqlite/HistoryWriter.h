@@ -32,6 +32,7 @@ class HistoryWriter {
  private:
   [[nodiscard]] bool WriteRows(const HistoryRows& rows);
   [[nodiscard]] bool Write(const HistorySong& song);
+  [[nodiscard]] bool Write(const HistoryMove& move);
   [[nodiscard]] bool Write(const HistoryEvent& event);
   [[nodiscard]] bool Write(const HistoryIncident& incident);
   [[nodiscard]] bool Write(const HistoryPlay& play);
@@ -55,6 +56,7 @@ class HistoryWriter {
   HistoryLimits limits_;
   SqliteStatement run_;
   SqliteStatement song_;
+  SqliteStatement move_;
   SqliteStatement event_;
   SqliteStatement incident_;
   SqliteStatement play_;

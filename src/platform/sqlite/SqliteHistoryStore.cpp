@@ -25,6 +25,8 @@ void Append(std::vector<Row>& to, std::vector<Row>& from) {
 }
 
 void Append(HistoryRows& to, HistoryRows from) {
+  for (HistoryMove& move : from.Moves)
+    if (!Moved(to.Songs, move)) to.Moves.push_back(std::move(move));
   Append(to.Songs, from.Songs);
   Append(to.Events, from.Events);
   Append(to.Incidents, from.Incidents);
@@ -173,6 +175,7 @@ void SqliteHistoryStore::TakeBack(HistoryRows rows) {
   excess = Trim(rows.Plays, excess);
   excess = Trim(rows.Incidents, excess);
   excess = Trim(rows.Songs, excess);
+  excess = Trim(rows.Moves, excess);
   excess = Trim(rows.Events, excess);
   static_cast<void>(Trim(rows.Lags, excess));
   waiting_ = std::move(rows);
@@ -238,6 +241,11 @@ void SqliteHistoryStore::Search(HistorySearch search, PlaysAnswer answer) {
 
 void SqliteHistoryStore::ReadCuts(CutSearch search, SongsAnswer answer) {
   AskFor(std::move(answer), [search](HistoryReader& reader) { return reader.ReadCuts(search); });
+}
+
+void SqliteHistoryStore::ReadFolder(std::string folder, SongsAnswer answer) {
+  AskFor(std::move(answer),
+         [folder = std::move(folder)](HistoryReader& reader) { return reader.ReadFolder(folder); });
 }
 
 void SqliteHistoryStore::ReadLags(LagsAnswer answer) {

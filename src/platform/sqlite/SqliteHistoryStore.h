@@ -41,6 +41,7 @@ class SqliteHistoryStore final : public HistoryStore {
   void Search(HistorySearch search, PlaysAnswer answer) override;
   void CountPlays(MostPlayedSearch search, CountsAnswer answer) override;
   void ReadCuts(CutSearch search, SongsAnswer answer) override;
+  void ReadFolder(std::string folder, SongsAnswer answer) override;
   void ReadLags(LagsAnswer answer) override;
   void SetTroubleHandler(TroubleHandler handler) override { handler_ = std::move(handler); }
 

@@ -69,6 +69,9 @@ const Expected kExpected[] = {
      SHOWS(s.CutPlacement == CutPlacement::Listen)},
     {"CutOverlap", kInt16, "0", "1500", SHOWS(s.CutOverlap == 0), SHOWS(s.CutOverlap == 1500)},
     {"Hints", kBool, "False", "True", SHOWS(!s.Hints), SHOWS(s.Hints)},
+    {"ShelfFolder", kText, "", "/shelf/", SHOWS(s.ShelfFolder.empty()), SHOWS(s.ShelfFolder == "/shelf/")},
+    {"ShelfSongs", kInt16, "20", "0", SHOWS(s.ShelfSongs == 20), SHOWS(s.ShelfSongs == 0)},
+    {"ShelfMegabytes", kInt32, "500", "1", SHOWS(s.ShelfMegabytes == 500), SHOWS(s.ShelfMegabytes == 1)},
 
     {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
     {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),
@@ -255,6 +258,28 @@ TEST_F(SettingKeysTest, AStoredFlacLevelOutOfItsRangeBecomesTheDefault) {
   }
   Put("FLAC_Level", "0");
   EXPECT_EQ(Load().FormatFLAC.Level, 0);
+}
+
+TEST_F(SettingKeysTest, AStoredShelfOutOfItsRangeBecomesTheDefault) {
+  Put("ShelfSongs", "-1");
+  Put("ShelfMegabytes", "0");
+  Put("ShelfFolder", "shelf");
+  EXPECT_EQ(Load().ShelfSongs, 20);
+  EXPECT_EQ(Load().ShelfMegabytes, 500);
+  EXPECT_EQ(Load().ShelfFolder, "");
+  Put("ShelfSongs", "1001");
+  Put("ShelfMegabytes", "1000001");
+  Put("FileDir", "/music");
+  Put("ShelfFolder", "/music/");
+  EXPECT_EQ(Load().ShelfSongs, 20);
+  EXPECT_EQ(Load().ShelfMegabytes, 500);
+  EXPECT_EQ(Load().ShelfFolder, "");
+  Put("ShelfSongs", "1000");
+  Put("ShelfMegabytes", "1000000");
+  Put("ShelfFolder", "/disk/shelf");
+  EXPECT_EQ(Load().ShelfSongs, 1000);
+  EXPECT_EQ(Load().ShelfMegabytes, 1000000);
+  EXPECT_EQ(Load().ShelfFolder, "/disk/shelf/");
 }
 
 TEST_F(SettingKeysTest, TheStartReadsInTheOrderOfTheTable) {

@@ -45,6 +45,7 @@ class SettingsDoorTest : public ::testing::Test {
 /// A value of the key that differs from the present one and passes its check.
 std::string OtherValue(const config::SettingKey& key, const config::Settings& settings) {
   if (key.Key == "FileDir") return "/srv/songs/";
+  if (key.Key == "ShelfFolder") return "/srv/shelf/";
   if (key.Key == "FileFormat") return "VOX";
   if (key.Key == "MaxSongLength") return "900";
   switch (key.Type) {
@@ -294,6 +295,22 @@ TEST_F(SettingsDoorTest, TheCutIsPlacedByTextOrByListening) {
   EXPECT_EQ(door_.Get("cutplacement"), "Listen");
   Done("CutPlacement", "text", "CutPlacement=Text");
   EXPECT_EQ(settings_.CutPlacement, config::CutPlacement::Text);
+}
+
+TEST_F(SettingsDoorTest, TheShelfHasBoundsAndAFolderOfItsOwn) {
+  Refused("ShelfSongs", "-1", "ShelfSongs: \"-1\" is not from 0 to 1000");
+  Refused("ShelfSongs", "1001", "ShelfSongs: \"1001\" is not from 0 to 1000");
+  Refused("ShelfMegabytes", "0", "ShelfMegabytes: \"0\" is not from 1 to 1000000");
+  Refused("ShelfMegabytes", "1000001", "ShelfMegabytes: \"1000001\" is not from 1 to 1000000");
+  Refused("ShelfFolder", "shelf", "ShelfFolder: \"shelf\" is not a folder that begins with / or ~/");
+  settings_.FileDir = "/music/";
+  Refused("ShelfFolder", "/music",
+          "ShelfFolder: \"/music\" is the folder of recordings; the shelf needs one of its own");
+  Done("ShelfSongs", "1000", "ShelfSongs=1000");
+  Done("ShelfSongs", "0", "ShelfSongs=0");
+  Done("ShelfMegabytes", "1000000", "ShelfMegabytes=1000000");
+  Done("ShelfFolder", "/disk/shelf", "ShelfFolder=/disk/shelf/");
+  Done("ShelfFolder", "", "ShelfFolder=");
 }
 
 TEST_F(SettingsDoorTest, TheOverlapIsFiveSecondsAtMost) {

@@ -79,6 +79,20 @@ class HistoryStoreContract : public testing::TestWithParam<std::string> {
     EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
     return got.value_or(std::vector<HistorySong>());
   }
+  /// The titles of the songs in a folder, in their order.
+  std::string InFolder(const std::string& folder) {
+    std::optional<std::vector<HistorySong>> got;
+    Store->ReadFolder(folder, [&got](const base::Result& asked, const std::vector<HistorySong>& songs) {
+      EXPECT_TRUE(asked.Ok()) << asked.Cause();
+      got = songs;
+    });
+    EXPECT_FALSE(got) << "never within the call";
+    EXPECT_TRUE(Loop.RunUntil([&got] { return got.has_value(); }, 20s));
+    std::string titles;
+    for (const HistorySong& song : got.value_or(std::vector<HistorySong>()))
+      titles += (titles.empty() ? "" : "|") + song.Title;
+    return titles;
+  }
   std::vector<HistoryLag> Lags() {
     std::optional<std::vector<HistoryLag>> got;
     Store->ReadLags([&got](const base::Result& asked, const std::vector<HistoryLag>& lags) {
@@ -131,6 +145,40 @@ class HistoryStoreContract : public testing::TestWithParam<std::string> {
  private:
   int pieces_ = 0;
 };
+
+TEST_P(HistoryStoreContract, SongsAreFoundByTheirFoldersAndMovedByTheirFiles) {
+  const auto song = [](int minute, const char* title, const char* file) {
+    HistorySong row = SongRow(minute, title);
+    row.File = file;
+    row.Fate = SongFate::NotWanted;
+    return row;
+  };
+  HistoryRows rows;
+  rows.Songs = {song(0, "Old", "/m/Shelf/a.mp3"),
+                song(3, "A", "/m/Shelf/a.mp3"),
+                song(6, "B", "/m/Shelf/b.mp3"),
+                song(9, "C", "/m/Shelf2/c.mp3"),
+                song(12, "D", ""),
+                song(15, "E", "/m/Shelf")};
+  Keep(rows);
+  EXPECT_EQ(InFolder("/m/Shelf/"), "B|A|Old");
+  EXPECT_EQ(InFolder("/m/"), "E|C|B|A|Old");
+  EXPECT_EQ(InFolder("/n/"), "");
+  HistoryRows moves;
+  moves.Songs = {song(18, "F", "/m/Shelf/a.mp3")};
+  moves.Moves = {{.From = "/m/Shelf/a.mp3", .To = "/m/kept/a.mp3", .Fate = SongFate::KeptLater},
+                 {.From = "/m/Shelf/b.mp3", .To = "", .Fate = {}},
+                 {.From = "/m/Shelf/none.mp3", .To = "/m/kept/none.mp3", .Fate = {}},
+                 {.From = "", .To = "/m/kept/nobody.mp3", .Fate = {}}};
+  Keep(moves);
+  EXPECT_EQ(InFolder("/m/Shelf/"), "F|Old")
+      << "what was moved is the newest song with that file that was there before";
+  EXPECT_EQ(InFolder("/m/kept/"), "A");
+  for (const HistorySong& row : Span(AtMinute(-10), AtMinute(700)).Songs) {
+    EXPECT_EQ(row.Fate, row.Title == "A" ? SongFate::KeptLater : SongFate::NotWanted) << row.Title;
+    EXPECT_EQ(row.File.empty(), row.Title == "B" || row.Title == "D") << row.Title;
+  }
+}
 
 TEST_P(HistoryStoreContract, RowsComeBackAsTheyWere) {
   HistoryEvent ended = EventRow(0);

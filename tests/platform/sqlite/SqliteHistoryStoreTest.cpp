@@ -172,7 +172,7 @@ TEST_F(SqliteHistoryStoreTest, AnotherProgramReadsTheSame) {
   rows.Plays = {PlayRow(0, "Moon", "River"), PlayRow(4, "Moon", "River")};
   Write(rows);
   Store.reset();
-  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA journal_mode"), "ok\n3\nwal\n");
+  EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA journal_mode"), "ok\n4\nwal\n");
   EXPECT_EQ(
       Witness(
           "SELECT datetime(began, 'unixepoch'), datetime(ended, 'unixepoch'), artist, title, fate, event, "
@@ -260,7 +260,7 @@ TEST_F(SqliteHistoryStoreTest, ARecordOfALaterVersionIsPutAsideWhole) {
   Open();
   Write(OneSong());
   Store.reset();
-  test::ChildProcess sqlite({"sqlite3", "-batch", Path, "PRAGMA user_version = 4"});
+  test::ChildProcess sqlite({"sqlite3", "-batch", Path, "PRAGMA user_version = 5"});
   ASSERT_EQ(sqlite.Wait(20s), 0);
   const std::string before = FileText(Path);
   Open();
@@ -327,7 +327,7 @@ TEST_F(SqliteHistoryStoreTest, ARecordOfAnEarlierVersionIsTakenOver) {
   Store.reset();
   EXPECT_TRUE(Troubles.empty());
   EXPECT_EQ(Witness("PRAGMA integrity_check; PRAGMA user_version; PRAGMA auto_vacuum; SELECT model FROM lag"),
-            "ok\n3\n2\nlearned\n");
+            "ok\n4\n2\nlearned\n");
   const std::string schema = "SELECT sql FROM sqlite_schema WHERE name NOT LIKE 'title_text_%' ORDER BY sql";
   const std::string grown = Witness(schema);
   Path = Folder / "New.db";
