@@ -17,6 +17,7 @@
 #include "control/HintJson.h"
 #include "control/HistoryJson.h"
 #include "control/ScheduleWords.h"
+#include "control/ShelfJson.h"
 #include "history/Since.h"
 
 namespace kestrune::control {
@@ -34,6 +35,9 @@ constexpr int kMostDays = 366;
 constexpr int kLastChannel = 255;
 constexpr std::string_view kArtists = "artists";
 constexpr std::string_view kSongs = "songs";
+constexpr int kMostOfShelf = 1000;
+constexpr std::string_view kLast = "last";
+constexpr std::string_view kCurrent = "current";
 constexpr int kScheduleEntries = 10;
 
 std::optional<int> WholeNumber(std::string_view text) {
@@ -60,6 +64,9 @@ bool IsDayCount(std::string_view text) {
 }
 bool IsPlayed(std::string_view text) {
   return text == kArtists || text == kSongs;
+}
+bool IsKeepable(std::string_view text) {
+  return text == kLast || text == kCurrent || IsWithin(text, 1, kMostOfShelf);
 }
 bool IsSwitch(std::string_view text) {
   return text == "on" || text == "off";
@@ -101,6 +108,8 @@ bool IsKey(std::string_view text) {
 
 constexpr std::array kChannel{Argument{"N", "a channel number from 1 to 255", IsChannelNumber}};
 constexpr std::array kMute{Argument{"on|off", "on or off", IsSwitch}};
+constexpr std::array kKeep{
+    Argument{"N|last|current", "a number of the shelf from 1 to 1000, last or current", IsKeepable, true}};
 constexpr std::array kLog{Argument{"N", "a number of lines from 1 to 5000", IsLineCount, true}};
 constexpr Argument kKey{"KEY", "the name of a setting: letters, digits and underscores", IsKey};
 constexpr std::array kGet{kKey};
@@ -193,6 +202,10 @@ void RunHints(ControlTarget& target, Arguments /*follow*/, const Replied& replie
   replied(result.Done ? Done(ToJson(result.Hints)) : Refused(std::move(result.Reason)));
 }
 
+void RunShelf(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
+  replied(Done(ToJson(target.Shelf())));
+}
+
 void RunReport(ControlTarget& target, Arguments arguments, const Replied& replied) {
   ReportQuestion question;
   for (std::size_t i = 0; i + 1 < arguments.size(); ++i)
@@ -267,6 +280,11 @@ void RunStop(ControlTarget& target, Arguments /*none*/, const Replied& replied) 
 void RunQuit(ControlTarget& target, Arguments /*none*/, const Replied& replied) {
   target.Quit(Reporting(replied));
 }
+void RunKeep(ControlTarget& target, Arguments arguments, const Replied& replied) {
+  if (!arguments.empty() && arguments[0] == kCurrent) return target.KeepCurrent(Reporting(replied));
+  const int number = arguments.empty() || arguments[0] == kLast ? 1 : WholeNumber(arguments[0]).value_or(1);
+  target.Keep(number, Reporting(replied));
+}
 void RunTune(ControlTarget& target, Arguments arguments, const Replied& replied) {
   target.Tune(WholeNumber(arguments[0]).value_or(0), Reporting(replied));
 }
@@ -310,6 +328,9 @@ constexpr std::array kCommands{
     Command{"channels", {}, "list the channels and what they play", RunChannels},
     Command{"record", {}, "press Record", RunRecord},
     Command{"stop", {}, "press Stop", RunStop},
+    Command{"keep", kKeep, "keep what just played: a song of the shelf, or the present one at its end",
+            RunKeep},
+    Command{"shelf", {}, "show what just played and was not kept, the newest first", RunShelf},
     Command{"tune", kChannel, "tune to a channel", RunTune},
     Command{"mute", kMute, "mute the radio or let it sound", RunMute},
     Command{"log", kLog, "show the newest lines of the log, 20 if no number is given", RunLog},

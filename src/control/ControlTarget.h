@@ -86,6 +86,8 @@ class ControlTarget {
   /// All ten entries, in their order.
   [[nodiscard]] virtual std::vector<ScheduleReport> Schedule() = 0;
   [[nodiscard]] virtual ListsReport Lists() = 0;
+  /// What was captured and not kept, newest first.
+  [[nodiscard]] virtual std::vector<ShelvedReport> Shelf() = 0;
   /// Of one channel, or of all if it is 0, those of which anything was learned, in their order.
   [[nodiscard]] virtual std::vector<StationLagReport> StationLags(int channel) = 0;
   /// What begins elsewhere; refused while the setting for it is off.
@@ -106,6 +108,10 @@ class ControlTarget {
   virtual void Stop(Answered answered) = 0;
   virtual void Tune(int channelNumber, Answered answered) = 0;  ///< 1 to 255
   virtual void Mute(bool muted, Answered answered) = 0;
+  /// Keeps the song of that number of the shelf, of which 1 is the newest.
+  virtual void Keep(int number, Answered answered) = 0;
+  /// Keeps the song that plays, at its end.
+  virtual void KeepCurrent(Answered answered) = 0;
   virtual void Set(std::string_view key, std::string_view value, Answered answered) = 0;
   /// Entries are numbered 1 to 10. A refusal that the scheduler has words for comes with those words.
   virtual void SetSchedule(const ScheduleChange& change, Answered answered) = 0;

@@ -13,6 +13,8 @@
 #include "control/CutJson.h"
 #include "control/HintJson.h"
 #include "control/HistoryJson.h"
+#include "control/ShelfJson.h"
+#include "history/Advice.h"
 #include "history/ReportText.h"
 
 namespace kestrune::control {
@@ -47,7 +49,7 @@ std::string RadioText(const StatusReport& report) {
 }
 
 std::string RecordingText(const StatusReport& report) {
-  if (report.Recording.empty()) return "no";
+  if (report.Recording.empty()) return report.Keep ? "no, but the present song will be kept" : "no";
   if (!report.RecordRequested || report.WaitingForNextSong) return report.Recording;
   return Joined({report.Recording, Length(report.CaptureLengthMs),
                  report.CaptureFailure.empty() ? "" : "not being written: " + report.CaptureFailure},
@@ -208,6 +210,20 @@ std::string StationLagsText(const std::vector<StationLagReport>& stations) {
   return Columns(rows);
 }
 
+std::string ShelfText(const std::vector<ShelvedReport>& songs) {
+  if (songs.empty()) return "nothing is on the shelf\n";
+  Rows rows{{"No.", "Ended", "Channel", "Station", "Song", "Length", "Not kept"}};
+  for (const ShelvedReport& song : songs) {
+    rows.push_back(
+        {fmt::format("{:>3}", song.Number), base::FormatDate(song.Ended, "yyyy-mm-dd hh:nn"),
+         song.Channel == 0 ? "-" : fmt::format("{:>7}", song.Channel), song.Station,
+         Joined({Joined({song.Artist, song.Song}, " - "), song.Incomplete ? "(Incomplete)" : ""}, " "),
+         song.LengthMs == 0 ? "-" : fmt::format("{:>6}", Length(song.LengthMs)),
+         std::string(history::FateText(song.Fate))});
+  }
+  return Columns(rows);
+}
+
 std::optional<std::string> LinesText(const Json& lines) {
   if (!lines.is_array()) return std::nullopt;
   std::string text;
@@ -259,6 +275,10 @@ std::optional<std::string> PeopleText(std::string_view command, const Json& resu
     if (const auto cuts = CutsFromJson(result)) return CutsText(*cuts);
     const auto stations = StationLagsFromJson(result);
     return stations ? std::optional(StationLagsText(*stations)) : std::nullopt;
+  }
+  if (command == "shelf") {
+    const std::optional<std::vector<ShelvedReport>> songs = ShelfFromJson(result);
+    return songs ? std::optional(ShelfText(*songs)) : std::nullopt;
   }
   if (command == "log") return LinesText(result);
   if (command == "get") {

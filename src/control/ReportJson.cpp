@@ -23,6 +23,7 @@ static void ForEachMember(EitherConst<StatusReport> auto& report, auto& visit) {
   visit("recordRequested", report.RecordRequested);
   visit("waitingForNextSong", report.WaitingForNextSong);
   visit("captureLengthMs", report.CaptureLengthMs);
+  visit("keep", report.Keep);
   visit("warning", report.Warning);
   visit("captureFailure", report.CaptureFailure);
   visit("recordedCount", report.RecordedCount);

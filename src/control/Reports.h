@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/DateValue.h"
+#include "platform/HistoryRows.h"
 
 namespace kestrune::control {
 
@@ -27,6 +28,7 @@ struct StatusReport {
   bool RecordRequested = false;
   bool WaitingForNextSong = false;
   std::int64_t CaptureLengthMs = 0;  ///< of the capture in hand
+  bool Keep = false;                 ///< a user has asked for that capture
   std::string Warning;               ///< what has failed, in one sentence; empty if all is well
   std::string CaptureFailure;        ///< why nothing more reaches its file; empty if all is well
   int RecordedCount = 0;
@@ -114,6 +116,24 @@ struct CutReport {
   std::vector<CutCandidateReport> Candidates;  ///< at most five, the likeliest first
 
   bool operator==(const CutReport&) const = default;
+};
+
+/// A song on the shelf: captured, and not kept.
+struct ShelvedReport {
+  int Number = 0;  ///< 1 is the newest
+  base::DateValue Ended;
+  int Channel = 0;  ///< 0 if it is not known
+  std::string Station;
+  std::string Genre;
+  std::string Artist;
+  std::string Song;
+  std::int64_t LengthMs = 0;                                ///< 0 if it is not known
+  platform::SongFate Fate = platform::SongFate::NotWanted;  ///< why it was not kept
+  bool Incomplete = false;
+  std::int64_t Bytes = 0;
+  std::string File;  ///< full path
+
+  bool operator==(const ShelvedReport&) const = default;
 };
 
 /// What was learned of how far the text of a channel runs ahead of its sound.

@@ -34,6 +34,7 @@ StatusReport StatusOf(const recorder::Snapshot& unit) {
   report.RecordRequested = recording.RecordRequested;
   report.WaitingForNextSong = recording.WaitingForNextSong;
   report.CaptureLengthMs = capture.LengthMs;
+  report.Keep = capture.KeepAtEnd;
   report.Warning = unit.State.Watch.Warning();
   report.CaptureFailure = capture.Outcome.Failure();
   report.RecordedCount = recording.RecordedCount;

@@ -9,6 +9,7 @@
 #include "control/ConsoleText.h"
 #include "control/CutJson.h"
 #include "control/ScheduleCommands.h"
+#include "control/ShelfJson.h"
 #include "control/StatusOf.h"
 #include "history/Since.h"
 
@@ -64,6 +65,18 @@ void UnitTarget::Tune(int channelNumber, Answered answered) {
 
 void UnitTarget::Mute(bool muted, Answered answered) {
   unit_.Wishes().Mute(muted, std::move(answered));
+}
+
+std::vector<ShelvedReport> UnitTarget::Shelf() {
+  return ShelfOf(unit_.Parts().Shelving.Songs());
+}
+
+void UnitTarget::Keep(int number, Answered answered) {
+  unit_.Wishes().Keep(static_cast<std::size_t>(number), std::move(answered));
+}
+
+void UnitTarget::KeepCurrent(Answered answered) {
+  unit_.Wishes().KeepCurrent(std::move(answered));
 }
 
 std::vector<std::string> UnitTarget::LogLines(std::size_t atMost) {

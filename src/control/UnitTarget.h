@@ -25,6 +25,7 @@ class UnitTarget final : public ControlTarget {
   [[nodiscard]] SettingResult Get(std::string_view key) override;
   [[nodiscard]] std::vector<ScheduleReport> Schedule() override;
   [[nodiscard]] ListsReport Lists() override;
+  [[nodiscard]] std::vector<ShelvedReport> Shelf() override;
   [[nodiscard]] std::vector<StationLagReport> StationLags(int channel) override;
   [[nodiscard]] HintsResult Hints() override;
 
@@ -37,6 +38,8 @@ class UnitTarget final : public ControlTarget {
   void Stop(Answered answered) override;
   void Tune(int channelNumber, Answered answered) override;
   void Mute(bool muted, Answered answered) override;
+  void Keep(int number, Answered answered) override;
+  void KeepCurrent(Answered answered) override;
   void Set(std::string_view key, std::string_view value, Answered answered) override;
   void SetSchedule(const ScheduleChange& change, Answered answered) override;
   void EnableSchedule(int number, bool enabled, Answered answered) override;

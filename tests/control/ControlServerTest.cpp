@@ -65,7 +65,7 @@ TEST(ControlServer, EachCommandReachesItsDoor) {
 TEST(ControlServer, AWishIsAnsweredWhenItHasBeenCarriedOut) {
   for (const char* command : {"record", "stop", "quit"}) {
     FakeControlTarget target;
-    target.Keep = true;
+    target.KeepWishes = true;
     std::vector<std::string> answers;
     const auto keep = [&answers](const std::string& answer) { answers.push_back(answer); };
     control::Dispatch(target, R"({"command":")" + std::string(command) + R"("})", keep);
@@ -78,7 +78,7 @@ TEST(ControlServer, AWishIsAnsweredWhenItHasBeenCarriedOut) {
 
 TEST(ControlServer, AQuestionIsAnsweredAlthoughAWishWaits) {
   FakeControlTarget target;
-  target.Keep = true;
+  target.KeepWishes = true;
   control::Dispatch(target, R"({"command":"record"})", [](const std::string& /*answer*/) {});
   EXPECT_THAT(Dispatch(target, R"({"command":"status"})"), StartsWith(R"({"exit":0)"));
 }
@@ -212,6 +212,44 @@ TEST(ControlServer, HintsAreToldAtOnceOrRefused) {
   EXPECT_THAT(target.Calls, ElementsAre("Hints", "Hints"));
   target.NextHints = {.Done = false, .Reason = "off", .Hints = {}};
   EXPECT_EQ(Dispatch(target, R"({"command":"hints"})"), R"({"exit":1,"reason":"off","result":null})");
+}
+
+TEST(ControlServer, WhatIsToBeKeptReachesItAsItWasAsked) {
+  const std::pair<const char*, const char*> kWishes[] = {
+      {R"({"command":"keep"})", "Keep 1"},
+      {R"({"command":"keep","arguments":["last"]})", "Keep 1"},
+      {R"({"command":"keep","arguments":["17"]})", "Keep 17"},
+      {R"({"command":"keep","arguments":["current"]})", "KeepCurrent"},
+  };
+  for (const auto& [line, call] : kWishes) {
+    test::FakeControlTarget target;
+    EXPECT_EQ(Dispatch(target, line), R"({"exit":0,"reason":"","result":null})");
+    EXPECT_THAT(target.Calls, ElementsAre(call));
+    target.NextResult = base::Result::Failed("nothing is on the shelf");
+    EXPECT_EQ(Dispatch(target, line), R"({"exit":1,"reason":"nothing is on the shelf","result":null})");
+  }
+}
+
+TEST(ControlServer, TheShelfIsToldAtOnce) {
+  test::FakeControlTarget target;
+  target.NextShelf.push_back({.Number = 1,
+                              .Ended = base::DateValue::FromCivil(2026, 11, 21, 18, 0, 5),
+                              .Channel = 47,
+                              .Station = "Campfire",
+                              .Genre = "Folk",
+                              .Artist = "Abigail Wren",
+                              .Song = "Winter Apples",
+                              .LengthMs = 200000,
+                              .Fate = platform::SongFate::TooShort,
+                              .Incomplete = true,
+                              .Bytes = 3200000000,
+                              .File = "/music/Kestrune/Shelf/x.mp3"});
+  EXPECT_EQ(
+      Dispatch(target, R"({"command":"shelf"})"),
+      R"({"exit":0,"reason":"","result":[{"number":1,"ended":"2026-11-21 18:00:05","channel":47,"station":"Campfire",)"
+      R"("genre":"Folk","artist":"Abigail Wren","song":"Winter Apples","lengthMs":200000,"fate":"too short",)"
+      R"("incomplete":true,"bytes":3200000000,"file":"/music/Kestrune/Shelf/x.mp3"}]})");
+  EXPECT_THAT(target.Calls, ElementsAre("Shelf"));
 }
 
 TEST(ControlServer, WhatWasLearnedOfTheStationsIsToldAtOnce) {

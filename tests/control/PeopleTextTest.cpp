@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "control/PeopleText.h"
+#include "control/ShelfJson.h"
 
 namespace kestrune::control {
 namespace {
@@ -228,11 +229,46 @@ TEST(PeopleText, AResultOfAnotherShapeIsNone) {
   EXPECT_FALSE(PeopleText("update", Json::object()));
   EXPECT_FALSE(PeopleText("schedule", Json()));
   EXPECT_FALSE(PeopleText("lists", Json()));
+  EXPECT_FALSE(PeopleText("shelf", Json()));
   EXPECT_FALSE(PeopleText("schedule set", Json(1)));
   EXPECT_FALSE(PeopleText("log", Json("x")));
   EXPECT_FALSE(PeopleText("log", Json::array({1})));
   EXPECT_FALSE(PeopleText("get", Json(1)));
   EXPECT_FALSE(PeopleText("stop", Json(1)));
+}
+
+TEST(PeopleTextTest, TheShelfIsATableAndUnknownIsALine) {
+  std::vector<ShelvedReport> songs(2);
+  songs[0] = {.Number = 1,
+              .Ended = base::DateValue::FromCivil(2026, 11, 21, 18, 0, 5),
+              .Channel = 47,
+              .Station = "Campfire",
+              .Genre = "Folk",
+              .Artist = "Abigail Wren",
+              .Song = "Winter Apples",
+              .LengthMs = 200900,
+              .Fate = platform::SongFate::TooShort,
+              .Incomplete = true,
+              .Bytes = 1,
+              .File = "x"};
+  songs[1].Number = 2;
+  songs[1].Ended = songs[0].Ended;
+  songs[1].Song = "North Pier";
+  EXPECT_EQ(PeopleText("shelf", ToJson(songs)),
+            "No.  Ended             Channel  Station   Song                                       Length  "
+            "Not kept\n"
+            "  1  2026-11-21 18:00       47  Campfire  Abigail Wren - Winter Apples (Incomplete)    3:20  "
+            "too short\n"
+            "  2  2026-11-21 18:00  -                  North Pier                                 -       "
+            "not wanted\n");
+  EXPECT_EQ(PeopleText("shelf", Json::array()), "nothing is on the shelf\n");
+}
+
+TEST(PeopleTextTest, AStatusSaysThatThePresentSongWillBeKept) {
+  StatusReport report;
+  report.Keep = true;
+  EXPECT_NE(PeopleText("status", ToJson(report))->find("no, but the present song will be kept"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "control/ReportJson.h"
+#include "control/ShelfJson.h"
 
 namespace kestrune::control {
 namespace {
@@ -29,6 +30,7 @@ StatusReport FullStatus() {
   report.RecordRequested = true;
   report.WaitingForNextSong = true;
   report.CaptureLengthMs = 5'000'000'000;
+  report.Keep = true;
   report.Warning = "The disk is nearly full: room for 1:40.";
   report.CaptureFailure = "No space left on device";
   report.RecordedCount = 1;
@@ -54,7 +56,7 @@ constexpr const char* kFullStatus =
     R"({"unit":"2","version":"3.0.29","loading":true,"port":3,"radioID":"ABC12345",)"
     R"("radioLost":"the device is gone","radioDoubt":"the radio refuses channel 9","channelNumber":44,)"
     R"("station":"Fred","genre":"Rock","artist":"The Cure","song":"Lullaby","recording":"Recording",)"
-    R"("recordRequested":true,"waitingForNextSong":true,"captureLengthMs":5000000000,)"
+    R"("recordRequested":true,"waitingForNextSong":true,"captureLengthMs":5000000000,"keep":true,)"
     R"("warning":"The disk is nearly full: room for 1:40.","captureFailure":"No space left on device",)"
     R"("recordedCount":1,)"
     R"("tooShortCount":2,"tooLongCount":3,"restrictedCount":4,"channelsLoading":true,"channelCount":123,)"
@@ -78,6 +80,7 @@ TEST(ReportJson, EveryMemberIsDocumented) {
       {"channels", ToJson(std::vector<ChannelReport>(1)).front()},
       {"schedule", ToJson(std::vector<ScheduleReport>(1)).front()},
       {"lists", ToJson(ListsReport())},
+      {"shelf", ToJson(std::vector<ShelvedReport>(1)).front()},
       {"update", ToJson(UpdateReport())},
   };
   for (const auto& [command, report] : reports) {

@@ -20,7 +20,7 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<control::ChannelReport> NextChannels;
   base::Result NextResult = base::Result::Done();
   /// If set, wishes are kept here and not answered; the test answers them.
-  bool Keep = false;
+  bool KeepWishes = false;
   std::vector<control::Answered> Kept;
   control::SettingResult NextSetting{true, "", ""};
   control::UpdateResult NextUpdate{true, "", {}};
@@ -33,6 +33,7 @@ class FakeControlTarget : public control::ControlTarget {
   std::vector<control::CutReport> NextCuts;
   std::vector<control::StationLagReport> NextStationLags;
   control::HintsResult NextHints{.Done = true, .Reason = "", .Hints = {}};
+  std::vector<control::ShelvedReport> NextShelf;
   control::ScheduleChange Change;  ///< the last one asked for
 
   control::StatusReport Status() override {
@@ -58,6 +59,14 @@ class FakeControlTarget : public control::ControlTarget {
   control::SettingResult Get(std::string_view key) override {
     Calls.push_back(fmt::format("Get {}", key));
     return NextSetting;
+  }
+  void Keep(int number, control::Answered answered) override {
+    Note(fmt::format("Keep {}", number), std::move(answered));
+  }
+  void KeepCurrent(control::Answered answered) override { Note("KeepCurrent", std::move(answered)); }
+  std::vector<control::ShelvedReport> Shelf() override {
+    Calls.emplace_back("Shelf");
+    return NextShelf;
   }
   void Set(std::string_view key, std::string_view value, control::Answered answered) override {
     Note(fmt::format("Set {}={}", key, value), std::move(answered));
@@ -124,7 +133,7 @@ class FakeControlTarget : public control::ControlTarget {
  private:
   void Note(std::string call, control::Answered answered) {
     Calls.push_back(std::move(call));
-    if (Keep) {
+    if (KeepWishes) {
       Kept.push_back(std::move(answered));
     } else {
       answered(NextResult);

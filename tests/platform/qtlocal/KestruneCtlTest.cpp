@@ -123,7 +123,7 @@ TEST_F(KestruneCtlTest, StatusForMachinesIsOneLineOfJson) {
             R"({"unit":"","version":"3.0.29","loading":false,"port":0,"radioID":"",)"
             R"("radioLost":"","radioDoubt":"","channelNumber":0,)"
             R"("station":"","genre":"","artist":"","song":"","recording":"","recordRequested":false,)"
-            R"("waitingForNextSong":false,"captureLengthMs":0,"warning":"","captureFailure":"",)"
+            R"("waitingForNextSong":false,"captureLengthMs":0,"keep":false,"warning":"","captureFailure":"",)"
             R"("recordedCount":0,"tooShortCount":0,)"
             R"("tooLongCount":0,"restrictedCount":0,"channelsLoading":false,"channelCount":0,)"
             R"("activeSchedule":0,"fileFormat":"","formatDescription":"","fileDir":"","inputDevice":"",)"
@@ -308,7 +308,7 @@ TEST_F(KestruneCtlTest, WaitTakesWholeSeconds) {
 }
 
 TEST_F(KestruneCtlTest, AWishIsReportedWhenItHasBeenCarriedOut) {
-  target_.Keep = true;
+  target_.KeepWishes = true;
   const auto server = Serve();
   QTimer::singleShot(500, qApp, [this] {
     ASSERT_EQ(target_.Kept.size(), 1U);
