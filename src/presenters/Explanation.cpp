@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include <fmt/format.h>
+
 #include "presenters/HintLine.h"
 #include "recorder/Modes.h"
 
@@ -15,6 +17,8 @@ std::string ExplainRecording(const recorder::State& state, const schedule::Restr
     return "Recording begins once the channels are loaded.";
   }
   if (state.Radio.ChannelsLoading) return "The radio's channels are being loaded.";
+  if (state.HintHome != 0)
+    return fmt::format("Following a hint: back to channel {} after this song.", state.HintHome);
   if (const recorder::Hint* const hint = ShownHint(state)) return recorder::HintText(*hint);
   if (recording.StopPending) return "Finishing the song in hand.";
   if (!recording.RecordRequested) return "Not recording.";

@@ -7,7 +7,7 @@
 namespace kestrune::presenters {
 
 /// The hint that the main window's line and the tip of the tray show: the newest. While something is recorded or waited for, only a
-/// fresh one, since the line has other things to say; none while something has failed or the channels load. Null if there
+/// fresh one, since the line has other things to say; none while something has failed, the channels load or a hint is being followed. Null if there
 /// is none; valid until the state changes.
 [[nodiscard]] const recorder::Hint* ShownHint(const recorder::State& state);
 

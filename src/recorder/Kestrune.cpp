@@ -1,6 +1,8 @@
 #include "recorder/Kestrune.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <optional>
 
 #include "base/Ignored.h"
@@ -73,6 +75,9 @@ Kestrune::Kestrune(const Outside& outside)
       soundWatch_(state_, sound_.Audio, sound_.Meter, outside.Loop, log_),
       diskWatch_(state_, sound_.FileSpecs, outside.Files, outside.Loop, log_),
       clockWatch_(state_, chronicle_, outside.Loop, log_),
+      hintFollower_(
+          state_, {.Channels = radio_.Channels, .Door = door_, .Loop = outside.Loop, .Journal = log_},
+          {.Mark = [this] { base::Ignored(KeepCurrent()); }, .Marked = [this] { return KeepsSong(); }}),
       recovery_(state_, outside.CaptureMender, outside.Files, sound_.SongFiles, log_) {
   // A unit that has not begun to load takes no wishes either.
   state_.Run.FormLoading = true;
@@ -149,6 +154,13 @@ base::Result Kestrune::KeepCurrent() {
   if (!failure.empty()) return base::Result::Failed("the song is not being captured: " + failure);
   capture.KeepAtEnd = true;
   return base::Result::Done();
+}
+
+bool Kestrune::KeepsSong() const {
+  const RecordingState& recording = state_.Recording;
+  return recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot)).KeepAtEnd ||
+         std::any_of(recording.AwaitedCuts.begin(), recording.AwaitedCuts.end(),
+                     [](const AwaitedCut& cut) { return cut.Song.KeepAtEnd; });
 }
 
 void Kestrune::mnuReload_Click() {

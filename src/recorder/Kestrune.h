@@ -22,6 +22,7 @@
 #include "recorder/ClockWatch.h"
 #include "recorder/DiskWatch.h"
 #include "recorder/Door.h"
+#include "recorder/HintFollower.h"
 #include "recorder/Hints.h"
 #include "recorder/LinkWatch.h"
 #include "recorder/Outside.h"
@@ -102,6 +103,8 @@ class Kestrune final : private radio::ChannelEvents {
   void cmdStop() { commands_.cmdStop(); }
   /// Whether the radio can be reached now; the cause says why not.
   [[nodiscard]] base::Result RadioReady() const { return linkWatch_.Ready(); }
+  /// A user has asked to tune, record, stop, keep or mute: the program follows no hint of its own for a while.
+  void UserActed() { hintFollower_.UserActed(); }
   /// Tunes the radio; asking for the tuned channel does nothing.
   void SetChannelNumber(std::int16_t channel) { radio_.Channels.SetChannelNumber(channel); }
   /// False, with a sound, while recording forbids it.
@@ -157,6 +160,9 @@ class Kestrune final : private radio::ChannelEvents {
   void ChannelTuned() override;
   void WalkFinished() override;
 
+  /// Whether a song is to be kept at its end: the one in hand, or one whose cut is awaited.
+  [[nodiscard]] bool KeepsSong() const;
+
   void tmrClock_Timer();
   void AudioRecord_Timer();
   void InputDeviceChanged();
@@ -208,6 +214,7 @@ class Kestrune final : private radio::ChannelEvents {
   SoundWatch soundWatch_;
   DiskWatch diskWatch_;
   ClockWatch clockWatch_;
+  HintFollower hintFollower_;
   Recovery recovery_;
 };
 

@@ -26,6 +26,7 @@ void Kestrune::CloseFirstPass() {
   soundWatch_.Stop();
   diskWatch_.Stop();
   clockWatch_.Stop();
+  hintFollower_.Stop();
   recovery_.Stop();
   sound_.Capture.RecordStop(0);
   sound_.Capture.RecordStop(1);
@@ -85,7 +86,8 @@ void Kestrune::SaveAtExit() {
     base::Ignored(section_.SaveSingle("MainLeft", place->Left));
   }
   config::Settings last = state_.Settings;
-  last.Channel = state_.Radio.ChannelNumber;
+  // A hint that is being followed is no choice of the user.
+  last.Channel = state_.HintHome != 0 ? state_.HintHome : state_.Radio.ChannelNumber;
   last.SievanceGrab = last.SievanceGrab != 0 ? 1 : 0;
   last.SievanceKill = last.SievanceKill != 0 ? 1 : 0;
   base::Ignored(settingsDoor_.Change(last, {"Channel", "SievanceGrab", "SievanceKill"}));

@@ -82,6 +82,7 @@ StartOutcome Kestrune::LoadSteps() {
   soundWatch_.Start();
   diskWatch_.Start();
   clockWatch_.Start();
+  hintFollower_.Start();
   CheckTemporarySpace();
   return state_.Run.ShuttingDown ? StartOutcome::Closed : StartOutcome::Running;
 }

@@ -47,6 +47,7 @@ void Wishes::Ask(Door::Wish wish, Answered answered) {
 }
 
 void Wishes::Record(Answered answered) {
+  unit_.UserActed();
   Ask(
       [&unit = unit_] {
         if (!unit.State().MayRecord()) {
@@ -60,6 +61,7 @@ void Wishes::Record(Answered answered) {
 }
 
 void Wishes::Stop(Answered answered) {
+  unit_.UserActed();
   Ask(
       [&unit = unit_] {
         if (InEvent(unit) && !unit.State().MayStop()) return RefusedByEvent(unit);
@@ -71,6 +73,7 @@ void Wishes::Stop(Answered answered) {
 }
 
 void Wishes::Tune(std::int16_t channel, Answered answered) {
+  unit_.UserActed();
   Ask([this, channel] { return TuneNow(channel); }, std::move(answered));
 }
 
@@ -85,10 +88,12 @@ Result Wishes::TuneNow(std::int16_t channel) {
 }
 
 void Wishes::Mute(bool on, Answered answered) {
+  unit_.UserActed();
   Ask([this, on] { return MuteNow(on); }, std::move(answered));
 }
 
 void Wishes::ToggleMute(Answered answered) {
+  unit_.UserActed();
   Ask([this] { return MuteNow(!unit_.State().Recording.Muted); }, std::move(answered));
 }
 
@@ -100,6 +105,7 @@ Result Wishes::MuteNow(bool on) {
 }
 
 void Wishes::KeepCurrent(Answered answered) {
+  unit_.UserActed();
   Ask([&unit = unit_] { return unit.KeepCurrent(); }, std::move(answered));
 }
 

@@ -70,6 +70,9 @@ TEST(HintLine, AFailureAndTheLoadOfTheChannelsGoFirst) {
   state.Watch.RadioFailure = "the device is gone";
   EXPECT_EQ(ShownHint(state), nullptr);
   state.Watch = {};
+  state.HintHome = 44;
+  EXPECT_EQ(ShownHint(state), nullptr);
+  state.HintHome = 0;
   state.Radio.ChannelsLoading = true;
   EXPECT_EQ(ShownHint(state), nullptr);
 }

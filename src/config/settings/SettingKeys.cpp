@@ -110,6 +110,7 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::CutPlacement>("CutPlacement"),
     Row<&Settings::CutOverlap>("CutOverlap").CheckedBy(CheckCutOverlap),
     Row<&Settings::Hints>("Hints"),
+    Row<&Settings::FollowHints>("FollowHints"),
     Row<&Settings::ShelfFolder>("ShelfFolder").CheckedBy(CheckShelfFolder),
     Row<&Settings::ShelfSongs>("ShelfSongs").CheckedBy(CheckShelfSongs),
     Row<&Settings::ShelfMegabytes>("ShelfMegabytes").CheckedBy(CheckShelfMegabytes),

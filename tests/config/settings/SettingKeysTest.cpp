@@ -69,6 +69,7 @@ const Expected kExpected[] = {
      SHOWS(s.CutPlacement == CutPlacement::Listen)},
     {"CutOverlap", kInt16, "0", "1500", SHOWS(s.CutOverlap == 0), SHOWS(s.CutOverlap == 1500)},
     {"Hints", kBool, "False", "True", SHOWS(!s.Hints), SHOWS(s.Hints)},
+    {"FollowHints", kBool, "False", "True", SHOWS(!s.FollowHints), SHOWS(s.FollowHints)},
     {"ShelfFolder", kText, "", "/shelf/", SHOWS(s.ShelfFolder.empty()), SHOWS(s.ShelfFolder == "/shelf/")},
     {"ShelfSongs", kInt16, "20", "0", SHOWS(s.ShelfSongs == 20), SHOWS(s.ShelfSongs == 0)},
     {"ShelfMegabytes", kInt32, "500", "1", SHOWS(s.ShelfMegabytes == 500), SHOWS(s.ShelfMegabytes == 1)},
