@@ -3,7 +3,9 @@
 namespace kestrune::presenters {
 
 const recorder::Hint* ShownHint(const recorder::State& state) {
-  if (state.Hints.empty() || state.HintHome != 0 || state.Radio.ChannelsLoading || !state.Watch.Warning().empty()) return nullptr;
+  if (state.Hints.empty() || state.HintHome != 0 || state.Radio.ChannelsLoading ||
+      !state.Watch.Warning().empty())
+    return nullptr;
   const recorder::Hint& newest = state.Hints.front();
   return state.MayRecord() || newest.Fresh ? &newest : nullptr;
 }
