@@ -126,6 +126,10 @@ TEST_F(ShelfTest, ASongCostsOneRenameAndOneRemovalAtMost) {
   EXPECT_TRUE(Put("D"));
   EXPECT_THAT(files.Calls, ElementsAre("Rename /music/Capture0.mp3 /music/Kestrune/Shelf/D.mp3",
                                        "Remove /music/Kestrune/Shelf/A.mp3"));
+  // A name that is known to be taken is not tried.
+  EXPECT_TRUE(Put("D"));
+  EXPECT_THAT(files.Calls, ElementsAre("Rename /music/Capture0.mp3 /music/Kestrune/Shelf/D (2).mp3",
+                                       "Remove /music/Kestrune/Shelf/B.mp3"));
 }
 
 TEST_F(ShelfTest, WhatSomebodyListensToStaysAndTheNextOldestGoes) {
@@ -316,11 +320,11 @@ TEST_F(ShelfTest, ToAnotherVolumeASongIsCopied) {
   EXPECT_TRUE(Put("A"));
   EXPECT_TRUE(Put("B"));
   files.MakeFolders("/disk");
-  files.Put("/disk/A.mp3", "mine");
   files.PutOnOtherVolume("/disk");
   files.TakeNameAtRename("mine");
   EXPECT_TRUE(shelf.Give("/music/Kestrune/Shelf/A.mp3", "/disk/A.mp3").NameTaken);
   EXPECT_EQ(files.Text("/disk/A.mp3"), "mine");
+  EXPECT_TRUE(files.Exists("/music/Kestrune/Shelf/A.mp3"));
   files.FailNext(FileOperation::Copy);
   EXPECT_FALSE(shelf.Give("/music/Kestrune/Shelf/B.mp3", "/disk/B.mp3"));
   EXPECT_THAT(Names(), ElementsAre("B.mp3", "A.mp3"));

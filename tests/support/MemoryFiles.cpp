@@ -195,16 +195,16 @@ platform::RenameResult MemoryFiles::RenameNoReplace(std::string_view from, std::
   if (takenAtRename_) files_[target] = *std::exchange(takenAtRename_, std::nullopt);
   if (Fails(FileOperation::Rename)) return {.Outcome = base::Result::Failed(kToldToFail)};
   if (!files_.contains(source)) return {.Outcome = base::Result::Failed(kNoSuchFile)};
+  if (VolumeOf(source) != VolumeOf(target)) {
+    return {.Outcome = base::Result::Failed("Invalid cross-device link"),
+            .NameTaken = false,
+            .OtherVolume = true};
+  }
   if (Exists(target) || links_.contains(target)) {
     return {.Outcome = base::Result::Failed(kTaken), .NameTaken = true};
   }
   for (const std::string& path : {source, target}) {
     if (base::Result writable = Writable(path); !writable) return {.Outcome = writable};
-  }
-  if (VolumeOf(source) != VolumeOf(target)) {
-    return {.Outcome = base::Result::Failed("Invalid cross-device link"),
-            .NameTaken = false,
-            .OtherVolume = true};
   }
   written_[target] = written_[source];
   if (inUse_.erase(source) > 0) inUse_.insert(target);
