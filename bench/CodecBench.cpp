@@ -17,6 +17,7 @@
 #include <FLAC/stream_encoder.h>
 #include <benchmark/benchmark.h>
 #include <lame/lame.h>
+#include <opusenc.h>
 #include <sndfile.h>
 #include <spandsp/telephony.h>
 #include <vorbis/vorbisenc.h>
@@ -167,6 +168,19 @@ void BareFlac(unsigned level, const std::string& path, const Samples& samples) {
   FLAC__stream_encoder_delete(flac);
 }
 
+void BareOpus(int bitrate, const std::string& path, const Samples& samples) {
+  OggOpusComments* const comments = ope_comments_create();
+  OggOpusEnc* const opus = ope_encoder_create_file(path.c_str(), comments, kRate, 2, 0, nullptr);
+  ope_encoder_ctl(opus, OPUS_SET_BITRATE(bitrate * 1000));
+  ope_encoder_ctl(opus, OPUS_SET_SIGNAL(OPUS_SIGNAL_MUSIC));
+  InBlocks(samples, 2, [&](std::span<const std::int16_t> block) {
+    ope_encoder_write(opus, block.data(), static_cast<int>(block.size() / 2));
+  });
+  ope_encoder_drain(opus);
+  ope_encoder_destroy(opus);
+  ope_comments_destroy(comments);
+}
+
 void BareSndfile(int format, int channels, const std::string& path, const Samples& samples) {
   SF_INFO info{};
   info.samplerate = kRate;
@@ -245,6 +259,11 @@ std::vector<Contest> Contests() {
                           BareFlac(static_cast<unsigned>(level), path, s);
                         }});
   }
+  contests.push_back({"Opus128", 2,
+                      [](EncodedFile& file) {
+                        file.SetFormat(platform::OpusFormat{kRate, 2, 128});
+                      },
+                      [](const std::string& path, const Samples& s) { BareOpus(128, path, s); }});
   return contests;
 }
 
@@ -292,7 +311,7 @@ void BesideTheLibrary(benchmark::State& state) {
   state.counters["realtime"] = kSeconds * static_cast<double>(state.iterations()) / ours;
 }
 
-BENCHMARK(BesideTheLibrary)->DenseRange(0, 11)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BesideTheLibrary)->DenseRange(0, 12)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kestrune

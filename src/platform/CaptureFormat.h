@@ -82,11 +82,24 @@ struct FlacFormat {
   bool operator==(const FlacFormat&) const = default;
 };
 
+inline constexpr std::int16_t kLeastOpusBitrate = 32;
+inline constexpr std::int16_t kMostOpusBitrate = 256;
+
+struct OpusFormat {
+  std::int32_t Frequency = 0;  ///< Hz of the samples handed over, 8000 to 48000; the file's own is 48000
+  std::int16_t Channels = 0;
+  std::int16_t Bitrate = 0;  ///< kbit/s on average, kLeastOpusBitrate to kMostOpusBitrate
+  bool Voice = false;        ///< made for speech instead of music
+
+  [[nodiscard]] std::int64_t BytesPerSecond() const { return std::int64_t{Bitrate} * 1000 / 8; }
+  bool operator==(const OpusFormat&) const = default;
+};
+
 /// What a capture file is asked to write; the empty one is no format. Each alternative has a Frequency in Hz
 /// and, unless it is always mono, Channels, and about how many bytes a second of sound takes: exact for a fixed rate,
 /// else the nominal or the highest one.
 using CaptureFormat = std::variant<std::monostate, WavFormat, RawFormat, VoxFormat, Mp3Parameters, OggFormat,
-                                   G726Format, FlacFormat>;
+                                   G726Format, FlacFormat, OpusFormat>;
 
 /// As each format has it; 0 for no format.
 [[nodiscard]] inline std::int64_t BytesPerSecond(const CaptureFormat& format) {

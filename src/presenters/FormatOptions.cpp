@@ -91,10 +91,26 @@ constexpr OptionGroup kFlacGroups[] = {
                                                                      kFlacLevels),
 };
 
+constexpr std::string_view kApplicationTip = "Select what the encoder is made for";
+constexpr std::string_view kOpusBitrateTip = "Select average bitrate to record";
+constexpr OptionButton kOpusApplications[] = {{"Music", 0, kApplicationTip}, {"Voice", 1, kApplicationTip}};
+constexpr OptionButton kOpusBitrates[] = {
+    {"32", 32, kOpusBitrateTip},   {"48", 48, kOpusBitrateTip},   {"64", 64, kOpusBitrateTip},
+    {"80", 80, kOpusBitrateTip},   {"96", 96, kOpusBitrateTip},   {"112", 112, kOpusBitrateTip},
+    {"128", 128, kOpusBitrateTip}, {"160", 160, kOpusBitrateTip}, {"192", 192, kOpusBitrateTip},
+    {"224", 224, kOpusBitrateTip}, {"256", 256, kOpusBitrateTip},
+};
+constexpr OptionGroup kOpusGroups[] = {
+    Group<&config::Settings::FormatOPUS, &config::FormatOPUS::Voice>("optApplication", "Made For",
+                                                                     kOpusApplications),
+    Group<&config::Settings::FormatOPUS, &config::FormatOPUS::Bitrate>("optBitrate", "Bitrate (kbit/s)",
+                                                                       kOpusBitrates),
+};
+
 constexpr OptionWindow kWindows[] = {
     {"RAW", "RAW Options", kRawGroups},    {"VOX", "VOX Options", kVoxGroups},
     {"WAV", "WAV Options", kWavGroups},    {"G726", "Set CCUIT G.726 Format", k726Groups},
-    {"FLAC", "FLAC Options", kFlacGroups},
+    {"FLAC", "FLAC Options", kFlacGroups}, {"OPUS", "Opus Options", kOpusGroups},
 };
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace kestrune::windows {
 
 /// Makes the option window of a recording format, such as frmFormatMP3; null if no format has this code. The
 /// parent owns it. Formats whose settings are a choice of buttons each share OptionButtons; frmFormatRAW,
-/// frmFormatVOX, frmFormatWAV, frmFormatG726 and frmFormatFLAC are of this kind.
+/// frmFormatVOX, frmFormatWAV, frmFormatG726, frmFormatFLAC and frmFormatOPUS are of this kind.
 [[nodiscard]] QDialog* MakeOptionWindow(std::string_view fileFormat, presenters::Configuration& configuration,
                                         QWidget* parent);
 

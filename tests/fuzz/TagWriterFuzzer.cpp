@@ -12,6 +12,7 @@
 #include "platform/codec/DiskFile.h"
 #include "platform/codec/FlacHeader.h"
 #include "platform/codec/Id3Tag.h"
+#include "platform/codec/OpusTags.h"
 #include "platform/codec/RiffFile.h"
 #include "platform/codec/VorbisComment.h"
 
@@ -56,5 +57,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Tag(kestrune::platform::WriteVorbisComment, content, texts);
   Tag(kestrune::platform::WriteRiffInfo, content, texts);
   Tag(kestrune::platform::WriteFlacComment, content, texts);
+  Tag(kestrune::platform::WriteOpusTags, content, texts);
   return 0;
 }

@@ -78,7 +78,8 @@ TEST_F(ConfigurationTest, TheSongDelaysAreHundredsToFiveThousand) {
 
 TEST_F(ConfigurationTest, TheFileFormatsStandInTheirOrder) {
   window_.Load();
-  EXPECT_THAT(Texts(Shown().cboFileFormat), ElementsAre("MP3", "WAV", "VOX", "RAW", "G726", "OGG", "FLAC"));
+  EXPECT_THAT(Texts(Shown().cboFileFormat),
+              ElementsAre("MP3", "WAV", "VOX", "RAW", "G726", "OGG", "FLAC", "OPUS"));
   EXPECT_EQ(Shown().cboFileFormat.Text(), "MP3");
 }
 

@@ -55,12 +55,13 @@ class FormatOptionsTest : public ::testing::Test {
   ConfigurationRig rig_;
 };
 
-TEST_F(FormatOptionsTest, TheFiveCaptions) {
+TEST_F(FormatOptionsTest, TheSixCaptions) {
   EXPECT_EQ(presenters::FindOptionWindow("RAW")->Caption, "RAW Options");
   EXPECT_EQ(presenters::FindOptionWindow("VOX")->Caption, "VOX Options");
   EXPECT_EQ(presenters::FindOptionWindow("WAV")->Caption, "WAV Options");
   EXPECT_EQ(presenters::FindOptionWindow("G726")->Caption, "Set CCUIT G.726 Format");
   EXPECT_EQ(presenters::FindOptionWindow("FLAC")->Caption, "FLAC Options");
+  EXPECT_EQ(presenters::FindOptionWindow("OPUS")->Caption, "Opus Options");
 }
 
 TEST_F(FormatOptionsTest, TheButtonsOfRaw) {
@@ -137,6 +138,19 @@ TEST_F(FormatOptionsTest, TheButtonsOfFlac) {
                   level("5", 5), level("6", 6), level("7", 7), level("8 (smallest)", 8)}));
 }
 
+TEST_F(FormatOptionsTest, TheButtonsOfOpus) {
+  const auto made = [](std::string_view caption, std::int32_t value) {
+    return Button{"optApplication", "Made For", caption, value, "Select what the encoder is made for"};
+  };
+  const auto bitrate = [](std::string_view caption, std::int32_t value) {
+    return Button{"optBitrate", "Bitrate (kbit/s)", caption, value, "Select average bitrate to record"};
+  };
+  EXPECT_EQ(Made("OPUS"),
+            Told({made("Music", 0), made("Voice", 1), bitrate("32", 32), bitrate("48", 48), bitrate("64", 64),
+                  bitrate("80", 80), bitrate("96", 96), bitrate("112", 112), bitrate("128", 128),
+                  bitrate("160", 160), bitrate("192", 192), bitrate("224", 224), bitrate("256", 256)}));
+}
+
 TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
   for (const presenters::OptionWindow& design : presenters::OptionWindows()) {
     const std::string_view format = design.FileFormat;
@@ -157,7 +171,7 @@ TEST_F(FormatOptionsTest, EveryButtonReachesTheRecordAndIsOnWhenItIsLoaded) {
 }
 
 TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
-  for (const std::string_view format : {"RAW", "VOX", "WAV", "G726", "FLAC"}) {
+  for (const std::string_view format : {"RAW", "VOX", "WAV", "G726", "FLAC", "OPUS"}) {
     presenters::FormatOptions options(*presenters::FindOptionWindow(format), rig_.Door);
     const auto groups = options.Design().Groups;
     for (std::size_t group = 0; group < groups.size(); ++group) {
@@ -166,13 +180,15 @@ TEST_F(FormatOptionsTest, EveryChoiceReachesTheEncoder) {
         EXPECT_TRUE(options.cmdOK());
         const config::Settings& now = rig_.Settings;
         const std::string wanted =
-            format == "RAW"   ? fmt::format("SetFormatRAW {} {} {} 16", now.FormatRAW.Compression,
-                                            now.FormatRAW.Frequency, now.FormatRAW.Channels)
-            : format == "VOX" ? fmt::format("SetFormatVOX {}", now.FormatVOX.Frequency)
-            : format == "WAV" ? fmt::format("SetFormatWAV {} {} {}", now.FormatWAV.Frequency,
-                                            now.FormatWAV.Channels, now.FormatWAV.Bits)
-            : format == "FLAC"
-                ? fmt::format("SetFormatFLAC 44100 2 {}", now.FormatFLAC.Level)
+            format == "RAW"    ? fmt::format("SetFormatRAW {} {} {} 16", now.FormatRAW.Compression,
+                                             now.FormatRAW.Frequency, now.FormatRAW.Channels)
+            : format == "VOX"  ? fmt::format("SetFormatVOX {}", now.FormatVOX.Frequency)
+            : format == "WAV"  ? fmt::format("SetFormatWAV {} {} {}", now.FormatWAV.Frequency,
+                                             now.FormatWAV.Channels, now.FormatWAV.Bits)
+            : format == "FLAC" ? fmt::format("SetFormatFLAC 44100 2 {}", now.FormatFLAC.Level)
+            : format == "OPUS"
+                ? fmt::format("SetFormatOpus 48000 2 {} {}", now.FormatOPUS.Bitrate,
+                              now.FormatOPUS.Voice ? 1 : 0)
                 : fmt::format("SetFormatG726 {} {}", now.Format726.Frequency, now.Format726.Bits);
         EXPECT_EQ(Prepared(format), wanted);
         EXPECT_NE((" " + wanted + " ").find(fmt::format(" {} ", groups[group].Buttons[button].Value)),
@@ -194,6 +210,7 @@ TEST_F(FormatOptionsTest, TheKeysAreSavedInTheirOrder) {
       {"WAV", {"WAV_Bits=16", "WAV_Channels=2", "WAV_Frequency=8000"}},
       {"G726", {"726_Bits=2", "726_Frequency=6000"}},
       {"FLAC", {"FLAC_Level=0"}},
+      {"OPUS", {"OPUS_Bitrate=32", "OPUS_Voice=False"}},
   };
   for (const Row& row : rows) {
     rig_.Store.Calls.clear();

@@ -17,6 +17,7 @@
 
 #include "platform/posix/TemporaryFolder.h"
 #include "real/CutLedger.h"
+#include "real/Decoded.h"
 #include "real/LineUps.h"
 #include "real/Receiver.h"
 #include "real/Unit.h"
@@ -45,7 +46,7 @@ unsigned Seed() {
   return seed;
 }
 
-/// Units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening and as FLAC: songs
+/// Units record the same kind of sound at once, over three roads and, over one of them, with cuts by listening, as FLAC and as Opus: songs
 /// of three seconds, all kept. Where cuts are made by listening, Stop and Record are pressed at random moments too.
 class Cuts : public testing::Test {
  protected:
@@ -80,6 +81,25 @@ class Cuts : public testing::Test {
     EXPECT_EQ(track.SamplesLost, 0);
   }
 
+  /// Numbers do not outlive every format; the lengths do.
+  static void ExpectCapturedLengths(const std::string& road) {
+    const Track& track = world_->Tracks.at(road);
+    ASSERT_EQ(track.Trouble, "");
+    EXPECT_EQ(track.SamplesLost, 0);
+    int songs = 0;
+    for (const Unit::Json& song : track.Songs) {
+      if (song.value("fate", "") != "kept") continue;
+      const std::string file = song.value("file", "");
+      const Decoded sound = DecodeWithOpusdec(file);
+      EXPECT_EQ(sound.Rate, 48000);
+      EXPECT_EQ(static_cast<std::int64_t>(sound.Frames()) * 1000 / 48000,
+                song.value("lengthMs", std::int64_t{-1}))
+          << file;
+      ++songs;
+    }
+    EXPECT_GE(songs, WantedCuts());
+  }
+
  private:
   using Clock = std::chrono::steady_clock;
 
@@ -94,6 +114,7 @@ class Cuts : public testing::Test {
     Clock::time_point RadioStart;
     std::vector<Pause> Pauses;
     std::int64_t SamplesLost = -1;
+    Unit::Json Songs;  ///< as the report tells them
     std::string Trouble;
   };
   struct World {
@@ -144,7 +165,8 @@ class Cuts : public testing::Test {
         {"pipe", {}},
         // Where Stop is pressed, it ends the song in hand.
         {"listening", {{"CutPlacement", "Listen"}, {"Integrel", "False"}}},
-        {"flac", {{"FileFormat", "FLAC"}}}};
+        {"flac", {{"FileFormat", "FLAC"}}},
+        {"opus", {{"FileFormat", "OPUS"}}}};
     for (const auto& [road, settings] : pipes) {
       const std::string pipe = world_->Folder / (road + "-sound");
       if (::mkfifo(pipe.c_str(), 0600) != 0) {
@@ -227,8 +249,10 @@ class Cuts : public testing::Test {
       if (!kept) track.Trouble = road + " keeps too few songs: " + track.Recorder->LogText();
     }
     presses.join();
-    for (auto& [road, track] : world_->Tracks)
+    for (auto& [road, track] : world_->Tracks) {
+      track.Songs = track.Recorder->Ask({"report", "--since", "3h"}).value("otherSongs", Unit::Json::array());
       track.SamplesLost = track.Recorder->Status().value("samplesLost", std::int64_t{-1});
+    }
     for (auto& [road, track] : world_->Tracks) {
       if (track.Trouble.empty() && track.Recorder->Quit() != 0) track.Trouble = road + " does not end well";
     }
@@ -251,6 +275,10 @@ TEST_F(Cuts, LoseAndDoubleNothingThroughAPipe) {
 
 TEST_F(Cuts, LoseAndDoubleNothingInFlacFiles) {
   ExpectUnbroken("flac");
+}
+
+TEST_F(Cuts, LeaveOpusFilesOfTheLengthThatWasCaptured) {
+  ExpectCapturedLengths("opus");
 }
 
 TEST_F(Cuts, LoseAndDoubleNothingByListening) {

@@ -54,6 +54,13 @@ Decoded DecodeWithOggdec(const std::string& path) {
   return decoded;
 }
 
+Decoded DecodeWithOpusdec(const std::string& path) {
+  Decoded decoded = WithShapeOf(path);
+  decoded.Samples =
+      SamplesOf(RunToEnd({"opusdec", {"--quiet", "--no-dither", "--rate", "48000", path, "-"}, {}}));
+  return decoded;
+}
+
 Decoded DecodeWithSox(const std::string& path, const std::vector<std::string>& nature, int rate,
                       int channels) {
   std::vector<std::string> arguments{"-V1", "-D"};

@@ -23,6 +23,8 @@ struct Decoded {
 [[nodiscard]] Decoded DecodeWithFfmpeg(const std::string& path);
 /// By oggdec.
 [[nodiscard]] Decoded DecodeWithOggdec(const std::string& path);
+/// By opusdec, at 48000 Hz.
+[[nodiscard]] Decoded DecodeWithOpusdec(const std::string& path);
 /// A file without a header, whose format sox is given, such as {"-t", "vox", "-r", "8000"}.
 [[nodiscard]] Decoded DecodeWithSox(const std::string& path, const std::vector<std::string>& nature, int rate,
                                     int channels);

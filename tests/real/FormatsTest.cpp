@@ -38,7 +38,7 @@ struct FormatRun {
   Unit::Json Status;
 };
 
-constexpr const char* kFormats[] = {"WAV", "RAW", "VOX", "G726", "OGG", "MP3", "FLAC"};
+constexpr const char* kFormats[] = {"WAV", "RAW", "VOX", "G726", "OGG", "MP3", "FLAC", "OPUS"};
 
 struct ExpectedSong {
   std::string Place;  ///< below the folder of recordings, without extension
@@ -152,8 +152,8 @@ class Formats : public testing::Test {
  private:
   struct World {
     // After the first sink, whose monitor comes first as its description is the shortest.
-    PrivatePulse Pulse{
-        {SinkModule(1), SinkModule(2), SinkModule(3), SinkModule(4), SinkModule(5), SinkModule(6)}};
+    PrivatePulse Pulse{{SinkModule(1), SinkModule(2), SinkModule(3), SinkModule(4), SinkModule(5),
+                        SinkModule(6), SinkModule(7)}};
     TemporaryFolder Folder;
     std::vector<FormatRun> Runs;
     bool Ready = false;
@@ -284,6 +284,11 @@ TEST_F(Formats, FlacFilesAreInOrder) {
     EXPECT_EQ(checked.Exit, 0);
     EXPECT_EQ(checked.Errors, "");
   }
+}
+
+TEST_F(Formats, OpusFilesHoldTheirOwnSongsAndTags) {
+  ExpectWholeSongs("OPUS", ".opus", 48000, 2, DecodeWithOpusdec);
+  ExpectTags("OPUS", ".opus", "opus", "TAG:encoder");
 }
 
 TEST_F(Formats, Mp3FilesAreInOrder) {

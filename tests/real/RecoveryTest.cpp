@@ -150,7 +150,7 @@ TEST_F(Recovery, WhatAKilledProgramLeavesIsWholeAfterTheNextStart) {
                 .Exit,
             0);
   std::vector<Track> tracks;
-  for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3", "FLAC"})
+  for (const char* format : {"WAV", "RAW", "VOX", "G726", "OGG", "MP3", "FLAC", "OPUS"})
     tracks.push_back(Make(format, sound));
   for (Track& track : tracks) track.Recorder->Start();
   for (Track& track : tracks)

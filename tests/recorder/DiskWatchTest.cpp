@@ -136,6 +136,7 @@ TEST(BytesPerSecond, EachFormatHasItsOwn) {
   EXPECT_EQ(BytesPerSecond(VoxFormat{.Frequency = 8000}), 4000);
   EXPECT_EQ(BytesPerSecond(G726Format{.Frequency = 8000, .Bits = 5}), 5000);
   EXPECT_EQ(BytesPerSecond(FlacFormat{.Frequency = 44100, .Channels = 2, .Level = 5}), 176400);
+  EXPECT_EQ(BytesPerSecond(OpusFormat{.Frequency = 48000, .Channels = 2, .Bitrate = 96}), 12000);
   EXPECT_EQ(BytesPerSecond(OggFormat{.Frequency = 44100, .Channels = 2, .NominalBitrate = 160}), 20000);
   EXPECT_EQ(
       BytesPerSecond(OggFormat{.Frequency = 44100, .Channels = 2, .NominalBitrate = 128, .Quality = 10}),

@@ -23,7 +23,7 @@ using State = platform::MendedCapture::State;
 
 TEST(IsTemporaryName, OfOneUnitAndItsFormatsAlone) {
   for (const char* name : {"Capture0.mp3", "Capture1.wav", "Capture2.ogg", "Capture99.raw", "Capture13.vox",
-                           "Capture1.g726", "Capture0.flac"}) {
+                           "Capture1.g726", "Capture0.flac", "Capture1.opus"}) {
     EXPECT_TRUE(recorder::IsTemporaryName(name, "")) << name;
   }
   for (const char* name : {"Capture.mp3", "Captured.mp3", "Capture0.txt", "Capture0", "Capture0.",

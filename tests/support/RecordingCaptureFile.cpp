@@ -33,6 +33,9 @@ struct TextOf {
   std::string operator()(const platform::FlacFormat& f) const {
     return fmt::format("SetFormatFLAC {} {} {}", f.Frequency, f.Channels, f.Level);
   }
+  std::string operator()(const platform::OpusFormat& f) const {
+    return fmt::format("SetFormatOpus {} {} {} {}", f.Frequency, f.Channels, f.Bitrate, f.Voice ? 1 : 0);
+  }
   template <typename Other>
   std::string operator()(const Other& format) const {
     const auto values = platform::FormatValues(platform::CaptureFormat(format));

@@ -306,6 +306,7 @@ TEST_F(FrmConfigTest, EachFormatOpensItsOptionsModallyAndShowsWhatTheySaved) {
       {"G726", "frmFormatG726", "optADPCM_3", "SetFormatG726 44100 5"},
       {"OGG", "frmFormatOgg", "chkQuality", "SetFormatOgg 44100 2 128 0 0 0"},
       {"FLAC", "frmFormatFLAC", "optLevel_8", "SetFormatFLAC 44100 2 8"},
+      {"OPUS", "frmFormatOPUS", "optApplication_1", "SetFormatOpus 48000 2 128 1"},
   };
   for (std::size_t i = 0; i < rows.size(); ++i) {
     window_.ShowModeless();

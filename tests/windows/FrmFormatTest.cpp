@@ -112,10 +112,11 @@ TEST_F(FrmFormatTest, EveryOptionButtonIsTakenOverByOk) {
 
 TEST_F(FrmFormatTest, CancelEscapeAndCloseBoxKeepNothing) {
   const config::Settings before = rig_.Settings;
-  for (const char* code : {"RAW", "VOX", "WAV", "G726", "OGG", "FLAC", "MP3"}) {
+  for (const char* code : {"RAW", "VOX", "WAV", "G726", "OGG", "FLAC", "OPUS", "MP3"}) {
     const std::string change = std::string(code) == "OGG"    ? "chkVbr"
                                : std::string(code) == "MP3"  ? "chkBitReservoir"
                                : std::string(code) == "FLAC" ? "optLevel_0"
+                               : std::string(code) == "OPUS" ? "optBitrate_0"
                                                              : "optFrequency_0";
     for (int way = 0; way < 3; ++way) {
       const std::unique_ptr<QDialog> window = Make(code);
@@ -510,7 +511,7 @@ TEST_F(FrmFormatTest, AMinimisedWindowOfFilenameFormatsSavesNoPlace) {
 
 TEST_F(FrmFormatTest, OpenedAndClosedManyTimesNothingGrows) {
   const auto round = [this] {
-    for (const char* code : {"RAW", "VOX", "WAV", "G726", "OGG", "FLAC", "MP3"}) {
+    for (const char* code : {"RAW", "VOX", "WAV", "G726", "OGG", "FLAC", "OPUS", "MP3"}) {
       const std::unique_ptr<QDialog> window = Make(code);
       window->show();
       Press(*window, "cmdOK");

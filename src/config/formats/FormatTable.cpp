@@ -88,9 +88,16 @@ CaptureFormat Flac(const FormatSettings& settings, const Scheduled& /*scheduled*
   return platform::FlacFormat{.Frequency = 44100, .Channels = 2, .Level = settings.FormatFLAC.Level};
 }
 
+// Stereo at the one rate that Opus has, so that nothing is converted on the way into the file.
+CaptureFormat Opus(const FormatSettings& settings, const Scheduled& /*scheduled*/) {
+  const FormatOPUS& record = settings.FormatOPUS;
+  return platform::OpusFormat{
+      .Frequency = 48000, .Channels = 2, .Bitrate = record.Bitrate, .Voice = record.Voice};
+}
+
 constexpr FormatRow kFormats[] = {
     {"MP3", "MP3_", Mp3},   {"WAV", "WAV_", Wav}, {"VOX", "VOX_", Vox},    {"RAW", "RAW_", Raw},
-    {"G726", "726_", G726}, {"OGG", "OGG_", Ogg}, {"FLAC", "FLAC_", Flac},
+    {"G726", "726_", G726}, {"OGG", "OGG_", Ogg}, {"FLAC", "FLAC_", Flac}, {"OPUS", "OPUS_", Opus},
 };
 
 }  // namespace

@@ -60,6 +60,13 @@ struct FormatOGG {
   bool operator==(const FormatOGG&) const = default;
 };
 
+struct FormatOPUS {
+  std::int16_t Bitrate = 128;  ///< 32 to 256
+  bool Voice = false;
+
+  bool operator==(const FormatOPUS&) const = default;
+};
+
 struct FormatRAW {
   std::int32_t Frequency = 44100;
   std::int16_t Compression = 0;  ///< 1 16-bit PCM, 2 A-law, 3 mu-law; 0 until the user has chosen
@@ -94,6 +101,7 @@ struct FormatSettings {
   config::FormatVOX FormatVOX;
   config::FormatWAV FormatWAV;
   config::FormatFLAC FormatFLAC;
+  config::FormatOPUS FormatOPUS;
 
   bool operator==(const FormatSettings&) const = default;
 };

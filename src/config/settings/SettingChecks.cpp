@@ -66,6 +66,14 @@ base::Result CheckFlacLevel(Settings& wished, const platform::Environment& /*env
   return base::Result::Failed(fmt::format("is not from 0 to {}", platform::kMostFlacLevel));
 }
 
+base::Result CheckOpusBitrate(Settings& wished, const platform::Environment& /*environment*/) {
+  const std::int16_t bitrate = wished.FormatOPUS.Bitrate;
+  if (bitrate >= platform::kLeastOpusBitrate && bitrate <= platform::kMostOpusBitrate)
+    return base::Result::Done();
+  return base::Result::Failed(
+      fmt::format("is not from {} to {}", platform::kLeastOpusBitrate, platform::kMostOpusBitrate));
+}
+
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
   return CheckFolder(wished.FileDir, environment);
 }

@@ -31,6 +31,8 @@ base::Result CheckIdleCaptureMinutes(Settings& wished, const platform::Environme
 base::Result CheckCutOverlap(Settings& wished, const platform::Environment& environment);
 /// Fails outside 0 to 8.
 base::Result CheckFlacLevel(Settings& wished, const platform::Environment& environment);
+/// Fails outside 32 to 256.
+base::Result CheckOpusBitrate(Settings& wished, const platform::Environment& environment);
 /// As CheckFileDir, but it may be empty. Fails for the folder of recordings itself.
 base::Result CheckShelfFolder(Settings& wished, const platform::Environment& environment);
 /// Fails outside 0 to kMostShelfSongs.

@@ -163,6 +163,9 @@ constexpr SettingKey kSettingKeys[] = {
 
     Record<&Settings::FormatFLAC, &FormatFLAC::Level>("FLAC_Level").CheckedBy(CheckFlacLevel),
 
+    Record<&Settings::FormatOPUS, &FormatOPUS::Bitrate>("OPUS_Bitrate").CheckedBy(CheckOpusBitrate),
+    Record<&Settings::FormatOPUS, &FormatOPUS::Voice>("OPUS_Voice"),
+
     Row<&Settings::LegalAgreement>("LegalAgreement").Following("only the user's own consent sets it"),
     Row<&Settings::ChannelListing>("ChannelListing").Following("it follows the channels window"),
     Row<&Settings::RecordLog>("RecordLog").Following("it follows the log window"),
@@ -200,6 +203,8 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
   }
   if (!CheckCutOverlap(settings, environment).Ok()) settings.CutOverlap = defaults.CutOverlap;
   if (!CheckFlacLevel(settings, environment).Ok()) settings.FormatFLAC.Level = defaults.FormatFLAC.Level;
+  if (!CheckOpusBitrate(settings, environment).Ok())
+    settings.FormatOPUS.Bitrate = defaults.FormatOPUS.Bitrate;
   if (!CheckShelfSongs(settings, environment).Ok()) settings.ShelfSongs = defaults.ShelfSongs;
   if (!CheckShelfMegabytes(settings, environment).Ok()) settings.ShelfMegabytes = defaults.ShelfMegabytes;
   if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())

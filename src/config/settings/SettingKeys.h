@@ -73,8 +73,9 @@ struct SettingKey {
 /// By key, without regard to case; null if there is none.
 [[nodiscard]] const SettingKey* FindSettingKey(std::string_view key);
 
-/// Reads every setting. A value that cannot be read becomes the default, and so does an overlap or a FLAC level out of its range. So does a folder of recordings that is
-/// absent, empty or the product's default "C:\": here the default is the environment's.
+/// Reads every setting. A value that cannot be read becomes the default, and so does an overlap, a FLAC level or an Opus bit
+/// rate out of its range. So does a folder of recordings that is absent, empty or the product's default "C:\": here the
+/// default is the environment's.
 void LoadSettings(const SettingsSection& section, const platform::Environment& environment,
                   Settings& settings);
 

@@ -15,7 +15,7 @@ inline constexpr std::int16_t kDiskFull = -2;
 inline constexpr std::int16_t kNoFormat = -3;
 /// The format does not know this sample rate.
 inline constexpr std::int16_t kRateRefused = -4;
-/// Ogg Vorbis: no bitrate, or none that lies between the limits.
+/// Ogg Vorbis: no bitrate, or none that lies between the limits. Opus: one outside its range.
 inline constexpr std::int16_t kBitrateRefused = -5;
 /// The format does not know this number of channels, or of bits a sample.
 inline constexpr std::int16_t kShapeRefused = -6;

@@ -9,6 +9,8 @@
 #include "platform/codec/LameEncoder.h"
 #include "platform/codec/Mp3Mender.h"
 #include "platform/codec/OggMender.h"
+#include "platform/codec/OggOpusEncoder.h"
+#include "platform/codec/OpusTags.h"
 #include "platform/codec/RiffFile.h"
 #include "platform/codec/SndfileEncoder.h"
 #include "platform/codec/VorbisComment.h"
@@ -39,6 +41,7 @@ constexpr Codec kCodecs[] = {
     Row<VoxFormat, SndfileEncoder>(".vox", nullptr, MendVox),
     Row<G726Format, G726Encoder>(".g726", WriteRiffInfo, MendRiff),
     Row<FlacFormat, FlacEncoder>(".flac", WriteFlacComment, MendFlac),
+    Row<OpusFormat, OggOpusEncoder>(".opus", WriteOpusTags, MendOgg),
 };
 
 }  // namespace

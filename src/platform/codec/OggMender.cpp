@@ -9,6 +9,7 @@
 #include <ogg/ogg.h>
 
 #include "platform/codec/Bytes.h"
+#include "platform/codec/OpusTags.h"
 #include "platform/codec/VorbisComment.h"
 
 namespace kestrune::platform {
@@ -22,10 +23,6 @@ constexpr std::size_t kSegmentsAt = 26;
 constexpr std::uint8_t kFirstPage = 2;
 constexpr std::uint8_t kLastPage = 4;
 constexpr std::size_t kGoesOn = 255;  ///< a segment of this size is followed by another one of its packet
-constexpr int kHeaderPackets = 3;
-constexpr std::string_view kIdentity = "\x01vorbis";
-constexpr std::size_t kRateAt = 12;
-constexpr std::size_t kIdentityBytes = 30;
 
 /// One page, with the checksum that its bytes have.
 class Page {
@@ -77,6 +74,37 @@ class Page {
   std::size_t header_;
 };
 
+/// What the first packet says of the sound.
+struct Sound {
+  std::int64_t Rate = 0;     ///< positions a second
+  std::int64_t Skipped = 0;  ///< positions before the first sample that is heard
+  int HeaderPackets = 0;     ///< of which the second holds the comments
+  FoundTags (*ReadTags)(std::string_view packet) = nullptr;
+};
+
+/// Nothing if the page does not begin Vorbis or Opus.
+std::optional<Sound> SoundOf(const Page& first) {
+  constexpr std::string_view kVorbis = "\x01vorbis";
+  constexpr std::size_t kVorbisBytes = 30;
+  constexpr std::size_t kVorbisRateAt = 12;
+  constexpr std::string_view kOpus = "OpusHead\x01";
+  constexpr std::size_t kOpusBytes = 19;
+  constexpr std::size_t kOpusSkippedAt = 10;
+  constexpr std::int64_t kOpusRate = 48000;  // whatever went in
+  if (!first.IsFirst()) return std::nullopt;
+  const std::string_view head = first.Body();
+  if (head.starts_with(kVorbis) && head.size() == kVorbisBytes) {
+    const auto rate = static_cast<std::int64_t>(ReadLe(head, kVorbisRateAt, 4));
+    if (rate == 0) return std::nullopt;
+    return Sound{.Rate = rate, .Skipped = 0, .HeaderPackets = 3, .ReadTags = ReadVorbisComment};
+  }
+  if (head.starts_with(kOpus) && head.size() == kOpusBytes) {
+    const auto skipped = static_cast<std::int64_t>(ReadLe(head, kOpusSkippedAt, 2));
+    return Sound{.Rate = kOpusRate, .Skipped = skipped, .HeaderPackets = 2, .ReadTags = ReadOpusTags};
+  }
+  return std::nullopt;
+}
+
 /// What stands at a place of a file.
 struct Look {
   std::optional<platform::Page> Page;
@@ -110,10 +138,8 @@ MendedCapture MendOgg(DiskFile& file, const std::stop_token& stop) {
   Look look = LookAt(file, 0);
   if (!look.Page) return look.EndsTooSoon ? NoSound() : NoCapture();
   const Page first = *look.Page;
-  const bool vorbis =
-      first.IsFirst() && first.Body().starts_with(kIdentity) && first.Body().size() == kIdentityBytes;
-  const auto rate = vorbis ? static_cast<std::int64_t>(ReadLe(first.Body(), kRateAt, 4)) : 0;
-  if (rate <= 0) return NoCapture();
+  const auto sound = SoundOf(first);
+  if (!sound) return NoCapture();
 
   FoundTags tags;
   std::optional<Page> last;
@@ -123,26 +149,27 @@ MendedCapture MendOgg(DiskFile& file, const std::stop_token& stop) {
   for (; look.Page && look.Page->Serial() == first.Serial(); look = LookAt(file, at)) {
     if (stop.stop_requested()) return NotMended("it was broken off");
     const Page& page = *look.Page;
-    if (packets == 1) tags = ReadVorbisComment(page.Body());
-    if (packets >= kHeaderPackets && page.Packets() > 0 && page.Position() > 0) {
+    if (packets == 1) tags = sound->ReadTags(page.Body());
+    if (packets >= sound->HeaderPackets && page.Packets() > 0 && page.Position() > sound->Skipped) {
       last = page;
       lastAt = at;
     }
-    packets = std::min(packets + page.Packets(), kHeaderPackets);
+    packets = std::min(packets + page.Packets(), sound->HeaderPackets);
     at += static_cast<std::int64_t>(page.Bytes().size());
   }
   if (!last) return look.EndsTooSoon || at == file.Size() ? NoSound() : NoCapture();
   if (file.Size() - at > kMostCutOff) return NotMended("it is damaged long before its end");
 
-  const std::int64_t samples = last->Position();
+  const std::int64_t samples = last->Position() - sound->Skipped;
   const std::string before = last->Bytes();
   last->MakeLast();
   const std::int64_t end = lastAt + static_cast<std::int64_t>(last->Bytes().size());
   if (last->Bytes() != before && !file.WriteAt(lastAt, AsBytes(last->Bytes()))) return NotWritten(file);
   if (end != file.Size() && !file.Truncate(end)) return NotWritten(file);
-  const std::int64_t whole = samples / rate;
+  const std::int64_t whole = samples / sound->Rate;
   constexpr std::int64_t kLongest = INT64_MAX / 1000 - 1;
-  return Mended(std::min(whole, kLongest) * 1000 + samples % rate * 1000 / rate, std::move(tags));
+  return Mended(std::min(whole, kLongest) * 1000 + samples % sound->Rate * 1000 / sound->Rate,
+                std::move(tags));
 }
 
 }  // namespace kestrune::platform

@@ -8,7 +8,7 @@
 
 namespace kestrune::platform {
 
-/// Bytes reserved in MP3, Ogg and FLAC files for all tags together.
+/// Bytes reserved in MP3, Ogg, FLAC and Opus files for all tags together.
 inline constexpr std::size_t kTagRoom = 4096;
 /// A longer text is cut, so that four of them and what frames them always fit into the room.
 inline constexpr std::size_t kMaxTagText = 900;

@@ -293,6 +293,15 @@ TEST_F(FileSpecsTest, FlacIsStereoAtItsLevelWhateverASchedulesBitRateSays) {
   EXPECT_THAT(file0_.Calls, ElementsAre("SetFormatFLAC 44100 2 5", "SetFormatFLAC 44100 2 8"));
 }
 
+TEST_F(FileSpecsTest, OpusIsStereoAtItsOwnRateWhateverASchedulesBitRateSays) {
+  settings_.FileFormat = "OPUS";
+  specs_.SetFileSpecs(0);
+  settings_.FormatOPUS = {.Bitrate = 48, .Voice = true};
+  scheduled_ = "64 Mono";
+  specs_.SetFileSpecs(0);
+  EXPECT_THAT(file0_.Calls, ElementsAre("SetFormatOpus 48000 2 128 0", "SetFormatOpus 48000 2 48 1"));
+}
+
 TEST_F(FileSpecsTest, EachPreparationReadsTheSettingsAfresh) {
   settings_.FileFormat = "WAV";
   specs_.SetFileSpecs(0);

@@ -148,6 +148,10 @@ const Expected kExpected[] = {
 
     {"FLAC_Level", kInt16, "5", "8", SHOWS(s.FormatFLAC.Level == 5), SHOWS(s.FormatFLAC.Level == 8)},
 
+    {"OPUS_Bitrate", kInt16, "128", "64", SHOWS(s.FormatOPUS.Bitrate == 128),
+     SHOWS(s.FormatOPUS.Bitrate == 64)},
+    {"OPUS_Voice", kBool, "False", "True", SHOWS(!s.FormatOPUS.Voice), SHOWS(s.FormatOPUS.Voice)},
+
     {"LegalAgreement", kBool, "False", "True", SHOWS(!s.LegalAgreement), SHOWS(s.LegalAgreement)},
     {"ChannelListing", kInt16, "1", "0", SHOWS(s.ChannelListing == 1), SHOWS(s.ChannelListing == 0)},
     {"RecordLog", kInt16, "0", "1", SHOWS(s.RecordLog == 0), SHOWS(s.RecordLog == 1)},
@@ -283,6 +287,15 @@ TEST_F(SettingKeysTest, AStoredShelfOutOfItsRangeBecomesTheDefault) {
   EXPECT_EQ(Load().ShelfFolder, "/disk/shelf/");
 }
 
+TEST_F(SettingKeysTest, AStoredOpusBitRateOutOfItsRangeBecomesTheDefault) {
+  for (const char* stored : {"0", "31", "257"}) {
+    Put("OPUS_Bitrate", stored);
+    EXPECT_EQ(Load().FormatOPUS.Bitrate, 128) << stored;
+  }
+  Put("OPUS_Bitrate", "32");
+  EXPECT_EQ(Load().FormatOPUS.Bitrate, 32);
+}
+
 TEST_F(SettingKeysTest, TheStartReadsInTheOrderOfTheTable) {
   const Settings settings = Load();
   std::vector<std::string> expected;
@@ -354,6 +367,7 @@ TEST_F(SettingKeysTest, AnOptionWindowSavesItsKeysInOrder) {
   EXPECT_THAT(KeysOf("VOX"), ElementsAre("VOX_Frequency"));
   EXPECT_THAT(KeysOf("WAV"), ElementsAre("WAV_Bits", "WAV_Channels", "WAV_Frequency"));
   EXPECT_THAT(KeysOf("FLAC"), ElementsAre("FLAC_Level"));
+  EXPECT_THAT(KeysOf("OPUS"), ElementsAre("OPUS_Bitrate", "OPUS_Voice"));
   EXPECT_THAT(
       KeysOf("MP3"),
       ElementsAre("MP3_ATHControl", "MP3_Bitrate", "MP3_", "MP3_Channels", "MP3_ComplyISO", "MP3_DeEmphasis",

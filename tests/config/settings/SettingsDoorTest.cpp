@@ -48,6 +48,7 @@ std::string OtherValue(const config::SettingKey& key, const config::Settings& se
   if (key.Key == "ShelfFolder") return "/srv/shelf/";
   if (key.Key == "FileFormat") return "VOX";
   if (key.Key == "MaxSongLength") return "900";
+  if (key.Key == "OPUS_Bitrate") return "64";
   switch (key.Type) {
     case config::SettingType::Bool:
       return key.Text(settings) == "True" ? "False" : "True";
@@ -327,6 +328,13 @@ TEST_F(SettingsDoorTest, TheFlacLevelIsEightAtMost) {
   Done("FLAC_Level", "0", "FLAC_Level=0");
 }
 
+TEST_F(SettingsDoorTest, TheOpusBitRateIsFrom32To256) {
+  Refused("OPUS_Bitrate", "31", "OPUS_Bitrate: \"31\" is not from 32 to 256");
+  Refused("OPUS_Bitrate", "257", "OPUS_Bitrate: \"257\" is not from 32 to 256");
+  Done("OPUS_Bitrate", "32", "OPUS_Bitrate=32");
+  Done("OPUS_Bitrate", "256", "OPUS_Bitrate=256");
+}
+
 TEST_F(SettingsDoorTest, TheFolderGetsItsSeparator) {
   Done("FileDir", "/srv/songs", "FileDir=/srv/songs/");
   EXPECT_EQ(settings_.FileDir, "/srv/songs/");
@@ -382,11 +390,11 @@ TEST_F(SettingsDoorTest, TheFilenameFormatIsCleaned) {
 }
 
 TEST_F(SettingsDoorTest, EachFormatIsTaken) {
-  for (const char* code : {"OGG", "WAV", "RAW", "VOX", "G726", "FLAC", "MP3"}) {
+  for (const char* code : {"OGG", "WAV", "RAW", "VOX", "G726", "FLAC", "OPUS", "MP3"}) {
     Done("FileFormat", code, std::string("FileFormat=") + code);
     EXPECT_EQ(settings_.FileFormat, code);
   }
-  EXPECT_EQ(rig_.Stops(), 7);
+  EXPECT_EQ(rig_.Stops(), 8);
 }
 
 TEST_F(SettingsDoorTest, AnUnknownFormatIsRefusedAndStopsNothing) {

@@ -69,6 +69,8 @@ std::vector<Row> Rows() {
       {"Capture1.ogg", platform::OggFormat{44100, 2, 0, 0, 0, 8}, 9000, 20000},
       {"Capture0.flac", platform::FlacFormat{44100, 2, 5}, 17000, 4138 + 17000},
       {"Capture1.flac", platform::FlacFormat{22050, 1, 0}, 2400, 4138 + 2400},
+      {"Capture0.opus", platform::OpusFormat{48000, 2, 128}, 12000, 4187 + 12000},
+      {"Capture1.opus", platform::OpusFormat{44100, 1, 32, true}, 4000, 4187 + 4000},
   };
 }
 
@@ -86,6 +88,10 @@ std::vector<std::int16_t> Decode(const std::string& path) {
   if (EndsWith(path, ".flac")) {
     EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
     return DecodeWithFlac(path);
+  }
+  if (EndsWith(path, ".opus")) {
+    EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
+    return DecodeWithOpusdec(path);
   }
   std::string options;
   if (EndsWith(path, "0.raw")) options = "-f s16le -ac 2";
@@ -162,11 +168,11 @@ void ExpectMended(const Crashed& crashed, const std::string& path, std::size_t c
   ExpectPrefix(decoded, crashed.Decoded);
   const auto format = platform::FormatValues(crashed.Format.Format);
   if (mended.LengthMs != MendedCapture::kUnknownLength) {
-    EXPECT_EQ(mended.LengthMs,
-              static_cast<std::int64_t>(decoded.size()) / format.Channels * 1000 / format.SampleRate);
+    const std::int32_t rate = EndsWith(path, ".opus") ? 48000 : format.SampleRate;
+    EXPECT_EQ(mended.LengthMs, static_cast<std::int64_t>(decoded.size()) / format.Channels * 1000 / rate);
   }
   if (EndsWith(path, ".mp3")) ExpectRightInfoFrame(bytes);
-  if (EndsWith(path, ".ogg")) ExpectEndOfStream(bytes);
+  if (EndsWith(path, ".ogg") || EndsWith(path, ".opus")) ExpectEndOfStream(bytes);
   if (EndsWith(path, ".flac")) {
     EXPECT_EQ(FlacFrames(path) * static_cast<std::size_t>(format.Channels), decoded.size());
   }
@@ -278,7 +284,7 @@ TEST(CaptureMender, ALongFileKeepsItsSoundBeyondFourGigabytes) {
 TEST(CaptureMender, AStrangersFileStaysAsItIs) {
   const TempFolder folder;
   for (const char* name :
-       {"Capture0.mp3", "Capture0.ogg", "Capture0.wav", "Capture0.g726", "Capture0.flac"}) {
+       {"Capture0.mp3", "Capture0.ogg", "Capture0.wav", "Capture0.g726", "Capture0.flac", "Capture0.opus"}) {
     const std::string path = folder.Path(name);
     for (const std::string& bytes :
          {std::string("A diary."), std::string(100000, '\0'), "RIFF" + std::string(40, 'x'),
@@ -292,7 +298,9 @@ TEST(CaptureMender, AStrangersFileStaysAsItIs) {
 
 TEST(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
   for (const Row& row : Rows()) {
-    if (!EndsWith(row.Name, ".mp3") && !EndsWith(row.Name, ".ogg") && !EndsWith(row.Name, ".flac")) continue;
+    if (EndsWith(row.Name, ".wav") || EndsWith(row.Name, ".g726") || EndsWith(row.Name, ".raw") ||
+        EndsWith(row.Name, ".vox"))
+      continue;
     const TempFolder folder;
     const std::string path = folder.Path(row.Name);
     std::string bytes = Crash(row, folder).Open;

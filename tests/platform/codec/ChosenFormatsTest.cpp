@@ -167,6 +167,23 @@ TEST_F(ChosenFormats, EveryFlacButton) {
   }
 }
 
+TEST_F(ChosenFormats, EveryOpusButton) {
+  presenters::FormatOptions options(*presenters::FindOptionWindow("OPUS"), door_);
+  const auto groups = options.Design().Groups;
+  for (std::size_t group = 0; group < groups.size(); ++group) {
+    for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
+      options.Choose(group, button);
+      EXPECT_TRUE(options.cmdOK());
+      const std::string path = Record("OPUS");
+      const config::FormatOPUS& opus = settings_.FormatOPUS;
+      EXPECT_EQ(specs_.FileFormatString(), fmt::format("Opus, {} kbit/s, {}, 48000 Hz, stereo", opus.Bitrate,
+                                                       opus.Voice ? "voice" : "music"));
+      ExpectFacts(path, "opus", 48000, 2);
+      EXPECT_EQ(DecodeWithOpusdec(path).size(), 2 * frames_);
+    }
+  }
+}
+
 TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   presenters::OggOptions options(door_);
   const auto record = [&] {

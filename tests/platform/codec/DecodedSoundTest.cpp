@@ -1,7 +1,9 @@
 // Every format and each row of its parameters, written by EncodedFile and judged by decoders that are not
 // ours.
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -428,6 +430,131 @@ TEST_F(DecodedSound, AHigherFlacLevelIsSmaller) {
   EXPECT_GT(sizes[1], sizes[2]);
 }
 
+/// As long as what went in, at the rate of Opus, the last sample in part.
+std::size_t OpusFrames(std::size_t frames, std::int32_t rate) {
+  return (frames * 48000 + static_cast<std::size_t>(rate) - 1) / static_cast<std::size_t>(rate);
+}
+
+TEST_F(DecodedSound, OpusIsExactAtEveryBitrateForMusicAndVoice) {
+  for (const std::int16_t bitrate : {32, 48, 64, 80, 96, 112, 128, 160, 192, 224, 256}) {
+    for (const bool voice : {false, true}) {
+      SCOPED_TRACE(fmt::format("{} kbit/s, {}", bitrate, voice ? "voice" : "music"));
+      const std::string path = folder_.Path("a.opus");
+      file_.SetFormat(platform::OpusFormat{48000, 2, bitrate, voice});
+      const auto music = WriteMusic(path);
+      ExpectFacts(path, "opus");
+      const auto decoded = DecodeWithOpusdec(path);
+      ASSERT_EQ(decoded.size(), music.size());
+      // Voice is made to be understood, and has no deep tones.
+      EXPECT_GT(SignalToNoise(music, decoded), voice ? 0 : bitrate < 64 ? 5 : 10);
+      EXPECT_EQ(DecodeWithFfmpeg(path).size(), music.size());
+      const auto said = RunProgramAll("opusinfo '" + path + "'");
+      EXPECT_EQ(said.Status, 0);
+      EXPECT_EQ(said.Output.find("WARNING"), std::string::npos) << said.Output;
+    }
+  }
+}
+
+TEST_F(DecodedSound, OpusOfEveryRateHasTheLengthOfItsInput) {
+  for (const std::int32_t rate : {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000}) {
+    for (const std::int16_t channels : {1, 2}) {
+      for (const std::size_t frames : {kFrames, kFrames + 1, kFrames + 2}) {
+        SCOPED_TRACE(fmt::format("{} Hz, {} channels, {} frames", rate, channels, frames));
+        const std::string path = folder_.Path("a.opus");
+        file_.SetFormat(platform::OpusFormat{rate, channels, 128});
+        WriteMusic(path, frames);
+        EXPECT_EQ(DecodeWithOpusdec(path).size(),
+                  OpusFrames(frames, rate) * static_cast<std::size_t>(channels));
+      }
+    }
+  }
+}
+
+TEST_F(DecodedSound, OpusOfAnyShortLengthIsExact) {
+  file_.SetFormat(platform::OpusFormat{48000, 2, 128});
+  for (const std::size_t frames :
+       {1, 2, 119, 120, 311, 312, 313, 647, 648, 649, 959, 960, 961, 23999, 24000, 24001}) {
+    const std::string path = folder_.Path("a.opus");
+    const auto music = WriteMusic(path, frames);
+    EXPECT_EQ(DecodeWithOpusdec(path).size(), music.size()) << frames;
+  }
+}
+
+/// A sound that another rate brings on stands where it stood.
+TEST_F(DecodedSound, OpusOfAnotherRateKeepsTheMoment) {
+  constexpr std::size_t kQuiet = 22050;
+  file_.SetFormat(platform::OpusFormat{44100, 1, 128});
+  std::vector<std::int16_t> sound(kQuiet);
+  const double tone[] = {1000.0};
+  const auto tones = MakeTones(22050, 44100, 1, tone);
+  sound.insert(sound.end(), tones.begin(), tones.end());
+  const std::string path = folder_.Path("a.opus");
+  ASSERT_EQ(file_.Create(path).Number, 0);
+  EXPECT_TRUE(WriteBlocks(file_, sound));
+  EXPECT_TRUE(file_.Close());
+  const auto decoded = DecodeWithOpusdec(path);
+  ASSERT_EQ(decoded.size(), 48000U);
+  const auto loud =
+      std::find_if(decoded.begin(), decoded.end(), [](std::int16_t s) { return std::abs(s) > 4000; });
+  // Within two milliseconds, in which the tone swells and its front rings.
+  EXPECT_NEAR(static_cast<double>(loud - decoded.begin()), 24000, 96);
+}
+
+TEST_F(DecodedSound, OpusBitratesChangeTheSize) {
+  std::size_t smaller = 0;
+  for (const std::int16_t bitrate : {32, 64, 128, 256}) {
+    const std::string path = folder_.Path("a.opus");
+    file_.SetFormat(platform::OpusFormat{48000, 2, bitrate});
+    ASSERT_EQ(file_.Create(path).Number, 0);
+    EXPECT_TRUE(WriteBlocks(file_, MakeNoise(2 * 48000 * 4, 1)));
+    EXPECT_TRUE(file_.Close());
+    const std::size_t size = ReadFile(path).size();
+    EXPECT_NEAR(static_cast<double>(size), 4.0 * bitrate * 125 + 4200, 4.0 * bitrate * 125 * 0.25);
+    EXPECT_GT(size, smaller);
+    smaller = size;
+  }
+}
+
+/// The configurations of the packets, which their first bytes name: 0 to 11 are the speech coder, 12 to 15 both, 16 to 31
+/// the music coder.
+std::set<int> OpusConfigurations(const std::string& bytes) {
+  constexpr int kHeaderPackets = 2;
+  std::set<int> found;
+  int packets = 0;
+  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+  for (std::size_t at = 0; at + 27 < bytes.size();) {
+    const std::size_t segments = byte(at + 26);
+    std::size_t place = at + 27 + segments;
+    bool begins = true;
+    for (std::size_t i = 0; i < segments; ++i) {
+      const std::size_t size = byte(at + 27 + i);
+      if (begins && packets >= kHeaderPackets) found.insert(byte(place) >> 3);
+      begins = size < 255;
+      packets += begins ? 1 : 0;
+      place += size;
+    }
+    at = place;
+  }
+  return found;
+}
+
+TEST_F(DecodedSound, OpusForVoiceIsMadeByTheSpeechCoder) {
+  const std::string path = folder_.Path("a.opus");
+  file_.SetFormat(platform::OpusFormat{48000, 2, 32, true});
+  WriteMusic(path);
+  EXPECT_LT(*OpusConfigurations(ReadFile(path)).rbegin(), 16);
+  file_.SetFormat(platform::OpusFormat{48000, 2, 32, false});
+  WriteMusic(path);
+  EXPECT_GE(*OpusConfigurations(ReadFile(path)).begin(), 16);
+}
+
+TEST_F(DecodedSound, OpusSerialNumbersDiffer) {
+  file_.SetFormat(platform::OpusFormat{48000, 2, 128});
+  WriteMusic(folder_.Path("a.opus"), 100);
+  WriteMusic(folder_.Path("b.opus"), 100);
+  EXPECT_NE(ReadFile(folder_.Path("a.opus")).substr(14, 4), ReadFile(folder_.Path("b.opus")).substr(14, 4));
+}
+
 TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
   struct Row {
     std::string Name;
@@ -460,6 +587,11 @@ TEST_F(DecodedSound, FilesWithoutASampleAreClosedAndDecodeToNothing) {
       {"a.flac",
        [](EncodedFile& file) {
          file.SetFormat(platform::FlacFormat{44100, 2, 5});
+       },
+       ""},
+      {"a.opus",
+       [](EncodedFile& file) {
+         file.SetFormat(platform::OpusFormat{48000, 2, 128});
        },
        ""},
   };
@@ -522,6 +654,12 @@ TEST_F(ThreeFiles, FlacLaidEndToEndAreTheInput) {
   file_.SetFormat(platform::FlacFormat{44100, 2, 5});
   Expect(
       "flac", [](const std::string& path) { return DecodeWithFlac(path); }, kEqual);
+}
+
+TEST_F(ThreeFiles, OpusLaidEndToEndAreTheInput) {
+  file_.SetFormat(platform::OpusFormat{48000, 2, 192});
+  Expect(
+      "opus", [](const std::string& path) { return DecodeWithOpusdec(path); }, 15);
 }
 
 TEST_F(ThreeFiles, Mp3LaidEndToEndAreTheInput) {

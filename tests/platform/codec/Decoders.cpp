@@ -54,6 +54,10 @@ std::vector<std::int16_t> DecodeWithFlac(const std::string& path) {
   return Samples(RunProgram("flac -s -d -c --force-raw-format --endian=little --sign=signed '" + path + "'"));
 }
 
+std::vector<std::int16_t> DecodeWithOpusdec(const std::string& path) {
+  return Samples(RunProgram("opusdec --quiet --no-dither --rate 48000 '" + path + "' -"));
+}
+
 std::vector<std::int16_t> DecodeWithSox(const std::string& path, const std::string& options) {
   return Samples(RunProgram("sox -V1 -D " + options + " '" + path + "' -t raw -e signed -b 16 -L -"));
 }

@@ -16,11 +16,12 @@ Outcome RunProgram(const std::string& command);
 /// With standard error in the output too.
 Outcome RunProgramAll(const std::string& command);
 
-/// Interleaved samples as ffmpeg, oggdec, flac or sox decode the file. `options` come before the input: for
+/// Interleaved samples as ffmpeg, oggdec, flac, opusdec (at 48000 Hz) or sox decode the file. `options` come before the input: for
 /// files without a header. Empty if the program fails.
 std::vector<std::int16_t> DecodeWithFfmpeg(const std::string& path, const std::string& options = {});
 std::vector<std::int16_t> DecodeWithOggdec(const std::string& path);
 std::vector<std::int16_t> DecodeWithFlac(const std::string& path);
+std::vector<std::int16_t> DecodeWithOpusdec(const std::string& path);
 std::vector<std::int16_t> DecodeWithSox(const std::string& path, const std::string& options = {});
 
 /// ffprobe's facts on stream and format: "codec_name", "sample_rate", "channels", "bit_rate", "TAG:artist"

@@ -112,6 +112,12 @@ TEST_F(EncodedFileTest, RatesThatAFormatDoesNotKnowAreRefused) {
               platform::kRateRefused);
   }
   EXPECT_LT(ResultOf([&](EncodedFile& f) { f.SetFormat(platform::OggFormat{2000000, 2, 128, 0, 0, 4}); }), 0);
+  for (const std::int32_t rate : {-48000, 0, 7999, 48001, 2147483647}) {
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::OpusFormat{rate, 2, 128});
+              }),
+              platform::kRateRefused);
+  }
   for (const std::int32_t rate : {2000000, 100001}) {
     EXPECT_EQ(ResultOf([&](EncodedFile& f) {
                 f.SetFormat(platform::FlacFormat{rate, 2, 5});
@@ -137,6 +143,10 @@ TEST_F(EncodedFileTest, ChannelsAndBitsThatAFormatDoesNotKnowAreRefused) {
               platform::kShapeRefused);
     EXPECT_EQ(ResultOf([&](EncodedFile& f) {
                 f.SetFormat(platform::FlacFormat{44100, channels, 5});
+              }),
+              platform::kShapeRefused);
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::OpusFormat{48000, channels, 128});
               }),
               platform::kShapeRefused);
   }
@@ -210,6 +220,16 @@ TEST_F(EncodedFileTest, FlacLevelsOutsideTheirRangeAreRefused) {
               }),
               platform::kParameterRefused);
   }
+}
+
+TEST_F(EncodedFileTest, OpusBitratesOutsideTheirRangeAreRefused) {
+  for (const std::int16_t bitrate : {-128, 0, 31, 257, 32767}) {
+    EXPECT_EQ(ResultOf([&](EncodedFile& f) {
+                f.SetFormat(platform::OpusFormat{48000, 2, bitrate});
+              }),
+              platform::kBitrateRefused);
+  }
+  EXPECT_EQ(ResultOf([&](EncodedFile& f) { f.SetFormat(platform::OpusFormat{48000, 1, 256}); }), 0);
 }
 
 TEST_F(EncodedFileTest, SetFormatDoesNotTouchTheOpenFile) {
@@ -294,6 +314,10 @@ TEST_F(EncodedFileTest, AFileWhoseEndNeverCameCanStillBePlayed) {
        [&] {
          file_.SetFormat(platform::FlacFormat{44100, 2, 5});
        }},
+      {"a.opus",
+       [&] {
+         file_.SetFormat(platform::OpusFormat{48000, 2, 128});
+       }},
   };
   for (const auto& [name, prepare] : rows) {
     prepare();
@@ -351,6 +375,10 @@ TEST_F(EncodedFileTest, DescriptionsNameFormatAndMainParameters) {
   EXPECT_EQ(file_.FormatDescription(), "G.726, 5-bit ADPCM, 8000 Hz, mono");
   file_.SetFormat(platform::FlacFormat{44100, 2, 8});
   EXPECT_EQ(file_.FormatDescription(), "FLAC, level 8, 44100 Hz, stereo");
+  file_.SetFormat(platform::OpusFormat{48000, 2, 96});
+  EXPECT_EQ(file_.FormatDescription(), "Opus, 96 kbit/s, music, 48000 Hz, stereo");
+  file_.SetFormat(platform::OpusFormat{44100, 1, 32, true});
+  EXPECT_EQ(file_.FormatDescription(), "Opus, 32 kbit/s, voice, 44100 Hz, mono");
 }
 
 TEST_F(EncodedFileTest, APlantedLinkIsReplacedAndItsTargetKept) {

@@ -46,6 +46,8 @@ class FileTagWriterTest : public testing::Test {
       file.SetFormat(parameters);
     } else if (extension == "ogg") {
       file.SetFormat(platform::OggFormat{44100, 2, 128, 0, 0, 4});
+    } else if (extension == "opus") {
+      file.SetFormat(platform::OpusFormat{48000, 2, 128});
     } else if (extension == "flac") {
       file.SetFormat(platform::FlacFormat{44100, 2, 5});
     } else if (extension == "g726") {
@@ -71,7 +73,7 @@ class FileTagWriterTest : public testing::Test {
   std::vector<std::int16_t> sound_;
 };
 
-const std::vector<std::string> kTagged{"a.mp3", "a.ogg", "a.wav", "a.g726", "a.flac"};
+const std::vector<std::string> kTagged{"a.mp3", "a.ogg", "a.wav", "a.g726", "a.flac", "a.opus"};
 
 TEST_F(FileTagWriterTest, TagsAreThereAndTheSoundIsUntouched) {
   for (const std::string& name : kTagged) {
@@ -99,6 +101,7 @@ TEST_F(FileTagWriterTest, TagsAreThereAndTheSoundIsUntouched) {
 std::size_t HeadOf(const std::string& name) {
   if (name == "a.mp3") return 4096;
   if (name == "a.ogg") return 58 + 27 + 17 + 4096;
+  if (name == "a.opus") return 47 + 27 + 17 + 4096;
   return name == "a.flac" ? 42 + 4096 : 8;
 }
 
@@ -109,7 +112,7 @@ void ExpectSomeTags(const TagLib::Tag& tag) {
 }
 
 TEST_F(FileTagWriterTest, AnotherTagLibraryReadsTheSame) {
-  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac"}) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac", "a.opus"}) {
     SCOPED_TRACE(name);
     const std::string path = MakeFile(name);
     ASSERT_TRUE(writer_.Write(path, SomeTags()));
@@ -125,7 +128,7 @@ TEST_F(FileTagWriterTest, AnotherTagLibraryReadsTheSame) {
 }
 
 TEST_F(FileTagWriterTest, TaggingWithinReservedRoomMovesNoByteOfSound) {
-  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac"}) {
+  for (const std::string& name : std::vector<std::string>{"a.mp3", "a.ogg", "a.flac", "a.opus"}) {
     const std::string path = MakeFile(name);
     const std::string before = ReadFile(path);
     ASSERT_TRUE(writer_.Write(path, SomeTags()));
@@ -158,6 +161,14 @@ TEST_F(FileTagWriterTest, TaggedFilesPassTheCheckers) {
   EXPECT_EQ(tested.Output, "");
   EXPECT_EQ(RunProgramAll("metaflac --no-utf8-convert --export-tags-to=- '" + flac + "'").Output,
             "ARTIST=Björk\nTITLE=Jóga\nCOMMENT=Radio ID: ABC12345\nENCODER=Kestrune 3.0\n");
+
+  const std::string opus = MakeFile("a.opus");
+  ASSERT_TRUE(writer_.Write(opus, SomeTags()));
+  const auto info = RunProgramAll("LC_ALL=C.UTF-8 opusinfo '" + opus + "'");
+  EXPECT_EQ(info.Status, 0);
+  EXPECT_EQ(info.Output.find("WARNING"), std::string::npos) << info.Output;
+  EXPECT_NE(info.Output.find("ARTIST=Björk"), std::string::npos) << info.Output;
+  EXPECT_EQ(DecodeWithOpusdec(opus).size(), sound_.size());
 
   const std::string wav = MakeFile("a.wav");
   ASSERT_TRUE(writer_.Write(wav, SomeTags()));

@@ -90,7 +90,18 @@ std::vector<Row> Formats() {
          f.SetFormat(platform::FlacFormat{44100, 2, 5});
        },
        ""},
+      {"a.opus",
+       [](EncodedFile& f) {
+         f.SetFormat(platform::OpusFormat{48000, 2, 256});
+       },
+       ""},
   };
+}
+
+/// These formats reserve it, and are also those that hold sound back while they encode.
+bool HasRoomForTags(const std::string& path) {
+  return path.ends_with(".mp3") || path.ends_with(".ogg") || path.ends_with(".flac") ||
+         path.ends_with(".opus");
 }
 
 /// Writes until the file takes no more; the samples that it took.
@@ -111,7 +122,7 @@ void ExpectWhatWasTaken(const Row& row, const std::string& path, std::size_t tak
     return;
   }
   const std::size_t decoded = DecodeWithFfmpeg(path, row.Options).size();
-  if (path.ends_with(".mp3") || path.ends_with(".ogg") || path.ends_with(".flac")) {
+  if (HasRoomForTags(path)) {
     // These hold sound back while they encode, which had no room any more.
     EXPECT_GT(decoded, taken * 3 / 4);
     EXPECT_LE(decoded, taken + 4608);
@@ -153,6 +164,20 @@ TEST(FullDisk, AShortFileIsFinishedAndPlays) {
   }
 }
 
+TEST(FullDisk, WhatIsHeldBackToTheEndAndDoesNotFitIsReported) {
+  for (const Row& row : Formats()) {
+    if (!HasRoomForTags(row.Name)) continue;
+    SCOPED_TRACE(row.Name);
+    TempFolder folder;
+    EncodedFile file;
+    row.Prepare(file);
+    ASSERT_EQ(file.Create(folder.Path(row.Name)).Number, 0);
+    ASSERT_TRUE(file.WriteBlock(MakeNoise(2000, 8)));
+    const FileSizeLimit limit(std::filesystem::file_size(folder.Path(row.Name)));
+    EXPECT_EQ(file.Close().Cause(), "File too large");
+  }
+}
+
 TEST(FullDisk, AFileWithoutRoomForItsHeaderIsRemoved) {
   for (const Row& row : Formats()) {
     if (row.Name == "a.raw" || row.Name == "a.vox") continue;  // they have no header
@@ -179,7 +204,7 @@ TEST(FullDisk, ADeviceIsNeitherWrittenNorRemoved) {
 
 TEST(FullDisk, TagsInReservedRoomAreWrittenAllTheSame) {
   for (const Row& row : Formats()) {
-    if (!row.Name.ends_with(".mp3") && !row.Name.ends_with(".ogg") && !row.Name.ends_with(".flac")) continue;
+    if (!HasRoomForTags(row.Name)) continue;
     TempFolder folder;
     const std::string path = folder.Path(row.Name);
     const FileSizeLimit limit(150001);
