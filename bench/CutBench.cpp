@@ -1,7 +1,8 @@
 // What a cut between two songs costs in MP3 with the settings of a fresh installation, on the wall clock, from
 // RecordStop to the end of RecordStart: what came in while the thread slept through the song's delay is encoded, the
 // old file is closed and tagged, the next one created. "backlog" tells how long that sleep was; 0 leaves it out.
-// With "record" the song's row goes to the record of what happened too, whose threads write it beside the cuts. With
+// With "record" the song's row goes to the record of what happened too, whose threads write it beside the cuts. What becomes of
+// the old file belongs to the cut: it is removed or, with "shelf", put on a shelf of twenty songs, which lets the oldest go. With
 // "listen" songs are cut by listening: what a change of text costs at once, and the cut some ten seconds later; the choice
 // of its place is a benchmark of its own.
 // KESTRUNE_BENCH_CUTS=500 takes so many cuts of five minutes (about half an hour), not twenty.
@@ -27,6 +28,7 @@
 #include "platform/sqlite/SqliteHistoryStore.h"
 #include "recorder/Capture.h"
 #include "recorder/Chronicle.h"
+#include "recorder/Shelving.h"
 #include "support/FakeFileSync.h"
 #include "support/FakeHistoryStore.h"
 #include "support/SimulatedEventLoop.h"
@@ -67,8 +69,15 @@ SimulatedSoundSource::Signal Music() {
 /// The real recorder, encoder and tag writer under the capture of the program, in a folder of its own.
 class Rig {
  public:
-  Rig(bool keepsRecord, bool listens) {
-    settings_.CutPlacement = listens ? config::CutPlacement::Listen : config::CutPlacement::Text;
+  struct Features {
+    bool Record = false;
+    bool Shelf = false;
+    bool Listen = false;
+  };
+
+  explicit Rig(const Features& with) {
+    settings_.CutPlacement = with.Listen ? config::CutPlacement::Listen : config::CutPlacement::Text;
+    settings_.ShelfSongs = with.Shelf ? 20 : 0;
     std::string pattern = (std::filesystem::temp_directory_path() / "cut-bench-XXXXXX").string();
     if (::mkdtemp(pattern.data()) != nullptr) folder_ = pattern;
     sound_.SetSignal(Music());
@@ -81,8 +90,10 @@ class Rig {
       record.Song = "Slow Tide";
       record.Artist = "Moonlighters";
       record.Folder = folder_ + "/";
+      record.FileName = record.Folder + "Moonlighters - Slow Tide";
     }
-    if (keepsRecord) {
+    settings_.FileDir = folder_ + "/";
+    if (with.Record) {
       store_ = std::make_unique<platform::SqliteHistoryStore>(loop_, folder_ + "/History.db");
       history_ = std::make_unique<history::History>(*store_, loop_);
       chronicle_ = std::make_unique<recorder::Chronicle>(*history_, loop_);
@@ -113,9 +124,9 @@ class Rig {
     const auto start = std::chrono::steady_clock::now();
     capture_.RecordStop(finished);
     Begin(static_cast<std::int16_t>(1 - finished));
-    TellRecord(finished);
+    PutAway(Record(finished));
     const Milliseconds cost = std::chrono::steady_clock::now() - start;
-    Forget(finished);
+    capture_.Release(finished);
     return cost;
   }
 
@@ -126,33 +137,38 @@ class Rig {
     const auto next = static_cast<std::int16_t>(1 - finished);
     const std::int64_t stamp = capture_.FrameNow();
     auto start = std::chrono::steady_clock::now();
-    if (!capture_.AwaitCut(next, stamp)) result_ = -1;
+    const bool awaited =
+        capture_.AwaitCut(next, {.Song = Record(finished), .Slot = finished, .Stamp = stamp});
     Milliseconds cost = std::chrono::steady_clock::now() - start;
-    if (result_ < 0) return cost;
+    if (!awaited) {
+      result_ = -1;
+      return cost;
+    }
     state_.CaptureSlot = next;
     loop_.Run(kHeard);
-    capture_.SetCut(stamp + 44100, 0);
+    state_.AwaitedCuts.front().Frame = stamp + 44100;
+    capture_.SetCut();
     while (!capture_.CutReached()) loop_.Run(100ms);
     start = std::chrono::steady_clock::now();
-    capture_.CutOver(finished);
-    TellRecord(finished);
+    recorder::AwaitedCut cut = capture_.CutOver();
+    PutAway(cut.Song);
     cost += std::chrono::steady_clock::now() - start;
-    Forget(finished);
+    capture_.Release(finished);
     loop_.Run(std::max(length - kHeard, 0ms));
     return cost;
   }
 
  private:
-  void TellRecord(std::int16_t finished) {
-    if (chronicle_ == nullptr) return;
-    chronicle_->SongEnded(state_.CaptureSlots[static_cast<std::size_t>(finished)], platform::SongFate::Kept,
-                          "");
+  [[nodiscard]] recorder::CaptureRecord& Record(std::int16_t slot) {
+    return state_.CaptureSlots[static_cast<std::size_t>(slot)];
   }
-  void Forget(std::int16_t finished) {
-    recorder::CaptureRecord& record = state_.CaptureSlots[static_cast<std::size_t>(finished)];
+  void PutAway(recorder::CaptureRecord& record) {
     if (record.Outcome.File.empty()) result_ = -1;
+    record.Outcome.ShelfName.clear();
+    shelving_.Take(record, platform::SongFate::NotWanted, false);
+    if (settings_.ShelfSongs > 0 && record.Outcome.ShelfName.empty()) result_ = -1;
+    if (chronicle_ != nullptr) chronicle_->SongEnded(record, platform::SongFate::NotWanted, "");
     songFiles_.Discard(record);
-    capture_.Release(finished);
   }
   void Begin(std::int16_t slot) {
     capture_.RecordStart(slot, capture_.TemporaryFile(slot), result_);
@@ -175,6 +191,12 @@ class Rig {
   recorder::SoundMeter meter_;
   FakeHistoryStore nothingLearned_{loop_};
   history::History noHistory_{nothingLearned_, loop_};
+  recorder::Chronicle noChronicle_{noHistory_, loop_};
+  recorder::Shelving shelving_{
+      all_,
+      {.Files = files_, .SongFiles = songFiles_, .Chronicle = noChronicle_, .History = noHistory_},
+      loop_,
+      journal_};
   recorder::StationLags lags_{noHistory_, settings_, loop_};
   recorder::CutChooser cuts_{lags_};
   recorder::Capture capture_{
@@ -193,8 +215,8 @@ int WantedCuts() {
 }
 
 void Cut(benchmark::State& state) {
-  const bool listens = state.range(4) != 0;
-  Rig rig(state.range(3) != 0, listens);
+  const bool listens = state.range(5) != 0;
+  Rig rig({.Record = state.range(3) != 0, .Shelf = state.range(4) != 0, .Listen = listens});
   std::vector<double> costs;
   for ([[maybe_unused]] auto step : state) {
     for (int cut = 0; cut < state.range(2); ++cut) {
@@ -211,15 +233,17 @@ void Cut(benchmark::State& state) {
 }
 
 void Arguments(benchmark::internal::Benchmark* cut) {
-  cut->ArgNames({"seconds", "backlog", "cuts", "record", "listen"});
+  cut->ArgNames({"seconds", "backlog", "cuts", "record", "shelf", "listen"});
   for (const int backlog : {0, 600}) {
     for (const int record : {0, 1}) {
-      cut->Args({2, backlog, 500, record, 0});
-      cut->Args({300, backlog, WantedCuts(), record, 0});
+      for (const int shelf : {0, 1}) {
+        cut->Args({2, backlog, 500, record, shelf, 0});
+        cut->Args({300, backlog, WantedCuts(), record, shelf, 0});
+      }
     }
   }
-  cut->Args({30, 0, 100, 0, 1});
-  cut->Args({300, 0, WantedCuts(), 0, 1});
+  cut->Args({30, 0, 100, 0, 0, 1});
+  cut->Args({300, 0, WantedCuts(), 0, 0, 1});
 }
 BENCHMARK(Cut)->Apply(Arguments)->Iterations(1)->Unit(benchmark::kMillisecond);
 
