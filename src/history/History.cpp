@@ -180,13 +180,12 @@ void History::HandOver() {
 void History::AskReport(base::DateValue from, base::DateValue to, ReportAnswer answer) {
   HandOver();
   store_.ReadSpan(
-      from, to, [from, to, answer = std::move(answer)](const base::Result& asked, const HistoryRows& rows) {
-        answer(
-            asked,
-            asked.Ok()
-                ? MakeReport(rows, from, to)
-                : Report{
-                      .From = from, .To = to, .Events = {}, .OtherSongs = {}, .Incidents = {}, .Advice = {}});
+      from, to,
+      [from, to, running = event_, answer = std::move(answer)](const base::Result& asked,
+                                                               const HistoryRows& rows) {
+        Report report{.From = from, .To = to, .Events = {}, .OtherSongs = {}, .Incidents = {}, .Advice = {}};
+        if (asked.Ok()) report = MakeReport(rows, from, to, running);
+        answer(asked, report);
       });
 }
 

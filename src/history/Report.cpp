@@ -94,12 +94,19 @@ std::vector<HistoryIncident> Incidents(const HistoryRows& rows, const std::vecto
   return incidents;
 }
 
+using RunningEvent = std::optional<HistoryEvent>;
+
+bool Is(const RunningEvent& running, const HistoryEvent& event) {
+  return running && running->Entry == event.Entry && running->Due == event.Due &&
+         running->Began == event.Began;
+}
+
 /// Writes one event's story.
 class StoryTeller {
  public:
   StoryTeller(const HistoryRows& rows, const std::vector<HistoryIncident>& incidents,
-              const std::vector<Absence>& absences, DateValue now)
-      : rows_(rows), incidents_(incidents), absences_(absences), now_(now) {}
+              const std::vector<Absence>& absences, DateValue now, const RunningEvent& running)
+      : rows_(rows), incidents_(incidents), absences_(absences), now_(now), running_(running) {}
 
   /// `parts` are the rows of one run of an entry, the first begun first.
   [[nodiscard]] EventStory Tell(const std::vector<HistoryEvent>& parts,
@@ -134,7 +141,7 @@ class StoryTeller {
     if (last.Ended) {
       story.Ended = last.Ended;
       story.State = story.Why.empty() ? EventState::Completed : EventState::BrokenOff;
-    } else if (GoesOn(rows_.Runs, *last.Began)) {
+    } else if (Is(running_, last) || GoesOn(rows_.Runs, *last.Began)) {
       story.State = EventState::Running;
     } else {
       story.Ended = std::max(*last.Began, RunAt(rows_.Runs, *last.Began)->Alive);
@@ -250,12 +257,15 @@ class StoryTeller {
   const std::vector<HistoryIncident>& incidents_;
   const std::vector<Absence>& absences_;
   DateValue now_;
+  const RunningEvent& running_;
 };
 
-/// The rows of events, those of one run of an entry together, in the order of their due moments.
-std::vector<std::vector<HistoryEvent>> Grouped(std::vector<HistoryEvent> events) {
-  const auto order = [](const HistoryEvent& event) {
-    return std::tuple(event.Due, event.Entry, event.Began.value_or(DateValue()));
+/// The rows of events, those of one run of an entry together, in the order of their due moments. What runs is the last of
+/// its group, even if the clock was set back before it began.
+std::vector<std::vector<HistoryEvent>> Grouped(std::vector<HistoryEvent> events,
+                                               const RunningEvent& running) {
+  const auto order = [&running](const HistoryEvent& event) {
+    return std::tuple(event.Due, event.Entry, Is(running, event), event.Began.value_or(DateValue()));
   };
   std::sort(events.begin(), events.end(),
             [&order](const HistoryEvent& a, const HistoryEvent& b) { return order(a) < order(b); });
@@ -283,12 +293,12 @@ std::size_t GroupOf(const HistorySong& song, const std::vector<std::vector<Histo
 
 }  // namespace
 
-Report MakeReport(const HistoryRows& rows, DateValue from, DateValue to) {
+Report MakeReport(const HistoryRows& rows, DateValue from, DateValue to, const RunningEvent& running) {
   Report report{.From = from, .To = to, .Events = {}, .OtherSongs = {}, .Incidents = {}, .Advice = {}};
   const std::vector<Absence> absences = Absences(rows.Runs);
   report.Incidents = Incidents(rows, absences);
 
-  const std::vector<std::vector<HistoryEvent>> groups = Grouped(rows.Events);
+  const std::vector<std::vector<HistoryEvent>> groups = Grouped(rows.Events, running);
   std::vector<std::vector<HistorySong>> songs(groups.size());
   for (const HistorySong& song : rows.Songs) {
     const std::size_t group = song.Event == 0 ? groups.size() : GroupOf(song, groups);
@@ -298,7 +308,7 @@ Report MakeReport(const HistoryRows& rows, DateValue from, DateValue to) {
       report.OtherSongs.push_back(song);
     }
   }
-  const StoryTeller teller(rows, report.Incidents, absences, to);
+  const StoryTeller teller(rows, report.Incidents, absences, to, running);
   for (std::size_t i = 0; i < groups.size(); ++i)
     report.Events.push_back(teller.Tell(groups[i], std::move(songs[i])));
   report.Advice = AdviceFor(report);

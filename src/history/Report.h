@@ -58,7 +58,10 @@ struct Report {
   bool operator==(const Report&) const = default;
 };
 
-/// The story of the rows of a span, as HistoryStore::ReadSpan gives them. `to` is the present moment.
-[[nodiscard]] Report MakeReport(const platform::HistoryRows& rows, base::DateValue from, base::DateValue to);
+/// The story of the rows of a span, as HistoryStore::ReadSpan gives them. `to` is the present moment. `running` is the
+/// event that runs now, as it is known; without it the rows alone tell which does, and a clock that was set back since
+/// another run of the program began can mislead them.
+[[nodiscard]] Report MakeReport(const platform::HistoryRows& rows, base::DateValue from, base::DateValue to,
+                                const std::optional<platform::HistoryEvent>& running = std::nullopt);
 
 }  // namespace kestrune::history

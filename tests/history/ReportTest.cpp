@@ -276,6 +276,22 @@ TEST_F(ReportTest, AnEventOfARunThatEndedBrokeOffWhenTheRunWasLastSeen) {
   EXPECT_EQ(story.MissingSeconds, 32 * 60);
 }
 
+TEST_F(ReportTest, AnEventThatRunsIsKnownThoughTheClockWasSetBack) {
+  // A second run of the program began at the fiftieth minute, the clock was set back, and the event began once more.
+  Rows.Runs = {{.Began = At(-600), .Alive = At(49), .Closed = false},
+               {.Began = At(50), .Alive = At(27), .Closed = false}};
+  Event(5, "its entry was changed or disabled");
+  Rows.Events.back().Began = At(3);
+  Event(std::nullopt);
+  Rows.Events.back().Began = At(1);
+  Song(At(1), At(25));
+  const Report report = MakeReport(Rows, At(-120), At(27), Rows.Events.back());
+  ASSERT_EQ(report.Events.size(), 1U);
+  EXPECT_EQ(report.Events.front().State, EventState::Running);
+  EXPECT_EQ(report.Events.front().Why, "");
+  EXPECT_EQ(report.Events.front().Missing.size(), 1U) << "the first minute, and nothing of the future";
+}
+
 TEST_F(ReportTest, ARunningEventMissesOnlyWhatHasPassed) {
   Event(std::nullopt);
   Song(At(0), At(10));
