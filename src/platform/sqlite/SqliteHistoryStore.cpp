@@ -77,8 +77,12 @@ SqliteHistoryStore::~SqliteHistoryStore() {
   }
   asked_.notify_one();
   readerThread_.join();
-  // Closed first, so that the writer's is the last connection, which leaves one file.
-  questionsDatabase_.reset();
+  {
+    // Closed first, so that the writer's is the last connection, which leaves one file; the writer may be putting a
+    // damaged record aside, and then it closes this one too.
+    const std::lock_guard lock(reading_);
+    questionsDatabase_.reset();
+  }
   written_.notify_one();
   writerThread_.join();
 }

@@ -44,6 +44,7 @@ using test::FileText;
 using test::PlayRow;
 using test::PutFile;
 using test::SongRow;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -868,6 +869,26 @@ TEST_F(SqliteHistoryStoreTest, ACountDoesNotGoOnInAnotherRecord) {
                 [](const base::Result& asked, const auto&) { EXPECT_FALSE(asked.Ok()); });
   ASSERT_TRUE(ComesTrue([&refusal] { return !refusal.empty(); }));
   EXPECT_EQ(refusal, "the record was begun anew");
+}
+
+TEST_F(SqliteHistoryStoreTest, ItsEndComesWhileTheRecordIsPutAside) {
+  Open();
+  Write(ManyPlays());
+  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+  Store.reset();
+  test::ChildProcess sqlite(
+      {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
+  ASSERT_EQ(sqlite.Wait(20s), 0);
+  Open();
+  bool refused = false;
+  Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
+                [&refused](const base::Result& asked, const auto&) { refused = !asked.Ok(); });
+  ASSERT_TRUE(ComesTrue([&refused] { return refused; }));
+  // The connection of a question that succeeds, which both the writer and the end would close.
+  ASSERT_EQ(Plays("", 1).size(), 1U);
+  Write(OneSong());
+  Store.reset();
+  EXPECT_THAT(Names(), Contains(HasSubstr("damaged")));
 }
 
 TEST_F(SqliteHistoryStoreTest, ItsEndDoesNotWaitForQuestions) {
