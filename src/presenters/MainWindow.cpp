@@ -5,6 +5,7 @@
 #include "base/DatePattern.h"
 #include "base/Text.h"
 #include "presenters/HintLine.h"
+#include "presenters/Shelf.h"
 
 namespace kestrune::presenters {
 namespace {
@@ -55,6 +56,7 @@ void ShowRecording(const recorder::State& state, MainWindow& window) {
   window.lblRestricted.Caption = std::to_string(recording.RestrictedCount);
   window.cmdRecord.Enabled = state.MayRecord();
   window.cmdStop.Enabled = state.MayStop();
+  window.cmdKeep.Enabled = MayKeepCurrent(state);
   window.mnuReload.Enabled = recording.ChannelsLoaded;
   window.mnuMute = recording.Muted;
 }

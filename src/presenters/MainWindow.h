@@ -56,6 +56,7 @@ struct MainWindow : DesktopRecord {
 
   Button cmdRecord{.Enabled = true};
   Button cmdStop{.Enabled = false};
+  Button cmdKeep{.Enabled = false};
   Button mnuReload{.Enabled = false};
 
   bool chkIntegrel = false;

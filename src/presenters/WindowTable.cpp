@@ -70,6 +70,7 @@ constexpr WindowRow kWindows[] = {
      .Checked = &DesktopRecord::chkReport,
      .SettingKey = "RecordingReport",
      .Setting = &Settings::RecordingReport},
+    {.Name = recorder::WindowName::Shelf, .Entry = "mnuShelf", .EntryText = "Sh&elf", .Key = 'E'},
     {.Name = recorder::WindowName::Presets, .Entry = "mnuPresets", .EntryText = "Edit &Presets"},
     {.Name = recorder::WindowName::Config, .Entry = "mnuPreferences", .EntryText = "&Configuration"},
     {.Name = recorder::WindowName::Mixer, .HidesWithMain = false},

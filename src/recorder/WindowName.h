@@ -15,6 +15,7 @@ enum class WindowName : std::uint8_t {
   Config,        ///< frmConfig
   Mixer,         ///< frmMixer
   Report,        ///< frmReport
+  Shelf,         ///< frmShelf
 };
 
 }  // namespace kestrune::recorder

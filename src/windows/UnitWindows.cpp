@@ -12,6 +12,7 @@
 #include "windows/frmReport.h"
 #include "windows/frmRestrictList.h"
 #include "windows/frmSchedule.h"
+#include "windows/frmShelf.h"
 
 namespace kestrune::windows {
 
@@ -25,7 +26,8 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
       log_(parts_.Log.List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
       mixer_(outside.Mixer, [this] { return rules_.Unit().InputDeviceId(); }),
       configuration_(rules.ConfigurationAccess()),
-      report_(parts_.History, outside.Shell, outside.Loop) {
+      report_(parts_.History, outside.Shell, outside.Loop),
+      shelf_(rules.Unit(), outside.Shell, outside.Loop) {
   desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
   desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
   desktop.SetMaker(WindowName::Schedule, [this] { return MakeSchedule(); });
@@ -33,6 +35,7 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
   desktop.SetMaker(WindowName::KestruneNow, [this] { return MakeKestruneNow(); });
   desktop.SetMaker(WindowName::Presets, [this] { return MakePresets(); });
   desktop.SetMaker(WindowName::Report, [this] { return MakeReport(); });
+  desktop.SetMaker(WindowName::Shelf, [this] { return MakeShelf(); });
   desktop.SetMaker(WindowName::Config, [this] { return MakeConfig(); });
   desktop.SetMaker(WindowName::Mixer, [this] { return MakeMixer(); });
 
@@ -96,6 +99,12 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeReport() {
   auto window = std::make_unique<frmReport>(report_, parts_.Section);
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   window->Closed = [this] { rules_.Switches().Click(WindowName::Report, false); };
+  return Opened(std::move(window));
+}
+
+std::unique_ptr<OpenWindow> UnitWindows::MakeShelf() {
+  auto window = std::make_unique<frmShelf>(shelf_, parts_.Section);
+  window->HotKey = [this](int key) { desktop_.PassKey(key); };
   return Opened(std::move(window));
 }
 

@@ -9,6 +9,7 @@
 #include "presenters/LogWindow.h"
 #include "presenters/MixerWindow.h"
 #include "presenters/RecordingReport.h"
+#include "presenters/Shelf.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 
@@ -41,6 +42,7 @@ class UnitWindows {
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeKestruneNow();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakePresets();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeReport();
+  [[nodiscard]] std::unique_ptr<OpenWindow> MakeShelf();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeConfig();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeMixer();
   void ShowRadioID();
@@ -54,6 +56,7 @@ class UnitWindows {
   presenters::MixerWindow mixer_;
   presenters::Configuration configuration_;
   presenters::RecordingReport report_;
+  presenters::Shelf shelf_;
 };
 
 }  // namespace kestrune::windows

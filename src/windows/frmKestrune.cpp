@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPixmap>
+#include <QPolygonF>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -68,8 +69,10 @@ void Enlarge(QWidget& widget, double factor, bool bold) {
   widget.setFont(font);
 }
 
-/// The two marks that everybody knows from a tape deck.
-QIcon MarkIcon(bool round, const QColor& colour) {
+enum class Mark { Disc, Square, Ribbon };
+
+/// The two marks that everybody knows from a tape deck, and that of a bookmark.
+QIcon MarkIcon(Mark mark, const QColor& colour) {
   constexpr int kSize = 64;
   QPixmap picture(kSize, kSize);
   picture.fill(Qt::transparent);
@@ -78,7 +81,21 @@ QIcon MarkIcon(bool round, const QColor& colour) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(colour);
   const QRectF room(kSize * 0.15, kSize * 0.15, kSize * 0.7, kSize * 0.7);
-  round ? painter.drawEllipse(room) : painter.drawRect(room);
+  switch (mark) {
+    case Mark::Disc:
+      painter.drawEllipse(room);
+      break;
+    case Mark::Square:
+      painter.drawRect(room);
+      break;
+    case Mark::Ribbon: {
+      const QRectF ribbon = room.adjusted(room.width() * 0.15, 0, -room.width() * 0.15, 0);
+      painter.drawPolygon(QPolygonF{ribbon.topLeft(), ribbon.topRight(), ribbon.bottomRight(),
+                                    ribbon.center() + QPointF(0, ribbon.height() * 0.2),
+                                    ribbon.bottomLeft()});
+      break;
+    }
+  }
   return picture;
 }
 
@@ -160,6 +177,7 @@ void frmKestrune::MakeMenus() {
   addWindow(WindowName::KestruneNow);
   addWindow(WindowName::RestrictList);
   addWindow(WindowName::Report);
+  addWindow(WindowName::Shelf);
   options.addSeparator()->setObjectName(QStringLiteral("mnuBar1"));
   AddEntry(options, "mnuIntegrel", "&Integrel On", flip("chkIntegrel"), "Ctrl+Y");
   AddEntry(options, "mnuSievanceGrab", "&Grab List On", flip("chkSievanceGrab"), "Ctrl+G");
@@ -292,8 +310,10 @@ QWidget* frmKestrune::MakeRecording() {
   auto* buttons = new QHBoxLayout;
   cmdRecord_ = MakeButton("cmdRecord", "Record", "Start Recording", group);
   cmdStop_ = MakeButton("cmdStop", "Stop", "Stop Recording", group);
-  cmdRecord_->setIcon(MarkIcon(true, WarningColour(palette())));
-  cmdStop_->setIcon(MarkIcon(false, palette().color(QPalette::ButtonText)));
+  cmdKeep_ = MakeButton("cmdKeep", "Keep This Song", "Keep the song that plays, at its end", group);
+  cmdRecord_->setIcon(MarkIcon(Mark::Disc, WarningColour(palette())));
+  cmdStop_->setIcon(MarkIcon(Mark::Square, palette().color(QPalette::ButtonText)));
+  cmdKeep_->setIcon(MarkIcon(Mark::Ribbon, palette().color(QPalette::ButtonText)));
   connect(cmdRecord_, &QPushButton::clicked, this, [this] {
     unit_.Wishes().Record();
     Refresh();
@@ -302,8 +322,13 @@ QWidget* frmKestrune::MakeRecording() {
     unit_.Wishes().Stop();
     Refresh();
   });
+  connect(cmdKeep_, &QPushButton::clicked, this, [this] {
+    unit_.Wishes().KeepCurrent();
+    Refresh();
+  });
   buttons->addWidget(cmdRecord_);
   buttons->addWidget(cmdStop_);
+  buttons->addWidget(cmdKeep_);
   column->addLayout(buttons);
   column->addWidget(MakeCounters());
   column->addStretch();
@@ -524,6 +549,7 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowText(*lblRemaining_, record.lblRemaining.Caption);
   ShowEnabled(*cmdRecord_, record.cmdRecord.Enabled);
   ShowEnabled(*cmdStop_, record.cmdStop.Enabled);
+  ShowEnabled(*cmdKeep_, record.cmdKeep.Enabled);
 }
 
 void frmKestrune::ShowHint(const MainWindow& record) {

@@ -122,6 +122,7 @@ class frmKestrune final : public QMainWindow {
   AudioDisplay* audioDisplay_ = nullptr;
   QPushButton* cmdRecord_ = nullptr;
   QPushButton* cmdStop_ = nullptr;
+  QPushButton* cmdKeep_ = nullptr;
   std::vector<QPushButton*> presets_;
   std::array<PresetFace, presenters::Presets::kCount> presetFaces_;
   std::vector<Box> boxes_;

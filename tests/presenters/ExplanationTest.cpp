@@ -57,5 +57,19 @@ TEST_F(ExplanationTest, ASongThatTheListsWillDeleteSaysSo) {
   EXPECT_EQ(rig.Rules->Explanation(), "Not in the Grab list: it will be deleted at its end.");
 }
 
+TEST_F(ExplanationTest, ASongThatTheUserKeepsSaysSoWhateverTheListsSay) {
+  Lists("2Moonlighters\n");
+  rig.Set("SievanceKill", "1");
+  rig.StartIdle();
+  rig->Wishes().KeepCurrent();
+  rig.Run(1s);
+  EXPECT_EQ(rig.Rules->Explanation(), "This song is kept at its end, because you asked.");
+  rig->cmdRecord();
+  EXPECT_EQ(rig.Rules->Explanation(), "This song is kept at its end, because you asked.");
+  rig.NextSong("New", "Song");
+  rig.Run(5s);
+  EXPECT_EQ(rig.Rules->Explanation(), "This song is kept from its beginning.");
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -51,8 +51,9 @@ TEST_F(ResizeRuleTest, AnOpenMainWindowShowsTheLoadedOnesWhoseBoxIsChecked) {
   window.chkRestrictList = true;
   rule.Apply();
   EXPECT_TRUE(window.Visible);
-  EXPECT_THAT(windows.Told, UnorderedElementsAre("reveal channels", "reveal lists", "reveal presets",
-                                                 "reveal config", "reveal now", "reveal report"));
+  EXPECT_THAT(windows.Told,
+              UnorderedElementsAre("reveal channels", "reveal lists", "reveal presets", "reveal config",
+                                   "reveal now", "reveal report", "reveal shelf"));
 }
 
 TEST_F(ResizeRuleTest, AWindowThatIsNotLoadedIsNotMade) {
@@ -65,8 +66,9 @@ TEST_F(ResizeRuleTest, AMinimisedMainWindowTakesTheOthersAlong) {
   LoadAll();
   window.State = WindowState::Minimized;
   rule.Apply();
-  EXPECT_THAT(windows.Told, UnorderedElementsAre("hide channels", "hide schedule", "hide log", "hide lists",
-                                                 "hide presets", "hide config", "hide now", "hide report"));
+  EXPECT_THAT(windows.Told,
+              UnorderedElementsAre("hide channels", "hide schedule", "hide log", "hide lists", "hide presets",
+                                   "hide config", "hide now", "hide report", "hide shelf"));
 }
 
 TEST_F(ResizeRuleTest, MinimisedItStaysInTheTaskBarOnlyIfTheUserWantsItThere) {

@@ -30,6 +30,8 @@ namespace kestrune::test {
       return "mixer";
     case WindowName::Report:
       return "report";
+    case WindowName::Shelf:
+      return "shelf";
   }
   return "?";
 }

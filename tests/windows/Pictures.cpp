@@ -19,6 +19,7 @@
 #include <QStyle>
 #include <QTabWidget>
 #include <QTimer>
+#include <QTreeWidget>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -208,6 +209,29 @@ void TakeReport(Stage& stage) {
   stage.Take(window, QStringLiteral("frmReport"));
 }
 
+/// Songs of several fates under the one that plays, one of them chosen.
+void TakeShelf(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  unit.Set("ShelfSongs", "20");
+  unit.Set("MinSongLength", "30");
+  Play(stage);
+  stage.Rig.Unit->cmdRecord();
+  for (int song = 0; song < (stage.Extreme ? 30 : 5); ++song) {
+    if (song == 3) stage.Rig.Unit->cmdStop();
+    const std::string number = std::to_string(song + 1);
+    unit.NextSong(stage.Extreme ? "W. & <b>W</b> " + number : "Abigail Wren", "Winter Apples " + number);
+    stage.Rig.Run(std::chrono::seconds(song % 2 == 0 ? 62 : 25));
+  }
+  QWidget& window = stage.Open(WindowName::Shelf);
+  auto& songs = Find<QTreeWidget>(window, "lstSongs");
+  songs.setCurrentItem(songs.topLevelItem(2));
+  stage.Take(window, QStringLiteral("frmShelf"));
+  songs.setCurrentItem(songs.topLevelItem(0));
+  Find<QPushButton>(window, "cmdKeep").click();
+  stage.Rig.Run(std::chrono::seconds(1));
+  stage.Take(window, QStringLiteral("frmShelf-kept"));
+}
+
 void TakeLists(Stage& stage) {
   Play(stage);
   stage.Rig.Unit->cmdRecord();
@@ -361,8 +385,8 @@ void TakeMessage(Stage& stage) {
 }
 
 constexpr void (*kPictures[])(Stage&) = {
-    TakeMain,     TakeLists, TakeSchedule, TakeConfig,     TakeMixer,
-    TakeUpdating, TakeLegal, TakeSplash,   TakePleaseWait, TakeMessage,
+    TakeMain,     TakeShelf, TakeLists,  TakeSchedule,   TakeConfig,  TakeMixer,
+    TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
 };
 
 QPalette DarkPalette() {

@@ -74,6 +74,7 @@ class UnitWindowsTest : public ::testing::Test {
   void PressBox(const Switch& each) { QTest::keyClick(&rig.Find<QCheckBox>(each.Box), Qt::Key_Space); }
   void OpenAll() {
     for (const Switch& each : kSwitches) PressBox(each);
+    rig.Choose("mnuShelf");
     rig.Choose("mnuPresets");
     rig.Choose("mnuPreferences");
     rig.Find<QPushButton>("cmdMixer").click();
@@ -238,8 +239,9 @@ TEST_F(UnitWindowsTest, AllWindowsFollowTheMainWindowDownAndUp) {
   OpenAll();
   rig.Main().setWindowState(Qt::WindowMinimized);
   rig.Run(300ms);
-  for (const WindowName name : {WindowName::Channels, WindowName::Log, WindowName::Schedule,
-                                WindowName::RestrictList, WindowName::KestruneNow, WindowName::Report}) {
+  for (const WindowName name :
+       {WindowName::Channels, WindowName::Log, WindowName::Schedule, WindowName::RestrictList,
+        WindowName::KestruneNow, WindowName::Report, WindowName::Shelf}) {
     EXPECT_FALSE(rig.Shows(name)) << static_cast<int>(name);
     EXPECT_TRUE(rig.Desktop.IsLoaded(name)) << static_cast<int>(name);
   }
@@ -480,6 +482,20 @@ TEST_F(UnitWindowsTest, AWindowCanBeClosedByItsOwnKeyOfTheMainWindow) {
     QTest::keyClick(&rig.Window(each.Name), key, Qt::ControlModifier);
     ExpectOpen(each, false);
   }
+}
+
+TEST_F(UnitWindowsTest, TheShelfOpensByItsEntryAndByItsKeyFromAnotherWindow) {
+  rig.Unit.StartIdle();
+  rig.Choose("mnuShelf");
+  rig.Run(200ms);
+  ASSERT_TRUE(rig.Shows(WindowName::Shelf));
+  rig.Window(WindowName::Shelf).close();
+  EXPECT_FALSE(rig.Desktop.IsLoaded(WindowName::Shelf));
+  PressBox(kSwitches[1]);
+  rig.Run(200ms);
+  QTest::keyClick(&rig.Window(WindowName::Log), Qt::Key_E, Qt::ControlModifier);
+  rig.Run(200ms);
+  EXPECT_TRUE(rig.Shows(WindowName::Shelf));
 }
 
 // Everything is there.

@@ -93,6 +93,7 @@ TEST_F(frmKestruneTest, EveryControlIsThereWithItsCaptionAndTip) {
       {"AudioDisplay", nullptr, ""},
       {"cmdRecord", "Record", "Start Recording"},
       {"cmdStop", "Stop", "Stop Recording"},
+      {"cmdKeep", "Keep This Song", "Keep the song that plays, at its end"},
       {"cmdVUType", "VU Type", "Change type of VU meter"},
       {"cmdMixer", "Record Levels", "Show the recording mixer to adjust recording levels"},
       {"chkIntegrel", "Integrel", "Ensure only complete songs are recorded"},
@@ -139,6 +140,7 @@ TEST_F(frmKestruneTest, EveryMenuHasItsEntriesInOrder) {
         {"mnuKestruneNow", "Kestrune &Now"},
         {"mnuRestrictList", "Grab/Kill &Lists"},
         {"mnuReport", "Recording Rep&ort"},
+        {"mnuShelf", "Sh&elf"},
         {"mnuBar1", ""},
         {"mnuIntegrel", "&Integrel On"},
         {"mnuSievanceGrab", "&Grab List On"},
@@ -176,7 +178,7 @@ TEST_F(frmKestruneTest, EachLetterThatOtherWindowsPassOnIsAKeyOfOneEntry) {
     if (!key.isEmpty()) letters.insert(key.toStdString());
   }
   std::multiset<std::string> wanted;
-  for (const char letter : std::string("BDGHKLQRSTUWY")) wanted.insert(std::string("Ctrl+") + letter);
+  for (const char letter : std::string("BDEGHKLQRSTUWY")) wanted.insert(std::string("Ctrl+") + letter);
   EXPECT_EQ(letters, wanted);
 }
 
@@ -245,6 +247,20 @@ TEST_F(frmKestruneTest, TheButtonsSwap) {
   EXPECT_EQ(Text("lblExplanation"), "This song is kept from its beginning.");
   Press("cmdStop");
   EXPECT_EQ(Text("lblRecording"), "");
+}
+
+TEST_F(frmKestruneTest, TheSongThatPlaysIsKeptByAButtonOnce) {
+  EXPECT_FALSE(rig.Find<QPushButton>("cmdKeep").isEnabled()) << "nothing is captured yet";
+  rig.Unit.StartIdle();
+  EXPECT_TRUE(rig.Find<QPushButton>("cmdKeep").isEnabled());
+  Press("cmdKeep");
+  EXPECT_FALSE(rig.Find<QPushButton>("cmdKeep").isEnabled());
+  EXPECT_EQ(Text("lblExplanation"), "This song is kept at its end, because you asked.");
+  EXPECT_TRUE(rig.Find<QPushButton>("cmdRecord").isEnabled()) << "nothing is recorded for it";
+  rig.Unit.NextSong("New", "Song");
+  rig.Run(15s);
+  EXPECT_TRUE(rig.Find<QPushButton>("cmdKeep").isEnabled());
+  EXPECT_EQ(Text("lblExplanation"), "Not recording.");
 }
 
 TEST_F(frmKestruneTest, ADoubleClickOnAHintTunesToIt) {
@@ -480,8 +496,8 @@ TEST_F(frmKestruneTest, EveryControlThatTakesInputIsReachedByTheTabKey) {
     at = at->nextInFocusChain();
   }
   for (const char* name :
-       {"lblArtist", "lblSong", "cmdRecord", "cmdStop", "cmdVUType", "cmdMixer", "cmdPresetStation_0",
-        "cmdPresetStation_11", "chkIntegrel", "chkKestruneNow", "chkReport"}) {
+       {"lblArtist", "lblSong", "cmdRecord", "cmdStop", "cmdKeep", "cmdVUType", "cmdMixer",
+        "cmdPresetStation_0", "cmdPresetStation_11", "chkIntegrel", "chkKestruneNow", "chkReport"}) {
     EXPECT_TRUE(reached.contains(name)) << name;
   }
 }
