@@ -71,6 +71,12 @@ std::int16_t SongDelayOf(const std::string& text) {
   return base::ToInt16(std::abs(base::LeadingNumber(text.substr(0, kRead)))).value_or(0);
 }
 
+bool TakeNumber(std::int32_t& field, std::string_view text) {
+  const std::optional<std::int32_t> number = base::ToInt32(text);
+  if (number) field = *number;
+  return number.has_value();
+}
+
 bool TakeNumber(std::int16_t& field, std::string_view text) {
   const std::optional<std::int16_t> number = base::ToInt16(text);
   if (number) field = *number;
@@ -89,7 +95,7 @@ struct Configuration::Field {
 };
 
 // In the order in which a save stores the settings.
-const std::array<Configuration::Field, 15> Configuration::kFields{{
+const std::array<Configuration::Field, Configuration::kFieldCount> Configuration::kFields{{
     {"MinSongLength", "cboMinLength",
      [](auto& controls, const auto& settings) { controls.cboMinLength.SelectValue(settings.MinSongLength); },
      [](const auto& controls, auto& settings) {
@@ -185,6 +191,37 @@ const std::array<Configuration::Field, 15> Configuration::kFields{{
      [](const auto& controls, auto& settings) {
        settings.CutPlacement = static_cast<config::CutPlacement>(
            ChosenOr(controls.cboCutPlacement, static_cast<std::int16_t>(settings.CutPlacement)));
+       return true;
+     }},
+    {"ShelfFolder", "txtShelfFolder",
+     [](auto& controls, const auto& settings) { controls.txtShelfFolder = settings.ShelfFolder; },
+     [](const auto& controls, auto& settings) {
+       settings.ShelfFolder = controls.txtShelfFolder;
+       return true;
+     }},
+    {"ShelfSongs", "txtShelfSongs",
+     [](auto& controls, const auto& settings) {
+       controls.txtShelfSongs = std::to_string(settings.ShelfSongs);
+     },
+     [](const auto& controls, auto& settings) {
+       return TakeNumber(settings.ShelfSongs, controls.txtShelfSongs);
+     }},
+    {"ShelfMegabytes", "txtShelfMegabytes",
+     [](auto& controls, const auto& settings) {
+       controls.txtShelfMegabytes = std::to_string(settings.ShelfMegabytes);
+     },
+     [](const auto& controls, auto& settings) {
+       return TakeNumber(settings.ShelfMegabytes, controls.txtShelfMegabytes);
+     }},
+    {"Hints", "chkHints", [](auto& controls, const auto& settings) { controls.chkHints = settings.Hints; },
+     [](const auto& controls, auto& settings) {
+       settings.Hints = controls.chkHints;
+       return true;
+     }},
+    {"FollowHints", "chkFollowHints",
+     [](auto& controls, const auto& settings) { controls.chkFollowHints = settings.FollowHints; },
+     [](const auto& controls, auto& settings) {
+       settings.FollowHints = controls.chkFollowHints;
        return true;
      }},
 }};
@@ -360,12 +397,56 @@ void Configuration::cboCutPlacement(int row) {
   Choose("CutPlacement", controls_.cboCutPlacement, row);
 }
 
-std::string Configuration::cmdBrowse() {
+void Configuration::txtShelfFolder(std::string_view text) {
+  Type("ShelfFolder", controls_.txtShelfFolder, text);
+}
+
+void Configuration::txtShelfSongs(std::string_view text) {
+  Type("ShelfSongs", controls_.txtShelfSongs, text);
+}
+
+void Configuration::txtShelfMegabytes(std::string_view text) {
+  Type("ShelfMegabytes", controls_.txtShelfMegabytes, text);
+}
+
+void Configuration::StepShelfSongs(int direction) {
+  txtShelfSongs(Stepped(controls_.txtShelfSongs, kShelfSongsRange, direction));
+}
+
+void Configuration::StepShelfMegabytes(int direction) {
+  txtShelfMegabytes(Stepped(controls_.txtShelfMegabytes, kShelfMegabytesRange, direction));
+}
+
+void Configuration::chkHints(bool checked) {
+  controls_.chkHints = checked;
+  Touch("Hints");
   dirty_ = true;
-  std::string start = controls_.txtFileDir;
-  if (start.empty()) start = access_.Environment.DefaultRecordingFolder();
-  while (start.size() > 1 && start.ends_with('/')) start.pop_back();
-  return start;
+}
+
+void Configuration::chkFollowHints(bool checked) {
+  controls_.chkFollowHints = checked;
+  Touch("FollowHints");
+  dirty_ = true;
+}
+
+std::string Configuration::BrowseFrom(std::string folder) {
+  dirty_ = true;
+  if (folder.empty()) folder = access_.Environment.DefaultRecordingFolder();
+  while (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
+  return folder;
+}
+
+std::string Configuration::cmdBrowse() {
+  return BrowseFrom(controls_.txtFileDir);
+}
+
+std::string Configuration::cmdBrowseShelf() {
+  return BrowseFrom(controls_.txtShelfFolder.empty() ? controls_.txtFileDir : controls_.txtShelfFolder);
+}
+
+void Configuration::ShelfFolderChosen(std::string_view folder) {
+  folder = folder.substr(0, folder.find('\0'));
+  if (!folder.empty()) txtShelfFolder(folder);
 }
 
 void Configuration::FolderChosen(std::string_view folder) {

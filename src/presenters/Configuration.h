@@ -2,10 +2,12 @@
 
 #include <array>
 #include <bitset>
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "config/settings/Settings.h"
 #include "presenters/ConfigurationAccess.h"
 #include "presenters/ConfigurationControls.h"
 #include "presenters/FilenameFormatSelect.h"
@@ -18,6 +20,8 @@ namespace kestrune::presenters {
 
 inline constexpr SpinRange kAGCLevelRange{-90, 0, 1};    ///< dB
 inline constexpr SpinRange kAGCAttackRange{50, 200, 1};  ///< milliseconds
+inline constexpr SpinRange kShelfSongsRange{0, config::kMostShelfSongs, 1};
+inline constexpr SpinRange kShelfMegabytesRange{1, config::kMostShelfMegabytes, 50};
 
 /// The rules of the configuration window and of the windows that open from it. A save changes the settings whose
 /// controls the user has touched since Load, and no other; the untouched controls follow the settings. The file format
@@ -60,11 +64,21 @@ class Configuration {
   void chkTaskBarMinimized(bool checked);
   void chkWatch(bool checked);
   void cboCutPlacement(int row);
+  void txtShelfFolder(std::string_view text);
+  void txtShelfSongs(std::string_view text);
+  void txtShelfMegabytes(std::string_view text);
+  void StepShelfSongs(int direction);
+  void StepShelfMegabytes(int direction);
+  void chkHints(bool checked);
+  void chkFollowHints(bool checked);
 
   /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
   /// The chooser's answer up to its first zero character; empty if the user chose nothing.
   void FolderChosen(std::string_view folder);
+  /// The same for the folder of the shelf; as long as it has none of its own, the chooser starts where recordings go.
+  [[nodiscard]] std::string cmdBrowseShelf();
+  void ShelfFolderChosen(std::string_view folder);
 
   /// The option window of the chosen format has closed: the idle slot is prepared with what it saved.
   void FormatOptionsClosed();
@@ -74,7 +88,7 @@ class Configuration {
   void cmdDefault();
 
   /// Changes and stores the settings of the touched controls, and returns true: the window closes. Returns false,
-  /// with nothing changed, after a message on the song lengths or on the folder, or if one of the gain numbers is no
+  /// with nothing changed, after a message on the song lengths or on what else is refused, or if one of the numbers is no
   /// number; FieldToMend then names the text box, if there is one. Returns false, with the settings changed, after a
   /// message that they could not be stored. A list without a selected row leaves its setting as it is; only a song
   /// delay that was not on its list at Load becomes 0. The file format is always stored, since a choice that was
@@ -95,9 +109,12 @@ class Configuration {
 
  private:
   struct Field;
-  static const std::array<Field, 15> kFields;
+  static constexpr std::size_t kFieldCount = 20;
+  static const std::array<Field, kFieldCount> kFields;
 
   void FillDevices();
+  /// Where a chooser of folders starts that shows `folder`.
+  [[nodiscard]] std::string BrowseFrom(std::string folder);
   void Touch(std::string_view key);
   void Choose(std::string_view key, ChoiceList& list, int row);
   void Type(std::string_view key, std::string& control, std::string_view text);
@@ -108,7 +125,7 @@ class Configuration {
   ConfigurationAccess access_;
   ConfigurationControls controls_;
   config::Settings shown_;  ///< as of Load, or the last Follow
-  std::bitset<15> touched_;
+  std::bitset<kFieldCount> touched_;
   bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
   bool first_ = false;
   bool dirty_ = false;

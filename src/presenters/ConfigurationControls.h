@@ -26,6 +26,11 @@ struct ConfigurationControls {
   bool chkTaskBarMinimized = false;
   bool chkWatch = false;
   ChoiceList cboCutPlacement;  ///< the values of config::CutPlacement
+  std::string txtShelfFolder;
+  std::string txtShelfSongs;
+  std::string txtShelfMegabytes;
+  bool chkHints = false;
+  bool chkFollowHints = false;
 };
 
 }  // namespace kestrune::presenters

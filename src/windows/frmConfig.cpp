@@ -32,6 +32,7 @@ constexpr int kLengthCharacters = 10;
 constexpr int kPlacementCharacters = 22;
 constexpr int kDeviceCharacters = 40;
 constexpr int kNumberCharacters = 6;
+constexpr int kMegabytesCharacters = 8;
 
 /// The nearest existing folder at or above the path.
 QString ExistingFolder(const QString& path) {
@@ -67,9 +68,14 @@ QGridLayout& frmConfig::AddGroup(const char* title) {
   return *grid;
 }
 
-QLabel* frmConfig::AddLabel(QGridLayout& grid, int row, const char* caption) {
+QLabel* frmConfig::MakeLabel(const char* caption) {
   auto* label = new QLabel(QLatin1String(caption), this);
   label->setTextFormat(Qt::PlainText);
+  return label;
+}
+
+QLabel* frmConfig::AddLabel(QGridLayout& grid, int row, const char* caption) {
+  QLabel* label = MakeLabel(caption);
   grid.addWidget(label, row, 0);
   labels_.push_back(label);
   return label;
@@ -125,15 +131,19 @@ void frmConfig::FillSongs() {
   };
   cboMinLength_ = AddList("cboMinLength", "Do not record any songs shorter than this", kLengthCharacters,
                           &Configuration::cboMinLength);
-  add(0, "Minimum Song Length:", cboMinLength_)->addStretch();
+  QHBoxLayout* lengths = add(0, "Minimum Song Length:", cboMinLength_);
   cboMaxLength_ = AddList("cboMaxLength", "Do not record any songs longer than this", kLengthCharacters,
                           &Configuration::cboMaxLength);
-  add(1, "Maximum Song Length:", cboMaxLength_)->addStretch();
+  QLabel* longest = MakeLabel("Maximum Song Length:");
+  longest->setBuddy(cboMaxLength_);
+  lengths->addStretch();
+  lengths->addWidget(longest);
+  lengths->addWidget(cboMaxLength_);
   cboSongDelay_ = AddList("cboSongDelay",
                           "Wait this many milliseconds after song changes before stopping recording "
                           "(recommended=600)",
                           kLengthCharacters, &Configuration::cboSongDelay);
-  QHBoxLayout* delay = add(2, "Song Change Delay:", cboSongDelay_);
+  QHBoxLayout* delay = add(1, "Song Change Delay:", cboSongDelay_);
   auto* unit = new QLabel(QStringLiteral("ms   (1000 ms = 1 second)"), this);
   Name(*unit, "lblMS");
   unit->setTextFormat(Qt::PlainText);
@@ -144,13 +154,13 @@ void frmConfig::FillSongs() {
               "Cut songs when the delay after their text is over, or where the new song is heard "
               "to begin",
               kPlacementCharacters, &Configuration::cboCutPlacement);
-  add(3, "Songs Are Cut:", cboCutPlacement_)->addStretch();
+  add(2, "Songs Are Cut:", cboCutPlacement_)->addStretch();
   auto* explanation = new QLabel(
       QStringLiteral("By listening, Kestrune finds where each song begins, and learns each station's delay."),
       this);
   Name(*explanation, "lblCutExplanation");
   explanation->setTextFormat(Qt::PlainText);
-  grid.addWidget(explanation, 4, 1);
+  grid.addWidget(explanation, 3, 1);
 }
 
 void frmConfig::FillFiles() {
@@ -208,11 +218,10 @@ void frmConfig::FillRecording() {
   cboDevice_ = AddList("cboDevice", "Select device to record XM PCR audio from (usually your sound card)",
                        kDeviceCharacters, &Configuration::cboDevice);
   AddLabel(grid, 0, "Recording Device:")->setBuddy(cboDevice_);
-  grid.addWidget(cboDevice_, 0, 1);
+  grid.addWidget(cboDevice_, 0, 1, 1, 2);
   chkAGCEnabled_ = AddBox("chkAGCEnabled", "Enabled", "Click to enable or disable the automatic gain control",
                           &Configuration::chkAGCEnabled);
   AddLabel(grid, 1, "Automatic Gain Control:");
-  grid.addWidget(chkAGCEnabled_, 1, 1, Qt::AlignLeft);
   lowLevel_ =
       AddGainNumber("txtAGCLowLevel", "udAGCLowLevel",
                     "Low Level:", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db.",
@@ -225,23 +234,32 @@ void frmConfig::FillRecording() {
                     "AttackTime:", "The amount of time in ms to change levels 20 db (from 50 to 200 ms)",
                     &Configuration::txtAGCAttackTime, &Configuration::StepAGCAttackTime);
   auto* line = new QHBoxLayout;
-  for (const GainNumber& number : {lowLevel_, highLevel_, attackTime_}) {
+  line->addWidget(chkAGCEnabled_);
+  for (const SpunNumber& number : {lowLevel_, highLevel_, attackTime_}) {
+    line->addStretch();
     line->addWidget(number.Label);
     line->addLayout(WithArrows(*number.Line, *number.Arrows));
-    line->addStretch();
   }
-  grid.addLayout(line, 2, 1);
+  grid.addLayout(line, 1, 1, 1, 2);
+  FillShelf(grid);
 }
 
-frmConfig::GainNumber frmConfig::AddGainNumber(const char* line, const char* arrows, const char* caption,
+frmConfig::SpunNumber frmConfig::AddGainNumber(const char* line, const char* arrows, const char* caption,
                                                std::string_view tip, Type type, Choose step) {
-  GainNumber number;
-  number.Label = new QLabel(QLatin1String(caption), this);
-  number.Label->setTextFormat(Qt::PlainText);
-  KeepRoom(*number.Label);
+  QLabel* label = MakeLabel(caption);
+  KeepRoom(*label);
+  SpunNumber number = AddNumber(line, arrows, tip, kNumberCharacters, type, step);
+  number.Label = label;
+  label->setBuddy(number.Line);
+  KeepRoom(*number.Arrows);
+  return number;
+}
+
+frmConfig::SpunNumber frmConfig::AddNumber(const char* line, const char* arrows, std::string_view tip,
+                                           int characters, Type type, Choose step) {
+  SpunNumber number;
   number.Line = AddText(line, tip, type);
-  number.Line->setFixedWidth(number.Line->fontMetrics().averageCharWidth() * (kNumberCharacters + 2));
-  number.Label->setBuddy(number.Line);
+  number.Line->setFixedWidth(number.Line->fontMetrics().averageCharWidth() * (characters + 2));
   number.Arrows = new UpDown(
       *number.Line,
       [this, step](int direction) {
@@ -250,8 +268,40 @@ frmConfig::GainNumber frmConfig::AddGainNumber(const char* line, const char* arr
       },
       this);
   Name(*number.Arrows, arrows, tip);
-  KeepRoom(*number.Arrows);
   return number;
+}
+
+void frmConfig::FillShelf(QGridLayout& grid) {
+  txtShelfFolder_ = AddText("txtShelfFolder",
+                            "Folder in which songs that were not kept lie for a while; on the disk of the "
+                            "recordings, and empty at first",
+                            &Configuration::txtShelfFolder);
+  txtShelfFolder_->setPlaceholderText(QStringLiteral("Kestrune/Shelf in the File Save Folder"));
+  AddLabel(grid, 2, "Shelf Folder:")->setBuddy(txtShelfFolder_);
+  grid.addWidget(txtShelfFolder_, 2, 1);
+  grid.addWidget(AddButton("cmdBrowseShelf", "B&rowse", "Click to select the folder of the shelf",
+                           &frmConfig::cmdBrowseShelf),
+                 2, 2);
+  shelfSongs_ =
+      AddNumber("txtShelfSongs", "udShelfSongs",
+                "At most this many songs lie there, from 0 to 1000. With 0 songs there is no shelf.",
+                kNumberCharacters, &Configuration::txtShelfSongs, &Configuration::StepShelfSongs);
+  shelfMegabytes_ =
+      AddNumber("txtShelfMegabytes", "udShelfMegabytes",
+                "The songs there take at most this many megabytes, from 1 to 1000000", kMegabytesCharacters,
+                &Configuration::txtShelfMegabytes, &Configuration::StepShelfMegabytes);
+  shelfSongs_.Line->setAccessibleName(QStringLiteral("Songs on the shelf at most"));
+  shelfMegabytes_.Line->setAccessibleName(QStringLiteral("Megabytes on the shelf at most"));
+  AddLabel(grid, 3, "Shelf Holds:")->setBuddy(shelfSongs_.Line);
+  auto* line = new QHBoxLayout;
+  line->addWidget(shelfSongs_.Line);
+  line->addWidget(shelfSongs_.Arrows);
+  line->addWidget(MakeLabel("songs at most (0: there is none), and "));
+  line->addWidget(shelfMegabytes_.Line);
+  line->addWidget(shelfMegabytes_.Arrows);
+  line->addWidget(MakeLabel("MB at most"));
+  line->addStretch();
+  grid.addLayout(line, 3, 1, 1, 2);
 }
 
 void frmConfig::FillWindow() {
@@ -268,8 +318,22 @@ void frmConfig::FillWindow() {
              "When checked, Kestrune reports a radio, a sound or a disk that fails, and goes on by itself "
              "as soon as it can.",
              &Configuration::chkWatch);
-  AddLabel(grid, 1, "Watch:");
-  grid.addWidget(chkWatch_, 1, 1, Qt::AlignLeft);
+  chkHints_ =
+      AddBox("chkHints", "Show songs of the Grab lists on other channels",
+             "When checked, a song of the Grab lists that begins on another channel is shown in the main "
+             "window and the tray.",
+             &Configuration::chkHints);
+  chkFollowHints_ =
+      AddBox("chkFollowHints", "Tune to them while idle",
+             "When checked, Kestrune tunes to such a song while nothing is recorded, keeps it, and "
+             "comes back.",
+             &Configuration::chkFollowHints);
+  AddLabel(grid, 1, "Hints:");
+  grid.addWidget(chkHints_, 1, 1, Qt::AlignLeft);
+  grid.addWidget(MakeLabel("Watch:"), 0, 2);
+  grid.addWidget(chkWatch_, 0, 3, Qt::AlignLeft);
+  grid.addWidget(MakeLabel("Follow:"), 1, 2);
+  grid.addWidget(chkFollowHints_, 1, 3, Qt::AlignLeft);
 }
 
 void frmConfig::AddButtons() {
@@ -338,13 +402,19 @@ void frmConfig::Refresh() {
   ShowText(*lowLevel_.Line, controls.txtAGCLowLevel);
   ShowText(*highLevel_.Line, controls.txtAGCHighLevel);
   ShowText(*attackTime_.Line, controls.txtAGCAttackTime);
-  for (const GainNumber& number : {lowLevel_, highLevel_, attackTime_}) {
+  for (const SpunNumber& number : {lowLevel_, highLevel_, attackTime_}) {
     ShowVisible(*number.Label, controls.AGCSpinsVisible);
     ShowVisible(*number.Arrows, controls.AGCSpinsVisible);
   }
   ShowChecked(*chkDuplicates_, controls.chkDuplicates);
   ShowChecked(*chkTaskBarMinimized_, controls.chkTaskBarMinimized);
   ShowChecked(*chkWatch_, controls.chkWatch);
+  ShowText(*txtShelfFolder_, controls.txtShelfFolder);
+  ShowText(*shelfSongs_.Line, controls.txtShelfSongs);
+  ShowText(*shelfMegabytes_.Line, controls.txtShelfMegabytes);
+  ShowChecked(*chkHints_, controls.chkHints);
+  ShowChecked(*chkFollowHints_, controls.chkFollowHints);
+  ShowEnabled(*chkFollowHints_, controls.chkHints);
 }
 
 void frmConfig::OpenModal(QDialog& window, const std::function<void()>& closed) {
@@ -354,17 +424,26 @@ void frmConfig::OpenModal(QDialog& window, const std::function<void()>& closed) 
   window.show();
 }
 
-void frmConfig::cmdBrowse() {
-  const QString start = ExistingFolder(ToQt(configuration_.cmdBrowse()));
-  auto* chooser =
-      new QFileDialog(this, QStringLiteral("Pre-selecting folder using the folder's string."), start);
+void frmConfig::ChooseFolder(const QString& title, const std::string& start,
+                             const std::function<void(std::string_view folder)>& chosen) {
+  auto* chooser = new QFileDialog(this, title, ExistingFolder(ToQt(start)));
   chooser->setFileMode(QFileDialog::Directory);
   chooser->setOption(QFileDialog::ShowDirsOnly);
-  OpenModal(*chooser, [this, chooser] {
+  OpenModal(*chooser, [this, chooser, chosen] {
     if (chooser->result() != QDialog::Accepted || chooser->selectedFiles().isEmpty()) return;
-    configuration_.FolderChosen(FromQt(chooser->selectedFiles().constFirst()));
+    chosen(FromQt(chooser->selectedFiles().constFirst()));
     Refresh();
   });
+}
+
+void frmConfig::cmdBrowse() {
+  ChooseFolder(QStringLiteral("Pre-selecting folder using the folder's string."), configuration_.cmdBrowse(),
+               [this](std::string_view folder) { configuration_.FolderChosen(folder); });
+}
+
+void frmConfig::cmdBrowseShelf() {
+  ChooseFolder(QStringLiteral("Folder of the shelf"), configuration_.cmdBrowseShelf(),
+               [this](std::string_view folder) { configuration_.ShelfFolderChosen(folder); });
 }
 
 void frmConfig::cmdFilenameFormat() {

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -47,30 +48,36 @@ class frmConfig final : public QDialog {
   using Choose = void (presenters::Configuration::*)(int row);
   using Type = void (presenters::Configuration::*)(std::string_view text);
   using Check = void (presenters::Configuration::*)(bool checked);
-  struct GainNumber {
+  /// A number with its arrows; the label may be missing.
+  struct SpunNumber {
     QLabel* Label = nullptr;
     QLineEdit* Line = nullptr;
     UpDown* Arrows = nullptr;
   };
 
   QGridLayout& AddGroup(const char* title);
+  QLabel* MakeLabel(const char* caption);
   QLabel* AddLabel(QGridLayout& grid, int row, const char* caption);
   QComboBox* AddList(const char* name, std::string_view tip, int characters, Choose choose);
   QLineEdit* AddText(const char* name, std::string_view tip, Type type);
   QCheckBox* AddBox(const char* name, const char* caption, std::string_view tip, Check check);
   QPushButton* AddButton(const char* name, const char* caption, std::string_view tip,
                          void (frmConfig::*press)());
-  GainNumber AddGainNumber(const char* line, const char* arrows, const char* caption, std::string_view tip,
+  SpunNumber AddNumber(const char* line, const char* arrows, std::string_view tip, int characters, Type type,
+                       Choose step);
+  SpunNumber AddGainNumber(const char* line, const char* arrows, const char* caption, std::string_view tip,
                            Type type, Choose step);
   void FillSongs();
   void FillFiles();
   void FillFormat();
   void FillRecording();
+  void FillShelf(QGridLayout& grid);
   void FillWindow();
   void AddButtons();
   void AlignLabels();
 
   void cmdBrowse();
+  void cmdBrowseShelf();
   void cmdFilenameFormat();
   void cmdChangeFormatSpecs();
   void cmdDefault();
@@ -78,6 +85,8 @@ class frmConfig final : public QDialog {
   void cmdCancel();
 
   void Place();
+  void ChooseFolder(const QString& title, const std::string& start,
+                    const std::function<void(std::string_view folder)>& chosen);
   void OpenModal(QDialog& window, const std::function<void()>& closed);
   void FocusFieldToMend();
   void SavePlace();
@@ -99,11 +108,16 @@ class frmConfig final : public QDialog {
   QLabel* lblFormatSpecifications_ = nullptr;
   QComboBox* cboDevice_ = nullptr;
   QCheckBox* chkAGCEnabled_ = nullptr;
-  GainNumber lowLevel_;
-  GainNumber highLevel_;
-  GainNumber attackTime_;
+  SpunNumber lowLevel_;
+  SpunNumber highLevel_;
+  SpunNumber attackTime_;
+  QLineEdit* txtShelfFolder_ = nullptr;
+  SpunNumber shelfSongs_;
+  SpunNumber shelfMegabytes_;
   QCheckBox* chkTaskBarMinimized_ = nullptr;
   QCheckBox* chkWatch_ = nullptr;
+  QCheckBox* chkHints_ = nullptr;
+  QCheckBox* chkFollowHints_ = nullptr;
   QPushButton* cmdCancel_ = nullptr;
 };
 

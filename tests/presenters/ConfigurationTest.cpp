@@ -124,7 +124,17 @@ TEST_F(ConfigurationTest, LoadShowsTheSettings) {
   rig_.Settings.TaskBarMinimized = false;
   rig_.Settings.Watch = false;
   rig_.Settings.InputDevice = 3;
+  rig_.Settings.ShelfFolder = "/music/shelf/";
+  rig_.Settings.ShelfSongs = 7;
+  rig_.Settings.ShelfMegabytes = 123456;
+  rig_.Settings.Hints = true;
+  rig_.Settings.FollowHints = true;
   window_.Load();
+  EXPECT_EQ(Shown().txtShelfFolder, "/music/shelf/");
+  EXPECT_EQ(Shown().txtShelfSongs, "7");
+  EXPECT_EQ(Shown().txtShelfMegabytes, "123456");
+  EXPECT_TRUE(Shown().chkHints);
+  EXPECT_TRUE(Shown().chkFollowHints);
   EXPECT_EQ(Shown().txtFileDir, "/music/");
   EXPECT_EQ(Shown().txtFilenameFormat, "%a");
   EXPECT_EQ(Shown().cboFileFormat.Text(), "WAV");
@@ -274,6 +284,11 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   rig_.Settings.FormatMP3.Bitrate = 64;
   rig_.Settings.Watch = false;
   rig_.Settings.CutPlacement = config::CutPlacement::Listen;
+  rig_.Settings.ShelfFolder = "/music/shelf/";
+  rig_.Settings.ShelfSongs = 0;
+  rig_.Settings.ShelfMegabytes = 9;
+  rig_.Settings.Hints = true;
+  rig_.Settings.FollowHints = true;
   const config::FormatMP3 mp3 = rig_.Settings.FormatMP3;
   window_.Load();
   window_.cmdDefault();
@@ -291,6 +306,11 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   // And these stay.
   EXPECT_FALSE(Shown().chkWatch);
   EXPECT_EQ(Shown().cboCutPlacement.Text(), "By listening");
+  EXPECT_EQ(Shown().txtShelfFolder, "/music/shelf/");
+  EXPECT_EQ(Shown().txtShelfSongs, "0");
+  EXPECT_EQ(Shown().txtShelfMegabytes, "9");
+  EXPECT_TRUE(Shown().chkHints);
+  EXPECT_TRUE(Shown().chkFollowHints);
   EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
   EXPECT_EQ(Shown().txtFileDir, "/music/");
   EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
@@ -384,12 +404,19 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   window_.chkTaskBarMinimized(false);
   window_.chkWatch(false);
   window_.cboCutPlacement(1);
+  window_.txtShelfFolder("/data/shelf");
+  window_.txtShelfSongs("0");
+  window_.txtShelfMegabytes("70000");
+  window_.chkHints(true);
+  window_.chkFollowHints(true);
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_THAT(rig_.Saves(),
-              ElementsAre("MinSongLength=20", "MaxSongLength=90", "SongDelay=5000", "FileDir=/data/",
-                          "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
-                          "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
-                          "TaskBarMinimized=False", "Watch=False", "CutPlacement=Listen"));
+  EXPECT_THAT(
+      rig_.Saves(),
+      ElementsAre("MinSongLength=20", "MaxSongLength=90", "SongDelay=5000", "FileDir=/data/",
+                  "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
+                  "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
+                  "TaskBarMinimized=False", "Watch=False", "CutPlacement=Listen", "ShelfFolder=/data/shelf/",
+                  "ShelfSongs=0", "ShelfMegabytes=70000", "Hints=True", "FollowHints=True"));
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 20);
   EXPECT_EQ(saved.MaxSongLength, 90);
@@ -406,6 +433,11 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   EXPECT_FALSE(saved.TaskBarMinimized);
   EXPECT_FALSE(saved.Watch);
   EXPECT_EQ(saved.CutPlacement, config::CutPlacement::Listen);
+  EXPECT_EQ(saved.ShelfFolder, "/data/shelf/");
+  EXPECT_EQ(saved.ShelfSongs, 0);
+  EXPECT_EQ(saved.ShelfMegabytes, 70000);
+  EXPECT_TRUE(saved.Hints);
+  EXPECT_TRUE(saved.FollowHints);
   EXPECT_FALSE(window_.Dirty());
   EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 1);
 }
@@ -488,6 +520,71 @@ TEST_F(ConfigurationTest, UntouchedControlsFollowWhatIsChangedElsewhere) {
   EXPECT_EQ(rig_.Settings.FilenameFormat, "%a");
 }
 
+TEST_F(ConfigurationTest, WhatTheShelfCannotBeIsRefusedAtItsTextBox) {
+  struct Row {
+    void (presenters::Configuration::*Type)(std::string_view text);
+    const char* Text;
+    const char* Field;
+    const char* Told;  ///< null: a text that is no number is not talked about
+  };
+  using presenters::Configuration;
+  const std::vector<Row> rows{
+      {&Configuration::txtShelfSongs, "1001", "txtShelfSongs", "\"1001\" is not from 0 to 1000"},
+      {&Configuration::txtShelfSongs, "-1", "txtShelfSongs", "\"-1\" is not from 0 to 1000"},
+      {&Configuration::txtShelfSongs, "many", "txtShelfSongs", nullptr},
+      {&Configuration::txtShelfMegabytes, "0", "txtShelfMegabytes", "\"0\" is not from 1 to 1000000"},
+      {&Configuration::txtShelfMegabytes, "", "txtShelfMegabytes", nullptr},
+      {&Configuration::txtShelfFolder, "shelf", "txtShelfFolder",
+       "\"shelf\" is not a folder that begins with / or ~/"},
+      {&Configuration::txtShelfFolder, "/music", "txtShelfFolder",
+       "\"/music\" is the folder of recordings; the shelf needs one of its own"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.Text);
+    ConfigurationRig rig;
+    rig.Settings.FileDir = "/music/";
+    const config::Settings before = rig.Settings;
+    rig.Window.Load();
+    (rig.Window.*row.Type)(row.Text);
+    EXPECT_FALSE(rig.Window.cmdSave());
+    EXPECT_EQ(rig.Window.FieldToMend(), row.Field);
+    ASSERT_EQ(rig.Dialogs.Shown.size(), row.Told == nullptr ? 0U : 1U);
+    if (row.Told != nullptr) {
+      EXPECT_THAT(rig.Dialogs.Shown[0].Text, ::testing::EndsWith(row.Told));
+    }
+    EXPECT_EQ(rig.Settings, before);
+  }
+}
+
+TEST_F(ConfigurationTest, TheShelfsSpinsStayWithinItsBounds) {
+  window_.Load();
+  window_.txtShelfSongs("1");
+  window_.StepShelfSongs(-1);
+  window_.StepShelfSongs(-1);
+  EXPECT_EQ(Shown().txtShelfSongs, "0");
+  window_.txtShelfSongs("1000");
+  window_.StepShelfSongs(1);
+  EXPECT_EQ(Shown().txtShelfSongs, "1000");
+  window_.txtShelfMegabytes("40");
+  window_.StepShelfMegabytes(-1);
+  EXPECT_EQ(Shown().txtShelfMegabytes, "1");
+  window_.txtShelfMegabytes("999990");
+  window_.StepShelfMegabytes(1);
+  EXPECT_EQ(Shown().txtShelfMegabytes, "1000000");
+}
+
+TEST_F(ConfigurationTest, TheChooserOfTheShelfsFolderStartsWhereSongsGoUnlessItHasItsOwn) {
+  window_.Load();
+  window_.txtFileDir("/mine/");
+  EXPECT_EQ(window_.cmdBrowseShelf(), "/mine");
+  EXPECT_TRUE(window_.Dirty());
+  window_.ShelfFolderChosen("");
+  EXPECT_EQ(Shown().txtShelfFolder, "") << "nothing was chosen";
+  window_.ShelfFolderChosen("/mine/shelf");
+  EXPECT_EQ(window_.cmdBrowseShelf(), "/mine/shelf");
+  EXPECT_EQ(Shown().txtFileDir, "/mine/");
+}
+
 TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
   using presenters::Configuration;
   const std::vector<std::pair<std::string, std::function<void(Configuration&)>>> touches{
@@ -510,6 +607,14 @@ TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
       {"TaskBarMinimized=False", [](Configuration& window) { window.chkTaskBarMinimized(false); }},
       {"Watch=False", [](Configuration& window) { window.chkWatch(false); }},
       {"CutPlacement=Listen", [](Configuration& window) { window.cboCutPlacement(1); }},
+      {"ShelfFolder=/data/", [](Configuration& window) { window.txtShelfFolder("/data"); }},
+      {"ShelfFolder=/data/", [](Configuration& window) { window.ShelfFolderChosen("/data"); }},
+      {"ShelfSongs=5", [](Configuration& window) { window.txtShelfSongs("5"); }},
+      {"ShelfSongs=19", [](Configuration& window) { window.StepShelfSongs(-1); }},
+      {"ShelfMegabytes=1000000", [](Configuration& window) { window.txtShelfMegabytes("1000000"); }},
+      {"ShelfMegabytes=550", [](Configuration& window) { window.StepShelfMegabytes(1); }},
+      {"Hints=True", [](Configuration& window) { window.chkHints(true); }},
+      {"FollowHints=True", [](Configuration& window) { window.chkFollowHints(true); }},
   };
   for (const auto& [saved, touch] : touches) {
     ConfigurationRig rig;
@@ -528,7 +633,7 @@ TEST_F(ConfigurationTest, AfterDefaultSettingsEveryFieldIsSaved) {
   rig_.Settings.FileDir = "/elsewhere/";
   window_.Follow();
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 15U);
+  EXPECT_EQ(rig_.Saves().size(), 20U);
   EXPECT_TRUE(rig_.Settings.TaskBarMinimized);
   EXPECT_EQ(rig_.Settings.FileDir, "/music/") << "as it was shown";
 }
@@ -537,7 +642,7 @@ TEST_F(ConfigurationTest, TheFirstConfigurationStoresEverySettingOfTheWindow) {
   window_.LoadFirst();
   rig_.Settings.MinSongLength = 60;
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 15U);
+  EXPECT_EQ(rig_.Saves().size(), 20U);
   EXPECT_EQ(rig_.Stored("MinSongLength"), "60") << "what nobody touched is stored as it is";
 }
 

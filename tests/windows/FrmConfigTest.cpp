@@ -91,6 +91,23 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
        "When checked, Kestrune reports a radio, a sound or a disk that fails, and goes on by itself as soon "
        "as it "
        "can."},
+      {"txtShelfFolder", "",
+       "Folder in which songs that were not kept lie for a while; on the disk of the recordings, and empty "
+       "at "
+       "first"},
+      {"cmdBrowseShelf", "B&rowse", "Click to select the folder of the shelf"},
+      {"txtShelfSongs", "",
+       "At most this many songs lie there, from 0 to 1000. With 0 songs there is no shelf."},
+      {"udShelfSongs", "",
+       "At most this many songs lie there, from 0 to 1000. With 0 songs there is no shelf."},
+      {"txtShelfMegabytes", "", "The songs there take at most this many megabytes, from 1 to 1000000"},
+      {"udShelfMegabytes", "", "The songs there take at most this many megabytes, from 1 to 1000000"},
+      {"chkHints", "Show songs of the Grab lists on other channels",
+       "When checked, a song of the Grab lists that begins on another channel is shown in the main window "
+       "and "
+       "the tray."},
+      {"chkFollowHints", "Tune to them while idle",
+       "When checked, Kestrune tunes to such a song while nothing is recorded, keeps it, and comes back."},
       {"cmdDefault", "&Default Settings", "Return all values to default settings"},
       {"cmdSave", "&Save", "Save changes and exit"},
       {"cmdCancel", "&Cancel", "Cancel without saving changes"},
@@ -104,11 +121,26 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
       EXPECT_EQ(control.property("text").toString(), row.Caption) << row.Name;
     }
   }
-  for (const char* caption :
-       {"Minimum Song Length:", "Maximum Song Length:", "Song Change Delay:", "Songs Are Cut:",
-        "File Save Folder:", "Filename Format:", "File Format:", "Format Specifications:",
-        "Recording Device:", "Automatic Gain Control:", "Low Level:", "High Level:", "AttackTime:",
-        "Duplicate Files:", "Show in Taskbar:"}) {
+  for (const char* caption : {"Minimum Song Length:",
+                              "Maximum Song Length:",
+                              "Song Change Delay:",
+                              "Songs Are Cut:",
+                              "File Save Folder:",
+                              "Filename Format:",
+                              "File Format:",
+                              "Format Specifications:",
+                              "Recording Device:",
+                              "Automatic Gain Control:",
+                              "Low Level:",
+                              "High Level:",
+                              "AttackTime:",
+                              "Duplicate Files:",
+                              "Show in Taskbar:",
+                              "Watch:",
+                              "Shelf Folder:",
+                              "Shelf Holds:",
+                              "Hints:",
+                              "Follow:"}) {
     EXPECT_TRUE(HasLabel(window_, caption)) << caption;
   }
 }
@@ -153,6 +185,14 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   Press(window_, "chkDuplicates");
   Press(window_, "chkTaskBarMinimized");
   Press(window_, "chkWatch");
+  QTest::keyClicks(&Find<QLineEdit>(window_, "txtShelfFolder"), "/data/Shelf");
+  QTest::keyClick(&Find<QLineEdit>(window_, "txtShelfSongs"), Qt::Key_Up);
+  Find<QWidget>(window_, "udShelfMegabytes").findChildren<QToolButton*>().constFirst()->click();
+  Press(window_, "chkHints");
+  Press(window_, "chkFollowHints");
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtShelfSongs").text(), "21");
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtShelfMegabytes").text(), "550");
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkFollowHints").isChecked());
   Press(window_, "cmdSave");
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 2);
@@ -168,6 +208,11 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
   EXPECT_FALSE(saved.Watch);
+  EXPECT_EQ(saved.ShelfFolder, "/data/Shelf/");
+  EXPECT_EQ(saved.ShelfSongs, 21);
+  EXPECT_EQ(saved.ShelfMegabytes, 550);
+  EXPECT_TRUE(saved.Hints);
+  EXPECT_TRUE(saved.FollowHints);
   EXPECT_FALSE(window_.isVisible());
   EXPECT_EQ(focused_, 1);
   EXPECT_TRUE(PlaceSaved());
@@ -365,6 +410,50 @@ TEST_F(FrmConfigTest, TheFolderChooserStartsWhereTheTextPoints) {
   EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text(), folder.path());
 }
 
+TEST_F(FrmConfigTest, TheFolderOfTheShelfHasAChooserOfItsOwn) {
+  const QTemporaryDir folder;
+  ASSERT_TRUE(QDir(folder.path()).mkdir("shelf"));
+  rig_.Settings.FileDir = folder.path().toStdString() + "/";
+  window_.ShowModeless();
+  Press(window_, "cmdBrowseShelf");
+  auto* chooser = qobject_cast<QFileDialog*>(Opened());
+  ASSERT_NE(chooser, nullptr);
+  EXPECT_EQ(chooser->windowTitle(), "Folder of the shelf");
+  EXPECT_EQ(chooser->directory().canonicalPath(), QDir(folder.path()).canonicalPath());
+  chooser->findChild<QLineEdit*>()->setText(folder.path() + "/shelf");
+  static_cast<QDialog*>(chooser)->accept();
+  Settle();
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtShelfFolder").text(), folder.path() + "/shelf");
+  EXPECT_EQ(Find<QLineEdit>(window_, "txtFileDir").text().toStdString(), rig_.Settings.FileDir);
+}
+
+TEST_F(FrmConfigTest, ANumberOfTheShelfThatIsRefusedGetsTheFocus) {
+  window_.ShowModeless();
+  auto& songs = Find<QLineEdit>(window_, "txtShelfSongs");
+  songs.selectAll();
+  QTest::keyClicks(&songs, "1001");
+  Press(window_, "cmdSave");
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_EQ(window_.focusWidget(), &songs);
+  EXPECT_EQ(rig_.Dialogs.Shown.size(), 1U);
+}
+
+TEST_F(FrmConfigTest, WithoutHintsThereIsNothingToFollow) {
+  rig_.Settings.FollowHints = true;
+  window_.ShowModeless();
+  auto& follow = Find<QCheckBox>(window_, "chkFollowHints");
+  EXPECT_FALSE(follow.isEnabled());
+  EXPECT_TRUE(follow.isChecked()) << "the setting stays";
+  Press(window_, "chkHints");
+  EXPECT_TRUE(follow.isEnabled());
+}
+
+TEST_F(FrmConfigTest, ItFitsALaptopsScreen) {
+  window_.ShowModeless();
+  constexpr int kRoom = 720;  // of 768 points, without a frame and a panel
+  EXPECT_LE(window_.sizeHint().height(), kRoom);
+}
+
 TEST_F(FrmConfigTest, AFolderThatIsNotThereStartsTheChooserAtTheNearestAbove) {
   const QTemporaryDir folder;
   rig_.Settings.FileDir = folder.path().toStdString() + "/not/there/";
@@ -433,6 +522,7 @@ TEST_F(FrmConfigTest, DefaultsAreShown) {
 }
 
 TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
+  rig_.Settings.Hints = true;
   window_.ShowModeless();
   const std::vector<const char*> order{"cboMinLength",
                                        "cboMaxLength",
@@ -450,8 +540,14 @@ TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
                                        "txtAGCLowLevel",
                                        "txtAGCHighLevel",
                                        "txtAGCAttackTime",
+                                       "txtShelfFolder",
+                                       "cmdBrowseShelf",
+                                       "txtShelfSongs",
+                                       "txtShelfMegabytes",
                                        "chkTaskBarMinimized",
                                        "chkWatch",
+                                       "chkHints",
+                                       "chkFollowHints",
                                        "cmdDefault",
                                        "cmdSave",
                                        "cmdCancel"};

@@ -297,6 +297,11 @@ void TakeConfig(Stage& stage) {
   if (stage.Extreme) {
     stage.Rig.Unit.Set("FileDir", "/music/" + std::string(120, 'w'));
     stage.Rig.Unit.Set("FilenameFormat", std::string(120, 'W') + "%a");
+    stage.Rig.Unit.Set("AGCEnabled", "True");
+    stage.Rig.Unit.Set("ShelfFolder", "/music/" + std::string(120, 'v') + "/");
+    stage.Rig.Unit.Set("ShelfSongs", "1000");
+    stage.Rig.Unit.Set("ShelfMegabytes", "1000000");
+    stage.Rig.Unit.Set("Hints", "True");
   }
   Play(stage);
   QWidget& window = stage.Open(WindowName::Config);
