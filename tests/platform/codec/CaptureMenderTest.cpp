@@ -340,14 +340,34 @@ TEST(CaptureMender, ALengthThatFlacBlocksDoNotBearOutIsPutRight) {
       {.Name = "Capture0.flac", .Format = platform::FlacFormat{44100, 2, 5}, .MostLost = 0, .EmptyBelow = 0},
       folder, 2);
   const std::string whole = ReadFile(path);
-  std::string wrong = whole;
-  wrong[25] = '\1';  // the last byte of the length
-  WriteFile(path, wrong);
-  const MendedCapture mended = Mend(path);
-  EXPECT_EQ(mended.Is, State::Whole);
-  EXPECT_EQ(mended.LengthMs, 2000);
-  EXPECT_EQ(FlacFrames(path), 88200U);
-  EXPECT_EQ(ReadFile(path).size(), whole.size());
+  constexpr std::size_t kEndOfLength = 26;
+  constexpr std::size_t kEndOfFacts = 42;
+  // It says that the sound ends within its last block, many blocks earlier, or a second later.
+  for (const char* length : {"\x01\x58\x01", "\x00\x88\x88", "\x02\x04\xCC"}) {
+    std::string wrong = whole;
+    wrong.replace(kEndOfLength - 3, 3, length, 3);
+    WriteFile(path, wrong);
+    ASSERT_NE(FlacFrames(path), 88200U);
+    const MendedCapture mended = Mend(path);
+    EXPECT_EQ(mended.Is, State::Whole);
+    EXPECT_EQ(mended.LengthMs, 2000);
+    EXPECT_EQ(FlacFrames(path), 88200U);
+    EXPECT_TRUE(ReadFile(path).substr(kEndOfFacts) == whole.substr(kEndOfFacts));
+    EXPECT_EQ(RunProgramAll("flac -s -t '" + path + "'").Status, 0);
+  }
+}
+
+TEST(CaptureMender, AFinishedFlacFileThatLostItsEndHasNoChecksumOfTheWhole) {
+  const TempFolder folder;
+  const std::string path = folder.Path("Capture0.flac");
+  Crash(
+      {.Name = "Capture0.flac", .Format = platform::FlacFormat{44100, 2, 5}, .MostLost = 0, .EmptyBelow = 0},
+      folder, 2);
+  const std::string whole = ReadFile(path);
+  WriteFile(path, whole.substr(0, whole.size() / 2));
+  ASSERT_EQ(Mend(path).Is, State::Whole);
+  EXPECT_LT(FlacFrames(path), 88200U);
+  // The tester decodes all, and compares the checksum if there is one.
   EXPECT_EQ(RunProgramAll("flac -s -t '" + path + "'").Status, 0);
 }
 
