@@ -250,15 +250,17 @@ std::vector<Contest> Contests() {
                         file.SetFormat(platform::G726Format{kRate, 4});
                       },
                       [](const std::string& path, const Samples& s) { BareG726(4, path, s); }});
-  for (const auto& [name, level] : {std::pair{"FlacLevel5", 5}, {"FlacLevel8", 8}}) {
+  const auto flac = [&contests](const char* name, std::int16_t level) {
     contests.push_back({name, 2,
                         [=](EncodedFile& file) {
-                          file.SetFormat(platform::FlacFormat{kRate, 2, static_cast<std::int16_t>(level)});
+                          file.SetFormat(platform::FlacFormat{kRate, 2, level});
                         },
                         [=](const std::string& path, const Samples& s) {
                           BareFlac(static_cast<unsigned>(level), path, s);
                         }});
-  }
+  };
+  flac("FlacLevel5", 5);
+  flac("FlacLevel8", 8);
   contests.push_back({"Opus128", 2,
                       [](EncodedFile& file) {
                         file.SetFormat(platform::OpusFormat{kRate, 2, 128});
