@@ -44,7 +44,8 @@ UnitPresenters::~UnitPresenters() {
 
 std::string UnitPresenters::Explanation() const {
   const recorder::State& state = unit_.State();
-  if (cutOffer_.Shown() && state.Watch.Warning().empty() && ShownHint(state) == nullptr)
+  if (cutOffer_.Shown() && state.Watch.Warning().empty() && ShownHint(state) == nullptr &&
+      state.HintHome == 0)
     return std::string(CutOffer::kText);
   return ExplainRecording(state, parts_.Restrictions);
 }

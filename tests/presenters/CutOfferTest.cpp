@@ -131,5 +131,25 @@ TEST(CutOffer, TheMainWindowSaysItUnlessSomethingFails) {
   EXPECT_NE(rig.Rules->Explanation(), CutOffer::kText);
 }
 
+TEST(CutOffer, WhereAHintHasLedTheProgramIsSaidFirst) {
+  using namespace std::chrono_literals;
+  UnitRig rig;
+  rig.Set("CutOffer", "9");
+  rig.Set("Hints", "True");
+  rig.Set("FollowHints", "True");
+  rig.Files.MakeFolders("/home/user/Application Data/Kestrune");
+  rig.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "0Wren\n");
+  rig.StartIdle();
+  rig->cmdRecord();
+  rig.Run(60s);
+  rig.NextSong("Other", "Song");
+  rig->cmdStop();
+  rig.Run(12s);
+  EXPECT_EQ(rig.Rules->Explanation(), CutOffer::kText);
+  rig.Radio.Play(47, "Abigail Wren", "Winter Apples");
+  rig.Run(15s);
+  EXPECT_EQ(rig.Rules->Explanation(), "Following a hint: back to channel 44 after this song.");
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "presenters/Explanation.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {
@@ -69,6 +70,30 @@ TEST_F(ExplanationTest, ASongThatTheUserKeepsSaysSoWhateverTheListsSay) {
   rig.NextSong("New", "Song");
   rig.Run(5s);
   EXPECT_EQ(rig.Rules->Explanation(), "This song is kept from its beginning.");
+}
+
+TEST_F(ExplanationTest, WhileAHintIsFollowedItSaysToWhichChannelTheProgramGoesBack) {
+  recorder::State state;
+  const auto line = [&] { return presenters::ExplainRecording(state, rig->Parts().Restrictions); };
+  state.Hints = {recorder::Hint{.Number = 2,
+                                .Began = {},
+                                .Channel = 47,
+                                .Station = "Campfire Folk",
+                                .Artist = "Abigail Wren",
+                                .Song = "Winter Apples",
+                                .Since = {}}};
+  state.HintHome = 8;
+  EXPECT_EQ(line(), "Following a hint: back to channel 8 after this song.");
+  state.Watch.RadioFailure = "the device is gone";
+  EXPECT_EQ(line(), state.Watch.Warning());
+  state.Watch = {};
+  state.Radio.ChannelsLoading = true;
+  EXPECT_EQ(line(), "The radio's channels are being loaded.");
+  state.Radio.ChannelsLoading = false;
+  state.HintHome = 0;
+  EXPECT_EQ(line(), "Now on 47 Campfire Folk: Abigail Wren - Winter Apples");
+  state.Hints.clear();
+  EXPECT_EQ(line(), "Not recording.");
 }
 
 }  // namespace
