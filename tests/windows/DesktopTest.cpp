@@ -1,5 +1,9 @@
+#include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
 #include <chrono>
@@ -66,6 +70,15 @@ class DesktopTest : public ::testing::Test {
       last = window.get();
       return windows::Opened(std::move(window));
     });
+  }
+  /// Of the tray icon's menu, which no window has.
+  [[nodiscard]] static QAction* TrayEntry(const char* name) {
+    // The menus of earlier desktops go first.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    for (const QWidget* window : QApplication::topLevelWidgets())
+      if (const auto* menu = qobject_cast<const QMenu*>(window))
+        if (auto* entry = menu->findChild<QAction*>(QLatin1String(name))) return entry;
+    return nullptr;
   }
   void Minimise(bool on = true) {
     rig.Main().setWindowState(on ? Qt::WindowMinimized : Qt::WindowNoState);
@@ -210,6 +223,34 @@ TEST_F(DesktopTest, TheTipOfTheTrayIconFollowsTheSong) {
   rig.Unit.NextSong("Salt & Sun", "You & I");
   rig.Run(200ms);
   EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: Recording\nSalt & Sun - You & I"));
+}
+
+TEST_F(DesktopTest, TheMenuOfTheTrayTunesToAHint) {
+  rig.Unit.Set("Hints", "True");
+  rig.Unit.Files.MakeFolders("/home/user/Application Data/Kestrune");
+  rig.Unit.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "0Wren\n");
+  rig.Unit.Radio.Channels[47].Station = "Rock & Rye";
+  rig.Unit.StartIdle();
+  rig.Run(12s);
+  QAction* const tune = TrayEntry("mnuTuneToHint");
+  ASSERT_NE(tune, nullptr);
+  EXPECT_FALSE(tune->isVisible());
+  rig.Unit.Radio.Play(47, "Abigail Wren", "Winter Apples");
+  rig.Run(12s);
+  EXPECT_TRUE(tune->isVisible());
+  EXPECT_EQ(tune->text(), QStringLiteral("Tune to 47 Rock && Rye"));
+
+  rig.Unit->cmdRecord();
+  rig.Run(200ms);
+  EXPECT_FALSE(tune->isVisible()) << "a recording keeps its channel";
+  rig.Unit->cmdStop();
+  rig.Run(200ms);
+  EXPECT_TRUE(tune->isVisible());
+  EXPECT_EQ(rig.Unit.Radio.TunedChannel, 44);
+  tune->trigger();
+  rig.Run(3s);
+  EXPECT_EQ(rig.Unit.Radio.TunedChannel, 47);
+  EXPECT_FALSE(tune->isVisible());
 }
 
 TEST_F(DesktopTest, WithoutATrayAMinimisedProgramStaysInTheTaskBar) {
