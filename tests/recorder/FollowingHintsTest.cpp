@@ -1,5 +1,10 @@
 // A whole unit goes after a song of the Grab lists, keeps it and comes back.
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -73,28 +78,43 @@ TEST_F(FollowingHintsTest, TheSongIsKeptToTheEndOfItsSoundWhileTheProgramListens
 }
 
 TEST_F(FollowingHintsTest, EveryActOfAUserCounts) {
-  for (int act = 0; act < 6; ++act) {
-    SCOPED_TRACE(act);
+  const auto nothing = [](recorder::Kestrune& /*unit*/) {};
+  struct Act {
+    const char* Name;
+    std::function<void(recorder::Wishes&)> Ask;
+    /// Takes back what it has done, without an act of a user.
+    std::function<void(recorder::Kestrune&)> Undo;
+  };
+  const std::vector<Act> acts{
+      {"record", [](recorder::Wishes& wishes) { wishes.Record(); },
+       [](recorder::Kestrune& unit) { unit.cmdStop(); }},
+      {"stop", [](recorder::Wishes& wishes) { wishes.Stop(); }, nothing},
+      {"tune", [](recorder::Wishes& wishes) { wishes.Tune(44); }, nothing},
+      {"mute", [](recorder::Wishes& wishes) { wishes.Mute(false); }, nothing},
+      {"toggle", [](recorder::Wishes& wishes) { wishes.ToggleMute(); },
+       [](recorder::Kestrune& unit) { EXPECT_TRUE(unit.SetMute(false)); }},
+      // That song ends soon after.
+      {"keep", [](recorder::Wishes& wishes) { wishes.KeepCurrent(); }, nothing},
+      {"", [](recorder::Wishes& /*wishes*/) {}, nothing},
+  };
+  for (const auto& [name, ask, undo] : acts) {
+    SCOPED_TRACE(name);
     UnitRig fresh;
     fresh.Set("Hints", "True");
     fresh.Set("FollowHints", "True");
     fresh.Files.MakeFolders("/home/user/Application Data/Kestrune");
     fresh.Files.Put("/home/user/Application Data/Kestrune/Restriction.txt", "0Wren\n");
     fresh.StartIdle();
-    recorder::Wishes& wishes = fresh->Wishes();
-    if (act == 0) wishes.Record();
-    if (act == 1) wishes.Stop();
-    if (act == 2) wishes.Tune(44);
-    if (act == 3) wishes.Mute(false);
-    if (act == 4) wishes.ToggleMute();
-    if (act == 5) wishes.KeepCurrent();
+    ask(fresh->Wishes());
     fresh.Run(2s);
-    if (act == 0) wishes.Stop();
-    if (act == 4) wishes.Mute(false);
+    undo(*fresh);
+    fresh.NextSong("Lanterns", "North Pier");
     fresh.Run(12s);
+    ASSERT_TRUE(fresh->State().MayRecord());
+    ASSERT_FALSE(fresh->State().Recording.Muted);
     fresh.Radio.Play(47, "Abigail Wren", "Winter Apples");
     fresh.Run(20s);
-    EXPECT_EQ(fresh.Radio.TunedChannel, 44);
+    EXPECT_EQ(fresh.Radio.TunedChannel, std::string_view(name).empty() ? 47 : 44);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -19,6 +20,7 @@ using recorder::Wishes;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 class WishesTest : public ::testing::Test {
@@ -46,6 +48,13 @@ class WishesTest : public ::testing::Test {
     rig.Run(30s);
     rig.NextSong("Lanterns", "North Pier");
     rig.Run(30s);
+  }
+
+  /// The lines of the log that begin so.
+  [[nodiscard]] std::vector<std::string> Lines(std::string_view start) const {
+    std::vector<std::string> lines = rig.LogTexts();
+    std::erase_if(lines, [start](const std::string& line) { return !line.starts_with(start); });
+    return lines;
   }
 
   UnitRig rig;
@@ -100,6 +109,57 @@ TEST_F(WishesTest, EachIsAnsweredInItsOrder) {
                           "tune refused: the channel cannot be changed while recording is under way; stop it "
                           "first",
                           "stop done", "tune done", "close done", "late refused: the program is closing"));
+}
+
+TEST_F(WishesTest, EachToggleTogglesOnce) {
+  for (const int times : {1, 2, 3}) {
+    UnitRig own;
+    own.StartIdle();
+    own.Run(5s);
+    own.Radio.Commands.clear();
+    int done = 0;
+    for (int i = 0; i < times; ++i)
+      own->Wishes().ToggleMute([&done](const Result& result) { done += result.Ok() ? 1 : 0; });
+    own.Run(3s);
+    EXPECT_EQ(done, times);
+    EXPECT_EQ(own.Radio.Muted, times % 2 == 1) << times;
+    EXPECT_EQ(own->State().Recording.Muted, times % 2 == 1) << times;
+    const std::vector<std::string>& sent = own.Radio.Commands;
+    EXPECT_EQ(std::count_if(sent.begin(), sent.end(),
+                            [](const std::string& frame) { return frame.starts_with("5AA5000213"); }),
+              times);
+  }
+}
+
+TEST_F(WishesTest, ARecordThatIsAskedForTwiceActsOnce) {
+  rig.Set("Integrel", "False");
+  rig.StartIdle();
+  rig->Wishes().Record(Note("record"));
+  rig->Wishes().Record(Note("record"));
+  rig.Run(30s);
+  rig->Wishes().Stop(Note("stop"));
+  rig.Run(30s);
+  EXPECT_THAT(Answers, ElementsAre("record done", "record refused: recording has been asked for already",
+                                   "stop done"));
+  EXPECT_TRUE(rig->State().MayRecord());
+  EXPECT_THAT(Lines("Recorded: "), SizeIs(1));
+  rig.Run(1min);
+  EXPECT_THAT(Lines("Recorded: "), SizeIs(1)) << "nothing is left of the second one";
+}
+
+TEST_F(WishesTest, ASongThatIsAskedForTwiceIsKeptOnce) {
+  rig.StartIdle();
+  rig.NextSong("Lanterns", "North Pier");
+  rig.Run(30s);
+  rig->Wishes().KeepCurrent(Note("keep"));
+  rig->Wishes().KeepCurrent(Note("keep"));
+  rig.Run(30s);
+  rig.NextSong("Sailors", "Low Water");
+  rig.Run(1min);
+  rig.NextSong("Keel & Oar", "Red Buoy");
+  EXPECT_THAT(Answers, ElementsAre("keep done", "keep done"));
+  EXPECT_THAT(Lines("Kept: "), ElementsAre(StartsWith("Kept: Channel 44  \"Lanterns - North Pier\"")));
+  EXPECT_TRUE(rig->State().MayRecord());
 }
 
 TEST_F(WishesTest, AllAreAnsweredWhenTheUnitHasClosed) {
@@ -157,6 +217,8 @@ TEST_F(WishesTest, WhileTheUnitStartsAllButTheCloseIsRefusedAtOnce) {
     rig.Loop.Post([&] {
       rig->Wishes().Record(Note("record"));
       rig->Wishes().Tune(46, Note("tune"));
+      rig->Wishes().ToggleMute(Note("mute"));
+      rig->Wishes().KeepCurrent(Note("keep"));
       rig->Wishes().AskForUpdate([this](const Result& asked, const recorder::UpdateAnswer& /*answer*/) {
         Answers.push_back("update refused: " + asked.Cause());
       });
@@ -165,7 +227,16 @@ TEST_F(WishesTest, WhileTheUnitStartsAllButTheCloseIsRefusedAtOnce) {
   rig.Start();
   EXPECT_THAT(Answers, ElementsAre("record refused: the program is still starting",
                                    "tune refused: the program is still starting",
+                                   "mute refused: the program is still starting",
+                                   "keep refused: the program is still starting",
                                    "update refused: the program is still starting"));
+  rig.FinishWalk();
+  rig.Run(30s);
+  rig.NextSong("Lanterns", "North Pier");
+  EXPECT_TRUE(rig->State().MayRecord()) << "nothing of it comes later";
+  EXPECT_EQ(rig.Radio.TunedChannel, 44);
+  EXPECT_FALSE(rig.Radio.Muted);
+  EXPECT_THAT(Lines("Kept: "), IsEmpty());
 }
 
 TEST_F(WishesTest, ACloseIsTakenAtAnyMomentOfTheStart) {
