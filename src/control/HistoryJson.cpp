@@ -125,6 +125,7 @@ Json ToJson(const std::vector<platform::HistoryPlay>& plays) {
 Json ToJson(const std::vector<platform::PlayCount>& counts, platform::PlayedAs as) {
   if (as == platform::PlayedAs::Song) return {{kSongs, ArrayOf(counts)}};
   std::vector<ArtistCount> artists;
+  artists.reserve(counts.size());
   for (const platform::PlayCount& count : counts) artists.push_back({count});
   return {{kArtists, ArrayOf(artists)}};
 }

@@ -21,6 +21,7 @@ static void ForEachMember(EitherConst<ShelvedReport> auto& song, auto& visit) {
 
 std::vector<ShelvedReport> ShelfOf(const std::vector<shelf::ShelvedSong>& songs) {
   std::vector<ShelvedReport> reports;
+  reports.reserve(songs.size());
   for (const shelf::ShelvedSong& song : songs) {
     reports.push_back({.Number = static_cast<int>(reports.size()) + 1,
                        .Ended = song.Ended,

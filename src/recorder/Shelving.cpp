@@ -206,7 +206,7 @@ Result Shelving::Keep(const shelf::ShelvedSong& song) {
   const std::string extension = ExtensionOf(song.Path);
   std::string name = PlaceOf(song);
   for (;;) {
-    const std::string target = name + suffix + "." + extension;
+    const std::string target = fmt::format("{}{}.{}", name, suffix, extension);
     platform::RenameResult moved;
     const bool taken = songFiles_.Exists(target);
     if (!taken) moved = shelf_.Give(song.Path, target);

@@ -82,7 +82,7 @@ Result Wishes::TuneNow(std::int16_t channel) {
     if (InEvent(unit_)) return RefusedByEvent(unit_);
     return Result::Failed("the channel cannot be changed while recording is under way; stop it first");
   }
-  if (const Result ready = unit_.RadioReady(); !ready.Ok()) return ready;
+  if (Result ready = unit_.RadioReady(); !ready.Ok()) return ready;
   unit_.SetChannelNumber(channel);
   return Result::Done();
 }
@@ -98,7 +98,7 @@ void Wishes::ToggleMute(Answered answered) {
 }
 
 Result Wishes::MuteNow(bool on) {
-  if (const Result ready = unit_.RadioReady(); !ready.Ok()) return ready;
+  if (Result ready = unit_.RadioReady(); !ready.Ok()) return ready;
   if (unit_.SetMute(on)) return Result::Done();
   if (InEvent(unit_)) return RefusedByEvent(unit_);
   return Result::Failed("the radio cannot be muted while recording is under way; stop it first");

@@ -13,7 +13,7 @@
 namespace kestrune::control {
 namespace {
 
-HintReport Hint(std::int64_t number, std::string song = "Winter Apples") {
+HintReport Hint(std::int64_t number, const std::string& song = "Winter Apples") {
   return {.Number = number,
           .Began = base::DateValue::FromCivil(2026, 11, 21, 20, 0, 0),
           .Channel = 47,

@@ -80,7 +80,7 @@ base::Result CheckFileDir(Settings& wished, const platform::Environment& environ
 
 base::Result CheckShelfFolder(Settings& wished, const platform::Environment& environment) {
   if (wished.ShelfFolder.empty()) return base::Result::Done();
-  if (const base::Result folder = CheckFolder(wished.ShelfFolder, environment); !folder.Ok()) return folder;
+  if (base::Result folder = CheckFolder(wished.ShelfFolder, environment); !folder.Ok()) return folder;
   if (wished.ShelfFolder != wished.FileDir) return base::Result::Done();
   return base::Result::Failed("is the folder of recordings; the shelf needs one of its own");
 }

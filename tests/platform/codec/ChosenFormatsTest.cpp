@@ -270,7 +270,7 @@ TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
     const auto checked = RunProgramAll("mp3val" + files);
     EXPECT_EQ(checked.Output.find("WARNING"), std::string::npos) << checked.Output;
     EXPECT_NE(checked.Output.find("MPEG frames"), std::string::npos) << checked.Output;
-    const auto ffmpeg = RunProgramAll("ffmpeg -nostdin -y -v error" + inputs + outputs);
+    const auto ffmpeg = RunProgramAll(fmt::format("ffmpeg -nostdin -y -v error{}{}", inputs, outputs));
     ASSERT_EQ(ffmpeg.Status, 0) << ffmpeg.Output;
     EXPECT_EQ(ffmpeg.Output, "");
     for (const auto& [path, bytes] : decoded) EXPECT_EQ(std::filesystem::file_size(path), bytes) << path;
