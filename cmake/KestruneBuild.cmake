@@ -37,45 +37,75 @@ if(KESTRUNE_SANITIZE)
   target_link_options(kestrune_flags INTERFACE -fsanitize=${KESTRUNE_SANITIZE})
 endif()
 
-# kestrune_precompile(TARGET header...): precompiles what nearly every file of a target includes, if the target
-# is large enough to gain by it. This halves the time of a clean build. The linter runs without, so that no file
-# relies on an include that it does not have.
-function(kestrune_precompile target)
-  get_target_property(sources ${target} SOURCES)
-  list(LENGTH sources count)
-  if(count GREATER_EQUAL 4)
-    target_precompile_headers(${target} PRIVATE
-      <algorithm> <array> <chrono> <cstdint> <functional> <map> <memory> <optional> <string> <string_view> <utility>
-      <vector> <fmt/format.h> ${ARGN})
-  endif()
-endfunction()
-
+# What nearly every file includes; precompiled, it takes half the time of a clean build. The linter runs without, so that
+# no file relies on an include that it does not have.
+set(KESTRUNE_COMMON_HEADERS
+  <algorithm> <array> <chrono> <cstdint> <functional> <map> <memory> <optional> <string> <string_view> <utility>
+  <vector> <fmt/format.h>)
+set(KESTRUNE_TEST_HEADERS <filesystem> <gmock/gmock.h> <gtest/gtest.h>)
 set(KESTRUNE_WIDGET_HEADERS
   <QApplication> <QBoxLayout> <QCheckBox> <QComboBox> <QDialog> <QGridLayout> <QGroupBox> <QKeyEvent> <QLabel>
   <QLineEdit> <QPushButton> <QTimer>)
 
-# kestrune_test_code(TARGET): what all test programs share. Test code is not optimised, since compiling it is most of
-# a build; the code under test is.
-function(kestrune_test_code target)
-  target_link_libraries(${target} PRIVATE GTest::gmock GTest::gtest_main)
-  target_compile_options(${target} PRIVATE -O0)
-  kestrune_precompile(${target} <filesystem> <gmock/gmock.h> <gtest/gtest.h>)
+# kestrune_precompile(TARGET header...): precompiles the common headers and these, if the target is large enough to gain
+# by it.
+function(kestrune_precompile target)
+  get_target_property(sources ${target} SOURCES)
+  list(LENGTH sources count)
+  if(count GREATER_EQUAL 4)
+    target_precompile_headers(${target} PRIVATE ${KESTRUNE_COMMON_HEADERS} ${ARGN})
+  endif()
 endfunction()
 
-# kestrune_test(NAME source... [ON_BASE] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its cases
-# when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic.
+# kestrune_test_flags(TARGET): how test code is compiled. It is not optimised, does not guide fuzzers and has no debug
+# information in an optimised build, since compiling it is most of a build; the code under test is and does.
+function(kestrune_test_flags target)
+  target_link_libraries(${target} PRIVATE GTest::gmock)
+  target_compile_options(${target} PRIVATE -O0)
+  if(KESTRUNE_SANITIZE MATCHES fuzzer)
+    target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link)
+  elseif(CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
+    target_compile_options(${target} PRIVATE -g0)
+  endif()
+endfunction()
+
+# kestrune_busy_tests(source...): tests that make or judge sound sample by sample, which are worth optimising.
+function(kestrune_busy_tests)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
+# kestrune_test_code(TARGET [QT]): what all test programs share, among it a precompiled header. One with QT, which links
+# Qt and so is compiled with other flags, has a header of its own.
+function(kestrune_test_code target)
+  cmake_parse_arguments(CODE "QT" "" "" ${ARGN})
+  target_link_libraries(${target} PRIVATE GTest::gtest_main)
+  kestrune_test_flags(${target})
+  if(CODE_QT)
+    kestrune_precompile(${target} ${KESTRUNE_TEST_HEADERS})
+  else()
+    target_precompile_headers(${target} REUSE_FROM kestrune_test_headers)
+  endif()
+endfunction()
+
+# kestrune_test(NAME source... [ON_BASE] [QT] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its
+# cases when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic; with QT it
+# links Qt.
 #
 # With a sanitizer a program takes longer to start than most of its cases to run, so its cases share a few processes, and
 # KESTRUNE_TEST_FILTER, in GoogleTest's notation, says which of them run.
 function(kestrune_test name)
-  cmake_parse_arguments(TEST "ON_BASE" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(TEST "ON_BASE;QT" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
   if(TEST_ON_BASE)
     target_link_libraries(${name} PRIVATE kestrune_test_base ${TEST_LIBS})
   else()
     target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
   endif()
-  kestrune_test_code(${name})
+  if(TEST_QT)
+    kestrune_test_code(${name} QT)
+  else()
+    kestrune_test_code(${name})
+  endif()
   if(KESTRUNE_SANITIZE)
     foreach(shard RANGE 1 4)
       math(EXPR index "${shard} - 1")

@@ -1,0 +1,1 @@
+// Empty: a library that only precompiles a header must have a source.
