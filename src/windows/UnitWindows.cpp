@@ -27,6 +27,7 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
       mixer_(outside.Mixer, [this] { return rules_.Unit().InputDeviceId(); }),
       configuration_(rules.ConfigurationAccess()),
       report_(parts_.History, outside.Shell, outside.Loop),
+      mostPlayed_(parts_.History, outside.Loop, [this] { return rules_.Unit().SchedulerChannels(); }),
       shelf_(rules.Unit(), outside.Shell, outside.Loop) {
   desktop.SetMaker(WindowName::Channels, [this] { return MakeChannels(); });
   desktop.SetMaker(WindowName::Log, [this] { return MakeLog(); });
@@ -96,7 +97,7 @@ std::unique_ptr<OpenWindow> UnitWindows::MakePresets() {
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeReport() {
-  auto window = std::make_unique<frmReport>(report_, parts_.Section);
+  auto window = std::make_unique<frmReport>(report_, mostPlayed_, parts_.Section);
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   window->Closed = [this] { rules_.Switches().Click(WindowName::Report, false); };
   return Opened(std::move(window));

@@ -8,6 +8,7 @@
 #include "presenters/Configuration.h"
 #include "presenters/LogWindow.h"
 #include "presenters/MixerWindow.h"
+#include "presenters/MostPlayed.h"
 #include "presenters/RecordingReport.h"
 #include "presenters/Shelf.h"
 #include "presenters/UnitPresenters.h"
@@ -56,6 +57,7 @@ class UnitWindows {
   presenters::MixerWindow mixer_;
   presenters::Configuration configuration_;
   presenters::RecordingReport report_;
+  presenters::MostPlayed mostPlayed_;
   presenters::Shelf shelf_;
 };
 

@@ -8,12 +8,14 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSplitter>
+#include <QTabWidget>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
 #include "windows/HotKeys.h"
+#include "windows/MostPlayedPage.h"
 #include "windows/RememberedPlace.h"
 
 namespace kestrune::windows {
@@ -25,18 +27,39 @@ constexpr int kLineRole = Qt::UserRole;
 
 }  // namespace
 
-frmReport::frmReport(presenters::RecordingReport& rules, const config::SettingsSection& section,
-                     QWidget* parent)
+frmReport::frmReport(presenters::RecordingReport& rules, presenters::MostPlayed& mostPlayed,
+                     const config::SettingsSection& section, QWidget* parent)
     : QWidget(parent, Qt::Window),
       rules_(rules),
+      mostPlayed_(mostPlayed),
       section_(section),
-      lstNights_(new QListWidget(this)),
-      lstStory_(new QTreeWidget(this)),
-      cmdShowInFolder_(new QPushButton(QStringLiteral("Show in &Folder"), this)) {
+      tabReport_(new QTabWidget(this)),
+      lstNights_(new QListWidget),
+      lstStory_(new QTreeWidget),
+      cmdShowInFolder_(new QPushButton(QStringLiteral("Show in &Folder"))),
+      played_(new MostPlayedPage(mostPlayed)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setObjectName(QStringLiteral("frmReport"));
   setWindowTitle(QStringLiteral("Kestrune Recording Report"));
+  Name(*tabReport_, "tabReport");
+  tabReport_->addTab(MakeNights(), QStringLiteral("&Nights"));
+  tabReport_->addTab(played_, QStringLiteral("&Most Played"));
+  connect(tabReport_, &QTabWidget::currentChanged, this, [this] {
+    if (tabReport_->currentWidget() == played_) mostPlayed_.Show();
+    Refresh();
+  });
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(tabReport_);
 
+  const int letter = fontMetrics().averageCharWidth();
+  resize(130 * letter, 30 * fontMetrics().lineSpacing());
+  RestorePlace(*this, section_, "Report", Remembered::PlaceAndSize);
+  rules_.Load();
+  Refresh();
+  lstStory_->setFocus();
+}
+
+QWidget* frmReport::MakeNights() {
   Name(*lstNights_, "lstNights", {}, "Nights, the newest first");
   connect(lstNights_, &QListWidget::currentRowChanged, this, [this](int row) {
     rules_.Select(row);
@@ -63,25 +86,22 @@ frmReport::frmReport(presenters::RecordingReport& rules, const config::SettingsS
   cmdShowInFolder_->setEnabled(false);
   connect(cmdShowInFolder_, &QPushButton::clicked, this, [this] { ShowInFolder(); });
 
-  auto* both = new QSplitter(this);
+  auto* page = new QWidget;
+  auto* both = new QSplitter(page);
   both->addWidget(lstNights_);
   both->addWidget(lstStory_);
   both->setStretchFactor(1, 1);
   both->setChildrenCollapsible(false);
-  auto* layout = new QVBoxLayout(this);
+  auto* layout = new QVBoxLayout(page);
   layout->addWidget(both);
   layout->addWidget(cmdShowInFolder_, 0, Qt::AlignRight);
-
   const int letter = fontMetrics().averageCharWidth();
   both->setSizes({30 * letter, 100 * letter});
-  resize(130 * letter, 28 * fontMetrics().lineSpacing());
-  RestorePlace(*this, section_, "Report", Remembered::PlaceAndSize);
-  rules_.Load();
-  Refresh();
-  lstStory_->setFocus();
+  return page;
 }
 
 void frmReport::Refresh() {
+  played_->Refresh();
   if (changes_ == rules_.Changes()) return;
   changes_ = rules_.Changes();
   ShowNights();
@@ -142,6 +162,7 @@ void frmReport::ShowInFolder() {
 
 void frmReport::closeEvent(QCloseEvent* event) {
   rules_.Unload();
+  mostPlayed_.Unload();
   SavePlace(*this, section_, "Report", Remembered::PlaceAndSize);
   event->accept();
   if (Closed) Closed();

@@ -207,6 +207,23 @@ void TakeReport(Stage& stage) {
   stage.Rig.Run(std::chrono::seconds(2));
   Find<QListWidget>(window, "lstNights").setCurrentRow(1);
   stage.Take(window, QStringLiteral("frmReport"));
+  for (int play = 0; play < (stage.Extreme ? 300 : 12); ++play) {
+    rows.Plays.push_back({.Channel = 47,
+                          .Station = "Campfire Folk",
+                          .Genre = {},
+                          .Artist = stage.Extreme
+                                        ? fmt::format("W. & <b>W</b> Wwwwwwwwwwwwwwwwwww {}", play % 250)
+                                        : "Abigail Wren",
+                          .Title = fmt::format("Winter Apples, part {}", play % 5),
+                          .From = began.AddMinutes(play),
+                          .To = began.AddMinutes(play + 1)});
+  }
+  Find<QTabWidget>(window, "tabReport").setCurrentIndex(1);
+  stage.Rig.Run(std::chrono::seconds(1));
+  stage.Take(window, QStringLiteral("frmReport-artists"));
+  Choose(Find<QComboBox>(window, "cboPlayedAs"), 1);
+  stage.Rig.Run(std::chrono::seconds(1));
+  stage.Take(window, QStringLiteral("frmReport-songs"));
 }
 
 /// Songs of several fates under the one that plays, one of them chosen.

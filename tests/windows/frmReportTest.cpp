@@ -1,9 +1,13 @@
+#include <QComboBox>
+#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,6 +17,7 @@
 #include "support/MemorySettingsStore.h"
 #include "support/RecordingShell.h"
 #include "support/SimulatedEventLoop.h"
+#include "windows/Controls.h"
 #include "windows/frmReport.h"
 
 namespace kestrune::test {
@@ -35,7 +40,14 @@ class frmReportTest : public ::testing::Test {
                                     .Ended = evening.AddHours(-2).AddSeconds(75),
                                     .Seconds = 75,
                                     .Cause = "nothing comes from it"});
-    window = std::make_unique<windows::frmReport>(rules, section);
+    store.Rows.Plays.push_back({.Channel = 44,
+                                .Station = "Harbour",
+                                .Genre = {},
+                                .Artist = "<i>Salt</i> & Sun",
+                                .Title = "Rain & Wind",
+                                .From = evening.AddHours(-1),
+                                .To = evening});
+    window = std::make_unique<windows::frmReport>(rules, played, section);
     window->setAttribute(Qt::WA_DeleteOnClose, false);
     window->Closed = [this] { ++closed; };
     window->show();
@@ -71,6 +83,9 @@ class frmReportTest : public ::testing::Test {
   MemorySettingsStore settings;
   config::SettingsSection section{settings};
   presenters::RecordingReport rules{history, shell, loop};
+  presenters::MostPlayed played{
+      history, loop,
+      [] { return std::vector<schedule::SchedulerChannel>{{.Number = 44, .Station = "R & B"}}; }};
   std::unique_ptr<windows::frmReport> window;
   int closed = 0;
 };
@@ -133,6 +148,52 @@ TEST_F(frmReportTest, EscapeClosesItAndItsPlaceIsRemembered) {
   EXPECT_EQ(closed, 1);
   EXPECT_NE(settings.Stored("Lorimel", "Kestrune", "ReportTop"), "");
   EXPECT_NE(settings.Stored("Lorimel", "Kestrune", "ReportWidth"), "");
+}
+
+TEST_F(frmReportTest, WhatWasPlayedMostHasAPageOfItsOwnAndIsCountedOnceItIsShown) {
+  EXPECT_EQ(played.Changes(), 0U);
+  Find<QTabWidget>("tabReport").setCurrentIndex(1);
+  EXPECT_EQ(Find<QLabel>("lblPlayed").text(), "Counting...");
+  loop.Run(1s);
+  window->Refresh();
+  auto& list = Find<QTreeWidget>("lstPlayed");
+  ASSERT_EQ(list.topLevelItemCount(), 1);
+  EXPECT_EQ(list.topLevelItem(0)->text(0), "1");
+  EXPECT_EQ(list.topLevelItem(0)->text(1), "<i>Salt</i> & Sun");
+  EXPECT_TRUE(list.isColumnHidden(2)) << "artists have no titles";
+  EXPECT_EQ(Find<QLabel>("lblPlayed").text(), "1 artist");
+  EXPECT_EQ(Find<QComboBox>("cboPlayedChannel").itemText(1), "44 - R & B");
+}
+
+TEST_F(frmReportTest, EachChoiceCountsAnew) {
+  Find<QTabWidget>("tabReport").setCurrentIndex(1);
+  ChooseRow(Find<QComboBox>("cboPlayedAs"), 1);
+  ChooseRow(Find<QComboBox>("cboPlayedChannel"), 1);
+  ChooseRow(Find<QComboBox>("cboPlayedDays"), 3);
+  EXPECT_EQ(store.LastCount.As, platform::PlayedAs::Song);
+  EXPECT_EQ(store.LastCount.Channel, 44);
+  EXPECT_FALSE(store.LastCount.Since.has_value());
+  loop.Run(1s);
+  window->Refresh();
+  auto& list = Find<QTreeWidget>("lstPlayed");
+  EXPECT_FALSE(list.isColumnHidden(2));
+  ASSERT_EQ(list.topLevelItemCount(), 1);
+  EXPECT_EQ(list.topLevelItem(0)->text(2), "Rain & Wind");
+}
+
+TEST_F(frmReportTest, AWindowThatClosesWhileItCountsHearsNoMore) {
+  Find<QTabWidget>("tabReport").setCurrentIndex(1);
+  QTest::keyClick(window.get(), Qt::Key_Escape);
+  const std::uint32_t changes = played.Changes();
+  window.reset();
+  loop.Run(5s);
+  EXPECT_EQ(played.Changes(), changes);
+  windows::frmReport again(rules, played, section);
+  again.setAttribute(Qt::WA_DeleteOnClose, false);
+  again.findChild<QTabWidget*>()->setCurrentIndex(1);
+  loop.Run(1s);
+  again.Refresh();
+  EXPECT_EQ(again.findChild<QTreeWidget*>(QStringLiteral("lstPlayed"))->topLevelItemCount(), 1);
 }
 
 TEST_F(frmReportTest, TheTabKeyGoesFromTheNightsToTheStoryAndTheButton) {
