@@ -65,6 +65,8 @@ frmShelf::frmShelf(presenters::Shelf& rules, const config::SettingsSection& sect
   Name(*txtSearch_, "txtSearch", "Show only what has these words", "Search");
   txtSearch_->setPlaceholderText(QStringLiteral("Search"));
   txtSearch_->setClearButtonEnabled(true);
+  // A row that is dropped on it is no search.
+  txtSearch_->setAcceptDrops(false);
   connect(txtSearch_, &QLineEdit::textChanged, this, [this](const QString& text) {
     rules_.Search(FromQt(text));
     Refresh();
@@ -118,6 +120,8 @@ frmShelf::frmShelf(presenters::Shelf& rules, const config::SettingsSection& sect
   RestorePlace(*this, section_, "Shelf", Remembered::PlaceAndSize);
   rules_.Load();
   Refresh();
+  // The song that plays, if there is one: what a user opens the window for in a hurry.
+  if (lstSongs_->topLevelItemCount() > 0) lstSongs_->setCurrentItem(lstSongs_->topLevelItem(0));
   ShowButtons();
   lstSongs_->setFocus();
 }

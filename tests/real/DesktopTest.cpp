@@ -1,13 +1,16 @@
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/posix/TemporaryFolder.h"
 #include "real/LineUps.h"
+#include "real/Process.h"
 #include "real/Receiver.h"
 #include "real/Screen.h"
 #include "real/Unit.h"
@@ -18,6 +21,7 @@ namespace kestrune::test {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -25,6 +29,7 @@ using testing::Not;
 
 // Titles as regular expressions; the main window's carries the artist once one plays.
 constexpr const char* kMain = "^Kestrune(: .*)?$";
+constexpr const char* kShelf = "^Kestrune Shelf$";
 constexpr const char* kAgreement = "^Kestrune Agreement$";
 
 TEST(Desktop, APersonAgreesRecordsChangesTheChannelAndClosesByKeysAlone) {
@@ -127,6 +132,84 @@ TEST(Desktop, AMessageThatIsOpenDoesNotHoldUpTheEnd) {
   ASSERT_TRUE(screen.WaitFor("^Disable Integrel$"));
   EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
   EXPECT_THAT(unit.LogText(), HasSubstr("Shutting Down"));
+}
+
+/// What lies on the unit's shelf, as addresses.
+std::vector<std::string> AddressesOfTheShelf(const Unit& unit) {
+  std::vector<std::string> addresses;
+  for (const Unit::Json& song : unit.Ask({"shelf"})) {
+    std::string& address = addresses.emplace_back("file://");
+    for (const char letter : song["file"].get<std::string>())
+      address += letter == ' ' ? std::string("%20") : std::string(1, letter);
+  }
+  return addresses;
+}
+
+TEST(Desktop, WhatJustPlayedIsPlayedDraggedOutAndKept) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  // The desktop's player.
+  const std::string opener = folder / "xdg-open";
+  const std::string played = folder / "played";
+  PutFile(opener, "#!/bin/sh\nprintf '%s' \"$1\" > '" + played + "'\n");
+  std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two", "Three"}, 8)});
+  auto settings = ShortSongs();
+  settings.insert({{"MainTop", "600"},
+                   {"MainLeft", "600"},
+                   {"ChannelListing", "0"},
+                   {"LegalAgreement", "True"},
+                   {"ShelfSongs", "20"},
+                   {"ShelfTop", "3000"},
+                   {"ShelfLeft", "4500"},
+                   {"ShelfHeight", "5040"},
+                   {"ShelfWidth", "9000"}});
+  auto environment = screen.Environment();
+  environment["PATH"] = folder.Path() + ":/usr/bin:/bin";
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = environment,
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return unit.Ask({"shelf"}).size() >= 4; }));
+  screen.Press(kMain, {"ctrl+e"});
+  ASSERT_TRUE(screen.WaitFor(kShelf)) << unit.Program().Errors();
+
+  // The song that plays is on top, and no file.
+  screen.Press(kShelf, {"Home", "Return", "Down", "Return"});
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return !FileText(played).empty(); }));
+  EXPECT_THAT(AddressesOfTheShelf(unit), Contains(FileText(played)));
+
+  Process target(Command{"drop_target", {}, environment});
+  ASSERT_TRUE(screen.WaitFor("^Drop Here$")) << target.Errors();
+  constexpr int kAnyRow = 105;  // whatever the font, a song lies there
+  screen.Drag(kShelf, 200, kAnyRow, "^Drop Here$");
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return target.Output().ends_with('\n'); }));
+  const std::string dropped = target.Output();
+  ASSERT_THAT(dropped, ::testing::StartsWith("copy file://"));
+  EXPECT_THAT(AddressesOfTheShelf(unit), Contains(dropped.substr(5, dropped.size() - 6)))
+      << "a copy is dragged, so it is still there";
+
+  // The chosen song is the dragged one.
+  EXPECT_EQ(unit.Status()["recordedCount"], 0);
+  screen.Press(kShelf, {"alt+k"});
+  ASSERT_TRUE(
+      WaitUntil(kPatience, [&] { return unit.LogText().find("Kept: Channel 1") != std::string::npos; }));
+  EXPECT_THAT(AddressesOfTheShelf(unit), Not(Contains(dropped.substr(5, dropped.size() - 6))));
+
+  // The button of the main window is the one after Record while nothing is recorded.
+  screen.Press(kMain, {"Tab", "space"});
+  EXPECT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["keep"] == true; }));
+  EXPECT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["keep"] == false; }));
+  EXPECT_TRUE(WaitUntil(kPatience, [&] {
+    const std::string log = unit.LogText();
+    return log.find("Kept: Channel 1") != log.rfind("Kept: Channel 1");
+  })) << unit.LogText();
+  EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
+  EXPECT_THAT(unit.Program().Errors(), Not(HasSubstr("QObject")));
 }
 
 TEST(Desktop, TheEndOfTheSessionWaitsForTheWholeClose) {

@@ -78,6 +78,17 @@ void Screen::Click(const std::string& title, int x, int y, int times) const {
                                 "click", "--repeat", std::to_string(times), "--delay", "60", "1"}));
 }
 
+void Screen::Drag(const std::string& title, int x, int y, const std::string& target) const {
+  Focus(title);
+  // A target learns of a drag by its steps, and answers each of them.
+  base::Ignored(Run("xdotool", {"mousemove", "--window", Find(title), std::to_string(x), std::to_string(y),
+                                "sleep", "0.2", "mousedown", "1", "sleep", "0.2"}));
+  for (int step = 0; step < 5; ++step)
+    base::Ignored(Run("xdotool", {"mousemove_relative", "--", "8", "4", "sleep", "0.1"}));
+  base::Ignored(Run("xdotool", {"mousemove", "--window", Find(target), "90", "90", "sleep", "0.3",
+                                "mousemove_relative", "--", "5", "5", "sleep", "0.3", "mouseup", "1"}));
+}
+
 void Screen::Focus(const std::string& title) const {
   base::Ignored(Run("xdotool", {"windowactivate", "--sync", Find(title)}));
 }

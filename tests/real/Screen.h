@@ -32,6 +32,8 @@ class Screen {
   /// Clicks with the left button, so many times in a row, at a place in the window that counts from its upper
   /// left corner within the frame.
   void Click(const std::string& title, int x, int y, int times = 1) const;
+  /// Drags what lies at that place in the window into the middle of the other one.
+  void Drag(const std::string& title, int x, int y, const std::string& target) const;
   void Minimise(const std::string& title) const;
   /// As a task bar does, by a part of the title: it finds minimised windows too.
   void Activate(const std::string& part) const;

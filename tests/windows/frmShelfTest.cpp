@@ -84,6 +84,17 @@ TEST_F(frmShelfTest, ThePresentSongIsOnTopThenTheNewest) {
   EXPECT_EQ(Cell(0, 4), "1:04");
 }
 
+TEST_F(frmShelfTest, TheSongThatPlaysIsChosenAtFirstAndStaysSoWhileItGrows) {
+  ASSERT_NE(Songs().currentItem(), nullptr);
+  Run();
+  EXPECT_EQ(Songs().indexOfTopLevelItem(Songs().currentItem()), 0);
+  EXPECT_TRUE(Find<QPushButton>("cmdKeep").isEnabled());
+  Find<QPushButton>("cmdKeep").click();
+  Run();
+  EXPECT_EQ(Cell(0, 5), "will be kept");
+  EXPECT_FALSE(Find<QPushButton>("cmdKeep").isEnabled()) << "once is enough";
+}
+
 TEST_F(frmShelfTest, EnterPlaysTheChosenSongInTheDesktopsPlayer) {
   EXPECT_FALSE(Find<QPushButton>("cmdPlay").isEnabled());
   Songs().setCurrentItem(Songs().topLevelItem(2));
