@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 #include "real/Screen.h"
 #include "real/Unit.h"
 #include "real/Waiting.h"
+#include "support/ChildProcess.h"
 #include "support/PrivateSession.h"
 
 namespace kestrune::test {
@@ -112,6 +114,51 @@ TEST(Desktop, ARefusedAgreementEndsTheProgramAtOnce) {
   screen.Press(kAgreement, {"Escape"});
   EXPECT_EQ(unit.Program().Wait(kPatience), 1);
   EXPECT_THAT(radio.Events("command"), IsEmpty()) << "the radio was sought before the agreement";
+}
+
+TEST(Desktop, MediaKeysReachTheRadioAndTheDesktopShowsTheSong) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  if (!ChildProcess::Installed("dbus-daemon") || !ChildProcess::Installed("playerctl"))
+    GTEST_SKIP() << "no message bus or no client of media players here";
+  const TemporaryFolder folder;
+  const std::string bus = "unix:path=" + (folder / "bus");
+  const ChildProcess daemon({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + bus}, {},
+                            folder / "bus.log");
+  const auto keys = [&bus](const std::vector<std::string>& words) {
+    return RunToEnd({"playerctl", words, {{"DBUS_SESSION_BUS_ADDRESS", bus}}}).Output;
+  };
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two"}, 60)});
+  auto settings = ShortSongs();
+  settings.insert(
+      {{"MainTop", "600"}, {"ChannelListing", "0"}, {"LegalAgreement", "True"}, {"Preset1", "3 - Other"}});
+  auto environment = screen.Environment();
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus;
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = environment,
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  const auto status = unit.Status();
+  ASSERT_TRUE(WaitUntil(
+      kPatience,
+      [&] {
+        return keys({"metadata", "--format", "{{title}}|{{artist}}|{{album}}|{{status}}"}) ==
+               fmt::format("{}|{}|{}|Playing\n", status["song"].get<std::string>(),
+                           status["artist"].get<std::string>(), status["station"].get<std::string>());
+      }))
+      << keys({"metadata"}) << status;
+  keys({"pause"});
+  EXPECT_TRUE(WaitUntil(kPatience, [&] {
+    const auto mutes = radio.Events("mute");
+    return !mutes.empty() && mutes.back()["on"] == true;
+  }));
+  EXPECT_TRUE(WaitUntil(kPatience, [&] { return keys({"status"}) == "Paused\n"; }));
+  keys({"next"});
+  EXPECT_TRUE(unit.WaitForStatus([](const Unit::Json& now) { return now["channelNumber"] == 3; }));
+  EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
 }
 
 TEST(Desktop, AMessageThatIsOpenDoesNotHoldUpTheEnd) {

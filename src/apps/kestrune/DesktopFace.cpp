@@ -3,7 +3,9 @@
 #include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <fmt/format.h>
@@ -22,6 +24,14 @@ void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
   }
   const QString line = qFormatLogMessage(type, context, text);
   if (type != QtDebugMsg && type != QtInfoMsg) fmt::print(stderr, "{}\n", line.toStdString());
+}
+
+/// The program's picture where an installation puts it; empty if the program is not installed.
+std::string InstalledPicture(const std::string& executableFolder) {
+  const std::filesystem::path picture =
+      std::filesystem::path(executableFolder) / "../share/icons/hicolor/256x256/apps/kestrune.png";
+  std::error_code ignored;
+  return std::filesystem::exists(picture, ignored) ? picture.lexically_normal().string() : std::string();
 }
 
 }  // namespace
@@ -48,6 +58,13 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
                                                                            .Mixer = mixer});
+  const std::string& name = unit.Snapshot().MultiUnit;
+  mediaPlayer_.emplace(
+      platform::MprisPlayer::Identity{.Name = name.empty() ? "Kestrune" : "Kestrune " + name,
+                                      .Unit = name,
+                                      .Picture = InstalledPicture(outside.Environment.ExecutableFolder())});
+  mediaControls_.emplace(unit, rules_->PresetButtons(), loop_, *mediaPlayer_);
+  mediaControls_->Raise = [this] { desktop_.MainWindowToFront(); };
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
@@ -55,6 +72,8 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
 }
 
 void DesktopFace::Detach() {
+  mediaControls_.reset();
+  mediaPlayer_.reset();
   desktop_.Detach();
   unitWindows_.reset();
   rules_.reset();

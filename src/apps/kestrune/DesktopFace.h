@@ -7,8 +7,10 @@
 #include "apps/kestrune/Face.h"
 #include "base/EventLoop.h"
 #include "platform/Environment.h"
+#include "platform/qtdbus/MprisPlayer.h"
 #include "platform/qtgui/DesktopShell.h"
 #include "platform/xsmp/SessionEnd.h"
+#include "presenters/MediaControls.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
@@ -38,6 +40,8 @@ class DesktopFace final : public Face {
   windows::Desktop desktop_;
   std::unique_ptr<presenters::UnitPresenters> rules_;
   std::unique_ptr<windows::UnitWindows> unitWindows_;
+  std::optional<platform::MprisPlayer> mediaPlayer_;
+  std::optional<presenters::MediaControls> mediaControls_;
   std::optional<platform::SessionEnd> sessionEnd_;
 };
 
