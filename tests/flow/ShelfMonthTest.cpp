@@ -6,6 +6,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -64,11 +65,7 @@ class ShelfMonth {
 
   /// What is free: the disk less what others and the files of the folder take.
   [[nodiscard]] double Room() {
-    double used = 0;
-    for (const std::string& path : rig_.Files.AllFiles()) {
-      if (path.starts_with("/music/")) used += static_cast<double>(rig_.Files.Bytes(path).value_or(0));
-    }
-    return recorder::DiskWatch::kEnoughBytes + slack_ - used;
+    return recorder::DiskWatch::kEnoughBytes + slack_ - static_cast<double>(rig_.Files.BytesBelow("/music"));
   }
 
   void PlaySong() {
@@ -107,8 +104,7 @@ class ShelfMonth {
         break;
       case 4:
       case 5:
-        unit.Wishes().Keep(static_cast<std::size_t>(Draw(1, 12)),
-                           [this](const base::Result& kept) { Kept += kept ? 1 : 0; });
+        KeepFromShelf(static_cast<std::size_t>(Draw(1, 12)));
         break;
       case 6:
         ListenToSomething();
@@ -144,9 +140,20 @@ class ShelfMonth {
     rig_.Run(2s);
   }
 
+  void KeepFromShelf(std::size_t number) {
+    const std::vector<std::string> paths = Paths();
+    std::string path = number <= paths.size() ? paths[number - 1] : "";
+    rig_->Wishes().Keep(number, [this, path = std::move(path)](const base::Result& kept) {
+      if (!kept) return;
+      ++Kept;
+      if (path == listened_) listenedIsKept_ = true;
+    });
+  }
+
   void ListenToSomething() {
     if (!listened_.empty()) rig_.Files.OpenByAnother(listened_, false);
     listened_.clear();
+    listenedIsKept_ = false;
     const auto& songs = rig_->Parts().Shelving.Songs();
     if (songs.empty()) return;
     listened_ = songs[static_cast<std::size_t>(Draw(0, static_cast<int>(songs.size()) - 1))].Path;
@@ -205,8 +212,7 @@ class ShelfMonth {
     Complain(static_cast<double>(bytes - newest) <= settings.ShelfMegabytes * kMegabyte,
              "more than one song above the bytes");
     CheckCollection();
-    if (!listened_.empty() && !rig_.Files.Exists(listened_) && !WasKept(listened_))
-      Complain(false, "taken from a listener");
+    Complain(listened_.empty() || listenedIsKept_ || rig_.Files.Exists(listened_), "taken from a listener");
   }
 
   /// After a boundary the disk has its room, or nothing is left that could go.
@@ -236,14 +242,6 @@ class ShelfMonth {
         collection_.insert(path);
     }
   }
-  [[nodiscard]] bool WasKept(const std::string& path) {
-    // A keep is a rename: the record has the song under another name.
-    return std::any_of(rig_.History.Rows.Songs.begin(), rig_.History.Rows.Songs.end(),
-                       [](const platform::HistorySong& song) {
-                         return song.Fate == platform::SongFate::KeptLater;
-                       }) &&
-           !rig_.Files.Exists(path);
-  }
 
   [[nodiscard]] std::vector<std::string> Paths() {
     std::vector<std::string> paths;
@@ -266,6 +264,7 @@ class ShelfMonth {
   int song_ = 0;
   int turn_ = 0;
   std::string listened_;
+  bool listenedIsKept_ = false;  // and so has another name
   std::set<std::string> collection_;
   std::vector<std::string> complaints_;
 };

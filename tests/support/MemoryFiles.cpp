@@ -322,6 +322,14 @@ bool MemoryFiles::IsFolder(std::string_view path) const {
   return folders_.contains(Clean(path));
 }
 
+std::int64_t MemoryFiles::BytesBelow(std::string_view folder) const {
+  const std::string below = Clean(folder) + '/';
+  std::int64_t bytes = 0;
+  for (auto file = files_.lower_bound(below); file != files_.end() && file->first.starts_with(below); ++file)
+    bytes += static_cast<std::int64_t>(file->second.size());
+  return bytes;
+}
+
 std::vector<std::string> MemoryFiles::AllFiles() const {
   std::vector<std::string> paths;
   for (const auto& [path, text] : files_) paths.push_back(path);

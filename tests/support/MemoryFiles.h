@@ -72,6 +72,8 @@ class MemoryFiles final : public platform::Files {
   [[nodiscard]] bool IsOwnFolder(std::string_view path) const { return ownFolders_.contains(Clean(path)); }
   /// Full paths of all files, sorted.
   [[nodiscard]] std::vector<std::string> AllFiles() const;
+  /// All that the files below a folder hold.
+  [[nodiscard]] std::int64_t BytesBelow(std::string_view folder) const;
 
   /// The next `times` calls of the operation fail and change nothing.
   void FailNext(FileOperation operation, int times = 1) { failures_[operation] = times; }
