@@ -34,6 +34,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   target.NextReport.Advice = {line};
   target.NextReport.Events.emplace_back().Why = line;
   target.NextPlays.emplace_back().Title = line;
+  target.NextCounts.emplace_back().Artist = line;
+  target.NextHints.Hints.emplace_back().Text = line;
+  target.NextShelf.emplace_back().File = line;
+  target.NextCuts.emplace_back().Next = line;
   std::string answer;
   control::Dispatch(target, line, [&answer](std::string text) { answer = std::move(text); });
   Require(answer.find('\n') == std::string::npos);
@@ -43,8 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // The client's side: any line may come back to it.
   if (const auto hostile = control::ReplyFromLine(line)) {
-    for (const char* command :
-         {"status", "channels", "log", "get", "schedule", "lists", "report", "history", "cuts", "stop"}) {
+    for (const char* command : {"status", "channels", "log", "get", "schedule", "lists", "report", "history",
+                                "hints", "cuts", "shelf", "keep", "stop"}) {
       if (const auto text = control::PeopleText(command, hostile->Result)) {
         Require(text->find('\x1B') == std::string::npos);
       }
