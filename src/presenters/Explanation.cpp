@@ -12,6 +12,7 @@ namespace kestrune::presenters {
 std::string ExplainRecording(const recorder::State& state, const schedule::Restrictions& restrictions) {
   const recorder::RecordingState& recording = state.Recording;
   const recorder::Modes modes(state);
+  if (state.Run.FormLoading) return "Starting...";
   if (std::string warning = state.Watch.Warning(); !warning.empty()) return warning;
   if (recording.Phase == recorder::Phase::WaitingForChannelLoad) {
     return "Recording begins once the channels are loaded.";

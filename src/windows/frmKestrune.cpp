@@ -568,6 +568,8 @@ void frmKestrune::ShowMenus(const MainWindow& record) {
   ShowChecked(*Entry("mnuMute"), record.mnuMute);
   ShowChecked(*Entry("mnuCheckUpdatesAtStartup"), record.mnuCheckUpdatesAtStartup);
   Entry("mnuReload")->setEnabled(record.mnuReload.Enabled);
+  Entry("mnuRecord")->setEnabled(record.cmdRecord.Enabled);
+  Entry("mnuStop")->setEnabled(record.cmdStop.Enabled);
 }
 
 void frmKestrune::PressHotKey(int key) {
@@ -576,6 +578,7 @@ void frmKestrune::PressHotKey(int key) {
     rules_.PresetButtons().cmdPresetStation_Click(key - kHotKeyF1);
     return Refresh();
   }
+  Refresh();  // an entry that a key has just enabled takes the next one
   const QKeySequence wanted(QKeyCombination(Qt::ControlModifier, static_cast<Qt::Key>(key)));
   for (QAction* action : findChildren<QAction*>()) {
     if (action->shortcut() == wanted) return action->trigger();

@@ -97,6 +97,8 @@ frmLog::frmLog(presenters::LogWindow& rules, const config::SettingsSection& sect
 }
 
 void frmLog::SavePlace() const {
+  // It is loaded with the program, often never shown, and has no place until then.
+  if (!everShown_) return;
   windows::SavePlace(*this, section_, "Log", Remembered::PlaceAndSize);
 }
 
@@ -123,6 +125,7 @@ void frmLog::Follow() {
 
 void frmLog::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
+  everShown_ = true;
   Follow();
 }
 

@@ -48,7 +48,8 @@ class frmLog final : public QWidget {
   LogLineDelegate* delegate_;
   QListView* lstLog_;
   bool following_ = true;  // the end of the list is in view
-  bool moving_ = false;    // the window scrolls by itself
+  bool everShown_ = false;
+  bool moving_ = false;  // the window scrolls by itself
 };
 
 }  // namespace kestrune::windows

@@ -1,3 +1,5 @@
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "presenters/Explanation.h"
@@ -18,7 +20,12 @@ class ExplanationTest : public ::testing::Test {
 };
 
 TEST_F(ExplanationTest, FollowsAWholeSongFromTheLoadToTheStop) {
+  std::string atStart;
+  rig.Radio.WhenCommanded = [&] {
+    if (rig->State().Run.FormLoading) atStart = rig.Rules->Explanation();
+  };
   rig.Start();
+  EXPECT_EQ(atStart, "Starting...");
   EXPECT_EQ(rig.Rules->Explanation(), "The radio's channels are being loaded.");
   rig->cmdRecord();
   EXPECT_EQ(rig.Rules->Explanation(), "Recording begins once the channels are loaded.");

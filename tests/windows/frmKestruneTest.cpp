@@ -302,10 +302,14 @@ TEST_F(frmKestruneTest, TheStatusBlinksOnceASecondAndTheClockRuns) {
 
 TEST_F(frmKestruneTest, TheMenusRecordAndStopDoNothingWhereTheirButtonIsDisabled) {
   rig.Unit.StartIdle();
+  EXPECT_TRUE(rig.Find<QAction>("mnuRecord").isEnabled());
+  EXPECT_FALSE(rig.Find<QAction>("mnuStop").isEnabled());
   Choose("mnuStop");
   EXPECT_FALSE(rig.Unit->State().Recording.StopPending);
   Choose("mnuRecord");
   EXPECT_TRUE(rig.Unit->State().Recording.RecordRequested);
+  EXPECT_FALSE(rig.Find<QAction>("mnuRecord").isEnabled());
+  EXPECT_TRUE(rig.Find<QAction>("mnuStop").isEnabled());
   Choose("mnuRecord");
   EXPECT_EQ(Text("lblRecording"), "Recording");
   Choose("mnuStop");

@@ -190,6 +190,13 @@ TEST_F(frmLogTest, AClosePutsPlaceAndSizeIntoTheSettings) {
   EXPECT_EQ(next.size(), QSize(600, 300));
 }
 
+TEST_F(frmLogTest, AWindowThatWasNeverShownLeavesTheSettingsAlone) {
+  store_.Calls.clear();
+  window_.QuitFlag = true;
+  window_.close();
+  EXPECT_THAT(store_.Calls, IsEmpty());
+}
+
 TEST_F(frmLogTest, AMinimisedWindowLeavesTheSettingsAlone) {
   window_.showMinimized();
   store_.Calls.clear();
