@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "base/Numbers.h"
-#include "base/Text.h"
+#include "base/SortText.h"
 
 namespace kestrune::radio {
 
@@ -57,7 +57,7 @@ void ChannelGrid::Sort(int column, Order order) {
   keys.reserve(rows_.size());
   for (const Row& row : rows_) {
     const std::string& text = row.at(static_cast<std::size_t>(column));
-    keys.push_back({base::ToSingle(text), base::ToLower(text), keys.size()});
+    keys.push_back({base::ToSingle(text), base::SortText(text), keys.size()});
   }
   std::stable_sort(keys.begin(), keys.end(), [order](const SortKey& a, const SortKey& b) {
     return order == Order::Ascending ? Before(a, b) : Before(b, a);

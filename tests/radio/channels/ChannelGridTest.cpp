@@ -75,6 +75,15 @@ TEST_F(ChannelGridTest, TextsThatAreNumbersSortAsNumbersBeforeTheOthers) {
   EXPECT_THAT(Numbers(), ElementsAre(4, 2, 1, 5, 3));
 }
 
+TEST_F(ChannelGridTest, AccentsSortBesideThePlainLetters) {
+  Add(1, "Zappa");
+  Add(2, "Été");
+  Add(3, "Eternal");
+  Add(4, "Europe");
+  grid.Sort(2, ChannelGrid::Order::Ascending);
+  EXPECT_THAT(Numbers(), ElementsAre(2, 3, 4, 1));
+}
+
 TEST_F(ChannelGridTest, RowsWithEqualTextsKeepTheirOrderInBothDirections) {
   for (const std::int16_t number : {5, 3, 9}) Add(number, "same");
   Add(7, "other");
