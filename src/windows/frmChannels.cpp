@@ -60,6 +60,9 @@ frmChannels::frmChannels(presenters::ChannelChooser& rules, const config::Settin
     Refresh();
   };
   connect(grdChannels_->horizontalHeader(), &QHeaderView::sectionClicked, this, &frmChannels::ClickTitle);
+  constexpr int kTitles = 0;
+  connect(grdChannels_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
+          [this](int column) { grdChannels_->DoubleClicked(kTitles, column); });
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

@@ -59,11 +59,12 @@ class frmChannelsTest : public ChannelsFixture {
     Click(row, column);
     QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, Place(row, column));
   }
-  void ClickTitle(int column) {
+  [[nodiscard]] QPoint PlaceOfTitle(int column) const {
     const QHeaderView* header = view->horizontalHeader();
-    const QPoint place(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                       header->height() / 2);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+    return {header->sectionViewportPosition(column) + header->sectionSize(column) / 2, header->height() / 2};
+  }
+  void ClickTitle(int column) {
+    QTest::mouseClick(view->horizontalHeader()->viewport(), Qt::LeftButton, {}, PlaceOfTitle(column));
   }
   [[nodiscard]] std::vector<int> Shown() const {
     std::vector<int> numbers;
@@ -301,6 +302,16 @@ TEST_F(frmChannelsTest, ADoubleClickOffersArtistAndSongAndChangesNoChannel) {
 }
 
 // Live.
+
+TEST_F(frmChannelsTest, ADoubleClickOnATitleTakesBackTheChoiceOfAChannel) {
+  Open();
+  Click(2);
+  QTest::mouseDClick(view->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                     PlaceOfTitle(ChannelGrid::Artist));
+  Wait(1000);
+  EXPECT_EQ(channels.ChannelNumber(), 44);
+  EXPECT_THAT(offered, IsEmpty());
+}
 
 TEST_F(frmChannelsTest, AReplyTouchesOneRowOf255AndLeavesSelectionAndScrollingAlone) {
   Many();
