@@ -15,7 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr const char* kSong = "47 Abigail Wren - Winter Apples (Incomplete).wav";
 
