@@ -110,10 +110,12 @@ void Wishes::KeepCurrent(Answered answered) {
 }
 
 void Wishes::Keep(std::size_t number, Answered answered) {
+  unit_.UserActed();
   Ask([&unit = unit_, number] { return unit.Parts().Shelving.Keep(number); }, std::move(answered));
 }
 
 void Wishes::KeepFile(std::string path, Answered answered) {
+  unit_.UserActed();
   Ask([&unit = unit_, path = std::move(path)] { return unit.Parts().Shelving.KeepFile(path); },
       std::move(answered));
 }

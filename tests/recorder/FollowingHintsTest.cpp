@@ -94,6 +94,8 @@ TEST_F(FollowingHintsTest, EveryActOfAUserCounts) {
        [](recorder::Kestrune& unit) { EXPECT_TRUE(unit.SetMute(false)); }},
       // That song ends soon after.
       {"keep", [](recorder::Wishes& wishes) { wishes.KeepCurrent(); }, nothing},
+      {"keep of the shelf", [](recorder::Wishes& wishes) { wishes.Keep(1); }, nothing},
+      {"keep of a file", [](recorder::Wishes& wishes) { wishes.KeepFile("/nowhere.mp3"); }, nothing},
       {"", [](recorder::Wishes& /*wishes*/) {}, nothing},
   };
   for (const auto& [name, ask, undo] : acts) {
