@@ -429,7 +429,8 @@ std::int64_t WeekOfFailures::BytesInUse() const {
   for (const auto& ranges : whereabouts_.Captures) bytes -= HeapOf(ranges);
   for (const std::string& path : files_.AllFiles()) bytes -= HeapOf(files_.Text(path));
   const auto& lines = unit_->Parts().Log.List().Lines();
-  for (const std::string& line : lines) bytes -= static_cast<std::int64_t>(sizeof(std::string)) + HeapOf(line);
+  for (const std::string& line : lines)
+    bytes -= static_cast<std::int64_t>(sizeof(std::string)) + HeapOf(line);
   return bytes;
 }
 
