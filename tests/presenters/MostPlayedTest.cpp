@@ -18,7 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using base::DateValue;
-using platform::PlayedAs;
 using presenters::MostPlayed;
 using presenters::MostPlayedRow;
 using ::testing::ElementsAre;
