@@ -87,13 +87,14 @@ void Disposition::CarryOut(CaptureRecord& capture, Verdict& verdict) {
   if (verdict.Keep) Keep(capture, verdict);
   if (!verdict.Keep) return Drop(capture, verdict.Fate, verdict.Reason, !verdict.Suffix.empty());
   chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
-  shelving_.GiveWay();
+  shelving_.KeepBounds();
 }
 
 void Disposition::Drop(CaptureRecord& capture, SongFate fate, std::string_view reason, bool incomplete) {
   shelving_.Take(capture, fate, incomplete);
   if (capture.LengthMs > 0 || fate != SongFate::NotWanted) chronicle_.SongEnded(capture, fate, reason);
   songFiles_.Discard(capture);
+  shelving_.KeepBounds();
 }
 
 void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {

@@ -145,9 +145,11 @@ void Shelving::Take(CaptureRecord& capture, SongFate fate, bool incomplete) {
   capture.Outcome.File.clear();
 }
 
-void Shelving::GiveWay() {
+void Shelving::KeepBounds() {
   FollowSettings();
-  if (!shelf_.Songs().empty()) shelf_.KeepFree(DiskWatch::kEnoughBytes);
+  if (shelf_.Songs().empty()) return;
+  shelf_.Trim(BoundsNow());
+  shelf_.KeepFree(DiskWatch::kEnoughBytes);
 }
 
 void Shelving::SayRefusedFolder() {

@@ -41,8 +41,8 @@ class Shelving {
   /// A stopped capture is not kept, for this reason: puts it on the shelf, if it has sound and there is room, and notes
   /// the place in its outcome. Else it is where it was.
   void Take(CaptureRecord& capture, platform::SongFate fate, bool incomplete);
-  /// A capture was kept: the shelf makes room if the disk of both gets full.
-  void GiveWay();
+  /// A capture was kept or dropped: what the settings do not allow any more goes, and what the disk has no room for.
+  void KeepBounds();
 
   /// What lies there now, newest first.
   [[nodiscard]] const std::vector<shelf::ShelvedSong>& Songs();

@@ -57,16 +57,15 @@ class ShelfMonth {
 
  private:
   void Start() {
-    rig_.Files.Free = Room();
+    rig_.Files.FilledFolder = "/music";
+    FollowOthers();
     rig_.StartIdle();
     rig_.Run(1s);
     if (rig_->State().Run.FormLoading) complaints_.emplace_back("a start failed");
   }
 
-  /// What is free: the disk less what others and the files of the folder take.
-  [[nodiscard]] double Room() {
-    return recorder::DiskWatch::kEnoughBytes + slack_ - static_cast<double>(rig_.Files.BytesBelow("/music"));
-  }
+  /// What other programs leave of the disk; what the files of the folder take comes off it.
+  void FollowOthers() { rig_.Files.Free = recorder::DiskWatch::kEnoughBytes + slack_; }
 
   void PlaySong() {
     ++song_;
@@ -75,7 +74,6 @@ class ShelfMonth {
     rig_.Radio.Play(rig_->State().Radio.ChannelNumber, fmt::format("Artist {}", song_ % 7), title);
     const int seconds = Draw(0, 9) == 0 ? Draw(5, 40) : Draw(0, 9) == 0 ? Draw(600, 1500) : Draw(120, 300);
     for (int second = 0; second < seconds; ++second) {
-      rig_.Files.Free = Room();
       rig_.Run(1s);
       if (second == 5) TakeUsedNames();
     }
@@ -217,8 +215,8 @@ class ShelfMonth {
 
   /// After a boundary the disk has its room, or nothing is left that could go.
   void CheckRoom() {
-    rig_.Files.Free = Room();
-    if (rig_.Files.Free < recorder::DiskWatch::kEnoughBytes) ++Low;
+    FollowOthers();
+    if (rig_.Files.FreeBytes("/music/") < recorder::DiskWatch::kEnoughBytes) ++Low;
     PlaySong();
     PlaySong();
     // What the capture in hand has grown by since the boundary is no matter of the shelf.
@@ -226,7 +224,7 @@ class ShelfMonth {
     for (const std::string& path : rig_.Files.AllFiles()) {
       if (path.find("/Capture") != std::string::npos) inHand += rig_.Files.Bytes(path).value_or(0);
     }
-    const double room = Room() + static_cast<double>(inHand);
+    const double room = rig_.Files.FreeBytes("/music/") + static_cast<double>(inHand);
     std::vector<std::string> left = OnDisk();
     std::erase(left, listened_);
     Complain(room >= recorder::DiskWatch::kEnoughBytes || left.empty(), "less free than the disk is to keep");

@@ -217,6 +217,27 @@ TEST_F(ShelvingTest, TheDiskKeepsItsRoomAlsoWhileSongsAreRecorded) {
   EXPECT_EQ(rig->State().Recording.RecordedCount, 2);
 }
 
+TEST_F(ShelvingTest, TheDiskKeepsItsRoomAlsoAfterAPartThatIsNoUse) {
+  PlayWhole();
+  Next("B", "2");
+  ASSERT_EQ(OnShelf().size(), 2U);
+  rig.Files.Free = 1024.0 * 1024 * 1024 - 1;
+  rig->SetChannelNumber(45);
+  rig.Run(3s);
+  EXPECT_EQ(OnShelf().size(), 1U);
+}
+
+TEST_F(ShelvingTest, ALowerBoundHoldsAlsoWhileSongsAreRecorded) {
+  PlayWhole();
+  Next("B", "2");
+  rig->cmdRecord();
+  Next("C", "3");
+  ASSERT_EQ(OnShelf().size(), 2U);
+  ASSERT_TRUE(rig->Parts().Settings.Set("ShelfSongs", "1").Done());
+  Next("D", "4");
+  EXPECT_EQ(OnShelf().size(), 1U);
+}
+
 TEST_F(ShelvingTest, ANamedUnitHasAShelfOfItsOwn) {
   rig.Environment.Command = "/multi 2";
   for (const auto& [key, value] : std::map<std::string, std::string>{{"ShelfSongs", "5"},

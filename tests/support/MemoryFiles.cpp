@@ -263,7 +263,7 @@ std::unique_ptr<platform::OpenTextFile> MemoryFiles::OpenForWriting(std::string_
 
 double MemoryFiles::FreeBytes(std::string_view /*path*/) const {
   ++Asked;
-  return Free;
+  return FilledFolder.empty() ? Free : Free - static_cast<double>(BytesBelow(FilledFolder));
 }
 
 std::vector<platform::FileEntry> MemoryFiles::List(std::string_view folder) const {

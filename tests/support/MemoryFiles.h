@@ -103,8 +103,9 @@ class MemoryFiles final : public platform::Files {
 
   /// While set, whatever needs room fails: new folders, copies, writes.
   bool DiskFull = false;
-  /// What FreeBytes answers for every volume.
+  /// What FreeBytes answers for every volume, less what lies below FilledFolder if that is not empty.
   double Free = 100e9;
+  std::string FilledFolder;
   /// The wall clock, for List; without it all is written at the first of moments, in its order.
   std::function<base::DateValue()> Now = [] { return base::DateValue(); };
   /// How often FreeBytes was asked.
