@@ -149,7 +149,9 @@ base::DateValue QtEventLoop::Now() const {
 }
 
 base::DateValue QtEventLoop::WallAfter(std::chrono::seconds time) const {
-  const std::tm then = LocalTime(std::time(nullptr) + time.count());
+  // Not time(), whose clock begins a second some milliseconds late: TimeOfDay would then be a second ahead.
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  const std::tm then = LocalTime(now + time.count());
   return base::DateValue::FromCivil(then.tm_year + 1900, then.tm_mon + 1, then.tm_mday, then.tm_hour,
                                     then.tm_min, then.tm_sec);
 }
