@@ -17,6 +17,7 @@
 
 #include "base/Ignored.h"
 #include "presenters/ChannelChooser.h"
+#include "presenters/ChannelMenuRig.h"
 #include "presenters/WindowTable.h"
 #include "radio/channels/ChannelsFixture.h"
 #include "windows/UnitWindowsRig.h"
@@ -165,7 +166,7 @@ class BoundChannels : public ChannelsFixture {
     channels.SetUpGrid();
     channels.Grid().Enabled = true;
     for (int channel = 1; channel <= kChannels; ++channel) Play(channel, 0);
-    window_ = std::make_unique<windows::frmChannels>(chooser_, section_);
+    window_ = std::make_unique<windows::frmChannels>(chooser_, rig_.Listing, rig_.Menu, section_);
     window_->show();
     QCoreApplication::processEvents();
   }
@@ -183,6 +184,7 @@ class BoundChannels : public ChannelsFixture {
 
   std::unique_ptr<base::Timer> tmrUpdate_ = loop.MakeTimer(std::chrono::hours(1), [] {});
   presenters::ChannelChooser chooser_{channels, run, sounds, loop, *tmrUpdate_, [] { return false; }};
+  ChannelMenuRig rig_{channels, sounds, Keys(), chooser_, [] { return false; }};
   MemorySettingsStore store_;
   config::SettingsSection section_{store_};
   std::unique_ptr<windows::frmChannels> window_;

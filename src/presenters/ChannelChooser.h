@@ -43,6 +43,9 @@ class ChannelChooser {
 
   [[nodiscard]] const radio::ChannelGrid& Grid() const { return channels_.Grid(); }
 
+  /// Whether recording leaves the choice of the channel to the user.
+  [[nodiscard]] bool MayTune() const { return !getRecordingStatus_(); }
+
   /// A click on the title row: sorts by the column, the other way round on each further click.
   void ClickTitle(int column);
   void ClickRow(int row);

@@ -24,6 +24,9 @@ class GrabKill {
   /// the entry cannot be written, the question comes again, until the user cancels it.
   void DblClick(Field field, std::string_view caption);
 
+  /// Adds a text whose list is known already. If the entry cannot be written, the question comes, as after a double click.
+  void Add(Field field, bool kill, std::string_view text);
+
   // What the window shows and answers.
   [[nodiscard]] const std::string& lblQuestion() const { return lblQuestion_; }
   /// The answer: 0 neither, 1 the Grab list, 2 the Kill list.
@@ -31,8 +34,8 @@ class GrabKill {
   [[nodiscard]] std::int16_t GrabMode() const { return grabMode_; }
 
  private:
-  /// The list that the answer stands for.
-  [[nodiscard]] schedule::RestrictList ListOf(Field field) const;
+  [[nodiscard]] static schedule::RestrictList ListOf(Field field, bool kill);
+  [[nodiscard]] bool Write(Field field, bool kill, std::string_view text);
 
   schedule::Restrictions& restrictions_;
   std::function<void()> show_;

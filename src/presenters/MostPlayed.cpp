@@ -38,6 +38,14 @@ void MostPlayed::Show() {
   Ask();
 }
 
+void MostPlayed::ShowSongsOf(std::int16_t channel) {
+  playedAs_.SelectValue(static_cast<std::int32_t>(platform::PlayedAs::Song));
+  ListChannels();
+  channels_.SelectValue(channel);
+  if (channels_.Row < 0) channels_.SelectValue(kAllChannels);
+  Ask();
+}
+
 void MostPlayed::Unload() {
   question_.reset();
 }

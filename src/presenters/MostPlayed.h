@@ -40,6 +40,8 @@ class MostPlayed {
 
   /// The page is shown: asks, with what was chosen last.
   void Show();
+  /// The same for the songs of one channel; for those of all if it is not listed.
+  void ShowSongsOf(std::int16_t channel);
   /// The window closes: an answer that is still to come is not taken.
   void Unload();
 

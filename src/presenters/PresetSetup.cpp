@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <fmt/format.h>
-
 #include "base/Numbers.h"
 #include "base/Text.h"
 
@@ -14,7 +12,7 @@ void PresetSetup::Load() {
   for (int row = 1; row <= grid_.RowCount(); ++row) {
     const std::int16_t number = grid_.NumberAt(row);
     const std::string_view station = base::Trim(grid_.At(row)[radio::ChannelGrid::Station]);
-    lines_.push_back({.Text = fmt::format("{} - {}", number, station), .Channel = number});
+    lines_.push_back({.Text = Presets::TextOf(number, station), .Channel = number});
   }
   for (int i = 0; i < Presets::kCount; ++i) {
     const std::string stored = presets_.Keys().Read(Presets::KeyOf(i));
@@ -35,7 +33,7 @@ void PresetSetup::cboPreset_Click(int index, int line) {
 void PresetSetup::cmdSave() {
   for (int i = 0; i < Presets::kCount; ++i) {
     const std::string& text = lines_.at(static_cast<std::size_t>(Selected(i))).Text;
-    presets_.Keys().Write(Presets::KeyOf(i), text == kNoPreset ? std::string() : text);
+    presets_.Store(i, text == kNoPreset ? std::string() : text);
   }
   Changed = false;
   presets_.LoadPresets();

@@ -37,6 +37,10 @@ void Presets::cmdPresetStation_Click(int index) {
   }
 }
 
+std::string Presets::TextOf(std::int16_t channel, std::string_view station) {
+  return fmt::format("{} - {}", channel, station);
+}
+
 std::string Presets::TipOf(int index) {
   return fmt::format("Preset {0} (CTRL-F{0})", index + 1);
 }

@@ -56,6 +56,11 @@ class Presets {
   /// A press: tunes the button's channel, with a sound in place of it while recording runs.
   void cmdPresetStation_Click(int index);
 
+  /// Writes a button's text into the settings. LoadPresets shows it.
+  void Store(int index, std::string_view text) { keys_.Write(KeyOf(index), text); }
+  /// A channel as a button's text names it: number, " - " and station.
+  [[nodiscard]] static std::string TextOf(std::int16_t channel, std::string_view station);
+
   [[nodiscard]] const PresetKeys& Keys() const { return keys_; }
   [[nodiscard]] static std::string KeyOf(int index) { return "Preset" + std::to_string(index + 1); }
   [[nodiscard]] static std::string TipOf(int index);

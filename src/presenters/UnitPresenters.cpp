@@ -26,7 +26,10 @@ UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside
       nowScreen_(parts_.Channels, presets_, outside.Loop, [this] { return LinesOfNow(); }),
       restrictListEditor_(parts_.Restrictions, outside.Files, outside.Environment, outside.Dialogs,
                           parts_.Log),
-      grabKill_(parts_.Restrictions) {
+      grabKill_(parts_.Restrictions),
+      favourites_(parts_.Settings),
+      channelListing_(parts_.Channels.Grid()),
+      channelMenu_(channelChooser_, favourites_, presets_, grabKill_) {
   const auto tune = [this](std::int16_t channel, std::function<void()> refused) {
     unit_.Wishes().Tune(channel, [refused = std::move(refused)](const base::Result& result) {
       if (!result.Ok()) refused();
@@ -35,6 +38,9 @@ UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside
   presets_.Tune = tune;
   channelChooser_.Tune = tune;
   channelChooser_.Tip = [this](std::int16_t channel) { return TipOfChannel(channel); };
+  channelListing_.Tuned = [this] { return parts_.Channels.ChannelNumber(); };
+  channelListing_.Favourites = [this] { return favourites_.All(); };
+  channelListing_.FavouritesFirst = [this] { return favourites_.First(); };
   unit_.SetPresentation(this);
 }
 

@@ -7,8 +7,11 @@
 #include <string>
 
 #include "presenters/ChannelChooser.h"
+#include "presenters/ChannelListing.h"
+#include "presenters/ChannelMenu.h"
 #include "presenters/ConfigurationAccess.h"
 #include "presenters/CutOffer.h"
+#include "presenters/FavouriteChannels.h"
 #include "presenters/GrabKill.h"
 #include "presenters/LevelMeter.h"
 #include "presenters/MainWindow.h"
@@ -57,6 +60,8 @@ class UnitPresenters final : private recorder::Presentation {
 
   [[nodiscard]] PresetSetup& PresetWindow() { return presetSetup_; }
   [[nodiscard]] ChannelChooser& ChannelsWindow() { return channelChooser_; }
+  [[nodiscard]] ChannelListing& ListedChannels() { return channelListing_; }
+  [[nodiscard]] presenters::ChannelMenu& ChannelMenu() { return channelMenu_; }
   [[nodiscard]] NowScreen& NowWindow() { return nowScreen_; }
   [[nodiscard]] presenters::RestrictListEditor& RestrictListEditor() { return restrictListEditor_; }
   [[nodiscard]] presenters::GrabKill& GrabKill() { return grabKill_; }
@@ -98,6 +103,9 @@ class UnitPresenters final : private recorder::Presentation {
   NowScreen nowScreen_;
   presenters::RestrictListEditor restrictListEditor_;
   presenters::GrabKill grabKill_;
+  FavouriteChannels favourites_;
+  ChannelListing channelListing_;
+  presenters::ChannelMenu channelMenu_;
 };
 
 }  // namespace kestrune::presenters

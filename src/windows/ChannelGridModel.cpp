@@ -1,5 +1,8 @@
 #include "windows/ChannelGridModel.h"
 
+#include <QFont>
+#include <QGuiApplication>
+#include <QPalette>
 #include <algorithm>
 #include <map>
 #include <set>
@@ -28,23 +31,26 @@ std::int16_t ChannelOf(const radio::ChannelGrid::Row& row) {
 
 }  // namespace
 
-ChannelGridModel::ChannelGridModel(const radio::ChannelGrid& grid, QObject* parent)
-    : QAbstractTableModel(parent), grid_(grid) {
+ChannelGridModel::ChannelGridModel(presenters::ChannelListing& listing, QObject* parent)
+    : QAbstractTableModel(parent), listing_(listing), grid_(listing.Grid()) {
   Update();
 }
 
 void ChannelGridModel::Update() {
-  if (revision_ == grid_.Revision()) return;
-  revision_ = grid_.Revision();
-  if (titles_ != grid_.Titles()) {
+  listing_.Update();
+  if (revision_ == listing_.Revision()) return;
+  revision_ = listing_.Revision();
+  if (titles_ != grid_.Titles() || sorted_ != grid_.Sorted().has_value()) {
     titles_ = grid_.Titles();
+    sorted_ = grid_.Sorted().has_value();
     emit headerDataChanged(Qt::Horizontal, 0, radio::ChannelGrid::kColumns - 1);
   }
   std::vector<Row> rows;
-  rows.reserve(static_cast<std::size_t>(grid_.RowCount()));
-  for (int row = 1; row <= grid_.RowCount(); ++row) rows.push_back(grid_.At(row));
+  rows.reserve(listing_.Rows().size());
+  for (const presenters::ChannelListing::Row& row : listing_.Rows())
+    rows.push_back({.Cells = grid_.At(row.GridRow), .Tuned = row.Tuned, .Favourite = row.Favourite});
   const auto sameNumber = [](const Row& a, const Row& b) {
-    return a[radio::ChannelGrid::Number] == b[radio::ChannelGrid::Number];
+    return a.Cells[radio::ChannelGrid::Number] == b.Cells[radio::ChannelGrid::Number];
   };
   if (!std::equal(rows.begin(), rows.end(), rows_.begin(), rows_.end(), sameNumber)) {
     const Keys wanted = KeysOf(rows);
@@ -61,7 +67,7 @@ ChannelGridModel::Keys ChannelGridModel::KeysOf(const std::vector<Row>& rows) {
   keys.reserve(rows.size());
   std::map<std::string, int> seen;
   for (const Row& row : rows) {
-    const std::string& number = row[radio::ChannelGrid::Number];
+    const std::string& number = row.Cells[radio::ChannelGrid::Number];
     keys.push_back(number + '\n' + std::to_string(++seen[number]));
   }
   return keys;
@@ -123,13 +129,15 @@ void ChannelGridModel::InsertNew(const std::vector<Row>& rows, const Keys& wante
 void ChannelGridModel::WriteChanged(const std::vector<Row>& rows) {
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (rows_[row] == rows[row]) continue;
-    int first = radio::ChannelGrid::kColumns;
-    int last = 0;
+    // A mark is on the whole row.
+    const bool marks = rows_[row].Tuned != rows[row].Tuned || rows_[row].Favourite != rows[row].Favourite;
+    int first = marks ? 0 : radio::ChannelGrid::kColumns;
+    int last = marks ? radio::ChannelGrid::kColumns - 1 : 0;
     for (int column = 0; column < radio::ChannelGrid::kColumns; ++column) {
       const auto cell = static_cast<std::size_t>(column);
-      if (rows_[row].at(cell) == rows[row].at(cell)) continue;
+      if (rows_[row].Cells.at(cell) == rows[row].Cells.at(cell)) continue;
       first = std::min(first, column);
-      last = column;
+      last = std::max(last, column);
     }
     rows_[row] = rows[row];
     emit dataChanged(index(static_cast<int>(row), first), index(static_cast<int>(row), last));
@@ -146,19 +154,44 @@ int ChannelGridModel::columnCount(const QModelIndex& parent) const {
 
 QVariant ChannelGridModel::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-  const auto text = [&] {
-    return Shown(rows_[static_cast<std::size_t>(index.row())].at(static_cast<std::size_t>(index.column())));
-  };
+  const Row& row = rows_[static_cast<std::size_t>(index.row())];
+  const auto text = [&] { return Shown(row.Cells.at(static_cast<std::size_t>(index.column()))); };
   switch (role) {
     case Qt::DisplayRole:
       return text();
     case Qt::ToolTipRole:
       return AsMarkup(text());
     case kRowTipRole:
-      return AsMarkup(ToQt(RowTip(ChannelOf(rows_[static_cast<std::size_t>(index.row())]))));
+      return AsMarkup(ToQt(RowTip(ChannelOf(row.Cells))));
     case Qt::TextAlignmentRole:
       return QVariant(index.column() == radio::ChannelGrid::Number ? Qt::AlignRight | Qt::AlignVCenter
                                                                    : Qt::AlignLeft | Qt::AlignVCenter);
+    default:
+      return MarkOf(index, role);
+  }
+}
+
+/// How a row is marked: bold if its channel is tuned, and for those who do not see that, in words on its first cell.
+QVariant ChannelGridModel::MarkOf(const QModelIndex& index, int role) const {
+  const Row& row = rows_[static_cast<std::size_t>(index.row())];
+  switch (role) {
+    case kTunedRole:
+      return row.Tuned;
+    case kFavouriteRole:
+      return row.Favourite;
+    case Qt::FontRole: {
+      if (!row.Tuned) return {};
+      QFont bold;
+      bold.setBold(true);
+      return bold;
+    }
+    case Qt::AccessibleDescriptionRole: {
+      if (index.column() != radio::ChannelGrid::Number) return {};
+      QStringList marks;
+      if (row.Tuned) marks << tr("tuned");
+      if (row.Favourite) marks << tr("favourite");
+      return marks.join(QStringLiteral(", "));
+    }
     default:
       return {};
   }
@@ -177,6 +210,10 @@ QVariant ChannelGridModel::headerData(int section, Qt::Orientation orientation, 
       return QStringLiteral("Sort by this column (Ctrl+%1)").arg(section + 1);
     case Qt::TextAlignmentRole:
       return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    case Qt::ForegroundRole:
+      // The mark does not follow a click on a title, so the arrow there must be the one that is seen.
+      if (section != radio::ChannelGrid::Number || !sorted_) return {};
+      return QGuiApplication::palette().brush(QPalette::Disabled, QPalette::ButtonText);
     default:
       return {};
   }

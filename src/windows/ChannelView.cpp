@@ -1,12 +1,19 @@
 #include "windows/ChannelView.h"
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QPolygonF>
 #include <QStyledItemDelegate>
 #include <QToolTip>
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <utility>
 
 #include "windows/ChannelGridModel.h"
@@ -15,10 +22,47 @@
 namespace kestrune::windows {
 namespace {
 
-/// Shows the full text as a tip only where it is cut off, and what is said of the row everywhere.
-class CutTextDelegate final : public QStyledItemDelegate {
+/// A star with five points that fills a square.
+QPolygonF StarIn(const QRectF& square) {
+  constexpr int kPoints = 10;
+  constexpr double kInner = 0.42;
+  QPolygonF star;
+  for (int i = 0; i < kPoints; ++i) {
+    const double angle = std::numbers::pi * (2.0 * i / kPoints - 0.5);
+    const double radius = square.width() / 2 * (i % 2 == 0 ? 1 : kInner);
+    star << square.center() + QPointF(std::cos(angle), std::sin(angle)) * radius;
+  }
+  return star;
+}
+
+QPixmap Star(const QColor& colour, int side, qreal scale) {
+  QPixmap pixmap(QSize(side, side) * scale);
+  pixmap.setDevicePixelRatio(scale);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colour);
+  painter.drawPolygon(StarIn(QRectF(0, 0, side, side)));
+  return pixmap;
+}
+
+/// Marks the row of the tuned channel by a bar before its number and a favourite by a star after its station. Shows the
+/// full text as a tip only where it is cut off, and what is said of the row everywhere.
+class CellDelegate final : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QStyledItemDelegate::paint(painter, option, index);
+    // On the selected row its colour would not be seen.
+    if (index.column() != radio::ChannelGrid::Number || (option.state & QStyle::State_Selected) != 0 ||
+        !index.data(ChannelGridModel::kTunedRole).toBool())
+      return;
+    constexpr int kBar = 3;
+    painter->fillRect(QRect(option.rect.topLeft(), QSize(kBar, option.rect.height())),
+                      option.palette.color(QPalette::Highlight));
+  }
 
   bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                  const QModelIndex& index) override {
@@ -31,12 +75,30 @@ class CutTextDelegate final : public QStyledItemDelegate {
     QToolTip::showText(event->globalPos(), tips.join(QStringLiteral("<br>")), view);
     return true;
   }
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (index.column() != radio::ChannelGrid::Station ||
+        !index.data(ChannelGridModel::kFavouriteRole).toBool())
+      return;
+    const int side = option->fontMetrics.ascent();
+    const qreal scale = option->widget != nullptr ? option->widget->devicePixelRatioF() : 1;
+    QIcon star;
+    star.addPixmap(Star(option->palette.color(QPalette::Text), side, scale));
+    star.addPixmap(Star(option->palette.color(QPalette::HighlightedText), side, scale), QIcon::Selected);
+    option->icon = star;
+    option->features |= QStyleOptionViewItem::HasDecoration;
+    option->decorationSize = QSize(side, side);
+    option->decorationPosition = QStyleOptionViewItem::Right;
+    option->decorationAlignment = Qt::AlignCenter;
+  }
 };
 
 }  // namespace
 
 ChannelView::ChannelView(QWidget* parent) : QTableView(parent) {
-  setItemDelegate(new CutTextDelegate(this));
+  setItemDelegate(new CellDelegate(this));
   setSelectionMode(SingleSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
@@ -85,11 +147,19 @@ void ChannelView::keyPressEvent(QKeyEvent* event) {
     event->ignore();
     return;
   }
+  const QString text = event->text();
+  const bool modified = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != 0;
+  if (!modified && !text.isEmpty() && text.front().isPrint() && !text.front().isSpace()) {
+    Typed(text);
+    return;
+  }
   BeforeInput();
   TellMove([&] { QTableView::keyPressEvent(event); });
 }
 
 void ChannelView::mousePressEvent(QMouseEvent* event) {
+  // The button of the menu chooses no channel.
+  if (event->button() == Qt::RightButton) return;
   BeforeInput();
   const bool moved = TellMove([&] { QTableView::mousePressEvent(event); });
   const bool left = event->button() == Qt::LeftButton;
@@ -113,6 +183,23 @@ void ChannelView::mouseDoubleClickEvent(QMouseEvent* event) {
   pressedRow_ = 0;
   const QModelIndex cell = indexAt(event->position().toPoint());
   if (cell.isValid()) DoubleClicked(cell.row() + 1, cell.column());
+}
+
+void ChannelView::contextMenuEvent(QContextMenuEvent* event) {
+  BeforeInput();
+  if (event->reason() != QContextMenuEvent::Keyboard) {
+    if (const QModelIndex cell = indexAt(event->pos()); cell.isValid())
+      MenuAsked(cell.row() + 1, event->globalPos());
+    return;
+  }
+  if (!currentIndex().isValid()) return;
+  scrollTo(currentIndex());
+  const QRect cell = visualRect(currentIndex().siblingAtColumn(radio::ChannelGrid::Station));
+  MenuAsked(SelectedRow(), viewport()->mapToGlobal(cell.bottomLeft()));
+}
+
+bool ChannelView::ShowsSelectedRow() const {
+  return currentIndex().isValid() && viewport()->rect().intersects(visualRect(currentIndex()));
 }
 
 }  // namespace kestrune::windows

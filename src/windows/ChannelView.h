@@ -19,10 +19,16 @@ class ChannelView final : public QTableView {
   /// The row that was already current was clicked.
   std::function<void(int row)> Clicked = [](int) {};
   std::function<void(int row, int column)> DoubleClicked = [](int, int) {};
+  /// The menu of a row was asked for, by key or mouse, at a place of the screen.
+  std::function<void(int row, QPoint where)> MenuAsked = [](int, QPoint) {};
+  /// A letter or a digit was typed.
+  std::function<void(const QString& text)> Typed = [](const QString&) {};
 
   /// Selects the row; 0 clears the selection.
   void SelectRow(int row);
   [[nodiscard]] int SelectedRow() const { return currentIndex().row() + 1; }
+  /// Whether any of the selected row is in view.
+  [[nodiscard]] bool ShowsSelectedRow() const;
 
  protected:
   /// Always selects one row, whatever modifier keys are held.
@@ -33,6 +39,7 @@ class ChannelView final : public QTableView {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   template <typename Handle>

@@ -53,11 +53,13 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
   rules.ChannelsWindow().ClearChannelListing = [this] {
     rules_.Switches().Click(WindowName::Channels, false);
   };
+  rules.ChannelMenu().ShowHistory = [this](std::int16_t channel) { ShowHistory(channel); };
   rules.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeChannels() {
-  auto window = std::make_unique<frmChannels>(rules_.ChannelsWindow(), parts_.Section);
+  auto window = std::make_unique<frmChannels>(rules_.ChannelsWindow(), rules_.ListedChannels(),
+                                              rules_.ChannelMenu(), parts_.Section);
   window->HotKey = [this](int key) { desktop_.PassKey(key); };
   return Opened(std::move(window));
 }
@@ -117,6 +119,12 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeMixer() {
   return Opened(std::make_unique<frmMixer>(mixer_, parts_.Section));
+}
+
+void UnitWindows::ShowHistory(std::int16_t channel) {
+  rules_.Switches().Click(WindowName::Report, true);
+  if (auto* report = dynamic_cast<frmReport*>(desktop_.WidgetOf(WindowName::Report)))
+    report->ShowSongsOf(channel);
 }
 
 void UnitWindows::ShowRadioID() {

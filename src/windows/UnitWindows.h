@@ -46,6 +46,7 @@ class UnitWindows {
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeShelf();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeConfig();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeMixer();
+  void ShowHistory(std::int16_t channel);
   void ShowRadioID();
   void AskForList();
 

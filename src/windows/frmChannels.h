@@ -6,18 +6,27 @@
 
 #include "config/settings/SettingsSection.h"
 #include "presenters/ChannelChooser.h"
+#include "presenters/ChannelListing.h"
+#include "presenters/ChannelMenu.h"
+
+class QCheckBox;
+class QHBoxLayout;
+class QLabel;
+class QLineEdit;
 
 namespace kestrune::windows {
 
 class ChannelGridModel;
 class ChannelView;
+class RowMenu;
 
-/// The list of all channels and what they play. It lives as long as the program; a close only hides it, until
-/// the program ends.
+/// The list of all channels and what they play, under a line that searches it. It lives as long as the program; a close
+/// only hides it, until the program ends.
 class frmChannels final : public QWidget {
  public:
-  /// Places itself. Both references must outlive the window.
-  frmChannels(presenters::ChannelChooser& rules, const config::SettingsSection& section,
+  /// Places itself. All references must outlive the window.
+  frmChannels(presenters::ChannelChooser& rules, presenters::ChannelListing& listing,
+              presenters::ChannelMenu& menu, const config::SettingsSection& section,
               QWidget* parent = nullptr);
 
   /// A key of the main window was pressed, in HotKeyOf's numbering: pass it the focus and the key.
@@ -31,15 +40,31 @@ class frmChannels final : public QWidget {
   void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  [[nodiscard]] QHBoxLayout* MakeSearchLine();
+  void BindList();
   void ShowWidths();
+  void ShowSorting();
   void ClickTitle(int column);
+  void Search(const QString& text);
+  void ToSearchLine();
+  void ToList();
+  [[nodiscard]] bool PressInSearchLine(const QKeyEvent& event);
+  void ShowTuned();
+  void ScrollToSelected();
 
   presenters::ChannelChooser& rules_;
+  presenters::ChannelListing& listing_;
+  presenters::ChannelMenu& menu_;
   const config::SettingsSection& section_;
+  QLineEdit* txtSearch_;
+  QLabel* lblFound_;
+  QCheckBox* chkFavouritesFirst_;
   ChannelGridModel* model_;
   ChannelView* grdChannels_;
+  RowMenu* mnuRow_;
   std::array<int, radio::ChannelGrid::kColumns> widths_{};
 };
 

@@ -100,6 +100,16 @@ QWidget* frmReport::MakeNights() {
   return page;
 }
 
+void frmReport::ShowSongsOf(std::int16_t channel) {
+  {
+    // Turning the page alone would ask for what was chosen before.
+    const QSignalBlocker quiet(tabReport_);
+    tabReport_->setCurrentWidget(played_);
+  }
+  mostPlayed_.ShowSongsOf(channel);
+  Refresh();
+}
+
 void frmReport::Refresh() {
   played_->Refresh();
   if (changes_ == rules_.Changes()) return;

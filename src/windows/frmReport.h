@@ -32,6 +32,8 @@ class frmReport final : public QWidget {
   std::function<void()> Closed;
 
   void Refresh();
+  /// Turns to what a channel has played most.
+  void ShowSongsOf(std::int16_t channel);
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -132,6 +132,16 @@ TEST_F(GrabKillTest, AnEntryThatCannotBeWrittenIsLoggedAndAskedForAgain) {
   EXPECT_THAT(editor_.Column(3).lstRestrict, ElementsAre("Rain")) << "once, when it is in the file";
 }
 
+TEST_F(GrabKillTest, ATextWhoseListIsKnownIsAskedForOnlyIfItCannotBeWritten) {
+  answer_ = 1;
+  addition_.Add(GrabKill::Field::Artist, true, "Salt && Sand");
+  EXPECT_EQ(question_, "");
+  files_.FailNext(FileOperation::Append, 1);
+  addition_.Add(GrabKill::Field::Song, true, "Low && High");
+  EXPECT_THAT(question_, ::testing::HasSubstr("the Song \"Low &&&& High\""));
+  EXPECT_EQ(files_.Text(kPath), "2Salt && Sand\n1Low && High\n");
+}
+
 TEST_F(GrabKillTest, AnAdditionToAFileThatCannotBeReadStartsALineOfItsOwn) {
   files_.Put(kPath, "0Moon");
   lists_.LoadRestrictions();

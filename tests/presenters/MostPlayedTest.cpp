@@ -77,6 +77,17 @@ TEST_F(MostPlayedTest, AWeekOfArtistsOnAllChannelsIsCountedFirst) {
   EXPECT_EQ(store.LastCount.Limit, MostPlayed::kRows);
 }
 
+TEST_F(MostPlayedTest, TheSongsOfOneChannelCanBeAskedForFromOutside) {
+  rules->ShowSongsOf(47);
+  loop.Run(1s);
+  EXPECT_THAT(Rows(), ElementsAre("1 Abigail Wren - Winter Apples", "1 Abigail Wren - Low Water"));
+  EXPECT_EQ(rules->Channels().Text(), "47 - Campfire Folk");
+  rules->ShowSongsOf(99);
+  loop.Run(1s);
+  EXPECT_EQ(rules->Channels().Text(), "all channels");
+  EXPECT_THAT(Rows(), ElementsAre("2 Abigail Wren - Winter Apples", "1 Abigail Wren - Low Water"));
+}
+
 TEST_F(MostPlayedTest, SongsAreCountedWithTheirTitles) {
   Show();
   Choose(&MostPlayed::cboPlayedAs, 1);

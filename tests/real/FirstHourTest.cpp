@@ -149,7 +149,8 @@ TEST_F(FirstHour, ChannelsAreWalkedRecordedListedAndPreset) {
   const std::size_t before = TunedChannels().size();
   screen_.Press(kChannels, {"Down", "Down"});
   EXPECT_TRUE(WaitForChannel(5));
-  screen_.Click(kChannels, 100, 34);
+  constexpr int kSearchLine = 33;  // above the list
+  screen_.Click(kChannels, 100, kSearchLine + 34);
   EXPECT_TRUE(WaitForChannel(1));
   const std::vector<int> tuned = TunedChannels();
   EXPECT_EQ(std::vector<int>(tuned.begin() + static_cast<std::ptrdiff_t>(before), tuned.end()),

@@ -45,7 +45,8 @@ class ChannelGridModelTest : public ::testing::Test {
   [[nodiscard]] int Rows() const { return model.rowCount(); }
 
   ChannelGrid grid;
-  ChannelGridModel model{grid};
+  presenters::ChannelListing listing{grid};
+  ChannelGridModel model{listing};
   QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
   QSignalSpy changed{&model, &QAbstractItemModel::dataChanged};
   QSignalSpy inserted{&model, &QAbstractItemModel::rowsInserted};

@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFont>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
@@ -34,6 +35,7 @@
 #include "windows/Controls.h"
 #include "windows/DesktopRig.h"
 #include "windows/QtDialogs.h"
+#include "windows/RowMenu.h"
 #include "windows/UnitWindows.h"
 #include "windows/frmLegal.h"
 #include "windows/frmPleaseWait.h"
@@ -249,6 +251,30 @@ void TakeShelf(Stage& stage) {
   stage.Take(window, QStringLiteral("frmShelf-kept"));
 }
 
+/// As it opens, sorted with favourites first, after a search, and with the menu of a row.
+void TakeChannels(Stage& stage) {
+  QWidget& window = stage.Open(WindowName::Channels);
+  stage.Take(window, QStringLiteral("frmChannels"));
+  for (const std::int16_t channel : {44, 47, 110})
+    stage.Rig.Unit.Rules->ChannelMenu().ToggleFavourite(channel);
+  stage.Rig.Unit->cmdStop();
+  stage.Rig.Unit.Rules->ChannelsWindow().ClickTitle(1);
+  Find<QCheckBox>(window, "chkFavouritesFirst").click();
+  stage.Take(window, QStringLiteral("frmChannels-favourites"));
+  auto& search = Find<QLineEdit>(window, "txtSearch");
+  search.setText(stage.Extreme ? QStringLiteral("wwwwwwww 1") : QStringLiteral("4"));
+  stage.Take(window, QStringLiteral("frmChannels-search"));
+  search.clear();
+  auto& menu = Find<windows::RowMenu>(window, "mnuRow");
+  menu.Open(1, QPoint(20, 20));
+  stage.Take(menu, QStringLiteral("frmChannels-menu"));
+  menu.close();
+  for (QMenu* list : menu.findChildren<QMenu*>(Qt::FindDirectChildrenOnly)) {
+    if (list->title() == QLatin1String("&Preset")) stage.Take(*list, QStringLiteral("frmChannels-presets"));
+    list->close();
+  }
+}
+
 void TakeLists(Stage& stage) {
   Play(stage);
   stage.Rig.Unit->cmdRecord();
@@ -261,7 +287,7 @@ void TakeLists(Stage& stage) {
       stage.Rig.Unit->Parts().Log.DoLog(fmt::format("<b>Line</b> {} & {:->200}", line, ">"));
     }
   }
-  stage.TakeOpened(WindowName::Channels, QStringLiteral("frmChannels"));
+  TakeChannels(stage);
   stage.TakeOpened(WindowName::Log, QStringLiteral("frmLog"));
   stage.TakeOpened(WindowName::KestruneNow, QStringLiteral("frmKestruneNow"));
   stage.TakeOpened(WindowName::Presets, QStringLiteral("frmPresets"));

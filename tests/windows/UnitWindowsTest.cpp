@@ -395,6 +395,24 @@ TEST_F(UnitWindowsTest, NothingIsAskedWhereNothingPlays) {
   EXPECT_THAT(rig.Unit.Dialogs.Shown, IsEmpty());
 }
 
+TEST_F(UnitWindowsTest, TheHistoryOfAChannelIsThePageOfTheReportWithItsSongs) {
+  rig.Unit.StartIdle();
+  rig.Unit.Rules->ChannelMenu().ShowHistory(45);
+  rig.Run(1s);
+  QWidget& report = rig.Window(WindowName::Report);
+  EXPECT_TRUE(report.isVisible());
+  EXPECT_TRUE(rig.Record().chkReport);
+  auto& channel = Find<QComboBox>(report, "cboPlayedChannel");
+  EXPECT_TRUE(channel.isVisible());
+  EXPECT_TRUE(channel.currentText().startsWith(QStringLiteral("45 - ")))
+      << channel.currentText().toStdString();
+  EXPECT_EQ(Find<QComboBox>(report, "cboPlayedAs").currentText(), QStringLiteral("Songs"));
+  // Once more for another channel, with the report open.
+  rig.Unit.Rules->ChannelMenu().ShowHistory(46);
+  rig.Run(1s);
+  EXPECT_TRUE(channel.currentText().startsWith(QStringLiteral("46 - ")));
+}
+
 TEST_F(UnitWindowsTest, ADoubleClickInTheChannelsAsksForTheList) {
   rig.Unit.StartIdle();
   rig.Unit.NextSong("Wind & Water", "Salt & Sand");

@@ -1,5 +1,10 @@
 #include <QAbstractItemModel>
+#include <QAction>
+#include <QCheckBox>
+#include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
@@ -10,8 +15,11 @@
 #include <gtest/gtest.h>
 
 #include "presenters/ChannelChooser.h"
+#include "presenters/ChannelMenuRig.h"
 #include "radio/channels/ChannelsFixture.h"
 #include "support/MemorySettingsStore.h"
+#include "windows/ChannelGridModel.h"
+#include "windows/Controls.h"
 #include "windows/frmChannels.h"
 
 namespace kestrune::test {
@@ -36,7 +44,7 @@ class frmChannelsTest : public ChannelsFixture {
   }
 
   void Open() {
-    window = std::make_unique<windows::frmChannels>(chooser, section);
+    window = std::make_unique<windows::frmChannels>(chooser, rig.Listing, rig.Menu, section);
     window->HotKey = [this](int key) { keys.push_back(key); };
     window->show();
     QCoreApplication::processEvents();
@@ -63,6 +71,14 @@ class frmChannelsTest : public ChannelsFixture {
     const QHeaderView* header = view->horizontalHeader();
     return {header->sectionViewportPosition(column) + header->sectionSize(column) / 2, header->height() / 2};
   }
+  void RightClick(int row) {
+    const QPoint place = Place(row, 1);
+    QTest::mouseClick(view->viewport(), Qt::RightButton, {}, place);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, view->viewport()->mapToGlobal(place));
+    QCoreApplication::sendEvent(view->viewport(), &event);
+  }
+  [[nodiscard]] QAction& action(const char* name) { return Find<QAction>(*window, name); }
+  [[nodiscard]] QLineEdit& search() { return Find<QLineEdit>(*window, "txtSearch"); }
   void ClickTitle(int column) {
     QTest::mouseClick(view->horizontalHeader()->viewport(), Qt::LeftButton, {}, PlaceOfTitle(column));
   }
@@ -89,6 +105,7 @@ class frmChannelsTest : public ChannelsFixture {
 
   std::unique_ptr<base::Timer> tmrUpdate = loop.MakeTimer(Milliseconds(3600000), [] {});
   presenters::ChannelChooser chooser{channels, run, sounds, loop, *tmrUpdate, [this] { return recording; }};
+  ChannelMenuRig rig{channels, sounds, Keys(), chooser, [this] { return recording; }};
   MemorySettingsStore store;
   config::SettingsSection section{store};
   std::unique_ptr<windows::frmChannels> window;
@@ -130,7 +147,8 @@ TEST_F(frmChannelsTest, OnlyTheHeightCanBeChangedAndNotBelow2000Twips) {
   window->resize(100, 700);
   EXPECT_EQ(window->width(), 571);
   EXPECT_EQ(window->height(), 700);
-  EXPECT_EQ(view->height(), 700);
+  // Above the grid is the line that searches it.
+  EXPECT_EQ(view->height(), 700 - 33);
 }
 
 TEST_F(frmChannelsTest, MaximisingIsRefused) {
@@ -404,6 +422,239 @@ TEST_F(frmChannelsTest, HotKeysGoToTheMainWindowAndNoOthers) {
   QTest::keyClick(view, Qt::Key_R);
   EXPECT_EQ(keys, expected);
   EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+}
+
+// Searching.
+
+TEST_F(frmChannelsTest, ControlFLeadsToTheSearchLineAndEscapeBackToTheWholeList) {
+  Open();
+  EXPECT_TRUE(view->hasFocus());
+  QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
+  EXPECT_TRUE(search().hasFocus());
+  QTest::keyClicks(&search(), "abba");
+  EXPECT_THAT(Shown(), ElementsAre(45));
+  EXPECT_EQ(Find<QLabel>(*window, "lblFound").text(), QStringLiteral("1 of 3"));
+  QTest::keyClick(&search(), Qt::Key_Escape);
+  EXPECT_TRUE(view->hasFocus());
+  EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
+  EXPECT_TRUE(Find<QLabel>(*window, "lblFound").isHidden());
+  EXPECT_EQ(cleared, 0);
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled()) << "searching tunes nothing";
+}
+
+TEST_F(frmChannelsTest, EscapeInTheListEndsTheSearchBeforeItClosesTheWindow) {
+  Open();
+  search().setText(QStringLiteral("abba"));
+  view->setFocus();
+  QTest::keyClick(view, Qt::Key_Escape);
+  EXPECT_EQ(cleared, 0);
+  EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
+  QTest::keyClick(view, Qt::Key_Escape);
+  EXPECT_EQ(cleared, 1);
+}
+
+TEST_F(frmChannelsTest, WhatIsTypedInTheListGoesToTheSearchLine) {
+  Open();
+  QTest::keyClick(view, 'w');
+  EXPECT_TRUE(search().hasFocus());
+  QTest::keyClicks(&search(), "ater");
+  EXPECT_EQ(search().text(), QStringLiteral("water"));
+  EXPECT_THAT(Shown(), ElementsAre(45));
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+}
+
+TEST_F(frmChannelsTest, AnArrowKeyGoesFromTheLineToTheRowsFound) {
+  Open();
+  QTest::keyClick(&search(), Qt::Key_Down);
+  EXPECT_TRUE(view->hasFocus());
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled()) << "nothing was searched";
+  search().setText(QStringLiteral("o"));
+  EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
+  search().setText(QStringLiteral("oo"));
+  EXPECT_THAT(Shown(), ElementsAre(45));
+  search().setText(QStringLiteral("ou"));
+  QTest::keyClick(&search(), Qt::Key_Down);
+  EXPECT_TRUE(view->hasFocus());
+  EXPECT_THAT(Selected(), ElementsAre(46));
+  Wait(300);
+  EXPECT_EQ(channels.ChannelNumber(), 46);
+}
+
+TEST_F(frmChannelsTest, ReturnInTheLineTunesTheFirstRowFound) {
+  Open();
+  search().setText(QStringLiteral("abba"));
+  QTest::keyClick(&search(), Qt::Key_Return);
+  EXPECT_THAT(Selected(), ElementsAre(45));
+  EXPECT_EQ(chooser.PendingChannel(), 45);
+  Wait(300);
+  EXPECT_EQ(channels.ChannelNumber(), 45);
+  recording = true;
+  search().setText(QStringLiteral("yes"));
+  QTest::keyClick(&search(), Qt::Key_Return);
+  EXPECT_THAT(sounds.Played, ElementsAre("SystemAsterisk"));
+  search().setText(QStringLiteral("nothing"));
+  QTest::keyClick(&search(), Qt::Key_Return);
+  EXPECT_EQ(sounds.Played.size(), 1U);
+}
+
+TEST_F(frmChannelsTest, AClickAmongTheRowsFoundChoosesTheChannelOfThatRow) {
+  Open();
+  search().setText(QStringLiteral("yes"));
+  Click(1);
+  EXPECT_EQ(chooser.PendingChannel(), 46);
+  DoubleClick(1, ChannelGrid::Song);
+  EXPECT_THAT(offered, ElementsAre("Song: Roundabout"));
+}
+
+TEST_F(frmChannelsTest, HotKeysGoFromTheSearchLineToTheMainWindowToo) {
+  Open();
+  for (const Qt::Key key : {Qt::Key_K, Qt::Key_U, Qt::Key_E, Qt::Key_Y, Qt::Key_H, Qt::Key_F5})
+    QTest::keyClick(&search(), key, Qt::ControlModifier);
+  EXPECT_THAT(keys, ElementsAre('K', 'U', 'E', 'Y', 'H', 116));
+  QTest::keyClick(&search(), Qt::Key_3, Qt::ControlModifier);
+  EXPECT_THAT(Shown(), ElementsAre(45, 44, 46));
+}
+
+TEST_F(frmChannelsTest, TabGoesFromTheListOverTheSearchLineToTheFavourites) {
+  Open();
+  QTest::keyClick(view, Qt::Key_Tab);
+  EXPECT_TRUE(search().hasFocus());
+  QTest::keyClick(&search(), Qt::Key_Tab);
+  EXPECT_TRUE(Find<QCheckBox>(*window, "chkFavouritesFirst").hasFocus());
+}
+
+// Marks.
+
+TEST_F(frmChannelsTest, TheTunedRowIsBoldWhereverTheSelectionIs) {
+  Open();
+  QTest::keyClick(view, Qt::Key_Down);
+  const auto bold = [this](int row) {
+    return view->model()->index(row - 1, 1).data(Qt::FontRole).value<QFont>().bold();
+  };
+  EXPECT_TRUE(bold(1));
+  EXPECT_FALSE(bold(2));
+  EXPECT_EQ(view->model()->index(0, 0).data(Qt::AccessibleDescriptionRole).toString(),
+            QStringLiteral("tuned"));
+  Wait(300);
+  window->Refresh();
+  EXPECT_FALSE(bold(1));
+  EXPECT_TRUE(bold(2));
+}
+
+TEST_F(frmChannelsTest, TheArrowIsOnTheColumnThatWasSortedByLast) {
+  Open();
+  const QHeaderView& titles = *view->horizontalHeader();
+  EXPECT_EQ(titles.sortIndicatorSection(), -1);
+  ClickTitle(ChannelGrid::Artist);
+  EXPECT_EQ(titles.sortIndicatorSection(), ChannelGrid::Artist);
+  EXPECT_EQ(titles.sortIndicatorOrder(), Qt::AscendingOrder);
+  ClickTitle(ChannelGrid::Artist);
+  EXPECT_EQ(titles.sortIndicatorOrder(), Qt::DescendingOrder);
+  recording = true;
+  ClickTitle(ChannelGrid::Song);
+  EXPECT_EQ(titles.sortIndicatorSection(), ChannelGrid::Artist) << "nothing was sorted";
+  EXPECT_EQ(titles.sortIndicatorOrder(), Qt::DescendingOrder);
+  // The told mark is the text of the first title all the same.
+  EXPECT_EQ(view->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("> "));
+  channels.Grid().Clear();
+  channels.Grid().FormSetup();
+  window->Refresh();
+  EXPECT_EQ(titles.sortIndicatorSection(), -1);
+}
+
+TEST_F(frmChannelsTest, RowsThatComeAboveDoNotPushTheTunedRowOutOfView) {
+  Many();
+  Open();
+  ClickTitle(ChannelGrid::Number);
+  ASSERT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+  for (int channel = 2; channel <= 40; ++channel) Plays(static_cast<std::uint8_t>(channel), "Low");
+  channels.Grid().Sort(ChannelGrid::Number, ChannelGrid::Order::Ascending);
+  window->Refresh();
+  EXPECT_GT(view->currentIndex().row(), 30);
+  EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+}
+
+TEST_F(frmChannelsTest, ControlJShowsTheTunedRowAgain) {
+  Many();
+  Open();
+  view->scrollToBottom();
+  QTest::keyClick(view, Qt::Key_J, Qt::ControlModifier);
+  EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
+  search().setText(QStringLiteral("abba"));
+  QTest::keyClick(&search(), Qt::Key_J, Qt::ControlModifier);
+  EXPECT_THAT(Selected(), ElementsAre(44));
+}
+
+TEST_F(frmChannelsTest, FavouritesComeFirstIfTheBoxIsTicked) {
+  rig.Favourites.Toggle(46);
+  Open();
+  auto& box = Find<QCheckBox>(*window, "chkFavouritesFirst");
+  EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
+  box.click();
+  EXPECT_THAT(Shown(), ElementsAre(46, 44, 45));
+  EXPECT_TRUE(rig.Favourites.First());
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  // The arrow keys follow what is seen.
+  QTest::keyClick(view, Qt::Key_Up);
+  EXPECT_EQ(chooser.PendingChannel(), 46);
+  box.click();
+  EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
+}
+
+// The menu of a row.
+
+TEST_F(frmChannelsTest, TheRightButtonOpensTheMenuOfItsRowAndChoosesNothing) {
+  Open();
+  RightClick(2);
+  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
+  EXPECT_THAT(Selected(), ElementsAre(44));
+  EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
+  action("mnuTune").trigger();
+  EXPECT_EQ(chooser.PendingChannel(), 45);
+}
+
+TEST_F(frmChannelsTest, TheMenuKeyOpensTheMenuOfTheSelectedRow) {
+  Open();
+  QTest::keyClick(view, Qt::Key_Down);
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+  QCoreApplication::sendEvent(view->viewport(), &event);
+  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
+}
+
+TEST_F(frmChannelsTest, WhatTheMenuOffersIsDone) {
+  std::int16_t shown = 0;
+  rig.Menu.ShowHistory = [&](std::int16_t channel) { shown = channel; };
+  Plays(47, "Rhythm & Blues", "Salt & Sand", "");
+  Open();
+  RightClick(4);
+  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 47 - Rhythm && Blues"));
+  action("mnuFavourite").trigger();
+  action("mnuPreset_4").trigger();
+  action("mnuKillArtist").trigger();
+  action("mnuHistory").trigger();
+  EXPECT_TRUE(rig.Favourites.Has(47));
+  EXPECT_EQ(stored["Preset5"], "47 - Rhythm & Blues");
+  EXPECT_EQ(rig.Listed(), "2Salt & Sand\n");
+  EXPECT_EQ(shown, 47);
+  EXPECT_EQ(window->findChild<QAction*>(QStringLiteral("mnuGrabSong")), nullptr) << "there is no song";
+  EXPECT_TRUE(view->model()->index(3, 1).data(windows::ChannelGridModel::kFavouriteRole).toBool());
+}
+
+TEST_F(frmChannelsTest, TheMenuBelongsToItsChannelEvenIfRowsMoveMeanwhile) {
+  Open();
+  RightClick(1);
+  channels.Grid().Sort(ChannelGrid::Number, ChannelGrid::Order::Descending);
+  window->Refresh();
+  action("mnuFavourite").trigger();
+  EXPECT_TRUE(rig.Favourites.Has(44));
+}
+
+TEST_F(frmChannelsTest, WhileRecordingTheMenuTunesNothing) {
+  Open();
+  recording = true;
+  RightClick(2);
+  EXPECT_FALSE(action("mnuTune").isEnabled());
+  EXPECT_TRUE(action("mnuFavourite").isEnabled());
 }
 
 // Closing.

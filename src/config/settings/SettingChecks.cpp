@@ -1,10 +1,12 @@
 #include "config/settings/SettingChecks.h"
 
 #include <algorithm>
+#include <set>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "base/Numbers.h"
 #include "base/Text.h"
 #include "config/formats/FormatTable.h"
 #include "platform/CaptureFormat.h"
@@ -98,6 +100,20 @@ base::Result CheckShelfMegabytes(Settings& wished, const platform::Environment& 
 base::Result CheckFileFormat(Settings& wished, const platform::Environment& /*environment*/) {
   if (FindFormat(wished.FileFormat) != nullptr) return base::Result::Done();
   return base::Result::Failed(fmt::format("is not one of {}", fmt::join(FileFormats(), ", ")));
+}
+
+base::Result CheckFavourites(Settings& wished, const platform::Environment& /*environment*/) {
+  constexpr std::int16_t kLastChannel = 255;
+  std::set<std::int16_t> channels;
+  for (const std::string& word : base::Split(wished.Favourites, ' ')) {
+    if (word.empty()) continue;
+    const auto channel = base::ToInt16(word);
+    if (!channel || *channel < 0 || *channel > kLastChannel)
+      return base::Result::Failed(fmt::format("is not a list of numbers from 0 to {}", kLastChannel));
+    channels.insert(*channel);
+  }
+  wished.Favourites = fmt::format("{}", fmt::join(channels, " "));
+  return base::Result::Done();
 }
 
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& /*environment*/) {

@@ -39,6 +39,8 @@ base::Result CheckShelfFolder(Settings& wished, const platform::Environment& env
 base::Result CheckShelfSongs(Settings& wished, const platform::Environment& environment);
 /// Fails outside 1 to kMostShelfMegabytes.
 base::Result CheckShelfMegabytes(Settings& wished, const platform::Environment& environment);
+/// Puts the numbers into order, each once, one blank between two. Fails for anything that is not a number from 0 to 255.
+base::Result CheckFavourites(Settings& wished, const platform::Environment& environment);
 /// Cleans it.
 base::Result CheckFilenameFormat(Settings& wished, const platform::Environment& environment);
 

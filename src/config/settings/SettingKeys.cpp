@@ -114,6 +114,8 @@ constexpr SettingKey kSettingKeys[] = {
     Row<&Settings::ShelfFolder>("ShelfFolder").CheckedBy(CheckShelfFolder),
     Row<&Settings::ShelfSongs>("ShelfSongs").CheckedBy(CheckShelfSongs),
     Row<&Settings::ShelfMegabytes>("ShelfMegabytes").CheckedBy(CheckShelfMegabytes),
+    Row<&Settings::Favourites>("Favourites").CheckedBy(CheckFavourites),
+    Row<&Settings::FavouritesFirst>("FavouritesFirst"),
 
     Record<&Settings::Format726, &Format726::Bits>("726_Bits"),
     Record<&Settings::Format726, &Format726::Frequency>("726_Frequency"),
@@ -206,6 +208,7 @@ void LoadSettings(const SettingsSection& section, const platform::Environment& e
   if (!CheckOpusBitrate(settings, environment).Ok())
     settings.FormatOPUS.Bitrate = defaults.FormatOPUS.Bitrate;
   if (!CheckShelfSongs(settings, environment).Ok()) settings.ShelfSongs = defaults.ShelfSongs;
+  if (!CheckFavourites(settings, environment).Ok()) settings.Favourites = defaults.Favourites;
   if (!CheckShelfMegabytes(settings, environment).Ok()) settings.ShelfMegabytes = defaults.ShelfMegabytes;
   if (settings.FileDir == defaults.FileDir || settings.FileDir.empty())
     settings.FileDir = environment.DefaultRecordingFolder();

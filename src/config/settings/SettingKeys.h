@@ -74,7 +74,7 @@ struct SettingKey {
 [[nodiscard]] const SettingKey* FindSettingKey(std::string_view key);
 
 /// Reads every setting. A value that cannot be read becomes the default, and so does an overlap, a FLAC level or an Opus bit
-/// rate out of its range. So does a folder of recordings that is absent, empty or the product's default "C:\": here the
+/// rate out of its range, or a list of favourites that is none. So does a folder of recordings that is absent, empty or the product's default "C:\": here the
 /// default is the environment's.
 void LoadSettings(const SettingsSection& section, const platform::Environment& environment,
                   Settings& settings);

@@ -57,6 +57,8 @@ struct Settings : FormatSettings {
   std::string ShelfFolder;
   std::int16_t ShelfSongs = 20;       ///< at most so many lie there, 0 to kMostShelfSongs; 0 is none, ever
   std::int32_t ShelfMegabytes = 500;  ///< of at most so many million bytes, 1 to kMostShelfMegabytes
+  std::string Favourites;             ///< channel numbers with blanks between
+  bool FavouritesFirst = false;       ///< the channels window lists them before the others
 
   bool LegalAgreement = false;       ///< the user has accepted the agreement
   std::int16_t ChannelListing = 1;   ///< check state: the channels window is open

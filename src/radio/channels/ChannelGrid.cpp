@@ -44,6 +44,7 @@ void ChannelGrid::SortByColumn(std::int16_t sortColumn, bool ascending) {
   const bool turnRound = !ascending && sortColumn == sortColumn_ && sortOrder_ == 1;
   const Order order = turnRound ? Order::Descending : Order::Ascending;
   Sort(sortColumn, order);
+  sorted_.reset();
   std::string& oldTitle = titles_.at(static_cast<std::size_t>(sortColumn_));
   oldTitle.erase(0, kMarkLength);
   sortColumn_ = sortColumn;
@@ -73,6 +74,7 @@ void ChannelGrid::Sort(int column, Order order) {
   }
   rows_ = std::move(sorted);
   selectedRow_ = selected;
+  sorted_ = {.Column = column, .Direction = order};
   ++revision_;
 }
 
@@ -114,6 +116,7 @@ void ChannelGrid::RemoveRow(int row) {
 void ChannelGrid::Clear() {
   rows_.clear();
   selectedRow_ = 0;
+  sorted_.reset();
   ++revision_;
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,15 @@ class ChannelGrid {
   /// Sorts the rows alone. A text that is a number counts as one and comes before other texts, which are
   /// compared without regard to case; rows with equal texts keep their order. The selection stays on its row.
   void Sort(int column, Order order);
+
+  /// How the rows have been sorted last, apart from what the mark in a title tells: SortByColumn and Clear forget it.
+  struct Sorting {
+    int Column = 0;
+    Order Direction = Order::Ascending;
+
+    bool operator==(const Sorting&) const = default;
+  };
+  [[nodiscard]] const std::optional<Sorting>& Sorted() const { return sorted_; }
 
   [[nodiscard]] const Row& Titles() const { return titles_; }
   /// In twips.
@@ -72,6 +82,7 @@ class ChannelGrid {
   int selectedRow_ = 0;
   std::int16_t sortColumn_ = 0;
   int sortOrder_ = 0;  // 0 before the first sort
+  std::optional<Sorting> sorted_;
   std::uint64_t revision_ = 0;
 };
 

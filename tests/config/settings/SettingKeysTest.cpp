@@ -73,6 +73,8 @@ const Expected kExpected[] = {
     {"ShelfFolder", kText, "", "/shelf/", SHOWS(s.ShelfFolder.empty()), SHOWS(s.ShelfFolder == "/shelf/")},
     {"ShelfSongs", kInt16, "20", "0", SHOWS(s.ShelfSongs == 20), SHOWS(s.ShelfSongs == 0)},
     {"ShelfMegabytes", kInt32, "500", "1", SHOWS(s.ShelfMegabytes == 500), SHOWS(s.ShelfMegabytes == 1)},
+    {"Favourites", kText, "", "44 112", SHOWS(s.Favourites.empty()), SHOWS(s.Favourites == "44 112")},
+    {"FavouritesFirst", kBool, "False", "True", SHOWS(!s.FavouritesFirst), SHOWS(s.FavouritesFirst)},
 
     {"726_Bits", kInt16, "4", "5", SHOWS(s.Format726.Bits == 4), SHOWS(s.Format726.Bits == 5)},
     {"726_Frequency", kInt32, "44100", "48000", SHOWS(s.Format726.Frequency == 44100),
@@ -285,6 +287,13 @@ TEST_F(SettingKeysTest, AStoredShelfOutOfItsRangeBecomesTheDefault) {
   EXPECT_EQ(Load().ShelfSongs, 1000);
   EXPECT_EQ(Load().ShelfMegabytes, 1000000);
   EXPECT_EQ(Load().ShelfFolder, "/disk/shelf/");
+}
+
+TEST_F(SettingKeysTest, StoredFavouritesThatAreNoNumbersAreNone) {
+  Put("Favourites", "rubbish");
+  EXPECT_EQ(Load().Favourites, "");
+  Put("Favourites", "112 44");
+  EXPECT_EQ(Load().Favourites, "44 112");
 }
 
 TEST_F(SettingKeysTest, AStoredOpusBitRateOutOfItsRangeBecomesTheDefault) {

@@ -47,6 +47,7 @@ std::string OtherValue(const config::SettingKey& key, const config::Settings& se
   if (key.Key == "FileDir") return "/srv/songs/";
   if (key.Key == "ShelfFolder") return "/srv/shelf/";
   if (key.Key == "FileFormat") return "VOX";
+  if (key.Key == "Favourites") return "44 112";
   if (key.Key == "MaxSongLength") return "900";
   if (key.Key == "OPUS_Bitrate") return "64";
   switch (key.Type) {
@@ -312,6 +313,14 @@ TEST_F(SettingsDoorTest, TheShelfHasBoundsAndAFolderOfItsOwn) {
   Done("ShelfMegabytes", "1000000", "ShelfMegabytes=1000000");
   Done("ShelfFolder", "/disk/shelf", "ShelfFolder=/disk/shelf/");
   Done("ShelfFolder", "", "ShelfFolder=");
+}
+
+TEST_F(SettingsDoorTest, FavouritesAreNumbersOfChannelsInTheirOrder) {
+  Refused("Favourites", "44, 45", "Favourites: \"44, 45\" is not a list of numbers from 0 to 255");
+  Refused("Favourites", "256", "Favourites: \"256\" is not a list of numbers from 0 to 255");
+  Refused("Favourites", "-1", "Favourites: \"-1\" is not a list of numbers from 0 to 255");
+  Done("Favourites", " 112  44 044", "Favourites=44 112");
+  Done("Favourites", " ", "Favourites=");
 }
 
 TEST_F(SettingsDoorTest, TheOverlapIsFiveSecondsAtMost) {

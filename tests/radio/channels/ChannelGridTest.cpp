@@ -57,6 +57,19 @@ TEST_F(ChannelGridTest, SortingByAnotherColumnMovesTheMark) {
   EXPECT_EQ(grid.Titles()[2], "> Artist");
 }
 
+TEST_F(ChannelGridTest, RemembersHowItsRowsWereSortedUntilTheyGoOrATitleIsMarked) {
+  using Sorting = ChannelGrid::Sorting;
+  EXPECT_FALSE(grid.Sorted());
+  grid.Sort(2, ChannelGrid::Order::Descending);
+  EXPECT_EQ(grid.Sorted(), (Sorting{.Column = 2, .Direction = ChannelGrid::Order::Descending}));
+  grid.FormSetup();
+  EXPECT_FALSE(grid.Sorted());
+  grid.Sort(0, ChannelGrid::Order::Ascending);
+  EXPECT_EQ(grid.Sorted(), (Sorting{.Column = 0, .Direction = ChannelGrid::Order::Ascending}));
+  grid.Clear();
+  EXPECT_FALSE(grid.Sorted());
+}
+
 TEST_F(ChannelGridTest, NumbersSortAsNumbers) {
   for (const std::int16_t number : {100, 9, 45, 10}) Add(number);
   grid.Sort(0, ChannelGrid::Order::Ascending);
