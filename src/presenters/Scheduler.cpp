@@ -58,6 +58,20 @@ void Scheduler::EntriesChanged() {
   Reread();
 }
 
+const SchedulePlan& Scheduler::Plan() {
+  const DateValue now = ports_.Loop.Now();
+  PlanSource source{.Rows = rows_,
+                    .Channels = channels_,
+                    .Listed = listed_,
+                    .BitRatesCount = ports_.BitRatesCount(),
+                    .Now = now.AddSeconds(-now.Second())};
+  if (planned_ != source) {
+    planned_ = std::move(source);
+    plan_ = MakePlan(*planned_);
+  }
+  return plan_;
+}
+
 std::string Scheduler::ChannelItem(const schedule::SchedulerChannel& channel) {
   return fmt::format("{:>3} - {}", channel.Number, channel.Station);
 }

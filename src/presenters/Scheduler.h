@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "base/EventLoop.h"
 #include "base/Journal.h"
 #include "platform/Dialogs.h"
+#include "presenters/SchedulePlan.h"
 #include "schedule/entries/EntryEditors.h"
 #include "schedule/entries/SchedulerRow.h"
 #include "schedule/entries/SchedulerSettings.h"
@@ -22,6 +24,8 @@ struct SchedulerPorts {
   schedule::EntryEditors& Editors;  ///< knows the scheduler while it exists
   schedule::SchedulerSettings Settings;
   std::function<void()> ReloadSchedule;
+  /// Whether an entry's bit rate counts: the recordings are MP3.
+  std::function<bool()> BitRatesCount = [] { return true; };
 };
 
 /// The rules of the scheduler's window: ten rows, start plus duration and end kept in step both ways, overlaps
@@ -40,6 +44,9 @@ class Scheduler final : public schedule::EntryEditor {
   [[nodiscard]] const std::vector<schedule::SchedulerChannel>& Channels() const { return channels_; }
   /// An item of the list of channels: the number right-aligned in three characters, " - " and the station.
   [[nodiscard]] static std::string ChannelItem(const schedule::SchedulerChannel& channel);
+
+  /// What comes of the rows as they are, saved or not. Costs little within one minute in which no row changes.
+  [[nodiscard]] const SchedulePlan& Plan();
 
   /// The value exchanged with the date picker.
   base::DateValue SelDate;
@@ -103,6 +110,8 @@ class Scheduler final : public schedule::EntryEditor {
   bool schedDirty_ = false;
   bool saveFailed_ = false;
   bool calculating_ = false;
+  std::optional<PlanSource> planned_;  // what the plan was made of
+  SchedulePlan plan_;
 };
 
 }  // namespace kestrune::presenters

@@ -92,11 +92,12 @@ std::shared_ptr<Scheduler> UnitPresenters::OpenScheduler() {
       .Dialogs = outside_.Dialogs,
       .Log = parts_.Log,
       .Editors = parts_.EntryEditors,
-      .Settings = {
-          .Read = [&section](std::string_view key, std::string_view text) { return section.Text(key, text); },
-          .Save = [&section](std::string_view key,
-                             std::string_view text) { return section.SaveText(key, text); }},
-      .ReloadSchedule = [this] { unit_.ReloadSchedule(); }};
+      .Settings = {.Read = [&section](std::string_view key,
+                                      std::string_view text) { return section.Text(key, text); },
+                   .Save = [&section](std::string_view key,
+                                      std::string_view text) { return section.SaveText(key, text); }},
+      .ReloadSchedule = [this] { unit_.ReloadSchedule(); },
+      .BitRatesCount = [this] { return unit_.State().Settings.FileFormat == "MP3"; }};
   return std::make_shared<Scheduler>(std::move(ports), unit_.SchedulerChannels());
 }
 

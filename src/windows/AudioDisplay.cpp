@@ -6,6 +6,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "windows/Colours.h"
+
 namespace kestrune::windows {
 namespace {
 
@@ -13,11 +15,6 @@ namespace {
 constexpr std::int32_t kSamples = 9600;
 /// From this level (-6 dB) upwards a level is shown as loud.
 constexpr double kLoudFrom = 0.9;
-
-QColor Mixed(const QColor& a, const QColor& b, double partOfB) {
-  const auto mix = [partOfB](int x, int y) { return static_cast<int>(std::lround(x + (y - x) * partOfB)); };
-  return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
-}
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
@@ -25,8 +26,11 @@
 
 #include "base/Text.h"
 #include "presenters/DateSelect.h"
+#include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/ElidedLabel.h"
 #include "windows/RememberedPlace.h"
+#include "windows/WeekBar.h"
 #include "windows/frmDateSelect.h"
 
 namespace kestrune::windows {
@@ -59,6 +63,11 @@ enum Column : int {
   Clear,
 };
 
+/// The line of the grid with the controls of a row; its plan is on the next one.
+int LineOf(int index) {
+  return 2 * index + 1;
+}
+
 QStringList Numbers(int first, int last, int width) {
   QStringList items;
   for (int number = first; number <= last; ++number) items += ToQt(fmt::format("{:0{}}", number, width));
@@ -76,6 +85,20 @@ void Tighten(QPushButton& button, const char* widest) {
   const QFontMetrics metrics = button.fontMetrics();
   button.setFixedWidth(metrics.horizontalAdvance(QLatin1String(widest)) + 3 * metrics.averageCharWidth());
 }
+
+/// Makes the row below it faint, whose controls work all the same.
+class Veil final : public QWidget {
+ public:
+  explicit Veil(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    constexpr float kShare = 0.5F;
+    QColor window = palette().color(QPalette::Window);
+    window.setAlphaF(kShare);
+    QPainter(this).fillRect(rect(), window);
+  }
+};
 
 /// Its popup is as wide as its items. If its own width does not follow them, it elides a long text.
 class NarrowList final : public QComboBox {
@@ -119,7 +142,8 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
       minutes_(Numbers(0, 59, 2)),
       halves_({QStringLiteral("AM"), QStringLiteral("PM")}),
       durationHours_(Numbers(0, 47, 1)),
-      bitRates_(ToList(schedule::SchedulerBitRates())) {
+      bitRates_(ToList(schedule::SchedulerBitRates())),
+      weekBar_(new WeekBar(this)) {
   setObjectName(QStringLiteral("frmSchedule"));
   setWindowTitle(QStringLiteral("Kestrune Scheduler"));
   setAttribute(Qt::WA_DeleteOnClose);
@@ -133,10 +157,12 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
   grid->setVerticalSpacing(letter / 2);
   for (const Column gap : {StartGap, DurationGap, EndGap, ModesGap, ClearGap})
     grid->setColumnMinimumWidth(gap, letter);
+  // Its heading stands apart from the next one.
+  grid->setColumnMinimumWidth(Enabled, 4 * letter);
   grid->setColumnStretch(Channel, 1);
   MakeHeadings(*grid);
   for (int index = 0; index < schedule::kSchedulerRows; ++index) MakeRow(index, *grid, page);
-  grid->setRowStretch(schedule::kSchedulerRows + 1, 1);
+  grid->setRowStretch(2 * schedule::kSchedulerRows + 1, 1);
 
   auto* scroll = new QScrollArea(this);
   scroll->setFrameShape(QFrame::NoFrame);
@@ -156,15 +182,16 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
   ends->addWidget(cancel);
 
   auto* layout = new QVBoxLayout(this);
+  layout->addWidget(weekBar_);
   layout->addWidget(scroll);
   layout->addLayout(ends);
 
   Refresh();
   // Shows all of it if the screen is large enough, else scroll bars.
   const QMargins margins = layout->contentsMargins();
-  QSize whole = page->sizeHint() +
-                QSize(margins.left() + margins.right(),
-                      margins.top() + margins.bottom() + layout->spacing() + ends->sizeHint().height());
+  QSize whole = page->sizeHint() + QSize(margins.left() + margins.right(),
+                                         margins.top() + margins.bottom() + weekBar_->sizeHint().height() +
+                                             2 * layout->spacing() + ends->sizeHint().height());
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
     const QSize room = screen->availableSize() - kFrame;
     // The scroll bar under the rows must hide none of them.
@@ -198,6 +225,7 @@ void frmSchedule::MakeHeadings(QGridLayout& grid) {
     label->setFont(bold);
     grid.addWidget(label, 0, column, 1, span);
   };
+  heading("On", Enabled, 1);
   heading("Channel", Channel, 1);
   heading("Start", StartDate, 4);
   heading("Duration", Duration, 2);
@@ -208,7 +236,7 @@ void frmSchedule::MakeHeadings(QGridLayout& grid) {
 
 void frmSchedule::MakeRow(int index, QGridLayout& grid, QWidget* page) {
   Row& row = row_.at(static_cast<std::size_t>(index));
-  const int line = index + 1;
+  const int line = LineOf(index);
 
   auto* lblItem = new QLabel(QString::number(index + 1), page);
   Name(*lblItem, fmt::format("lblItem_{}", index).c_str());
@@ -297,6 +325,31 @@ void frmSchedule::MakeRow(int index, QGridLayout& grid, QWidget* page) {
       page);
   Tighten(*clear, "Clear");
   grid.addWidget(clear, line, Clear);
+  MakePlanLine(index, grid, page);
+  // Last, so that it lies over the row.
+  row.Veil = new Veil(page);
+  Name(*row.Veil, fmt::format("veil_{}", index).c_str());
+  grid.addWidget(row.Veil, line, Channel, 1, Clear - Channel + 1);
+}
+
+/// Below the controls of a row. It keeps its room while it is empty, so that no row moves under the mouse.
+void frmSchedule::MakePlanLine(int index, QGridLayout& grid, QWidget* page) {
+  constexpr int kWarningLetters = 60;
+  Row& row = row_.at(static_cast<std::size_t>(index));
+  row.lblNext = new QLabel(page);
+  Name(*row.lblNext, fmt::format("lblNext_{}", index).c_str());
+  row.lblNext->setTextFormat(Qt::PlainText);
+  row.lblNext->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  row.lblWarning = new ElidedLabel(kWarningLetters, page);
+  Name(*row.lblWarning, fmt::format("lblWarning_{}", index).c_str());
+  auto* line = new QHBoxLayout;
+  const int letter = fontMetrics().averageCharWidth();
+  line->setContentsMargins(letter / 2, 0, 0, letter / 2);
+  line->setSpacing(2 * letter);
+  line->addStrut(fontMetrics().height() + letter / 2);
+  line->addWidget(row.lblNext);
+  line->addWidget(row.lblWarning, 1);
+  grid.addLayout(line, LineOf(index) + 1, Channel, 1, Clear - Channel + 1);
 }
 
 QComboBox* frmSchedule::MakeList(int index, const Control& control, QStringListModel& items,
@@ -377,6 +430,27 @@ void frmSchedule::Refresh() {
     ShowIndex(*shown.cboMP3BitRate, rate);
     const QString other = rate < 0 ? ToQt(base::Trim(row.MP3BitRate)) : QString();
     if (shown.cboMP3BitRate->placeholderText() != other) shown.cboMP3BitRate->setPlaceholderText(other);
+  }
+  ShowPlan();
+}
+
+void frmSchedule::ShowPlan() {
+  const presenters::SchedulePlan& plan = rules_->Plan();
+  const QColor warning = WarningColour(palette());
+  weekBar_->Show(plan.Week);
+  for (std::size_t index = 0; index < row_.size(); ++index) {
+    Row& row = row_.at(index);
+    const presenters::RowPlan& text = plan.Rows.at(index);
+    ShowText(*row.lblNext, text.Next);
+    ShowText(*row.lblWarning, text.Warning);
+    if (row.lblWarning->palette().color(QPalette::WindowText) != warning) {
+      QPalette colours;
+      colours.setColor(QPalette::WindowText, warning);
+      row.lblWarning->setPalette(colours);
+    }
+    const QString words = ToQt(text.Next + (text.Warning.empty() ? "" : ". " + text.Warning));
+    if (row.chkEnabled->accessibleDescription() != words) row.chkEnabled->setAccessibleDescription(words);
+    ShowVisible(*row.Veil, !rules_->Row(static_cast<int>(index)).Enabled);
   }
 }
 

@@ -14,11 +14,15 @@
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
+class QLabel;
 class QPushButton;
 
 namespace kestrune::windows {
 
-/// The scheduler: a row an entry. Made when it is shown, deleted by itself once it has closed.
+class ElidedLabel;
+class WeekBar;
+
+/// The scheduler: the coming week as a bar, and below it a row an entry with its next run. Made when it is shown, deleted by itself once it has closed.
 class frmSchedule final : public QWidget {
  public:
   /// Takes rules that are newly loaded, and places itself. All references must outlive the window.
@@ -61,6 +65,9 @@ class frmSchedule final : public QWidget {
     QCheckBox* chkGrab = nullptr;
     QCheckBox* chkKill = nullptr;
     QComboBox* cboMP3BitRate = nullptr;
+    QLabel* lblNext = nullptr;
+    ElidedLabel* lblWarning = nullptr;
+    QWidget* Veil = nullptr;
   };
   /// A control of a row: its name, its tip, and its accessible name.
   struct Control {
@@ -72,6 +79,8 @@ class frmSchedule final : public QWidget {
   void ListChannels();
   void MakeHeadings(QGridLayout& grid);
   void MakeRow(int index, QGridLayout& grid, QWidget* page);
+  void MakePlanLine(int index, QGridLayout& grid, QWidget* page);
+  void ShowPlan();
   [[nodiscard]] QComboBox* MakeList(int index, const Control& control, QStringListModel& items,
                                     std::function<void()> chosen, QWidget* page);
   [[nodiscard]] QCheckBox* MakeBox(int index, const Control& control, const char* caption,
@@ -98,6 +107,7 @@ class frmSchedule final : public QWidget {
   QStringListModel durationHours_;
   QStringListModel bitRates_;
   std::array<Row, schedule::kSchedulerRows> row_;
+  WeekBar* weekBar_;
 };
 
 }  // namespace kestrune::windows

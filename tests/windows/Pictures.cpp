@@ -319,6 +319,33 @@ void TakeLists(Stage& stage) {
   }
 }
 
+/// As on a large screen: weekly and daily entries, overlaps, and entries that cannot record.
+void TakeWholeSchedule(Stage& stage, QWidget& window) {
+  window.resize(1420, 640);
+  stage.Take(window, QStringLiteral("frmSchedule-wide"));
+  stage.Rig.Desktop.Close(WindowName::Schedule);
+  const auto put = [&stage](int number, const char* start, const char* duration, const char* rate,
+                            int channel) {
+    const std::string entry = std::to_string(number);
+    stage.Rig.Unit.Set("ScheduleEnabled" + entry, "1");
+    stage.Rig.Unit.Set("ScheduleStartDate" + entry, start);
+    stage.Rig.Unit.Set("ScheduleDuration" + entry, duration);
+    stage.Rig.Unit.Set("ScheduleChannel" + entry, std::to_string(channel));
+    stage.Rig.Unit.Set("ScheduleMP3BitRate" + entry, rate);
+  };
+  put(1, "Jan 15, 1967 8:00 PM", "2:00", "128 Stereo", 44);
+  put(2, "Jan 7, 1967 11:00 PM", "3:30", "128 Stereo", 45);
+  put(3, "Jan 2, 1967 9:00 PM", "1:30", " ", 46);
+  put(4, "Jan 4, 2005 6:00 AM", "12:00", "64 Mono", 251);
+  put(5, "Jan 7, 2005 9:00 AM", "0:20", "128 Stereo", 47);
+  put(7, "Jan 15, 1967 11:30 AM", "1:00", "128 Stereo", 44);
+  QWidget& again = stage.Open(WindowName::Schedule);
+  again.resize(1420, 640);
+  stage.Take(again, QStringLiteral("frmSchedule-week"));
+  again.resize(780, 500);
+  stage.Take(again, QStringLiteral("frmSchedule-week-narrow"));
+}
+
 void TakeSchedule(Stage& stage) {
   Play(stage);
   QWidget& window = stage.Open(WindowName::Schedule);
@@ -334,6 +361,7 @@ void TakeSchedule(Stage& stage) {
   stage.Take(window, QStringLiteral("frmSchedule"));
   stage.TakeBlocking([&window] { Find<QPushButton>(window, "cmdStartDate_0").click(); },
                      QStringLiteral("frmDateSelect"));
+  TakeWholeSchedule(stage, window);
 }
 
 void TakeConfig(Stage& stage) {

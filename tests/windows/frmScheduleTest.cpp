@@ -1,6 +1,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHelpEvent>
+#include <QImage>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -9,7 +11,10 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 #include <QWheelEvent>
+#include <algorithm>
+#include <chrono>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -17,6 +22,7 @@
 
 #include "presenters/SchedulerFixture.h"
 #include "support/Repetitions.h"
+#include "windows/WeekBar.h"
 #include "windows/frmDateSelect.h"
 #include "windows/frmSchedule.h"
 
@@ -401,6 +407,87 @@ TEST_F(frmScheduleTest, WindowsThatComeAndGoLeaveNothingBehind) {
   EXPECT_EQ(QApplication::allWidgets().size(), widgets);
   constexpr std::size_t kSlack = 512UL * 1024;
   EXPECT_LT(mallinfo2().uordblks, before + kSlack);
+}
+
+// What comes of the rows.
+
+TEST_F(frmScheduleTest, TheEnablingBoxesHaveAHeading) {
+  Open();
+  const auto labels = window_->findChildren<QLabel*>();
+  const auto* heading =
+      *std::find_if(labels.begin(), labels.end(), [](const QLabel* label) { return label->text() == "On"; });
+  EXPECT_EQ(heading->geometry().left(), Box("chkEnabled").geometry().left());
+  EXPECT_LT(heading->geometry().bottom(), Box("chkEnabled").geometry().top());
+}
+
+TEST_F(frmScheduleTest, AnEnabledRowSaysItsNextRunAndWhatIsWrongWithItAtOnce) {
+  Open();
+  EXPECT_EQ(Find<QLabel>("lblNext", 0).text(), QString());
+  Choose("cboStartHour", 0, "8");
+  Choose("cboMP3BitRate", 0, "128 Stereo");
+  EXPECT_EQ(Find<QLabel>("lblNext", 0).text(), QStringLiteral("Next: today, 8:00 PM to 9:00 PM"));
+  EXPECT_EQ(Find<QLabel>("lblWarning", 0).text(), QString());
+  Choose("cboStartHour", 3, "8");
+  Choose("cboMP3BitRate", 3, "128 Stereo");
+  EXPECT_EQ(Find<QLabel>("lblWarning", 3).text(),
+            QStringLiteral("Entry 1 records instead, today from 8:00 PM on."));
+  EXPECT_EQ(
+      Box("chkEnabled", 3).accessibleDescription(),
+      QStringLiteral("Next: today, 8:00 PM to 9:00 PM. Entry 1 records instead, today from 8:00 PM on."));
+  Box("chkEnabled", 3).click();
+  EXPECT_EQ(Find<QLabel>("lblNext", 3).text(), QString());
+  EXPECT_EQ(Find<QLabel>("lblWarning", 3).text(), QString());
+}
+
+TEST_F(frmScheduleTest, TheNextRunFollowsTheClock) {
+  Open();
+  Choose("cboStartHour", 0, "8");
+  world_.Loop.Run(std::chrono::hours(8));
+  window_->Refresh();
+  EXPECT_EQ(Find<QLabel>("lblNext", 0).text(), QStringLiteral("Now, until 9:00 PM"));
+}
+
+TEST_F(frmScheduleTest, ARowThatIsNotEnabledIsFaintAndStillWorks) {
+  Open();
+  const auto faint = [this](int index) { return Find<QWidget>("veil", index).isVisible(); };
+  QComboBox& channel = List("cboChannel");
+  EXPECT_TRUE(faint(0));
+  EXPECT_TRUE(Find<QWidget>("veil", 0).geometry().contains(channel.geometry()));
+  EXPECT_TRUE(Find<QWidget>("veil", 0).geometry().contains(Button("cmdClear").geometry()));
+  // A click goes through.
+  EXPECT_EQ(channel.parentWidget()->childAt(channel.geometry().center()), &channel);
+  const int top = List("cboChannel", 1).geometry().top();
+  Box("chkCleftune").click();
+  EXPECT_FALSE(faint(0));
+  EXPECT_TRUE(faint(1));
+  QApplication::processEvents();
+  EXPECT_EQ(List("cboChannel", 1).geometry().top(), top) << "no row moves";
+}
+
+TEST_F(frmScheduleTest, TheBarOfTheWeekShowsTheRowsAndTellsThem) {
+  Open();
+  auto& bar = *window_->findChild<windows::WeekBar*>(QStringLiteral("weekBar"));
+  EXPECT_EQ(bar.accessibleName(), QStringLiteral("The coming week"));
+  EXPECT_EQ(bar.accessibleDescription(), QStringLiteral("Nothing is planned in the coming week"));
+  Choose("cboStartHour", 0, "6");
+  EXPECT_EQ(bar.accessibleDescription(),
+            QStringLiteral("Sat, Jan 1, 6:00 PM to 7:00 PM: entry 1, 44 - Fred\n"));
+  const presenters::WeekPlan week = presenters::MakePlan({.Rows = window_->Rules().Rows(),
+                                                          .Channels = world_.Channels,
+                                                          .Listed = 2,
+                                                          .Now = world_.Loop.Now()})
+                                        .Week;
+  ASSERT_EQ(week.Runs.size(), 1U);
+  // A quarter of a day before the end of the first of seven days.
+  const QRectF place = bar.PlaceOf(week.Runs[0]);
+  EXPECT_NEAR(place.left(), bar.width() * 0.75 / 7, 2);
+  EXPECT_TRUE(QRectF(bar.rect()).contains(place));
+  const QImage picture = bar.grab().toImage();
+  EXPECT_EQ(picture.pixelColor(place.center().toPoint()), bar.palette().color(QPalette::Highlight));
+
+  QHelpEvent over(QEvent::ToolTip, place.center().toPoint(), QPoint(300, 300));
+  QCoreApplication::sendEvent(&bar, &over);
+  EXPECT_EQ(QToolTip::text(), QStringLiteral("Entry 1: 44 - Fred\nSat, Jan 1, 6:00 PM to 7:00 PM"));
 }
 
 }  // namespace

@@ -16,6 +16,8 @@ inline constexpr int kSchedulerRows = 10;
 struct SchedulerChannel {
   std::int16_t Number = 0;
   std::string Station;
+
+  bool operator==(const SchedulerChannel&) const = default;
 };
 
 /// What one row of the scheduler shows: an entry of the schedule.

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QColor>
+#include <cmath>
+
+namespace kestrune::windows {
+
+/// A colour between two, 0 to 1 of the way from the first one to the second.
+[[nodiscard]] inline QColor Mixed(const QColor& a, const QColor& b, double partOfB) {
+  const auto mix = [partOfB](int x, int y) { return static_cast<int>(std::lround(x + (y - x) * partOfB)); };
+  return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+}  // namespace kestrune::windows
