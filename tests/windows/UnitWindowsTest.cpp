@@ -413,6 +413,20 @@ TEST_F(UnitWindowsTest, TheHistoryOfAChannelIsThePageOfTheReportWithItsSongs) {
   EXPECT_TRUE(channel.currentText().startsWith(QStringLiteral("46 - ")));
 }
 
+TEST_F(UnitWindowsTest, TheSchedulerWarnsOfAMissingBitRateOnlyWhileMP3IsRecorded) {
+  rig.Unit.Set("ScheduleEnabled1", "1");
+  rig.Unit.Set("ScheduleChannel1", "44");
+  rig.Unit.Set("ScheduleStartDate1", "Jan 15, 1967 3:00 AM");
+  rig.Unit.Set("FileFormat", "WAV");
+  rig.Unit.StartIdle();
+  PressBox(kSwitches[2]);
+  const auto& warning = Find<QLabel>(rig.Window(WindowName::Schedule), "lblWarning_0");
+  EXPECT_EQ(warning.text(), QString());
+  ASSERT_TRUE(rig.Unit->Parts().Settings.Set("FileFormat", "MP3").Done());
+  rig.Run(1s);
+  EXPECT_EQ(warning.text(), QStringLiteral("It has no bit rate: 128 Stereo is used."));
+}
+
 TEST_F(UnitWindowsTest, ADoubleClickInTheChannelsAsksForTheList) {
   rig.Unit.StartIdle();
   rig.Unit.NextSong("Wind & Water", "Salt & Sand");
