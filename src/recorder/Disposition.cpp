@@ -87,14 +87,30 @@ void Disposition::CarryOut(CaptureRecord& capture, Verdict& verdict) {
   if (verdict.Keep) Keep(capture, verdict);
   if (!verdict.Keep) return Drop(capture, verdict.Fate, verdict.Reason, !verdict.Suffix.empty());
   chronicle_.SongEnded(capture, verdict.Fate, verdict.Reason);
+  Remember(capture, verdict.Fate);
   shelving_.KeepBounds();
 }
 
 void Disposition::Drop(CaptureRecord& capture, SongFate fate, std::string_view reason, bool incomplete) {
   shelving_.Take(capture, fate, incomplete);
-  if (capture.LengthMs > 0 || fate != SongFate::NotWanted) chronicle_.SongEnded(capture, fate, reason);
+  if (capture.LengthMs > 0 || fate != SongFate::NotWanted) {
+    chronicle_.SongEnded(capture, fate, reason);
+    Remember(capture, fate);
+  }
   songFiles_.Discard(capture);
   shelving_.KeepBounds();
+}
+
+void Disposition::Remember(const CaptureRecord& capture, SongFate fate) {
+  const CaptureOutcome& outcome = capture.Outcome;
+  state_.EndedSongs.Add({.Number = 0,
+                         .Channel = capture.Naming.Values.Channel,
+                         .Station = capture.Naming.Values.Station,
+                         .Artist = capture.Artist,
+                         .Song = capture.Song,
+                         .LengthMs = capture.LengthMs,
+                         .Fate = fate,
+                         .Path = IsKept(fate) ? outcome.FinalName : outcome.ShelfName});
 }
 
 void Disposition::Keep(CaptureRecord& capture, Verdict& verdict) {

@@ -62,6 +62,8 @@ class Disposition {
   /// What follows the tests: the file's way, and the row of the record.
   void CarryOut(CaptureRecord& capture, Verdict& verdict);
   void Drop(CaptureRecord& capture, platform::SongFate fate, std::string_view reason, bool incomplete);
+  /// Adds it to the songs that have ended.
+  void Remember(const CaptureRecord& capture, platform::SongFate fate);
   void Reject(const CaptureRecord& capture, Verdict& verdict, platform::SongFate fate,
               const std::string& why);
   [[nodiscard]] std::string LogLine(std::string_view head, const CaptureRecord& capture,

@@ -10,6 +10,7 @@
 #include "base/DateValue.h"
 #include "platform/CaptureFormat.h"
 #include "recorder/CaptureOutcome.h"
+#include "recorder/EndedSongs.h"
 #include "recorder/Phase.h"
 #include "recorder/SongName.h"
 
@@ -100,6 +101,8 @@ struct RecordingState {
   std::int16_t TooShortCount = 0;
   std::int16_t TooLongCount = 0;
   std::int16_t RestrictedCount = 0;
+
+  recorder::EndedSongs EndedSongs;
 
   bool Muted = false;           ///< the user has muted the radio; Record takes the mute away
   bool ChannelsLoaded = false;  ///< the walk through the radio's channels has ended once

@@ -29,6 +29,7 @@ SchedulePass::SchedulePass(State& state, const Parts& parts, base::Journal& log,
       loop_(loop),
       tmrUpdate_(tmrUpdate),
       chronicle_(parts.Chronicle),
+      endedEvent_(state.EndedEvent),
       search_(state.Entries, [&loop] { return loop.Now(); }) {}
 
 void SchedulePass::Run() {
@@ -92,6 +93,7 @@ void SchedulePass::EndEvent(std::int16_t next) {
   clock_.EventMarkShown = false;
   log_.DoLog(fmt::format("Scheduled event {} completed - {} songs recorded", ended, state_.RecordedCount));
   chronicle_.EventEnded(state_, next);
+  endedEvent_ = {.Number = endedEvent_.Number + 1, .Event = ended, .Songs = state_.RecordedCount};
 }
 
 Chronicle::Event SchedulePass::EventOf(std::int16_t number) const {

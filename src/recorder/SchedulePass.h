@@ -70,6 +70,7 @@ class SchedulePass {
   const base::EventLoop& loop_;
   base::Timer& tmrUpdate_;
   Chronicle& chronicle_;
+  EndedEvent& endedEvent_;
   std::function<void()> settleCuts_ = [] {};
   schedule::DueSearch search_;
   std::optional<base::DateValue> lastPass_;

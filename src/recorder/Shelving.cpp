@@ -73,8 +73,7 @@ std::string KeptLine(std::int16_t channel, std::string_view name, std::int64_t l
                      FormatSeconds(lengthMs / 1000), CodeOf(extension));
 }
 
-Shelving::Shelving(const State& state, const Parts& parts, const base::EventLoop& loop,
-                   base::Journal& journal)
+Shelving::Shelving(State& state, const Parts& parts, const base::EventLoop& loop, base::Journal& journal)
     : recording_(state.Recording),
       settings_(state.Settings),
       songFiles_(parts.SongFiles),
@@ -215,6 +214,14 @@ Result Shelving::Keep(const shelf::ShelvedSong& song) {
     if (!taken && moved) {
       songFiles_.Sync(target);
       chronicle_.SongMoved(song.Path, target, SongFate::KeptLater);
+      recording_.EndedSongs.Add({.Number = 0,
+                                 .Channel = song.Channel,
+                                 .Station = song.Station,
+                                 .Artist = song.Artist,
+                                 .Song = song.Title,
+                                 .LengthMs = song.LengthMs,
+                                 .Fate = SongFate::KeptLater,
+                                 .Path = target});
       journal_.DoLog(
           KeptLine(song.Channel, song.Artist + " - " + song.Title + suffix, song.LengthMs, extension));
       return Result::Done();

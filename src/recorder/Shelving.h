@@ -32,7 +32,7 @@ class Shelving {
   /// A part of a song that is shorter is no use to anybody.
   static constexpr std::int64_t kShortestPartMs = 10'000;
 
-  Shelving(const State& state, const Parts& parts, const base::EventLoop& loop, base::Journal& journal);
+  Shelving(State& state, const Parts& parts, const base::EventLoop& loop, base::Journal& journal);
 
   /// Finds what earlier runs have left, for the unit of this name, empty for a single one; what the record knows of it
   /// follows from the event loop.
@@ -63,7 +63,7 @@ class Shelving {
   /// Where the song belongs, without suffix, point and extension; the folder is made.
   [[nodiscard]] std::string PlaceOf(const shelf::ShelvedSong& song);
 
-  const RecordingState& recording_;
+  RecordingState& recording_;
   const config::Settings& settings_;
   SongFiles& songFiles_;
   Chronicle& chronicle_;

@@ -9,6 +9,7 @@
 #include "radio/line/LinkState.h"
 #include "recorder/Announcement.h"
 #include "recorder/ClockState.h"
+#include "recorder/EndedEvent.h"
 #include "recorder/Hint.h"
 #include "recorder/RecordingState.h"
 #include "recorder/WatchState.h"
@@ -27,6 +28,7 @@ struct State {
   schedule::ScheduleState Schedule;
   /// Entries 1 to 10 at indices 0 to 9, as the last reload left them.
   schedule::ScheduleEntries Entries;
+  recorder::EndedEvent EndedEvent;  ///< the last one
   /// What the user has chosen, and with it the modes that hold outside scheduled events.
   config::Settings Settings;
   ClockState Clock;

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace kestrune::recorder {
+
+/// What can go wrong outside, the most important first.
+enum class Problem : std::uint8_t { None, Writing, Radio, SoundInput, Silence, LittleRoom, Channel };
 
 /// What the watch has noticed of radio, sound and disk, for as long as it lasts.
 struct WatchState {
@@ -18,14 +22,34 @@ struct WatchState {
   /// The system's reason why a capture could not be written; empty as long as all can.
   std::string WriteFailure;
 
-  /// The most important of these for a person, in one short sentence; empty if all is well.
+  /// The most important of these.
+  [[nodiscard]] Problem Worst() const {
+    if (!WriteFailure.empty()) return Problem::Writing;
+    if (!RadioFailure.empty()) return Problem::Radio;
+    if (!SoundInputFailure.empty()) return Problem::SoundInput;
+    if (Silent) return Problem::Silence;
+    if (!LittleRoom.empty()) return Problem::LittleRoom;
+    return RadioDoubt.empty() ? Problem::None : Problem::Channel;
+  }
+
+  /// The same for a person, in one short sentence; empty if all is well.
   [[nodiscard]] std::string Warning() const {
-    if (!WriteFailure.empty()) return "The recording cannot be written: " + WriteFailure + ".";
-    if (!RadioFailure.empty()) return "The radio is lost: " + RadioFailure + ".";
-    if (!SoundInputFailure.empty()) return "The sound input is lost: " + SoundInputFailure + ".";
-    if (Silent) return "No sound comes from the radio: check the cable and the input device.";
-    if (!LittleRoom.empty()) return "The disk is nearly full: " + LittleRoom + ".";
-    if (!RadioDoubt.empty()) return "Check the channel: " + RadioDoubt + ".";
+    switch (Worst()) {
+      case Problem::Writing:
+        return "The recording cannot be written: " + WriteFailure + ".";
+      case Problem::Radio:
+        return "The radio is lost: " + RadioFailure + ".";
+      case Problem::SoundInput:
+        return "The sound input is lost: " + SoundInputFailure + ".";
+      case Problem::Silence:
+        return "No sound comes from the radio: check the cable and the input device.";
+      case Problem::LittleRoom:
+        return "The disk is nearly full: " + LittleRoom + ".";
+      case Problem::Channel:
+        return "Check the channel: " + RadioDoubt + ".";
+      case Problem::None:
+        break;
+    }
     return {};
   }
 };

@@ -110,6 +110,54 @@ TEST_F(DispositionTest, AKeptSongIsRenamedAndLoggedAndCounted) {
   EXPECT_EQ(state.RecordedCount, 1);
 }
 
+TEST_F(DispositionTest, ASongWhoseFateIsKnownIsRememberedWithItsPlace) {
+  state.CaptureSlots[1].Naming.Values.Channel = 44;
+  state.CaptureSlots[1].Naming.Values.Station = "Harbour";
+  Dispose();
+  ASSERT_EQ(state.EndedSongs.Songs().size(), 1U);
+  const EndedSong& song = state.EndedSongs.Songs().front();
+  EXPECT_EQ(song.Number, 1);
+  EXPECT_EQ(song.Channel, 44);
+  EXPECT_EQ(song.Station, "Harbour");
+  EXPECT_EQ(song.Artist, "Moonlighters");
+  EXPECT_EQ(song.Song, "Slow Tide");
+  EXPECT_EQ(song.LengthMs, 200000);
+  EXPECT_EQ(song.Fate, platform::SongFate::Kept);
+  EXPECT_EQ(song.Path, "/music/Moonlighters - Slow Tide.mp3");
+}
+
+TEST_F(DispositionTest, OneThatIsDroppedIsRememberedWithItsPlaceOnTheShelf) {
+  settings.ShelfSongs = 5;
+  settings.FileDir = "/music/";
+  state.CaptureSlots[1].LengthMs = 44999;
+  Dispose();
+  ASSERT_EQ(state.EndedSongs.Songs().size(), 1U);
+  EXPECT_EQ(state.EndedSongs.Songs().front().Fate, platform::SongFate::TooShort);
+  EXPECT_EQ(state.EndedSongs.Songs().front().Path, "/music/Kestrune/Shelf/Moonlighters - Slow Tide.mp3");
+  // And one that is deleted has none.
+  settings.ShelfSongs = 0;
+  state.CaptureSlots[1].Outcome = {};
+  state.CaptureSlots[1].Outcome.File = "/music/Capture1.mp3";
+  files.Put("/music/Capture1.mp3", "sound");
+  Dispose();
+  ASSERT_EQ(state.EndedSongs.Songs().size(), 2U);
+  EXPECT_EQ(state.EndedSongs.Songs().front().Number, 2);
+  EXPECT_EQ(state.EndedSongs.Songs().front().Path, "");
+}
+
+TEST_F(DispositionTest, TheLastTenAreRememberedTheNewestFirst) {
+  EndedSongs songs;
+  for (int i = 1; i <= 25; ++i) {
+    EndedSong song;
+    song.Song = std::to_string(i);
+    songs.Add(song);
+  }
+  ASSERT_EQ(songs.Songs().size(), EndedSongs::kMost);
+  EXPECT_EQ(songs.Songs().front().Song, "25");
+  EXPECT_EQ(songs.Songs().front().Number, 25);
+  EXPECT_EQ(songs.Songs().back().Song, "16");
+}
+
 TEST_F(DispositionTest, ExactlyTheMinimumIsKept) {
   state.CaptureSlots[1].LengthMs = 45000;
   Dispose();

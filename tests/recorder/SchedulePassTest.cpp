@@ -215,7 +215,11 @@ TEST_F(SchedulePassTest, AnEventEndsWithOneLineAndLeavesTheUsersModes) {
   PassAt(20, 0);
   state.RecordedCount = 7;
   EXPECT_THAT(PassAt(21, 0, 58), IsEmpty());
+  EXPECT_EQ(all.EndedEvent.Number, 0);
   EXPECT_THAT(PassAt(21, 0, 59), ElementsAre("Scheduled event 4 completed - 7 songs recorded"));
+  EXPECT_EQ(all.EndedEvent.Number, 1);
+  EXPECT_EQ(all.EndedEvent.Event, 4);
+  EXPECT_EQ(all.EndedEvent.Songs, 7);
   EXPECT_EQ(schedule.ActiveSchedule, 0);
   EXPECT_TRUE(modes.CheckCleftune());
   EXPECT_FALSE(all.Clock.EventMarkShown);
@@ -286,6 +290,7 @@ TEST_F(SchedulePassTest, APassBetweenTwoEventsEndsTheFirstAndTheNextPassBeginsTh
   EXPECT_THAT(PassAt(20, 59, 59), ElementsAre("Scheduled event 1 completed - 0 songs recorded"));
   EXPECT_EQ(PassAt(21, 0, 3).size(), 2U);
   EXPECT_EQ(schedule.ActiveSchedule, 2);
+  EXPECT_EQ(all.EndedEvent.Number, 1) << "a beginning is no end";
 }
 
 TEST_F(SchedulePassTest, ALowerEntryEndsARunningOneWhichBeginsAgainAfterIt) {

@@ -285,6 +285,10 @@ TEST_F(ShelvingTest, ASongOfTheShelfIsKeptUnderTheNameOfARecording) {
   ASSERT_NE(Row("1"), nullptr);
   EXPECT_EQ(Row("1")->Fate, SongFate::KeptLater);
   EXPECT_EQ(Row("1")->File, "/music/Rock/44/A - 1.wav");
+  const recorder::EndedSong& remembered = rig->State().Recording.EndedSongs.Songs().front();
+  EXPECT_EQ(remembered.Song, "1");
+  EXPECT_EQ(remembered.Fate, SongFate::KeptLater);
+  EXPECT_EQ(remembered.Path, "/music/Rock/44/A - 1.wav");
   EXPECT_EQ(Keep(0), "there are 2 songs on the shelf");
   EXPECT_EQ(Keep(3), "there are 2 songs on the shelf");
   EXPECT_EQ(Keep(2), "");
