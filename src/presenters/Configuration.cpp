@@ -224,6 +224,30 @@ const std::array<Configuration::Field, Configuration::kFieldCount> Configuration
        settings.FollowHints = controls.chkFollowHints;
        return true;
      }},
+    {"NotifySongs", "chkNotifySongs",
+     [](auto& controls, const auto& settings) { controls.chkNotifySongs = settings.NotifySongs; },
+     [](const auto& controls, auto& settings) {
+       settings.NotifySongs = controls.chkNotifySongs;
+       return true;
+     }},
+    {"NotifyEvents", "chkNotifyEvents",
+     [](auto& controls, const auto& settings) { controls.chkNotifyEvents = settings.NotifyEvents; },
+     [](const auto& controls, auto& settings) {
+       settings.NotifyEvents = controls.chkNotifyEvents;
+       return true;
+     }},
+    {"NotifyProblems", "chkNotifyProblems",
+     [](auto& controls, const auto& settings) { controls.chkNotifyProblems = settings.NotifyProblems; },
+     [](const auto& controls, auto& settings) {
+       settings.NotifyProblems = controls.chkNotifyProblems;
+       return true;
+     }},
+    {"NotifyHints", "chkNotifyHints",
+     [](auto& controls, const auto& settings) { controls.chkNotifyHints = settings.NotifyHints; },
+     [](const auto& controls, auto& settings) {
+       settings.NotifyHints = controls.chkNotifyHints;
+       return true;
+     }},
 }};
 
 Configuration::Configuration(ConfigurationAccess access)
@@ -426,6 +450,30 @@ void Configuration::chkHints(bool checked) {
 void Configuration::chkFollowHints(bool checked) {
   controls_.chkFollowHints = checked;
   Touch("FollowHints");
+  dirty_ = true;
+}
+
+void Configuration::chkNotifySongs(bool checked) {
+  controls_.chkNotifySongs = checked;
+  Touch("NotifySongs");
+  dirty_ = true;
+}
+
+void Configuration::chkNotifyEvents(bool checked) {
+  controls_.chkNotifyEvents = checked;
+  Touch("NotifyEvents");
+  dirty_ = true;
+}
+
+void Configuration::chkNotifyProblems(bool checked) {
+  controls_.chkNotifyProblems = checked;
+  Touch("NotifyProblems");
+  dirty_ = true;
+}
+
+void Configuration::chkNotifyHints(bool checked) {
+  controls_.chkNotifyHints = checked;
+  Touch("NotifyHints");
   dirty_ = true;
 }
 

@@ -71,6 +71,10 @@ class Configuration {
   void StepShelfMegabytes(int direction);
   void chkHints(bool checked);
   void chkFollowHints(bool checked);
+  void chkNotifySongs(bool checked);
+  void chkNotifyEvents(bool checked);
+  void chkNotifyProblems(bool checked);
+  void chkNotifyHints(bool checked);
 
   /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
@@ -109,7 +113,7 @@ class Configuration {
 
  private:
   struct Field;
-  static constexpr std::size_t kFieldCount = 20;
+  static constexpr std::size_t kFieldCount = 24;
   static const std::array<Field, kFieldCount> kFields;
 
   void FillDevices();

@@ -31,6 +31,10 @@ struct ConfigurationControls {
   std::string txtShelfMegabytes;
   bool chkHints = false;
   bool chkFollowHints = false;
+  bool chkNotifySongs = false;
+  bool chkNotifyEvents = false;
+  bool chkNotifyProblems = false;
+  bool chkNotifyHints = false;
 };
 
 }  // namespace kestrune::presenters

@@ -334,6 +334,33 @@ void frmConfig::FillWindow() {
   grid.addWidget(chkWatch_, 0, 3, Qt::AlignLeft);
   grid.addWidget(MakeLabel("Follow:"), 1, 2);
   grid.addWidget(chkFollowHints_, 1, 3, Qt::AlignLeft);
+  FillNotices(grid);
+}
+
+void frmConfig::FillNotices(QGridLayout& grid) {
+  chkNotifyEvents_ = AddBox("chkNotifyEvents", "Events",
+                            "When checked, a notification of the desktop tells when a scheduled event begins "
+                            "and ends, while no window of Kestrune is in front.",
+                            &Configuration::chkNotifyEvents);
+  chkNotifyProblems_ = AddBox("chkNotifyProblems", "Problems",
+                              "When checked, a notification of the desktop tells of a radio, a sound or a "
+                              "disk that fails, while no window of Kestrune is in front.",
+                              &Configuration::chkNotifyProblems);
+  chkNotifyHints_ = AddBox("chkNotifyHints", "Hints",
+                           "When checked, a notification of the desktop offers to tune to a song of the Grab "
+                           "lists, while no window of Kestrune is in front.",
+                           &Configuration::chkNotifyHints);
+  chkNotifySongs_ = AddBox("chkNotifySongs", "Songs",
+                           "When checked, a notification of the desktop tells of each song that is kept, "
+                           "while no window of Kestrune is in front.",
+                           &Configuration::chkNotifySongs);
+  AddLabel(grid, 2, "Notifications:");
+  auto* line = new QHBoxLayout;
+  for (QCheckBox* box : {chkNotifyEvents_, chkNotifyProblems_, chkNotifyHints_, chkNotifySongs_}) {
+    line->addWidget(box);
+  }
+  line->addStretch();
+  grid.addLayout(line, 2, 1, 1, 3);
 }
 
 void frmConfig::AddButtons() {
@@ -415,6 +442,12 @@ void frmConfig::Refresh() {
   ShowChecked(*chkHints_, controls.chkHints);
   ShowChecked(*chkFollowHints_, controls.chkFollowHints);
   ShowEnabled(*chkFollowHints_, controls.chkHints);
+  ShowChecked(*chkNotifySongs_, controls.chkNotifySongs);
+  ShowChecked(*chkNotifyEvents_, controls.chkNotifyEvents);
+  ShowChecked(*chkNotifyProblems_, controls.chkNotifyProblems);
+  ShowEnabled(*chkNotifyProblems_, controls.chkWatch);
+  ShowChecked(*chkNotifyHints_, controls.chkNotifyHints);
+  ShowEnabled(*chkNotifyHints_, controls.chkHints);
 }
 
 void frmConfig::OpenModal(QDialog& window, const std::function<void()>& closed) {

@@ -73,6 +73,7 @@ class frmConfig final : public QDialog {
   void FillRecording();
   void FillShelf(QGridLayout& grid);
   void FillWindow();
+  void FillNotices(QGridLayout& grid);
   void AddButtons();
   void AlignLabels();
 
@@ -118,6 +119,10 @@ class frmConfig final : public QDialog {
   QCheckBox* chkWatch_ = nullptr;
   QCheckBox* chkHints_ = nullptr;
   QCheckBox* chkFollowHints_ = nullptr;
+  QCheckBox* chkNotifySongs_ = nullptr;
+  QCheckBox* chkNotifyEvents_ = nullptr;
+  QCheckBox* chkNotifyProblems_ = nullptr;
+  QCheckBox* chkNotifyHints_ = nullptr;
   QPushButton* cmdCancel_ = nullptr;
 };
 

@@ -129,7 +129,13 @@ TEST_F(ConfigurationTest, LoadShowsTheSettings) {
   rig_.Settings.ShelfMegabytes = 123456;
   rig_.Settings.Hints = true;
   rig_.Settings.FollowHints = true;
+  rig_.Settings.NotifySongs = true;
+  rig_.Settings.NotifyProblems = false;
   window_.Load();
+  EXPECT_TRUE(Shown().chkNotifySongs);
+  EXPECT_TRUE(Shown().chkNotifyEvents);
+  EXPECT_FALSE(Shown().chkNotifyProblems);
+  EXPECT_TRUE(Shown().chkNotifyHints);
   EXPECT_EQ(Shown().txtShelfFolder, "/music/shelf/");
   EXPECT_EQ(Shown().txtShelfSongs, "7");
   EXPECT_EQ(Shown().txtShelfMegabytes, "123456");
@@ -289,6 +295,8 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   rig_.Settings.ShelfMegabytes = 9;
   rig_.Settings.Hints = true;
   rig_.Settings.FollowHints = true;
+  rig_.Settings.NotifySongs = true;
+  rig_.Settings.NotifyEvents = false;
   const config::FormatMP3 mp3 = rig_.Settings.FormatMP3;
   window_.Load();
   window_.cmdDefault();
@@ -311,6 +319,8 @@ TEST_F(ConfigurationTest, DefaultsSetSevenControlsAndNoOther) {
   EXPECT_EQ(Shown().txtShelfMegabytes, "9");
   EXPECT_TRUE(Shown().chkHints);
   EXPECT_TRUE(Shown().chkFollowHints);
+  EXPECT_TRUE(Shown().chkNotifySongs);
+  EXPECT_FALSE(Shown().chkNotifyEvents);
   EXPECT_EQ(rig_.Settings.FormatMP3, mp3);
   EXPECT_EQ(Shown().txtFileDir, "/music/");
   EXPECT_EQ(Shown().cboDevice.Text(), "USB Audio CODEC");
@@ -409,6 +419,10 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   window_.txtShelfMegabytes("70000");
   window_.chkHints(true);
   window_.chkFollowHints(true);
+  window_.chkNotifySongs(true);
+  window_.chkNotifyEvents(false);
+  window_.chkNotifyProblems(false);
+  window_.chkNotifyHints(false);
   EXPECT_TRUE(window_.cmdSave());
   EXPECT_THAT(
       rig_.Saves(),
@@ -416,7 +430,8 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
                   "FilenameFormat=%a - %s", "FileFormat=OGG", "AGCEnabled=True", "AGCLowLevel=-77",
                   "AGCHighLevel=3", "AGCAttackTime=2", "InputDevice=3", "SaveDuplicates=False",
                   "TaskBarMinimized=False", "Watch=False", "CutPlacement=Listen", "ShelfFolder=/data/shelf/",
-                  "ShelfSongs=0", "ShelfMegabytes=70000", "Hints=True", "FollowHints=True"));
+                  "ShelfSongs=0", "ShelfMegabytes=70000", "Hints=True", "FollowHints=True",
+                  "NotifySongs=True", "NotifyEvents=False", "NotifyProblems=False", "NotifyHints=False"));
   const config::Settings& saved = rig_.Settings;
   EXPECT_EQ(saved.MinSongLength, 20);
   EXPECT_EQ(saved.MaxSongLength, 90);
@@ -438,6 +453,10 @@ TEST_F(ConfigurationTest, ASaveWritesEverySettingInItsOrder) {
   EXPECT_EQ(saved.ShelfMegabytes, 70000);
   EXPECT_TRUE(saved.Hints);
   EXPECT_TRUE(saved.FollowHints);
+  EXPECT_TRUE(saved.NotifySongs);
+  EXPECT_FALSE(saved.NotifyEvents);
+  EXPECT_FALSE(saved.NotifyProblems);
+  EXPECT_FALSE(saved.NotifyHints);
   EXPECT_FALSE(window_.Dirty());
   EXPECT_EQ(std::ranges::count(rig_.Effects, "device"), 1);
 }
@@ -615,6 +634,10 @@ TEST_F(ConfigurationTest, EveryControlAloneSavesItsOwnSetting) {
       {"ShelfMegabytes=550", [](Configuration& window) { window.StepShelfMegabytes(1); }},
       {"Hints=True", [](Configuration& window) { window.chkHints(true); }},
       {"FollowHints=True", [](Configuration& window) { window.chkFollowHints(true); }},
+      {"NotifySongs=True", [](Configuration& window) { window.chkNotifySongs(true); }},
+      {"NotifyEvents=False", [](Configuration& window) { window.chkNotifyEvents(false); }},
+      {"NotifyProblems=False", [](Configuration& window) { window.chkNotifyProblems(false); }},
+      {"NotifyHints=False", [](Configuration& window) { window.chkNotifyHints(false); }},
   };
   for (const auto& [saved, touch] : touches) {
     ConfigurationRig rig;
@@ -633,7 +656,7 @@ TEST_F(ConfigurationTest, AfterDefaultSettingsEveryFieldIsSaved) {
   rig_.Settings.FileDir = "/elsewhere/";
   window_.Follow();
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 20U);
+  EXPECT_EQ(rig_.Saves().size(), 24U);
   EXPECT_TRUE(rig_.Settings.TaskBarMinimized);
   EXPECT_EQ(rig_.Settings.FileDir, "/music/") << "as it was shown";
 }
@@ -642,7 +665,7 @@ TEST_F(ConfigurationTest, TheFirstConfigurationStoresEverySettingOfTheWindow) {
   window_.LoadFirst();
   rig_.Settings.MinSongLength = 60;
   EXPECT_TRUE(window_.cmdSave());
-  EXPECT_EQ(rig_.Saves().size(), 20U);
+  EXPECT_EQ(rig_.Saves().size(), 24U);
   EXPECT_EQ(rig_.Stored("MinSongLength"), "60") << "what nobody touched is stored as it is";
 }
 

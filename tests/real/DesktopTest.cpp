@@ -161,6 +161,75 @@ TEST(Desktop, MediaKeysReachTheRadioAndTheDesktopShowsTheSong) {
   EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
 }
 
+TEST(Desktop, NotificationsTellWhatIsKeptWhileNoWindowIsInFront) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  if (!ChildProcess::Installed("dbus-daemon") || !ChildProcess::Installed("dbus-send"))
+    GTEST_SKIP() << "no message bus here";
+  const TemporaryFolder folder;
+  const std::string bus = "unix:path=" + (folder / "bus");
+  const ChildProcess daemon({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + bus}, {},
+                            folder / "bus.log");
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return std::filesystem::exists(folder / "bus"); }));
+  // The desktop's file manager.
+  const std::string opener = folder / "xdg-open";
+  const std::string opened = folder / "opened";
+  PutFile(opener, "#!/bin/sh\nprintf '%s' \"$1\" > '" + opened + "'\n");
+  std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+  auto environment = screen.Environment();
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus;
+  environment["PATH"] = folder.Path() + ":/usr/bin:/bin";
+  Process service(Command{"notification_service", {}, environment});
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return service.Output() == "ready\n"; })) << service.Errors();
+  Receiver radio(folder / "radio", {ShortLineUp({"One", "Two", "Three"}, 5)});
+  auto settings = ShortSongs();
+  settings.insert(
+      {{"MainTop", "600"}, {"ChannelListing", "0"}, {"LegalAgreement", "True"}, {"NotifySongs", "True"}});
+  Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                 .Port = radio.Link(),
+                                 .Settings = settings,
+                                 .Environment = environment,
+                                 .Windows = true});
+  unit.Start();
+  ASSERT_TRUE(unit.WaitUntilIdle()) << unit.Program().Errors();
+  screen.Press(kMain, {"ctrl+r"});
+  ASSERT_TRUE(unit.WaitForStatus([](const Unit::Json& status) { return status["recordedCount"] >= 1; }));
+  EXPECT_EQ(service.Output(), "ready\n") << "the window is in front";
+
+  screen.Minimise(kMain);
+  ASSERT_TRUE(WaitUntil(kPatience, [&] {
+    return service.Output().ends_with('\n') && service.Output() != "ready\n";
+  })) << unit.Program().Errors();
+  EXPECT_THAT(service.Output(), ContainsRegex("^ready\nSong kept.The Preview - [OT][a-z]+\n"));
+  const Outcome clicked = RunToEnd(
+      {"dbus-send",
+       {"--session", "--print-reply", "--dest=org.freedesktop.Notifications",
+        "/org/freedesktop/Notifications", "org.freedesktop.Notifications.Click", "string:Show in Folder"},
+       environment});
+  EXPECT_EQ(clicked.Exit, 0) << clicked.Errors;
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return FileText(opened).starts_with("file://"); }));
+  EXPECT_EQ(FileText(opened), "file://" + unit.RecordingFolder() + "/");
+
+  // Once the window is in front again the message has done its duty.
+  const std::string before = service.Output();
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return service.Output().rfind("Song kept") > before.size(); }));
+  screen.Activate("Kestrune");
+  EXPECT_TRUE(WaitUntil(kPatience, [&] { return service.Output().ends_with("gone\n"); })) << service.Output();
+  EXPECT_EQ(unit.Quit(), 0) << unit.Program().Errors();
+
+  // Who has no windows has nobody to tell.
+  const std::string all = service.Output();
+  Unit headless(folder / "headless", {.Audio = "pipe:" + QuietFile(folder.Path()),
+                                      .Port = radio.Link(),
+                                      .Settings = settings,
+                                      .Environment = environment});
+  headless.Start();
+  ASSERT_TRUE(headless.WaitUntilIdle()) << headless.Program().Errors();
+  ASSERT_TRUE(headless.Record(1));
+  EXPECT_EQ(headless.Quit(), 0);
+  EXPECT_EQ(service.Output(), all);
+}
+
 TEST(Desktop, AMessageThatIsOpenDoesNotHoldUpTheEnd) {
   const Screen screen;
   if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
@@ -227,7 +296,7 @@ TEST(Desktop, WhatJustPlayedIsPlayedDraggedOutAndKept) {
 
   // The song that plays is on top, and no file.
   screen.Press(kShelf, {"Home", "Return", "Down", "Return"});
-  ASSERT_TRUE(WaitUntil(kPatience, [&] { return !FileText(played).empty(); }));
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return FileText(played).starts_with("file://"); }));
   EXPECT_THAT(AddressesOfTheShelf(unit), Contains(FileText(played)));
 
   Process target(Command{"drop_target", {}, environment});

@@ -108,6 +108,18 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
        "the tray."},
       {"chkFollowHints", "Tune to them while idle",
        "When checked, Kestrune tunes to such a song while nothing is recorded, keeps it, and comes back."},
+      {"chkNotifyEvents", "Events",
+       "When checked, a notification of the desktop tells when a scheduled event begins and ends, while no "
+       "window of Kestrune is in front."},
+      {"chkNotifyProblems", "Problems",
+       "When checked, a notification of the desktop tells of a radio, a sound or a disk that fails, while no "
+       "window of Kestrune is in front."},
+      {"chkNotifyHints", "Hints",
+       "When checked, a notification of the desktop offers to tune to a song of the Grab lists, while no "
+       "window of Kestrune is in front."},
+      {"chkNotifySongs", "Songs",
+       "When checked, a notification of the desktop tells of each song that is kept, while no window of "
+       "Kestrune is in front."},
       {"cmdDefault", "&Default Settings", "Return all values to default settings"},
       {"cmdSave", "&Save", "Save changes and exit"},
       {"cmdCancel", "&Cancel", "Cancel without saving changes"},
@@ -140,7 +152,8 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
                               "Shelf Folder:",
                               "Shelf Holds:",
                               "Hints:",
-                              "Follow:"}) {
+                              "Follow:",
+                              "Notifications:"}) {
     EXPECT_TRUE(HasLabel(window_, caption)) << caption;
   }
 }
@@ -184,12 +197,16 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   Find<QWidget>(window_, "udAGCHighLevel").findChildren<QToolButton*>().constFirst()->click();
   Press(window_, "chkDuplicates");
   Press(window_, "chkTaskBarMinimized");
+  Press(window_, "chkNotifyProblems");
   Press(window_, "chkWatch");
   QTest::keyClicks(&Find<QLineEdit>(window_, "txtShelfFolder"), "/data/Shelf");
   QTest::keyClick(&Find<QLineEdit>(window_, "txtShelfSongs"), Qt::Key_Up);
   Find<QWidget>(window_, "udShelfMegabytes").findChildren<QToolButton*>().constFirst()->click();
   Press(window_, "chkHints");
   Press(window_, "chkFollowHints");
+  Press(window_, "chkNotifyHints");
+  Press(window_, "chkNotifyEvents");
+  Press(window_, "chkNotifySongs");
   EXPECT_EQ(Find<QLineEdit>(window_, "txtShelfSongs").text(), "21");
   EXPECT_EQ(Find<QLineEdit>(window_, "txtShelfMegabytes").text(), "550");
   EXPECT_TRUE(Find<QCheckBox>(window_, "chkFollowHints").isChecked());
@@ -213,6 +230,10 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   EXPECT_EQ(saved.ShelfMegabytes, 550);
   EXPECT_TRUE(saved.Hints);
   EXPECT_TRUE(saved.FollowHints);
+  EXPECT_FALSE(saved.NotifyProblems);
+  EXPECT_FALSE(saved.NotifyHints);
+  EXPECT_FALSE(saved.NotifyEvents);
+  EXPECT_TRUE(saved.NotifySongs);
   EXPECT_FALSE(window_.isVisible());
   EXPECT_EQ(focused_, 1);
   EXPECT_TRUE(PlaceSaved());
@@ -448,6 +469,17 @@ TEST_F(FrmConfigTest, WithoutHintsThereIsNothingToFollow) {
   EXPECT_TRUE(follow.isEnabled());
 }
 
+TEST_F(FrmConfigTest, WhatIsNotNoticedCannotBeNotified) {
+  window_.ShowModeless();
+  EXPECT_FALSE(Find<QCheckBox>(window_, "chkNotifyHints").isEnabled());
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkNotifyProblems").isEnabled());
+  Press(window_, "chkHints");
+  Press(window_, "chkWatch");
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkNotifyHints").isEnabled());
+  EXPECT_FALSE(Find<QCheckBox>(window_, "chkNotifyProblems").isEnabled());
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkNotifyProblems").isChecked()) << "the setting stays";
+}
+
 TEST_F(FrmConfigTest, ItFitsALaptopsScreen) {
   window_.ShowModeless();
   constexpr int kRoom = 720;  // of 768 points, without a frame and a panel
@@ -548,6 +580,10 @@ TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
                                        "chkWatch",
                                        "chkHints",
                                        "chkFollowHints",
+                                       "chkNotifyEvents",
+                                       "chkNotifyProblems",
+                                       "chkNotifyHints",
+                                       "chkNotifySongs",
                                        "cmdDefault",
                                        "cmdSave",
                                        "cmdCancel"};

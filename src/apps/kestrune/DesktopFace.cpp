@@ -1,6 +1,6 @@
 #include "apps/kestrune/DesktopFace.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -58,13 +58,21 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
                                                                            .Mixer = mixer});
-  const std::string& name = unit.Snapshot().MultiUnit;
-  mediaPlayer_.emplace(
-      platform::MprisPlayer::Identity{.Name = name.empty() ? "Kestrune" : "Kestrune " + name,
-                                      .Unit = name,
-                                      .Picture = InstalledPicture(outside.Environment.ExecutableFolder())});
+  const std::string& unitName = unit.Snapshot().MultiUnit;
+  const std::string name = unitName.empty() ? "Kestrune" : "Kestrune " + unitName;
+  const std::string picture = InstalledPicture(outside.Environment.ExecutableFolder());
+  mediaPlayer_.emplace(platform::MprisPlayer::Identity{.Name = name, .Unit = unitName, .Picture = picture});
   mediaControls_.emplace(unit, rules_->PresetButtons(), loop_, *mediaPlayer_);
   mediaControls_->Raise = [this] { desktop_.MainWindowToFront(); };
+  notifications_.emplace(platform::DesktopNotifications::Identity{.Name = name, .Icon = picture});
+  notices_.emplace(
+      unit,
+      presenters::Notices::Outside{
+          .Loop = loop_,
+          .Shell = shell_,
+          .Notifications = *notifications_,
+          .Windows = {.InFront = [] { return QGuiApplication::applicationState() == Qt::ApplicationActive; },
+                      .Raise = [this] { desktop_.MainWindowToFront(); }}});
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
@@ -72,6 +80,8 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
 }
 
 void DesktopFace::Detach() {
+  notices_.reset();
+  notifications_.reset();
   mediaControls_.reset();
   mediaPlayer_.reset();
   desktop_.Detach();

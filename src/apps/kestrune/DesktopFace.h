@@ -7,10 +7,12 @@
 #include "apps/kestrune/Face.h"
 #include "base/EventLoop.h"
 #include "platform/Environment.h"
+#include "platform/qtdbus/DesktopNotifications.h"
 #include "platform/qtdbus/MprisPlayer.h"
 #include "platform/qtgui/DesktopShell.h"
 #include "platform/xsmp/SessionEnd.h"
 #include "presenters/MediaControls.h"
+#include "presenters/Notices.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
@@ -42,6 +44,8 @@ class DesktopFace final : public Face {
   std::unique_ptr<windows::UnitWindows> unitWindows_;
   std::optional<platform::MprisPlayer> mediaPlayer_;
   std::optional<presenters::MediaControls> mediaControls_;
+  std::optional<platform::DesktopNotifications> notifications_;
+  std::optional<presenters::Notices> notices_;
   std::optional<platform::SessionEnd> sessionEnd_;
 };
 

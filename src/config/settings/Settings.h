@@ -53,6 +53,11 @@ struct Settings : FormatSettings {
   bool Hints = false;
   /// An idle program goes after such a song, keeps it and comes back.
   bool FollowHints = false;
+  // What the desktop's notifications say while no window of the program is in front.
+  bool NotifySongs = false;    ///< each song that is kept, or dropped for its length
+  bool NotifyEvents = true;    ///< a scheduled event begins or ends
+  bool NotifyProblems = true;  ///< the watch has noticed something, or it is over
+  bool NotifyHints = true;     ///< a song is pointed out; needs Hints
   /// Where songs that were not kept lie for a while: a folder that ends in "/"; empty is Kestrune/Shelf in FileDir.
   std::string ShelfFolder;
   std::int16_t ShelfSongs = 20;       ///< at most so many lie there, 0 to kMostShelfSongs; 0 is none, ever
