@@ -57,13 +57,14 @@ function(kestrune_precompile target)
   endif()
 endfunction()
 
-# kestrune_test_flags(TARGET): how test code is compiled. It is not optimised, does not guide fuzzers and has no debug
-# information in an optimised build, since compiling it is most of a build; the code under test is and does.
+# kestrune_test_flags(TARGET): how test code is compiled. Compiling it is most of a build, so it is not optimised, does not
+# guide fuzzers, is not checked for what a test would crash on anyway, and has no debug information in an optimised build. The
+# code under test is and does all that.
 function(kestrune_test_flags target)
   target_link_libraries(${target} PRIVATE GTest::gmock)
   target_compile_options(${target} PRIVATE -O0)
   if(KESTRUNE_SANITIZE MATCHES fuzzer)
-    target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link)
+    target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link,vptr,null,alignment)
   elseif(CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
     target_compile_options(${target} PRIVATE -g0)
   endif()

@@ -41,8 +41,9 @@ struct MainWindow : DesktopRecord {
   std::string Warning;  ///< what has failed, for as long as it lasts; empty if all is well
   std::int16_t HintChannel =
       0;  ///< the channel that a click on the hint tunes to; 0: there is nothing to click on
-  std::string HintStation;  ///< its number and its station
-  bool Recording = false;   ///< a song is being kept, and the status is to catch the eye
+  std::string HintStation;     ///< its number and its station
+  bool ChannelLocked = false;  ///< channel, presets and mute cannot be changed
+  bool Recording = false;      ///< a song is being kept, and the status is to catch the eye
   Label lblClock{.Caption = "", .Visible = false};
   Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own
   Label lblRemaining{.Caption = "", .Visible = false};

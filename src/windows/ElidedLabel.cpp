@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "windows/Binding.h"
+#include "windows/SpokenLabel.h"
 
 namespace kestrune::windows {
 namespace {
@@ -18,7 +19,9 @@ constexpr int kFewestLetters = 6;
 
 }  // namespace
 
-ElidedLabel::ElidedLabel(int letters, QWidget* parent) : QLabel(parent), letters_(letters) {
+ElidedLabel::ElidedLabel(int letters, QWidget* parent, QString caption)
+    : QLabel(parent), letters_(letters), caption_(std::move(caption)) {
+  SpeakElidedLabels();
   setTextFormat(Qt::PlainText);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -32,6 +35,15 @@ void ElidedLabel::SetActivated(std::function<void()> activated) {
     setFocusPolicy(Qt::NoFocus);
     unsetCursor();
   }
+}
+
+void ElidedLabel::Activate() {
+  // What it does may replace it.
+  if (const auto activated = activated_) activated();
+}
+
+void ElidedLabel::SetBlank(bool blank) {
+  if (std::exchange(blank_, blank) != blank) update();
 }
 
 QSize ElidedLabel::sizeHint() const {
@@ -55,6 +67,7 @@ bool ElidedLabel::event(QEvent* event) {
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
+  if (blank_) return;
   QPainter painter(this);
   style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine),
                         palette(), isEnabled(), Shown(), foregroundRole());
@@ -66,7 +79,7 @@ void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {
 
 void ElidedLabel::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && activated_) {
-    activated_();
+    Activate();
   } else {
     QLabel::mouseDoubleClickEvent(event);
   }
@@ -76,7 +89,7 @@ void ElidedLabel::keyPressEvent(QKeyEvent* event) {
   const bool pressed =
       event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
   if (pressed && event->modifiers() == Qt::NoModifier && activated_) {
-    activated_();
+    Activate();
   } else {
     QLabel::keyPressEvent(event);
   }

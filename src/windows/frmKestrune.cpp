@@ -12,19 +12,19 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
-#include <QPixmap>
-#include <QPolygonF>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "presenters/ChannelLock.h"
 #include "presenters/WindowTable.h"
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/Contrast.h"
 #include "windows/ElidedLabel.h"
 #include "windows/HotKeys.h"
+#include "windows/MarkIcon.h"
 
 namespace kestrune::windows {
 namespace {
@@ -45,20 +45,24 @@ QLabel* MakeLabel(const char* name, const char* caption, QWidget* parent) {
   return label;
 }
 
-ElidedLabel* MakeElided(const char* name, int letters, QWidget* parent, const char* tip = "",
-                        const char* accessible = "") {
-  auto* label = new ElidedLabel(letters, parent);
-  Name(*label, name, tip, accessible);
+ElidedLabel* MakeElided(const char* name, int letters, QWidget* parent, const char* caption,
+                        const char* tip = "") {
+  auto* label = new ElidedLabel(letters, parent, QString::fromUtf8(caption));
+  Name(*label, name, tip);
   return label;
+}
+
+void RetainSize(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
 }
 
 /// A label for a text of known width. It keeps its space whatever it shows, and while it is hidden.
 QLabel* MakeFixed(const char* name, const char* widest, QWidget* parent) {
   QLabel* label = MakeLabel(name, "", parent);
   label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromUtf8(widest)));
-  QSizePolicy policy = label->sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
-  label->setSizePolicy(policy);
+  RetainSize(*label);
   return label;
 }
 
@@ -67,36 +71,6 @@ void Enlarge(QWidget& widget, double factor, bool bold) {
   font.setPointSizeF(font.pointSizeF() * factor);
   font.setBold(bold);
   widget.setFont(font);
-}
-
-enum class Mark { Disc, Square, Ribbon };
-
-/// The two marks that everybody knows from a tape deck, and that of a bookmark.
-QIcon MarkIcon(Mark mark, const QColor& colour) {
-  constexpr int kSize = 64;
-  QPixmap picture(kSize, kSize);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(colour);
-  const QRectF room(kSize * 0.15, kSize * 0.15, kSize * 0.7, kSize * 0.7);
-  switch (mark) {
-    case Mark::Disc:
-      painter.drawEllipse(room);
-      break;
-    case Mark::Square:
-      painter.drawRect(room);
-      break;
-    case Mark::Ribbon: {
-      const QRectF ribbon = room.adjusted(room.width() * 0.15, 0, -room.width() * 0.15, 0);
-      painter.drawPolygon(QPolygonF{ribbon.topLeft(), ribbon.topRight(), ribbon.bottomRight(),
-                                    ribbon.center() + QPointF(0, ribbon.height() * 0.2),
-                                    ribbon.bottomLeft()});
-      break;
-    }
-  }
-  return picture;
 }
 
 QPushButton* MakeButton(const char* name, const char* caption, const char* tip, QWidget* parent) {
@@ -226,17 +200,20 @@ QWidget* frmKestrune::MakeSong() {
   int row = 0;
   const auto add = [&](const char* captionName, const char* caption, ElidedLabel* label) {
     grid->addWidget(MakeLabel(captionName, caption, group), row, 0, Qt::AlignLeft | Qt::AlignVCenter);
-    grid->addWidget(label, row++, 1);
+    // The padlock stands beside the channel.
+    grid->addWidget(label, row, 1, 1, row == 0 ? 1 : 2);
+    ++row;
     return label;
   };
-  lblChannel_ = add("lblcChannel", "Channel:", MakeElided("lblChannel", kSongLetters, group));
-  lblGenre_ = add("lblcGenre", "Genre:", MakeElided("lblGenre", kSongLetters, group));
+  lblChannel_ = add("lblcChannel", "Channel:", MakeElided("lblChannel", kSongLetters, group, "Channel"));
+  lblGenre_ = add("lblcGenre", "Genre:", MakeElided("lblGenre", kSongLetters, group, "Genre"));
   lblArtist_ = add("lblcArtist", "Artist:",
-                   MakeElided("lblArtist", kSongLetters, group,
-                              "Click to add this artist to the Grab/Kill list", "Artist"));
+                   MakeElided("lblArtist", kSongLetters, group, "Artist",
+                              "Click to add this artist to the Grab/Kill list"));
   lblSong_ = add(
       "lblcSong", "Song:",
-      MakeElided("lblSong", kSongLetters, group, "Click to add this song to the Grab or Kill list", "Song"));
+      MakeElided("lblSong", kSongLetters, group, "Song", "Click to add this song to the Grab or Kill list"));
+  grid->addWidget(MakeLock(group), 0, 2);
   for (ElidedLabel* label : {lblArtist_, lblSong_}) Enlarge(*label, 1.3, true);
   lblArtist_->SetActivated([this] {
     if (OfferForList) OfferForList("Artist", rules_.Window().lblArtist.Caption);
@@ -245,6 +222,20 @@ QWidget* frmKestrune::MakeSong() {
     if (OfferForList) OfferForList("Song", rules_.Window().lblSong.Caption);
   });
   return group;
+}
+
+QWidget* frmKestrune::MakeLock(QWidget* parent) {
+  boxLock_ = new QWidget(parent);
+  Name(*boxLock_, "boxLock", presenters::kChannelLockedWhy);
+  auto* row = new QHBoxLayout(boxLock_);
+  row->setContentsMargins(0, 0, 0, 0);
+  auto* padlock = new QLabel(boxLock_);
+  const int size = boxLock_->fontMetrics().height() + 2;
+  padlock->setPixmap(MarkIcon(Mark::Padlock, WarningColour(palette())).pixmap(size, size));
+  row->addWidget(padlock);
+  row->addWidget(MakeLabel("lblLock", presenters::kChannelLocked.data(), boxLock_));
+  RetainSize(*boxLock_);
+  return boxLock_;
 }
 
 QWidget* frmKestrune::MakeSignal() {
@@ -263,6 +254,11 @@ QWidget* frmKestrune::MakeSignal() {
     auto* bar = new QProgressBar(group);
     bar->setRange(0, kBarEnd);
     bar->setAlignment(Qt::AlignCenter);
+    QPalette colours = bar->palette();
+    colours.setColor(QPalette::Highlight,
+                     Bearing(colours.color(QPalette::Active, QPalette::Highlight),
+                             colours.color(QPalette::Active, QPalette::HighlightedText)));
+    bar->setPalette(colours);
     Name(*bar, each.Bar, {}, each.Caption);
     grid->addWidget(MakeLabel(each.Label, each.Caption, group), row, 0);
     grid->addWidget(bar, row++, 1);
@@ -278,11 +274,8 @@ QWidget* frmKestrune::MakeRecording() {
   auto* column = new QVBoxLayout(group);
 
   auto* status = new QHBoxLayout;
-  lblRecording_ = MakeElided("lblRecording", 22, group, "", "Status");
+  lblRecording_ = MakeElided("lblRecording", 22, group, "Status");
   Enlarge(*lblRecording_, 1.3, true);
-  QSizePolicy policy = lblRecording_->sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
-  lblRecording_->setSizePolicy(policy);
   lblClock_ = MakeLabel("lblClock", "", group);
   Enlarge(*lblClock_, 1.3, true);
   lblClock_->setMinimumWidth(lblClock_->fontMetrics().horizontalAdvance(QStringLiteral("00:00:00")));
@@ -292,17 +285,18 @@ QWidget* frmKestrune::MakeRecording() {
   status->addWidget(lblClock_);
   column->addLayout(status);
 
-  lblExplanation_ = MakeElided("lblExplanation", kSongLetters, group);
+  lblExplanation_ = MakeElided("lblExplanation", kSongLetters, group, "");
   column->addWidget(lblExplanation_);
 
   auto* event = new QHBoxLayout;
-  pctTimer_ = MakeFixed("pctTimer", "Recording Scheduled Event", group);
-  pctTimer_->setText(QStringLiteral("Recording Scheduled Event"));
+  constexpr const char* kTimer = "Recording Scheduled Event";
+  pctTimer_ = MakeElided("pctTimer", static_cast<int>(std::string_view(kTimer).size()), group, "");
+  pctTimer_->setText(QString::fromUtf8(kTimer));
+  RetainSize(*pctTimer_);
   lblcRemaining_ = MakeFixed("lblcRemaining", "Time remaining:", group);
   lblcRemaining_->setText(QStringLiteral("Time remaining:"));
   lblRemaining_ = MakeFixed("lblRemaining", "00:00:00", group);
-  event->addWidget(pctTimer_);
-  event->addStretch();
+  event->addWidget(pctTimer_, 1);
   event->addWidget(lblcRemaining_);
   event->addWidget(lblRemaining_);
   column->addLayout(event);
@@ -521,7 +515,13 @@ void frmKestrune::ShowPreset(QPushButton& button, std::size_t number, const Pres
   button.setAccessibleName(whole);
   // A preset without a song yet is shown dimmed.
   QPalette colours = palette();
-  if (empty) colours.setColor(QPalette::ButtonText, colours.color(QPalette::PlaceholderText));
+  if (empty) {
+    // Of the usable button, also while the window is disabled.
+    const QColor text = colours.color(QPalette::Active, QPalette::ButtonText);
+    const QColor dimmed = Dimmed(text, colours.color(QPalette::Active, QPalette::Button));
+    colours.setColor(QPalette::Active, QPalette::ButtonText, dimmed);
+    colours.setColor(QPalette::Inactive, QPalette::ButtonText, dimmed);
+  }
   button.setPalette(colours);
 }
 
@@ -535,21 +535,33 @@ void frmKestrune::ShowWarning(QWidget& label, bool warning) const {
 }
 
 void frmKestrune::ShowStatus(const MainWindow& record) {
+  // It blinks for the eye alone.
   ShowText(*lblRecording_, record.lblRecording.Caption);
-  ShowVisible(*lblRecording_, record.lblRecording.Visible);
+  lblRecording_->SetBlank(!record.lblRecording.Visible);
   ShowWarning(*lblRecording_, record.Recording);
   ShowText(*lblExplanation_, rules_.Explanation());
   ShowWarning(*lblExplanation_, !record.Warning.empty());
   ShowHint(record);
   // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");
-  ShowVisible(*pctTimer_, record.pctTimer.Visible);
+  ShowVisible(*pctTimer_, record.lblRemaining.Visible);
+  pctTimer_->SetBlank(!record.pctTimer.Visible);
   ShowVisible(*lblcRemaining_, record.lblRemaining.Visible);
   ShowVisible(*lblRemaining_, record.lblRemaining.Visible);
   ShowText(*lblRemaining_, record.lblRemaining.Caption);
+  ShowVisible(*boxLock_, record.ChannelLocked);
+  ShowButtons(record);
+}
+
+void frmKestrune::ShowButtons(const MainWindow& record) {
+  // A disabled button loses the focus to whatever comes next; the two that swap pass it to each other.
+  const QWidget* const focus = focusWidget();
+  const bool swaps = focus != nullptr && (focus == cmdRecord_ || focus == cmdStop_);
   ShowEnabled(*cmdRecord_, record.cmdRecord.Enabled);
   ShowEnabled(*cmdStop_, record.cmdStop.Enabled);
   ShowEnabled(*cmdKeep_, record.cmdKeep.Enabled);
+  if (swaps && record.cmdRecord.Enabled != record.cmdStop.Enabled)
+    (record.cmdRecord.Enabled ? cmdRecord_ : cmdStop_)->setFocus();
 }
 
 void frmKestrune::ShowHint(const MainWindow& record) {
@@ -583,6 +595,12 @@ void frmKestrune::PressHotKey(int key) {
   for (QAction* action : findChildren<QAction*>()) {
     if (action->shortcut() == wanted) return action->trigger();
   }
+}
+
+bool frmKestrune::event(QEvent* event) {
+  // An entry that the key before has just enabled takes this one.
+  if (event->type() == QEvent::ShortcutOverride) Refresh();
+  return QMainWindow::event(event);
 }
 
 void frmKestrune::closeEvent(QCloseEvent* event) {

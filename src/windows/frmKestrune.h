@@ -55,6 +55,7 @@ class frmKestrune final : public QMainWindow {
   [[nodiscard]] QAction* Entry(const char* name) const;
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
@@ -81,6 +82,8 @@ class frmKestrune final : public QMainWindow {
   void MakeMenus();
   void MakeControls();
   [[nodiscard]] QWidget* MakeSong();
+  /// The padlock and what it says.
+  [[nodiscard]] QWidget* MakeLock(QWidget* parent);
   [[nodiscard]] QWidget* MakeSignal();
   [[nodiscard]] QWidget* MakeRecording();
   [[nodiscard]] QWidget* MakeLevels();
@@ -98,6 +101,7 @@ class frmKestrune final : public QMainWindow {
   void ShowStatus(const presenters::MainWindow& record);
   /// The line of the explanation can be clicked on while it shows a hint.
   void ShowHint(const presenters::MainWindow& record);
+  void ShowButtons(const presenters::MainWindow& record);
   void ShowMenus(const presenters::MainWindow& record);
 
   presenters::UnitPresenters& rules_;
@@ -110,8 +114,9 @@ class frmKestrune final : public QMainWindow {
   ElidedLabel* lblRecording_ = nullptr;
   ElidedLabel* lblExplanation_ = nullptr;
   bool hintShown_ = false;
+  QWidget* boxLock_ = nullptr;
   QLabel* lblClock_ = nullptr;
-  QLabel* pctTimer_ = nullptr;
+  ElidedLabel* pctTimer_ = nullptr;
   QLabel* lblcRemaining_ = nullptr;
   QLabel* lblRemaining_ = nullptr;
   QLabel* lblRecorded_ = nullptr;

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QAction>
 #include <QCheckBox>
 #include <QLabel>
@@ -19,7 +20,9 @@
 
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/Contrast.h"
 #include "windows/DesktopRig.h"
+#include "windows/ElidedLabel.h"
 
 namespace kestrune::test {
 namespace {
@@ -51,6 +54,14 @@ class frmKestruneTest : public ::testing::Test {
     return windows::FromQt(rig.Find<QLabel>(label).text());
   }
   [[nodiscard]] bool Hidden(const char* control) { return rig.Find<QWidget>(control).isHidden(); }
+
+  /// What a screen reader says of a control.
+  [[nodiscard]] std::string Spoken(const char* control) {
+    return Interface(control).text(QAccessible::Name).toStdString();
+  }
+  [[nodiscard]] QAccessibleInterface& Interface(const char* control) {
+    return *QAccessible::queryAccessibleInterface(&rig.Find<QWidget>(control));
+  }
 
   DesktopRig rig;
 };
@@ -249,6 +260,93 @@ TEST_F(frmKestruneTest, TheButtonsSwap) {
   EXPECT_EQ(Text("lblRecording"), "");
 }
 
+TEST_F(frmKestruneTest, AScreenReaderSaysWhatPlaysAndWhatHappens) {
+  rig.Unit.Radio.Channels[44] = {"Harbour", "Rock", "Salt & Sand", "Tide"};
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  EXPECT_EQ(Spoken("lblChannel"), "Channel: 44: Harbour");
+  EXPECT_EQ(Spoken("lblGenre"), "Genre: Rock");
+  EXPECT_EQ(Spoken("lblArtist"), "Artist: Salt & Sand");
+  EXPECT_EQ(Spoken("lblSong"), "Song: Tide");
+  EXPECT_EQ(Spoken("lblExplanation"), "Not recording.");
+  EXPECT_EQ(Spoken("lblRecording"), "Status");
+  EXPECT_EQ(Interface("lblSong").role(), QAccessible::Button);
+  EXPECT_EQ(Interface("lblGenre").role(), QAccessible::StaticText);
+}
+
+TEST_F(frmKestruneTest, ANewSongIsNewsToAScreenReader) {
+  // Qt announces a new text only of a label that has no name of its own.
+  for (const char* const label : {"lblChannel", "lblArtist", "lblSong", "lblRecording", "lblExplanation"})
+    EXPECT_TRUE(rig.Find<QLabel>(label).accessibleName().isEmpty()) << label;
+}
+
+TEST_F(frmKestruneTest, AScreenReaderPressesTheArtistLikeAButton) {
+  int offered = 0;
+  rig.Desktop.OfferForList = [&](auto, const auto&) { ++offered; };
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  QAccessibleActionInterface* const actions = Interface("lblArtist").actionInterface();
+  ASSERT_NE(actions, nullptr);
+  ASSERT_TRUE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+  actions->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(offered, 1);
+  EXPECT_FALSE(Interface("lblGenre")
+                   .actionInterface()
+                   ->actionNames()
+                   .contains(QAccessibleActionInterface::pressAction()));
+}
+
+TEST_F(frmKestruneTest, APadlockStandsAtTheChannelWhileItIsKept) {
+  rig.Unit.StartIdle();
+  EXPECT_TRUE(Hidden("boxLock"));
+  Press("cmdRecord");
+  EXPECT_FALSE(Hidden("boxLock"));
+  EXPECT_EQ(Text("lblLock"), "Locked while recording");
+  EXPECT_EQ(rig.Find<QWidget>("boxLock").toolTip(),
+            "The channel, the presets and the mute stay as they are until the recording stops.");
+  Press("cmdStop");
+  rig.Unit.NextSong("New", "Song");
+  rig.Run(15s);
+  EXPECT_TRUE(Hidden("boxLock"));
+}
+
+TEST_F(frmKestruneTest, TheFocusGoesFromRecordToStopAndBack) {
+  rig.Unit.Set("Integrel", "False");
+  rig.Unit.StartIdle();
+  rig.Find<QPushButton>("cmdRecord").setFocus();
+  Press("cmdRecord");
+  EXPECT_EQ(rig.Main().focusWidget(), &rig.Find<QPushButton>("cmdStop"));
+  Press("cmdStop");
+  rig.Run(1s);
+  EXPECT_EQ(rig.Main().focusWidget(), &rig.Find<QPushButton>("cmdRecord"));
+}
+
+TEST_F(frmKestruneTest, AFocusElsewhereStaysWhereItIs) {
+  rig.Unit.StartIdle();
+  rig.Find<QPushButton>("cmdMixer").setFocus();
+  Choose("mnuRecord");
+  EXPECT_EQ(rig.Main().focusWidget(), &rig.Find<QPushButton>("cmdMixer"));
+}
+
+TEST_F(frmKestruneTest, TheKeyOfStopIsTakenRightAfterThatOfRecord) {
+  rig.Unit.StartIdle();
+  rig.Main().activateWindow();
+  QTest::keyClick(&rig.Main(), Qt::Key_R, Qt::ControlModifier);
+  rig.Unit.Loop.PumpEvents();  // the wish is carried out, and the window has not been refreshed yet
+  QTest::keyClick(&rig.Main(), Qt::Key_S, Qt::ControlModifier);
+  Settle();
+  EXPECT_FALSE(rig.Unit->State().Recording.RecordRequested);
+}
+
+TEST_F(frmKestruneTest, TextOnPresetsAndBarsIsReadable) {
+  rig.Unit.StartIdle();
+  rig.Run(200ms);
+  const QPalette preset = rig.Find<QPushButton>("cmdPresetStation_0").palette();
+  EXPECT_GE(windows::Contrast(preset.color(QPalette::ButtonText), preset.color(QPalette::Button)), 4.5);
+  const QPalette bar = rig.Find<QProgressBar>("pbrTerSignal").palette();
+  EXPECT_GE(windows::Contrast(bar.color(QPalette::HighlightedText), bar.color(QPalette::Highlight)), 4.5);
+}
+
 TEST_F(frmKestruneTest, TheSongThatPlaysIsKeptByAButtonOnce) {
   EXPECT_FALSE(rig.Find<QPushButton>("cmdKeep").isEnabled()) << "nothing is captured yet";
   rig.Unit.StartIdle();
@@ -290,10 +388,13 @@ TEST_F(frmKestruneTest, TheStatusBlinksOnceASecondAndTheClockRuns) {
   rig.Unit.StartIdle();
   Press("cmdRecord");
   int changes = 0;
-  bool hidden = Hidden("lblRecording");
+  const auto& status = dynamic_cast<windows::ElidedLabel&>(rig.Find<QLabel>("lblRecording"));
+  bool blank = status.IsBlank();
   for (int i = 0; i < 30; ++i) {
     rig.Run(100ms);
-    changes += std::exchange(hidden, Hidden("lblRecording")) != hidden ? 1 : 0;
+    changes += std::exchange(blank, status.IsBlank()) != blank ? 1 : 0;
+    EXPECT_FALSE(status.isHidden()) << "the blink is nothing to a screen reader";
+    EXPECT_EQ(Spoken("lblRecording"), "Status: Recording");
   }
   EXPECT_NEAR(changes, 6, 1);
   EXPECT_EQ(Text("lblClock").size(), 8U);

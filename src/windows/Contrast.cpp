@@ -1,0 +1,47 @@
+#include "windows/Contrast.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune::windows {
+namespace {
+
+constexpr int kSteps = 50;
+
+double Linear(double part) {
+  return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(const QColor& colour) {
+  return 0.2126 * Linear(colour.redF()) + 0.7152 * Linear(colour.greenF()) + 0.0722 * Linear(colour.blueF());
+}
+
+QColor Mixed(const QColor& from, const QColor& to, double partOfTo) {
+  const auto mix = [partOfTo](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * partOfTo)); };
+  return {mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())};
+}
+
+}  // namespace
+
+double Contrast(const QColor& one, const QColor& other) {
+  const auto [darker, lighter] = std::minmax(Luminance(one), Luminance(other));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor Dimmed(const QColor& colour, const QColor& ground) {
+  for (int step = kSteps; step > 0; --step) {
+    const QColor mixed = Mixed(colour, ground, static_cast<double>(step) / kSteps);
+    if (Contrast(mixed, ground) >= kReadableContrast) return mixed;
+  }
+  return colour;
+}
+
+QColor Bearing(const QColor& colour, const QColor& text) {
+  const QColor end = Luminance(text) > 0.18 ? QColor(Qt::black) : QColor(Qt::white);
+  QColor mixed = colour;
+  for (int step = 1; step <= kSteps && Contrast(mixed, text) < kReadableContrast; ++step)
+    mixed = Mixed(colour, end, static_cast<double>(step) / kSteps);
+  return mixed;
+}
+
+}  // namespace kestrune::windows

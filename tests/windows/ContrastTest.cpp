@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+
+#include "windows/Contrast.h"
+
+namespace kestrune::test {
+namespace {
+
+using windows::Bearing;
+using windows::Contrast;
+using windows::Dimmed;
+using windows::kReadableContrast;
+
+TEST(Contrast, IsThatOfTheGuidelines) {
+  EXPECT_NEAR(Contrast(Qt::black, Qt::white), 21, 0.01);
+  EXPECT_NEAR(Contrast(Qt::white, Qt::white), 1, 0.001);
+  // The example of the guidelines' own explanations: the lightest grey that is readable on white.
+  EXPECT_NEAR(Contrast(QColor(0x76, 0x76, 0x76), Qt::white), 4.54, 0.01);
+  EXPECT_DOUBLE_EQ(Contrast(Qt::red, Qt::blue), Contrast(Qt::blue, Qt::red));
+}
+
+TEST(Contrast, DimmedTextStaysReadableAndIsFainter) {
+  for (const QColor& ground : {QColor(0xf0, 0xf0, 0xf0), QColor(0x32, 0x32, 0x32), QColor(Qt::black)}) {
+    const QColor text = ground.lightness() < 128 ? Qt::white : Qt::black;
+    const QColor dimmed = Dimmed(text, ground);
+    EXPECT_GE(Contrast(dimmed, ground), kReadableContrast);
+    EXPECT_LT(Contrast(dimmed, ground), kReadableContrast + 0.5);
+  }
+  EXPECT_EQ(Dimmed(QColor(0xaa, 0xaa, 0xaa), Qt::white), QColor(0xaa, 0xaa, 0xaa)) << "faint already";
+}
+
+TEST(Contrast, AColourBearsItsText) {
+  EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::white), Qt::white), kReadableContrast);
+  EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::black), Qt::black), kReadableContrast);
+  EXPECT_EQ(Bearing(Qt::darkBlue, Qt::white), QColor(Qt::darkBlue)) << "it does already";
+}
+
+}  // namespace
+}  // namespace kestrune::test
