@@ -7,6 +7,7 @@
 #include "apps/kestrune/Face.h"
 #include "base/EventLoop.h"
 #include "platform/Environment.h"
+#include "platform/canberra/ThemeSounds.h"
 #include "platform/qtdbus/DesktopNotifications.h"
 #include "platform/qtdbus/MprisPlayer.h"
 #include "platform/qtgui/DesktopShell.h"
@@ -16,7 +17,6 @@
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 #include "windows/QtDialogs.h"
-#include "windows/QtSounds.h"
 #include "windows/UnitWindows.h"
 
 namespace kestrune::apps {
@@ -38,7 +38,7 @@ class DesktopFace final : public Face {
   base::EventLoop& loop_;
   platform::DesktopShell shell_;
   windows::QtDialogs dialogs_;
-  windows::QtSounds sounds_;
+  platform::ThemeSounds sounds_;
   windows::Desktop desktop_;
   std::unique_ptr<presenters::UnitPresenters> rules_;
   std::unique_ptr<windows::UnitWindows> unitWindows_;
