@@ -1,8 +1,8 @@
 #include "apps/kestrune/DesktopFace.h"
 
-#include <QApplication>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGuiApplication>
-#include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -42,8 +42,7 @@ DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& env
                          bool agreementAccepted)
     : loop_(loop),
       dialogs_(platform::SideFile(environment.ExecutableFolder(), "Agreement.html"), agreementAccepted),
-      // The alert that every display has, from the main thread.
-      sounds_([] { QTimer::singleShot(0, QCoreApplication::instance(), [] { QApplication::beep(); }); }),
+      sounds_([this] { QCoreApplication::postEvent(&bell_, new QEvent(QEvent::User)); }),
       desktop_(
           {.Loop = loop,
            .Dialogs = dialogs_,

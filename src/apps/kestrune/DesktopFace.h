@@ -16,6 +16,7 @@
 #include "presenters/Notices.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
+#include "windows/DisplayBell.h"
 #include "windows/QtDialogs.h"
 #include "windows/UnitWindows.h"
 
@@ -38,6 +39,7 @@ class DesktopFace final : public Face {
   base::EventLoop& loop_;
   platform::DesktopShell shell_;
   windows::QtDialogs dialogs_;
+  windows::DisplayBell bell_;
   platform::ThemeSounds sounds_;
   windows::Desktop desktop_;
   std::unique_ptr<presenters::UnitPresenters> rules_;
