@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QMenu>
 #include <QTimer>
+#include <QWindow>
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -255,7 +256,14 @@ void Desktop::ClosePleaseWait() {
 
 void Desktop::ShowAbout() {
   splash_ = std::make_unique<frmSplash>(outside_.Loop, outside_.Shell, outside_.Dialogs, outside_.Links);
+  StandOver(*splash_);
   splash_->show();
+}
+
+void Desktop::StandOver(QWidget& window) {
+  if (main_->isHidden()) return;
+  window.winId();  // makes the window's handle
+  if (window.windowHandle() != nullptr) window.windowHandle()->setTransientParent(main_->windowHandle());
 }
 
 void Desktop::LoadChannelsWindow() {
@@ -281,6 +289,7 @@ void Desktop::OpenModal(std::unique_ptr<QWidget> window) {
   if (unit_->State().Run.ShuttingDown) return;
   modal_ = std::move(window);
   modal_->setWindowModality(Qt::ApplicationModal);
+  StandOver(*modal_);
   Raise(*modal_);
 }
 
@@ -288,6 +297,7 @@ void Desktop::ShowModally(QWidget& window) {
   if (unit_->State().Run.ShuttingDown) return;
   const QPointer<QWidget> shown = &window;
   window.setWindowModality(Qt::ApplicationModal);
+  StandOver(window);
   const bool busy = busyCursor_;
   SetBusyCursor(false);
   Raise(window);
@@ -303,7 +313,9 @@ void Desktop::ShowModally(QWidget& window) {
 }
 
 void Desktop::ShowRememberedWindows() {
+  remembering_ = true;
   rules_->Switches().ShowRemembered();
+  remembering_ = false;
 }
 
 void Desktop::ShowWaitCursor(bool wait) {
@@ -378,6 +390,11 @@ void Desktop::Show(WindowName name) {
   Kept* kept = Load(name);
   if (kept == nullptr) return;
   kept->Window->Refresh();
+  if (remembering_) {
+    // The user has not asked for it now, and the keys stay with the window that has them.
+    kept->Hidden = true;
+    return SetVisible(name, true);
+  }
   kept->Hidden = false;
   kept->Window->Open();
 }

@@ -108,6 +108,8 @@ class Desktop final : public QObject, public recorder::Windows {
   [[nodiscard]] const Kept* Find(recorder::WindowName name) const;
   Kept* Load(recorder::WindowName name);
   void RunClosingRule(Kept& kept);
+  /// Keeps the window above the main one, and the desktop places it there, if that is shown.
+  void StandOver(QWidget& window);
   void DropClosed();
   void ReadMainWindow();
   void ShowMainWindow();
@@ -134,6 +136,7 @@ class Desktop final : public QObject, public recorder::Windows {
   std::string trayTip_;
   int trayCheck_ = 0;
   bool busyCursor_ = false;
+  bool remembering_ = false;  // the windows of the last run are being shown
   bool mainShown_ = false;
   std::unique_ptr<base::Timer> tmrRefresh_;
 };

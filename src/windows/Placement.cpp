@@ -1,7 +1,6 @@
 #include "windows/Placement.h"
 
 #include <QGuiApplication>
-#include <QPoint>
 #include <QRect>
 #include <QScreen>
 #include <QWidget>
@@ -41,8 +40,12 @@ void MoveTo(QWidget& window, Place place) {
 }
 
 Place PlaceOf(const QWidget& window) {
-  return {.Top = static_cast<float>(window.y()) * kTwipsPerPixel,
-          .Left = static_cast<float>(window.x()) * kTwipsPerPixel};
+  return PlaceOf(window.pos());
+}
+
+Place PlaceOf(QPoint corner) {
+  return {.Top = static_cast<float>(corner.y()) * kTwipsPerPixel,
+          .Left = static_cast<float>(corner.x()) * kTwipsPerPixel};
 }
 
 void KeepPlace(const QWidget& window) {

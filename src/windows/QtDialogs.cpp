@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -73,6 +75,18 @@ struct OpenBox {
   std::optional<OrdinaryPointer> Pointer{std::in_place};
 };
 
+/// A line of the text breaks only if it is longer than this: by itself a box breaks it at half the screen or earlier.
+constexpr int kLettersOfALine = 100;
+
+void KeepLines(const QMessageBox& box) {
+  auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+  if (label == nullptr) return;
+  int widest = 0;
+  for (const QString& line : box.text().split(QLatin1Char('\n')))
+    widest = std::max(widest, label->fontMetrics().horizontalAdvance(line));
+  label->setMinimumWidth(std::min(widest + 1, kLettersOfALine * label->fontMetrics().averageCharWidth()));
+}
+
 /// On the heap, over the window that is in front.
 QMessageBox* MakeBox(const platform::Message& message) {
   QWidget* parent = QApplication::activeModalWidget();
@@ -80,6 +94,7 @@ QMessageBox* MakeBox(const platform::Message& message) {
   auto* box = new QMessageBox(IconOf(message.Icon), ToQt(message.Title), ToQt(message.Text),
                               ButtonsOf(message.Buttons), parent);
   box->setTextFormat(Qt::PlainText);
+  KeepLines(*box);
   box->setWindowIcon(ProgramIcon());
   box->setEscapeButton(message.Buttons == MessageButtons::YesNoCancel ? QMessageBox::Cancel
                        : message.Buttons == MessageButtons::YesNo     ? QMessageBox::No

@@ -1,5 +1,6 @@
 #include "windows/RememberedPlace.h"
 
+#include <QRect>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,12 @@ int Pixels(float twips, int least) {
   return std::max(least, static_cast<int>(std::lround(std::clamp(twips / kTwipsPerPixel, 0.0F, kMost))));
 }
 
+/// The place of the frame and the size within it that the window has, or would have if it were not maximised.
+QRect NormalFrame(const QWidget& window) {
+  if (InNormalState(window)) return {window.pos(), window.size()};
+  return window.normalGeometry().translated(window.pos() - window.geometry().topLeft());
+}
+
 }  // namespace
 
 void RestorePlace(QWidget& window, const config::SettingsSection& section, std::string_view name,
@@ -42,14 +49,16 @@ void RestorePlace(QWidget& window, const config::SettingsSection& section, std::
 
 void SavePlace(const QWidget& window, const config::SettingsSection& section, std::string_view name,
                Remembered what) {
-  if (!InNormalState(window)) return;
-  const Place here = PlaceOf(window);
+  if (window.isMinimized()) return;
+  const QRect normal = NormalFrame(window);
+  if (!normal.isValid()) return;
+  const Place here = PlaceOf(normal.topLeft());
   base::Ignored(section.SaveSingle(Key(name, "Top"), here.Top));
   base::Ignored(section.SaveSingle(Key(name, "Left"), here.Left));
   if (what != Remembered::PlaceAndSize) return;
   base::Ignored(
-      section.SaveSingle(Key(name, "Height"), static_cast<float>(window.height()) * kTwipsPerPixel));
-  base::Ignored(section.SaveSingle(Key(name, "Width"), static_cast<float>(window.width()) * kTwipsPerPixel));
+      section.SaveSingle(Key(name, "Height"), static_cast<float>(normal.height()) * kTwipsPerPixel));
+  base::Ignored(section.SaveSingle(Key(name, "Width"), static_cast<float>(normal.width()) * kTwipsPerPixel));
 }
 
 }  // namespace kestrune::windows

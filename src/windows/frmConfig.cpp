@@ -18,6 +18,7 @@
 #include "windows/Binding.h"
 #include "windows/Choosing.h"
 #include "windows/ConfigPlace.h"
+#include "windows/FittedPage.h"
 #include "windows/OptionWindows.h"
 #include "windows/Placement.h"
 #include "windows/UpDown.h"
@@ -49,13 +50,18 @@ frmConfig::frmConfig(Configuration& configuration, QWidget* parent)
     : QDialog(parent), configuration_(configuration) {
   setObjectName(QStringLiteral("frmConfig"));
   setWindowTitle(QStringLiteral("Kestrune Configuration"));
-  new QVBoxLayout(this);
+  page_ = new FittedPage(this);
+  auto* groups = new QVBoxLayout(&page_->Content());
+  auto* whole = new QVBoxLayout(this);
+  // The groups bring their own margins.
+  groups->setContentsMargins(0, 0, 0, 0);
+  whole->addWidget(page_);
   FillSongs();
   FillFiles();
   FillFormat();
   FillRecording();
   FillWindow();
-  static_cast<QVBoxLayout*>(layout())->addStretch();
+  groups->addStretch();
   AddButtons();
   AlignLabels();
 }
@@ -64,7 +70,7 @@ QGridLayout& frmConfig::AddGroup(const char* title) {
   auto* group = new QGroupBox(QLatin1String(title), this);
   auto* grid = new QGridLayout(group);
   grid->setColumnStretch(1, 1);
-  layout()->addWidget(group);
+  page_->Content().layout()->addWidget(group);
   return *grid;
 }
 
@@ -390,6 +396,7 @@ void frmConfig::changeEvent(QEvent* event) {
 
 void frmConfig::Place() {
   Refresh();
+  FitToScreen(*this);
   MoveToConfigPlace(*this, configuration_.Section());
   cboMinLength_->setFocus();
 }

@@ -17,6 +17,7 @@ class QPushButton;
 
 namespace kestrune::windows {
 
+class FittedPage;
 class UpDown;
 
 /// The configuration. It is one window that is shown and hidden. The windows that open from it are modal, are
@@ -95,6 +96,7 @@ class frmConfig final : public QDialog {
   void CloseOpened();
 
   presenters::Configuration& configuration_;
+  FittedPage* page_ = nullptr;
   std::vector<QLabel*> labels_;
   bool asking_ = false;
 

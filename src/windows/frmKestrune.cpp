@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QLabel>
+#include <QMargins>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -23,6 +24,7 @@
 #include "windows/Binding.h"
 #include "windows/Contrast.h"
 #include "windows/ElidedLabel.h"
+#include "windows/FittedPage.h"
 #include "windows/HotKeys.h"
 #include "windows/MarkIcon.h"
 
@@ -87,6 +89,7 @@ frmKestrune::frmKestrune(presenters::UnitPresenters& rules) : rules_(rules), uni
   MakeMenus();
   MakeControls();
   Refresh();
+  FitToScreen(*this);
 }
 
 QAction* frmKestrune::AddEntry(QMenu& menu, const char* name, const char* caption,
@@ -178,8 +181,15 @@ void frmKestrune::MakeMenus() {
 }
 
 void frmKestrune::MakeControls() {
-  auto* page = new QWidget(this);
-  auto* grid = new QGridLayout(page);
+  auto* page = new FittedPage(this);
+  auto* grid = new QGridLayout(&page->Content());
+  // Close, so that the window has room on a small screen.
+  constexpr int kGap = 4;
+  grid->setVerticalSpacing(kGap);
+  QMargins margins = grid->contentsMargins();
+  margins.setTop(kGap);
+  margins.setBottom(kGap);
+  grid->setContentsMargins(margins);
   grid->addWidget(MakeSong(), 0, 0);
   grid->addWidget(MakeSignal(), 0, 1);
   grid->addWidget(MakeRecording(), 1, 0);
@@ -428,16 +438,16 @@ QWidget* frmKestrune::MakeBoxes() {
                          "kill lists",
                          "mnuSievanceKill", &MainWindow::chkSievanceKill,
                          option(&presenters::OptionRules::chkSievanceKill_Click)),
-                  2, 0);
+                  0, 1);
   left->addWidget(
       AddBox("chkRadioOnAtExit", "Radio On At Exit",
              "Check to cause Kestrune to leave the radio on and playing when exiting", "mnuRadioOnAtExit",
              &MainWindow::chkRadioOnAtExit, option(&presenters::OptionRules::chkRadioOnAtExit_Click)),
-      0, 1);
+      1, 1);
 
   auto* windows = new QGroupBox(tr("Windows"), both);
   auto* right = new QGridLayout(windows);
-  constexpr int kRows = 3;
+  constexpr int kRows = 2;
   int place = 0;
   for (const presenters::WindowRow& window : presenters::WindowTable()) {
     if (window.Checked == nullptr) continue;
@@ -446,8 +456,8 @@ QWidget* frmKestrune::MakeBoxes() {
     right->addWidget(box, place % kRows, place / kRows);
     ++place;
   }
-  row->addWidget(options, 1);
-  row->addWidget(windows, 1);
+  row->addWidget(options, 2);
+  row->addWidget(windows, 3);
   return both;
 }
 

@@ -16,7 +16,7 @@
 namespace kestrune::windows {
 namespace {
 
-constexpr int kRows = 6;
+constexpr int kRows = 4;  // as in the main window
 constexpr int kShownLines = 20;
 
 }  // namespace

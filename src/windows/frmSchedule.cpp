@@ -5,16 +5,12 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGridLayout>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
@@ -29,6 +25,7 @@
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
 #include "windows/ElidedLabel.h"
+#include "windows/FittedPage.h"
 #include "windows/RememberedPlace.h"
 #include "windows/WeekBar.h"
 #include "windows/frmDateSelect.h"
@@ -39,9 +36,6 @@ namespace {
 using presenters::Scheduler;
 using schedule::SchedulerRow;
 using schedule::TimeOfDay;
-
-/// The most that the desktop takes for the frame around the window and for itself.
-constexpr QSize kFrame(8, 48);
 
 /// The columns of the grid, from the left; narrow empty ones set the groups apart.
 enum Column : int {
@@ -149,8 +143,8 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
   setAttribute(Qt::WA_DeleteOnClose);
   ListChannels();
 
-  auto* page = new QWidget;
-  auto* grid = new QGridLayout(page);
+  auto* page = new FittedPage(this);
+  auto* grid = new QGridLayout(&page->Content());
   const int letter = fontMetrics().averageCharWidth();
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(letter / 3);
@@ -161,14 +155,8 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
   grid->setColumnMinimumWidth(Enabled, 4 * letter);
   grid->setColumnStretch(Channel, 1);
   MakeHeadings(*grid);
-  for (int index = 0; index < schedule::kSchedulerRows; ++index) MakeRow(index, *grid, page);
+  for (int index = 0; index < schedule::kSchedulerRows; ++index) MakeRow(index, *grid, &page->Content());
   grid->setRowStretch(2 * schedule::kSchedulerRows + 1, 1);
-
-  auto* scroll = new QScrollArea(this);
-  scroll->setFrameShape(QFrame::NoFrame);
-  scroll->setWidgetResizable(true);
-  scroll->setFocusPolicy(Qt::NoFocus);
-  scroll->setWidget(page);
 
   auto* save = new QPushButton(QStringLiteral("Save"), this);
   Name(*save, "cmdSave");
@@ -183,22 +171,11 @@ frmSchedule::frmSchedule(std::shared_ptr<Scheduler> rules, const base::EventLoop
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(weekBar_);
-  layout->addWidget(scroll);
+  layout->addWidget(page);
   layout->addLayout(ends);
 
   Refresh();
-  // Shows all of it if the screen is large enough, else scroll bars.
-  const QMargins margins = layout->contentsMargins();
-  QSize whole = page->sizeHint() + QSize(margins.left() + margins.right(),
-                                         margins.top() + margins.bottom() + weekBar_->sizeHint().height() +
-                                             2 * layout->spacing() + ends->sizeHint().height());
-  if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-    const QSize room = screen->availableSize() - kFrame;
-    // The scroll bar under the rows must hide none of them.
-    if (whole.width() > room.width()) whole.rheight() += scroll->horizontalScrollBar()->sizeHint().height();
-    whole = whole.boundedTo(room);
-  }
-  resize(whole);
+  FitToScreen(*this);
   RestorePlace(*this, section_, "Schedule");
   rules_->Reread = [this] {
     ListChannels();

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -60,6 +61,21 @@ class PlainWindow : public QWidget {
  private:
   Diary& diary_;
   std::string name_;
+};
+
+/// Whether the windows that are shown while it lives want the focus.
+class ShownWindows final : public QObject {
+ public:
+  ShownWindows() { QCoreApplication::instance()->installEventFilter(this); }
+  std::map<QObject*, bool> WantFocus;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* const widget = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow())
+      WantFocus[watched] = !widget->testAttribute(Qt::WA_ShowWithoutActivating);
+    return false;
+  }
 };
 
 class DesktopTest : public ::testing::Test {
@@ -155,6 +171,18 @@ TEST_F(DesktopTest, AWindowMayRefuseToClose) {
   rig.Run(200ms);
   EXPECT_TRUE(last->isVisible());
   EXPECT_TRUE(rig.Desktop.IsLoaded(WindowName::RestrictList));
+}
+
+TEST_F(DesktopTest, AWindowOfTheLastRunTakesNoFocusAndOneThatIsAskedForDoes) {
+  Plug(WindowName::Channels, "channels");
+  rig.Unit.Set("ChannelListing", "1");
+  const ShownWindows shown;
+  rig.Unit.StartIdle();
+  ASSERT_TRUE(last->isVisible());
+  EXPECT_FALSE(shown.WantFocus.at(last));
+  rig.Unit.Rules->Switches().Click(WindowName::Channels, false);
+  rig.Unit.Rules->Switches().Click(WindowName::Channels, true);
+  EXPECT_TRUE(shown.WantFocus.at(last));
 }
 
 TEST_F(DesktopTest, AWindowClosedAndShownAtOnceIsANewOne) {

@@ -486,6 +486,17 @@ TEST_F(FrmConfigTest, ItFitsALaptopsScreen) {
   EXPECT_LE(window_.sizeHint().height(), kRoom);
 }
 
+TEST_F(FrmConfigTest, OnASmallerScreenItScrollsAndItsButtonsStay) {
+  window_.ShowModeless();
+  window_.resize(640, 400);
+  Settle();
+  EXPECT_EQ(window_.height(), 400);
+  for (const char* const button : {"cmdDefault", "cmdSave", "cmdCancel"}) {
+    const auto& shown = Find<QWidget>(window_, button);
+    EXPECT_TRUE(window_.rect().contains(QRect(shown.mapTo(&window_, QPoint(0, 0)), shown.size()))) << button;
+  }
+}
+
 TEST_F(FrmConfigTest, AFolderThatIsNotThereStartsTheChooserAtTheNearestAbove) {
   const QTemporaryDir folder;
   rig_.Settings.FileDir = folder.path().toStdString() + "/not/there/";

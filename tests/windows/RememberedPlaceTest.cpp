@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <QWidget>
 #include <string>
 #include <vector>
@@ -68,12 +69,25 @@ TEST_F(RememberedPlaceTest, APlaceAloneSavesNoSize) {
               ElementsAre("save Lorimel/Kestrune/MixerTop=0", "save Lorimel/Kestrune/MixerLeft=0"));
 }
 
-TEST_F(RememberedPlaceTest, AWindowThatIsNotInTheNormalStateIsNotSaved) {
-  for (const Qt::WindowState state : {Qt::WindowMinimized, Qt::WindowMaximized}) {
-    window_.setWindowState(state);
-    SavePlace(window_, section_, "Mixer");
-  }
+TEST_F(RememberedPlaceTest, AMinimisedWindowIsNotSaved) {
+  window_.setWindowState(Qt::WindowMinimized);
+  SavePlace(window_, section_, "Mixer");
   EXPECT_THAT(store_.Calls, ElementsAre());
+}
+
+TEST_F(RememberedPlaceTest, OfAMaximisedWindowItsUsualPlaceAndSizeAreSaved) {
+  window_.move(10, 20);
+  window_.resize(300, 200);
+  window_.show();
+  QCoreApplication::processEvents();
+  window_.showMaximized();
+  QCoreApplication::processEvents();
+  ASSERT_GT(window_.width(), 300);
+  SavePlace(window_, section_, "BigForm", Remembered::PlaceAndSize);
+  EXPECT_THAT(
+      store_.Calls,
+      ElementsAre("save Lorimel/Kestrune/BigFormTop=300", "save Lorimel/Kestrune/BigFormLeft=150",
+                  "save Lorimel/Kestrune/BigFormHeight=3000", "save Lorimel/Kestrune/BigFormWidth=4500"));
 }
 
 }  // namespace

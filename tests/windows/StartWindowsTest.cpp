@@ -230,6 +230,26 @@ TEST(QtDialogs, EscapeIsTheAnswerThatChangesLeast) {
   }
 }
 
+TEST(QtDialogs, SentencesKeepTheirLines) {
+  windows::QtDialogs dialogs("", false);
+  int lines = 0;
+  ASSERT_TRUE(AnswerNext(
+      [&](QMessageBox& box) {
+        const auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        ASSERT_NE(label, nullptr);
+        lines = label->heightForWidth(label->width()) / label->fontMetrics().lineSpacing();
+        QTest::keyClick(&box, Qt::Key_Escape);
+      },
+      [&] {
+        static_cast<void>(dialogs.Show(
+            {.Title = "T",
+             .Text =
+                 "Kestrune is intended for use as a timeshifting utility for personal use only.\n"
+                 "Distributing or otherwise making available MP3 files created by Kestrune is a crime."}));
+      }));
+  EXPECT_EQ(lines, 2);
+}
+
 TEST(QtDialogs, AnOpenMessageIsAnsweredWhenTheProgramClosesAndNoneFollows) {
   windows::QtDialogs dialogs("", false);
   MessageAnswer answer{};

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
+#include <QWindow>
 #include <chrono>
 #include <string>
 #include <utility>
@@ -349,6 +350,9 @@ TEST_F(UnitWindowsTest, TheRadioIdIsShownUntilItIsAnswered) {
   QWidget* window = QApplication::activeModalWidget();
   ASSERT_NE(window, nullptr);
   EXPECT_EQ(window->objectName(), "frmRadioID");
+  ASSERT_NE(window->windowHandle(), nullptr);
+  EXPECT_EQ(window->windowHandle()->transientParent(), rig.Main().windowHandle())
+      << "the desktop keeps it above";
   EXPECT_EQ(Find<QLabel>(*window, "lblID").text(), "AB<2&CD3");
   Press(*window, "cmdOK");
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);

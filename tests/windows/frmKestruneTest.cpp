@@ -247,6 +247,15 @@ TEST_F(frmKestruneTest, NothingMovesWhenTextsChangeTheirLength) {
   EXPECT_EQ(places(), before);
 }
 
+TEST_F(frmKestruneTest, ItFitsASmallScreenAndScrollsOnASmallerOne) {
+  constexpr QSize kRoom(1014, 570);  // 1024 x 600 without a frame
+  EXPECT_LE(rig.Main().sizeHint().width(), kRoom.width());
+  EXPECT_LE(rig.Main().sizeHint().height(), kRoom.height());
+  rig.Main().resize(500, 400);
+  rig.Run(100ms);
+  EXPECT_EQ(rig.Main().size(), QSize(500, 400));
+}
+
 TEST_F(frmKestruneTest, TheButtonsSwap) {
   rig.Unit.StartIdle();
   EXPECT_TRUE(rig.Find<QPushButton>("cmdRecord").isEnabled());
