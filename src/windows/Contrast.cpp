@@ -24,7 +24,7 @@ QColor Mixed(const QColor& from, const QColor& to, double partOfTo) {
 }  // namespace
 
 double Contrast(const QColor& one, const QColor& other) {
-  const auto [darker, lighter] = std::minmax(Luminance(one), Luminance(other));
+  const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
   return (lighter + 0.05) / (darker + 0.05);
 }
 
