@@ -16,7 +16,6 @@ namespace {
 
 using presenters::GrabKill;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class GrabKillTest : public ::testing::Test {
  protected:
