@@ -77,8 +77,8 @@ class frmChannelsTest : public ChannelsFixture {
     QContextMenuEvent event(QContextMenuEvent::Mouse, place, view->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(view->viewport(), &event);
   }
-  [[nodiscard]] QAction& action(const char* name) { return Find<QAction>(*window, name); }
-  [[nodiscard]] QLineEdit& search() { return Find<QLineEdit>(*window, "txtSearch"); }
+  [[nodiscard]] QAction& Action(const char* name) { return Find<QAction>(*window, name); }
+  [[nodiscard]] QLineEdit& Search() { return Find<QLineEdit>(*window, "txtSearch"); }
   void ClickTitle(int column) {
     QTest::mouseClick(view->horizontalHeader()->viewport(), Qt::LeftButton, {}, PlaceOfTitle(column));
   }
@@ -430,11 +430,11 @@ TEST_F(frmChannelsTest, ControlFLeadsToTheSearchLineAndEscapeBackToTheWholeList)
   Open();
   EXPECT_TRUE(view->hasFocus());
   QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
-  EXPECT_TRUE(search().hasFocus());
-  QTest::keyClicks(&search(), "abba");
+  EXPECT_TRUE(Search().hasFocus());
+  QTest::keyClicks(&Search(), "abba");
   EXPECT_THAT(Shown(), ElementsAre(45));
   EXPECT_EQ(Find<QLabel>(*window, "lblFound").text(), QStringLiteral("1 of 3"));
-  QTest::keyClick(&search(), Qt::Key_Escape);
+  QTest::keyClick(&Search(), Qt::Key_Escape);
   EXPECT_TRUE(view->hasFocus());
   EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
   EXPECT_TRUE(Find<QLabel>(*window, "lblFound").isHidden());
@@ -444,7 +444,7 @@ TEST_F(frmChannelsTest, ControlFLeadsToTheSearchLineAndEscapeBackToTheWholeList)
 
 TEST_F(frmChannelsTest, EscapeInTheListEndsTheSearchBeforeItClosesTheWindow) {
   Open();
-  search().setText(QStringLiteral("abba"));
+  Search().setText(QStringLiteral("abba"));
   view->setFocus();
   QTest::keyClick(view, Qt::Key_Escape);
   EXPECT_EQ(cleared, 0);
@@ -456,24 +456,24 @@ TEST_F(frmChannelsTest, EscapeInTheListEndsTheSearchBeforeItClosesTheWindow) {
 TEST_F(frmChannelsTest, WhatIsTypedInTheListGoesToTheSearchLine) {
   Open();
   QTest::keyClick(view, 'w');
-  EXPECT_TRUE(search().hasFocus());
-  QTest::keyClicks(&search(), "ater");
-  EXPECT_EQ(search().text(), QStringLiteral("water"));
+  EXPECT_TRUE(Search().hasFocus());
+  QTest::keyClicks(&Search(), "ater");
+  EXPECT_EQ(Search().text(), QStringLiteral("water"));
   EXPECT_THAT(Shown(), ElementsAre(45));
   EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
 }
 
 TEST_F(frmChannelsTest, AnArrowKeyGoesFromTheLineToTheRowsFound) {
   Open();
-  QTest::keyClick(&search(), Qt::Key_Down);
+  QTest::keyClick(&Search(), Qt::Key_Down);
   EXPECT_TRUE(view->hasFocus());
   EXPECT_FALSE(chooser.tmrChannelChange().Enabled()) << "nothing was searched";
-  search().setText(QStringLiteral("o"));
+  Search().setText(QStringLiteral("o"));
   EXPECT_THAT(Shown(), ElementsAre(44, 45, 46));
-  search().setText(QStringLiteral("oo"));
+  Search().setText(QStringLiteral("oo"));
   EXPECT_THAT(Shown(), ElementsAre(45));
-  search().setText(QStringLiteral("ou"));
-  QTest::keyClick(&search(), Qt::Key_Down);
+  Search().setText(QStringLiteral("ou"));
+  QTest::keyClick(&Search(), Qt::Key_Down);
   EXPECT_TRUE(view->hasFocus());
   EXPECT_THAT(Selected(), ElementsAre(46));
   Wait(300);
@@ -482,24 +482,24 @@ TEST_F(frmChannelsTest, AnArrowKeyGoesFromTheLineToTheRowsFound) {
 
 TEST_F(frmChannelsTest, ReturnInTheLineTunesTheFirstRowFound) {
   Open();
-  search().setText(QStringLiteral("abba"));
-  QTest::keyClick(&search(), Qt::Key_Return);
+  Search().setText(QStringLiteral("abba"));
+  QTest::keyClick(&Search(), Qt::Key_Return);
   EXPECT_THAT(Selected(), ElementsAre(45));
   EXPECT_EQ(chooser.PendingChannel(), 45);
   Wait(300);
   EXPECT_EQ(channels.ChannelNumber(), 45);
   recording = true;
-  search().setText(QStringLiteral("yes"));
-  QTest::keyClick(&search(), Qt::Key_Return);
+  Search().setText(QStringLiteral("yes"));
+  QTest::keyClick(&Search(), Qt::Key_Return);
   EXPECT_THAT(sounds.Played, ElementsAre("SystemAsterisk"));
-  search().setText(QStringLiteral("nothing"));
-  QTest::keyClick(&search(), Qt::Key_Return);
+  Search().setText(QStringLiteral("nothing"));
+  QTest::keyClick(&Search(), Qt::Key_Return);
   EXPECT_EQ(sounds.Played.size(), 1U);
 }
 
 TEST_F(frmChannelsTest, AClickAmongTheRowsFoundChoosesTheChannelOfThatRow) {
   Open();
-  search().setText(QStringLiteral("yes"));
+  Search().setText(QStringLiteral("yes"));
   Click(1);
   EXPECT_EQ(chooser.PendingChannel(), 46);
   DoubleClick(1, ChannelGrid::Song);
@@ -509,17 +509,17 @@ TEST_F(frmChannelsTest, AClickAmongTheRowsFoundChoosesTheChannelOfThatRow) {
 TEST_F(frmChannelsTest, HotKeysGoFromTheSearchLineToTheMainWindowToo) {
   Open();
   for (const Qt::Key key : {Qt::Key_K, Qt::Key_U, Qt::Key_E, Qt::Key_Y, Qt::Key_H, Qt::Key_F5})
-    QTest::keyClick(&search(), key, Qt::ControlModifier);
+    QTest::keyClick(&Search(), key, Qt::ControlModifier);
   EXPECT_THAT(keys, ElementsAre('K', 'U', 'E', 'Y', 'H', 116));
-  QTest::keyClick(&search(), Qt::Key_3, Qt::ControlModifier);
+  QTest::keyClick(&Search(), Qt::Key_3, Qt::ControlModifier);
   EXPECT_THAT(Shown(), ElementsAre(45, 44, 46));
 }
 
 TEST_F(frmChannelsTest, TabGoesFromTheListOverTheSearchLineToTheFavourites) {
   Open();
   QTest::keyClick(view, Qt::Key_Tab);
-  EXPECT_TRUE(search().hasFocus());
-  QTest::keyClick(&search(), Qt::Key_Tab);
+  EXPECT_TRUE(Search().hasFocus());
+  QTest::keyClick(&Search(), Qt::Key_Tab);
   EXPECT_TRUE(Find<QCheckBox>(*window, "chkFavouritesFirst").hasFocus());
 }
 
@@ -580,8 +580,8 @@ TEST_F(frmChannelsTest, ControlJShowsTheTunedRowAgain) {
   view->scrollToBottom();
   QTest::keyClick(view, Qt::Key_J, Qt::ControlModifier);
   EXPECT_TRUE(view->viewport()->rect().contains(view->visualRect(view->currentIndex()).center()));
-  search().setText(QStringLiteral("abba"));
-  QTest::keyClick(&search(), Qt::Key_J, Qt::ControlModifier);
+  Search().setText(QStringLiteral("abba"));
+  QTest::keyClick(&Search(), Qt::Key_J, Qt::ControlModifier);
   EXPECT_THAT(Selected(), ElementsAre(44));
 }
 
@@ -606,10 +606,10 @@ TEST_F(frmChannelsTest, FavouritesComeFirstIfTheBoxIsTicked) {
 TEST_F(frmChannelsTest, TheRightButtonOpensTheMenuOfItsRowAndChoosesNothing) {
   Open();
   RightClick(2);
-  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
+  EXPECT_EQ(Action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
   EXPECT_THAT(Selected(), ElementsAre(44));
   EXPECT_FALSE(chooser.tmrChannelChange().Enabled());
-  action("mnuTune").trigger();
+  Action("mnuTune").trigger();
   EXPECT_EQ(chooser.PendingChannel(), 45);
 }
 
@@ -618,7 +618,7 @@ TEST_F(frmChannelsTest, TheMenuKeyOpensTheMenuOfTheSelectedRow) {
   QTest::keyClick(view, Qt::Key_Down);
   QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
   QCoreApplication::sendEvent(view->viewport(), &event);
-  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
+  EXPECT_EQ(Action("mnuTune").text(), QStringLiteral("&Tune to 45 - Lucy"));
 }
 
 TEST_F(frmChannelsTest, WhatTheMenuOffersIsDone) {
@@ -627,11 +627,11 @@ TEST_F(frmChannelsTest, WhatTheMenuOffersIsDone) {
   Plays(47, "Rhythm & Blues", "Salt & Sand", "");
   Open();
   RightClick(4);
-  EXPECT_EQ(action("mnuTune").text(), QStringLiteral("&Tune to 47 - Rhythm && Blues"));
-  action("mnuFavourite").trigger();
-  action("mnuPreset_4").trigger();
-  action("mnuKillArtist").trigger();
-  action("mnuHistory").trigger();
+  EXPECT_EQ(Action("mnuTune").text(), QStringLiteral("&Tune to 47 - Rhythm && Blues"));
+  Action("mnuFavourite").trigger();
+  Action("mnuPreset_4").trigger();
+  Action("mnuKillArtist").trigger();
+  Action("mnuHistory").trigger();
   EXPECT_TRUE(rig.Favourites.Has(47));
   EXPECT_EQ(stored["Preset5"], "47 - Rhythm & Blues");
   EXPECT_EQ(rig.Listed(), "2Salt & Sand\n");
@@ -645,7 +645,7 @@ TEST_F(frmChannelsTest, TheMenuBelongsToItsChannelEvenIfRowsMoveMeanwhile) {
   RightClick(1);
   channels.Grid().Sort(ChannelGrid::Number, ChannelGrid::Order::Descending);
   window->Refresh();
-  action("mnuFavourite").trigger();
+  Action("mnuFavourite").trigger();
   EXPECT_TRUE(rig.Favourites.Has(44));
 }
 
@@ -653,8 +653,8 @@ TEST_F(frmChannelsTest, WhileRecordingTheMenuTunesNothing) {
   Open();
   recording = true;
   RightClick(2);
-  EXPECT_FALSE(action("mnuTune").isEnabled());
-  EXPECT_TRUE(action("mnuFavourite").isEnabled());
+  EXPECT_FALSE(Action("mnuTune").isEnabled());
+  EXPECT_TRUE(Action("mnuFavourite").isEnabled());
 }
 
 // Closing.
