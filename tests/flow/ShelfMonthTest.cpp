@@ -161,7 +161,7 @@ class ShelfMonth {
   /// The program is killed, now or in the middle of a boundary after so many changes of the disk.
   void Crash(int changes) {
     ++Crashes;
-    std::vector<std::string> before = Paths();
+    std::vector<std::string> before = Songs();
     if (changes >= 0) {
       ++MidwayCrashes;
       rig_.Files.FreezeAfter(changes);
@@ -172,17 +172,17 @@ class ShelfMonth {
     rig_.MeetWindows(rig_.Windows);
     Start();
     rig_.Run(1s);
-    std::vector<std::string> after = Paths();
+    std::vector<std::string> after = Songs();
     std::vector<std::string> onDisk = OnDisk();
     // What the first boundary of the new run, or the one that was killed, has brought and taken away.
-    const auto unknown = [&before](const std::string& path) {
-      return std::find(before.begin(), before.end(), path) == before.end();
+    const auto unknown = [&before](const std::string& song) {
+      return std::find(before.begin(), before.end(), song) == before.end();
     };
     const auto came = static_cast<std::size_t>(std::count_if(after.begin(), after.end(), unknown));
     Complain(came <= 2, "songs that nobody put there");
     std::erase_if(after, unknown);
-    std::erase_if(before, [&after](const std::string& path) {
-      return std::find(after.begin(), after.end(), path) == after.end();
+    std::erase_if(before, [&after](const std::string& song) {
+      return std::find(after.begin(), after.end(), song) == after.end();
     });
     Complain(before == after, "another order after a kill");
     std::vector<std::string> listed = Paths();
@@ -241,6 +241,13 @@ class ShelfMonth {
     }
   }
 
+  /// Newest first, by path and size, since a song may take the name of one that has gone.
+  [[nodiscard]] std::vector<std::string> Songs() {
+    std::vector<std::string> songs;
+    for (const shelf::ShelvedSong& song : rig_->Parts().Shelving.Songs())
+      songs.push_back(fmt::format("{} {}", song.Path, song.Bytes));
+    return songs;
+  }
   [[nodiscard]] std::vector<std::string> Paths() {
     std::vector<std::string> paths;
     for (const shelf::ShelvedSong& song : rig_->Parts().Shelving.Songs()) paths.push_back(song.Path);
