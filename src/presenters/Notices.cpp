@@ -8,6 +8,7 @@
 #include "base/Ignored.h"
 #include "base/Numbers.h"
 #include "base/OneLine.h"
+#include "base/PathText.h"
 #include "history/Advice.h"
 #include "presenters/NoticeText.h"
 #include "recorder/Snapshot.h"
@@ -28,10 +29,6 @@ constexpr const char* kKept = "kept";
 constexpr const char* kDropped = "dropped";
 constexpr const char* kEvent = "event";
 constexpr const char* kProblem = "problem";
-
-std::string FolderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/') + 1);
-}
 
 std::string CountText(std::int16_t songs) {
   if (songs == 0) return "No song was recorded.";
@@ -89,8 +86,10 @@ void Notices::SayKept(const EndedSong& song) {
   if (song.Fate == SongFate::KeptIncomplete) text += " (Incomplete)";
   if (song.Fate == SongFate::KeptUnnamed)
     text += fmt::format("\nIts file could not be renamed: {}", base::OneLine(song.Path));
-  board_.Show(
-      {.Subject = kKept, .Title = "Song kept", .Text = text, .Offers = {ShowInFolder(FolderOf(song.Path))}});
+  board_.Show({.Subject = kKept,
+               .Title = "Song kept",
+               .Text = text,
+               .Offers = {ShowInFolder(base::FolderOf(song.Path))}});
 }
 
 void Notices::SayDropped(const EndedSong& song) {

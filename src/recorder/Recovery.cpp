@@ -7,6 +7,7 @@
 
 #include "base/DatePattern.h"
 #include "base/Ignored.h"
+#include "base/PathText.h"
 #include "base/Text.h"
 #include "config/formats/FormatTable.h"
 #include "recorder/SongName.h"
@@ -18,14 +19,6 @@ constexpr std::string_view kTemporary = "Capture";
 constexpr std::size_t kMostDigits = 3;
 constexpr int kMostOfAName = 9999;
 constexpr std::int64_t kSecondMs = 1000;
-
-std::string FolderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/') + 1);
-}
-
-std::string ExtensionOf(const std::string& path) {
-  return path.substr(path.rfind('.') + 1);
-}
 
 bool IsFormat(std::string_view extension) {
   const std::vector<std::string_view> codes = config::FileFormats();
@@ -106,7 +99,7 @@ void Recovery::Settle(const std::string& path, const platform::MendedCapture& me
 
 std::string Recovery::MoveAway(const std::string& path, const platform::MendedCapture& mended) {
   const std::string byTime = "Recovered " + base::FormatDate(mended.Written, "yyyy-mm-dd hh-nn-ss");
-  const std::string extension = ExtensionOf(path);
+  const std::string extension = base::ExtensionOf(path);
   const std::string root = fileDir_ + (fileDir_.ends_with('/') ? "" : "/");
   const bool named = !mended.Artist.empty() || !mended.Title.empty();
   const SongName name = BuildSongName(
@@ -115,7 +108,7 @@ std::string Recovery::MoveAway(const std::string& path, const platform::MendedCa
   songFiles_.MakeFolder(name.Folder);
   // The folder of recordings may reach over several disks: then the file stays in its own folder.
   for (const std::string& place :
-       {name.FileName, FolderOf(path) + name.FileName.substr(name.Folder.size())}) {
+       {name.FileName, base::FolderOf(path) + name.FileName.substr(name.Folder.size())}) {
     std::string renamed = Rename(path, place);
     if (renamed.empty()) continue;
     songFiles_.Sync(renamed);
@@ -128,7 +121,8 @@ std::string Recovery::MoveAway(const std::string& path, const platform::MendedCa
 
 std::string Recovery::Rename(const std::string& path, const std::string& name) {
   for (int number = 1; number <= kMostOfAName; ++number) {
-    std::string target = name + (number == 1 ? "" : fmt::format(" ({})", number)) + "." + ExtensionOf(path);
+    std::string target =
+        name + (number == 1 ? "" : fmt::format(" ({})", number)) + "." + base::ExtensionOf(path);
     const platform::RenameResult moved = files_.RenameNoReplace(path, target);
     if (moved) return target;
     if (!moved.NameTaken) break;

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "base/PathText.h"
 #include "base/Text.h"
 #include "config/formats/FormatTable.h"
 #include "recorder/DiskWatch.h"
@@ -38,14 +39,6 @@ bool GoesOnShelf(SongFate fate) {
       return false;
   }
   return false;
-}
-
-std::string NameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
-std::string ExtensionOf(const std::string& path) {
-  return path.substr(path.rfind('.') + 1);
 }
 
 std::vector<std::string> Extensions() {
@@ -136,7 +129,7 @@ void Shelving::Take(CaptureRecord& capture, SongFate fate, bool incomplete) {
   song.Title = capture.Song;
   song.Fate = fate;
   song.Incomplete = incomplete;
-  const std::string name = NameOf(capture.FileName) + SuffixOf(incomplete);
+  const std::string name = base::NameOf(capture.FileName) + SuffixOf(incomplete);
   const bool put = shelf_.Put(outcome.File, name, capture.Extension, std::move(song), BoundsNow());
   SayRefusedFolder();
   if (!put) return;
@@ -186,7 +179,7 @@ Result Shelving::KeepFile(const std::string& path) {
 }
 
 std::string Shelving::PlaceOf(const shelf::ShelvedSong& song) {
-  const std::string extension = ExtensionOf(song.Path);
+  const std::string extension = base::ExtensionOf(song.Path);
   const bool known = song.Channel != 0;
   // Of a song that the record does not know there is only the name.
   const SongName name =
@@ -204,7 +197,7 @@ std::string Shelving::PlaceOf(const shelf::ShelvedSong& song) {
 
 Result Shelving::Keep(const shelf::ShelvedSong& song) {
   const std::string suffix = SuffixOf(song.Incomplete);
-  const std::string extension = ExtensionOf(song.Path);
+  const std::string extension = base::ExtensionOf(song.Path);
   std::string name = PlaceOf(song);
   for (;;) {
     const std::string target = fmt::format("{}{}.{}", name, suffix, extension);

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
+#include "base/PathText.h"
 
 namespace kestrune::shelf {
 namespace {
@@ -17,14 +18,6 @@ constexpr std::string_view kMarkText =
     "its turn.\n";
 constexpr std::string_view kPart = ".kestrune-part";
 constexpr int kMostOfAName = 9999;
-
-std::string ExtensionOf(const std::string& name) {
-  return name.substr(name.rfind('.') + 1);
-}
-
-std::string FolderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/') + 1);
-}
 
 }  // namespace
 
@@ -53,8 +46,8 @@ void Shelf::Read(const std::string& folder) {
   const std::vector<platform::FileEntry> entries = files_.List(folder);
   // The last written is the newest.
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    const bool recording =
-        std::find(extensions_.begin(), extensions_.end(), ExtensionOf(entry->Name)) != extensions_.end();
+    const bool recording = std::find(extensions_.begin(), extensions_.end(),
+                                     base::ExtensionOf(entry->Name)) != extensions_.end();
     if (!recording) continue;
     ShelvedSong song;
     song.Path = folder + entry->Name;
@@ -122,7 +115,8 @@ std::string Shelf::MoveTo(const std::string& capture, const std::string& name, s
     }
     // Somebody may have removed the folder.
     made_.clear();
-    if (!std::exchange(again, false) || files_.Exists(FolderOf(target)) || !MakePlace(FolderOf(target)))
+    if (!std::exchange(again, false) || files_.Exists(base::FolderOf(target)) ||
+        !MakePlace(base::FolderOf(target)))
       return {};
     --number;
   }
@@ -179,7 +173,7 @@ platform::RenameResult Shelf::Give(const std::string& path, const std::string& t
 }
 
 platform::RenameResult Shelf::CopyTo(const std::string& path, const std::string& target) {
-  const std::string part = FolderOf(target) + std::string(kPart);
+  const std::string part = base::FolderOf(target) + std::string(kPart);
   if (base::Result copied = files_.Copy(path, part); !copied) return {.Outcome = std::move(copied)};
   platform::RenameResult moved = files_.RenameNoReplace(part, target);
   base::Ignored(files_.Remove(moved ? path : part));
