@@ -18,11 +18,6 @@ constexpr double kLoudFrom = 0.9;
 
 }  // namespace
 
-QColor WarningColour(const QPalette& palette) {
-  const bool dark = palette.color(QPalette::Window).lightness() < 128;
-  return QColor::fromHsl(2, 200, dark ? 165 : 100);
-}
-
 AudioDisplay::AudioDisplay(presenters::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   setAccessibleName(QStringLiteral("Level of the sound"));

@@ -39,7 +39,4 @@ class AudioDisplay final : public QWidget {
   presenters::VuType shown_ = presenters::VuType::Bars;
 };
 
-/// A red that is legible on the palette's background, dark or light.
-[[nodiscard]] QColor WarningColour(const QPalette& palette);
-
 }  // namespace kestrune::windows

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "windows/Colours.h"
+
 namespace kestrune::windows {
 namespace {
 
@@ -14,11 +16,6 @@ double Linear(double part) {
 
 double Luminance(const QColor& colour) {
   return 0.2126 * Linear(colour.redF()) + 0.7152 * Linear(colour.greenF()) + 0.0722 * Linear(colour.blueF());
-}
-
-QColor Mixed(const QColor& from, const QColor& to, double partOfTo) {
-  const auto mix = [partOfTo](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * partOfTo)); };
-  return {mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())};
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <QToolTip>
 #include <algorithm>
 
-#include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
 #include "windows/Colours.h"
 

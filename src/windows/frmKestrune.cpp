@@ -22,6 +22,8 @@
 #include "presenters/WindowTable.h"
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/Choosing.h"
+#include "windows/Colours.h"
 #include "windows/Contrast.h"
 #include "windows/ElidedLabel.h"
 #include "windows/FittedPage.h"
@@ -54,17 +56,11 @@ ElidedLabel* MakeElided(const char* name, int letters, QWidget* parent, const ch
   return label;
 }
 
-void RetainSize(QWidget& widget) {
-  QSizePolicy policy = widget.sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
-  widget.setSizePolicy(policy);
-}
-
 /// A label for a text of known width. It keeps its space whatever it shows, and while it is hidden.
 QLabel* MakeFixed(const char* name, const char* widest, QWidget* parent) {
   QLabel* label = MakeLabel(name, "", parent);
   label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromUtf8(widest)));
-  RetainSize(*label);
+  KeepRoom(*label);
   return label;
 }
 
@@ -244,7 +240,7 @@ QWidget* frmKestrune::MakeLock(QWidget* parent) {
   padlock->setPixmap(MarkIcon(Mark::Padlock, WarningColour(palette())).pixmap(size, size));
   row->addWidget(padlock);
   row->addWidget(MakeLabel("lblLock", presenters::kChannelLocked.data(), boxLock_));
-  RetainSize(*boxLock_);
+  KeepRoom(*boxLock_);
   return boxLock_;
 }
 
@@ -302,7 +298,7 @@ QWidget* frmKestrune::MakeRecording() {
   constexpr const char* kTimer = "Recording Scheduled Event";
   pctTimer_ = MakeElided("pctTimer", static_cast<int>(std::string_view(kTimer).size()), group, "");
   pctTimer_->setText(QString::fromUtf8(kTimer));
-  RetainSize(*pctTimer_);
+  KeepRoom(*pctTimer_);
   lblcRemaining_ = MakeFixed("lblcRemaining", "Time remaining:", group);
   lblcRemaining_->setText(QStringLiteral("Time remaining:"));
   lblRemaining_ = MakeFixed("lblRemaining", "00:00:00", group);

@@ -12,8 +12,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/Colours.h"
 #include "windows/HotKeys.h"
 #include "windows/MostPlayedPage.h"
 #include "windows/RememberedPlace.h"

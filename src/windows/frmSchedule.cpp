@@ -22,8 +22,8 @@
 
 #include "base/Text.h"
 #include "presenters/DateSelect.h"
-#include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
+#include "windows/Colours.h"
 #include "windows/ElidedLabel.h"
 #include "windows/FittedPage.h"
 #include "windows/RememberedPlace.h"
