@@ -19,15 +19,6 @@ using recorder::State;
 
 constexpr const char* kHint = "hint";
 
-/// Whether the capture in hand is of this song.
-template <typename Place>
-bool InHand(const State& state, const Place& place) {
-  const recorder::CaptureRecord& capture =
-      state.Recording.CaptureSlots.at(static_cast<std::size_t>(state.Recording.CaptureSlot));
-  return capture.Naming.Values.Channel == place.Channel && capture.Artist == place.Artist &&
-         capture.Song == place.Song;
-}
-
 /// Whether somebody has to ask for the song that plays, so that it is kept.
 bool NeedsKeep(const State& state) {
   return MayKeepCurrent(state) && !state.Recording.CaptureWanted();
@@ -48,6 +39,13 @@ void HintNotices::Follow() {
       loop_.BootNow() - newest->Since < kLasting)
     return;
   Point(state, *newest);
+}
+
+bool HintNotices::InHand(const State& state, const Place& place) {
+  const recorder::CaptureRecord& capture =
+      state.Recording.CaptureSlots.at(static_cast<std::size_t>(state.Recording.CaptureSlot));
+  return capture.Naming.Values.Channel == place.Channel && capture.Artist == place.Artist &&
+         capture.Song == place.Song;
 }
 
 bool HintNotices::Busy() const {

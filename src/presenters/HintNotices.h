@@ -45,6 +45,8 @@ class HintNotices {
     std::string Song;
   };
 
+  /// Whether the capture in hand is of this song.
+  [[nodiscard]] static bool InHand(const recorder::State& state, const Place& place);
   /// Whether a user has chosen a song so recently that another one would be in the way.
   [[nodiscard]] bool Busy() const;
   void FollowStage(const recorder::State& state);
