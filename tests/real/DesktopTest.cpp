@@ -17,6 +17,7 @@
 #include "real/Unit.h"
 #include "real/Waiting.h"
 #include "support/ChildProcess.h"
+#include "support/PrivateBus.h"
 #include "support/PrivateSession.h"
 
 namespace kestrune::test {
@@ -119,21 +120,19 @@ TEST(Desktop, ARefusedAgreementEndsTheProgramAtOnce) {
 TEST(Desktop, MediaKeysReachTheRadioAndTheDesktopShowsTheSong) {
   const Screen screen;
   if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
-  if (!ChildProcess::Installed("dbus-daemon") || !ChildProcess::Installed("playerctl"))
+  if (!PrivateBus::Installed() || !ChildProcess::Installed("playerctl"))
     GTEST_SKIP() << "no message bus or no client of media players here";
   const TemporaryFolder folder;
-  const std::string bus = "unix:path=" + (folder / "bus");
-  const ChildProcess daemon({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + bus}, {},
-                            folder / "bus.log");
+  const PrivateBus bus(folder.Path());
   const auto keys = [&bus](const std::vector<std::string>& words) {
-    return RunToEnd({"playerctl", words, {{"DBUS_SESSION_BUS_ADDRESS", bus}}}).Output;
+    return RunToEnd({"playerctl", words, {{"DBUS_SESSION_BUS_ADDRESS", bus.Address()}}}).Output;
   };
   Receiver radio(folder / "radio", {ShortLineUp({"One", "Two"}, 60)});
   auto settings = ShortSongs();
   settings.insert(
       {{"MainTop", "600"}, {"ChannelListing", "0"}, {"LegalAgreement", "True"}, {"Preset1", "3 - Other"}});
   auto environment = screen.Environment();
-  environment["DBUS_SESSION_BUS_ADDRESS"] = bus;
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.Address();
   Unit unit(folder / "profile", {.Audio = "pipe:" + QuietFile(folder.Path()),
                                  .Port = radio.Link(),
                                  .Settings = settings,
@@ -164,12 +163,10 @@ TEST(Desktop, MediaKeysReachTheRadioAndTheDesktopShowsTheSong) {
 TEST(Desktop, NotificationsTellWhatIsKeptWhileNoWindowIsInFront) {
   const Screen screen;
   if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
-  if (!ChildProcess::Installed("dbus-daemon") || !ChildProcess::Installed("dbus-send"))
+  if (!PrivateBus::Installed() || !ChildProcess::Installed("dbus-send"))
     GTEST_SKIP() << "no message bus here";
   const TemporaryFolder folder;
-  const std::string bus = "unix:path=" + (folder / "bus");
-  const ChildProcess daemon({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + bus}, {},
-                            folder / "bus.log");
+  const PrivateBus bus(folder.Path());
   ASSERT_TRUE(WaitUntil(kPatience, [&] { return std::filesystem::exists(folder / "bus"); }));
   // The desktop's file manager.
   const std::string opener = folder / "xdg-open";
@@ -177,7 +174,7 @@ TEST(Desktop, NotificationsTellWhatIsKeptWhileNoWindowIsInFront) {
   PutFile(opener, "#!/bin/sh\nprintf '%s' \"$1\" > '" + opened + "'\n");
   std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
   auto environment = screen.Environment();
-  environment["DBUS_SESSION_BUS_ADDRESS"] = bus;
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.Address();
   environment["PATH"] = folder.Path() + ":/usr/bin:/bin";
   Process service(Command{"notification_service", {}, environment});
   ASSERT_TRUE(WaitUntil(kPatience, [&] { return service.Output() == "ready\n"; })) << service.Errors();

@@ -40,7 +40,7 @@ class MprisPlayerTest : public PrivateBusTest {
   std::string Client(std::vector<std::string> arguments, int status = 0) {
     arguments.insert(arguments.begin(), "playerctl");
     const std::string output = folder_ / fmt::format("client{}", ++clients_);
-    ChildProcess client(arguments, {{"DBUS_SESSION_BUS_ADDRESS", address_}}, output);
+    ChildProcess client(arguments, {{"DBUS_SESSION_BUS_ADDRESS", bus_->Address()}}, output);
     EXPECT_TRUE(PumpUntil([&client] { return !client.Running(); }));
     EXPECT_EQ(client.Wait(std::chrono::seconds(1)), status) << FileText(output);
     return FileText(output);
@@ -80,7 +80,7 @@ TEST_F(MprisPlayerTest, AClientIsInformedOfTheNextSong) {
   player.Show(kWinterApples);
   const std::string output = folder_ / "follower";
   const ChildProcess follower({"playerctl", "--follow", "metadata", "--format", "{{title}} {{status}}"},
-                              {{"DBUS_SESSION_BUS_ADDRESS", address_}}, output);
+                              {{"DBUS_SESSION_BUS_ADDRESS", bus_->Address()}}, output);
   ASSERT_TRUE(PumpUntil([&] { return FileText(output) == "Winter Apples Playing\n"; }));
   platform::MediaState next = kWinterApples;
   next.Title = "Harbor";

@@ -2,12 +2,12 @@
 
 #include <QDBusConnection>
 #include <QString>
-#include <string>
+#include <optional>
 
 #include <gtest/gtest.h>
 
 #include "../posix/TemporaryFolder.h"
-#include "support/ChildProcess.h"
+#include "support/PrivateBus.h"
 #include "support/Pump.h"
 
 namespace kestrune::test {
@@ -16,16 +16,14 @@ namespace kestrune::test {
 class PrivateBusTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!ChildProcess::Installed("dbus-daemon")) GTEST_SKIP() << "no message bus here";
+    if (!PrivateBus::Installed()) GTEST_SKIP() << "no message bus here";
     Application();
-    address_ = "unix:path=" + (folder_ / "bus");
-    daemon_ = ChildProcess({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address_},
-                           {}, folder_ / "output");
-    ASSERT_TRUE(PumpUntil([this] { return Connect().isConnected(); })) << FileText(folder_ / "output");
+    bus_.emplace(folder_.Path());
+    ASSERT_TRUE(PumpUntil([this] { return Connect().isConnected(); })) << FileText(bus_->Log());
   }
   void TearDown() override { QDBusConnection::disconnectFromBus(QStringLiteral("client")); }
 
-  [[nodiscard]] QString Address() const { return QString::fromStdString(address_); }
+  [[nodiscard]] QString Address() const { return QString::fromStdString(bus_->Address()); }
   [[nodiscard]] QDBusConnection Connect() const {
     QDBusConnection bus = QDBusConnection::connectToBus(Address(), QStringLiteral("client"));
     if (!bus.isConnected()) QDBusConnection::disconnectFromBus(QStringLiteral("client"));
@@ -33,8 +31,7 @@ class PrivateBusTest : public ::testing::Test {
   }
 
   TemporaryFolder folder_;
-  std::string address_;
-  ChildProcess daemon_;
+  std::optional<PrivateBus> bus_;
 };
 
 }  // namespace kestrune::test
