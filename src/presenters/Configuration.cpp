@@ -14,11 +14,17 @@
 #include "base/Numbers.h"
 #include "config/formats/FormatTable.h"
 #include "config/settings/SettingChecks.h"
+#include "recorder/DiskWatch.h"
 
 namespace kestrune::presenters {
 namespace {
 
 constexpr std::string_view kSaveTitle = "Save Configuration Changes";
+constexpr std::string_view kWelcome =
+    "Welcome to Kestrune! Choose the input whose level moves while the radio plays, and press Save; all "
+    "else can stay as it is.";
+/// Two seconds.
+constexpr int kBeatsPerLookAtRoom = 20;
 
 ChoiceList MinLengths() {
   ChoiceList list;
@@ -277,6 +283,8 @@ void Configuration::Load() {
   FillDevices();
   for (const Field& field : kFields) field.Show(controls_, shown_);
   ShowFormat();
+  ShowRoom();
+  controls_.lblWelcome.clear();
   touched_.reset();
   songDelayOffList_ = controls_.cboSongDelay.Row < 0;
   first_ = false;
@@ -285,10 +293,12 @@ void Configuration::Load() {
 
 void Configuration::LoadFirst() {
   Load();
+  controls_.lblWelcome = kWelcome;
   first_ = true;
 }
 
 void Configuration::Follow() {
+  if (--beats_ <= 0) ShowRoom();
   const config::Settings& current = access_.Settings.Current();
   if (current == shown_) return;
   if (current.SongDelay != shown_.SongDelay) songDelayOffList_ = false;
@@ -297,6 +307,12 @@ void Configuration::Follow() {
     if (!touched_[i]) kFields[i].Show(controls_, current);
   }
   controls_.lblFormatSpecifications = access_.FileSpecs.FileFormatString();
+}
+
+void Configuration::ShowRoom() {
+  beats_ = kBeatsPerLookAtRoom;
+  controls_.lblFileRoom = RoomIn(access_.Files, controls_.txtFileDir, recorder::DiskWatch::kEnoughBytes);
+  controls_.lblShelfRoom = RoomIn(access_.Files, controls_.txtShelfFolder, recorder::DiskWatch::kEnoughBytes);
 }
 
 void Configuration::FillDevices() {
@@ -364,6 +380,7 @@ void Configuration::FormatOptionsClosed() {
 
 void Configuration::txtFileDir(std::string_view text) {
   Type("FileDir", controls_.txtFileDir, text);
+  ShowRoom();
 }
 
 void Configuration::txtFilenameFormat(std::string_view text) {
@@ -423,6 +440,7 @@ void Configuration::cboCutPlacement(int row) {
 
 void Configuration::txtShelfFolder(std::string_view text) {
   Type("ShelfFolder", controls_.txtShelfFolder, text);
+  ShowRoom();
 }
 
 void Configuration::txtShelfSongs(std::string_view text) {

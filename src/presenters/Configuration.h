@@ -42,7 +42,8 @@ class Configuration {
   void Load();
   /// The same for the first run, in which a save stores every setting of the window.
   void LoadFirst();
-  /// Shows what has been changed elsewhere since Load in the controls that the user has not touched.
+  /// Shows what has been changed elsewhere since Load in the controls that the user has not touched, and the room on
+  /// the disks; a window calls it at each of its beats, ten times a second.
   void Follow();
 
   void cboMinLength(int row);
@@ -117,6 +118,7 @@ class Configuration {
   static const std::array<Field, kFieldCount> kFields;
 
   void FillDevices();
+  void ShowRoom();
   /// Where a chooser of folders starts that shows `folder`.
   [[nodiscard]] std::string BrowseFrom(std::string folder);
   void Touch(std::string_view key);
@@ -130,6 +132,7 @@ class Configuration {
   ConfigurationControls controls_;
   config::Settings shown_;  ///< as of Load, or the last Follow
   std::bitset<kFieldCount> touched_;
+  int beats_ = 0;                  ///< until the disks are asked again
   bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
   bool first_ = false;
   bool dirty_ = false;

@@ -7,6 +7,7 @@
 #include "config/settings/SettingsDoor.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
+#include "platform/Files.h"
 #include "recorder/InputDevices.h"
 
 namespace kestrune::presenters {
@@ -17,6 +18,7 @@ struct ConfigurationAccess {
   config::FileSpecs& FileSpecs;
   platform::Dialogs& Dialogs;
   const platform::Environment& Environment;
+  const platform::Files& Files;
   /// The usable input devices that the user chooses from.
   std::function<std::vector<recorder::InputDevice>()> Devices;
 };

@@ -106,6 +106,7 @@ presenters::ConfigurationAccess UnitPresenters::ConfigurationAccess() {
           .FileSpecs = parts_.FileSpecs,
           .Dialogs = outside_.Dialogs,
           .Environment = outside_.Environment,
+          .Files = outside_.Files,
           .Devices = [this] { return parts_.InputDevices.Listed; }};
 }
 

@@ -11,12 +11,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <string>
 
 #include "windows/Binding.h"
 #include "windows/Choosing.h"
+#include "windows/Colours.h"
 #include "windows/ConfigPlace.h"
 #include "windows/FittedPage.h"
 #include "windows/OptionWindows.h"
@@ -44,33 +46,63 @@ QString ExistingFolder(const QString& path) {
   return folder.filePath();
 }
 
+void ShowRoom(QLabel& label, const presenters::FolderRoom& room) {
+  ShowText(label, room.Text);
+  const QPalette& plain = label.parentWidget()->palette();
+  const QColor colour = room.Scarce ? WarningColour(plain) : plain.color(QPalette::WindowText);
+  if (label.palette().color(QPalette::WindowText) == colour) return;
+  QPalette palette = label.palette();
+  palette.setColor(QPalette::WindowText, colour);
+  label.setPalette(palette);
+}
+
 }  // namespace
 
 frmConfig::frmConfig(Configuration& configuration, QWidget* parent)
     : QDialog(parent), configuration_(configuration) {
   setObjectName(QStringLiteral("frmConfig"));
   setWindowTitle(QStringLiteral("Kestrune Configuration"));
-  page_ = new FittedPage(this);
-  auto* groups = new QVBoxLayout(&page_->Content());
   auto* whole = new QVBoxLayout(this);
-  // The groups bring their own margins.
-  groups->setContentsMargins(0, 0, 0, 0);
-  whole->addWidget(page_);
-  FillSongs();
+  lblWelcome_ = MakeLabel("");
+  Name(*lblWelcome_, "lblWelcome");
+  lblWelcome_->setWordWrap(true);
+  whole->addWidget(lblWelcome_);
+  pages_ = new QTabWidget(this);
+  Name(*pages_, "tabConfig", {}, "Pages of the configuration");
+  whole->addWidget(pages_);
+  AddPage("&Input and Files");
+  FillInput();
   FillFiles();
+  AddPage("S&ongs");
+  FillSongs();
   FillFormat();
-  FillRecording();
+  FillShelf();
+  AddPage("&Program");
   FillWindow();
-  groups->addStretch();
+  FillWatch();
+  FillNotices();
+  for (QVBoxLayout* page : pageLayouts_) page->addStretch();
   AddButtons();
   AlignLabels();
 }
 
-QGridLayout& frmConfig::AddGroup(const char* title) {
+void frmConfig::AddPage(const char* title) {
+  auto* page = new FittedPage(pages_);
+  page->viewport()->setAutoFillBackground(false);
+  page->Content().setAutoFillBackground(false);
+  pageLayouts_.push_back(new QVBoxLayout(&page->Content()));
+  pages_->addTab(page, QLatin1String(title));
+}
+
+QGridLayout& frmConfig::AddGroup(const char* title, const char* purpose) {
   auto* group = new QGroupBox(QLatin1String(title), this);
-  auto* grid = new QGridLayout(group);
+  auto* whole = new QVBoxLayout(group);
+  whole->addWidget(MakeLabel(purpose));
+  auto* grid = new QGridLayout;
   grid->setColumnStretch(1, 1);
-  page_->Content().layout()->addWidget(group);
+  whole->addLayout(grid);
+  group->setAccessibleDescription(QLatin1String(purpose));
+  pageLayouts_.back()->addWidget(group);
   return *grid;
 }
 
@@ -85,6 +117,14 @@ QLabel* frmConfig::AddLabel(QGridLayout& grid, int row, const char* caption) {
   grid.addWidget(label, row, 0);
   labels_.push_back(label);
   return label;
+}
+
+QLabel* frmConfig::AddRoom(QGridLayout& grid, int row, const char* name) {
+  QLabel* room = MakeLabel("");
+  Name(*room, name);
+  KeepRoom(*room);
+  grid.addWidget(room, row, 1, 1, 2);
+  return room;
 }
 
 QComboBox* frmConfig::AddList(const char* name, std::string_view tip, int characters, Choose choose) {
@@ -127,7 +167,7 @@ QPushButton* frmConfig::AddButton(const char* name, const char* caption, std::st
 }
 
 void frmConfig::FillSongs() {
-  QGridLayout& grid = AddGroup("Songs");
+  QGridLayout& grid = AddGroup("Songs", "Which songs are kept, and where one ends and the next one begins.");
   const auto add = [&](int row, const char* caption, QComboBox* list) {
     AddLabel(grid, row, caption)->setBuddy(list);
     auto* line = new QHBoxLayout;
@@ -170,20 +210,23 @@ void frmConfig::FillSongs() {
 }
 
 void frmConfig::FillFiles() {
-  QGridLayout& grid = AddGroup("Files");
+  QGridLayout& grid = AddGroup("Files", "Where recorded songs go, and how they are named.");
   txtFileDir_ = AddText("txtFileDir", {}, &Configuration::txtFileDir);
   AddLabel(grid, 0, "File Save Folder:")->setBuddy(txtFileDir_);
   grid.addWidget(txtFileDir_, 0, 1);
   grid.addWidget(
       AddButton("cmdBrowse", "&Browse", "Click to select folder files are saved into", &frmConfig::cmdBrowse),
       0, 2);
+  lblFileRoom_ = AddRoom(grid, 1, "lblFileRoom");
   txtFilenameFormat_ = AddText("txtFilenameFormat", "Format to use when writing filenames of recorded files",
                                &Configuration::txtFilenameFormat);
-  AddLabel(grid, 1, "Filename Format:")->setBuddy(txtFilenameFormat_);
-  grid.addWidget(txtFilenameFormat_, 1, 1);
-  grid.addWidget(AddButton("cmdFilenameFormat", "&Select", "Click for preset filename formats",
-                           &frmConfig::cmdFilenameFormat),
-                 1, 2);
+  AddLabel(grid, 2, "Filename Format:")->setBuddy(txtFilenameFormat_);
+  grid.addWidget(txtFilenameFormat_, 2, 1);
+  QPushButton* select = AddButton("cmdFilenameFormat", "&Select", "Click for preset filename formats",
+                                  &frmConfig::cmdFilenameFormat);
+  // Its letter is that of Save, which has to answer to it.
+  select->setShortcut({});
+  grid.addWidget(select, 2, 2);
   auto* explanation = new QLabel(
       QStringLiteral(
           "Artist: %a   Song: %s   Channel: %c   Station: %t   Genre: %g   Datestamp: %d  Counter: %n"),
@@ -191,17 +234,17 @@ void frmConfig::FillFiles() {
   Name(*explanation, "lblFileExplanation");
   explanation->setTextFormat(Qt::PlainText);
   explanation->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  grid.addWidget(explanation, 2, 1, 1, 2);
+  grid.addWidget(explanation, 3, 1, 1, 2);
   chkDuplicates_ = AddBox("chkDuplicates", "Save duplicate files",
                           "When checked, duplicate songs will be renamed so as to avoid conflict. When "
                           "unchecked, duplicate songs will not be saved. ",
                           &Configuration::chkDuplicates);
-  AddLabel(grid, 3, "Duplicate Files:");
-  grid.addWidget(chkDuplicates_, 3, 1, 1, 2, Qt::AlignLeft);
+  AddLabel(grid, 4, "Duplicate Files:");
+  grid.addWidget(chkDuplicates_, 4, 1, 1, 2, Qt::AlignLeft);
 }
 
 void frmConfig::FillFormat() {
-  QGridLayout& grid = AddGroup("Format");
+  QGridLayout& grid = AddGroup("Format", "In which format songs are stored.");
   cboFileFormat_ = AddList("cboFileFormat", "Select raw, uncompressed WAV files or encoded MP3 files",
                            kLengthCharacters, &Configuration::cboFileFormat);
   AddLabel(grid, 0, "File Format:")->setBuddy(cboFileFormat_);
@@ -219,8 +262,8 @@ void frmConfig::FillFormat() {
   grid.addWidget(lblFormatSpecifications_, 1, 1, 1, 2);
 }
 
-void frmConfig::FillRecording() {
-  QGridLayout& grid = AddGroup("Recording");
+void frmConfig::FillInput() {
+  QGridLayout& grid = AddGroup("Input", "The sound input that the radio is connected to.");
   cboDevice_ = AddList("cboDevice", "Select device to record XM PCR audio from (usually your sound card)",
                        kDeviceCharacters, &Configuration::cboDevice);
   AddLabel(grid, 0, "Recording Device:")->setBuddy(cboDevice_);
@@ -247,7 +290,6 @@ void frmConfig::FillRecording() {
     line->addLayout(WithArrows(*number.Line, *number.Arrows));
   }
   grid.addLayout(line, 1, 1, 1, 2);
-  FillShelf(grid);
 }
 
 frmConfig::SpunNumber frmConfig::AddGainNumber(const char* line, const char* arrows, const char* caption,
@@ -277,17 +319,20 @@ frmConfig::SpunNumber frmConfig::AddNumber(const char* line, const char* arrows,
   return number;
 }
 
-void frmConfig::FillShelf(QGridLayout& grid) {
+void frmConfig::FillShelf() {
+  QGridLayout& grid =
+      AddGroup("Shelf", "Songs that were not kept lie here for a while, and can still be kept.");
   txtShelfFolder_ = AddText("txtShelfFolder",
                             "Folder in which songs that were not kept lie for a while; on the disk of the "
                             "recordings, and empty at first",
                             &Configuration::txtShelfFolder);
   txtShelfFolder_->setPlaceholderText(QStringLiteral("Kestrune/Shelf in the File Save Folder"));
-  AddLabel(grid, 2, "Shelf Folder:")->setBuddy(txtShelfFolder_);
-  grid.addWidget(txtShelfFolder_, 2, 1);
+  AddLabel(grid, 0, "Shelf Folder:")->setBuddy(txtShelfFolder_);
+  grid.addWidget(txtShelfFolder_, 0, 1);
   grid.addWidget(AddButton("cmdBrowseShelf", "B&rowse", "Click to select the folder of the shelf",
                            &frmConfig::cmdBrowseShelf),
-                 2, 2);
+                 0, 2);
+  lblShelfRoom_ = AddRoom(grid, 1, "lblShelfRoom");
   shelfSongs_ =
       AddNumber("txtShelfSongs", "udShelfSongs",
                 "At most this many songs lie there, from 0 to 1000. With 0 songs there is no shelf.",
@@ -298,7 +343,7 @@ void frmConfig::FillShelf(QGridLayout& grid) {
                 &Configuration::txtShelfMegabytes, &Configuration::StepShelfMegabytes);
   shelfSongs_.Line->setAccessibleName(QStringLiteral("Songs on the shelf at most"));
   shelfMegabytes_.Line->setAccessibleName(QStringLiteral("Megabytes on the shelf at most"));
-  AddLabel(grid, 3, "Shelf Holds:")->setBuddy(shelfSongs_.Line);
+  AddLabel(grid, 2, "Shelf Holds:")->setBuddy(shelfSongs_.Line);
   auto* line = new QHBoxLayout;
   line->addWidget(shelfSongs_.Line);
   line->addWidget(shelfSongs_.Arrows);
@@ -307,11 +352,11 @@ void frmConfig::FillShelf(QGridLayout& grid) {
   line->addWidget(shelfMegabytes_.Arrows);
   line->addWidget(MakeLabel("MB at most"));
   line->addStretch();
-  grid.addLayout(line, 3, 1, 1, 2);
+  grid.addLayout(line, 2, 1, 1, 2);
 }
 
 void frmConfig::FillWindow() {
-  QGridLayout& grid = AddGroup("Window");
+  QGridLayout& grid = AddGroup("Window", "How Kestrune shows itself.");
   chkTaskBarMinimized_ =
       AddBox("chkTaskBarMinimized", "Show when minimized",
              "When checked, Kestrune will show in the taskbar when minimized. When unchecked, Kestrune will "
@@ -319,6 +364,10 @@ void frmConfig::FillWindow() {
              &Configuration::chkTaskBarMinimized);
   AddLabel(grid, 0, "Show in Taskbar:");
   grid.addWidget(chkTaskBarMinimized_, 0, 1, Qt::AlignLeft);
+}
+
+void frmConfig::FillWatch() {
+  QGridLayout& grid = AddGroup("Watch and Hints", "What Kestrune does by itself.");
   chkWatch_ =
       AddBox("chkWatch", "Report and repair failures",
              "When checked, Kestrune reports a radio, a sound or a disk that fails, and goes on by itself "
@@ -334,16 +383,18 @@ void frmConfig::FillWindow() {
              "When checked, Kestrune tunes to such a song while nothing is recorded, keeps it, and "
              "comes back.",
              &Configuration::chkFollowHints);
-  AddLabel(grid, 1, "Hints:");
-  grid.addWidget(chkHints_, 1, 1, Qt::AlignLeft);
-  grid.addWidget(MakeLabel("Watch:"), 0, 2);
-  grid.addWidget(chkWatch_, 0, 3, Qt::AlignLeft);
-  grid.addWidget(MakeLabel("Follow:"), 1, 2);
-  grid.addWidget(chkFollowHints_, 1, 3, Qt::AlignLeft);
-  FillNotices(grid);
+  const auto add = [&](int row, const char* caption, QCheckBox* box) {
+    AddLabel(grid, row, caption);
+    grid.addWidget(box, row, 1, Qt::AlignLeft);
+  };
+  add(0, "Watch:", chkWatch_);
+  add(1, "Hints:", chkHints_);
+  add(2, "Follow:", chkFollowHints_);
 }
 
-void frmConfig::FillNotices(QGridLayout& grid) {
+void frmConfig::FillNotices() {
+  QGridLayout& grid =
+      AddGroup("Notifications", "What the desktop tells you while no window of Kestrune is in front.");
   chkNotifyEvents_ = AddBox("chkNotifyEvents", "Events",
                             "When checked, a notification of the desktop tells when a scheduled event begins "
                             "and ends, while no window of Kestrune is in front.",
@@ -360,13 +411,13 @@ void frmConfig::FillNotices(QGridLayout& grid) {
                            "When checked, a notification of the desktop tells of each song that is kept, "
                            "while no window of Kestrune is in front.",
                            &Configuration::chkNotifySongs);
-  AddLabel(grid, 2, "Notifications:");
+  AddLabel(grid, 0, "Notifications:");
   auto* line = new QHBoxLayout;
   for (QCheckBox* box : {chkNotifyEvents_, chkNotifyProblems_, chkNotifyHints_, chkNotifySongs_}) {
     line->addWidget(box);
   }
   line->addStretch();
-  grid.addLayout(line, 2, 1, 1, 3);
+  grid.addLayout(line, 0, 1);
 }
 
 void frmConfig::AddButtons() {
@@ -398,7 +449,8 @@ void frmConfig::Place() {
   Refresh();
   FitToScreen(*this);
   MoveToConfigPlace(*this, configuration_.Section());
-  cboMinLength_->setFocus();
+  pages_->setCurrentIndex(0);
+  cboDevice_->setFocus();
 }
 
 void frmConfig::ShowModeless() {
@@ -423,11 +475,14 @@ void frmConfig::ShowFirst() {
 void frmConfig::Refresh() {
   configuration_.Follow();
   const presenters::ConfigurationControls& controls = configuration_.Controls();
+  ShowText(*lblWelcome_, controls.lblWelcome);
+  ShowVisible(*lblWelcome_, !controls.lblWelcome.empty());
   ShowChoices(*cboMinLength_, controls.cboMinLength);
   ShowChoices(*cboMaxLength_, controls.cboMaxLength);
   ShowChoices(*cboSongDelay_, controls.cboSongDelay);
   ShowChoices(*cboCutPlacement_, controls.cboCutPlacement);
   ShowText(*txtFileDir_, controls.txtFileDir);
+  ShowRoom(*lblFileRoom_, controls.lblFileRoom);
   ShowText(*txtFilenameFormat_, controls.txtFilenameFormat);
   ShowChoices(*cboFileFormat_, controls.cboFileFormat);
   ShowText(*lblFormatSpecifications_, controls.lblFormatSpecifications);
@@ -444,6 +499,7 @@ void frmConfig::Refresh() {
   ShowChecked(*chkTaskBarMinimized_, controls.chkTaskBarMinimized);
   ShowChecked(*chkWatch_, controls.chkWatch);
   ShowText(*txtShelfFolder_, controls.txtShelfFolder);
+  ShowRoom(*lblShelfRoom_, controls.lblShelfRoom);
   ShowText(*shelfSongs_.Line, controls.txtShelfSongs);
   ShowText(*shelfMegabytes_.Line, controls.txtShelfMegabytes);
   ShowChecked(*chkHints_, controls.chkHints);
@@ -520,6 +576,9 @@ void frmConfig::cmdSave() {
 void frmConfig::FocusFieldToMend() {
   if (configuration_.FieldToMend().empty()) return;
   auto* field = findChild<QLineEdit*>(ToQt(configuration_.FieldToMend()));
+  for (int page = 0; page < pages_->count(); ++page) {
+    if (pages_->widget(page)->isAncestorOf(field)) pages_->setCurrentIndex(page);
+  }
   field->setFocus();
   field->selectAll();
 }

@@ -14,13 +14,14 @@ class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QTabWidget;
+class QVBoxLayout;
 
 namespace kestrune::windows {
 
-class FittedPage;
 class UpDown;
 
-/// The configuration. It is one window that is shown and hidden. The windows that open from it are modal, are
+/// The configuration, on three pages that scroll where the screen is small. It is one window that is shown and hidden. The windows that open from it are modal, are
 /// created anew each time and close with it.
 class frmConfig final : public QDialog {
  public:
@@ -56,9 +57,13 @@ class frmConfig final : public QDialog {
     UpDown* Arrows = nullptr;
   };
 
-  QGridLayout& AddGroup(const char* title);
+  /// What is added from then on is on that page.
+  void AddPage(const char* title);
+  /// A group on the present page, with a sentence that says what it is for.
+  QGridLayout& AddGroup(const char* title, const char* purpose);
   QLabel* MakeLabel(const char* caption);
   QLabel* AddLabel(QGridLayout& grid, int row, const char* caption);
+  QLabel* AddRoom(QGridLayout& grid, int row, const char* name);
   QComboBox* AddList(const char* name, std::string_view tip, int characters, Choose choose);
   QLineEdit* AddText(const char* name, std::string_view tip, Type type);
   QCheckBox* AddBox(const char* name, const char* caption, std::string_view tip, Check check);
@@ -68,13 +73,14 @@ class frmConfig final : public QDialog {
                        Choose step);
   SpunNumber AddGainNumber(const char* line, const char* arrows, const char* caption, std::string_view tip,
                            Type type, Choose step);
-  void FillSongs();
+  void FillInput();
   void FillFiles();
+  void FillSongs();
   void FillFormat();
-  void FillRecording();
-  void FillShelf(QGridLayout& grid);
+  void FillShelf();
   void FillWindow();
-  void FillNotices(QGridLayout& grid);
+  void FillWatch();
+  void FillNotices();
   void AddButtons();
   void AlignLabels();
 
@@ -96,7 +102,9 @@ class frmConfig final : public QDialog {
   void CloseOpened();
 
   presenters::Configuration& configuration_;
-  FittedPage* page_ = nullptr;
+  QLabel* lblWelcome_ = nullptr;
+  QTabWidget* pages_ = nullptr;
+  std::vector<QVBoxLayout*> pageLayouts_;
   std::vector<QLabel*> labels_;
   bool asking_ = false;
 
@@ -105,6 +113,7 @@ class frmConfig final : public QDialog {
   QComboBox* cboSongDelay_ = nullptr;
   QComboBox* cboCutPlacement_ = nullptr;
   QLineEdit* txtFileDir_ = nullptr;
+  QLabel* lblFileRoom_ = nullptr;
   QLineEdit* txtFilenameFormat_ = nullptr;
   QCheckBox* chkDuplicates_ = nullptr;
   QComboBox* cboFileFormat_ = nullptr;
@@ -115,6 +124,7 @@ class frmConfig final : public QDialog {
   SpunNumber highLevel_;
   SpunNumber attackTime_;
   QLineEdit* txtShelfFolder_ = nullptr;
+  QLabel* lblShelfRoom_ = nullptr;
   SpunNumber shelfSongs_;
   SpunNumber shelfMegabytes_;
   QCheckBox* chkTaskBarMinimized_ = nullptr;

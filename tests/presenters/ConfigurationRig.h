@@ -33,6 +33,7 @@ class ConfigurationRig : public SettingsRig {
             .FileSpecs = Specs,
             .Dialogs = Dialogs,
             .Environment = Environment,
+            .Files = Files,
             .Devices = [this] { return Devices; }};
   }
 

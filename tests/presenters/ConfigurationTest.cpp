@@ -843,5 +843,35 @@ TEST_F(ConfigurationTest, AReadyMadeFilenameFormatIsNoChangeAndSavesNothing) {
   EXPECT_THAT(rig_.Saves(), IsEmpty());
 }
 
+TEST_F(ConfigurationTest, TheRoomBesideTheFolderIsThatOfWhatIsTyped) {
+  rig_.Files.Free = 123.46e9;
+  window_.Load();
+  EXPECT_EQ(Shown().lblFileRoom.Text, "123.4 GB free");
+  EXPECT_FALSE(Shown().lblFileRoom.Scarce);
+  EXPECT_EQ(Shown().lblShelfRoom.Text, "") << "it has no folder of its own";
+  rig_.Files.Free = 500e6;
+  window_.txtFileDir("/small/music");
+  EXPECT_EQ(Shown().lblFileRoom.Text, "500 MB free, which is little");
+  EXPECT_TRUE(Shown().lblFileRoom.Scarce);
+  window_.txtShelfFolder("/small/shelf");
+  EXPECT_TRUE(Shown().lblShelfRoom.Scarce);
+}
+
+TEST_F(ConfigurationTest, TheRoomIsLookedAtEveryTwoSecondsAndNotAtEachBeat) {
+  window_.Load();
+  rig_.Files.Free = 7e9;
+  for (int beat = 1; beat < 20; ++beat) window_.Follow();
+  EXPECT_EQ(Shown().lblFileRoom.Text, "100.0 GB free");
+  window_.Follow();
+  EXPECT_EQ(Shown().lblFileRoom.Text, "7.0 GB free");
+}
+
+TEST_F(ConfigurationTest, OnlyTheFirstRunWelcomes) {
+  window_.LoadFirst();
+  EXPECT_THAT(Shown().lblWelcome, HasSubstr("Welcome"));
+  window_.Load();
+  EXPECT_EQ(Shown().lblWelcome, "");
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -140,7 +140,7 @@ TEST_F(FirstHour, ChannelsAreWalkedRecordedListedAndPreset) {
   // The first configuration has to be saved: Escape is no way out. The shortest song is a second longer now.
   ASSERT_TRUE(screen_.WaitFor(kConfiguration)) << unit_->Program().Errors();
   screen_.Press(kConfiguration, {"Escape"});
-  screen_.Press(kConfiguration, {"Down", "Return"});
+  screen_.Press(kConfiguration, {"alt+o", "Down", "Return"});
   ASSERT_TRUE(screen_.WaitUntilGone(kConfiguration));
   ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
   ASSERT_TRUE(screen_.WaitFor(kChannels)) << "the channels are open in the first run";
@@ -216,7 +216,7 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   ASSERT_TRUE(Agree()) << unit_->Program().Errors();
   ASSERT_TRUE(screen_.WaitFor(kConfiguration)) << unit_->Program().Errors();
   // Songs from two seconds on; all else as it comes.
-  screen_.Press(kConfiguration, {"Home", "Down", "Return"});
+  screen_.Press(kConfiguration, {"alt+o", "Home", "Down", "Return"});
   ASSERT_TRUE(screen_.WaitUntilGone(kConfiguration));
   ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
   EXPECT_EQ(unit_->Status()["fileFormat"], "MP3");
@@ -258,7 +258,7 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
   // In the midst of it another format, by the menu. It stops what is recorded, and Record goes on with it.
   screen_.Press(kMain, {"alt+o", "Up", "Return"});
   ASSERT_TRUE(screen_.WaitFor(kConfiguration));
-  screen_.Press(kConfiguration, Then(Times(9, "Tab"), {"o", "Return"}));
+  screen_.Press(kConfiguration, Then(Then({"alt+o"}, Times(4, "Tab")), {"o", "Return"}));
   ASSERT_TRUE(screen_.WaitUntilGone(kConfiguration));
   ASSERT_TRUE(WaitForRecording(""));
   screen_.Press(kMain, {"ctrl+r"});

@@ -1,8 +1,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
@@ -451,6 +454,7 @@ TEST_F(FrmConfigTest, TheFolderOfTheShelfHasAChooserOfItsOwn) {
 TEST_F(FrmConfigTest, ANumberOfTheShelfThatIsRefusedGetsTheFocus) {
   window_.ShowModeless();
   auto& songs = Find<QLineEdit>(window_, "txtShelfSongs");
+  ASSERT_FALSE(songs.isVisible()) << "it is on another page";
   songs.selectAll();
   QTest::keyClicks(&songs, "1001");
   Press(window_, "cmdSave");
@@ -480,10 +484,69 @@ TEST_F(FrmConfigTest, WhatIsNotNoticedCannotBeNotified) {
   EXPECT_TRUE(Find<QCheckBox>(window_, "chkNotifyProblems").isChecked()) << "the setting stays";
 }
 
-TEST_F(FrmConfigTest, ItFitsALaptopsScreen) {
+TEST_F(FrmConfigTest, ItFitsASmallScreenWithoutScrolling) {
+  const QSize screen(1024, 600);
+  const QSize frame(10, 40);
   window_.ShowModeless();
-  constexpr int kRoom = 720;  // of 768 points, without a frame and a panel
-  EXPECT_LE(window_.sizeHint().height(), kRoom);
+  EXPECT_EQ(window_.sizeHint().boundedTo(screen - frame), window_.sizeHint());
+  QTimer::singleShot(0, &window_, [&] {
+    EXPECT_TRUE(Find<QLabel>(window_, "lblWelcome").isVisible());
+    EXPECT_EQ(window_.sizeHint().boundedTo(screen - frame), window_.sizeHint());
+    window_.close();
+  });
+  window_.close();
+  window_.ShowFirst();
+}
+
+TEST_F(FrmConfigTest, EachGroupSaysWhatItIsFor) {
+  window_.ShowModeless();
+  const QList<QGroupBox*> groups = window_.findChildren<QGroupBox*>();
+  EXPECT_EQ(groups.size(), 8);
+  for (const QGroupBox* group : groups) {
+    EXPECT_TRUE(group->accessibleDescription().endsWith('.')) << group->title().toStdString();
+    EXPECT_TRUE(HasLabel(*group, group->accessibleDescription().toUtf8().constData()));
+  }
+}
+
+TEST_F(FrmConfigTest, NoTwoControlsAnswerToOneKey) {
+  window_.ShowModeless();
+  auto& pages = Find<QTabWidget>(window_, "tabConfig");
+  QStringList keys;
+  for (const auto* button : window_.findChildren<QAbstractButton*>()) {
+    if (!button->shortcut().isEmpty()) keys.append(button->shortcut().toString());
+  }
+  for (int page = 0; page < pages.count(); ++page) {
+    keys.append(QKeySequence::mnemonic(pages.tabText(page)).toString());
+  }
+  EXPECT_TRUE(keys.contains("Alt+S"));
+  EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
+}
+
+TEST_F(FrmConfigTest, TheRoomStandsBesideTheFoldersAndLittleOfItIsMarked) {
+  rig_.Settings.ShelfFolder = "/shelf/";
+  window_.ShowModeless();
+  const auto& room = Find<QLabel>(window_, "lblFileRoom");
+  EXPECT_EQ(room.text(), "100.0 GB free");
+  EXPECT_EQ(Find<QLabel>(window_, "lblShelfRoom").text(), "100.0 GB free");
+  const QColor plain = window_.palette().color(QPalette::WindowText);
+  EXPECT_EQ(room.palette().color(QPalette::WindowText), plain);
+  rig_.Files.Free = 900e6;
+  QTest::keyClicks(&Find<QLineEdit>(window_, "txtFileDir"), "x");
+  window_.Refresh();
+  EXPECT_EQ(room.text(), "900 MB free, which is little");
+  EXPECT_NE(room.palette().color(QPalette::WindowText), plain);
+}
+
+TEST_F(FrmConfigTest, OnlyTheFirstRunShowsAWelcome) {
+  QTimer::singleShot(0, &window_, [&] {
+    const auto& welcome = Find<QLabel>(window_, "lblWelcome");
+    EXPECT_TRUE(welcome.isVisible());
+    EXPECT_TRUE(welcome.text().startsWith("Welcome to Kestrune!"));
+    Press(window_, "cmdSave");
+  });
+  window_.ShowFirst();
+  window_.ShowModeless();
+  EXPECT_FALSE(Find<QLabel>(window_, "lblWelcome").isVisible());
 }
 
 TEST_F(FrmConfigTest, OnASmallerScreenItScrollsAndItsButtonsStay) {
@@ -564,45 +627,28 @@ TEST_F(FrmConfigTest, DefaultsAreShown) {
   EXPECT_TRUE(window_.isVisible());
 }
 
-TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlInReadingOrder) {
+TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlOfAPageInReadingOrder) {
   rig_.Settings.Hints = true;
   window_.ShowModeless();
-  const std::vector<const char*> order{"cboMinLength",
-                                       "cboMaxLength",
-                                       "cboSongDelay",
-                                       "cboCutPlacement",
-                                       "txtFileDir",
-                                       "cmdBrowse",
-                                       "txtFilenameFormat",
-                                       "cmdFilenameFormat",
-                                       "chkDuplicates",
-                                       "cboFileFormat",
-                                       "cmdChangeFormatSpecs",
-                                       "cboDevice",
-                                       "chkAGCEnabled",
-                                       "txtAGCLowLevel",
-                                       "txtAGCHighLevel",
-                                       "txtAGCAttackTime",
-                                       "txtShelfFolder",
-                                       "cmdBrowseShelf",
-                                       "txtShelfSongs",
-                                       "txtShelfMegabytes",
-                                       "chkTaskBarMinimized",
-                                       "chkWatch",
-                                       "chkHints",
-                                       "chkFollowHints",
-                                       "chkNotifyEvents",
-                                       "chkNotifyProblems",
-                                       "chkNotifyHints",
-                                       "chkNotifySongs",
-                                       "cmdDefault",
-                                       "cmdSave",
-                                       "cmdCancel"};
-  EXPECT_EQ(window_.focusWidget()->objectName(), order.front());
-  for (std::size_t i = 1; i < order.size(); ++i) {
+  auto& pages = Find<QTabWidget>(window_, "tabConfig");
+  const std::vector<std::vector<const char*>> order{
+      {"cboDevice", "chkAGCEnabled", "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime", "txtFileDir",
+       "cmdBrowse", "txtFilenameFormat", "cmdFilenameFormat", "chkDuplicates"},
+      {"cboMinLength", "cboMaxLength", "cboSongDelay", "cboCutPlacement", "cboFileFormat",
+       "cmdChangeFormatSpecs", "txtShelfFolder", "cmdBrowseShelf", "txtShelfSongs", "txtShelfMegabytes"},
+      {"chkTaskBarMinimized", "chkWatch", "chkHints", "chkFollowHints", "chkNotifyEvents",
+       "chkNotifyProblems", "chkNotifyHints", "chkNotifySongs"}};
+  EXPECT_EQ(window_.focusWidget()->objectName(), "cboDevice");
+  const auto expectNext = [this](const char* name) {
     QTest::keyClick(window_.focusWidget(), Qt::Key_Tab);
     ASSERT_NE(window_.focusWidget(), nullptr);
-    EXPECT_EQ(window_.focusWidget()->objectName(), order[i]);
+    EXPECT_EQ(window_.focusWidget()->objectName(), name);
+  };
+  for (int page = 0; page < pages.count(); ++page) {
+    pages.setCurrentIndex(page);
+    pages.tabBar()->setFocus();
+    for (const char* name : order[static_cast<std::size_t>(page)]) expectNext(name);
+    for (const char* name : {"cmdDefault", "cmdSave", "cmdCancel"}) expectNext(name);
   }
 }
 

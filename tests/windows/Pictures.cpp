@@ -376,7 +376,11 @@ void TakeConfig(Stage& stage) {
   }
   Play(stage);
   QWidget& window = stage.Open(WindowName::Config);
-  stage.Take(window, QStringLiteral("frmConfig"));
+  auto& pages = Find<QTabWidget>(window, "tabConfig");
+  for (int page = pages.count() - 1; page >= 0; --page) {
+    pages.setCurrentIndex(page);
+    stage.Take(window, QStringLiteral("frmConfig%1").arg(page));
+  }
   const auto opened = [&window](const char* button) -> QDialog& {
     Find<QPushButton>(window, button).click();
     QCoreApplication::processEvents();
@@ -409,6 +413,19 @@ void TakeConfig(Stage& stage) {
     }
     close(options);
   }
+}
+
+void TakeFirstRun(Stage& stage) {
+  stage.Rig.Unit.Files.Free = stage.Extreme ? 900e6 : 1234.5e9;
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, qApp, [&stage] {
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr || window->objectName() != QLatin1String("frmConfig")) return;
+    stage.Take(*window, QStringLiteral("frmConfig-first"));
+    window->close();
+  });
+  poll.start(0);
+  stage.Rig.Unit.StartIdle();
 }
 
 void TakeMixer(Stage& stage) {
@@ -461,8 +478,8 @@ void TakeMessage(Stage& stage) {
 }
 
 constexpr void (*kPictures[])(Stage&) = {
-    TakeMain,     TakeShelf, TakeLists,  TakeSchedule,   TakeConfig,  TakeMixer,
-    TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
+    TakeMain,  TakeShelf,    TakeLists, TakeSchedule, TakeConfig,     TakeFirstRun,
+    TakeMixer, TakeUpdating, TakeLegal, TakeSplash,   TakePleaseWait, TakeMessage,
 };
 
 QPalette DarkPalette() {
