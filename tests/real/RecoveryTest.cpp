@@ -10,6 +10,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -32,8 +33,8 @@ namespace {
 using testing::IsEmpty;
 
 constexpr double kSongSeconds = 4;
-/// A longer leftover has sound in it, in each format.
-constexpr std::uintmax_t kSurelySound = 24000;
+/// A longer leftover has sound in it, in each format; VOX has so much after three seconds.
+constexpr std::uintmax_t kSurelySound = 12000;
 
 /// Units that are killed again and again while they record, one in each format.
 class Recovery : public testing::Test {
@@ -108,17 +109,25 @@ class Recovery : public testing::Test {
     return lines;
   }
 
-  /// Records for a while and is killed.
-  static void Kill(Track& track, std::chrono::milliseconds after) {
-    Unit& unit = *track.Recorder;
+  static std::ptrdiff_t CapturesWithSound(const Unit& unit) {
+    const std::vector<std::string> captures = unit.Captures();
+    return std::count_if(captures.begin(), captures.end(), [](const std::string& path) {
+      std::error_code gone;  // a finished song takes its final name meanwhile
+      const std::uintmax_t size = std::filesystem::file_size(path, gone);
+      return !gone && size >= kSurelySound;
+    });
+  }
+
+  static void Record(Unit& unit, std::chrono::milliseconds time) {
     EXPECT_EQ(unit.Ctl({"record"}).Exit, 0) << unit.Program().Errors();
-    std::this_thread::sleep_for(after);
+    std::this_thread::sleep_for(time);
+  }
+
+  static void Kill(Track& track) {
+    Unit& unit = *track.Recorder;
     unit.Program().Signal(SIGKILL);
     EXPECT_EQ(unit.Program().Wait(kPatience), 128 + SIGKILL);
-    const std::vector<std::string> left = unit.Captures();
-    track.Left = std::count_if(left.begin(), left.end(), [](const std::string& path) {
-      return std::filesystem::file_size(path) >= kSurelySound;
-    });
+    track.Left = CapturesWithSound(unit);
   }
 
   /// After the next start.
@@ -171,7 +180,15 @@ TEST_F(Recovery, WhatAKilledProgramLeavesIsWholeAfterTheNextStart) {
     std::vector<std::future<void>> kills;
     for (Track& track : tracks) {
       const std::chrono::milliseconds after(anyMoment(random));
-      kills.push_back(std::async(std::launch::async, [&track, after] { Kill(track, after); }));
+      // Any moment may do, but once each of them has something to mend.
+      const bool withSound = round == 0;
+      kills.push_back(std::async(std::launch::async, [&track, after, withSound] {
+        Record(*track.Recorder, after);
+        if (withSound) {
+          EXPECT_TRUE(WaitUntil(kPatience, [&track] { return CapturesWithSound(*track.Recorder) > 0; }));
+        }
+        Kill(track);
+      }));
     }
     for (std::future<void>& kill : kills) kill.get();
     // A program ends with the thread that has started it, which must be this one.
@@ -202,7 +219,6 @@ TEST_F(Recovery, ACrashWhileListeningLosesNoMoreThanWasHeldBack) {
   std::mt19937 random(seed);
   const std::string pipe = folder_ / "sound";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  const auto radioStart = std::chrono::steady_clock::now();
   const Receiver radio(folder_ / "radio",
                        {ShortLineUp({"One", "Two", "Three"}, 12), "pipe:" + pipe, "counter"});
   auto settings = ShortSongs();
@@ -213,8 +229,11 @@ TEST_F(Recovery, ACrashWhileListeningLosesNoMoreThanWasHeldBack) {
   track.Recorder->Start();
   ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
   // Long enough for a cut, and at any moment after it.
-  Kill(track, std::chrono::milliseconds(std::uniform_int_distribution<int>(26000, 38000)(random)));
-  const std::chrono::duration<double> killed = std::chrono::steady_clock::now() - radioStart;
+  Record(*track.Recorder,
+         std::chrono::milliseconds(std::uniform_int_distribution<int>(26000, 38000)(random)));
+  const Unit::Json status = track.Recorder->Status();
+  const auto number = [&status](const char* field) { return status.value(field, std::int64_t{0}); };
+  Kill(track);
   track.Recorder->Start();
   ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
   ExpectRecovered(track);
@@ -222,11 +241,13 @@ TEST_F(Recovery, ACrashWhileListeningLosesNoMoreThanWasHeldBack) {
 
   const CutLedger ledger = ReadCutLedger(track.Recorder->Recordings());
   EXPECT_GT(ledger.Files, 1);
-  EXPECT_EQ(ledger.Lost, 0);
+  // A machine that stands still for a second loses sound, and says so.
+  EXPECT_LE(ledger.Lost, number("samplesLost"));
   EXPECT_EQ(ledger.Doubled, 0);
-  const double lost = killed.count() - static_cast<double>(ledger.Last) / kRate;
+  const double lost =
+      static_cast<double>(number("samplesCaptured") + number("samplesLost") - ledger.Last) / kRate;
   std::cout << "lost " << lost << " s\n";
-  EXPECT_GT(lost, 9) << "nothing was held back";
+  EXPECT_GT(lost, 5) << "nothing was held back";
   EXPECT_LT(lost, kMostHeld + kOnTheWay);
 }
 
