@@ -204,6 +204,14 @@ void History::AskCuts(platform::CutSearch search, platform::HistoryStore::SongsA
   store_.ReadCuts(search, std::move(answer));
 }
 
+void History::AskSongs(base::DateValue from, base::DateValue to,
+                       platform::HistoryStore::SongsAnswer answer) {
+  HandOver();
+  store_.ReadSpan(from, to, [answer = std::move(answer)](const base::Result& asked, const HistoryRows& rows) {
+    answer(asked, rows.Songs);
+  });
+}
+
 void History::AskFolder(std::string folder, platform::HistoryStore::SongsAnswer answer) {
   HandOver();
   store_.ReadFolder(std::move(folder), std::move(answer));

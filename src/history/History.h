@@ -87,6 +87,8 @@ class History {
   void Search(platform::HistorySearch search, platform::HistoryStore::PlaysAnswer answer);
   void CountPlays(platform::MostPlayedSearch search, platform::HistoryStore::CountsAnswer answer);
   void AskCuts(platform::CutSearch search, platform::HistoryStore::SongsAnswer answer);
+  /// The songs of the span, as HistoryStore::ReadSpan has them.
+  void AskSongs(base::DateValue from, base::DateValue to, platform::HistoryStore::SongsAnswer answer);
   /// The songs whose files lie in a folder, which ends in "/"; as HistoryStore::ReadFolder has them.
   void AskFolder(std::string folder, platform::HistoryStore::SongsAnswer answer);
   void AskLags(platform::HistoryStore::LagsAnswer answer);

@@ -10,6 +10,7 @@
 #include "base/OneLine.h"
 #include "base/PathText.h"
 #include "history/Advice.h"
+#include "presenters/MomentText.h"
 #include "presenters/NoticeText.h"
 #include "recorder/Snapshot.h"
 
@@ -132,7 +133,7 @@ void Notices::FollowEvents(const State& state) {
 
 void Notices::SayBegan(const State& state, std::string before) {
   const base::DateValue until = state.Schedule.RemainingUntil;
-  const bool today = base::FormatDate(until, "yyyymmdd") == base::FormatDate(unit_.Now(), "yyyymmdd");
+  const bool today = OnOneDay(until, unit_.Now());
   const radio::ChannelEntry& tuned = unit_.Snapshot().Tuned;
   board_.Show(
       {.Subject = kEvent,

@@ -11,11 +11,12 @@
 
 namespace kestrune::presenters {
 
-/// The three lines that the main window shows of the tuned channel. "&" is doubled in them.
+/// What the main window shows of the tuned channel, with "&" doubled, and of what becomes of its song.
 struct NowLines {
   std::string lblChannel = {};
   std::string lblArtist = {};
   std::string lblSong = {};
+  std::string Status = {};  ///< the recorder's state with the length of a recording; plain
 
   bool operator==(const NowLines&) const = default;
 };

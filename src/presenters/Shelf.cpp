@@ -6,12 +6,12 @@
 
 #include <fmt/format.h>
 
-#include "base/DatePattern.h"
 #include "base/Ignored.h"
 #include "base/Numbers.h"
 #include "base/OneLine.h"
 #include "base/Text.h"
 #include "history/Advice.h"
+#include "presenters/MomentText.h"
 #include "recorder/Shelving.h"
 
 namespace kestrune::presenters {
@@ -25,11 +25,6 @@ const recorder::CaptureRecord& InHand(const recorder::State& state) {
 
 std::string LengthText(std::int64_t milliseconds) {
   return milliseconds <= 0 ? std::string() : base::SixtiesText(milliseconds / 1000);
-}
-
-std::string TimeText(base::DateValue moment, base::DateValue now) {
-  const bool today = base::FormatDate(moment, "yyyymmdd") == base::FormatDate(now, "yyyymmdd");
-  return base::FormatDate(moment, today ? "hh:nn" : "mmm d, hh:nn");
 }
 
 }  // namespace
@@ -91,7 +86,7 @@ void Shelf::Look() {
   for (const shelf::ShelvedSong& song : unit_.Parts().Shelving.Songs()) {
     ShelfRow row{.Present = false,
                  .Wanted = false,
-                 .Time = TimeText(song.Ended, now),
+                 .Time = MomentText(song.Ended, now),
                  .Station = base::OneLine(song.Station),
                  .Artist = base::OneLine(song.Artist),
                  .Title = base::OneLine(song.Title),

@@ -10,12 +10,23 @@
 #include "presenters/LagTip.h"
 
 namespace kestrune::presenters {
+namespace {
+
+std::string StatusLine(const MainWindow& window, std::string explanation) {
+  if (window.lblRecording.Caption.empty()) return explanation;
+  std::string line = window.lblRecording.Caption;
+  if (window.lblClock.Visible) line += " " + window.lblClock.Caption;
+  return line + " - " + explanation;
+}
+
+}  // namespace
 
 UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside& outside)
     : unit_(unit),
       parts_(unit.Parts()),
       outside_(outside),
       cutOffer_(unit.State(), parts_.Section),
+      recentSongs_(unit.State().Recording, parts_.History, outside.Loop),
       options_(parts_.Settings, unit.State().Run, parts_.Boxes),
       switches_(desktop_, outside.Windows, parts_.Settings, unit.State().Run),
       resize_(desktop_, outside.Windows, unit.State().Settings, unit.State().Run),
@@ -82,7 +93,8 @@ NowLines UnitPresenters::LinesOfNow() const {
   const MainWindow window = Window();
   return {.lblChannel = window.lblChannel.Caption,
           .lblArtist = window.lblArtist.Caption,
-          .lblSong = window.lblSong.Caption};
+          .lblSong = window.lblSong.Caption,
+          .Status = StatusLine(window, Explanation())};
 }
 
 std::shared_ptr<Scheduler> UnitPresenters::OpenScheduler() {

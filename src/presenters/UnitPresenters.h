@@ -19,9 +19,11 @@
 #include "presenters/OptionRules.h"
 #include "presenters/PresetSetup.h"
 #include "presenters/Presets.h"
+#include "presenters/RecentSongs.h"
 #include "presenters/ResizeRule.h"
 #include "presenters/RestrictListEditor.h"
 #include "presenters/Scheduler.h"
+#include "presenters/SongProgress.h"
 #include "presenters/WindowSwitches.h"
 #include "recorder/Kestrune.h"
 #include "recorder/Outside.h"
@@ -55,6 +57,9 @@ class UnitPresenters final : private recorder::Presentation {
   [[nodiscard]] ResizeRule& Resize() { return resize_; }
   [[nodiscard]] LevelMeter& AudioDisplay() { return audioDisplay_; }
   [[nodiscard]] Presets& PresetButtons() { return presets_; }
+  [[nodiscard]] const presenters::RecentSongs& RecentSongs() const { return recentSongs_; }
+  /// How far the song that plays has come.
+  [[nodiscard]] SongProgress Progress() const { return ProgressOf(unit_.State(), recentSongs_); }
 
   // The other windows.
 
@@ -74,7 +79,10 @@ class UnitPresenters final : private recorder::Presentation {
   void LoadPresets() override { presets_.LoadPresets(); }
   void QuitChannels() override { channelChooser_.Quit(); }
   void ApplyResizeRule() override { resize_.Apply(); }
-  void FollowSongs() override { cutOffer_.Follow(); }
+  void FollowSongs() override {
+    cutOffer_.Follow();
+    recentSongs_.Follow();
+  }
   [[nodiscard]] std::int32_t DisplaySamples() const override { return audioDisplay_.SampleCount(); }
   void DrawSound(std::span<const std::int16_t> samples, const platform::PcmFormat& format) override {
     audioDisplay_.Draw(samples, format);
@@ -93,6 +101,7 @@ class UnitPresenters final : private recorder::Presentation {
 
   DesktopRecord desktop_;
   CutOffer cutOffer_;
+  presenters::RecentSongs recentSongs_;
   OptionRules options_;
   WindowSwitches switches_;
   ResizeRule resize_;

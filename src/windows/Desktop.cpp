@@ -70,6 +70,7 @@ void Desktop::Attach(presenters::UnitPresenters& rules) {
     if (!base::Trim(caption).empty()) OfferForList(word, caption);
   };
   main_->CloseAsked = [this] { unit_->Wishes().Close(); };
+  main_->OpenPath = [this](const std::string& path) { base::Ignored(outside_.Shell.Open(path)); };
   main_->StateChanged = [this] {
     ReadMainWindow();
     rules_->Resize().Apply();

@@ -28,6 +28,7 @@
 #include "windows/ElidedLabel.h"
 #include "windows/FittedPage.h"
 #include "windows/HotKeys.h"
+#include "windows/KeptList.h"
 #include "windows/MarkIcon.h"
 
 namespace kestrune::windows {
@@ -38,6 +39,11 @@ using recorder::WindowName;
 
 constexpr int kSongLetters = 34;
 constexpr int kPresetColumns = 3;
+// Artist and song grow more than the window, what stands around them less.
+constexpr double kSongGrowth = 1.6;
+constexpr double kSideGrowth = 0.5;
+// By so many lines the window must be higher than usual to list the last songs.
+constexpr int kLinesForList = 10;
 constexpr int kBarEnd = 3000;
 constexpr int kHotKeyF1 = 112;
 constexpr int kHotKeyF12 = 123;
@@ -71,6 +77,17 @@ void Enlarge(QWidget& widget, double factor, bool bold) {
   widget.setFont(font);
 }
 
+QProgressBar* MakeBar(const char* name, const char* accessible, QWidget* parent) {
+  auto* bar = new QProgressBar(parent);
+  bar->setAlignment(Qt::AlignCenter);
+  QPalette colours = bar->palette();
+  colours.setColor(QPalette::Highlight, Bearing(colours.color(QPalette::Active, QPalette::Highlight),
+                                                colours.color(QPalette::Active, QPalette::HighlightedText)));
+  bar->setPalette(colours);
+  Name(*bar, name, {}, accessible);
+  return bar;
+}
+
 QPushButton* MakeButton(const char* name, const char* caption, const char* tip, QWidget* parent) {
   auto* button = new QPushButton(QString::fromUtf8(caption), parent);
   Name(*button, name, tip);
@@ -85,6 +102,7 @@ frmKestrune::frmKestrune(presenters::UnitPresenters& rules) : rules_(rules), uni
   MakeMenus();
   MakeControls();
   Refresh();
+  usual_ = sizeHint();
   FitToScreen(*this);
 }
 
@@ -205,9 +223,12 @@ QWidget* frmKestrune::MakeSong() {
   grid->setColumnStretch(1, 1);
   int row = 0;
   const auto add = [&](const char* captionName, const char* caption, ElidedLabel* label) {
-    grid->addWidget(MakeLabel(captionName, caption, group), row, 0, Qt::AlignLeft | Qt::AlignVCenter);
-    // The padlock stands beside the channel.
-    grid->addWidget(label, row, 1, 1, row == 0 ? 1 : 2);
+    QLabel* const before = MakeLabel(captionName, caption, group);
+    grid->addWidget(before, row, 0, Qt::AlignLeft | Qt::AlignVCenter);
+    // The padlock stands beside the channel, how far the song has come beside the genre.
+    constexpr int kRowsBeside = 2;
+    grid->addWidget(label, row, 1, 1, row < kRowsBeside ? 1 : 2);
+    growth_.Add(*before, kSideGrowth);
     ++row;
     return label;
   };
@@ -220,7 +241,23 @@ QWidget* frmKestrune::MakeSong() {
       "lblcSong", "Song:",
       MakeElided("lblSong", kSongLetters, group, "Song", "Click to add this song to the Grab or Kill list"));
   grid->addWidget(MakeLock(group), 0, 2);
-  for (ElidedLabel* label : {lblArtist_, lblSong_}) Enlarge(*label, 1.3, true);
+  pbrSong_ = MakeBar("pbrSong", "Song so far", group);
+  pbrSong_->setRange(0, presenters::SongProgress::kEnd);
+  KeepRoom(*pbrSong_);
+  // As high as the line that it stands in.
+  pbrSong_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+  lblSoFar_ = MakeLabel("lblSoFar", "", group);
+  lblSoFar_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  grid->addWidget(pbrSong_, 1, 2);
+  grid->addWidget(lblSoFar_, 1, 2);
+  growth_.Add(*lblSoFar_, kSideGrowth);
+  for (ElidedLabel* label : {lblArtist_, lblSong_}) {
+    Enlarge(*label, 1.3, true);
+    growth_.Add(*label, kSongGrowth);
+  }
+  for (QWidget* widget : {static_cast<QWidget*>(lblChannel_), static_cast<QWidget*>(lblGenre_),
+                          static_cast<QWidget*>(pbrSong_)})
+    growth_.Add(*widget, kSideGrowth);
   lblArtist_->SetActivated([this] {
     if (OfferForList) OfferForList("Artist", rules_.Window().lblArtist.Caption);
   });
@@ -257,15 +294,8 @@ QWidget* frmKestrune::MakeSignal() {
                            {"lblGround", "Ground:", "pbrTerSignal"}};
   int row = 0;
   for (const Row& each : kRows) {
-    auto* bar = new QProgressBar(group);
+    QProgressBar* bar = MakeBar(each.Bar, each.Caption, group);
     bar->setRange(0, kBarEnd);
-    bar->setAlignment(Qt::AlignCenter);
-    QPalette colours = bar->palette();
-    colours.setColor(QPalette::Highlight,
-                     Bearing(colours.color(QPalette::Active, QPalette::Highlight),
-                             colours.color(QPalette::Active, QPalette::HighlightedText)));
-    bar->setPalette(colours);
-    Name(*bar, each.Bar, {}, each.Caption);
     grid->addWidget(MakeLabel(each.Label, each.Caption, group), row, 0);
     grid->addWidget(bar, row++, 1);
     signals_.push_back(bar);
@@ -290,6 +320,9 @@ QWidget* frmKestrune::MakeRecording() {
   status->addWidget(lblRecording_, 1);
   status->addWidget(lblClock_);
   column->addLayout(status);
+
+  for (QWidget* widget : {static_cast<QWidget*>(lblRecording_), static_cast<QWidget*>(lblClock_)})
+    growth_.Add(*widget, kSideGrowth);
 
   lblExplanation_ = MakeElided("lblExplanation", kSongLetters, group, "");
   column->addWidget(lblExplanation_);
@@ -331,7 +364,14 @@ QWidget* frmKestrune::MakeRecording() {
   buttons->addWidget(cmdKeep_);
   column->addLayout(buttons);
   column->addWidget(MakeCounters());
-  column->addStretch();
+  kept_ = new KeptList(rules_.RecentSongs(), group);
+  kept_->Open = [this](const std::string& path) {
+    if (OpenPath) OpenPath(path);
+  };
+  kept_->hide();
+  constexpr int kMostOfIt = 1000;
+  column->addWidget(kept_, kMostOfIt);
+  column->addStretch(1);
   return group;
 }
 
@@ -490,6 +530,8 @@ void frmKestrune::Refresh(const MainWindow& record) {
     if (signals_[i]->value() != value) signals_[i]->setValue(value);
     if (signals_[i]->format() != caption) signals_[i]->setFormat(caption);
   }
+  ShowProgress();
+  kept_->Refresh();
   ShowText(*lblRecorded_, record.lblRecorded.Caption);
   ShowText(*lblTooShort_, record.lblTooShort.Caption);
   ShowText(*lblTooLong_, record.lblTooLong.Caption);
@@ -498,6 +540,24 @@ void frmKestrune::Refresh(const MainWindow& record) {
 
   ShowPresets();
   ShowMenus(record);
+}
+
+void frmKestrune::ShowProgress() {
+  presenters::SongProgress progress = rules_.Progress();
+  if (progress == progress_) return;
+  progress_ = std::move(progress);
+  ShowVisible(*pbrSong_, progress_.LengthKnown);
+  pbrSong_->setValue(progress_.Value);
+  pbrSong_->setFormat(ToQt(progress_.Text));
+  ShowText(*lblSoFar_, progress_.LengthKnown ? "" : progress_.Text);
+}
+
+void frmKestrune::Grow() {
+  if (!usual_.isValid()) return;
+  growth_.Fit(size(), usual_);
+  lblClock_->setMinimumWidth(lblClock_->fontMetrics().horizontalAdvance(QStringLiteral("00:00:00")));
+  const int free = height() - usual_.height();
+  kept_->setVisible(free >= kLinesForList * fontMetrics().lineSpacing());
 }
 
 void frmKestrune::ShowPresets() {
@@ -624,6 +684,7 @@ void frmKestrune::changeEvent(QEvent* event) {
 
 void frmKestrune::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
+  Grow();
   if (StateChanged) StateChanged();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QSize>
 #include <array>
 #include <cstddef>
 #include <functional>
@@ -10,6 +11,7 @@
 
 #include "presenters/Presets.h"
 #include "presenters/UnitPresenters.h"
+#include "windows/Growth.h"
 
 class QAction;
 class QCheckBox;
@@ -22,9 +24,10 @@ namespace kestrune::windows {
 
 class AudioDisplay;
 class ElidedLabel;
+class KeptList;
 
 /// The main window: what plays, what happens to it, how loud it is; the switches, and the way to every other
-/// window.
+/// window. On a large screen what plays is shown in larger letters, and the last kept songs are listed.
 class frmKestrune final : public QMainWindow {
  public:
   /// The rules must outlive the window.
@@ -42,6 +45,8 @@ class frmKestrune final : public QMainWindow {
   std::function<void(std::string_view word, const std::string& caption)> OfferForList;
   /// The window was minimised, restored or resized: update the record's state.
   std::function<void()> StateChanged;
+  /// A song is to be played, or a folder shown: hand it, by its full path, to the desktop.
+  std::function<void(const std::string& path)> OpenPath;
   /// The close box was clicked; the window itself stays open.
   std::function<void()> CloseAsked;
 
@@ -94,6 +99,9 @@ class frmKestrune final : public QMainWindow {
                     bool presenters::MainWindow::*checked, std::function<void(bool)> rule);
   QAction* AddEntry(QMenu& menu, const char* name, const char* caption, std::function<void()> chosen,
                     const char* key = "");
+  /// Adapts the letters, and what there is room for, to the window's size.
+  void Grow();
+  void ShowProgress();
   void ShowPresets();
   void ShowPreset(QPushButton& button, std::size_t number, const PresetFace& face) const;
   /// Gives the text the colour that catches the eye, or the normal one.
@@ -115,6 +123,12 @@ class frmKestrune final : public QMainWindow {
   ElidedLabel* lblExplanation_ = nullptr;
   bool hintShown_ = false;
   QWidget* boxLock_ = nullptr;
+  QProgressBar* pbrSong_ = nullptr;  // in place of the label, if the song's length is known
+  QLabel* lblSoFar_ = nullptr;
+  presenters::SongProgress progress_;
+  KeptList* kept_ = nullptr;
+  Growth growth_;
+  QSize usual_;  // the size that the window asks for without what only a large one shows
   QLabel* lblClock_ = nullptr;
   ElidedLabel* pctTimer_ = nullptr;
   QLabel* lblcRemaining_ = nullptr;

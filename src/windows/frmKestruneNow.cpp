@@ -4,12 +4,14 @@
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QLabel>
+#include <algorithm>
 #include <cmath>
 
 #include "base/OneLine.h"
 #include "base/Text.h"
 #include "presenters/LineFont.h"
 #include "windows/Binding.h"
+#include "windows/ElidedLabel.h"
 #include "windows/HotKeys.h"
 #include "windows/NowButtonFace.h"
 #include "windows/RememberedPlace.h"
@@ -29,9 +31,14 @@ constexpr int kRowStep = 1020 / kTwipsPerPixel;
 constexpr int kGap = 4;
 constexpr int kButtonHeight = kRowStep - kGap;
 constexpr int kMargin = 6;
-constexpr int kButtonWidth = (kLeastWidth - 2 * kMargin - 2 * kGap) / 3;
+constexpr int kColumns = presenters::Presets::kCount / kRows;
+// Under the last row.
+constexpr int kStrip = kLastRowFromBottom - kButtonHeight;
 
 constexpr float kFirstFont = 8.25F;
+constexpr float kButtonFont = 12;
+constexpr float kStatusFont = 10;
+constexpr int kStatusLetters = 40;
 constexpr int kLineLeft = 3;
 constexpr int kLines = 3;
 constexpr int kLineGapTwips = 40;
@@ -45,6 +52,15 @@ QLabel* MakeLine(QWidget* parent, const char* name, const char* accessible) {
   font.setPointSizeF(kFirstFont);
   label->setFont(font);
   return label;
+}
+
+// Up to so many times the designed size all lengths and letters are as designed; a larger window magnifies them.
+constexpr double kUnmagnified = 1.25;
+
+double MagnificationFor(QSize window) {
+  const double times = std::min(window.width() / static_cast<double>(kLeastWidth),
+                                window.height() / static_cast<double>(kDesignedHeight));
+  return std::max(1.0, 1 + times - kUnmagnified);
 }
 
 // Returns true if the label showed something else.
@@ -65,22 +81,24 @@ frmKestruneNow::frmKestruneNow(presenters::NowScreen& rules, presenters::Presets
       section_(section),
       lblChannel_(MakeLine(this, "lblChannel", "Channel")),
       lblArtist_(MakeLine(this, "lblArtist", "Artist")),
-      lblSong_(MakeLine(this, "lblSong", "Song")) {
+      lblSong_(MakeLine(this, "lblSong", "Song")),
+      lblStatus_(new ElidedLabel(kStatusLetters, this, QStringLiteral("Status"))) {
   setObjectName(QStringLiteral("frmKestruneNow"));
   setWindowTitle(QStringLiteral("Kestrune Now"));
   setAttribute(Qt::WA_DeleteOnClose);
 
-  QFont font(QStringLiteral("Arial"));
-  font.setStyleHint(QFont::SansSerif);
+  points_.fill(kFirstFont);
+  Name(*lblStatus_, "lblStatus");
+  lblStatus_->setFont(lblChannel_->font());
+
+  QFont font = lblChannel_->font();
   font.setBold(true);
-  font.setPointSizeF(12);
   for (int i = 0; i < presenters::Presets::kCount; ++i) {
     auto* button = new NowButtonFace(this);
     cmdPresetStation_.at(static_cast<std::size_t>(i)) = button;
     Name(*button, QByteArray("cmdPresetStation_").append(QByteArray::number(i)).constData(),
          presenters::Presets::TipOf(i));
     button->setFont(font);
-    button->resize(kButtonWidth, kButtonHeight);
     connect(button, &QPushButton::clicked, this, [&presets, i] { presets.cmdPresetStation_Click(i); });
   }
 
@@ -104,34 +122,58 @@ void frmKestruneNow::Refresh() {
     const QString spoken = shown.Caption.empty() ? QStringLiteral("Preset %1, empty").arg(i + 1) : QString();
     if (button.accessibleName() != spoken) button.setAccessibleName(spoken);
   }
+  ShowText(*lblStatus_, rules_.Lines().Status);
   if (changed) LayOut();
 }
 
 void frmKestruneNow::LayOut() {
-  const int firstRow = height() - kLastRowFromBottom - (kRows - 1) * kRowStep;
+  const double magnified = MagnificationFor(size());
+  const auto height = static_cast<int>(std::lround(this->height() / magnified));
+  const int firstRow = height - kLastRowFromBottom - (kRows - 1) * kRowStep;
+  LayOutButtons(firstRow, magnified);
+  LayOutLines(firstRow, magnified);
+}
+
+void frmKestruneNow::LayOutButtons(int firstRow, double magnified) {
+  const auto drawn = [magnified](int length) { return static_cast<int>(std::lround(length * magnified)); };
+  const auto enlarge = [magnified](QWidget& widget, float points) {
+    QFont font = widget.font();
+    font.setPointSizeF(points * magnified);
+    if (font != widget.font()) widget.setFont(font);
+  };
+  const int width = (this->width() - 2 * kMargin - (kColumns - 1) * kGap) / kColumns;
   for (int i = 0; i < presenters::Presets::kCount; ++i) {
-    cmdPresetStation_.at(static_cast<std::size_t>(i))
-        ->move(kMargin + i / kRows * (kButtonWidth + kGap), firstRow + i % kRows * kRowStep);
+    NowButtonFace& button = *cmdPresetStation_.at(static_cast<std::size_t>(i));
+    enlarge(button, kButtonFont);
+    button.setGeometry(kMargin + i / kRows * (width + kGap), drawn(firstRow + i % kRows * kRowStep), width,
+                       drawn(kButtonHeight));
   }
+  enlarge(*lblStatus_, kStatusFont);
+  lblStatus_->setGeometry(kMargin, this->height() - drawn(kStrip), this->width() - 2 * kMargin,
+                          drawn(kStrip));
+}
+
+void frmKestruneNow::LayOutLines(int firstRow, double magnified) {
   const int thirdOfTheRoom = firstRow * kTwipsPerPixel / kLines;
   const auto heightLimit = static_cast<float>(thirdOfTheRoom - kLineGapTwips);
+  const double twips = kTwipsPerPixel / magnified;
   int top = 0;
+  std::size_t number = 0;
   for (QLabel* line : {lblChannel_, lblArtist_, lblSong_}) {
     QFont font = line->font();
     const auto measure = [&](float points) {
-      font.setPointSizeF(points);
+      font.setPointSizeF(points * magnified);
       const QFontMetricsF metrics(font);
       return presenters::LineSize{
-          .Width = static_cast<float>(metrics.horizontalAdvance(line->text())) * kTwipsPerPixel,
-          .Height = static_cast<float>(metrics.height()) * kTwipsPerPixel};
+          .Width = static_cast<float>(metrics.horizontalAdvance(line->text()) * twips),
+          .Height = static_cast<float>(metrics.height() * twips)};
     };
-    const float points =
-        presenters::FitFont(static_cast<float>(line->font().pointSizeF()),
-                            static_cast<float>(width() * kTwipsPerPixel), heightLimit, measure);
+    float& points = points_.at(number++);
+    points = presenters::FitFont(points, static_cast<float>(width() * twips), heightLimit, measure);
     const presenters::LineSize size = measure(points);
-    if (line->font().pointSizeF() != static_cast<qreal>(points)) line->setFont(font);
-    line->setGeometry(kLineLeft, top, static_cast<int>(std::ceil(size.Width / kTwipsPerPixel)) + 1,
-                      static_cast<int>(std::ceil(size.Height / kTwipsPerPixel)));
+    if (line->font().pointSizeF() != font.pointSizeF()) line->setFont(font);
+    line->setGeometry(kLineLeft, top, static_cast<int>(std::ceil(size.Width / twips)) + 1,
+                      static_cast<int>(std::ceil(size.Height / twips)));
     top += line->height();
   }
 }

@@ -12,9 +12,11 @@ class QLabel;
 
 namespace kestrune::windows {
 
+class ElidedLabel;
 class NowButtonFace;
 
-/// What plays now, in letters large enough to read from afar. It is created anew each time it is shown and
+/// What plays now, in letters large enough to read from afar: a window that is larger than designed is that picture
+/// magnified, its buttons as wide as the window. It is created anew each time it is shown and
 /// deletes itself when it closes, so its owner holds it in a QPointer.
 class frmKestruneNow final : public QWidget {
  public:
@@ -36,12 +38,17 @@ class frmKestruneNow final : public QWidget {
 
  private:
   void LayOut();
+  // `firstRow` is the top of the first buttons, in pixels of the designed size, of which each is drawn as `magnified` pixels.
+  void LayOutButtons(int firstRow, double magnified);
+  void LayOutLines(int firstRow, double magnified);
 
   presenters::NowScreen& rules_;
   const config::SettingsSection& section_;
   QLabel* lblChannel_;
   QLabel* lblArtist_;
   QLabel* lblSong_;
+  ElidedLabel* lblStatus_;
+  std::array<float, 3> points_{};  // of the letters of the three lines at the designed size
   std::array<NowButtonFace*, presenters::Presets::kCount> cmdPresetStation_{};
 };
 

@@ -174,6 +174,34 @@ void TakeMain(Stage& stage) {
   }
 }
 
+/// Main window and now window at the full size of common screens, a song playing that was heard before.
+void TakeLarge(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  for (int song = 0; song < (stage.Extreme ? 60 : 7); ++song) {
+    platform::HistorySong row;
+    row.Ended = unit.Loop.Now().AddMinutes(-4 * song);
+    row.Began = row.Ended.AddMinutes(-4);
+    row.Artist = stage.Extreme ? "<b>Wwwwwwwwwwwwwwwwwww</b> & " + std::string(80, 'W') : "Abigail Wren";
+    row.Title = fmt::format("Winter Song {}", song + 1);
+    row.LengthMs = 240000 + 5000 * song;
+    row.File = fmt::format("/music/Folk/song {}.mp3", song);
+    unit.History.Rows.Songs.push_back(row);
+  }
+  Play(stage);
+  unit.Unit->cmdRecord();
+  unit.NextSong("Abigail Wren", "Winter Song 3");
+  stage.Rig.Run(100s);
+  QWidget& now = stage.Open(WindowName::KestruneNow);
+  for (const QSize screen : {QSize(1024, 600), QSize(1366, 768), QSize(1920, 1080), QSize(3840, 2160)}) {
+    const QString size = QStringLiteral("-%1").arg(screen.width());
+    stage.Rig.Main().resize(screen);
+    stage.Rig.Run(1s);
+    stage.Take(stage.Rig.Main(), QLatin1String("frmKestrune") + size);
+    now.resize(screen);
+    stage.Take(now, QLatin1String("frmKestruneNow") + size);
+  }
+}
+
 /// An event that lost something, songs of several fates, and what went wrong.
 void TakeReport(Stage& stage) {
   UnitRig& unit = stage.Rig.Unit;
@@ -478,8 +506,8 @@ void TakeMessage(Stage& stage) {
 }
 
 constexpr void (*kPictures[])(Stage&) = {
-    TakeMain,  TakeShelf,    TakeLists, TakeSchedule, TakeConfig,     TakeFirstRun,
-    TakeMixer, TakeUpdating, TakeLegal, TakeSplash,   TakePleaseWait, TakeMessage,
+    TakeMain,  TakeLarge,    TakeShelf, TakeLists,  TakeSchedule,   TakeConfig,  TakeFirstRun,
+    TakeMixer, TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
 };
 
 QPalette DarkPalette() {

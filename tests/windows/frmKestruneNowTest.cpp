@@ -209,6 +209,48 @@ TEST_F(frmKestruneNowTest, CannotBeMadeSmallerThanTold) {
   EXPECT_EQ(window->size(), QSize(648, 372));
 }
 
+TEST_F(frmKestruneNowTest, ALargeWindowIsThePictureMagnifiedWithButtonsAsWideAsItself) {
+  shown.lblArtist = "x";
+  Open();
+  for (const QSize size : {QSize(700, 600), QSize(810, 700), QSize(1000, 600)}) {
+    window->resize(size);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Button(0)->font().pointSizeF(), 12) << size.width();
+    EXPECT_EQ(Button(0)->height(), 64);
+    EXPECT_EQ(Button(3)->y(), size.height() - 1440 / 15);
+    EXPECT_NEAR(Button(8)->geometry().right(), size.width() - 7, 2) << "the last column ends at the window's edge";
+  }
+  // Twice as large as what is shown as designed, and a quarter.
+  window->resize(2 * 648 + 162, 2 * 560 + 140);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Button(0)->font().pointSizeF(), 24);
+  EXPECT_EQ(Button(0)->height(), 2 * 64);
+  EXPECT_EQ(Button(3)->y(), window->height() - 2 * 1440 / 15);
+  EXPECT_EQ(Button(3)->y() - Button(2)->y(), 2 * 1020 / 15);
+  EXPECT_NEAR(Button(8)->geometry().right(), window->width() - 7, 3);
+  EXPECT_GT(Line("lblArtist")->font().pointSizeF(), 100) << "larger than the largest letters as designed";
+  window->resize(648, 560);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Button(0)->font().pointSizeF(), 12);
+  EXPECT_LE(Line("lblArtist")->font().pointSizeF(), 72);
+}
+
+TEST_F(frmKestruneNowTest, UnderTheButtonsStandsWhatBecomesOfTheSong) {
+  shown.Status = "Recording 00:02:14 - This song is kept from its beginning.";
+  Open();
+  EXPECT_EQ(Line("lblStatus")->text().toStdString(), shown.Status);
+  for (const QSize size : {QSize(648, 372), QSize(1600, 1000)}) {
+    window->resize(size);
+    QCoreApplication::processEvents();
+    EXPECT_GT(Line("lblStatus")->y(), Button(3)->geometry().bottom());
+    EXPECT_EQ(Line("lblStatus")->geometry().bottom(), size.height() - 1);
+    EXPECT_GE(Line("lblStatus")->height(), Line("lblStatus")->fontMetrics().height());
+  }
+  shown.Status = "Not recording.";
+  Second();
+  EXPECT_EQ(Line("lblStatus")->text().toStdString(), shown.Status);
+}
+
 // Keys and closing.
 
 TEST_F(frmKestruneNowTest, HotKeysGoToTheMainWindowAndNoOthers) {

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTreeWidget>
 #include <chrono>
 #include <set>
 #include <string>
@@ -128,6 +129,63 @@ TEST_F(frmKestruneTest, EveryControlIsThereWithItsCaptionAndTip) {
     if (row.Caption == nullptr) continue;
     EXPECT_EQ(control.property("text").toString().toStdString(), row.Caption);
   }
+}
+
+TEST_F(frmKestruneTest, ALargeWindowShowsTheSongLargerAndTheLastKeptSongs) {
+  platform::HistorySong kept;
+  kept.Ended = rig.Unit.Loop.Now().AddMinutes(-20);
+  kept.Began = kept.Ended.AddMinutes(-4);
+  kept.Artist = "Abigail Wren";
+  kept.Title = "Winter Apples";
+  kept.LengthMs = 200'000;
+  kept.File = "/music/Folk/Winter Apples.mp3";
+  rig.Unit.History.Rows.Songs.push_back(kept);
+  rig.Unit.Set("MainTop", "0");  // or it would be the first run
+  rig.Unit.StartIdle();
+  rig.Main().show();
+  const QSize usual = rig.Main().size();
+  const double letters = rig.Find<QLabel>("lblSong").font().pointSizeF();
+  EXPECT_FALSE(rig.Find<QTreeWidget>("lstKept").isVisible());
+
+  rig.Main().resize(usual * 2);
+  Settle();  // the window has its size
+  Settle();  // and its controls have theirs
+  auto& list = rig.Find<QTreeWidget>("lstKept");
+  EXPECT_GT(rig.Find<QLabel>("lblSong").font().pointSizeF(), letters * 2);
+  EXPECT_GE(rig.Find<QLabel>("lblSong").height(), rig.Find<QLabel>("lblSong").fontMetrics().height());
+  EXPECT_GT(rig.Find<QLabel>("lblChannel").font().pointSizeF(), letters);
+  ASSERT_TRUE(list.isVisible());
+  ASSERT_EQ(list.topLevelItemCount(), 1);
+  EXPECT_EQ(list.topLevelItem(0)->text(2).toStdString(), "Winter Apples");
+  EXPECT_FALSE(rig.Find<QPushButton>("cmdShowKept").isEnabled());
+  list.setCurrentItem(list.topLevelItem(0));
+  Press("cmdShowKept");
+  QTest::keyClick(&list, Qt::Key_Return);
+  EXPECT_THAT(rig.Shell.Opened, ElementsAre("/music/Folk/", "/music/Folk/Winter Apples.mp3"));
+
+  rig.Main().resize(usual);
+  Settle();
+  EXPECT_FALSE(list.isVisible());
+  EXPECT_EQ(rig.Find<QLabel>("lblSong").font().pointSizeF(), letters);
+}
+
+TEST_F(frmKestruneTest, HowFarTheSongIsStandsBesideTheGenre) {
+  rig.Unit.Set("MainTop", "0");
+  rig.Unit.StartIdle();
+  rig.Unit.NextSong("Queen", "Innuendo");
+  rig.Run(10s);
+  EXPECT_TRUE(Hidden("pbrSong"));
+  EXPECT_THAT(Text("lblSoFar"), ::testing::StartsWith("0:1"));
+  rig.Run(50s);
+  rig.Unit.NextSong("Queen", "Bicycle Race");
+  rig.Unit.NextSong("Queen", "Innuendo");
+  rig.Run(30s);
+  EXPECT_FALSE(Hidden("pbrSong"));
+  EXPECT_EQ(Text("lblSoFar"), "");
+  const auto& bar = rig.Find<QProgressBar>("pbrSong");
+  EXPECT_THAT(bar.text().toStdString(), ::testing::MatchesRegex("0:3. of 1:0."));
+  EXPECT_GT(bar.value(), 300);
+  EXPECT_LT(bar.value(), 700);
 }
 
 TEST_F(frmKestruneTest, TheTwelvePresetButtonsHaveTheirNumbersAndKeysInTheTip) {
@@ -605,7 +663,7 @@ TEST_F(frmKestruneTest, EveryControlThatTakesInputIsReachedByTheTabKey) {
   rig.Unit.StartIdle();
   std::set<std::string> reached;
   QWidget* at = &rig.Find<QWidget>("cmdRecord");
-  for (int i = 0; i < 60; ++i) {
+  for (int i = 0; i < 120; ++i) {
     if (at->focusPolicy() & Qt::TabFocus) reached.insert(at->objectName().toStdString());
     at = at->nextInFocusChain();
   }
