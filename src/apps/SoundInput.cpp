@@ -10,18 +10,32 @@
 #include "platform/pipe/PipeSource.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSource.h"
+#include "platform/ring/RingListener.h"
 
 namespace kestrune::apps {
 
 namespace {
 
+/// `shares`: whether two sources can have one device open.
+template <typename Source, typename... Arguments>
+std::unique_ptr<platform::InputListener> ListenerOf(bool shares, const Arguments&... arguments) {
+  return std::make_unique<platform::RingListener>(
+      [arguments...] { return std::make_unique<Source>(arguments...); }, shares);
+}
+
 SoundInput FromServer(
     std::unique_ptr<platform::PulseSource> server = std::make_unique<platform::PulseSource>()) {
-  return {std::move(server), std::make_unique<platform::PulseMixer>(), {}};
+  return {std::move(server),
+          std::make_unique<platform::PulseMixer>(),
+          ListenerOf<platform::PulseSource>(true),
+          {}};
 }
 
 SoundInput FromAlsa() {
-  return {std::make_unique<platform::AlsaSource>(), std::make_unique<platform::AlsaMixer>(), {}};
+  return {std::make_unique<platform::AlsaSource>(),
+          std::make_unique<platform::AlsaMixer>(),
+          ListenerOf<platform::AlsaSource>(false),
+          {}};
 }
 
 }  // namespace
@@ -31,12 +45,14 @@ SoundInput MakeSoundSource(std::string_view choice) {
   if (choice == "pulse") return FromServer();
   if (choice == "alsa") return FromAlsa();
   if (choice.size() > kPipe.size() && choice.substr(0, kPipe.size()) == kPipe) {
-    return {std::make_unique<platform::PipeSource>(std::string(choice.substr(kPipe.size()))),
+    const std::string path(choice.substr(kPipe.size()));
+    return {std::make_unique<platform::PipeSource>(path),
             std::make_unique<platform::NoMixer>(),
+            ListenerOf<platform::PipeSource>(false, path),
             {}};
   }
   if (!choice.empty()) {
-    return {nullptr, nullptr,
+    return {nullptr, nullptr, nullptr,
             fmt::format("unknown sound input \"{}\": it is pulse, alsa or pipe:PATH", choice)};
   }
   auto server = std::make_unique<platform::PulseSource>();

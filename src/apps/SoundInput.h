@@ -4,15 +4,17 @@
 #include <string>
 #include <string_view>
 
+#include "platform/InputListener.h"
 #include "platform/Mixer.h"
 #include "platform/SoundSource.h"
 
 namespace kestrune::apps {
 
 struct SoundInput {
-  std::unique_ptr<platform::SoundSource> Source;  ///< null if the choice is not valid
-  std::unique_ptr<platform::Mixer> Mixer;         ///< the mixer that goes with it; null if the source is
-  std::string Error;                              ///< why the choice is not valid, for people
+  std::unique_ptr<platform::SoundSource> Source;      ///< null if the choice is not valid
+  std::unique_ptr<platform::Mixer> Mixer;             ///< the mixer that goes with it; null if the source is
+  std::unique_ptr<platform::InputListener> Listener;  ///< likewise, for inputs that are tried
+  std::string Error;                                  ///< why the choice is not valid, for people
 };
 
 /// Where sound comes from, by the text of the option --audio: "pulse", "alsa" or "pipe:PATH". An empty text

@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include "base/Text.h"
 #include "control/ConsoleText.h"
 #include "control/LongOptions.h"
 #include "recorder/SlashOptions.h"
@@ -92,6 +94,35 @@ CommandLine ParseCommandLine(std::span<const std::string> arguments) {
     line.Error = "/multi takes a unit of one character, which cannot be \"/\"";
   }
   return line;
+}
+
+std::vector<std::string> WordsOfTheSameStart(const CommandLine& line, const std::string& folder) {
+  const auto whole = [&folder](const std::string& path) {
+    return path.starts_with('/') ? path : folder + '/' + path;
+  };
+  const Options& chosen = line.Chosen;
+  std::vector<std::string> words;
+  if (!chosen.Profile.empty()) words.insert(words.end(), {"--profile", whole(chosen.Profile)});
+  for (const auto& [port, device] : chosen.PortDevices) {
+    words.insert(words.end(), {"--port-device", fmt::format("{}={}", port, whole(device))});
+  }
+  switch (chosen.Audio) {
+    case AudioInput::Pulse:
+      words.insert(words.end(), {"--audio", "pulse"});
+      break;
+    case AudioInput::Alsa:
+      words.insert(words.end(), {"--audio", "alsa"});
+      break;
+    case AudioInput::Pipe:
+      words.insert(words.end(), {"--audio", std::string(kPipe) + whole(chosen.AudioPipe)});
+      break;
+    case AudioInput::Automatic:
+      break;
+  }
+  for (std::string& word : base::Split(line.RemainingText, ' ')) {
+    if (!word.empty()) words.push_back(std::move(word));
+  }
+  return words;
 }
 
 std::string CommandLineUsage() {

@@ -3,6 +3,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace kestrune::control {
 
@@ -33,6 +34,11 @@ struct CommandLine {
 
 /// The words after the program's name. An option given twice counts as given last.
 [[nodiscard]] CommandLine ParseCommandLine(std::span<const std::string> arguments);
+
+/// The words that start the same unit again, with its radio and its sound, wherever it is started from: relative paths
+/// are completed from `folder`. What is meant for one start alone (demonstration, agreement) is left out.
+[[nodiscard]] std::vector<std::string> WordsOfTheSameStart(const CommandLine& line,
+                                                           const std::string& folder);
 
 /// The usage text of the desktop program, slash options included.
 [[nodiscard]] std::string CommandLineUsage();

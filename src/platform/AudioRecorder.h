@@ -51,6 +51,9 @@ class AudioRecorder {
   /// OpenError says what is wrong with it.
   virtual NumberedResult StartRecording() = 0;
   virtual void Stop() = 0;
+  /// The id of the device that it has open or is trying to open, empty if there is none; after Stop too, while the device
+  /// runs on.
+  [[nodiscard]] virtual std::string OpenDeviceId() const = 0;
   /// Why the device could not be opened when it was tried last, for people; empty if it could.
   [[nodiscard]] virtual std::string OpenError() const = 0;
 

@@ -284,6 +284,8 @@ void Configuration::Load() {
   for (const Field& field : kFields) field.Show(controls_, shown_);
   ShowFormat();
   ShowRoom();
+  controls_.chkAutostart = access_.Autostart.Read().Starts;
+  autostartTouched_ = false;
   controls_.lblWelcome.clear();
   touched_.reset();
   songDelayOffList_ = controls_.cboSongDelay.Row < 0;
@@ -428,6 +430,12 @@ void Configuration::chkTaskBarMinimized(bool checked) {
   Touch("TaskBarMinimized");
 }
 
+void Configuration::chkAutostart(bool checked) {
+  controls_.chkAutostart = checked;
+  autostartTouched_ = true;
+  dirty_ = true;
+}
+
 void Configuration::chkWatch(bool checked) {
   controls_.chkWatch = checked;
   Touch("Watch");
@@ -493,6 +501,14 @@ void Configuration::chkNotifyHints(bool checked) {
   controls_.chkNotifyHints = checked;
   Touch("NotifyHints");
   dirty_ = true;
+}
+
+std::string Configuration::ChosenInputId() const {
+  const std::optional<std::int32_t> chosen = controls_.cboDevice.Value();
+  for (const recorder::InputDevice& device : access_.Devices()) {
+    if (chosen == device.Index) return device.Id;
+  }
+  return {};
 }
 
 std::string Configuration::BrowseFrom(std::string folder) {
@@ -567,8 +583,37 @@ bool Configuration::cmdSave() {
     return false;
   }
   touched_.reset();
+  if (!SaveAutostart()) return false;
   dirty_ = false;
   return true;
+}
+
+bool Configuration::SaveAutostart() {
+  if (!autostartTouched_) return true;
+  const platform::AutostartState state = access_.Autostart.Read();
+  const bool wanted = controls_.chkAutostart;
+  if (state.Starts != wanted) {
+    if (state.Foreign && !MayReplace(access_.Autostart.File(), wanted)) return false;
+    const base::Result changed = wanted ? access_.Autostart.Enable() : access_.Autostart.Disable();
+    if (!changed) {
+      Tell(kSaveTitle, fmt::format("The start with the desktop could not be changed: {}.", changed.Cause()));
+      return false;
+    }
+  }
+  autostartTouched_ = false;
+  return true;
+}
+
+bool Configuration::MayReplace(const std::string& file, bool wanted) {
+  const platform::Message question{.Title = std::string(kSaveTitle),
+                                   .Text = fmt::format("Kestrune has not made the file \"{}\". {} it?", file,
+                                                       wanted ? "Replace" : "Remove"),
+                                   .Icon = platform::MessageIcon::Question,
+                                   .Buttons = platform::MessageButtons::YesNo};
+  if (access_.Dialogs.Show(question) == platform::MessageAnswer::Yes) return true;
+  controls_.chkAutostart = !wanted;
+  autostartTouched_ = false;
+  return false;
 }
 
 void Configuration::Tell(std::string_view title, std::string_view text) {

@@ -63,6 +63,8 @@ class Configuration {
   void StepAGCAttackTime(int direction);
   void chkDuplicates(bool checked);
   void chkTaskBarMinimized(bool checked);
+  /// Takes effect with a save, not in the settings but in the desktop's folder of programs to start.
+  void chkAutostart(bool checked);
   void chkWatch(bool checked);
   void cboCutPlacement(int row);
   void txtShelfFolder(std::string_view text);
@@ -76,6 +78,9 @@ class Configuration {
   void chkNotifyEvents(bool checked);
   void chkNotifyProblems(bool checked);
   void chkNotifyHints(bool checked);
+
+  /// The id of the input device that is chosen in the window; empty if none is.
+  [[nodiscard]] std::string ChosenInputId() const;
 
   /// Returns the folder that the chooser starts with.
   [[nodiscard]] std::string cmdBrowse();
@@ -95,7 +100,7 @@ class Configuration {
   /// Changes and stores the settings of the touched controls, and returns true: the window closes. Returns false,
   /// with nothing changed, after a message on the song lengths or on what else is refused, or if one of the numbers is no
   /// number; FieldToMend then names the text box, if there is one. Returns false, with the settings changed, after a
-  /// message that they could not be stored. A list without a selected row leaves its setting as it is; only a song
+  /// message that they, or the start with the desktop, could not be stored. A list without a selected row leaves its setting as it is; only a song
   /// delay that was not on its list at Load becomes 0. The file format is always stored, since a choice that was
   /// cancelled may not be in the store yet.
   [[nodiscard]] bool cmdSave();
@@ -126,6 +131,10 @@ class Configuration {
   void Type(std::string_view key, std::string& control, std::string_view text);
   void TakeFileFormat();
   void ShowFormat();
+  /// False after a message, and then nothing has been changed. What somebody else has made is replaced or removed only
+  /// if the user agrees.
+  [[nodiscard]] bool SaveAutostart();
+  [[nodiscard]] bool MayReplace(const std::string& file, bool wanted);
   void Tell(std::string_view title, std::string_view text);
 
   ConfigurationAccess access_;
@@ -136,6 +145,7 @@ class Configuration {
   bool songDelayOffList_ = false;  ///< it was so at Load and has not been changed since
   bool first_ = false;
   bool dirty_ = false;
+  bool autostartTouched_ = false;
   bool lengthsRefused_ = false;
   std::string_view fieldToMend_;
   FilenameFormatSelect filenameFormats_;

@@ -5,6 +5,7 @@
 
 #include "config/formats/FileSpecs.h"
 #include "config/settings/SettingsDoor.h"
+#include "platform/Autostart.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -19,6 +20,7 @@ struct ConfigurationAccess {
   platform::Dialogs& Dialogs;
   const platform::Environment& Environment;
   const platform::Files& Files;
+  platform::Autostart& Autostart;
   /// The usable input devices that the user chooses from.
   std::function<std::vector<recorder::InputDevice>()> Devices;
 };

@@ -27,6 +27,7 @@ struct ConfigurationControls {
   std::string txtAGCAttackTime;
   bool chkDuplicates = false;
   bool chkTaskBarMinimized = false;
+  bool chkAutostart = false;
   bool chkWatch = false;
   ChoiceList cboCutPlacement;  ///< the values of config::CutPlacement
   std::string txtShelfFolder;

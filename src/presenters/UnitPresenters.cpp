@@ -113,12 +113,13 @@ std::shared_ptr<Scheduler> UnitPresenters::OpenScheduler() {
   return std::make_shared<Scheduler>(std::move(ports), unit_.SchedulerChannels());
 }
 
-presenters::ConfigurationAccess UnitPresenters::ConfigurationAccess() {
+presenters::ConfigurationAccess UnitPresenters::ConfigurationAccess(platform::Autostart& autostart) {
   return {.Settings = parts_.Settings,
           .FileSpecs = parts_.FileSpecs,
           .Dialogs = outside_.Dialogs,
           .Environment = outside_.Environment,
           .Files = outside_.Files,
+          .Autostart = autostart,
           .Devices = [this] { return parts_.InputDevices.Listed; }};
 }
 

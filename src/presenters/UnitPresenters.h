@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 
+#include "platform/Autostart.h"
 #include "presenters/ChannelChooser.h"
 #include "presenters/ChannelListing.h"
 #include "presenters/ChannelMenu.h"
@@ -61,6 +63,9 @@ class UnitPresenters final : private recorder::Presentation {
   /// How far the song that plays has come.
   [[nodiscard]] SongProgress Progress() const { return ProgressOf(unit_.State(), recentSongs_); }
 
+  /// Called with all of the sound that is captured, within the recorder's handler; it only looks.
+  std::function<void(std::span<const std::int16_t> block, const platform::PcmFormat& format)> Heard;
+
   // The other windows.
 
   [[nodiscard]] PresetSetup& PresetWindow() { return presetSetup_; }
@@ -72,8 +77,8 @@ class UnitPresenters final : private recorder::Presentation {
   [[nodiscard]] presenters::GrabKill& GrabKill() { return grabKill_; }
   /// The scheduler, newly loaded, its channels as the channels window lists them.
   [[nodiscard]] std::shared_ptr<Scheduler> OpenScheduler();
-  /// For the configuration window. What is built on it must not outlive this object.
-  [[nodiscard]] presenters::ConfigurationAccess ConfigurationAccess();
+  /// For the configuration window. What is built on it must outlive neither this object nor `autostart`.
+  [[nodiscard]] presenters::ConfigurationAccess ConfigurationAccess(platform::Autostart& autostart);
 
  private:
   void LoadPresets() override { presets_.LoadPresets(); }
@@ -84,6 +89,9 @@ class UnitPresenters final : private recorder::Presentation {
     recentSongs_.Follow();
   }
   [[nodiscard]] std::int32_t DisplaySamples() const override { return audioDisplay_.SampleCount(); }
+  void HearSound(std::span<const std::int16_t> block, const platform::PcmFormat& format) override {
+    if (Heard) Heard(block, format);
+  }
   void DrawSound(std::span<const std::int16_t> samples, const platform::PcmFormat& format) override {
     audioDisplay_.Draw(samples, format);
   }

@@ -304,6 +304,7 @@ std::string Capture::TemporaryName(int number, const std::string& extension) con
 void Capture::AudioRecord_EndArrayRecord() {
   const std::span<const std::int16_t> block = audio_.AudioRecord->GetBlock();
   meter_.Take(block);
+  if (listener_) listener_(block, format_);
   if (Listening() || held_.AwaitsCut()) {
     cuts_.Hear(block, held_.End(), format_);
   } else {

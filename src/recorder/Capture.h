@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Journal.h"
@@ -33,6 +36,11 @@ class Capture {
 
   /// Takes the block handler of a recorder that has just been made.
   void ConnectRecorder();
+
+  /// All of the sound that is captured, block by block, as it comes; for the time of the call.
+  using Listener =
+      std::function<void(std::span<const std::int16_t> block, const platform::PcmFormat& format)>;
+  void SetListener(Listener listener) { listener_ = std::move(listener); }
 
   /// The unit whose captures these are, empty for a single one; it becomes part of the temporary names.
   void SetMultiUnit(const std::string& multiUnit) { multiUnit_ = multiUnit; }
@@ -132,6 +140,7 @@ class Capture {
   bool recording_ = false;         // the recorder runs
   // Of the recorder's earlier runs, as far as a capture may still lack them.
   std::vector<platform::SoundGap> gaps_;
+  Listener listener_;
 };
 
 }  // namespace kestrune::recorder

@@ -211,6 +211,10 @@ void Kestrune::InputDeviceChanged() {
   sound_.FollowInputDevice(state_.Settings.InputDevice);
 }
 
+std::string Kestrune::CapturedDeviceId() const {
+  return sound_.Audio.AudioRecord == nullptr ? std::string() : sound_.Audio.AudioRecord->OpenDeviceId();
+}
+
 std::string Kestrune::InputDeviceId() {
   if (sound_.Audio.AudioRecord == nullptr) return {};
   sound_.Audio.AudioRecord->SetDeviceIndex(state_.Settings.InputDevice);

@@ -119,6 +119,9 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] std::string pcrRadioID() { return radio_.Link.RadioID(); }
   /// The configured input device for other parts of the sound system, as the mixer; empty if there is none.
   [[nodiscard]] std::string InputDeviceId();
+  /// The input device that is open for captures now, which becomes the configured one with the next song; empty if none
+  /// is.
+  [[nodiscard]] std::string CapturedDeviceId() const;
   /// Asks the maker's server for a newer version, and the user what to do about it; returns at once.
   void mnuCheckUpdate() { update_.mnuCheckUpdate(); }
   /// The same without a word to the user; see UpdateCommand::Ask.

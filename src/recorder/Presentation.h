@@ -34,6 +34,9 @@ class Presentation {
   /// Takes them, interleaved, once every tenth of a second.
   virtual void DrawSound(std::span<const std::int16_t> /*samples*/, const platform::PcmFormat& /*format*/) {}
 
+  /// Takes all of the sound that is captured, block by block, as it comes.
+  virtual void HearSound(std::span<const std::int16_t> /*block*/, const platform::PcmFormat& /*format*/) {}
+
   /// Where the main window is to be at the next start; nothing unless it is in its normal state.
   [[nodiscard]] virtual std::optional<WindowPlace> PlaceToRemember() const { return std::nullopt; }
 };

@@ -1,4 +1,7 @@
 // The load sequence of the run, in its order.
+#include <cstdint>
+#include <span>
+
 #include <fmt/format.h>
 
 #include "base/Ignored.h"
@@ -90,6 +93,9 @@ StartOutcome Kestrune::LoadSteps() {
 void Kestrune::CreateAudioObjects() {
   sound_.Create(outside_.Audio);
   sound_.Audio.AudioRecord->SetTimerHandler([this] { AudioRecord_Timer(); });
+  sound_.Capture.SetListener([this](std::span<const std::int16_t> block, const platform::PcmFormat& format) {
+    presentation_->HearSound(block, format);
+  });
 }
 
 void Kestrune::ReadCommandLine() {

@@ -12,10 +12,10 @@ namespace kestrune::windows {
   return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
 }
 
-/// A red that is legible on the palette's background, dark or light.
+/// A red that is legible on the palette's background, dark or light, and on that of a group on a page.
 [[nodiscard]] inline QColor WarningColour(const QPalette& palette) {
   const bool dark = palette.color(QPalette::Window).lightness() < 128;
-  return QColor::fromHsl(2, 200, dark ? 165 : 100);
+  return QColor::fromHsl(2, 200, dark ? 188 : 100);
 }
 
 }  // namespace kestrune::windows

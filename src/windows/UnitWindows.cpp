@@ -1,5 +1,8 @@
 #include "windows/UnitWindows.h"
 
+#include <cstdint>
+#include <span>
+
 #include "base/Text.h"
 #include "windows/frmChannels.h"
 #include "windows/frmConfig.h"
@@ -25,7 +28,8 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
       loop_(outside.Loop),
       log_(parts_.Log.List(), outside.Files, outside.Environment, outside.Shell, outside.Dialogs),
       mixer_(outside.Mixer, [this] { return rules_.Unit().InputDeviceId(); }),
-      configuration_(rules.ConfigurationAccess()),
+      configuration_(rules.ConfigurationAccess(outside.Autostart)),
+      inputTrial_(TrialPorts(outside)),
       report_(parts_.History, outside.Shell, outside.Loop),
       mostPlayed_(parts_.History, outside.Loop, [this] { return rules_.Unit().SchedulerChannels(); }),
       shelf_(rules.Unit(), outside.Shell, outside.Loop) {
@@ -54,7 +58,28 @@ UnitWindows::UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, co
     rules_.Switches().Click(WindowName::Channels, false);
   };
   rules.ChannelMenu().ShowHistory = [this](std::int16_t channel) { ShowHistory(channel); };
+  rules.Heard = [this](std::span<const std::int16_t> block, const platform::PcmFormat& format) {
+    inputTrial_.Hear(block, format);
+  };
   rules.PresetWindow().MainWindowToFront = [this] { desktop_.MainWindowToFront(); };
+}
+
+UnitWindows::~UnitWindows() {
+  rules_.Heard = nullptr;
+}
+
+presenters::InputTrial::Ports UnitWindows::TrialPorts(const Outside& outside) {
+  return {.Loop = outside.Loop,
+          .Listener = outside.InputListener,
+          .Captured = [this] { return rules_.Unit().CapturedDeviceId(); },
+          .Configured = [this] { return rules_.Unit().InputDeviceId(); },
+          .Recording = [this] { return rules_.Unit().State().Recording.GetRecordingStatus(); },
+          .Format = [this] { return parts_.FileSpecs.Format(); },
+          .Extension = [this] { return base::ToLower(rules_.Unit().State().Settings.FileFormat); },
+          .Test = {.Audio = outside.Audio,
+                   .Files = outside.Files,
+                   .Environment = outside.Environment,
+                   .Shell = outside.Shell}};
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeChannels() {
@@ -112,7 +137,7 @@ std::unique_ptr<OpenWindow> UnitWindows::MakeShelf() {
 }
 
 std::unique_ptr<OpenWindow> UnitWindows::MakeConfig() {
-  auto window = std::make_unique<frmConfig>(configuration_);
+  auto window = std::make_unique<frmConfig>(configuration_, inputTrial_);
   window->FocusMainWindow = [this] { desktop_.MainWindowToFront(); };
   return Opened(std::move(window));
 }

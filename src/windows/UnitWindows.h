@@ -1,11 +1,15 @@
 #pragma once
 
+#include "platform/AudioLibrary.h"
+#include "platform/Autostart.h"
 #include "platform/Dialogs.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
+#include "platform/InputListener.h"
 #include "platform/Mixer.h"
 #include "platform/Shell.h"
 #include "presenters/Configuration.h"
+#include "presenters/InputTrial.h"
 #include "presenters/LogWindow.h"
 #include "presenters/MixerWindow.h"
 #include "presenters/MostPlayed.h"
@@ -27,11 +31,15 @@ class UnitWindows {
     platform::Dialogs& Dialogs;
     platform::Shell& Shell;
     platform::Mixer& Mixer;
+    platform::Autostart& Autostart;
+    platform::AudioLibrary& Audio;
+    platform::InputListener& InputListener;
   };
 
   /// The desktop is attached to the rules. All must outlive the object. The windows themselves must be
   /// destroyed before it: see Desktop::Detach.
   UnitWindows(Desktop& desktop, presenters::UnitPresenters& rules, const Outside& outside);
+  ~UnitWindows();
   UnitWindows(const UnitWindows&) = delete;
   UnitWindows& operator=(const UnitWindows&) = delete;
 
@@ -47,6 +55,7 @@ class UnitWindows {
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeConfig();
   [[nodiscard]] std::unique_ptr<OpenWindow> MakeMixer();
   void ShowHistory(std::int16_t channel);
+  [[nodiscard]] presenters::InputTrial::Ports TrialPorts(const Outside& outside);
   void ShowRadioID();
   void AskForList();
 
@@ -57,6 +66,7 @@ class UnitWindows {
   presenters::LogWindow log_;
   presenters::MixerWindow mixer_;
   presenters::Configuration configuration_;
+  presenters::InputTrial inputTrial_;
   presenters::RecordingReport report_;
   presenters::MostPlayed mostPlayed_;
   presenters::Shelf shelf_;

@@ -10,10 +10,13 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cmath>
+#include <initializer_list>
 #include <string>
 
 #include "windows/Binding.h"
@@ -36,6 +39,9 @@ constexpr int kPlacementCharacters = 22;
 constexpr int kDeviceCharacters = 40;
 constexpr int kNumberCharacters = 6;
 constexpr int kMegabytesCharacters = 8;
+constexpr int kBarCharacters = 24;
+constexpr int kLevelSteps = 60;  // of a decibel
+constexpr int kTestSteps = 50;   // of a tenth of a second
 
 /// The nearest existing folder at or above the path.
 QString ExistingFolder(const QString& path) {
@@ -46,10 +52,11 @@ QString ExistingFolder(const QString& path) {
   return folder.filePath();
 }
 
-void ShowRoom(QLabel& label, const presenters::FolderRoom& room) {
-  ShowText(label, room.Text);
+/// A warning has a colour of its own.
+void ShowLine(QLabel& label, const std::string& text, bool warning) {
+  ShowText(label, text);
   const QPalette& plain = label.parentWidget()->palette();
-  const QColor colour = room.Scarce ? WarningColour(plain) : plain.color(QPalette::WindowText);
+  const QColor colour = warning ? WarningColour(plain) : plain.color(QPalette::WindowText);
   if (label.palette().color(QPalette::WindowText) == colour) return;
   QPalette palette = label.palette();
   palette.setColor(QPalette::WindowText, colour);
@@ -58,8 +65,8 @@ void ShowRoom(QLabel& label, const presenters::FolderRoom& room) {
 
 }  // namespace
 
-frmConfig::frmConfig(Configuration& configuration, QWidget* parent)
-    : QDialog(parent), configuration_(configuration) {
+frmConfig::frmConfig(Configuration& configuration, presenters::InputTrial& trial, QWidget* parent)
+    : QDialog(parent), configuration_(configuration), trial_(trial) {
   setObjectName(QStringLiteral("frmConfig"));
   setWindowTitle(QStringLiteral("Kestrune Configuration"));
   auto* whole = new QVBoxLayout(this);
@@ -268,9 +275,10 @@ void frmConfig::FillInput() {
                        kDeviceCharacters, &Configuration::cboDevice);
   AddLabel(grid, 0, "Recording Device:")->setBuddy(cboDevice_);
   grid.addWidget(cboDevice_, 0, 1, 1, 2);
+  FillTrial(grid);
   chkAGCEnabled_ = AddBox("chkAGCEnabled", "Enabled", "Click to enable or disable the automatic gain control",
                           &Configuration::chkAGCEnabled);
-  AddLabel(grid, 1, "Automatic Gain Control:");
+  AddLabel(grid, 3, "Automatic Gain Control:");
   lowLevel_ =
       AddGainNumber("txtAGCLowLevel", "udAGCLowLevel",
                     "Low Level:", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db.",
@@ -289,7 +297,39 @@ void frmConfig::FillInput() {
     line->addWidget(number.Label);
     line->addLayout(WithArrows(*number.Line, *number.Arrows));
   }
-  grid.addLayout(line, 1, 1, 1, 2);
+  grid.addLayout(line, 3, 1, 1, 2);
+}
+
+void frmConfig::FillTrial(QGridLayout& grid) {
+  const auto addBar = [this](const char* name, const char* accessible, int steps) {
+    auto* bar = new QProgressBar(this);
+    Name(*bar, name, {}, accessible);
+    bar->setRange(0, steps);
+    bar->setValue(0);
+    bar->setTextVisible(false);
+    bar->setFixedSize(bar->fontMetrics().averageCharWidth() * kBarCharacters,
+                      bar->fontMetrics().lineSpacing());
+    return bar;
+  };
+  const auto add = [&](int row, const char* caption, std::initializer_list<QWidget*> widgets) {
+    AddLabel(grid, row, caption);
+    auto* line = new QHBoxLayout;
+    for (QWidget* widget : widgets) line->addWidget(widget);
+    line->addStretch();
+    grid.addLayout(line, row, 1, 1, 2);
+  };
+  pbrInputLevel_ = addBar("pbrInputLevel", "Level of the recording device", kLevelSteps);
+  lblInputLevel_ = MakeLabel("");
+  Name(*lblInputLevel_, "lblInputLevel");
+  add(1, "Level:", {pbrInputLevel_, lblInputLevel_});
+  cmdTest_ =
+      AddButton("cmdTest", "&Test Recording",
+                "Record five seconds of this device, and play them; the file is gone when this window closes",
+                &frmConfig::cmdTest);
+  pbrTest_ = addBar("pbrTest", "Progress of the test recording", kTestSteps);
+  lblTest_ = MakeLabel("");
+  Name(*lblTest_, "lblTest");
+  add(2, "Test:", {cmdTest_, pbrTest_, lblTest_});
 }
 
 frmConfig::SpunNumber frmConfig::AddGainNumber(const char* line, const char* arrows, const char* caption,
@@ -356,14 +396,19 @@ void frmConfig::FillShelf() {
 }
 
 void frmConfig::FillWindow() {
-  QGridLayout& grid = AddGroup("Window", "How Kestrune shows itself.");
+  QGridLayout& grid = AddGroup("Start and Window", "When Kestrune starts, and where it shows itself.");
+  chkAutostart_ =
+      AddBox("chkAutostart", "Start with the desktop",
+             "When checked, the desktop starts Kestrune whenever you log in.", &Configuration::chkAutostart);
+  AddLabel(grid, 0, "Start:");
+  grid.addWidget(chkAutostart_, 0, 1, Qt::AlignLeft);
   chkTaskBarMinimized_ =
       AddBox("chkTaskBarMinimized", "Show when minimized",
              "When checked, Kestrune will show in the taskbar when minimized. When unchecked, Kestrune will "
              "show only as an icon in the task tray (near the clock).",
              &Configuration::chkTaskBarMinimized);
-  AddLabel(grid, 0, "Show in Taskbar:");
-  grid.addWidget(chkTaskBarMinimized_, 0, 1, Qt::AlignLeft);
+  AddLabel(grid, 1, "Show in Taskbar:");
+  grid.addWidget(chkTaskBarMinimized_, 1, 1, Qt::AlignLeft);
 }
 
 void frmConfig::FillWatch() {
@@ -446,6 +491,8 @@ void frmConfig::changeEvent(QEvent* event) {
 }
 
 void frmConfig::Place() {
+  trial_.Choose(configuration_.ChosenInputId());
+  trial_.Load();
   Refresh();
   FitToScreen(*this);
   MoveToConfigPlace(*this, configuration_.Section());
@@ -472,8 +519,20 @@ void frmConfig::ShowFirst() {
   cmdCancel_->show();
 }
 
+void frmConfig::ShowTrial() {
+  trial_.Choose(configuration_.ChosenInputId());
+  const presenters::InputTrialControls& controls = trial_.Controls();
+  pbrInputLevel_->setValue(static_cast<int>(std::lround(controls.Level * kLevelSteps)));
+  ShowLine(*lblInputLevel_, controls.lblLevel, controls.Doubtful);
+  ShowEnabled(*cmdTest_, controls.cmdTestEnabled);
+  ShowVisible(*pbrTest_, controls.TestPart > 0);
+  pbrTest_->setValue(static_cast<int>(controls.TestPart * kTestSteps));
+  ShowText(*lblTest_, controls.lblTest);
+}
+
 void frmConfig::Refresh() {
   configuration_.Follow();
+  ShowTrial();
   const presenters::ConfigurationControls& controls = configuration_.Controls();
   ShowText(*lblWelcome_, controls.lblWelcome);
   ShowVisible(*lblWelcome_, !controls.lblWelcome.empty());
@@ -482,7 +541,7 @@ void frmConfig::Refresh() {
   ShowChoices(*cboSongDelay_, controls.cboSongDelay);
   ShowChoices(*cboCutPlacement_, controls.cboCutPlacement);
   ShowText(*txtFileDir_, controls.txtFileDir);
-  ShowRoom(*lblFileRoom_, controls.lblFileRoom);
+  ShowLine(*lblFileRoom_, controls.lblFileRoom.Text, controls.lblFileRoom.Scarce);
   ShowText(*txtFilenameFormat_, controls.txtFilenameFormat);
   ShowChoices(*cboFileFormat_, controls.cboFileFormat);
   ShowText(*lblFormatSpecifications_, controls.lblFormatSpecifications);
@@ -496,10 +555,11 @@ void frmConfig::Refresh() {
     ShowVisible(*number.Arrows, controls.AGCSpinsVisible);
   }
   ShowChecked(*chkDuplicates_, controls.chkDuplicates);
+  ShowChecked(*chkAutostart_, controls.chkAutostart);
   ShowChecked(*chkTaskBarMinimized_, controls.chkTaskBarMinimized);
   ShowChecked(*chkWatch_, controls.chkWatch);
   ShowText(*txtShelfFolder_, controls.txtShelfFolder);
-  ShowRoom(*lblShelfRoom_, controls.lblShelfRoom);
+  ShowLine(*lblShelfRoom_, controls.lblShelfRoom.Text, controls.lblShelfRoom.Scarce);
   ShowText(*shelfSongs_.Line, controls.txtShelfSongs);
   ShowText(*shelfMegabytes_.Line, controls.txtShelfMegabytes);
   ShowChecked(*chkHints_, controls.chkHints);
@@ -629,6 +689,7 @@ void frmConfig::CloseOpened() {
 
 void frmConfig::CloseWindow() {
   CloseOpened();
+  trial_.Unload();
   QDialog::done(QDialog::Rejected);
 }
 

@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "presenters/Configuration.h"
+#include "presenters/InputTrial.h"
 
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
+class QProgressBar;
 class QPushButton;
 class QTabWidget;
 class QVBoxLayout;
@@ -25,8 +27,9 @@ class UpDown;
 /// created anew each time and close with it.
 class frmConfig final : public QDialog {
  public:
-  /// `configuration` must outlive the window.
-  explicit frmConfig(presenters::Configuration& configuration, QWidget* parent = nullptr);
+  /// Both must outlive the window.
+  frmConfig(presenters::Configuration& configuration, presenters::InputTrial& trial,
+            QWidget* parent = nullptr);
 
   /// Called when a save is done, to give the main window the focus.
   std::function<void()> FocusMainWindow = [] {};
@@ -74,6 +77,8 @@ class frmConfig final : public QDialog {
   SpunNumber AddGainNumber(const char* line, const char* arrows, const char* caption, std::string_view tip,
                            Type type, Choose step);
   void FillInput();
+  void FillTrial(QGridLayout& grid);
+  void ShowTrial();
   void FillFiles();
   void FillSongs();
   void FillFormat();
@@ -84,6 +89,7 @@ class frmConfig final : public QDialog {
   void AddButtons();
   void AlignLabels();
 
+  void cmdTest() { trial_.cmdTest(); }
   void cmdBrowse();
   void cmdBrowseShelf();
   void cmdFilenameFormat();
@@ -102,6 +108,7 @@ class frmConfig final : public QDialog {
   void CloseOpened();
 
   presenters::Configuration& configuration_;
+  presenters::InputTrial& trial_;
   QLabel* lblWelcome_ = nullptr;
   QTabWidget* pages_ = nullptr;
   std::vector<QVBoxLayout*> pageLayouts_;
@@ -119,6 +126,11 @@ class frmConfig final : public QDialog {
   QComboBox* cboFileFormat_ = nullptr;
   QLabel* lblFormatSpecifications_ = nullptr;
   QComboBox* cboDevice_ = nullptr;
+  QProgressBar* pbrInputLevel_ = nullptr;
+  QLabel* lblInputLevel_ = nullptr;
+  QPushButton* cmdTest_ = nullptr;
+  QProgressBar* pbrTest_ = nullptr;
+  QLabel* lblTest_ = nullptr;
   QCheckBox* chkAGCEnabled_ = nullptr;
   SpunNumber lowLevel_;
   SpunNumber highLevel_;
@@ -127,6 +139,7 @@ class frmConfig final : public QDialog {
   QLabel* lblShelfRoom_ = nullptr;
   SpunNumber shelfSongs_;
   SpunNumber shelfMegabytes_;
+  QCheckBox* chkAutostart_ = nullptr;
   QCheckBox* chkTaskBarMinimized_ = nullptr;
   QCheckBox* chkWatch_ = nullptr;
   QCheckBox* chkHints_ = nullptr;

@@ -150,5 +150,27 @@ TEST(CommandLine, TheUsageTellsEveryOption) {
   }
 }
 
+TEST(CommandLine, TheWordsOfTheSameStartNameUnitProfileRadioAndSound) {
+  const CommandLine line = Parse({"--profile", "mine", "/multi", "2", "--demo", "--accept-agreement",
+                                  "--port-device", "3=/dev/radio", "--audio", "pipe:sound", "/port", "3"});
+  EXPECT_THAT(WordsOfTheSameStart(line, "/home/user"),
+              ElementsAre("--profile", "/home/user/mine", "--port-device", "3=/dev/radio", "--audio",
+                          "pipe:/home/user/sound", "/multi", "2", "/port", "3"));
+  EXPECT_THAT(WordsOfTheSameStart(Parse({}), "/home/user"), ElementsAre());
+  EXPECT_THAT(WordsOfTheSameStart(Parse({"--audio", "alsa", "--profile", "/p"}), "/home/user"),
+              ElementsAre("--profile", "/p", "--audio", "alsa"));
+}
+
+TEST(CommandLine, TheWordsOfTheSameStartReadAsTheSameUnit) {
+  const CommandLine line =
+      Parse({"--profile", "/a b", "/multi", "2", "--port-device", "16=/x=y", "--audio", "pulse"});
+  const CommandLine again = Parse(WordsOfTheSameStart(line, "/"));
+  EXPECT_EQ(again.Error, "");
+  EXPECT_EQ(again.RemainingText, line.RemainingText);
+  EXPECT_EQ(again.Chosen.Profile, "/a b");
+  EXPECT_EQ(again.Chosen.PortDevices, line.Chosen.PortDevices);
+  EXPECT_EQ(again.Chosen.Audio, AudioInput::Pulse);
+}
+
 }  // namespace
 }  // namespace kestrune::control

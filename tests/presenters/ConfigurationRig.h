@@ -7,6 +7,7 @@
 
 #include "config/formats/FileSpecs.h"
 #include "presenters/Configuration.h"
+#include "support/FakeAutostart.h"
 #include "support/RecordingCaptureFile.h"
 #include "support/ScriptedDialogs.h"
 #include "support/SettingsRig.h"
@@ -21,6 +22,7 @@ class ConfigurationRig : public SettingsRig {
   }
 
   ScriptedDialogs Dialogs;
+  FakeAutostart Autostart;
   RecordingCaptureFile Idle;
   std::int16_t CaptureSlot = 0;
   config::FileSpecs Specs{[this](std::int16_t slot) { return slot == 1 - CaptureSlot ? &Idle : nullptr; },
@@ -34,6 +36,7 @@ class ConfigurationRig : public SettingsRig {
             .Dialogs = Dialogs,
             .Environment = Environment,
             .Files = Files,
+            .Autostart = Autostart,
             .Devices = [this] { return Devices; }};
   }
 

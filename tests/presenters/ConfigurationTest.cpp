@@ -873,5 +873,66 @@ TEST_F(ConfigurationTest, OnlyTheFirstRunWelcomes) {
   EXPECT_EQ(Shown().lblWelcome, "");
 }
 
+TEST_F(ConfigurationTest, TheStartWithTheDesktopIsReadAndChangedWithASave) {
+  rig_.Autostart.State.Starts = true;
+  window_.Load();
+  EXPECT_TRUE(Shown().chkAutostart);
+  window_.chkAutostart(false);
+  EXPECT_TRUE(window_.Dirty());
+  EXPECT_EQ(rig_.Autostart.Changes, 0) << "not before the save";
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_FALSE(rig_.Autostart.State.Starts);
+  window_.Load();
+  EXPECT_FALSE(Shown().chkAutostart);
+  window_.chkAutostart(true);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_TRUE(rig_.Autostart.State.Starts);
+  EXPECT_THAT(rig_.Dialogs.Shown, IsEmpty());
+  for (const std::string& save : rig_.Saves()) EXPECT_THAT(save, ::testing::Not(HasSubstr("utostart")));
+}
+
+TEST_F(ConfigurationTest, AnUntouchedStartWithTheDesktopIsLeftAlone) {
+  window_.Load();
+  rig_.Autostart.State.Starts = true;  // by another program meanwhile
+  window_.chkDuplicates(false);
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Autostart.Changes, 0);
+  window_.LoadFirst();
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_EQ(rig_.Autostart.Changes, 0) << "not even by the first save, which stores all";
+}
+
+TEST_F(ConfigurationTest, AnEntryOfSomebodyElseIsReplacedOnlyIfTheUserAgrees) {
+  for (const bool starts : {false, true}) {
+    rig_.Autostart.State = {.Starts = starts, .Foreign = true};
+    rig_.Autostart.Changes = 0;
+    window_.Load();
+    window_.chkAutostart(!starts);
+    rig_.Dialogs.Answer = platform::MessageAnswer::No;
+    EXPECT_FALSE(window_.cmdSave());
+    EXPECT_EQ(rig_.Autostart.Changes, 0);
+    EXPECT_EQ(Shown().chkAutostart, starts) << "it shows again what is";
+    EXPECT_THAT(rig_.Dialogs.Shown.back().Text,
+                HasSubstr(std::string("autostart/kestrune.desktop\". ") + (starts ? "Remove" : "Replace")));
+    window_.chkAutostart(!starts);
+    rig_.Dialogs.Answer = platform::MessageAnswer::Yes;
+    EXPECT_TRUE(window_.cmdSave());
+    EXPECT_EQ(rig_.Autostart.State.Starts, !starts);
+  }
+}
+
+TEST_F(ConfigurationTest, AStartWithTheDesktopThatCannotBeChangedIsSaidAndKeepsTheWindowOpen) {
+  window_.Load();
+  window_.chkAutostart(true);
+  rig_.Autostart.FailWith = "the disk is full";
+  EXPECT_FALSE(window_.cmdSave());
+  EXPECT_TRUE(window_.Dirty());
+  EXPECT_EQ(rig_.Dialogs.Shown.back().Text,
+            "The start with the desktop could not be changed: the disk is full.");
+  rig_.Autostart.FailWith.clear();
+  EXPECT_TRUE(window_.cmdSave());
+  EXPECT_TRUE(rig_.Autostart.State.Starts);
+}
+
 }  // namespace
 }  // namespace kestrune::test

@@ -1,7 +1,12 @@
+#include <array>
+#include <cmath>
+#include <cstdint>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,8 +18,10 @@
 #include "real/LineUps.h"
 #include "real/Receiver.h"
 #include "real/Screen.h"
+#include "real/Tone.h"
 #include "real/Unit.h"
 #include "real/Waiting.h"
+#include "support/PrivatePulse.h"
 
 namespace kestrune::test {
 namespace {
@@ -297,6 +304,86 @@ TEST_F(FirstHour, ANewUserConfiguresRecordsSchedulesAndChangesTheFormat) {
     EXPECT_THAT(file, HasSubstr("/" + facts["TAG:artist"] + " - " + facts["TAG:title"]));
   }
   EXPECT_THAT(unit_->Captures(), IsEmpty());
+  EXPECT_THAT(unit_->Program().Errors(), Not(HasSubstr("QObject")));
+}
+
+/// Two minutes of a tone that swells and fades, as raw samples.
+void WriteSwellingTone(const std::string& path) {
+  constexpr int kRate = 44100;
+  constexpr double kPi = 3.14159265358979;
+  std::ofstream file(path, std::ios::binary);
+  for (int frame = 0; frame < kRate * 120; ++frame) {
+    const double time = static_cast<double>(frame) / kRate;
+    const double swell = 0.05 + 0.3 * (1 + std::sin(2 * kPi * time / 1.5)) / 2;
+    const auto sample = static_cast<std::int16_t>(32767 * swell * std::sin(2 * kPi * 1000 * time));
+    const std::array<std::int16_t, 2> both{sample, sample};
+    file.write(reinterpret_cast<const char*>(both.data()), sizeof both);
+  }
+}
+
+TEST_F(FirstHour, AWrongInputIsFoundByItsLevelAndATestRecordingIsHeard) {
+  if (!PrivatePulse::Installed()) GTEST_SKIP() << "PulseAudio is not installed";
+  // The first in the list, which is what a new user gets, is silent.
+  PrivatePulse pulse({"module-null-sink sink_name=aux sink_properties=device.description=Aux"});
+  ASSERT_TRUE(pulse.Start());
+  WriteSwellingTone(folder_ / "tone");
+  const ChildProcess tone = pulse.Play(folder_ / "tone");
+  // The desktop's player.
+  const std::string opener = folder_ / "xdg-open";
+  const std::string opened = folder_ / "opened";
+  PutFile(opener, "#!/bin/sh\nprintf '%s' \"$1\" > '" + opened + "'\n");
+  std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+  auto environment = screen_.Environment();
+  for (const auto& [name, value] : pulse.Environment()) environment[name] = value;
+  environment["PATH"] = folder_.Path() + ":/usr/bin:/bin";
+  environment["XDG_CONFIG_HOME"] = folder_ / "xdg";
+  radio_ = std::make_unique<Receiver>(folder_ / "radio", Receiver::Setup{FourStations(6)});
+  unit_ = std::make_unique<Unit>(
+      folder_ / "profile",
+      Unit::Setup{.Audio = "pulse", .Port = radio_->Link(), .Environment = environment, .Windows = true});
+  unit_->Start();
+  ASSERT_TRUE(Agree()) << unit_->Program().Errors();
+  ASSERT_TRUE(screen_.WaitFor(kConfiguration)) << unit_->Program().Errors();
+  const auto pictures = [this](int count) {
+    std::set<std::string> different;
+    for (int i = 0; i < count; ++i) different.insert(screen_.Picture(kConfiguration));
+    return different;
+  };
+
+  // The level of the wrong input stands still, and its words stay as they are.
+  ASSERT_TRUE(WaitUntil(30s, [&] { return pictures(5).size() == 1; }));
+  const std::set<std::string> still = pictures(1);
+  EXPECT_THAT(still, Not(Contains("")));
+  // That of the right one moves, before anything is saved.
+  screen_.Press(kConfiguration, {"Down"});
+  EXPECT_TRUE(WaitUntil(30s, [&] { return pictures(5).size() > 2; }));
+  EXPECT_THAT(Settings(), Not(HasSubstr("radio.monitor")));
+
+  screen_.Press(kConfiguration, {"alt+t"});
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return FileText(opened).starts_with("file://"); }));
+  std::string file = FileText(opened).substr(7);
+  ASSERT_THAT(file, EndsWith("/Test%20recording.mp3"));
+  file.replace(file.find("%20"), 3, " ");
+  EXPECT_EQ(Probe(file)["codec_name"], "mp3");
+  const Decoded heard = DecodeWithFfmpeg(file);
+  EXPECT_NEAR(heard.Seconds(), 5, 0.1);
+  // The swelling takes a fifth of the energy beside the tone.
+  EXPECT_GT(ToneShare(heard.Mono(), heard.Rate, 1000), 0.7);
+
+  // The desktop is to start this unit, with this profile.
+  screen_.Press(kConfiguration, {"alt+p", "space", "Return"});
+  ASSERT_TRUE(screen_.WaitUntilGone(kConfiguration));
+  EXPECT_EQ(FileText(file), "(absent)");
+  const std::vector<std::string> entries = Unit::FilesBelow(folder_ / "xdg/autostart", false);
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_THAT(FileText(entries.front()), HasSubstr("\"--profile\" \"" + (folder_ / "profile") + "\""));
+  EXPECT_EQ(RunToEnd({"desktop-file-validate", {entries.front()}, environment}).Exit, 0);
+
+  ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
+  EXPECT_THAT(Settings(), HasSubstr("radio.monitor"));
+  EXPECT_THAT(unit_->LogText(), Not(HasSubstr("Test")));
+  EXPECT_THAT(unit_->Recordings(), IsEmpty());
+  EXPECT_EQ(unit_->Quit(), 0) << unit_->Program().Errors();
   EXPECT_THAT(unit_->Program().Errors(), Not(HasSubstr("QObject")));
 }
 

@@ -89,6 +89,12 @@ void Screen::Drag(const std::string& title, int x, int y, const std::string& tar
                                 "mousemove_relative", "--", "5", "5", "sleep", "0.3", "mouseup", "1"}));
 }
 
+std::string Screen::Picture(const std::string& title) const {
+  return Run("ffmpeg", {"-loglevel", "error", "-f", "x11grab", "-window_id", Find(title), "-i", name_,
+                        "-frames:v", "1", "-f", "rawvideo", "-"})
+      .Output;
+}
+
 void Screen::Focus(const std::string& title) const {
   base::Ignored(Run("xdotool", {"windowactivate", "--sync", Find(title)}));
 }

@@ -34,6 +34,8 @@ class Screen {
   void Click(const std::string& title, int x, int y, int times = 1) const;
   /// Drags what lies at that place in the window into the middle of the other one.
   void Drag(const std::string& title, int x, int y, const std::string& target) const;
+  /// What a window shows at this moment, as bytes that only another picture of it can be compared with; empty on failure.
+  [[nodiscard]] std::string Picture(const std::string& title) const;
   void Minimise(const std::string& title) const;
   /// As a task bar does, by a part of the title: it finds minimised windows too.
   void Activate(const std::string& part) const;

@@ -49,6 +49,7 @@ class CalledRecorder final : public platform::AudioRecorder {
   }
   void SetBlockHandler(std::function<void()> handler) override { OnBlock = std::move(handler); }
   void SetTimerHandler(std::function<void()> /*handler*/) override {}
+  [[nodiscard]] std::string OpenDeviceId() const override { return {}; }
   [[nodiscard]] std::string OpenError() const override { return {}; }
   [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }

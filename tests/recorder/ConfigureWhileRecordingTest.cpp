@@ -7,6 +7,7 @@
 
 #include "config/settings/SettingKeys.h"
 #include "presenters/Configuration.h"
+#include "support/FakeAutostart.h"
 #include "support/UnitRig.h"
 
 namespace kestrune::test {
@@ -29,7 +30,7 @@ class ConfigureWhileRecording : public ::testing::Test {
     rig->cmdRecord();
     rig.NextSong("Lanterns", "North Pier");
     ASSERT_EQ(Status(), "Recording");
-    window.emplace(rig.Rules->ConfigurationAccess());
+    window.emplace(rig.Rules->ConfigurationAccess(autostart));
     window->Load();
   }
   [[nodiscard]] std::string Status() { return rig.Window().lblRecording.Caption; }
@@ -46,6 +47,7 @@ class ConfigureWhileRecording : public ::testing::Test {
   }
 
   UnitRig rig;
+  FakeAutostart autostart;
   std::optional<presenters::Configuration> window;
 };
 
@@ -174,7 +176,7 @@ class ConfigureWhileIdle : public ConfigureWhileRecording {
     rig.StartIdle();
     rig.NextSong("Lanterns", "North Pier");
     rig.Run(60s);
-    window.emplace(rig.Rules->ConfigurationAccess());
+    window.emplace(rig.Rules->ConfigurationAccess(autostart));
     window->Load();
   }
   void ExpectNothingSaved() {

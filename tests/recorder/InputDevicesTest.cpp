@@ -41,6 +41,7 @@ class ListedRecorder final : public platform::AudioRecorder {
   }
   void SetBlockHandler(std::function<void()> /*handler*/) override {}
   void SetTimerHandler(std::function<void()> /*handler*/) override {}
+  [[nodiscard]] std::string OpenDeviceId() const override { return {}; }
   [[nodiscard]] std::string OpenError() const override { return {}; }
   [[nodiscard]] const platform::CaptureSound& Sound() const override { return CapturedSound; }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return 0; }

@@ -1,5 +1,8 @@
+#include <utility>
+
 #include <gtest/gtest.h>
 
+#include "windows/Colours.h"
 #include "windows/Contrast.h"
 
 namespace kestrune::test {
@@ -32,6 +35,16 @@ TEST(Contrast, AColourBearsItsText) {
   EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::white), Qt::white), kReadableContrast);
   EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::black), Qt::black), kReadableContrast);
   EXPECT_EQ(Bearing(Qt::darkBlue, Qt::white), QColor(Qt::darkBlue)) << "it does already";
+}
+
+TEST(Contrast, AWarningIsReadableOnAWindowAndOnAGroupOfAPage) {
+  // As the style makes them of the two palettes.
+  for (const auto& [window, group] : {std::pair(QColor(45, 45, 48), QColor(57, 57, 60)),
+                                      std::pair(QColor(239, 239, 239), QColor(248, 248, 248))}) {
+    const QColor warning = windows::WarningColour(QPalette(window));
+    EXPECT_GE(Contrast(warning, window), kReadableContrast);
+    EXPECT_GE(Contrast(warning, group), kReadableContrast);
+  }
 }
 
 }  // namespace

@@ -3,25 +3,33 @@
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
+#include <chrono>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include "base/Ignored.h"
 #include "presenters/ConfigurationRig.h"
+#include "support/FakeInputListener.h"
+#include "support/RecordingShell.h"
 #include "support/Repetitions.h"
+#include "support/SimulatedEventLoop.h"
+#include "support/TrialAudio.h"
 #include "windows/Controls.h"
 #include "windows/frmConfig.h"
 
 namespace kestrune::test {
 namespace {
 
+using namespace std::chrono_literals;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -29,12 +37,21 @@ class FrmConfigTest : public ::testing::Test {
  protected:
   FrmConfigTest() {
     rig_.Settings.FileDir = "/music/";
+    base::Ignored(rig_.Files.CreateFolder("/tmp"));
     window_.FocusMainWindow = [this] { ++focused_; };
   }
 
   [[nodiscard]] QDialog* Opened() {
     const QList<QDialog*> dialogs = window_.findChildren<QDialog*>(Qt::FindDirectChildrenOnly);
     return dialogs.isEmpty() ? nullptr : dialogs.constFirst();
+  }
+  /// The open input brings a sound that is this loud.
+  void Play(std::chrono::milliseconds time, std::int16_t amplitude) {
+    for (auto left = time; left > 0ms; left -= 100ms) {
+      inputs_.Waiting.assign(1600, amplitude);
+      loop_.Run(100ms);
+      window_.Refresh();
+    }
   }
   /// Lets closed windows be destroyed.
   static void Settle() {
@@ -47,7 +64,21 @@ class FrmConfigTest : public ::testing::Test {
   }
 
   ConfigurationRig rig_;
-  windows::frmConfig window_{rig_.Window};
+  SimulatedEventLoop loop_;
+  FakeInputListener inputs_;
+  RecordingShell shell_;
+  TrialAudio audio_{rig_.Files};
+  presenters::InputTrial trial_{
+      {.Loop = loop_,
+       .Listener = inputs_,
+       .Captured = [] { return std::string(); },
+       .Configured = [] { return std::string(); },
+       .Recording = [this] { return recording_; },
+       .Format = [] { return platform::WavFormat{.Frequency = 8000, .Channels = 2, .Bits = 16}; },
+       .Extension = [] { return std::string("wav"); },
+       .Test = {.Audio = audio_, .Files = rig_.Files, .Environment = rig_.Environment, .Shell = shell_}}};
+  bool recording_ = false;
+  windows::frmConfig window_{rig_.Window, trial_};
   int focused_ = 0;
 };
 
@@ -77,6 +108,8 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
       {"lblFormatSpecifications", "SetFormatMP3 44100 2 160", ""},
       {"cmdChangeFormatSpecs", "Change Format Specifications", ""},
       {"cboDevice", "", "Select device to record XM PCR audio from (usually your sound card)"},
+      {"cmdTest", "&Test Recording",
+       "Record five seconds of this device, and play them; the file is gone when this window closes"},
       {"chkAGCEnabled", "Enabled", "Click to enable or disable the automatic gain control"},
       {"txtAGCLowLevel", "", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db."},
       {"udAGCLowLevel", "", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db."},
@@ -87,6 +120,8 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
       {"chkDuplicates", "Save duplicate files",
        "When checked, duplicate songs will be renamed so as to avoid conflict. When unchecked, duplicate "
        "songs will not be saved. "},
+      {"chkAutostart", "Start with the desktop",
+       "When checked, the desktop starts Kestrune whenever you log in."},
       {"chkTaskBarMinimized", "Show when minimized",
        "When checked, Kestrune will show in the taskbar when minimized. When unchecked, Kestrune will show "
        "only as an icon in the task tray (near the clock)."},
@@ -145,11 +180,14 @@ TEST_F(FrmConfigTest, EveryControlHasItsTextsAndTips) {
                               "File Format:",
                               "Format Specifications:",
                               "Recording Device:",
+                              "Level:",
+                              "Test:",
                               "Automatic Gain Control:",
                               "Low Level:",
                               "High Level:",
                               "AttackTime:",
                               "Duplicate Files:",
+                              "Start:",
                               "Show in Taskbar:",
                               "Watch:",
                               "Shelf Folder:",
@@ -200,6 +238,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   Find<QWidget>(window_, "udAGCHighLevel").findChildren<QToolButton*>().constFirst()->click();
   Press(window_, "chkDuplicates");
   Press(window_, "chkTaskBarMinimized");
+  Press(window_, "chkAutostart");
   Press(window_, "chkNotifyProblems");
   Press(window_, "chkWatch");
   QTest::keyClicks(&Find<QLineEdit>(window_, "txtShelfFolder"), "/data/Shelf");
@@ -227,6 +266,7 @@ TEST_F(FrmConfigTest, WhatTheUserDoesIsSaved) {
   EXPECT_EQ(saved.AGCHighLevel, -39);
   EXPECT_FALSE(saved.SaveDuplicates);
   EXPECT_FALSE(saved.TaskBarMinimized);
+  EXPECT_TRUE(rig_.Autostart.State.Starts);
   EXPECT_FALSE(saved.Watch);
   EXPECT_EQ(saved.ShelfFolder, "/data/Shelf/");
   EXPECT_EQ(saved.ShelfSongs, 21);
@@ -537,6 +577,42 @@ TEST_F(FrmConfigTest, TheRoomStandsBesideTheFoldersAndLittleOfItIsMarked) {
   EXPECT_NE(room.palette().color(QPalette::WindowText), plain);
 }
 
+TEST_F(FrmConfigTest, TheLevelOfTheChosenInputIsShown) {
+  window_.ShowModeless();
+  EXPECT_EQ(inputs_.OpenId, "built-in");
+  Play(1s, 3277);
+  const auto& bar = Find<QProgressBar>(window_, "pbrInputLevel");
+  const auto& words = Find<QLabel>(window_, "lblInputLevel");
+  EXPECT_EQ(bar.value(), 40) << "of 60 dB";
+  EXPECT_EQ(words.text(), "-20 dB");
+  ChooseRow(Find<QComboBox>(window_, "cboDevice"), 1);
+  EXPECT_EQ(inputs_.OpenId, "usb") << "before any save";
+  Play(5s, 0);
+  EXPECT_EQ(bar.value(), 0);
+  EXPECT_TRUE(words.text().startsWith("Silence"));
+  EXPECT_NE(words.palette().color(QPalette::WindowText), window_.palette().color(QPalette::WindowText));
+  Press(window_, "cmdCancel");
+  EXPECT_EQ(inputs_.OpenId, "");
+}
+
+TEST_F(FrmConfigTest, ATestRecordingShowsItsProgressAndGoesWithTheWindow) {
+  window_.ShowModeless();
+  Play(1s, 3277);
+  Press(window_, "cmdTest");
+  Play(2500ms, 3277);
+  const auto& bar = Find<QProgressBar>(window_, "pbrTest");
+  EXPECT_TRUE(bar.isVisible());
+  EXPECT_EQ(bar.value(), bar.maximum() / 2);
+  EXPECT_EQ(Find<QLabel>(window_, "lblTest").text(), "Recording: 2 of 5 seconds");
+  EXPECT_FALSE(Find<QWidget>(window_, "cmdTest").isEnabled());
+  Play(2500ms, 3277);
+  EXPECT_FALSE(bar.isVisible());
+  ASSERT_EQ(shell_.Opened.size(), 1U);
+  EXPECT_TRUE(rig_.Files.Exists(shell_.Opened.front()));
+  ClickCloseBox(window_);
+  EXPECT_FALSE(rig_.Files.Exists(shell_.Opened.front()));
+}
+
 TEST_F(FrmConfigTest, OnlyTheFirstRunShowsAWelcome) {
   QTimer::singleShot(0, &window_, [&] {
     const auto& welcome = Find<QLabel>(window_, "lblWelcome");
@@ -632,11 +708,11 @@ TEST_F(FrmConfigTest, TheTabKeyWalksThroughEveryControlOfAPageInReadingOrder) {
   window_.ShowModeless();
   auto& pages = Find<QTabWidget>(window_, "tabConfig");
   const std::vector<std::vector<const char*>> order{
-      {"cboDevice", "chkAGCEnabled", "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime", "txtFileDir",
-       "cmdBrowse", "txtFilenameFormat", "cmdFilenameFormat", "chkDuplicates"},
+      {"cboDevice", "cmdTest", "chkAGCEnabled", "txtAGCLowLevel", "txtAGCHighLevel", "txtAGCAttackTime",
+       "txtFileDir", "cmdBrowse", "txtFilenameFormat", "cmdFilenameFormat", "chkDuplicates"},
       {"cboMinLength", "cboMaxLength", "cboSongDelay", "cboCutPlacement", "cboFileFormat",
        "cmdChangeFormatSpecs", "txtShelfFolder", "cmdBrowseShelf", "txtShelfSongs", "txtShelfMegabytes"},
-      {"chkTaskBarMinimized", "chkWatch", "chkHints", "chkFollowHints", "chkNotifyEvents",
+      {"chkAutostart", "chkTaskBarMinimized", "chkWatch", "chkHints", "chkFollowHints", "chkNotifyEvents",
        "chkNotifyProblems", "chkNotifyHints", "chkNotifySongs"}};
   EXPECT_EQ(window_.focusWidget()->objectName(), "cboDevice");
   const auto expectNext = [this](const char* name) {

@@ -31,6 +31,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "support/FakeAutostart.h"
+#include "support/FakeInputListener.h"
 #include "support/FakeMixer.h"
 #include "windows/Controls.h"
 #include "windows/DesktopRig.h"
@@ -59,6 +61,8 @@ struct Stage {
 
   DesktopRig Rig;
   FakeMixer Mixer;
+  FakeAutostart Autostart;
+  FakeInputListener Inputs;
   windows::UnitWindows Windows{Rig.Desktop,
                                *Rig.Unit.Rules,
                                {.Loop = Rig.Unit.Loop,
@@ -66,7 +70,10 @@ struct Stage {
                                 .Environment = Rig.Unit.Environment,
                                 .Dialogs = Rig.Unit.Dialogs,
                                 .Shell = Rig.Shell,
-                                .Mixer = Mixer}};
+                                .Mixer = Mixer,
+                                .Autostart = Autostart,
+                                .Audio = Rig.Unit.Audio,
+                                .InputListener = Inputs}};
   bool Extreme = false;
   QString Folder;
   QString Look;
@@ -449,7 +456,21 @@ void TakeFirstRun(Stage& stage) {
   QObject::connect(&poll, &QTimer::timeout, qApp, [&stage] {
     QWidget* window = QApplication::activeModalWidget();
     if (window == nullptr || window->objectName() != QLatin1String("frmConfig")) return;
+    // Half a second of the input's sound, and then what a test recording makes of some of it.
+    stage.Inputs.Errors.clear();
+    const auto sound = [&stage](int tenths) {
+      for (int i = 0; i < tenths; ++i) {
+        const platform::PcmFormat& format = stage.Inputs.OpenFormat;
+        stage.Inputs.Waiting.assign(static_cast<std::size_t>(format.SampleRate / 10 * format.Channels),
+                                    stage.Extreme ? 20 : 4000);
+        stage.Rig.Run(100ms);
+      }
+    };
+    sound(40);
     stage.Take(*window, QStringLiteral("frmConfig-first"));
+    Find<QPushButton>(*window, "cmdTest").click();
+    sound(32);
+    stage.Take(*window, QStringLiteral("frmConfig-test"));
     window->close();
   });
   poll.start(0);

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "base/Ignored.h"
+#include "support/FakeAutostart.h"
+#include "support/FakeInputListener.h"
 #include "support/FakeMixer.h"
 #include "windows/DesktopRig.h"
 #include "windows/QtDialogs.h"
@@ -60,6 +62,8 @@ class UnitWindowsRig : public DesktopRig {
   }
 
   FakeMixer Mixer;
+  FakeAutostart Autostart;
+  FakeInputListener Inputs;
   windows::UnitWindows Windows{Desktop,
                                *Unit.Rules,
                                {.Loop = Unit.Loop,
@@ -67,7 +71,10 @@ class UnitWindowsRig : public DesktopRig {
                                 .Environment = Unit.Environment,
                                 .Dialogs = Unit.Dialogs,
                                 .Shell = Shell,
-                                .Mixer = Mixer}};
+                                .Mixer = Mixer,
+                                .Autostart = Autostart,
+                                .Audio = Unit.Audio,
+                                .InputListener = Inputs}};
 };
 
 }  // namespace kestrune::test

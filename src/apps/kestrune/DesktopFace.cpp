@@ -13,7 +13,9 @@
 #include <fmt/format.h>
 
 #include "config/update/Endpoints.h"
+#include "platform/posix/PosixEnvironment.h"
 #include "platform/posix/SideFiles.h"
+#include "recorder/SlashOptions.h"
 
 namespace kestrune::apps {
 namespace {
@@ -28,6 +30,22 @@ void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
   if (type != QtDebugMsg && type != QtInfoMsg) fmt::print(stderr, "{}\n", line.toStdString());
 }
 
+/// The start that the desktop is to repeat: this program with this start's unit, profile, radio and sound. The entry is
+/// always in the user's own configuration folder, since a desktop looks nowhere else.
+platform::XdgAutostart::Start StartOf(const control::CommandLine& line) {
+  std::error_code ignored;
+  const std::string folder = std::filesystem::current_path(ignored).string();
+  const std::string& profile = line.Chosen.Profile;
+  const std::string whole =
+      profile.empty()
+          ? profile
+          : std::filesystem::weakly_canonical(folder / std::filesystem::path(profile), ignored).string();
+  return {.Configuration = platform::PosixEnvironment(platform::StartArguments()).ConfigurationFolder(),
+          .Name = platform::AutostartName(recorder::MultiUnitOf(line.RemainingText), whole),
+          .Program = QCoreApplication::applicationFilePath().toStdString(),
+          .Words = control::WordsOfTheSameStart(line, folder)};
+}
+
 /// The program's picture where an installation puts it; empty if the program is not installed.
 std::string InstalledPicture(const std::string& executableFolder) {
   const std::filesystem::path picture =
@@ -39,18 +57,21 @@ std::string InstalledPicture(const std::string& executableFolder) {
 }  // namespace
 
 DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& environment,
-                         bool agreementAccepted)
+                         const control::CommandLine& line)
     : loop_(loop),
-      dialogs_(platform::SideFile(environment.ExecutableFolder(), "Agreement.html"), agreementAccepted),
+      dialogs_(platform::SideFile(environment.ExecutableFolder(), "Agreement.html"),
+               line.Chosen.AcceptAgreement),
       sounds_([this] { QCoreApplication::postEvent(&bell_, new QEvent(QEvent::User)); }),
       desktop_(
           {.Loop = loop,
            .Dialogs = dialogs_,
            .Shell = shell_,
            .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
-           .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""}}) {}
+           .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""}}),
+      autostart_(StartOf(line)) {}
 
-void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer) {
+void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer,
+                         platform::InputListener& listener) {
   rules_ = std::make_unique<presenters::UnitPresenters>(unit, outside);
   desktop_.Attach(*rules_);
   unitWindows_ =
@@ -60,7 +81,10 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
                                                                            .Environment = outside.Environment,
                                                                            .Dialogs = dialogs_,
                                                                            .Shell = shell_,
-                                                                           .Mixer = mixer});
+                                                                           .Mixer = mixer,
+                                                                           .Autostart = autostart_,
+                                                                           .Audio = outside.Audio,
+                                                                           .InputListener = listener});
   const std::string& unitName = unit.Snapshot().MultiUnit;
   const std::string name = unitName.empty() ? "Kestrune" : "Kestrune " + unitName;
   const std::string picture = InstalledPicture(outside.Environment.ExecutableFolder());

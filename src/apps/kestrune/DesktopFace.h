@@ -6,8 +6,10 @@
 
 #include "apps/kestrune/Face.h"
 #include "base/EventLoop.h"
+#include "control/CommandLine.h"
 #include "platform/Environment.h"
 #include "platform/canberra/ThemeSounds.h"
+#include "platform/posix/XdgAutostart.h"
 #include "platform/qtdbus/DesktopNotifications.h"
 #include "platform/qtdbus/MprisPlayer.h"
 #include "platform/qtgui/DesktopShell.h"
@@ -27,12 +29,14 @@ namespace kestrune::apps {
 class DesktopFace final : public Face {
  public:
   /// The loop must outlive it.
-  DesktopFace(base::EventLoop& loop, const platform::Environment& environment, bool agreementAccepted);
+  DesktopFace(base::EventLoop& loop, const platform::Environment& environment,
+              const control::CommandLine& line);
 
   [[nodiscard]] platform::Dialogs& Dialogs() override { return dialogs_; }
   [[nodiscard]] platform::Sounds& Sounds() override { return sounds_; }
   [[nodiscard]] recorder::Windows& Windows() override { return desktop_; }
-  void Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer) override;
+  void Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer,
+              platform::InputListener& listener) override;
   void Detach() override;
 
  private:
@@ -42,6 +46,7 @@ class DesktopFace final : public Face {
   windows::DisplayBell bell_;
   platform::ThemeSounds sounds_;
   windows::Desktop desktop_;
+  platform::XdgAutostart autostart_;
   std::unique_ptr<presenters::UnitPresenters> rules_;
   std::unique_ptr<windows::UnitWindows> unitWindows_;
   std::optional<platform::MprisPlayer> mediaPlayer_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Dialogs.h"
+#include "platform/InputListener.h"
 #include "platform/Mixer.h"
 #include "platform/Sounds.h"
 #include "recorder/Kestrune.h"
@@ -19,7 +20,7 @@ class Face {
   /// Before the unit loads, and before it goes. `outside` is what the unit stands on; all outlive the face's part in
   /// the run.
   virtual void Attach(recorder::Kestrune& /*unit*/, const recorder::Outside& /*outside*/,
-                      platform::Mixer& /*mixer*/) {}
+                      platform::Mixer& /*mixer*/, platform::InputListener& /*listener*/) {}
   virtual void Detach() {}
 };
 

@@ -46,7 +46,7 @@ int RunDesktop(const control::CommandLine& line, int argc, char** argv) {
   platform::QtEventLoop loop(platform::QtEventLoop::WhileAsleep::KeepPainted);
   return RunUnit(line, argv[0], loop,
                  [&line](base::EventLoop& own, const platform::Environment& environment) {
-                   return std::make_unique<DesktopFace>(own, environment, line.Chosen.AcceptAgreement);
+                   return std::make_unique<DesktopFace>(own, environment, line);
                  });
 }
 

@@ -130,7 +130,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
                                   .SleepInhibitor = sleepInhibitor,
                                   .HistoryStore = history};
   recorder::Kestrune unit(outside);
-  face->Attach(unit, outside, *input.Mixer);
+  face->Attach(unit, outside, *input.Mixer, *input.Listener);
   control::UnitTarget target(unit);
   const platform::LocalControlSocket socket(
       platform::ControlSocketPath(runtimeFolder, name),

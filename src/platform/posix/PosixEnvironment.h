@@ -31,6 +31,8 @@ class PosixEnvironment final : public Environment {
   [[nodiscard]] std::string DefaultRecordingFolder() const override;
   [[nodiscard]] std::string CommandLine() const override { return commandLine_; }
 
+  /// The user's own configuration folder, whatever the profile.
+  [[nodiscard]] std::string ConfigurationFolder() const;
   /// Where the settings files are: the folder kestrune in the user's configuration folder. It may not exist
   /// yet.
   [[nodiscard]] std::string SettingsFolder() const;
@@ -40,7 +42,6 @@ class PosixEnvironment final : public Environment {
 
  private:
   [[nodiscard]] std::string Home() const;
-  [[nodiscard]] std::string ConfigurationFolder() const;
   [[nodiscard]] std::string MusicFolder() const;
   /// A folder of the profile.
   [[nodiscard]] std::string InProfile(std::string_view name) const;

@@ -81,6 +81,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void SetBlockHandler(std::function<void()> handler) override { blockHandler_ = std::move(handler); }
   void SetTimerHandler(std::function<void()> handler) override { timerHandler_ = std::move(handler); }
 
+  [[nodiscard]] std::string OpenDeviceId() const override { return open_ ? openId_ : std::string(); }
   [[nodiscard]] std::string OpenError() const override { return openError_; }
   [[nodiscard]] const CaptureSound& Sound() const override { return ledger_.Sound(); }
   [[nodiscard]] std::int64_t FramesCaptured() const override { return framesCaptured_; }
