@@ -221,9 +221,10 @@ void frmConfig::FillFiles() {
   txtFileDir_ = AddText("txtFileDir", {}, &Configuration::txtFileDir);
   AddLabel(grid, 0, "File Save Folder:")->setBuddy(txtFileDir_);
   grid.addWidget(txtFileDir_, 0, 1);
-  grid.addWidget(
-      AddButton("cmdBrowse", "&Browse", "Click to select folder files are saved into", &frmConfig::cmdBrowse),
-      0, 2);
+  QPushButton* browse =
+      AddButton("cmdBrowse", "&Browse", "Click to select folder files are saved into", &frmConfig::cmdBrowse);
+  browse->setAccessibleName(QStringLiteral("Browse for the File Save Folder"));
+  grid.addWidget(browse, 0, 2);
   lblFileRoom_ = AddRoom(grid, 1, "lblFileRoom");
   txtFilenameFormat_ = AddText("txtFilenameFormat", "Format to use when writing filenames of recorded files",
                                &Configuration::txtFilenameFormat);
@@ -233,6 +234,7 @@ void frmConfig::FillFiles() {
                                   &frmConfig::cmdFilenameFormat);
   // Its letter is that of Save, which has to answer to it.
   select->setShortcut({});
+  select->setAccessibleName(QStringLiteral("Select a Filename Format"));
   grid.addWidget(select, 2, 2);
   auto* explanation = new QLabel(
       QStringLiteral(
@@ -279,6 +281,7 @@ void frmConfig::FillInput() {
   chkAGCEnabled_ = AddBox("chkAGCEnabled", "Enabled", "Click to enable or disable the automatic gain control",
                           &Configuration::chkAGCEnabled);
   AddLabel(grid, 3, "Automatic Gain Control:");
+  chkAGCEnabled_->setAccessibleName(QStringLiteral("Automatic Gain Control enabled"));
   lowLevel_ =
       AddGainNumber("txtAGCLowLevel", "udAGCLowLevel",
                     "Low Level:", "Lowest allowable value, in db. Range from 0 to -92 db. Default is -40 db.",
@@ -369,9 +372,10 @@ void frmConfig::FillShelf() {
   txtShelfFolder_->setPlaceholderText(QStringLiteral("Kestrune/Shelf in the File Save Folder"));
   AddLabel(grid, 0, "Shelf Folder:")->setBuddy(txtShelfFolder_);
   grid.addWidget(txtShelfFolder_, 0, 1);
-  grid.addWidget(AddButton("cmdBrowseShelf", "B&rowse", "Click to select the folder of the shelf",
-                           &frmConfig::cmdBrowseShelf),
-                 0, 2);
+  QPushButton* browse = AddButton("cmdBrowseShelf", "B&rowse", "Click to select the folder of the shelf",
+                                  &frmConfig::cmdBrowseShelf);
+  browse->setAccessibleName(QStringLiteral("Browse for the Shelf Folder"));
+  grid.addWidget(browse, 0, 2);
   lblShelfRoom_ = AddRoom(grid, 1, "lblShelfRoom");
   shelfSongs_ =
       AddNumber("txtShelfSongs", "udShelfSongs",
@@ -459,6 +463,7 @@ void frmConfig::FillNotices() {
   AddLabel(grid, 0, "Notifications:");
   auto* line = new QHBoxLayout;
   for (QCheckBox* box : {chkNotifyEvents_, chkNotifyProblems_, chkNotifyHints_, chkNotifySongs_}) {
+    box->setAccessibleName(QStringLiteral("Notifications: ") + box->text());
     line->addWidget(box);
   }
   line->addStretch();
@@ -525,6 +530,9 @@ void frmConfig::ShowTrial() {
   pbrInputLevel_->setValue(static_cast<int>(std::lround(controls.Level * kLevelSteps)));
   ShowLine(*lblInputLevel_, controls.lblLevel, controls.Doubtful);
   ShowEnabled(*cmdTest_, controls.cmdTestEnabled);
+  if (const QString why = ToQt(controls.lblTest); cmdTest_->accessibleDescription() != why) {
+    cmdTest_->setAccessibleDescription(why);
+  }
   ShowVisible(*pbrTest_, controls.TestPart > 0);
   pbrTest_->setValue(static_cast<int>(controls.TestPart * kTestSteps));
   ShowText(*lblTest_, controls.lblTest);
@@ -637,7 +645,10 @@ void frmConfig::FocusFieldToMend() {
   if (configuration_.FieldToMend().empty()) return;
   auto* field = findChild<QLineEdit*>(ToQt(configuration_.FieldToMend()));
   for (int page = 0; page < pages_->count(); ++page) {
-    if (pages_->widget(page)->isAncestorOf(field)) pages_->setCurrentIndex(page);
+    auto* scrolled = static_cast<FittedPage*>(pages_->widget(page));
+    if (!scrolled->isAncestorOf(field)) continue;
+    pages_->setCurrentIndex(page);
+    scrolled->ensureWidgetVisible(field);
   }
   field->setFocus();
   field->selectAll();

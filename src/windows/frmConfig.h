@@ -31,6 +31,10 @@ class frmConfig final : public QDialog {
   frmConfig(presenters::Configuration& configuration, presenters::InputTrial& trial,
             QWidget* parent = nullptr);
 
+  ~frmConfig() override { trial_.Unload(); }
+  frmConfig(const frmConfig&) = delete;
+  frmConfig& operator=(const frmConfig&) = delete;
+
   /// Called when a save is done, to give the main window the focus.
   std::function<void()> FocusMainWindow = [] {};
 

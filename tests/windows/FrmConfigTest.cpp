@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
@@ -501,6 +502,19 @@ TEST_F(FrmConfigTest, ANumberOfTheShelfThatIsRefusedGetsTheFocus) {
   EXPECT_TRUE(window_.isVisible());
   EXPECT_EQ(window_.focusWidget(), &songs);
   EXPECT_EQ(rig_.Dialogs.Shown.size(), 1U);
+  EXPECT_TRUE(songs.isVisible());
+}
+
+TEST_F(FrmConfigTest, OnASmallScreenARefusedFieldIsScrolledIntoView) {
+  window_.ShowModeless();
+  window_.resize(400, 300);
+  Settle();
+  auto& songs = Find<QLineEdit>(window_, "txtShelfSongs");
+  songs.setText("");
+  QTest::keyClicks(&songs, "1001");
+  Press(window_, "cmdSave");
+  Settle();
+  EXPECT_FALSE(songs.visibleRegion().isEmpty());
 }
 
 TEST_F(FrmConfigTest, WithoutHintsThereIsNothingToFollow) {
@@ -611,6 +625,54 @@ TEST_F(FrmConfigTest, ATestRecordingShowsItsProgressAndGoesWithTheWindow) {
   EXPECT_TRUE(rig_.Files.Exists(shell_.Opened.front()));
   ClickCloseBox(window_);
   EXPECT_FALSE(rig_.Files.Exists(shell_.Opened.front()));
+}
+
+TEST_F(FrmConfigTest, AScreenReaderGetsNameRoleAndValueOfEveryControl) {
+  window_.ShowModeless();
+  Play(1s, 3277);
+  auto& pages = Find<QTabWidget>(window_, "tabConfig");
+  QStringList names;
+  for (int page = 0; page < pages.count(); ++page) {
+    pages.setCurrentIndex(page);
+    for (auto* control : pages.widget(page)->findChildren<QWidget*>()) {
+      if (control->focusPolicy() == Qt::NoFocus || control->objectName().isEmpty()) continue;
+      const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(control);
+      ASSERT_NE(spoken, nullptr);
+      EXPECT_NE(spoken->text(QAccessible::Name), "") << control->objectName().toStdString();
+      EXPECT_NE(spoken->role(), QAccessible::Client) << control->objectName().toStdString();
+      names.append(spoken->text(QAccessible::Name));
+      // A list is called by what it shows, and by the label that belongs to it.
+      if (spoken->role() == QAccessible::ComboBox) {
+        EXPECT_FALSE(spoken->relations(QAccessible::Label).isEmpty()) << control->objectName().toStdString();
+      }
+    }
+  }
+  EXPECT_EQ(names.removeDuplicates(), 0) << names.join('|').toStdString();
+  QAccessibleInterface* level =
+      QAccessible::queryAccessibleInterface(&Find<QProgressBar>(window_, "pbrInputLevel"));
+  EXPECT_EQ(level->text(QAccessible::Name), "Level of the recording device");
+  EXPECT_EQ(level->role(), QAccessible::ProgressBar);
+  EXPECT_EQ(level->valueInterface()->currentValue().toInt(), 40);
+  for (const char* label : {"lblInputLevel", "lblFileRoom"}) {
+    auto& shown = Find<QLabel>(window_, label);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&shown)->text(QAccessible::Name), shown.text()) << label;
+  }
+}
+
+TEST_F(FrmConfigTest, TheBoxForTheStartWithTheDesktopShowsWhatIsThere) {
+  rig_.Autostart.State.Starts = true;
+  window_.ShowModeless();
+  EXPECT_TRUE(Find<QCheckBox>(window_, "chkAutostart").isChecked());
+}
+
+TEST_F(FrmConfigTest, WhyThereIsNoTestIsSaidOfItsButton) {
+  recording_ = true;
+  window_.ShowModeless();
+  Play(500ms, 3277);
+  const auto& test = Find<QPushButton>(window_, "cmdTest");
+  EXPECT_FALSE(test.isEnabled());
+  EXPECT_EQ(test.accessibleDescription(), "Something is being recorded; test when that is over.");
+  EXPECT_EQ(Find<QLabel>(window_, "lblTest").text(), test.accessibleDescription());
 }
 
 TEST_F(FrmConfigTest, OnlyTheFirstRunShowsAWelcome) {

@@ -341,6 +341,35 @@ TEST_F(UnitWindowsTest, ASavedConfigurationTakesEffect) {
   EXPECT_EQ(rig.Unit->State().Settings.FileFormat, "OGG");
 }
 
+TEST_F(UnitWindowsTest, AnInputThatCannotBeHadTwiceIsTestedThroughTheRecorderWhichLosesNothing) {
+  rig.Inputs.Sharing = false;
+  rig.Unit.StartIdle();
+  rig.Choose("mnuPreferences");
+  rig.Run(1s);
+  QWidget& window = rig.Window(WindowName::Config);
+  EXPECT_TRUE(Find<QLabel>(window, "lblInputLevel").text().endsWith("dB") ||
+              Find<QLabel>(window, "lblInputLevel").text().startsWith("Too loud"));
+  EXPECT_THAT(rig.Inputs.Opened, IsEmpty());
+  Press(window, "cmdTest");
+  rig.Run(6s);
+  ASSERT_EQ(rig.Shell.Opened.size(), 1U);
+  EXPECT_EQ(Find<QLabel>(window, "lblTest").text(), "Recorded; your player plays it.");
+  EXPECT_EQ(rig.Unit.Sound.TimesOpened(), 1);
+  EXPECT_EQ(rig.Unit.Sound.FramesDropped(), 0);
+  Press(window, "cmdCancel");
+  rig.Run(200ms);
+  EXPECT_FALSE(rig.Unit.Files.Exists(rig.Shell.Opened.front()));
+}
+
+TEST_F(UnitWindowsTest, WhileSomethingIsRecordedTheConfigurationTestsNoInput) {
+  rig.Unit.StartIdle();
+  rig.Unit->cmdRecord();
+  rig.Choose("mnuPreferences");
+  rig.Run(1s);
+  EXPECT_EQ(rig.Inputs.OpenId, "radio") << "its level is shown all the same";
+  EXPECT_FALSE(Find<QWidget>(rig.Window(WindowName::Config), "cmdTest").isEnabled());
+}
+
 TEST_F(UnitWindowsTest, TheRadioIdIsShownUntilItIsAnswered) {
   rig.Unit.Radio.Identifier = "AB<2&CD3";
   rig.Unit.StartIdle();

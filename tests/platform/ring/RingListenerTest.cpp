@@ -58,8 +58,9 @@ TEST_F(RingListenerTest, AnotherDeviceGetsASourceOfItsOwnAndNothingOfTheOldOne) 
   EXPECT_EQ(made_, 2);
   EXPECT_EQ(source_->OpenFormat(), (PcmFormat{16000, 1}));
   EXPECT_THAT(listener_.Take(), IsEmpty());
+  loop_.Run(1s);
   listener_.Close();
-  EXPECT_THAT(listener_.Take(), IsEmpty());
+  EXPECT_THAT(listener_.Take(), IsEmpty()) << "nothing is open";
 }
 
 TEST_F(RingListenerTest, ADeviceThatDoesNotOpenSaysWhyAndIsTriedAgain) {
