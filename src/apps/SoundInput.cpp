@@ -23,19 +23,24 @@ std::unique_ptr<platform::InputListener> ListenerOf(bool shares, const Arguments
       [arguments...] { return std::make_unique<Source>(arguments...); }, shares);
 }
 
+SoundInput Made(std::unique_ptr<platform::SoundSource> source, std::unique_ptr<platform::Mixer> mixer,
+                std::unique_ptr<platform::InputListener> listener) {
+  SoundInput input;
+  input.Source = std::move(source);
+  input.Mixer = std::move(mixer);
+  input.Listener = std::move(listener);
+  return input;
+}
+
 SoundInput FromServer(
     std::unique_ptr<platform::PulseSource> server = std::make_unique<platform::PulseSource>()) {
-  return {std::move(server),
-          std::make_unique<platform::PulseMixer>(),
-          ListenerOf<platform::PulseSource>(true),
-          {}};
+  return Made(std::move(server), std::make_unique<platform::PulseMixer>(),
+              ListenerOf<platform::PulseSource>(true));
 }
 
 SoundInput FromAlsa() {
-  return {std::make_unique<platform::AlsaSource>(),
-          std::make_unique<platform::AlsaMixer>(),
-          ListenerOf<platform::AlsaSource>(false),
-          {}};
+  return Made(std::make_unique<platform::AlsaSource>(), std::make_unique<platform::AlsaMixer>(),
+              ListenerOf<platform::AlsaSource>(false));
 }
 
 }  // namespace
@@ -46,14 +51,13 @@ SoundInput MakeSoundSource(std::string_view choice) {
   if (choice == "alsa") return FromAlsa();
   if (choice.size() > kPipe.size() && choice.substr(0, kPipe.size()) == kPipe) {
     const std::string path(choice.substr(kPipe.size()));
-    return {std::make_unique<platform::PipeSource>(path),
-            std::make_unique<platform::NoMixer>(),
-            ListenerOf<platform::PipeSource>(false, path),
-            {}};
+    return Made(std::make_unique<platform::PipeSource>(path), std::make_unique<platform::NoMixer>(),
+                ListenerOf<platform::PipeSource>(false, path));
   }
   if (!choice.empty()) {
-    return {nullptr, nullptr, nullptr,
-            fmt::format("unknown sound input \"{}\": it is pulse, alsa or pipe:PATH", choice)};
+    SoundInput wrong;
+    wrong.Error = fmt::format("unknown sound input \"{}\": it is pulse, alsa or pipe:PATH", choice);
+    return wrong;
   }
   auto server = std::make_unique<platform::PulseSource>();
   return server->Reachable() ? FromServer(std::move(server)) : FromAlsa();

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/pulse/PulseSource.h"
+#include "platform/ring/RingListener.h"
 #include "platform/ring/RingRecorder.h"
 #include "platform/sound/CollectingSink.h"
 #include "platform/sound/FrameLedger.h"
@@ -162,6 +163,57 @@ TEST_F(PulseSourceTest, TwoHundredCutsOfARealServersSoundLoseAndDoubleNothing) {
   EXPECT_EQ(ledger.Silent, 0U);
   EXPECT_EQ(recorder.FramesLost(), lostAtStart);
   std::cout << cuts << " cuts, " << ledger.Heard << " frames in a row\n";
+}
+
+TEST_F(PulseSourceTest, AListenerThatComesAndGoesTakesNothingFromTheRecorderOfTheSameDevice) {
+  PulseSource source(Server.Server());
+  RingRecorder recorder(Loop, source);
+  std::vector<std::int16_t> taken;
+  recorder.SetBlockHandler([&] {
+    const auto block = recorder.GetBlock();
+    taken.insert(taken.end(), block.begin(), block.end());
+  });
+  ASSERT_EQ(recorder.DeviceCount(), 6);
+  recorder.SetDeviceIndex(4);
+  recorder.SetFormat({44100, 2});
+  EXPECT_EQ(recorder.OpenDeviceId(), "");
+  ASSERT_EQ(recorder.StartRecording().Number, RingRecorder::kStarted);
+  EXPECT_EQ(recorder.OpenDeviceId(), "radio.monitor");
+  ASSERT_TRUE(Loop.RunUntil([&] { return !taken.empty(); }, milliseconds(10000)));
+  // The idle device had planned to sleep.
+  const std::int64_t lostAtStart = recorder.FramesLost();
+  auto player = Server.Play(Numbers(44100 * 60));
+  Loop.Run(milliseconds(1000));
+
+  RingListener listener([this] { return std::make_unique<PulseSource>(Server.Server()); }, true);
+  for (int round = 0; round < 6; ++round) {
+    const bool same = round % 2 == 0;
+    ASSERT_TRUE(listener.Open(same ? "radio.monitor" : "a_input", {44100, 2}));
+    std::vector<std::int16_t> heard;
+    ASSERT_TRUE(Loop.RunUntil(
+        [&] {
+          const std::vector<std::int16_t> more = listener.Take();
+          heard.insert(heard.end(), more.begin(), more.end());
+          return heard.size() > 2 * 44100U;
+        },
+        milliseconds(10000)));
+    if (same) {
+      FrameLedger ledger;
+      ledger.Add(SimulatedSoundSource::FrameNumbers(heard));
+      EXPECT_GT(ledger.Heard, 40000U) << "it hears the same sound";
+      EXPECT_EQ(ledger.Lost, 0U);
+    }
+    if (round == 3) listener.Close();
+  }
+  recorder.Stop();
+  FrameLedger ledger;
+  ledger.Add(SimulatedSoundSource::FrameNumbers(taken));
+  EXPECT_EQ(ledger.First, 1U);
+  EXPECT_GT(ledger.Heard, 44100U * 2);
+  EXPECT_EQ(ledger.Lost, 0U);
+  EXPECT_EQ(ledger.Doubled, 0U);
+  EXPECT_EQ(ledger.Silent, 0U);
+  EXPECT_EQ(recorder.FramesLost(), lostAtStart);
 }
 
 TEST_F(PulseSourceTest, AServerThatIsKilledAndComesBackIsRecordedOn) {

@@ -1,9 +1,16 @@
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "apps/SoundInput.h"
 #include "platform/alsa/AlsaMixer.h"
 #include "platform/alsa/AlsaSource.h"
 #include "platform/pipe/PipeSource.h"
+#include "platform/posix/TemporaryFolder.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSource.h"
 #include "support/PrivatePulse.h"
@@ -33,6 +40,26 @@ TEST(SoundInput, ItsMixerGoesWithIt) {
   ASSERT_NE(none, nullptr);
   none->Open("/some/where");
   EXPECT_EQ(none->LineCount(), -1);
+}
+
+TEST(SoundInput, OnlyASoundServerLetsAnInputBeHeardTwice) {
+  EXPECT_TRUE(MakeSoundSource("pulse").Listener->Shares());
+  EXPECT_FALSE(MakeSoundSource("alsa").Listener->Shares());
+  EXPECT_FALSE(MakeSoundSource("pipe:/some/where").Listener->Shares());
+}
+
+TEST(SoundInput, AListenerHearsTheSameInputsAsTheSource) {
+  const test::TemporaryFolder folder;
+  test::PutFile(folder / "sound", std::string(1 << 20, 'x'));
+  const auto listener = MakeSoundSource("pipe:" + (folder / "sound")).Listener;
+  ASSERT_TRUE(listener->Open(folder / "sound", {44100, 2}));
+  std::vector<std::int16_t> heard;
+  for (int tries = 0; tries < 100 && heard.empty(); ++tries) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    heard = listener->Take();
+  }
+  ASSERT_FALSE(heard.empty());
+  EXPECT_EQ(heard.front(), 0x7878);
 }
 
 TEST(SoundInput, AnythingElseIsRefusedWithAReason) {
