@@ -17,6 +17,7 @@ struct NowLines {
   std::string lblArtist = {};
   std::string lblSong = {};
   std::string Status = {};  ///< the recorder's state with the length of a recording; plain
+  bool Locked = false;      ///< the buttons tune to nothing until the recording stops
 
   bool operator==(const NowLines&) const = default;
 };

@@ -94,7 +94,8 @@ NowLines UnitPresenters::LinesOfNow() const {
   return {.lblChannel = window.lblChannel.Caption,
           .lblArtist = window.lblArtist.Caption,
           .lblSong = window.lblSong.Caption,
-          .Status = StatusLine(window, Explanation())};
+          .Status = StatusLine(window, Explanation()),
+          .Locked = window.ChannelLocked};
 }
 
 std::shared_ptr<Scheduler> UnitPresenters::OpenScheduler() {

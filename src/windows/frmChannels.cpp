@@ -16,6 +16,7 @@
 #include "windows/ChannelGridModel.h"
 #include "windows/ChannelView.h"
 #include "windows/HotKeys.h"
+#include "windows/LockMark.h"
 #include "windows/Placement.h"
 #include "windows/RememberedPlace.h"
 #include "windows/RowMenu.h"
@@ -49,6 +50,7 @@ frmChannels::frmChannels(presenters::ChannelChooser& rules, presenters::ChannelL
       section_(section),
       txtSearch_(new QLineEdit(this)),
       lblFound_(new QLabel(this)),
+      boxLock_(new LockMark(this)),
       chkFavouritesFirst_(new QCheckBox(tr("Favourites fi&rst"), this)),
       model_(new ChannelGridModel(listing, this)),
       grdChannels_(new ChannelView(this)),
@@ -81,6 +83,7 @@ QHBoxLayout* frmChannels::MakeSearchLine() {
   connect(txtSearch_, &QLineEdit::textChanged, this, &frmChannels::Search);
   Name(*lblFound_, "lblFound");
   lblFound_->hide();
+  boxLock_->hide();
   Name(*chkFavouritesFirst_, "chkFavouritesFirst",
        "List the channels before the others that are marked in their menu");
   connect(chkFavouritesFirst_, &QCheckBox::clicked, this, [this](bool first) {
@@ -96,6 +99,7 @@ QHBoxLayout* frmChannels::MakeSearchLine() {
   line->addStrut(kSearchLine);
   line->addWidget(txtSearch_, 1);
   line->addWidget(lblFound_);
+  line->addWidget(boxLock_);
   line->addWidget(chkFavouritesFirst_);
   return line;
 }
@@ -135,6 +139,7 @@ void frmChannels::BindList() {
 void frmChannels::Refresh() {
   const bool opens = rules_.Grid().Enabled && !isEnabled();
   ShowEnabled(*this, rules_.Grid().Enabled);
+  ShowVisible(*boxLock_, !rules_.MayTune());
   // A disabled window loses its focus and does not regain it by itself.
   if (opens) grdChannels_->setFocus();
   const bool inView = grdChannels_->ShowsSelectedRow();

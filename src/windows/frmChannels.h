@@ -18,6 +18,7 @@ namespace kestrune::windows {
 
 class ChannelGridModel;
 class ChannelView;
+class LockMark;
 class RowMenu;
 
 /// The list of all channels and what they play, under a line that searches it. It lives as long as the program; a close
@@ -61,6 +62,7 @@ class frmChannels final : public QWidget {
   const config::SettingsSection& section_;
   QLineEdit* txtSearch_;
   QLabel* lblFound_;
+  LockMark* boxLock_;
   QCheckBox* chkFavouritesFirst_;
   ChannelGridModel* model_;
   ChannelView* grdChannels_;

@@ -18,7 +18,6 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "presenters/ChannelLock.h"
 #include "presenters/WindowTable.h"
 #include "windows/AudioDisplay.h"
 #include "windows/Binding.h"
@@ -29,6 +28,7 @@
 #include "windows/FittedPage.h"
 #include "windows/HotKeys.h"
 #include "windows/KeptList.h"
+#include "windows/LockMark.h"
 #include "windows/MarkIcon.h"
 
 namespace kestrune::windows {
@@ -240,7 +240,9 @@ QWidget* frmKestrune::MakeSong() {
   lblSong_ = add(
       "lblcSong", "Song:",
       MakeElided("lblSong", kSongLetters, group, "Song", "Click to add this song to the Grab or Kill list"));
-  grid->addWidget(MakeLock(group), 0, 2);
+  boxLock_ = new LockMark(group);
+  KeepRoom(*boxLock_);
+  grid->addWidget(boxLock_, 0, 2);
   pbrSong_ = MakeBar("pbrSong", "Song so far", group);
   pbrSong_->setRange(0, presenters::SongProgress::kEnd);
   KeepRoom(*pbrSong_);
@@ -265,20 +267,6 @@ QWidget* frmKestrune::MakeSong() {
     if (OfferForList) OfferForList("Song", rules_.Window().lblSong.Caption);
   });
   return group;
-}
-
-QWidget* frmKestrune::MakeLock(QWidget* parent) {
-  boxLock_ = new QWidget(parent);
-  Name(*boxLock_, "boxLock", presenters::kChannelLockedWhy);
-  auto* row = new QHBoxLayout(boxLock_);
-  row->setContentsMargins(0, 0, 0, 0);
-  auto* padlock = new QLabel(boxLock_);
-  const int size = boxLock_->fontMetrics().height() + 2;
-  padlock->setPixmap(MarkIcon(Mark::Padlock, WarningColour(palette())).pixmap(size, size));
-  row->addWidget(padlock);
-  row->addWidget(MakeLabel("lblLock", presenters::kChannelLocked.data(), boxLock_));
-  KeepRoom(*boxLock_);
-  return boxLock_;
 }
 
 QWidget* frmKestrune::MakeSignal() {

@@ -87,8 +87,6 @@ class frmKestrune final : public QMainWindow {
   void MakeMenus();
   void MakeControls();
   [[nodiscard]] QWidget* MakeSong();
-  /// The padlock and what it says.
-  [[nodiscard]] QWidget* MakeLock(QWidget* parent);
   [[nodiscard]] QWidget* MakeSignal();
   [[nodiscard]] QWidget* MakeRecording();
   [[nodiscard]] QWidget* MakeLevels();

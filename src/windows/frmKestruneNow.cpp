@@ -13,6 +13,7 @@
 #include "windows/Binding.h"
 #include "windows/ElidedLabel.h"
 #include "windows/HotKeys.h"
+#include "windows/LockMark.h"
 #include "windows/NowButtonFace.h"
 #include "windows/RememberedPlace.h"
 
@@ -63,6 +64,12 @@ double MagnificationFor(QSize window) {
   return std::max(1.0, 1 + times - kUnmagnified);
 }
 
+void Enlarge(QWidget& widget, double points) {
+  QFont font = widget.font();
+  font.setPointSizeF(points);
+  if (font != widget.font()) widget.setFont(font);
+}
+
 // Returns true if the label showed something else.
 bool ShowLine(QLabel& label, const std::string& caption) {
   // A label without a buddy does not treat "&" as a mark, so "&&" would show as two.
@@ -82,7 +89,8 @@ frmKestruneNow::frmKestruneNow(presenters::NowScreen& rules, presenters::Presets
       lblChannel_(MakeLine(this, "lblChannel", "Channel")),
       lblArtist_(MakeLine(this, "lblArtist", "Artist")),
       lblSong_(MakeLine(this, "lblSong", "Song")),
-      lblStatus_(new ElidedLabel(kStatusLetters, this, QStringLiteral("Status"))) {
+      lblStatus_(new ElidedLabel(kStatusLetters, this, QStringLiteral("Status"))),
+      boxLock_(new LockMark(this)) {
   setObjectName(QStringLiteral("frmKestruneNow"));
   setWindowTitle(QStringLiteral("Kestrune Now"));
   setAttribute(Qt::WA_DeleteOnClose);
@@ -90,6 +98,7 @@ frmKestruneNow::frmKestruneNow(presenters::NowScreen& rules, presenters::Presets
   points_.fill(kFirstFont);
   Name(*lblStatus_, "lblStatus");
   lblStatus_->setFont(lblChannel_->font());
+  boxLock_->hide();
 
   QFont font = lblChannel_->font();
   font.setBold(true);
@@ -123,6 +132,7 @@ void frmKestruneNow::Refresh() {
     if (button.accessibleName() != spoken) button.setAccessibleName(spoken);
   }
   ShowText(*lblStatus_, rules_.Lines().Status);
+  ShowVisible(*boxLock_, rules_.Lines().Locked);
   if (changed) LayOut();
 }
 
@@ -131,26 +141,29 @@ void frmKestruneNow::LayOut() {
   const auto height = static_cast<int>(std::lround(this->height() / magnified));
   const int firstRow = height - kLastRowFromBottom - (kRows - 1) * kRowStep;
   LayOutButtons(firstRow, magnified);
+  LayOutStrip(magnified);
   LayOutLines(firstRow, magnified);
 }
 
 void frmKestruneNow::LayOutButtons(int firstRow, double magnified) {
   const auto drawn = [magnified](int length) { return static_cast<int>(std::lround(length * magnified)); };
-  const auto enlarge = [magnified](QWidget& widget, float points) {
-    QFont font = widget.font();
-    font.setPointSizeF(points * magnified);
-    if (font != widget.font()) widget.setFont(font);
-  };
   const int width = (this->width() - 2 * kMargin - (kColumns - 1) * kGap) / kColumns;
   for (int i = 0; i < presenters::Presets::kCount; ++i) {
     NowButtonFace& button = *cmdPresetStation_.at(static_cast<std::size_t>(i));
-    enlarge(button, kButtonFont);
+    Enlarge(button, kButtonFont * magnified);
     button.setGeometry(kMargin + i / kRows * (width + kGap), drawn(firstRow + i % kRows * kRowStep), width,
                        drawn(kButtonHeight));
   }
-  enlarge(*lblStatus_, kStatusFont);
-  lblStatus_->setGeometry(kMargin, this->height() - drawn(kStrip), this->width() - 2 * kMargin,
-                          drawn(kStrip));
+}
+
+void frmKestruneNow::LayOutStrip(double magnified) {
+  for (QWidget* widget : {static_cast<QWidget*>(lblStatus_), static_cast<QWidget*>(boxLock_)})
+    Enlarge(*widget, kStatusFont * magnified);
+  const auto height = static_cast<int>(std::lround(kStrip * magnified));
+  const int lock = boxLock_->sizeHint().width();
+  const int room = width() - 3 * kMargin - lock;
+  lblStatus_->setGeometry(kMargin, this->height() - height, room, height);
+  boxLock_->setGeometry(2 * kMargin + room, this->height() - height, lock, height);
 }
 
 void frmKestruneNow::LayOutLines(int firstRow, double magnified) {

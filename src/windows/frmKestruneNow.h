@@ -13,6 +13,7 @@ class QLabel;
 namespace kestrune::windows {
 
 class ElidedLabel;
+class LockMark;
 class NowButtonFace;
 
 /// What plays now, in letters large enough to read from afar: a window that is larger than designed is that picture
@@ -40,6 +41,7 @@ class frmKestruneNow final : public QWidget {
   void LayOut();
   // `firstRow` is the top of the first buttons, in pixels of the designed size, of which each is drawn as `magnified` pixels.
   void LayOutButtons(int firstRow, double magnified);
+  void LayOutStrip(double magnified);
   void LayOutLines(int firstRow, double magnified);
 
   presenters::NowScreen& rules_;
@@ -48,6 +50,7 @@ class frmKestruneNow final : public QWidget {
   QLabel* lblArtist_;
   QLabel* lblSong_;
   ElidedLabel* lblStatus_;
+  LockMark* boxLock_;
   std::array<float, 3> points_{};  // of the letters of the three lines at the designed size
   std::array<NowButtonFace*, presenters::Presets::kCount> cmdPresetStation_{};
 };

@@ -98,10 +98,12 @@ TEST_F(StartupTest, TheNowWindowShowsWhatTheMainWindowShows) {
   EXPECT_EQ(rig.Rules->NowWindow().Lines().lblSong, "Innuendo");
   EXPECT_EQ(rig.Rules->NowWindow().Lines().lblChannel, rig.Window().lblChannel.Caption);
   EXPECT_EQ(rig.Rules->NowWindow().Lines().Status, "Not recording.");
+  EXPECT_FALSE(rig.Rules->NowWindow().Lines().Locked);
   rig.Unit->cmdRecord();
   rig.Run(3s);
   EXPECT_THAT(rig.Rules->NowWindow().Lines().Status,
               ::testing::MatchesRegex("Recording 00:00:0[0-9] - This song is kept .*"));
+  EXPECT_TRUE(rig.Rules->NowWindow().Lines().Locked);
 }
 
 TEST_F(StartupTest, TheIdentifierIsKnownOnceTheRadioIsFound) {

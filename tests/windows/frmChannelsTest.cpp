@@ -242,6 +242,21 @@ TEST_F(frmChannelsTest, AClickDuringRecordingIsOneSoundAndTheSelectionJumpsBack)
   EXPECT_TRUE(Wrote({}));
 }
 
+TEST_F(frmChannelsTest, TheLockStandsAboveTheRowsWhileTheyTuneToNothing) {
+  Open();
+  const auto& lock = Find<QWidget>(*window, "boxLock");
+  EXPECT_FALSE(lock.isVisible());
+  recording = true;
+  window->Refresh();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(lock.isVisible());
+  EXPECT_LE(lock.geometry().bottom(), view->geometry().top());
+  EXPECT_FALSE(lock.toolTip().isEmpty());
+  recording = false;
+  window->Refresh();
+  EXPECT_FALSE(lock.isVisible());
+}
+
 TEST_F(frmChannelsTest, AnArrowKeyDuringRecordingIsASoundAndTheSelectionJumpsBack) {
   Open();
   recording = true;

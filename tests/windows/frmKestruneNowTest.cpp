@@ -218,7 +218,8 @@ TEST_F(frmKestruneNowTest, ALargeWindowIsThePictureMagnifiedWithButtonsAsWideAsI
     EXPECT_EQ(Button(0)->font().pointSizeF(), 12) << size.width();
     EXPECT_EQ(Button(0)->height(), 64);
     EXPECT_EQ(Button(3)->y(), size.height() - 1440 / 15);
-    EXPECT_NEAR(Button(8)->geometry().right(), size.width() - 7, 2) << "the last column ends at the window's edge";
+    EXPECT_NEAR(Button(8)->geometry().right(), size.width() - 7, 2)
+        << "the last column ends at the window's edge";
   }
   // Twice as large as what is shown as designed, and a quarter.
   window->resize(2 * 648 + 162, 2 * 560 + 140);
@@ -249,6 +250,26 @@ TEST_F(frmKestruneNowTest, UnderTheButtonsStandsWhatBecomesOfTheSong) {
   shown.Status = "Not recording.";
   Second();
   EXPECT_EQ(Line("lblStatus")->text().toStdString(), shown.Status);
+}
+
+TEST_F(frmKestruneNowTest, TheLockShowsWhileTheButtonsTuneToNothing) {
+  Open();
+  const auto* lock = window->findChild<QWidget*>(QStringLiteral("boxLock"));
+  ASSERT_NE(lock, nullptr);
+  EXPECT_FALSE(lock->isVisible());
+  shown.Locked = true;
+  Second();
+  EXPECT_TRUE(lock->isVisible());
+  for (const QSize size : {QSize(648, 372), QSize(1600, 1000)}) {
+    window->resize(size);
+    QCoreApplication::processEvents();
+    EXPECT_GT(lock->x(), Line("lblStatus")->geometry().right());
+    EXPECT_LT(lock->geometry().right(), size.width());
+    EXPECT_GE(lock->width(), lock->sizeHint().width());
+  }
+  shown.Locked = false;
+  Second();
+  EXPECT_FALSE(lock->isVisible());
 }
 
 // Keys and closing.
