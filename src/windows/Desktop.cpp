@@ -17,6 +17,7 @@
 #include "windows/Binding.h"
 #include "windows/Placement.h"
 #include "windows/ProgramIcon.h"
+#include "windows/SpokenWindow.h"
 
 namespace kestrune::windows {
 namespace {
@@ -45,7 +46,9 @@ presenters::WindowState StateOf(const QWidget& window) {
 
 }  // namespace
 
-Desktop::Desktop(Outside outside) : outside_(std::move(outside)) {}
+Desktop::Desktop(Outside outside) : outside_(std::move(outside)) {
+  SpeakWindows();
+}
 
 Desktop::~Desktop() {
   Detach();

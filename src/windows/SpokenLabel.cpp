@@ -1,6 +1,7 @@
 #include "windows/SpokenLabel.h"
 
 #include <QAccessibleWidget>
+#include <QTimer>
 
 #include "windows/ElidedLabel.h"
 
@@ -27,7 +28,8 @@ class SpokenLabel final : public QAccessibleWidget {
   }
   void doAction(const QString& name) override {
     if (name == pressAction()) {
-      label_.Activate();
+      // It may open a window that waits for an answer, and the reader must not.
+      QTimer::singleShot(0, &label_, [&label = label_] { label.Activate(); });
     } else {
       QAccessibleWidget::doAction(name);
     }

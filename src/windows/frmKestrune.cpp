@@ -247,6 +247,7 @@ QWidget* frmKestrune::MakeSong() {
   pbrSong_->setRange(0, presenters::SongProgress::kEnd);
   KeepRoom(*pbrSong_);
   // As high as the line that it stands in.
+  pbrSong_->hide();
   pbrSong_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
   lblSoFar_ = MakeLabel("lblSoFar", "", group);
   lblSoFar_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

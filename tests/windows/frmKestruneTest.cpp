@@ -356,6 +356,8 @@ TEST_F(frmKestruneTest, AScreenReaderPressesTheArtistLikeAButton) {
   ASSERT_NE(actions, nullptr);
   ASSERT_TRUE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
   actions->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(offered, 0) << "the reader would wait for the answer";
+  QCoreApplication::processEvents();
   EXPECT_EQ(offered, 1);
   EXPECT_FALSE(Interface("lblGenre")
                    .actionInterface()
@@ -657,6 +659,28 @@ TEST_F(frmKestruneTest, AScheduledEventShowsItsMarkAndTheTimeLeft) {
   EXPECT_FALSE(Hidden("pctTimer"));
   EXPECT_FALSE(Hidden("lblcRemaining"));
   EXPECT_EQ(Text("lblRemaining"), "01:02:03");
+}
+
+TEST_F(frmKestruneTest, AScreenReaderTogglesABoxLikeAHand) {
+  rig.Unit.StartIdle();
+  auto& spoken = Interface("chkSievanceGrab");
+  EXPECT_EQ(spoken.role(), QAccessible::CheckBox);
+  EXPECT_EQ(Spoken("chkSievanceGrab"), "Grab List On");
+  EXPECT_FALSE(spoken.state().checked);
+  EXPECT_TRUE(spoken.state().focusable);
+  spoken.actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  Settle();
+  Settle();
+  EXPECT_TRUE(rig.Unit->State().Settings.SievanceGrab != 0) << "it was ticked, and nothing came of it";
+  EXPECT_TRUE(spoken.state().checked);
+}
+
+TEST_F(frmKestruneTest, AScreenReaderTakesWindowsForWindows) {
+  EXPECT_EQ(Interface("AudioDisplay").role(), QAccessible::Graphic);
+  QWidget window;
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&window)->role(), QAccessible::Window);
+  QWidget part(&window);
+  EXPECT_NE(QAccessible::queryAccessibleInterface(&part)->role(), QAccessible::Window);
 }
 
 TEST_F(frmKestruneTest, EveryControlThatTakesInputIsReachedByTheTabKey) {
