@@ -45,14 +45,14 @@ SoundInput FromAlsa() {
 
 }  // namespace
 
-SoundInput MakeSoundSource(std::string_view choice) {
+SoundInput MakeSoundSource(std::string_view choice, std::string_view pipeName) {
   constexpr std::string_view kPipe = "pipe:";
   if (choice == "pulse") return FromServer();
   if (choice == "alsa") return FromAlsa();
   if (choice.size() > kPipe.size() && choice.substr(0, kPipe.size()) == kPipe) {
     const std::string path(choice.substr(kPipe.size()));
-    return Made(std::make_unique<platform::PipeSource>(path), std::make_unique<platform::NoMixer>(),
-                ListenerOf<platform::PipeSource>(false, path));
+    return Made(std::make_unique<platform::PipeSource>(path, std::string(pipeName)),
+                std::make_unique<platform::NoMixer>(), ListenerOf<platform::PipeSource>(false, path));
   }
   if (!choice.empty()) {
     SoundInput wrong;

@@ -18,7 +18,8 @@ struct SoundInput {
 };
 
 /// Where sound comes from, by the text of the option --audio: "pulse", "alsa" or "pipe:PATH". An empty text
-/// takes a sound server if one answers, and ALSA if not; finding out may take 5 s.
-[[nodiscard]] SoundInput MakeSoundSource(std::string_view choice);
+/// takes a sound server if one answers, and ALSA if not; finding out may take 5 s. A pipe is shown as `pipeName`, or as its
+/// path if that is empty.
+[[nodiscard]] SoundInput MakeSoundSource(std::string_view choice, std::string_view pipeName = {});
 
 }  // namespace kestrune::apps

@@ -103,7 +103,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   platform::PosixProcesses processes(loop);
   platform::LoginInhibitor sleepInhibitor;
   const std::unique_ptr<Face> face = makeFace(loop, environment);
-  const SoundInput input = MakeSoundSource(SoundChoice(options));
+  const SoundInput input = MakeSoundSource(SoundChoice(options), options.Demo ? "Demonstration" : "");
   if (input.Source == nullptr) {
     Say(input.Error);
     return kFailed;

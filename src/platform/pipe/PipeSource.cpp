@@ -166,12 +166,12 @@ class PipeSource::Reader {
   std::thread thread_;
 };
 
-PipeSource::PipeSource(std::string path) : path_(std::move(path)) {}
+PipeSource::PipeSource(std::string path, std::string name) : path_(std::move(path)), name_(std::move(name)) {}
 
 PipeSource::~PipeSource() = default;
 
 std::vector<SoundDevice> PipeSource::Devices() {
-  return {{path_, path_}};
+  return {{name_.empty() ? path_ : name_, path_}};
 }
 
 bool PipeSource::Usable(const std::string& id) {

@@ -19,7 +19,8 @@ class PipeSource final : public SoundSource {
  public:
   static constexpr PcmFormat kFileFormat{44100, 2};
 
-  explicit PipeSource(std::string path);
+  /// Its device has that name for people; the path where that is empty.
+  explicit PipeSource(std::string path, std::string name = {});
   ~PipeSource() override;
 
   [[nodiscard]] std::vector<SoundDevice> Devices() override;
@@ -30,6 +31,7 @@ class PipeSource final : public SoundSource {
  private:
   class Reader;
   const std::string path_;
+  const std::string name_;
   std::unique_ptr<Reader> reader_;
 };
 

@@ -32,6 +32,13 @@ TEST(SoundInput, TheTextNamesTheKind) {
   EXPECT_EQ(pipe.Source->Devices().at(0).Id, "/some/where:else");
 }
 
+TEST(SoundInput, APipeMayHaveANameForPeople) {
+  EXPECT_EQ(MakeSoundSource("pipe:/some/where").Source->Devices().at(0).Name, "/some/where");
+  const SoundInput named = MakeSoundSource("pipe:/some/where", "Demonstration");
+  EXPECT_EQ(named.Source->Devices().at(0).Name, "Demonstration");
+  EXPECT_EQ(named.Source->Devices().at(0).Id, "/some/where");
+}
+
 TEST(SoundInput, ItsMixerGoesWithIt) {
   const auto mixerOf = [](const char* text) { return MakeSoundSource(text).Mixer; };
   EXPECT_NE(dynamic_cast<platform::PulseMixer*>(mixerOf("pulse").get()), nullptr);
