@@ -26,7 +26,7 @@
 #include "platform/posix/WorkerFileSync.h"
 #include "platform/qt/QtSerialPort.h"
 #include "platform/qt/SignalWatch.h"
-#include "platform/qtdbus/LoginInhibitor.h"
+#include "platform/qtdbus/DesktopInhibitor.h"
 #include "platform/qtlocal/LocalControlSocket.h"
 #include "platform/qtweb/QtWeb.h"
 #include "platform/sqlite/SqliteHistoryStore.h"
@@ -101,7 +101,7 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   platform::SerialEnumerator serialEnumerator;
   platform::QtWeb web;
   platform::PosixProcesses processes(loop);
-  platform::LoginInhibitor sleepInhibitor;
+  platform::DesktopInhibitor sleepInhibitor;
   const std::unique_ptr<Face> face = makeFace(loop, environment);
   const SoundInput input = MakeSoundSource(SoundChoice(options), options.Demo ? "Demonstration" : "");
   if (input.Source == nullptr) {

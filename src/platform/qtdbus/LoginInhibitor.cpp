@@ -12,7 +12,8 @@ const QString kIdleAlone = QStringLiteral("idle");
 
 }  // namespace
 
-LoginInhibitor::LoginInhibitor(QDBusConnection bus) : bus_(std::move(bus)) {}
+LoginInhibitor::LoginInhibitor(QDBusConnection bus, std::function<void()> refused)
+    : bus_(std::move(bus)), refused_(std::move(refused)) {}
 
 void LoginInhibitor::Hold(std::string_view why) {
   if (wanted_) return;
@@ -28,7 +29,7 @@ void LoginInhibitor::Release() {
 }
 
 void LoginInhibitor::Ask(const QString& what) {
-  if (!bus_.isConnected()) return;
+  if (!bus_.isConnected()) return refused_();
   QDBusMessage call = QDBusMessage::createMethodCall(
       QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
       QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("Inhibit"));
@@ -50,6 +51,8 @@ void LoginInhibitor::Answered(const QString& what) {
     lock_ = reply.value();
   } else if (what == kAll) {
     Ask(kIdleAlone);
+  } else {
+    refused_();
   }
 }
 

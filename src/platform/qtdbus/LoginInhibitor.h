@@ -4,6 +4,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QString>
+#include <functional>
 #include <memory>
 
 #include "platform/SleepInhibitor.h"
@@ -15,7 +16,10 @@ namespace kestrune::platform {
 /// program's loop, never by the caller.
 class LoginInhibitor final : public SleepInhibitor {
  public:
-  explicit LoginInhibitor(QDBusConnection bus = QDBusConnection::systemBus());
+  /// `refused` is called from the loop, or within Hold, if the service cannot be reached or gives no lock; not after a
+  /// Release.
+  explicit LoginInhibitor(
+      QDBusConnection bus = QDBusConnection::systemBus(), std::function<void()> refused = [] {});
 
   void Hold(std::string_view why) override;
   void Release() override;
@@ -25,6 +29,7 @@ class LoginInhibitor final : public SleepInhibitor {
   void Answered(const QString& what);
 
   QDBusConnection bus_;
+  std::function<void()> refused_;
   QString why_;
   bool wanted_ = false;
   std::unique_ptr<QDBusPendingCallWatcher> asked_;
