@@ -26,6 +26,7 @@ enum class MessageAnswer { Ok, Yes, No, Cancel };
 struct Message {
   std::string Title;
   std::string Text;
+  std::string Details = {};  ///< lines that a user sees on demand; empty for none
   MessageIcon Icon = MessageIcon::Information;
   MessageButtons Buttons = MessageButtons::Ok;
 };

@@ -29,6 +29,9 @@ class SerialPort {
 
   /// Whether there is a device with the number set last; it may be one that cannot be opened.
   [[nodiscard]] virtual bool Exists() const = 0;
+  /// The name under which a user knows the device with the number set last, such as "/dev/ttyUSB0"; empty if the
+  /// number means none.
+  [[nodiscard]] virtual std::string Device() const = 0;
   /// The cause says what to do about a failure: the group to join, the process that holds the device.
   virtual base::Result Open() = 0;
   /// The same without holding up the caller, however long the system takes: a broken adapter can keep an opening

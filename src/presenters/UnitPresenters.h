@@ -19,6 +19,7 @@
 #include "presenters/MainWindow.h"
 #include "presenters/NowScreen.h"
 #include "presenters/OptionRules.h"
+#include "presenters/PleaseWait.h"
 #include "presenters/PresetSetup.h"
 #include "presenters/Presets.h"
 #include "presenters/RecentSongs.h"
@@ -68,6 +69,10 @@ class UnitPresenters final : private recorder::Presentation {
 
   // The other windows.
 
+  /// What Please Wait shows now.
+  [[nodiscard]] PleaseWait PleaseWaitWindow() const {
+    return ShowSearch(unit_.State(), outside_.Loop.SteadyNow());
+  }
   [[nodiscard]] PresetSetup& PresetWindow() { return presetSetup_; }
   [[nodiscard]] ChannelChooser& ChannelsWindow() { return channelChooser_; }
   [[nodiscard]] ChannelListing& ListedChannels() { return channelListing_; }

@@ -141,7 +141,7 @@ class Kestrune final : private radio::ChannelEvents {
   [[nodiscard]] bool FindInputDevices();
   [[nodiscard]] bool Agree();
   [[nodiscard]] StartOutcome ReportNoRadio(const radio::RadioSearch& search);
-  void FailToStart(const std::string& title, const std::string& text);
+  void FailToStart(const std::string& title, const std::string& text, const std::string& details = {});
   void ReadRadioID(std::int16_t port);
   void TuneStoredChannel();
   [[nodiscard]] bool FirstRun();

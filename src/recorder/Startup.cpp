@@ -55,7 +55,11 @@ StartOutcome Kestrune::LoadSteps() {
   tmrUpdate_->SetEnabled(true);
 
   const radio::RadioSearch search =
-      radio_.Link.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum);
+      radio_.Link.FindRadio(forcedPort_ != 0 ? forcedPort_ : state_.Settings.PortNum,
+                            [this](const radio::SearchProgress& progress) {
+                              state_.Search = progress;
+                              outside_.Windows.ShowSearch();
+                            });
   if (state_.Run.ShuttingDown) return StartOutcome::Closed;
   if (!search.Found()) return ReportNoRadio(search);
   history_.Begin();
@@ -164,18 +168,21 @@ bool Kestrune::Agree() {
 
 StartOutcome Kestrune::ReportNoRadio(const radio::RadioSearch& search) {
   whyNoRadio_ = search.AsResult().Cause();
+  const std::vector<std::string> reasons = search.Reasons();
+  if (!search.AnyDevice()) log_.DoLog(reasons.front());
   outside_.Windows.ClosePleaseWait();
   FailToStart(
       "Error connecting to radio",
       "An error has occurred attempting to connect to your satellite radio. Is it connected? Is it turned "
       "on? Do you have any other satellite radio applications running at the same time? Check the "
       "connections and try again." +
-          (search.AnyDevice() ? fmt::format("\n\nReason: {}.", whyNoRadio_) : std::string()));
+          (search.AnyDevice() ? fmt::format("\n\nReason: {}.", whyNoRadio_) : std::string()),
+      fmt::format("{}", fmt::join(reasons, "\n")));
   return StartOutcome::Failed;
 }
 
-void Kestrune::FailToStart(const std::string& title, const std::string& text) {
-  boxes_.Show({.Title = title, .Text = text, .Icon = platform::MessageIcon::Critical},
+void Kestrune::FailToStart(const std::string& title, const std::string& text, const std::string& details) {
+  boxes_.Show({.Title = title, .Text = text, .Details = details, .Icon = platform::MessageIcon::Critical},
               [this](platform::MessageAnswer /*ok*/) {
                 outside_.Windows.RemoveTrayIcon();
                 Close();
@@ -186,7 +193,9 @@ void Kestrune::ReadRadioID(std::int16_t port) {
   config::Settings wished = state_.Settings;
   wished.PortNum = port;
   base::Ignored(settingsDoor_.Change(wished, {"PortNum"}));
-  outside_.Windows.ShowPort(state_.Settings.PortNum);
+  state_.Search.Port = port;
+  state_.Search.Found = true;
+  outside_.Windows.ShowSearch();
   log_.DoLog(fmt::format("Radio found on port {}", state_.Settings.PortNum));
   outside_.Loop.PumpEvents();
   state_.Radio.RadioID = radio_.Link.ReadRadioID();

@@ -7,6 +7,7 @@
 #include "config/settings/Settings.h"
 #include "radio/channels/RadioState.h"
 #include "radio/line/LinkState.h"
+#include "radio/line/SearchProgress.h"
 #include "recorder/Announcement.h"
 #include "recorder/ClockState.h"
 #include "recorder/EndedEvent.h"
@@ -23,7 +24,8 @@ namespace kestrune::recorder {
 struct State {
   base::RunState Run;
   radio::RadioState Radio;
-  radio::LinkStatus Link;  ///< up before the watch over the line begins
+  radio::SearchProgress Search;  ///< of the start; it stays as the search has left it
+  radio::LinkStatus Link;        ///< up before the watch over the line begins
   RecordingState Recording;
   schedule::ScheduleState Schedule;
   /// Entries 1 to 10 at indices 0 to 9, as the last reload left them.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "recorder/WindowName.h"
 
 namespace kestrune::recorder {
@@ -17,7 +15,8 @@ class Windows {
   virtual void PlaceMainWindow() {}
   virtual void HideAndDisableMainWindow() {}
   virtual void ShowPleaseWaitAndSplash() {}
-  virtual void ShowPort(std::int16_t /*port*/) {}
+  /// State::Search has changed. The caller may sleep next, so it is to be shown before this returns.
+  virtual void ShowSearch() {}
   virtual void ClosePleaseWait() {}
   /// Shows the main window, gives it the focus and lets it take no input.
   virtual void ShowMainWindowDisabled() {}

@@ -107,6 +107,7 @@ void Desktop::Refresh() {
   ReadMainWindow();
   ShowMainWindow();
   ShowTray();
+  ShowSearch();
   DropClosed();
   main_->Refresh();
   for (const WindowName name : std::vector(opened_)) {
@@ -243,15 +244,18 @@ void Desktop::Restore() {
 void Desktop::ShowPleaseWaitAndSplash() {
   SetBusyCursor(true);
   pleaseWait_ = std::make_unique<frmPleaseWait>();
+  pleaseWait_->CancelAsked = [this] { unit_->Wishes().Close(); };
+  ShowSearch();
   pleaseWait_->show();
   outside_.Loop.PumpEvents();
   if (pleaseWait_ == nullptr) return;
   ShowAbout();
+  Raise(*pleaseWait_);
   outside_.Loop.PumpEvents();
 }
 
-void Desktop::ShowPort(std::int16_t port) {
-  if (pleaseWait_ != nullptr) pleaseWait_->ShowPort(port);
+void Desktop::ShowSearch() {
+  if (pleaseWait_ != nullptr) pleaseWait_->Refresh(rules_->PleaseWaitWindow());
 }
 
 void Desktop::ClosePleaseWait() {

@@ -76,7 +76,7 @@ class Desktop final : public QObject, public recorder::Windows {
   void PlaceMainWindow() override;
   void HideAndDisableMainWindow() override;
   void ShowPleaseWaitAndSplash() override;
-  void ShowPort(std::int16_t port) override;
+  void ShowSearch() override;
   void ClosePleaseWait() override;
   void ShowMainWindowDisabled() override;
   void LoadChannelsWindow() override;

@@ -95,6 +95,8 @@ QMessageBox* MakeBox(const platform::Message& message) {
                               ButtonsOf(message.Buttons), parent);
   box->setTextFormat(Qt::PlainText);
   KeepLines(*box);
+  // Without details there is no button for them.
+  box->setDetailedText(ToQt(message.Details));
   box->setWindowIcon(ProgramIcon());
   box->setEscapeButton(message.Buttons == MessageButtons::YesNoCancel ? QMessageBox::Cancel
                        : message.Buttons == MessageButtons::YesNo     ? QMessageBox::No

@@ -21,7 +21,7 @@ class CalledWindows final : public recorder::Windows {
   void PlaceMainWindow() override { Calls.emplace_back("place"); }
   void HideAndDisableMainWindow() override { Calls.emplace_back("hide"); }
   void ShowPleaseWaitAndSplash() override { Calls.emplace_back("please wait"); }
-  void ShowPort(std::int16_t port) override { Calls.push_back("port " + std::to_string(port)); }
+  void ShowSearch() override { Calls.emplace_back("search"); }
   void ClosePleaseWait() override { Calls.emplace_back("no please wait"); }
   void LoadChannelsWindow() override { Calls.emplace_back("channels window"); }
   void ShowFirstConfiguration() override { Calls.emplace_back("first configuration"); }
@@ -66,7 +66,7 @@ TEST_F(StartupTest, TheWindowsHaveTheirTurnsInOrder) {
   rig.MeetWindows(windows);
   rig.Start();
   rig.Run(10ms);
-  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "port 1",
+  EXPECT_THAT(windows.Calls, ElementsAre("tray icon", "place", "hide", "please wait", "search", "search",
                                          "no please wait", "channels window", "first configuration", "enable",
                                          "remembered windows", "wait cursor", "normal cursor"));
 }
@@ -306,6 +306,48 @@ TEST_F(StartupTest, WithoutAnySerialDeviceTheMessageGivesNoReason) {
   ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
   EXPECT_THAT(rig.Dialogs.Shown[0].Text, ::testing::EndsWith("Check the connections and try again."));
   EXPECT_FALSE(rig.Logged("No radio on port"));
+}
+
+TEST_F(StartupTest, TheMessageHasTheLinesOfTheLogAsDetails) {
+  rig.Radio.SittingOnPort = 4;
+  rig.Radio.Answers = false;
+  rig.Radio.Obstacles = {{3, "/dev/ttyUSB2: permission denied"}};
+  rig.Start(StartOutcome::Failed);
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Details,
+            "No radio on port 3: /dev/ttyUSB2: permission denied\n"
+            "No radio on port 4: the port opens, but no radio answers");
+}
+
+TEST_F(StartupTest, WithoutAnySerialDeviceDetailsAndLogSaySo) {
+  rig.Radio.SittingOnPort = 0;
+  rig.Start(StartOutcome::Failed);
+  ASSERT_EQ(rig.Dialogs.Shown.size(), 1U);
+  EXPECT_EQ(rig.Dialogs.Shown[0].Details, "No radio: there is no serial device; is the radio plugged in?");
+  EXPECT_THAT(rig.LogTexts(), Contains(rig.Dialogs.Shown[0].Details));
+}
+
+TEST_F(StartupTest, TheSearchIsInTheStateFromItsFirstStepToTheRadio) {
+  class LookingWindows final : public recorder::Windows {
+   public:
+    explicit LookingWindows(UnitRig& rig) : rig_(rig) {}
+    void ShowSearch() override { Seen.push_back(rig_->State().Search); }
+    std::vector<radio::SearchProgress> Seen;
+
+   private:
+    UnitRig& rig_;
+  };
+  LookingWindows looking(rig);
+  rig.Set("PortNum", "3");
+  rig.Radio.SittingOnPort = 7;
+  rig.MeetWindows(looking);
+  rig.Start();
+  ASSERT_EQ(looking.Seen.size(), 2U);
+  EXPECT_EQ(looking.Seen[0].Port, 7);
+  EXPECT_FALSE(looking.Seen[0].Found);
+  EXPECT_EQ(looking.Seen[1].Port, 7);
+  EXPECT_TRUE(looking.Seen[1].Found);
+  EXPECT_TRUE(rig->State().Search.Found);
 }
 
 TEST_F(StartupTest, MiceOnSerialLinesAreDisabledBeforeTheRadioIsSought) {

@@ -36,6 +36,7 @@ class FaultyLine final : public platform::SerialPort {
   void SetSettings(std::string_view settings) override { honest_.SetSettings(settings); }
   void SetReceiveThreshold(int bytes) override { honest_.SetReceiveThreshold(bytes); }
   [[nodiscard]] bool Exists() const override { return honest_.Exists(); }
+  [[nodiscard]] std::string Device() const override { return honest_.Device(); }
   base::Result Open() override { return honest_.Open(); }
   void OpenLater(std::function<void(const base::Result& opened)> done) override {
     honest_.OpenLater(std::move(done));

@@ -75,6 +75,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   [[nodiscard]] bool Exists() const override {
     return !absent_.contains(refusals_.contains(commPort_) ? commPort_ : std::int16_t{0});
   }
+  [[nodiscard]] std::string Device() const override { return "/dev/radio" + std::to_string(commPort_); }
   base::Result Open() override;
   void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;

@@ -67,6 +67,7 @@ class SimulatedReceiver final : public platform::SerialPort {
   void SetSettings(std::string_view settings) override { settings_ = settings; }
   void SetReceiveThreshold(int bytes) override;
   [[nodiscard]] bool Exists() const override { return plugged_ && port_ == setup_.Port; }
+  [[nodiscard]] std::string Device() const override { return "/dev/radio" + std::to_string(port_); }
   base::Result Open() override;
   void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;

@@ -69,6 +69,7 @@ class TestRadio final : public platform::SerialPort {
   [[nodiscard]] bool Exists() const override {
     return (plugged_ && port_ == SittingOnPort) || Obstacles.contains(port_) || Strangers.contains(port_);
   }
+  [[nodiscard]] std::string Device() const override { return "/dev/radio" + std::to_string(port_); }
   base::Result Open() override;
   void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override {

@@ -3,7 +3,9 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QLabel>
 #include <QMenu>
+#include <QProgressBar>
 #include <QTest>
 #include <QTimer>
 #include <chrono>
@@ -251,6 +253,60 @@ TEST_F(DesktopTest, TheTipOfTheTrayIconFollowsTheSong) {
   rig.Unit.NextSong("Salt & Sun", "You & I");
   rig.Run(200ms);
   EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: Recording\nSalt & Sun - You & I"));
+}
+
+/// Calls this with Please Wait at a moment of the search.
+void AtSearch(DesktopRig& rig, std::chrono::milliseconds when, std::function<void(QWidget&)> look) {
+  rig.Unit.Loop.AtHardware(when, [look = std::move(look)] {
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (window->objectName() == QLatin1String("frmPleaseWait")) return look(*window);
+    ADD_FAILURE() << "Please Wait is not there";
+  });
+}
+
+TEST_F(DesktopTest, TheSearchForTheRadioStandsInFrontOfTheAboutWindow) {
+  rig.Unit.Radio.Answers = false;
+  AtSearch(rig, 1s, [](QWidget& window) {
+    QCoreApplication::processEvents();
+    // In front is who was raised last, which has the keys too, among those that stay above all others.
+    EXPECT_TRUE(window.isActiveWindow());
+    EXPECT_TRUE(window.windowFlags() & Qt::WindowStaysOnTopHint);
+  });
+  rig.Unit.Start(StartOutcome::Failed);
+}
+
+TEST_F(DesktopTest, TheSearchNamesThePortFromItsFirstMomentOn) {
+  rig.Unit.Radio.Answers = false;
+  // The first second and a half are a sleep, in which nothing is refreshed.
+  AtSearch(rig, 100ms, [](QWidget& window) {
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("lblPort"))->text(), QStringLiteral("1"));
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("lblStep"))->text(),
+              QStringLiteral("Trying /dev/radio1: attempt 1 of 2"));
+  });
+  int early = -1;
+  AtSearch(rig, 3s, [&early](QWidget& window) {
+    early = window.findChild<QProgressBar*>(QStringLiteral("pbrSearch"))->value();
+  });
+  AtSearch(rig, 5s, [&early](QWidget& window) {
+    EXPECT_GT(window.findChild<QProgressBar*>(QStringLiteral("pbrSearch"))->value(), early);
+  });
+  rig.Unit.Start(StartOutcome::Failed);
+  EXPECT_GT(early, 0);
+}
+
+TEST_F(DesktopTest, CancellingTheSearchClosesTheProgramAsACloseDoes) {
+  rig.Unit.Radio.Answers = false;
+  const auto begun = rig.Unit.Loop.SteadyNow();
+  const auto press = rig.Unit.Loop.MakeTimer(3s, [] {
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (window->objectName() == QLatin1String("frmPleaseWait")) QTest::keyClick(window, Qt::Key_Escape);
+  });
+  press->SetEnabled(true);
+  rig.Unit.Start(StartOutcome::Closed);
+  EXPECT_LT(rig.Unit.Loop.SteadyNow() - begun, 7s) << "no wait of the search is waited for";
+  EXPECT_TRUE(rig.Unit.Loop.RunUntil([&] { return rig.Unit.Closed; }, 20s));
+  EXPECT_TRUE(rig.Unit.Logged("Shutting Down"));
+  EXPECT_THAT(rig.Unit.Dialogs.Shown, IsEmpty());
 }
 
 TEST_F(DesktopTest, TheMenuOfTheTrayTunesToAHint) {

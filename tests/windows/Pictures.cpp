@@ -507,7 +507,10 @@ void TakeSplash(Stage& stage) {
 
 void TakePleaseWait(Stage& stage) {
   windows::frmPleaseWait window;
-  window.ShowPort(1);
+  const std::string device = stage.Extreme
+                                 ? "/dev/serial/by-id/usb-A_Very_Long_Name_Of_A_Serial_Adapter-if00-port0"
+                                 : "/dev/ttyUSB0";
+  window.Refresh({.lblPort = "1", .lblStep = "Searching on " + device + ": round 2 of 4", .pbrSearch = 380});
   stage.Take(window, QStringLiteral("frmPleaseWait"));
 }
 
@@ -526,9 +529,28 @@ void TakeMessage(Stage& stage) {
                                   .Buttons = platform::MessageButtons::YesNo}));
 }
 
+void TakeFailure(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  unit.Radio.Answers = false;
+  unit.Radio.Obstacles = {{3, "/dev/ttyUSB2: permission denied; join the group dialout"}};
+  for (std::int16_t port = 4; stage.Extreme && port <= 16; ++port)
+    unit.Radio.Obstacles[port] = "/dev/radio is in use by gpsd (process 7); close that program first";
+  unit.Start(recorder::StartOutcome::Failed);
+  windows::QtDialogs dialogs("", false);
+  QTimer::singleShot(0, qApp, [&stage] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box == nullptr) return;
+    for (QAbstractButton* button : box->buttons())
+      if (box->buttonRole(button) == QMessageBox::ActionRole) button->click();
+    stage.Take(*box, QStringLiteral("message-no-radio"));
+    box->reject();
+  });
+  static_cast<void>(dialogs.Show(unit.Dialogs.Shown.front()));
+}
+
 constexpr void (*kPictures[])(Stage&) = {
     TakeMain,  TakeLarge,    TakeShelf, TakeLists,  TakeSchedule,   TakeConfig,  TakeFirstRun,
-    TakeMixer, TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,
+    TakeMixer, TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage, TakeFailure,
 };
 
 QPalette DarkPalette() {

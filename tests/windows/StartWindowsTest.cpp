@@ -1,9 +1,11 @@
 // The windows of the start: agreement, please wait, splash, messages.
+#include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
 #include <QFile>
 #include <QLabel>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -98,17 +100,61 @@ TEST(frmLegal, AMissingAgreementSaysSo) {
       Find<QTextBrowser>(window, "brwAgreement").toPlainText().contains(QStringLiteral("Agreement.html")));
 }
 
-TEST(frmPleaseWait, ShowsThePortOnceItIsKnownAndStays) {
+class frmPleaseWaitTest : public ::testing::Test {
+ protected:
+  frmPleaseWaitTest() {
+    window.CancelAsked = [this] { ++cancels; };
+    window.show();
+  }
+
+  int cancels = 0;
   windows::frmPleaseWait window;
-  window.show();
+};
+
+TEST_F(frmPleaseWaitTest, ShowsPortStepAndProgress) {
   EXPECT_EQ(window.windowTitle(), QStringLiteral("Kestrune: Initializing"));
   EXPECT_FALSE(Find<QLabel>(window, "lblPleaseWait").text().isEmpty());
   EXPECT_EQ(Find<QLabel>(window, "lblcPort").text(), QStringLiteral("Port:"));
   EXPECT_EQ(Find<QLabel>(window, "lblPort").text(), QString());
-  window.ShowPort(9);
+  window.Refresh({.lblPort = "9", .lblStep = "Trying /dev/ttyACM0: attempt 1 of 2", .pbrSearch = 250});
   EXPECT_EQ(Find<QLabel>(window, "lblPort").text(), QStringLiteral("9"));
+  EXPECT_EQ(Find<QLabel>(window, "lblStep").text(), QStringLiteral("Trying /dev/ttyACM0: attempt 1 of 2"));
+  EXPECT_EQ(Find<QProgressBar>(window, "pbrSearch").value(), 250);
+  EXPECT_EQ(Find<QProgressBar>(window, "pbrSearch").maximum(), 1000);
+}
+
+TEST_F(frmPleaseWaitTest, ButtonEscapeAndCloseButtonCancelAndItStays) {
+  Find<QPushButton>(window, "cmdCancel").click();
+  EXPECT_EQ(cancels, 1);
+  QTest::keyClick(&window, Qt::Key_Escape);
+  EXPECT_EQ(cancels, 2);
   window.close();
+  EXPECT_EQ(cancels, 3);
   EXPECT_TRUE(window.isVisible());
+  EXPECT_TRUE(window.windowFlags() & Qt::WindowCloseButtonHint);
+}
+
+TEST_F(frmPleaseWaitTest, OnceTheProgramClosesTheButtonIsSpent) {
+  window.Refresh({.cmdCancelEnabled = false});
+  EXPECT_FALSE(Find<QPushButton>(window, "cmdCancel").isEnabled());
+}
+
+TEST_F(frmPleaseWaitTest, AReaderHearsWhatItShows) {
+  window.Refresh({.lblPort = "9", .lblStep = "Trying /dev/ttyACM0: attempt 1 of 2", .pbrSearch = 250});
+  const auto heard = [this](const char* name) {
+    const QAccessibleInterface* const spoken =
+        QAccessible::queryAccessibleInterface(&Find<QWidget>(window, name));
+    return spoken->text(QAccessible::Name).toStdString();
+  };
+  EXPECT_EQ(heard("lblPort"), "Port: 9");
+  EXPECT_EQ(heard("lblStep"), "Trying /dev/ttyACM0: attempt 1 of 2");
+  EXPECT_EQ(heard("pbrSearch"), "Search for the radio");
+  EXPECT_EQ(heard("cmdCancel"), "Cancel");
+  QAccessibleInterface* const bar =
+      QAccessible::queryAccessibleInterface(&Find<QWidget>(window, "pbrSearch"));
+  EXPECT_EQ(bar->role(), QAccessible::ProgressBar);
+  ASSERT_NE(bar->valueInterface(), nullptr);
+  EXPECT_EQ(bar->valueInterface()->currentValue().toInt(), 250);
 }
 
 class frmSplashTest : public ::testing::Test {

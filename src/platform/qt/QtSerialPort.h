@@ -31,6 +31,7 @@ class QtSerialPort final : public SerialPort {
   void SetSettings(std::string_view settings) override { settings_ = settings; }
   void SetReceiveThreshold(int bytes) override;
   [[nodiscard]] bool Exists() const override;
+  [[nodiscard]] std::string Device() const override { return ports_.Device(number_); }
   base::Result Open() override;
   void OpenLater(std::function<void(const base::Result& opened)> done) override;
   void Close() override;

@@ -12,6 +12,7 @@
 #include "radio/line/PortTrial.h"
 #include "radio/line/RadioSearch.h"
 #include "radio/line/RadioSession.h"
+#include "radio/line/SearchProgress.h"
 
 namespace kestrune::radio {
 
@@ -22,6 +23,9 @@ namespace kestrune::radio {
 /// its result means nothing.
 class BringUp {
  public:
+  /// Called at the beginning of each step of a search. It must not wait.
+  using Stepped = std::function<void(const SearchProgress& progress)>;
+
   /// Some adapters reset the radio when their modem lines rise, and it is deaf while it starts.
   static constexpr std::chrono::milliseconds kAfterOpening{1500};
 
@@ -31,7 +35,8 @@ class BringUp {
   /// Tries the known port twice (0: none is known), then all ports up to four times, and leaves the port with the
   /// radio open. A failed try of the known port costs up to 6.7 s, the search 5.7 s for each device without a
   /// radio. Each device without a radio gets one line in the log.
-  [[nodiscard]] RadioSearch FindRadio(std::int16_t knownPort);
+  [[nodiscard]] RadioSearch FindRadio(
+      std::int16_t knownPort, const Stepped& stepped = [](const SearchProgress&) {});
 
   /// Asks for the identifier up to ten times, 17 s at most; empty if none came; the radio works all the same.
   [[nodiscard]] std::string ReadRadioID();
@@ -44,8 +49,18 @@ class BringUp {
   void Settle(const std::function<void()>& round);
 
  private:
-  [[nodiscard]] bool TryKnownPort(std::int16_t port, RadioSearch& search);
-  void SearchPorts(RadioSearch& search);
+  /// A search on its way: what it has come to, and who is told of its steps.
+  struct Search {
+    const Stepped& Tell;
+    SearchProgress Progress = {};
+    RadioSearch Result = {};
+  };
+
+  [[nodiscard]] bool TryKnownPort(std::int16_t port, Search& search);
+  void SearchPorts(Search& search);
+  void Step(std::int16_t port, Search& search);
+  [[nodiscard]] static int StepsBegun(const Search& search);
+  [[nodiscard]] int CountDevices();
   void Keep(PortTrial trial, RadioSearch& search);
 
   RadioSession& session_;

@@ -69,7 +69,10 @@ class RadioLink {
   // The start: the steps of BringUp, which has their times.
 
   /// Opens the port where the radio is, and powers it on. 0: no port is known.
-  [[nodiscard]] RadioSearch FindRadio(std::int16_t knownPort) { return start_.FindRadio(knownPort); }
+  [[nodiscard]] RadioSearch FindRadio(
+      std::int16_t knownPort, const BringUp::Stepped& stepped = [](const SearchProgress&) {}) {
+    return start_.FindRadio(knownPort, stepped);
+  }
   /// Asks for the identifier, again and again; may be empty.
   [[nodiscard]] std::string ReadRadioID() { return start_.ReadRadioID(); }
   /// Tunes the radio to a channel, 1 to 255, and unmutes it.

@@ -1,6 +1,7 @@
 #include "radio/line/RadioSearch.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -25,6 +26,21 @@ base::Result RadioSearch::AsResult() const {
     return base::Result::Failed(fmt::format("port {} opens, but no radio answers there", silent->Port));
   }
   return base::Result::Failed("there is no serial device; is the radio plugged in?");
+}
+
+std::vector<std::string> RadioSearch::Reasons() const {
+  std::vector<std::string> lines;
+  for (const PortTrial& trial : Failed) {
+    if (trial.Why == PortTrial::Reason::NoDevice) continue;
+    std::string line = LineOf(trial);
+    if (std::find(lines.begin(), lines.end(), line) == lines.end()) lines.push_back(std::move(line));
+  }
+  if (lines.empty() && !Found()) lines.push_back("No radio: " + AsResult().Cause());
+  return lines;
+}
+
+std::string LineOf(const PortTrial& trial) {
+  return fmt::format("No radio on port {}: {}", trial.Port, trial.Cause);
 }
 
 bool RadioSearch::AnyDevice() const {

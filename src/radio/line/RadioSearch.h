@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "base/Result.h"
@@ -19,8 +20,13 @@ struct RadioSearch {
   /// Done if the radio was found. Otherwise the first device that could not be opened says why; if all opened,
   /// the first that did not answer; and if there was no device at all, that.
   [[nodiscard]] base::Result AsResult() const;
+  /// A line about each device that was there, the lines of the log; one about that if there was none.
+  [[nodiscard]] std::vector<std::string> Reasons() const;
   /// Whether a device was there that turned out not to be the radio, or could not be asked.
   [[nodiscard]] bool AnyDevice() const;
 };
+
+/// What the log says of a device without a radio.
+[[nodiscard]] std::string LineOf(const PortTrial& trial);
 
 }  // namespace kestrune::radio

@@ -17,7 +17,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::int16_t kLastPort = 16;
 constexpr std::int16_t kLastChannel = 255;
 // While the port opens, each byte counts; afterwards, a notification for every byte would be too many.
 constexpr int kThresholdOpening = 1;
@@ -132,16 +131,23 @@ bool RadioSession::PortExists(std::int16_t number) {
   return port_.Exists();
 }
 
+std::string RadioSession::DeviceOf(std::int16_t number) {
+  port_.SetCommPort(number);
+  return port_.Device();
+}
+
 void RadioSession::DropPartialFrame() {
   reader_.DropPending();
   tmrComm_->SetEnabled(false);
 }
 
-void RadioSession::pcrFindPort(const std::function<void(PortTrial trial)>& report) {
+void RadioSession::pcrFindPort(const std::function<void(std::int16_t number)>& announce,
+                               const std::function<void(PortTrial trial)>& report) {
   comPort_ = 0;
   replies_.pcrRadioID.clear();
   for (std::int16_t number = 1; number <= kLastPort && !run_.ShuttingDown; ++number) {
     SetPortOpen(false);
+    announce(number);
     PortTrial trial = TryOpen(number);
     if (pcrPortOpen()) {
       journal_.DebugPrint(fmt::format("Opened port {}", number));

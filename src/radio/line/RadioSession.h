@@ -28,6 +28,8 @@ namespace kestrune::radio {
 /// out.
 class RadioSession {
  public:
+  static constexpr std::int16_t kLastPort = 16;
+
   /// All must outlive the session, which sets the port's receive handler.
   RadioSession(platform::SerialPort& port, base::EventLoop& loop, const base::RunState& run,
                base::Journal& journal);
@@ -54,8 +56,10 @@ class RadioSession {
   /// Why the last opening that failed did, as base::Result has it; never cleared.
   [[nodiscard]] const std::string& pcrLastError() const { return lastError_; }
   /// Tries the ports 1 to 16 until a radio powers on, and leaves that port open. Only pcrPortOpen shows whether
-  /// one was found: pcrCOMPort is 16 after a search in vain. Each port without a radio is reported.
-  void pcrFindPort(const std::function<void(PortTrial trial)>& report);
+  /// one was found: pcrCOMPort is 16 after a search in vain. Each port is announced, while none is open, and each
+  /// without a radio is reported.
+  void pcrFindPort(const std::function<void(std::int16_t number)>& announce,
+                   const std::function<void(PortTrial trial)>& report);
   /// Opens the port of this number, unless it is open already; another port is closed first. The reason is
   /// NoAnswer if the port is open now: no radio has been asked for there yet.
   [[nodiscard]] PortTrial TryOpen(std::int16_t number);
@@ -68,6 +72,8 @@ class RadioSession {
   void OpenLater(std::int16_t number, std::function<void(PortTrial trial)> done);
   /// Whether there is a device with this number, 1 to 16.
   [[nodiscard]] bool PortExists(std::int16_t number);
+  /// The name of the device with this number, as platform::SerialPort has it.
+  [[nodiscard]] std::string DeviceOf(std::int16_t number);
   /// While a port is on trial it is not known yet which radio answers there. It counts as closed for all operations
   /// below, and replies reach Traffic and nothing else; only pcrSendBinary writes to it.
   void SetOnTrial(bool on) { onTrial_ = on; }

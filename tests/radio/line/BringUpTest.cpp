@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +12,10 @@ namespace {
 
 using radio::RadioSearch;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::EndsWith;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 constexpr const char* kPowerOn = "5A A5 00 05 00 10 10 10 01 ED ED";
 constexpr const char* kPowerOnReply =
@@ -35,7 +41,19 @@ class BringUpTest : public SessionFixture {
     return times;
   }
 
+  /// Keeps the steps of a search in words.
+  [[nodiscard]] radio::BringUp::Stepped Tell() {
+    return [this](const radio::SearchProgress& progress) {
+      EXPECT_EQ(progress.Began, loop.SteadyNow());
+      steps.push_back(fmt::format("{} ms: port {} {}, {} {} of {}, step {} of {}, {} ms",
+                                  progress.Began.count(), progress.Port, progress.Device,
+                                  progress.Searching ? "round" : "try", progress.Round, progress.Rounds,
+                                  progress.StepsDone, progress.Steps, progress.Longest.count()));
+    };
+  }
+
   radio::BringUp bringUp{session, loop, run, journal};
+  Strings steps;
 };
 
 // The known port.
@@ -147,6 +165,56 @@ TEST_F(BringUpTest, ACloseEndsTheSearchAndSaysNothingInTheLog) {
   EXPECT_THAT(journal.Log, IsEmpty());
 }
 
+TEST_F(BringUpTest, TheReasonsAreTheLinesOfTheLog) {
+  port.Remove(0, "there is no device");
+  port.Refuse(2, "");
+  port.Refuse(5, "the line is in use");
+  const RadioSearch search = bringUp.FindRadio(5);
+  EXPECT_THAT(search.Reasons(), ElementsAreArray(journal.Log));
+  EXPECT_THAT(search.Reasons(), SizeIs(2));
+}
+
+TEST_F(BringUpTest, WithoutAnyDeviceThatIsTheOneReason) {
+  port.Remove(0, "there is no device");
+  EXPECT_THAT(bringUp.FindRadio(0).Reasons(),
+              ElementsAre("No radio: there is no serial device; is the radio plugged in?"));
+}
+
+// The progress.
+
+TEST_F(BringUpTest, EachTryOfADeviceIsAStepThatIsToldWhenItBegins) {
+  port.Remove(0, "there is no device");
+  port.Refuse(3, "");
+  port.Refuse(7, "");
+  Reply(kPowerOn, kPowerOnReply, 7);
+  EXPECT_EQ(bringUp.FindRadio(3, Tell()).Port, 7);
+  // Two tries of the known port, and four rounds of two devices.
+  EXPECT_THAT(steps, ElementsAre("0 ms: port 3 /dev/radio3, try 1 of 2, step 0 of 10, 6700 ms",
+                                 "6700 ms: port 3 /dev/radio3, try 2 of 2, step 1 of 10, 6700 ms",
+                                 "13400 ms: port 3 /dev/radio3, round 1 of 4, step 2 of 10, 5700 ms",
+                                 "19100 ms: port 7 /dev/radio7, round 1 of 4, step 3 of 10, 5700 ms"));
+}
+
+TEST_F(BringUpTest, AKnownPortWithoutADeviceIsNoStep) {
+  port.Remove(0, "there is no device");
+  port.Refuse(2, "");
+  EXPECT_FALSE(bringUp.FindRadio(3, Tell()).Found());
+  EXPECT_THAT(steps, ElementsAre("0 ms: port 2 /dev/radio2, round 1 of 4, step 0 of 4, 5700 ms",
+                                 "5700 ms: port 2 /dev/radio2, round 2 of 4, step 1 of 4, 5700 ms",
+                                 "11400 ms: port 2 /dev/radio2, round 3 of 4, step 2 of 4, 5700 ms",
+                                 "17100 ms: port 2 /dev/radio2, round 4 of 4, step 3 of 4, 5700 ms"));
+}
+
+TEST_F(BringUpTest, ADeviceThatComesWithinTheSearchCountsFromTheNextRoundOn) {
+  port.Remove(0, "there is no device");
+  port.Refuse(2, "");
+  loop.AtHardware(Milliseconds(3000), [this] { port.Refuse(1, ""); });
+  EXPECT_FALSE(bringUp.FindRadio(0, Tell()).Found());
+  ASSERT_THAT(steps, SizeIs(1 + 3 * 2));
+  EXPECT_THAT(steps[1], EndsWith("port 1 /dev/radio1, round 2 of 4, step 1 of 7, 5700 ms"));
+  EXPECT_THAT(steps.back(), EndsWith("port 2 /dev/radio2, round 4 of 4, step 6 of 7, 5700 ms"));
+}
+
 // Bringing the radio up once more, later.
 
 TEST_F(BringUpTest, ALineThatDiedIsOpenedAgainAtTheFirstTry) {
@@ -175,8 +243,10 @@ TEST_F(BringUpTest, AnOpenPortIsClosedBeforeAnotherOneIsTried) {
   port.ForgetCalls();
   Reply(kPowerOn, kPowerOnReply, 3);
   EXPECT_EQ(bringUp.FindRadio(3).Port, 3);
-  EXPECT_THAT(port.Calls(), ElementsAre("DTR off", "RTS off", "Close", "CommPort 3", "Settings 9600,n,8,1",
-                                        "RThreshold 1", "Open", "RThreshold 5", "DTR on", "RTS on"));
+  // The looks for devices come first.
+  const Strings opening(std::find(port.Calls().begin(), port.Calls().end(), "DTR off"), port.Calls().end());
+  EXPECT_THAT(opening, ElementsAre("DTR off", "RTS off", "Close", "CommPort 3", "Settings 9600,n,8,1",
+                                   "RThreshold 1", "Open", "RThreshold 5", "DTR on", "RTS on"));
 }
 
 // The identifier.

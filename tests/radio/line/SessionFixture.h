@@ -36,7 +36,8 @@ class SessionFixture : public ::testing::Test {
     session.SetPortOpen(true);
   }
   void FindPort() {
-    session.pcrFindPort([this](const radio::PortTrial& trial) { failedTrials.push_back(trial); });
+    session.pcrFindPort([](std::int16_t /*number*/) {},
+                        [this](const radio::PortTrial& trial) { failedTrials.push_back(trial); });
   }
   void Arrive(std::string_view hex) {
     port.Arrive(Bytes(hex));
