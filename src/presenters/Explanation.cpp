@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "presenters/HintLine.h"
+#include "presenters/LoadProgress.h"
 #include "recorder/Modes.h"
 
 namespace kestrune::presenters {
@@ -17,7 +18,7 @@ std::string ExplainRecording(const recorder::State& state, const schedule::Restr
   if (recording.Phase == recorder::Phase::WaitingForChannelLoad) {
     return "Recording begins once the channels are loaded.";
   }
-  if (state.Radio.ChannelsLoading) return "The radio's channels are being loaded.";
+  if (LoadProgress load = ShowLoad(state.Radio); load.Visible) return load.Text;
   if (state.HintHome != 0)
     return fmt::format("Following a hint: back to channel {} after this song.", state.HintHome);
   if (const recorder::Hint* const hint = ShownHint(state)) return recorder::HintText(*hint);

@@ -85,6 +85,7 @@ MainWindow ShowState(const recorder::State& state, const DesktopRecord& desktop)
   window.HintChannel = HintChannel(state);
   window.Warning = state.Watch.Warning();
   if (!window.Warning.empty()) window.TrayTip += "\n" + window.Warning;
+  window.Load = ShowLoad(state.Radio);
   window.ChannelLocked = state.Recording.GetRecordingStatus();
   window.Recording = state.Recording.IsRecording();
   return window;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "presenters/DesktopRecord.h"
+#include "presenters/LoadProgress.h"
 #include "recorder/State.h"
 
 namespace kestrune::presenters {
@@ -44,6 +45,7 @@ struct MainWindow : DesktopRecord {
   std::string HintStation;     ///< its number and its station
   bool ChannelLocked = false;  ///< channel, presets and mute cannot be changed
   bool Recording = false;      ///< a song is being kept, and the status is to catch the eye
+  LoadProgress Load;           ///< of the radio's channels
   Label lblClock{.Caption = "", .Visible = false};
   Label lblcRemaining{.Caption = "", .Visible = false};  ///< names the next one; its text is the window's own
   Label lblRemaining{.Caption = "", .Visible = false};

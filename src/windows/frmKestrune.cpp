@@ -38,6 +38,7 @@ using presenters::MainWindow;
 using recorder::WindowName;
 
 constexpr int kSongLetters = 34;
+constexpr int kLoadLetters = 14;  ///< as wide as the bar of the load
 constexpr int kPresetColumns = 3;
 // Artist and song grow more than the window, what stands around them less.
 constexpr double kSongGrowth = 1.6;
@@ -294,6 +295,17 @@ QWidget* frmKestrune::MakeSignal() {
   return group;
 }
 
+QWidget* frmKestrune::MakeLoad(QWidget* parent) {
+  pbrLoad_ = new QProgressBar(parent);
+  Name(*pbrLoad_, "pbrLoad", {}, "Loading of the radio's channels");
+  // The text beside it has the numbers; it is no higher than that, so that nothing moves when it goes.
+  pbrLoad_->setTextVisible(false);
+  pbrLoad_->setFixedHeight(fontMetrics().height());
+  pbrLoad_->setFixedWidth(fontMetrics().averageCharWidth() * kLoadLetters);
+  pbrLoad_->hide();
+  return pbrLoad_;
+}
+
 QWidget* frmKestrune::MakeRecording() {
   auto* group = new QGroupBox(tr("Recording"), this);
   auto* column = new QVBoxLayout(group);
@@ -314,7 +326,10 @@ QWidget* frmKestrune::MakeRecording() {
     growth_.Add(*widget, kSideGrowth);
 
   lblExplanation_ = MakeElided("lblExplanation", kSongLetters, group, "");
-  column->addWidget(lblExplanation_);
+  auto* explanation = new QHBoxLayout;
+  explanation->addWidget(lblExplanation_, 1);
+  explanation->addWidget(MakeLoad(group));
+  column->addLayout(explanation);
 
   auto* event = new QHBoxLayout;
   constexpr const char* kTimer = "Recording Scheduled Event";
@@ -596,6 +611,10 @@ void frmKestrune::ShowStatus(const MainWindow& record) {
   ShowWarning(*lblRecording_, record.Recording);
   ShowText(*lblExplanation_, rules_.Explanation());
   ShowWarning(*lblExplanation_, !record.Warning.empty());
+  // Nothing but that it goes on: the bar runs to and fro.
+  pbrLoad_->setRange(0, record.Load.Known ? presenters::LoadProgress::kWhole : 0);
+  pbrLoad_->setValue(record.Load.Value);
+  ShowVisible(*pbrLoad_, record.Load.Visible);
   ShowHint(record);
   // The clock keeps its space: its text is cleared and the label is not hidden.
   ShowText(*lblClock_, record.lblClock.Visible ? std::string_view(record.lblClock.Caption) : "");

@@ -88,6 +88,8 @@ class frmKestrune final : public QMainWindow {
   void MakeControls();
   [[nodiscard]] QWidget* MakeSong();
   [[nodiscard]] QWidget* MakeSignal();
+  /// The bar that shows how far the load of the channels has come.
+  [[nodiscard]] QWidget* MakeLoad(QWidget* parent);
   [[nodiscard]] QWidget* MakeRecording();
   [[nodiscard]] QWidget* MakeLevels();
   [[nodiscard]] QWidget* MakeCounters();
@@ -119,6 +121,7 @@ class frmKestrune final : public QMainWindow {
   ElidedLabel* lblSong_ = nullptr;
   ElidedLabel* lblRecording_ = nullptr;
   ElidedLabel* lblExplanation_ = nullptr;
+  QProgressBar* pbrLoad_ = nullptr;
   bool hintShown_ = false;
   QWidget* boxLock_ = nullptr;
   QProgressBar* pbrSong_ = nullptr;  // in place of the label, if the song's length is known

@@ -209,6 +209,26 @@ void TakeLarge(Stage& stage) {
   }
 }
 
+/// In the middle of the first pass through 120 channels, or with none that is known to be expected.
+void TakeLoad(Stage& stage) {
+  UnitRig& unit = stage.Rig.Unit;
+  unit.Set("MainTop", "0");
+  std::string list;
+  for (int channel = 3; channel < 123; ++channel) {
+    unit.Radio.Channels[channel] = {fmt::format("Station {}", channel), "Folk", "Abigail Wren",
+                                    "Winter Apples"};
+    list += fmt::format("{}\tStation {}\t\t\tFolk\n", channel, channel);
+  }
+  if (!stage.Extreme) {
+    unit.Files.MakeFolders("/home/user/Application Data/Kestrune");
+    unit.Files.Put("/home/user/Application Data/Kestrune/ChannelList.txt", list);
+  }
+  unit.Start();
+  static_cast<void>(unit.Loop.RunUntil([&] { return unit->State().Radio.Load.Done == 37; }, 60s));
+  stage.Rig.Main().Refresh();
+  stage.Take(stage.Rig.Main(), QStringLiteral("frmKestrune-loading"));
+}
+
 /// An event that lost something, songs of several fates, and what went wrong.
 void TakeReport(Stage& stage) {
   UnitRig& unit = stage.Rig.Unit;
@@ -549,8 +569,8 @@ void TakeFailure(Stage& stage) {
 }
 
 constexpr void (*kPictures[])(Stage&) = {
-    TakeMain,  TakeLarge,    TakeShelf, TakeLists,  TakeSchedule,   TakeConfig,  TakeFirstRun,
-    TakeMixer, TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage, TakeFailure,
+    TakeMain,  TakeLoad,     TakeLarge, TakeShelf,  TakeLists,      TakeSchedule, TakeConfig,  TakeFirstRun,
+    TakeMixer, TakeUpdating, TakeLegal, TakeSplash, TakePleaseWait, TakeMessage,  TakeFailure,
 };
 
 QPalette DarkPalette() {

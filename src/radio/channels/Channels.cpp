@@ -78,6 +78,8 @@ void Channels::StartWalk() {
   run_.FormLoading = false;
   state_.ChannelsLoading = true;
   state_.EnumPass = 1;
+  // What the radio had the last time is the best guess at what it has now.
+  state_.Load = {.Expected = table_.ChannelCount()};
   link_.AskForChannelAfter(0);
 }
 
@@ -161,6 +163,7 @@ void Channels::HandleReply(const ChannelInfo& info) {
 
 // A step of the walk; true if the reply was the end of the list, which holds no channel.
 bool Channels::WalkOn(std::int16_t channel) {
+  CountStep(channel);
   state_.EnumCursor = channel;
   grid_.Enabled = true;
   if (channel != kEndOfList) return false;
@@ -171,6 +174,17 @@ bool Channels::WalkOn(std::int16_t channel) {
     link_.AskForChannelAfter(0);
   }
   return true;
+}
+
+// A reply that comes twice is one step.
+void Channels::CountStep(std::int16_t channel) {
+  ChannelLoad& load = state_.Load;
+  if (channel == kEndOfList) {
+    if (!load.Checking) load = {.Checking = true, .Expected = load.Done};
+  } else if (channel != state_.EnumCursor) {
+    ++load.Done;
+    if (load.Expected != 0) load.Expected = std::max(load.Expected, load.Done);
+  }
 }
 
 // A late reply to another request can skip some channels; the polling has them all the same, unless they are new.

@@ -91,6 +91,7 @@ class Channels {
  private:
   void HandleReply(const ChannelInfo& info);
   [[nodiscard]] bool WalkOn(std::int16_t channel);
+  void CountStep(std::int16_t channel);
   void FinishWalk();
   void WalkAgainOn(std::int16_t channel);
   void RemoveStaleChannels();

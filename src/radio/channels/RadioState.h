@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "radio/channels/ChannelLoad.h"
+
 namespace kestrune::radio {
 
 /// The state of the radio and its channels that several rooms share.
@@ -22,6 +24,8 @@ struct RadioState {
 
   /// The walk through the radio's channels runs.
   bool ChannelsLoading = false;
+  /// How far it has come; it stays as the walk has left it.
+  ChannelLoad Load;
   /// Grows with each end of the list; the third one ends the walk.
   std::int16_t EnumPass = 1;
   /// During the walk the last channel received, afterwards the table slot polled last.

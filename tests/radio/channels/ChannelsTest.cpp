@@ -73,6 +73,10 @@ class ChannelsTest : public SessionFixture {
       EndOfList();
     }
   }
+  /// Whether the walk checks, what it has done, and what it expects.
+  [[nodiscard]] std::vector<int> Load() const {
+    return {static_cast<int>(state.Load.Checking), state.Load.Done, state.Load.Expected};
+  }
   [[nodiscard]] std::vector<int> TableNumbers() const {
     std::vector<int> numbers;
     for (int slot = 1; slot <= channels.Table().ChannelCount(); ++slot) {
@@ -135,6 +139,36 @@ TEST_F(ChannelsTest, TheWalkPassesThroughTheListTwice) {
   EXPECT_THAT(journal.Log, ElementsAre("Channels loaded: 2"));
   EXPECT_EQ(events.Notes.back(), "walk finished");
   EXPECT_THAT(TableNumbers(), ElementsAre(9, 10));
+}
+
+TEST_F(ChannelsTest, TheWalkCountsWhatItHasFoundAndThenWhatItHasChecked) {
+  channels.StartWalk();
+  EXPECT_THAT(Load(), ElementsAre(0, 0, 0)) << "nobody knows how many there are";
+  Plain(3);
+  Plain(4);
+  Plain(4);
+  EXPECT_THAT(Load(), ElementsAre(0, 2, 0));
+  EndOfList();
+  EXPECT_THAT(Load(), ElementsAre(1, 0, 2));
+  Plain(3);
+  EXPECT_THAT(Load(), ElementsAre(1, 1, 2));
+  Plain(4);
+  Plain(5);
+  EXPECT_THAT(Load(), ElementsAre(1, 3, 3)) << "one has come meanwhile";
+  EndOfList();
+  EXPECT_THAT(Load(), ElementsAre(1, 3, 3));
+}
+
+TEST_F(ChannelsTest, WithASavedListTheWalkExpectsAsManyChannels) {
+  files.Put(kListPath, "3\tFred\t\t\tRock\n4\tLucy\t\t\tRock\n5\tOld\t\t\tRock\n");
+  channels.LoadChannels();
+  channels.StartWalk();
+  EXPECT_THAT(Load(), ElementsAre(0, 0, 3));
+  Plain(3);
+  Plain(4);
+  EXPECT_THAT(Load(), ElementsAre(0, 2, 3));
+  EndOfList();
+  EXPECT_THAT(Load(), ElementsAre(1, 0, 2)) << "the radio has one less";
 }
 
 TEST_F(ChannelsTest, TheWalkEnablesTheChannelsWindow) {
