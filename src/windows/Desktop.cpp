@@ -46,7 +46,7 @@ presenters::WindowState StateOf(const QWidget& window) {
 
 }  // namespace
 
-Desktop::Desktop(Outside outside) : outside_(std::move(outside)) {
+Desktop::Desktop(Outside outside) : outside_(std::move(outside)), icon_(ProgramIcon()) {
   SpeakWindows();
 }
 
@@ -107,6 +107,7 @@ void Desktop::Refresh() {
   ReadMainWindow();
   ShowMainWindow();
   ShowTray();
+  ShowMark(rules_->Window().Recording);
   ShowSearch();
   DropClosed();
   main_->Refresh();
@@ -187,7 +188,7 @@ void Desktop::SetBusyCursor(bool busy) {
 // The tray.
 
 void Desktop::AddTrayIcon() {
-  tray_ = std::make_unique<QSystemTrayIcon>(ProgramIcon());
+  tray_ = std::make_unique<QSystemTrayIcon>(icon_);
   trayMenu_ = std::make_unique<QMenu>();
   trayMenu_->addAction(tr("Show Kestrune"), this, [this] { Restore(); });
   trayMenu_->addSeparator();
@@ -226,6 +227,20 @@ void Desktop::ShowTray() {
   if (window.TrayTip == trayTip_) return;
   trayTip_ = std::move(window.TrayTip);
   tray_->setToolTip(ToQt(trayTip_).left(kTrayTipLetters));
+}
+
+void Desktop::ShowMark(bool recording) {
+  if (std::exchange(marked_, recording) == recording) return;
+  icon_ = recording ? RecordingIcon() : ProgramIcon();
+  if (tray_ != nullptr) tray_->setIcon(icon_);
+  main_->setWindowIcon(icon_);
+  for (auto& [name, kept] : kept_) {
+    if (QWidget* const widget = kept.Window->Widget(); widget != nullptr) widget->setWindowIcon(icon_);
+  }
+}
+
+QIcon Desktop::TrayIcon() const {
+  return tray_ != nullptr ? tray_->icon() : QIcon();
 }
 
 QString Desktop::TrayTip() const {
@@ -377,7 +392,7 @@ Desktop::Kept* Desktop::Load(WindowName name) {
   kept.Hidden = true;
   opened_.push_back(name);
   QWidget& widget = *kept.Window->Widget();
-  widget.setWindowIcon(ProgramIcon());
+  widget.setWindowIcon(icon_);
   widget.installEventFilter(this);
   return &kept;
 }

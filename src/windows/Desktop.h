@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QSystemTrayIcon>
 #include <QWidget>
 #include <functional>
@@ -64,6 +65,8 @@ class Desktop final : public QObject, public recorder::Windows {
   void OpenModal(std::unique_ptr<QWidget> window);
   /// The tip of the tray icon as it is shown; empty without one.
   [[nodiscard]] QString TrayTip() const;
+  /// The tray icon as it is shown; null without one.
+  [[nodiscard]] QIcon TrayIcon() const;
   /// Shows a window and waits until it is closed or the program closes; nothing else takes input meanwhile.
   void ShowModally(QWidget& window);
 
@@ -114,6 +117,8 @@ class Desktop final : public QObject, public recorder::Windows {
   void ReadMainWindow();
   void ShowMainWindow();
   void ShowTray();
+  /// Marks the icons of tray and windows while a song is being recorded.
+  void ShowMark(bool recording);
   void Restore();
   void ShowAbout();
   void SetBusyCursor(bool busy);
@@ -134,6 +139,8 @@ class Desktop final : public QObject, public recorder::Windows {
   std::unique_ptr<QMenu> trayMenu_;
   QAction* trayHint_ = nullptr;  // of the menu
   std::string trayTip_;
+  bool marked_ = false;
+  QIcon icon_;  // of tray and windows, marked or not
   int trayCheck_ = 0;
   bool busyCursor_ = false;
   bool remembering_ = false;  // the windows of the last run are being shown

@@ -8,4 +8,7 @@ namespace kestrune::windows {
 /// here; never empty, since a tray would show nothing.
 [[nodiscard]] QIcon ProgramIcon();
 
+/// The same with the mark of a recording over it.
+[[nodiscard]] QIcon RecordingIcon();
+
 }  // namespace kestrune::windows

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QImage>
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
@@ -20,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include "windows/DesktopRig.h"
+#include "windows/ProgramIcon.h"
 
 namespace kestrune::test {
 namespace {
@@ -253,6 +255,57 @@ TEST_F(DesktopTest, TheTipOfTheTrayIconFollowsTheSong) {
   rig.Unit.NextSong("Salt & Sun", "You & I");
   rig.Run(200ms);
   EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: Recording\nSalt & Sun - You & I"));
+}
+
+/// The picture that a desktop shows of an icon at this size.
+QImage PictureOf(const QIcon& icon, int size = 32) {
+  return icon.pixmap(QSize(size, size), 1.0).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+TEST_F(DesktopTest, WhileASongIsRecordedTrayAndWindowsAreMarked) {
+  Plug(WindowName::Schedule, "schedule");
+  rig.Unit.StartIdle();
+  rig.Desktop.Show(WindowName::Schedule);
+  const PlainWindow* const open = last;
+  const QImage plain = PictureOf(rig.Desktop.TrayIcon());
+  EXPECT_EQ(PictureOf(open->windowIcon()), plain);
+  rig.Unit->cmdRecord();
+  rig.Run(200ms);
+  const QImage marked = PictureOf(rig.Desktop.TrayIcon());
+  EXPECT_NE(marked, plain);
+  EXPECT_EQ(PictureOf(rig.Main().windowIcon()), marked);
+  EXPECT_EQ(PictureOf(open->windowIcon()), marked);
+  Plug(WindowName::Presets, "presets");
+  rig.Desktop.Show(WindowName::Presets);
+  EXPECT_EQ(PictureOf(last->windowIcon()), marked) << "opened within the recording";
+  rig.Unit->cmdStop();
+  rig.Run(200ms);
+  EXPECT_EQ(PictureOf(rig.Desktop.TrayIcon()), plain);
+  EXPECT_EQ(PictureOf(rig.Main().windowIcon()), plain);
+}
+
+TEST_F(DesktopTest, AWaitForTheNextSongIsNoRecordingYet) {
+  rig.Unit.StartIdle();
+  rig.Unit->SetChannelNumber(45);
+  rig.Run(200ms);
+  const QImage plain = PictureOf(rig.Desktop.TrayIcon());
+  rig.Unit->cmdRecord();
+  rig.Run(200ms);
+  EXPECT_EQ(PictureOf(rig.Desktop.TrayIcon()), plain);
+}
+
+TEST(ProgramIcon, TheMarkIsRedOnTheLowerRightAtEverySizeOfATray) {
+  for (const int size : {16, 22, 24, 32, 48}) {
+    const QImage plain = PictureOf(windows::ProgramIcon(), size);
+    const QImage marked = PictureOf(windows::RecordingIcon(), size);
+    ASSERT_EQ(marked.size(), plain.size()) << size;
+    const int side = marked.width();
+    const QColor middle = marked.pixelColor(side * 3 / 4 - 1, side * 3 / 4 - 1);
+    EXPECT_GT(middle.red(), 180) << size;
+    EXPECT_LT(middle.green(), 90) << size;
+    if (size == 22) continue;  // scaled from a larger one
+    EXPECT_EQ(marked.copy(0, 0, side, side / 3), plain.copy(0, 0, side, side / 3)) << size;
+  }
 }
 
 /// Calls this with Please Wait at a moment of the search.

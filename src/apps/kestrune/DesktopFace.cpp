@@ -100,6 +100,8 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
           .Notifications = *notifications_,
           .Windows = {.InFront = [] { return QGuiApplication::applicationState() == Qt::ApplicationActive; },
                       .Raise = [this] { desktop_.MainWindowToFront(); }}});
+  launcherEntry_.emplace();
+  songCount_.emplace(unit.State(), loop_, *launcherEntry_);
   std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
@@ -107,6 +109,8 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
 }
 
 void DesktopFace::Detach() {
+  songCount_.reset();
+  launcherEntry_.reset();
   notices_.reset();
   notifications_.reset();
   mediaControls_.reset();

@@ -11,11 +11,13 @@
 #include "platform/canberra/ThemeSounds.h"
 #include "platform/posix/XdgAutostart.h"
 #include "platform/qtdbus/DesktopNotifications.h"
+#include "platform/qtdbus/LauncherEntry.h"
 #include "platform/qtdbus/MprisPlayer.h"
 #include "platform/qtgui/DesktopShell.h"
 #include "platform/xsmp/SessionEnd.h"
 #include "presenters/MediaControls.h"
 #include "presenters/Notices.h"
+#include "presenters/SongCount.h"
 #include "presenters/UnitPresenters.h"
 #include "windows/Desktop.h"
 #include "windows/DisplayBell.h"
@@ -53,6 +55,8 @@ class DesktopFace final : public Face {
   std::optional<presenters::MediaControls> mediaControls_;
   std::optional<platform::DesktopNotifications> notifications_;
   std::optional<presenters::Notices> notices_;
+  std::optional<platform::LauncherEntry> launcherEntry_;
+  std::optional<presenters::SongCount> songCount_;
   std::optional<platform::SessionEnd> sessionEnd_;
 };
 
