@@ -204,8 +204,7 @@ void History::AskCuts(platform::CutSearch search, platform::HistoryStore::SongsA
   store_.ReadCuts(search, std::move(answer));
 }
 
-void History::AskSongs(base::DateValue from, base::DateValue to,
-                       platform::HistoryStore::SongsAnswer answer) {
+void History::AskSongs(base::DateValue from, base::DateValue to, platform::HistoryStore::SongsAnswer answer) {
   HandOver();
   store_.ReadSpan(from, to, [answer = std::move(answer)](const base::Result& asked, const HistoryRows& rows) {
     answer(asked, rows.Songs);

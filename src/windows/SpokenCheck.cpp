@@ -2,7 +2,6 @@
 
 #include <QKeySequence>
 #include <QRadioButton>
-#include <QTimer>
 
 namespace kestrune::windows {
 namespace {
@@ -46,7 +45,8 @@ QStringList SpokenCheck::actionNames() const {
 
 void SpokenCheck::doAction(const QString& name) {
   if (name != toggleAction()) return QAccessibleWidget::doAction(name);
-  QTimer::singleShot(0, &button_, [&button = button_] { button.click(); });
+  QMetaObject::invokeMethod(
+      &button_, [&button = button_] { button.click(); }, Qt::QueuedConnection);
 }
 
 }  // namespace kestrune::windows

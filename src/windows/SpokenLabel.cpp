@@ -1,7 +1,6 @@
 #include "windows/SpokenLabel.h"
 
 #include <QAccessibleWidget>
-#include <QTimer>
 
 #include "windows/ElidedLabel.h"
 
@@ -29,7 +28,8 @@ class SpokenLabel final : public QAccessibleWidget {
   void doAction(const QString& name) override {
     if (name == pressAction()) {
       // It may open a window that waits for an answer, and the reader must not.
-      QTimer::singleShot(0, &label_, [&label = label_] { label.Activate(); });
+      QMetaObject::invokeMethod(
+          &label_, [&label = label_] { label.Activate(); }, Qt::QueuedConnection);
     } else {
       QAccessibleWidget::doAction(name);
     }

@@ -20,6 +20,7 @@
 
 #include "base/DatePattern.h"
 #include "windows/Binding.h"
+#include "windows/Contrast.h"
 #include "windows/RememberedPlace.h"
 
 namespace kestrune::windows {
@@ -130,6 +131,12 @@ QWidget* frmDateSelect::MakeCalendar() {
   cldDateSelect_->setFirstDayOfWeek(firstDay);
   cldDateSelect_->setNavigationBarVisible(false);
   cldDateSelect_->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+  // The days of the months before and after can be chosen too.
+  QPalette colours = cldDateSelect_->palette();
+  const QColor faint = Dimmed(colours.color(QPalette::Active, QPalette::Text),
+                              colours.color(QPalette::Active, QPalette::Base));
+  colours.setColor(QPalette::Disabled, QPalette::Text, faint);
+  cldDateSelect_->setPalette(colours);
   cldDateSelect_->setDateEditEnabled(false);
   // Weekends are not red, since red would seem to have a meaning here.
   for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) cldDateSelect_->setWeekdayTextFormat(day, {});

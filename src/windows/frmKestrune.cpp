@@ -81,10 +81,7 @@ void Enlarge(QWidget& widget, double factor, bool bold) {
 QProgressBar* MakeBar(const char* name, const char* accessible, QWidget* parent) {
   auto* bar = new QProgressBar(parent);
   bar->setAlignment(Qt::AlignCenter);
-  QPalette colours = bar->palette();
-  colours.setColor(QPalette::Highlight, Bearing(colours.color(QPalette::Active, QPalette::Highlight),
-                                                colours.color(QPalette::Active, QPalette::HighlightedText)));
-  bar->setPalette(colours);
+  bar->setPalette(Readable(bar->palette()));
   Name(*bar, name, {}, accessible);
   return bar;
 }

@@ -87,7 +87,7 @@ class Veil final : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent* /*event*/) override {
-    constexpr float kShare = 0.5F;
+    constexpr float kShare = 0.33F;  // more would make the texts hard to read
     QColor window = palette().color(QPalette::Window);
     window.setAlphaF(kShare);
     QPainter(this).fillRect(rect(), window);

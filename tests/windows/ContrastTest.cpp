@@ -11,6 +11,7 @@ namespace {
 using windows::Bearing;
 using windows::Contrast;
 using windows::Dimmed;
+using windows::kDimmedContrast;
 using windows::kReadableContrast;
 
 TEST(Contrast, IsThatOfTheGuidelines) {
@@ -25,8 +26,8 @@ TEST(Contrast, DimmedTextStaysReadableAndIsFainter) {
   for (const QColor& ground : {QColor(0xf0, 0xf0, 0xf0), QColor(0x32, 0x32, 0x32), QColor(Qt::black)}) {
     const QColor text = ground.lightness() < 128 ? Qt::white : Qt::black;
     const QColor dimmed = Dimmed(text, ground);
-    EXPECT_GE(Contrast(dimmed, ground), kReadableContrast);
-    EXPECT_LT(Contrast(dimmed, ground), kReadableContrast + 0.5);
+    EXPECT_GE(Contrast(dimmed, ground), kDimmedContrast);
+    EXPECT_LT(Contrast(dimmed, ground), kDimmedContrast + 1);
   }
   EXPECT_EQ(Dimmed(QColor(0xaa, 0xaa, 0xaa), Qt::white), QColor(0xaa, 0xaa, 0xaa)) << "faint already";
 }
@@ -35,6 +36,25 @@ TEST(Contrast, AColourBearsItsText) {
   EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::white), Qt::white), kReadableContrast);
   EXPECT_GE(Contrast(Bearing(QColor(0x30, 0x8c, 0xc6), Qt::black), Qt::black), kReadableContrast);
   EXPECT_EQ(Bearing(Qt::darkBlue, Qt::white), QColor(Qt::darkBlue)) << "it does already";
+}
+
+TEST(Contrast, APaletteIsMadeReadableAndNothingElseIsTouched) {
+  QPalette desktop(QColor(239, 239, 239));
+  desktop.setColor(QPalette::Highlight, QColor(48, 140, 198));
+  desktop.setColor(QPalette::HighlightedText, Qt::white);
+  desktop.setColor(QPalette::PlaceholderText, QColor(190, 190, 190));
+  const QPalette readable = windows::Readable(desktop);
+  for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+    EXPECT_GE(Contrast(readable.color(group, QPalette::Highlight),
+                       readable.color(group, QPalette::HighlightedText)),
+              kReadableContrast);
+    EXPECT_GE(
+        Contrast(readable.color(group, QPalette::PlaceholderText), readable.color(group, QPalette::Base)),
+        kReadableContrast);
+    for (const auto role : {QPalette::Window, QPalette::WindowText, QPalette::Button, QPalette::Base,
+                            QPalette::HighlightedText})
+      EXPECT_EQ(readable.color(group, role), desktop.color(group, role));
+  }
 }
 
 TEST(Contrast, AWarningIsReadableOnAWindowAndOnAGroupOfAPage) {

@@ -1,7 +1,9 @@
 // Takes a picture of every window with sample records, for people to look at:
 //
-//   windows_pictures FOLDER     short and extreme texts, light and dark, at single and double scale
+//   windows_pictures FOLDER     short and extreme texts, light and dark, at single, 1.25-fold and double scale
+//   windows_pictures --check    at single scale, kept nowhere
 //
+// Prints each text that is too faint to be read, and then exits with 1.
 // A new window needs a line in kPictures.
 #include <QApplication>
 #include <QCheckBox>
@@ -9,6 +11,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFont>
+#include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -34,8 +37,11 @@
 #include "support/FakeAutostart.h"
 #include "support/FakeInputListener.h"
 #include "support/FakeMixer.h"
+#include "windows/Binding.h"
+#include "windows/Contrast.h"
 #include "windows/Controls.h"
 #include "windows/DesktopRig.h"
+#include "windows/FaintTexts.h"
 #include "windows/QtDialogs.h"
 #include "windows/RowMenu.h"
 #include "windows/UnitWindows.h"
@@ -77,12 +83,19 @@ struct Stage {
   bool Extreme = false;
   QString Folder;
   QString Look;
+  mutable int Faint = 0;  ///< texts of its windows that cannot be read
 
   void Take(QWidget& window, const QString& name) const {
     window.ensurePolished();
     if (!window.isVisible()) window.show();
     QCoreApplication::processEvents();
-    window.grab().save(Folder + QLatin1Char('/') + name + QLatin1Char('-') + Look + QStringLiteral(".png"));
+    const QImage picture = window.grab().toImage();
+    const QString shown = name + QLatin1Char('-') + Look;
+    if (!Folder.isEmpty()) picture.save(Folder + QLatin1Char('/') + shown + QStringLiteral(".png"));
+    for (const QString& text : FaintTexts(window, picture)) {
+      fmt::print("{}: {}\n", windows::FromQt(shown), windows::FromQt(text));
+      ++Faint;
+    }
   }
 
   /// Opens a window as the program does.
@@ -601,9 +614,12 @@ QPalette DarkPalette() {
   return dark;
 }
 
-void TakeAll(const QString& folder, const QString& scale) {
+/// How many texts cannot be read.
+int TakeAll(const QString& folder, const QString& scale) {
+  int faint = 0;
   for (const bool dark : {false, true}) {
-    QApplication::setPalette(dark ? DarkPalette() : QApplication::style()->standardPalette());
+    QApplication::setPalette(
+        windows::Readable(dark ? DarkPalette() : QApplication::style()->standardPalette()));
     for (const bool extreme : {false, true}) {
       for (const auto& picture : kPictures) {
         Stage stage;
@@ -612,9 +628,11 @@ void TakeAll(const QString& folder, const QString& scale) {
         stage.Look = QLatin1String(dark ? "dark" : "light") + QLatin1String(extreme ? "-extreme" : "-plain") +
                      QLatin1Char('-') + scale + QLatin1Char('x');
         picture(stage);
+        faint += stage.Faint;
       }
     }
   }
+  return faint;
 }
 
 }  // namespace
@@ -622,19 +640,25 @@ void TakeAll(const QString& folder, const QString& scale) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    fmt::print(stderr, "usage: windows_pictures FOLDER\n");
+    fmt::print(stderr, "usage: windows_pictures FOLDER | --check\n");
     return 2;
   }
   testing::InitGoogleTest();
-  // A process has one scale, so another process takes the second.
+  // A process has one scale, so other processes take the other ones.
   const bool first = qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication::setStyle(QStringLiteral("Fusion"));
   const QApplication application(argc, argv);
-  const QString folder = QString::fromLocal8Bit(argv[1]);
-  QDir().mkpath(folder);
-  kestrune::test::TakeAll(folder, first ? QStringLiteral("1") : qEnvironmentVariable("QT_SCALE_FACTOR"));
-  if (!first) return 0;
-  qputenv("QT_SCALE_FACTOR", "2");
-  return QProcess::execute(QCoreApplication::applicationFilePath(), {folder});
+  const QString word = QString::fromLocal8Bit(argv[1]);
+  const bool check = word == QLatin1String("--check");
+  const QString folder = check ? QString() : word;
+  if (!check) QDir().mkpath(folder);
+  bool readable = kestrune::test::TakeAll(
+                      folder, first ? QStringLiteral("1") : qEnvironmentVariable("QT_SCALE_FACTOR")) == 0;
+  for (const char* scale : {"1.25", "2"}) {
+    if (!first || check) break;
+    qputenv("QT_SCALE_FACTOR", scale);
+    readable = QProcess::execute(QCoreApplication::applicationFilePath(), {folder}) == 0 && readable;
+  }
+  return readable ? 0 : 1;
 }

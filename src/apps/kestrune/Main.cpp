@@ -15,6 +15,7 @@
 #include "base/Version.h"
 #include "control/CommandLine.h"
 #include "platform/xsmp/HiddenSessionManager.h"
+#include "windows/Contrast.h"
 #include "windows/ProgramIcon.h"
 
 namespace kestrune::apps {
@@ -41,6 +42,7 @@ int RunDesktop(const control::CommandLine& line, int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Kestrune"));
   QApplication::setDesktopFileName(QStringLiteral("kestrune"));
   QApplication::setWindowIcon(windows::ProgramIcon());
+  QApplication::setPalette(windows::Readable(QApplication::palette()));
   // Most of the run has no window, and windows that close are not its end.
   QApplication::setQuitOnLastWindowClosed(false);
   platform::QtEventLoop loop(platform::QtEventLoop::WhileAsleep::KeepPainted);
