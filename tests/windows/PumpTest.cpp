@@ -103,6 +103,18 @@ TEST_F(PumpWithWindows, DuringTheStartTheUserComesIn) {
   EXPECT_EQ(window_.Heard, kAll);
 }
 
+TEST_F(PumpWithWindows, WhatTheUserDoesDuringASleepIsHeardByThePumpsAfterIt) {
+  QtEventLoop loop(QtEventLoop::WhileAsleep::KeepPainted);
+  UserActs();
+  loop.Sleep(20ms);
+  EXPECT_THAT(window_.Heard, IsEmpty());
+  for (int pump = 0; pump < 5; ++pump) {
+    loop.PumpEvents();
+    loop.Sleep(5ms);
+  }
+  EXPECT_EQ(window_.Heard, kAll);
+}
+
 TEST_F(PumpWithWindows, AfterwardsKeysMouseAndClosesWaitForTheOuterLoop) {
   loop_.KeepUserOutOfPumps();
   UserActs();

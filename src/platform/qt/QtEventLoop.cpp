@@ -198,11 +198,14 @@ bool QtEventLoop::Asleep() {
 
 void QtEventLoop::PumpEvents() {
   ++pumps_;
+  // What the user did while the program slept is in a queue of Qt's that some platforms read again only once something
+  // new comes.
+  if (!userWaits_) QAbstractEventDispatcher::instance()->wakeUp();
   QCoreApplication::processEvents(userWaits_ ? QEventLoop::ExcludeUserInputEvents : QEventLoop::AllEvents);
   // What the devices posted in this round belongs to it: their bytes were there when the round began.
   QCoreApplication::sendPostedEvents();
   --pumps_;
-  // What the user did meanwhile is in a queue of Qt's that some platforms read again only once something new comes.
+  // The same for what the user did meanwhile, which is for the outer loop.
   if (userWaits_ && pumps_ == 0) QAbstractEventDispatcher::instance()->wakeUp();
 }
 
