@@ -14,7 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::DesktopInhibitor;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// One bus plays both the system's and the session's.
 class DesktopInhibitorTest : public PrivateBusTest {

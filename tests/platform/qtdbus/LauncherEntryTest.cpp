@@ -1,11 +1,5 @@
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
-#include <QObject>
-#include <string>
-#include <vector>
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -19,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::LauncherEntry;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class LauncherEntryTest : public PrivateBusTest {};
 

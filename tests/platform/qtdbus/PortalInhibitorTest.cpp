@@ -13,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using platform::PortalInhibitor;
 using ::testing::ElementsAre;
-using ::testing::SizeIs;
 
 class PortalInhibitorTest : public PrivateBusTest {};
 
