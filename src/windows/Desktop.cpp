@@ -15,6 +15,7 @@
 #include "base/Text.h"
 #include "presenters/WindowTable.h"
 #include "windows/Binding.h"
+#include "windows/FocusRing.h"
 #include "windows/Placement.h"
 #include "windows/ProgramIcon.h"
 #include "windows/SpokenWindow.h"
@@ -48,6 +49,7 @@ presenters::WindowState StateOf(const QWidget& window) {
 
 Desktop::Desktop(Outside outside) : outside_(std::move(outside)), icon_(ProgramIcon()) {
   SpeakWindows();
+  new FocusRing(this);
 }
 
 Desktop::~Desktop() {
