@@ -45,6 +45,7 @@ class Judge {
     constexpr int kFrame = 3;
     place = place.adjusted(kFrame, kFrame, -kFrame, -kFrame);
     QRect seen = place & widget.visibleRegion().boundingRect();
+    if (seen != place) return;  // scrolled away, in part at least
     const double scale = picture_.devicePixelRatio();
     seen.moveTopLeft(widget.mapTo(&window_, seen.topLeft()));
     const QRect pixels =

@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
+#include <QFile>
 #include <QFont>
 #include <QImage>
 #include <QLineEdit>
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
 #include <chrono>
@@ -646,7 +648,14 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest();
   // A process has one scale, so other processes take the other ones.
   const bool first = qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR");
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // The platform's own screen is smaller than some windows.
+  const QTemporaryDir settings;
+  const QString screen = settings.filePath(QStringLiteral("screen.json"));
+  QFile file(screen);
+  if (!file.open(QIODevice::WriteOnly)) return 2;
+  file.write(R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 3840, "height": 2160}]})");
+  file.close();
+  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.toLocal8Bit());
   QApplication::setStyle(QStringLiteral("Fusion"));
   const QApplication application(argc, argv);
   const QString word = QString::fromLocal8Bit(argv[1]);
