@@ -24,7 +24,11 @@ TEST(ConsoleDialogs, EachKindIsAnsweredWithWhatChangesLeast) {
   };
   for (const auto& row : rows) {
     std::ostringstream out;
-    EXPECT_EQ(ConsoleDialogs(out, false).Show({"Disk", "It is full.", MessageIcon::Warning, row.Buttons}),
+    EXPECT_EQ(ConsoleDialogs(out, false)
+                  .Show({.Title = "Disk",
+                         .Text = "It is full.",
+                         .Icon = MessageIcon::Warning,
+                         .Buttons = row.Buttons}),
               row.Answer);
     EXPECT_EQ(out.str(), row.Text);
   }
