@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenters/InputTrial.h"
 #include "base/Ignored.h"
+#include "presenters/InputTrial.h"
 #include "support/FakeEnvironment.h"
 #include "support/FakeInputListener.h"
 #include "support/MemoryFiles.h"
