@@ -45,8 +45,7 @@ QStringList SpokenCheck::actionNames() const {
 
 void SpokenCheck::doAction(const QString& name) {
   if (name != toggleAction()) return QAccessibleWidget::doAction(name);
-  QMetaObject::invokeMethod(
-      &button_, [&button = button_] { button.click(); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(&button_, "click", Qt::QueuedConnection);
 }
 
 }  // namespace kestrune::windows

@@ -1,6 +1,8 @@
 #include "windows/SpokenLabel.h"
 
 #include <QAccessibleWidget>
+#include <QCoreApplication>
+#include <QKeyEvent>
 
 #include "windows/ElidedLabel.h"
 
@@ -27,9 +29,8 @@ class SpokenLabel final : public QAccessibleWidget {
   }
   void doAction(const QString& name) override {
     if (name == pressAction()) {
-      // It may open a window that waits for an answer, and the reader must not.
-      QMetaObject::invokeMethod(
-          &label_, [&label = label_] { label.Activate(); }, Qt::QueuedConnection);
+      // As the key does, from the event loop: it may open a window that waits for an answer, and the reader must not.
+      QCoreApplication::postEvent(&label_, new QKeyEvent(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier));
     } else {
       QAccessibleWidget::doAction(name);
     }

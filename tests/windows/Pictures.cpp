@@ -496,8 +496,9 @@ void TakeFirstRun(Stage& stage) {
     const auto sound = [&stage](int tenths) {
       for (int i = 0; i < tenths; ++i) {
         const platform::PcmFormat& format = stage.Inputs.OpenFormat;
-        stage.Inputs.Waiting.assign(static_cast<std::size_t>(format.SampleRate / 10 * format.Channels),
-                                    stage.Extreme ? 20 : 4000);
+        stage.Inputs.Waiting.assign(
+            static_cast<std::size_t>(format.SampleRate / 10) * static_cast<std::size_t>(format.Channels),
+            stage.Extreme ? 20 : 4000);
         stage.Rig.Run(100ms);
       }
     };
