@@ -14,10 +14,12 @@
 #include "apps/kestrune/AudioLibrary.h"
 #include "apps/kestrune/DemoReceiver.h"
 #include "control/ControlServer.h"
+#include "control/ServiceReporter.h"
 #include "control/UnitTarget.h"
 #include "platform/codec/WorkerCaptureMender.h"
 #include "platform/local/ControlSocketPath.h"
 #include "platform/posix/IniSettingsStore.h"
+#include "platform/posix/NotifySocket.h"
 #include "platform/posix/PortMap.h"
 #include "platform/posix/PosixEnvironment.h"
 #include "platform/posix/PosixFiles.h"
@@ -67,6 +69,8 @@ void Say(const std::string& line) {
 int RunUnit(const control::CommandLine& line, const std::string& executable, platform::QtEventLoop& loop,
             const MakeFace& makeFace) {
   control::Options options = line.Chosen;
+  // Before anything else is started, which is to hear nothing of it.
+  platform::NotifySocket serviceManager;
   const platform::PosixEnvironment environment(
       {.ExecutablePath = executable,
        .CommandLine = line.RemainingText,
@@ -143,6 +147,8 @@ int RunUnit(const control::CommandLine& line, const std::string& executable, pla
   }
 
   const platform::SignalWatch signalWatch([&unit](int /*signal*/) { unit.Wishes().Close(); });
+  control::ServiceReporter serviceReporter(unit, loop, serviceManager);
+  serviceReporter.Start();
   int status = kDone;
   unit.SetClosedHandler([&status] { QCoreApplication::exit(status); });
   std::unique_ptr<base::Timer> start;
