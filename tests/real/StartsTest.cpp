@@ -120,6 +120,20 @@ TEST_F(Starts, AnAgreementThatNobodyAcceptedEndsTheProgram) {
   EXPECT_TRUE(radio.Events("command").empty()) << "the radio was sought before the agreement";
 }
 
+TEST_F(Starts, WindowsThatAreNotInstalledAreNamedWithWhatStartsWithout) {
+  std::filesystem::copy(std::string(KESTRUNE_PROGRAMS) + "/kestrune", folder_ / "kestrune");
+  const Outcome outcome = RunToEnd({folder_ / "kestrune", {"--profile", folder_ / "profile"}, {}}, kPatience);
+  EXPECT_EQ(outcome.Exit, 1);
+  EXPECT_THAT(outcome.Errors, AllOf(HasSubstr("has no windows"), HasSubstr("--headless")));
+}
+
+TEST_F(Starts, TheProgramWithWindowsDoesNotRunWithout) {
+  const Outcome outcome =
+      RunToEnd({"kestrune-desktop", {"--headless", "--profile", folder_ / "profile"}, {}});
+  EXPECT_EQ(outcome.Exit, 2);
+  EXPECT_THAT(outcome.Errors, HasSubstr("kestrune --headless"));
+}
+
 TEST_F(Starts, TheDemonstrationBringsAReceiverOfItsOwn) {
   Process kestrune(
       {"kestrune", {"--headless", "--accept-agreement", "--demo", "--profile", folder_ / "profile"}, {}});

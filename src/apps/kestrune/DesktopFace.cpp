@@ -32,7 +32,7 @@ void ShowQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 
 /// The start that the desktop is to repeat: this program with this start's unit, profile, radio and sound. The entry is
 /// always in the user's own configuration folder, since a desktop looks nowhere else.
-platform::XdgAutostart::Start StartOf(const control::CommandLine& line) {
+platform::XdgAutostart::Start StartOf(const std::string& program, const control::CommandLine& line) {
   std::error_code ignored;
   const std::string folder = std::filesystem::current_path(ignored).string();
   const std::string& profile = line.Chosen.Profile;
@@ -42,7 +42,7 @@ platform::XdgAutostart::Start StartOf(const control::CommandLine& line) {
           : std::filesystem::weakly_canonical(folder / std::filesystem::path(profile), ignored).string();
   return {.Configuration = platform::PosixEnvironment(platform::StartArguments()).ConfigurationFolder(),
           .Name = platform::AutostartName(recorder::MultiUnitOf(line.RemainingText), whole),
-          .Program = QCoreApplication::applicationFilePath().toStdString(),
+          .Program = program,
           .Words = control::WordsOfTheSameStart(line, folder)};
 }
 
@@ -59,6 +59,7 @@ std::string InstalledPicture(const std::string& executableFolder) {
 DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& environment,
                          const control::CommandLine& line)
     : loop_(loop),
+      program_(environment.ExecutableFolder() + "/kestrune"),
       dialogs_(platform::SideFile(environment.ExecutableFolder(), "Agreement.html"),
                line.Chosen.AcceptAgreement),
       sounds_([this] { QCoreApplication::postEvent(&bell_, new QEvent(QEvent::User)); }),
@@ -68,7 +69,7 @@ DesktopFace::DesktopFace(base::EventLoop& loop, const platform::Environment& env
            .Shell = shell_,
            .HelpFile = platform::SideFile(environment.ExecutableFolder(), "\\Documentation\\Kestrune.html"),
            .Links = {.WebSite = config::EndpointsOf(environment).WebSite, .Mail = ""}}),
-      autostart_(StartOf(line)) {}
+      autostart_(StartOf(program_, line)) {}
 
 void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outside, platform::Mixer& mixer,
                          platform::InputListener& listener) {
@@ -102,7 +103,7 @@ void DesktopFace::Attach(recorder::Kestrune& unit, const recorder::Outside& outs
                       .Raise = [this] { desktop_.MainWindowToFront(); }}});
   launcherEntry_.emplace();
   songCount_.emplace(unit.State(), loop_, *launcherEntry_);
-  std::vector<std::string> command{QCoreApplication::applicationFilePath().toStdString()};
+  std::vector<std::string> command{program_};
   for (const QString& argument : QCoreApplication::arguments().mid(1))
     command.push_back(argument.toStdString());
   sessionEnd_.emplace(command, [&unit] { unit.Wishes().Close(); });

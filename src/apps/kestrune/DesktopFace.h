@@ -43,6 +43,7 @@ class DesktopFace final : public Face {
 
  private:
   base::EventLoop& loop_;
+  std::string program_;  ///< the path under which the program is started again
   platform::DesktopShell shell_;
   windows::QtDialogs dialogs_;
   windows::DisplayBell bell_;
