@@ -1,0 +1,12 @@
+# Runs at the installation: puts the units in place, with the paths of the programs and of the pages.
+foreach(name BINDIR DOCDIR)
+  cmake_path(ABSOLUTE_PATH ${name} BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}")
+endforeach()
+file(GLOB templates ${UNIT_SOURCE_DIR}/*.in)
+foreach(template IN LISTS templates)
+  cmake_path(GET template STEM LAST_ONLY unit)
+  configure_file(${template} ${UNIT_BUILD_DIR}/${unit} @ONLY)
+  list(APPEND units ${UNIT_BUILD_DIR}/${unit})
+endforeach()
+file(GLOB plain ${UNIT_SOURCE_DIR}/*.service ${UNIT_SOURCE_DIR}/*.timer)
+file(INSTALL ${units} ${plain} DESTINATION "${CMAKE_INSTALL_PREFIX}/${UNIT_DIR}")
