@@ -7,6 +7,9 @@
 #include <fstream>
 #include <string_view>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
 namespace kestrune::platform {
 namespace {
 
@@ -19,14 +22,34 @@ int ProcessIdOf(const std::string& name) {
   return error == std::errc{} && end == nameEnd ? id : 0;
 }
 
+/// A device that has been looked up.
+struct Device {
+  fs::path Path;
+  dev_t System = 0;  // the file system of its name
+  dev_t Number = 0;
+};
+
+/// Containers have terminals of their own, with the names and numbers of ours; only the file system of the names differs. A
+/// real line is the same device wherever its name is.
+bool IsSame(const Device& device, const fs::path& openFile) {
+  struct stat status {};
+  if (::stat(openFile.c_str(), &status) != 0 || status.st_rdev != device.Number) return false;
+  constexpr unsigned kFirstTerminal = 136;  // the major numbers of pseudo-terminals
+  constexpr unsigned kLastTerminal = 143;
+  const bool terminal = major(device.Number) >= kFirstTerminal && major(device.Number) <= kLastTerminal;
+  return !terminal || status.st_dev == device.System;
+}
+
 /// Processes come and go while they are looked at, and those of others cannot be looked into: each failure just
-/// means "no".
-bool HasOpen(const fs::path& process, const fs::path& device) {
+/// means "no". Only a file of the right name is asked more, since asking can take long on a file system that is gone.
+bool HasOpen(const fs::path& process, const Device& device) {
   std::error_code error;
   for (fs::directory_iterator file(process / "fd", error), end; !error && file != end;
        file.increment(error)) {
     std::error_code unreadable;
-    if (fs::read_symlink(file->path(), unreadable) == device && !unreadable) return true;
+    if (fs::read_symlink(file->path(), unreadable) == device.Path && !unreadable &&
+        IsSame(device, file->path()))
+      return true;
   }
   return false;
 }
@@ -42,8 +65,11 @@ std::string NameOf(const fs::path& process) {
 
 DeviceHolder FindDeviceHolder(const std::string& path) {
   std::error_code error;
-  const fs::path device = fs::canonical(path, error);
-  if (error) return {};
+  Device device{.Path = fs::canonical(path, error)};
+  struct stat status {};
+  if (error || ::stat(device.Path.c_str(), &status) != 0) return {};
+  device.System = status.st_dev;
+  device.Number = status.st_rdev;
   for (fs::directory_iterator process("/proc", error), end; !error && process != end;
        process.increment(error)) {
     const int id = ProcessIdOf(process->path().filename().string());
