@@ -9,6 +9,7 @@
 #include "base/Numbers.h"
 #include "base/OneLine.h"
 #include "base/PathText.h"
+#include "base/SameDay.h"
 #include "history/Advice.h"
 #include "presenters/MomentText.h"
 #include "presenters/NoticeText.h"
@@ -133,7 +134,7 @@ void Notices::FollowEvents(const State& state) {
 
 void Notices::SayBegan(const State& state, std::string before) {
   const base::DateValue until = state.Schedule.RemainingUntil;
-  const bool today = OnOneDay(until, unit_.Now());
+  const bool today = base::SameDay(until, unit_.Now());
   const radio::ChannelEntry& tuned = unit_.Snapshot().Tuned;
   board_.Show(
       {.Subject = kEvent,

@@ -1,9 +1,11 @@
 #include "presenters/RecentSongs.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "base/Numbers.h"
 #include "base/OneLine.h"
+#include "base/SameDay.h"
 #include "base/Text.h"
 #include "presenters/MomentText.h"
 
@@ -22,12 +24,13 @@ void RecentSongs::Follow() {
                       });
   }
   const auto& songs = recording_.EndedSongs.Songs();
-  bool changed = !OnOneDay(shownOn_, loop_.Now());
+  bool changed = !base::SameDay(shownOn_, loop_.Now());
+  if (changed) ForgetOldLengths();
   // From the oldest on, so that the newest comes to the front.
   for (auto song = songs.rbegin(); song != songs.rend(); ++song) {
     if (song->Number <= last_) continue;
     last_ = song->Number;
-    NoteLength(song->Artist, song->Song, song->LengthMs);
+    NoteLength(song->Artist, song->Song, {.Milliseconds = song->LengthMs, .Ended = loop_.Now()});
     if (!platform::IsKept(song->Fate)) continue;
     kept_.insert(kept_.begin(), {.Ended = loop_.Now(),
                                  .Artist = song->Artist,
@@ -42,7 +45,7 @@ void RecentSongs::Follow() {
 void RecentSongs::TakeRecord(const std::vector<platform::HistorySong>& songs) {
   std::vector<KeptSong> before;
   for (const platform::HistorySong& song : songs) {
-    NoteLength(song.Artist, song.Title, song.LengthMs);
+    NoteLength(song.Artist, song.Title, {.Milliseconds = song.LengthMs, .Ended = song.Ended});
     if (!platform::IsKept(song.Fate) || song.File.empty() || HasFile(song.File)) continue;
     before.push_back({.Ended = song.Ended,
                       .Artist = song.Artist,
@@ -59,16 +62,22 @@ bool RecentSongs::HasFile(const std::string& file) const {
   return std::ranges::find(kept_, file, &KeptSong::File) != kept_.end();
 }
 
-void RecentSongs::NoteLength(std::string_view artist, std::string_view title, std::int64_t milliseconds) {
+void RecentSongs::NoteLength(std::string_view artist, std::string_view title, const Length& length) {
   if (artist.empty() && title.empty()) return;
-  std::int64_t& length = lengths_[{base::ToLower(artist), base::ToLower(title)}];
-  length = std::max(length, milliseconds);
+  Length& noted = lengths_[{base::ToLower(artist), base::ToLower(title)}];
+  noted.Milliseconds = std::max(noted.Milliseconds, length.Milliseconds);
+  noted.Ended = std::max(noted.Ended, length.Ended);
+}
+
+void RecentSongs::ForgetOldLengths() {
+  const base::DateValue oldest = loop_.Now().AddDays(-kDays);
+  std::erase_if(lengths_, [oldest](const auto& song) { return song.second.Ended < oldest; });
 }
 
 std::optional<std::int64_t> RecentSongs::LengthOf(std::string_view artist, std::string_view title) const {
   const auto found = lengths_.find({base::ToLower(artist), base::ToLower(title)});
   if (found == lengths_.end()) return std::nullopt;
-  return found->second;
+  return found->second.Milliseconds;
 }
 
 void RecentSongs::Rebuild() {

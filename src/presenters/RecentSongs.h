@@ -57,10 +57,16 @@ class RecentSongs {
     std::int64_t LengthMs = 0;
     std::string File;
   };
+  struct Length {
+    std::int64_t Milliseconds = 0;  // the most of all times
+    base::DateValue Ended;          // the last time
+  };
   using Name = std::pair<std::string, std::string>;  // artist and title in lower case
 
   void TakeRecord(const std::vector<platform::HistorySong>& songs);
-  void NoteLength(std::string_view artist, std::string_view title, std::int64_t milliseconds);
+  void NoteLength(std::string_view artist, std::string_view title, const Length& length);
+  /// Those of songs that have not been heard for `kDays`, so that a run of months does not grow.
+  void ForgetOldLengths();
   [[nodiscard]] bool HasFile(const std::string& file) const;
   void Rebuild();
 
@@ -70,7 +76,7 @@ class RecentSongs {
   bool asked_ = false;
   std::int64_t last_ = 0;       // number of the last song taken
   std::vector<KeptSong> kept_;  // the newest first
-  std::map<Name, std::int64_t> lengths_;
+  std::map<Name, Length> lengths_;
   base::DateValue shownOn_;
   std::vector<KeptRow> rows_;
   std::uint32_t changes_ = 0;

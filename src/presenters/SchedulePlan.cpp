@@ -10,6 +10,7 @@
 
 #include "base/DatePattern.h"
 #include "base/OneLine.h"
+#include "base/SameDay.h"
 #include "base/Text.h"
 #include "schedule/entries/ConflictCheck.h"
 #include "schedule/entries/DueSearch.h"
@@ -21,16 +22,13 @@ namespace kestrune::presenters {
 namespace {
 
 using base::DateValue;
+using base::SameDay;
 using schedule::EntryRun;
 using schedule::ScheduleEntry;
 using schedule::SchedulerRow;
 
 DateValue MidnightOf(DateValue moment) {
   return DateValue::FromCivil(moment.Year(), moment.Month(), moment.Day());
-}
-
-bool SameDay(DateValue a, DateValue b) {
-  return MidnightOf(a) == MidnightOf(b);
 }
 
 std::string Time(DateValue moment) {

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "base/SameDay.h"
 #include "recorder/SongName.h"
 
 namespace kestrune::recorder {
@@ -14,10 +15,6 @@ constexpr std::chrono::seconds kLookInterval{1};
 
 std::string Elapsed(std::chrono::milliseconds time) {
   return FormatSeconds(time.count() / 1000);
-}
-
-bool SameDay(base::DateValue a, base::DateValue b) {
-  return a.Year() == b.Year() && a.Month() == b.Month() && a.Day() == b.Day();
 }
 
 }  // namespace
@@ -88,7 +85,7 @@ void SoundWatch::LookForSilence() {
 
 void SoundWatch::LookForOverload() {
   const base::DateValue today = loop_.Now();
-  if (overloadSaid_ && SameDay(*overloadSaid_, today)) return;
+  if (overloadSaid_ && base::SameDay(*overloadSaid_, today)) return;
   for (const CaptureRecord& song : state_.Recording.CaptureSlots) {
     const CaptureOutcome& outcome = song.Outcome;
     if (!outcome.Overloaded || outcome.FinalName.empty()) continue;

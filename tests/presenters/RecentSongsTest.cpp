@@ -144,5 +144,19 @@ TEST_F(RecentSongsTest, ASongIsAsLongAsItWasAtTheMost) {
   EXPECT_EQ(songs.LengthOf("", ""), std::nullopt);
 }
 
+TEST_F(RecentSongsTest, TheLengthOfASongNotHeardForAWeekIsForgotten) {
+  Before(60, "Low Water");
+  Before(60, "North Pier");
+  Follow();
+  loop.Run(std::chrono::hours(24 * 5));
+  Ends("North Pier");
+  Follow();
+  EXPECT_THAT(songs.LengthOf("Abigail Wren", "Low Water"), Optional(200'000));
+  loop.Run(std::chrono::hours(24 * 3));
+  Follow();
+  EXPECT_EQ(songs.LengthOf("Abigail Wren", "Low Water"), std::nullopt);
+  EXPECT_THAT(songs.LengthOf("Abigail Wren", "North Pier"), Optional(200'000));
+}
+
 }  // namespace
 }  // namespace kestrune::test
