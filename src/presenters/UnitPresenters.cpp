@@ -27,6 +27,7 @@ UnitPresenters::UnitPresenters(recorder::Kestrune& unit, const recorder::Outside
       outside_(outside),
       cutOffer_(unit.State(), parts_.Section),
       recentSongs_(unit.State().Recording, parts_.History, outside.Loop),
+      spokenChanges_(outside.Loop),
       options_(parts_.Settings, unit.State().Run, parts_.Boxes),
       switches_(desktop_, outside.Windows, parts_.Settings, unit.State().Run),
       resize_(desktop_, outside.Windows, unit.State().Settings, unit.State().Run),

@@ -27,6 +27,7 @@
 #include "presenters/RestrictListEditor.h"
 #include "presenters/Scheduler.h"
 #include "presenters/SongProgress.h"
+#include "presenters/SpokenChanges.h"
 #include "presenters/WindowSwitches.h"
 #include "recorder/Kestrune.h"
 #include "recorder/Outside.h"
@@ -51,6 +52,8 @@ class UnitPresenters final : private recorder::Presentation {
   [[nodiscard]] MainWindow Window() const { return ShowState(unit_.State(), desktop_); }
   /// What becomes of the song that plays, and why, or what begins elsewhere; once, that songs can be cut by listening.
   [[nodiscard]] std::string Explanation() const;
+  /// What a screen reader is to say now by itself; empty if nothing.
+  [[nodiscard]] std::string NextToSay() { return spokenChanges_.Next(unit_.State()); }
   /// Tunes to the channel of the hint that the window shows; nothing if it shows none.
   void TuneToHint();
   /// What only the window knows of itself; the window keeps it up to date.
@@ -115,6 +118,7 @@ class UnitPresenters final : private recorder::Presentation {
   DesktopRecord desktop_;
   CutOffer cutOffer_;
   presenters::RecentSongs recentSongs_;
+  SpokenChanges spokenChanges_;
   OptionRules options_;
   WindowSwitches switches_;
   ResizeRule resize_;

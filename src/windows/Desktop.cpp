@@ -14,6 +14,7 @@
 #include "base/Ignored.h"
 #include "base/Text.h"
 #include "presenters/WindowTable.h"
+#include "windows/Announcer.h"
 #include "windows/Binding.h"
 #include "windows/FocusRing.h"
 #include "windows/Placement.h"
@@ -60,6 +61,7 @@ void Desktop::Attach(presenters::UnitPresenters& rules) {
   rules_ = &rules;
   unit_ = &rules.Unit();
   main_ = std::make_unique<frmKestrune>(rules);
+  announcer_ = new Announcer(*main_);
   main_->Show = [this](WindowName name) { Show(name); };
   main_->mnuAbout = [this] { ShowAbout(); };
   main_->mnuHelpWith = [this] { base::Ignored(outside_.Shell.Open(outside_.HelpFile)); };
@@ -108,15 +110,23 @@ void Desktop::Refresh() {
   if (main_ == nullptr) return;
   ReadMainWindow();
   ShowMainWindow();
-  ShowTray();
-  ShowMark(rules_->Window().Recording);
+  LookForTray();
+  const presenters::MainWindow window = rules_->Window();
+  ShowTray(window);
+  ShowMark(window.Recording);
   ShowSearch();
   DropClosed();
-  main_->Refresh();
+  main_->Refresh(window);
+  SayChanges();
   for (const WindowName name : std::vector(opened_)) {
     const Kept* kept = Find(name);
     if (kept != nullptr && kept->Window->Widget()->isVisible()) kept->Window->Refresh();
   }
+}
+
+void Desktop::SayChanges() {
+  const std::string text = rules_->NextToSay();
+  if (!text.empty() && QApplication::activeWindow() != nullptr) announcer_->Say(ToQt(text));
 }
 
 // The main window.
@@ -206,7 +216,8 @@ void Desktop::AddTrayIcon() {
   tray_->show();
   trayCheck_ = 0;
   trayTip_.clear();
-  ShowTray();
+  LookForTray();
+  ShowTray(rules_->Window());
 }
 
 void Desktop::RemoveTrayIcon() {
@@ -215,7 +226,7 @@ void Desktop::RemoveTrayIcon() {
   if (trayMenu_ != nullptr) trayMenu_.release()->deleteLater();
 }
 
-void Desktop::ShowTray() {
+void Desktop::LookForTray() {
   presenters::DesktopRecord& record = rules_->OnDesktop();
   if (tray_ == nullptr) {
     record.TrayIcon = false;
@@ -223,11 +234,14 @@ void Desktop::ShowTray() {
   }
   if (trayCheck_ == 0) record.TrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
   trayCheck_ = (trayCheck_ + 1) % kRefreshesPerTrayCheck;
-  presenters::MainWindow window = rules_->Window();
+}
+
+void Desktop::ShowTray(const presenters::MainWindow& window) {
+  if (tray_ == nullptr) return;
   trayHint_->setVisible(window.HintChannel != 0);
   trayHint_->setText(ToQt(base::DoubleAmpersands("Tune to " + window.HintStation)));
   if (window.TrayTip == trayTip_) return;
-  trayTip_ = std::move(window.TrayTip);
+  trayTip_ = window.TrayTip;
   tray_->setToolTip(ToQt(trayTip_).left(kTrayTipLetters));
 }
 

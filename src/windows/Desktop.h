@@ -23,6 +23,8 @@
 
 namespace kestrune::windows {
 
+class Announcer;
+
 /// The windows of the program. It opens and closes them as the run asks, refreshes what is on screen from the
 /// records ten times a second, and passes requests from one window to another.
 class Desktop final : public QObject, public recorder::Windows {
@@ -116,9 +118,13 @@ class Desktop final : public QObject, public recorder::Windows {
   void DropClosed();
   void ReadMainWindow();
   void ShowMainWindow();
-  void ShowTray();
+  /// Whether there is a place for the icon, for the record.
+  void LookForTray();
+  void ShowTray(const presenters::MainWindow& window);
   /// Marks the icons of tray and windows while a song is being recorded.
   void ShowMark(bool recording);
+  /// Has a screen reader say what has changed, while one of the program's windows is in front.
+  void SayChanges();
   void Restore();
   void ShowAbout();
   void SetBusyCursor(bool busy);
@@ -131,6 +137,7 @@ class Desktop final : public QObject, public recorder::Windows {
   std::vector<recorder::WindowName> opened_;  // in this order
 
   std::unique_ptr<frmKestrune> main_;
+  Announcer* announcer_ = nullptr;  // of the main window
   std::unique_ptr<frmPleaseWait> pleaseWait_;
   std::unique_ptr<frmSplash> splash_;
   std::unique_ptr<frmUpdating> updating_;

@@ -77,4 +77,14 @@ bool Reader::Press(const std::string& role, const std::string& name) const {
       200ms);
 }
 
+void Reader::Listen() {
+  listener_ = std::make_unique<Process>(Command{"screen_reader", {"listen"}, Environment()});
+  base::Ignored(WaitUntil(kReadPatience,
+                          [this] { return listener_->Output().find("listening\n") != std::string::npos; }));
+}
+
+bool Reader::Heard(const std::string& text) const {
+  return WaitUntil(kReadPatience, [&] { return listener_->Output().find(text) != std::string::npos; });
+}
+
 }  // namespace kestrune::test

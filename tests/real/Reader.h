@@ -41,6 +41,10 @@ class Reader {
   [[nodiscard]] bool WaitFor(const std::string& role, const std::string& name) const;
   /// Waits for one that shows and is enabled, and presses it; false if it did not take that.
   [[nodiscard]] bool Press(const std::string& role, const std::string& name) const;
+  /// Begins to take down what programs say by themselves.
+  void Listen();
+  /// Waits until a program has said this by itself, alone or with more, since then; false if none does.
+  [[nodiscard]] bool Heard(const std::string& text) const;
 
  private:
   [[nodiscard]] Outcome Run(std::vector<std::string> words) const;
@@ -49,6 +53,7 @@ class Reader {
   TemporaryFolder folder_;
   std::unique_ptr<PrivateBus> bus_;
   std::unique_ptr<Process> launcher_;
+  std::unique_ptr<Process> listener_;
 };
 
 }  // namespace kestrune::test

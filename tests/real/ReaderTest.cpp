@@ -48,7 +48,7 @@ class ScreenReader : public testing::Test {
   }
 
   const Screen screen_;
-  const Reader reader_{screen_};
+  Reader reader_{screen_};
   const TemporaryFolder folder_;
   std::unique_ptr<Receiver> radio_;
   std::unique_ptr<Unit> unit_;
@@ -107,12 +107,18 @@ TEST_F(ScreenReader, AFirstHourByNamesAlone) {
   ASSERT_TRUE(reader_.Press("push button", "Save")) << "the first configuration";
   ASSERT_TRUE(unit_->WaitUntilIdle()) << unit_->Program().Errors();
 
+  // A change is said without being asked for, while the window is in front.
+  reader_.Listen();
+  EXPECT_TRUE(reader_.Heard("Two by The Preview.") && reader_.Heard("Three by The Preview."))
+      << unit_->Program().Errors();
+
   // What plays is heard with its caption, and changes with the song.
   ASSERT_TRUE(WaitUntil(kPatience, [&] { return Hears("Artist: The Preview") && Hears("Song: One"); }));
   EXPECT_TRUE(WaitUntil(kPatience, [&] { return Hears("Song: Two"); }));
   ASSERT_TRUE(reader_.Press("push button", "Record"));
   ASSERT_TRUE(
       unit_->WaitForStatus([](const Unit::Json& status) { return status["recording"] == "Recording"; }));
+  EXPECT_TRUE(reader_.Heard("Recording."));
   EXPECT_TRUE(reader_.WaitFor("label", "Status: Recording"));
   EXPECT_TRUE(Hears("Locked while recording"));
   ASSERT_TRUE(unit_->WaitForStatus([](const Unit::Json& status) { return status["recordedCount"] >= 1; }));

@@ -4,6 +4,7 @@
 //                                   DEPTH|ROLE|NAME|VALUE|STATES, the text of a field being its value
 //   screen_reader press ROLE NAME   does the first action of the first such thing that shows and is enabled
 //   screen_reader focus ROLE NAME   gives it the focus
+//   screen_reader listen            prints "listening", and then what each notification says when it comes, until it is ended
 //
 // Exits with 1 if there is no such thing, and 2 if there is no program to read.
 #include <QCoreApplication>
@@ -17,6 +18,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+
+#include "real/NewsListener.h"
 
 namespace {
 
@@ -81,6 +84,15 @@ class Reader {
   [[nodiscard]] bool Press(const Thing& thing) const {
     return Ask(thing, "Action", "DoAction", {0}).arguments().value(0).toBool();
   }
+  /// Asks for the news of what comes and goes, as programs send them only to those who want them.
+  [[nodiscard]] bool Listen(kestrune::test::NewsListener& listener) {
+    bus_.call(QDBusMessage::createMethodCall(
+                  QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("/org/a11y/atspi/registry"),
+                  QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("RegisterEvent"))
+              << QStringLiteral("object:state-changed:showing"));
+    return bus_.connect(QString(), QString(), QStringLiteral("org.a11y.atspi.Event.Object"),
+                        QStringLiteral("StateChanged"), &listener, SLOT(Take(QDBusMessage)));
+  }
   [[nodiscard]] bool Focus(const Thing& thing) const {
     return Ask(thing, "Component", "GrabFocus").arguments().value(0).toBool();
   }
@@ -140,12 +152,29 @@ void Print(const Reader& reader, const Thing& thing, int depth) {
               qUtf8Printable(states.join(QLatin1Char(' '))));
 }
 
+/// Prints what the thing says, if it is a notification that has come.
+void PrintNews(const Reader& reader, const QDBusMessage& news) {
+  const QVariantList facts = news.arguments();
+  if (facts.value(0).toString() != QLatin1String("showing") || facts.value(1).toInt() != 1) return;
+  const Thing thing{news.service(), news.path()};
+  if (reader.Role(thing) != QLatin1String("notification")) return;
+  std::printf("%s\n", qUtf8Printable(OneLine(reader.Name(thing))));
+  std::fflush(stdout);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   const QStringList words = QCoreApplication::arguments();
-  const Reader reader;
+  Reader reader;
+  if (words.value(1) == QLatin1String("listen")) {
+    kestrune::test::NewsListener listener([&reader](const QDBusMessage& news) { PrintNews(reader, news); });
+    if (!reader.Listen(listener)) return 2;
+    std::puts("listening");
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+  }
   const QList<Thing> programs = reader.Programs();
   if (programs.isEmpty()) return 2;
   if (words.value(1) == QLatin1String("tree")) {

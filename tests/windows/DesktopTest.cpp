@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
@@ -20,6 +21,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "windows/Announcer.h"
 #include "windows/DesktopRig.h"
 #include "windows/ProgramIcon.h"
 
@@ -255,6 +257,37 @@ TEST_F(DesktopTest, TheTipOfTheTrayIconFollowsTheSong) {
   rig.Unit.NextSong("Salt & Sun", "You & I");
   rig.Run(200ms);
   EXPECT_EQ(rig.Desktop.TrayTip(), QStringLiteral("Kestrune: Recording\nSalt & Sun - You & I"));
+}
+
+TEST_F(DesktopTest, AReaderSaysTheNewSongWhileAWindowIsInFront) {
+  rig.Unit.StartIdle();
+  rig.Main().activateWindow();
+  rig.Run(2s);
+  const auto& announcer = dynamic_cast<const windows::Announcer&>(rig.Find<QObject>("announcer"));
+  EXPECT_EQ(announcer.Said(), QString());
+  ASSERT_NE(QApplication::activeWindow(), nullptr);
+  rig.Unit.NextSong("Salt & Sun", "You & I");
+  rig.Run(2s);
+  EXPECT_EQ(announcer.Said(), QStringLiteral("You & I by Salt & Sun."));
+  rig.Main().hide();
+  QCoreApplication::processEvents();
+  ASSERT_EQ(QApplication::activeWindow(), nullptr);
+  rig.Unit.NextSong("Moonlighters", "Slow Tide");
+  rig.Run(2s);
+  EXPECT_EQ(announcer.Said(), QStringLiteral("You & I by Salt & Sun.")) << "the user is elsewhere";
+}
+
+TEST(Announcer, IsANotificationThatReadsWhatIsSaid) {
+  QWidget window;
+  windows::Announcer& announcer = *new windows::Announcer(window);
+  announcer.Say(QStringLiteral("Recording."));
+  const QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(&announcer);
+  ASSERT_NE(spoken, nullptr);
+  EXPECT_EQ(spoken->role(), QAccessible::Notification);
+  EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Recording."));
+  EXPECT_FALSE(spoken->state().invisible);
+  ASSERT_NE(spoken->parent(), nullptr);
+  EXPECT_EQ(spoken->parent()->object(), &window);
 }
 
 /// The picture that a desktop shows of an icon at this size.
