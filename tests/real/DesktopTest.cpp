@@ -117,6 +117,29 @@ TEST(Desktop, ARefusedAgreementEndsTheProgramAtOnce) {
   EXPECT_THAT(radio.Events("command"), IsEmpty()) << "the radio was sought before the agreement";
 }
 
+TEST(Desktop, EscapeEndsASearchForARadioThatDoesNotAnswer) {
+  const Screen screen;
+  if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
+  const TemporaryFolder folder;
+  // It hears no command for longer than anybody searches.
+  Receiver radio(folder / "radio",
+                 {.Stations = ShortLineUp({"One"}, 60), .Arguments = {"--misbehave", "deaf=1"}});
+  Unit unit(folder / "profile",
+            {.Audio = "pipe:" + QuietFile(folder.Path()),
+             .Port = radio.Link(),
+             .Settings = {{"MainTop", "600"}, {"MainLeft", "600"}, {"LegalAgreement", "True"}},
+             .Environment = screen.Environment(),
+             .Windows = true});
+  unit.Start();
+  constexpr const char* kSearch = "^Kestrune: Initializing$";
+  ASSERT_TRUE(screen.WaitFor(kSearch)) << unit.Program().Errors();
+  ASSERT_TRUE(WaitUntil(kPatience, [&] { return !radio.Events("misbehaviour").empty(); }))
+      << "nothing is sought";
+  screen.Press(kSearch, {"Escape"});
+  EXPECT_EQ(unit.Program().Wait(std::chrono::seconds(8)), 0) << unit.Program().Errors();
+  EXPECT_THAT(unit.LogText(), HasSubstr("Shutting Down"));
+}
+
 TEST(Desktop, MediaKeysReachTheRadioAndTheDesktopShowsTheSong) {
   const Screen screen;
   if (!screen.Usable()) GTEST_SKIP() << "Xvfb, openbox, xdotool or wmctrl is missing";
