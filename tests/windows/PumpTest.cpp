@@ -93,7 +93,7 @@ class PumpWithWindows : public ::testing::Test {
     return QTest::qWaitFor([&] { return window_.Heard == what; });
   }
 
-  QtEventLoop loop_;
+  QtEventLoop loop_{QtEventLoop::WhileAsleep::KeepPainted};
   Watched window_;
 };
 

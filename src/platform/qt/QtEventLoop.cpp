@@ -38,17 +38,25 @@ std::tm LocalTime(std::time_t moment) {
 /// while its own event is served.
 class QtEventLoop::TimerHost final : public QObject {
  public:
+  explicit TimerHost(const QtEventLoop& loop) : loop_(loop) {}
   [[nodiscard]] int Start(HostedTimer& timer, milliseconds interval);
   void Stop(int id) {
     killTimer(id);
     timers_.erase(id);
+  }
+  /// Has the outer loop go through all of its sources once the pumps are over. A pump that is the next to run puts it off,
+  /// so that many pumps cost one wake-up, which is a round trip through the system.
+  void WakeOuterLoop() {
+    if (wake_ == 0) wake_ = startTimer(0);
   }
 
  protected:
   void timerEvent(QTimerEvent* event) override;
 
  private:
+  const QtEventLoop& loop_;
   std::unordered_map<int, HostedTimer*> timers_;
+  int wake_ = 0;  ///< of the Qt timer that is due at once; 0 is none
 };
 
 /// One Qt timer is one interval. While the handler runs there is none unless the handler has asked for it
@@ -119,6 +127,11 @@ int QtEventLoop::TimerHost::Start(HostedTimer& timer, milliseconds interval) {
 }
 
 void QtEventLoop::TimerHost::timerEvent(QTimerEvent* event) {
+  if (event->timerId() == wake_) {
+    killTimer(std::exchange(wake_, 0));
+    if (!loop_.Pumping()) QAbstractEventDispatcher::instance()->wakeUp();
+    return;
+  }
   const auto place = timers_.find(event->timerId());
   if (place != timers_.end()) place->second->Fire();
 }
@@ -140,7 +153,7 @@ class QtEventLoop::SleepGuard final : public QObject {
 };
 
 QtEventLoop::QtEventLoop(WhileAsleep whileAsleep)
-    : whileAsleep_(whileAsleep), host_(std::make_unique<TimerHost>()) {}
+    : whileAsleep_(whileAsleep), host_(std::make_unique<TimerHost>(*this)) {}
 
 QtEventLoop::~QtEventLoop() = default;
 
@@ -183,6 +196,7 @@ milliseconds QtEventLoop::UniversalNow() const {
 void QtEventLoop::Sleep(milliseconds duration) {
   if (whileAsleep_ == WhileAsleep::Nothing || asleep) return std::this_thread::sleep_for(duration);
   const SleepGuard guard;
+  slept_ = true;
   const auto end = std::chrono::steady_clock::now() + duration;
   for (auto left = duration; left.count() > 0;
        left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now())) {
@@ -200,13 +214,13 @@ void QtEventLoop::PumpEvents() {
   ++pumps_;
   // What the user did while the program slept is in a queue of Qt's that some platforms read again only once something
   // new comes.
-  if (!userWaits_) QAbstractEventDispatcher::instance()->wakeUp();
+  if (std::exchange(slept_, false) && !userWaits_) QAbstractEventDispatcher::instance()->wakeUp();
   QCoreApplication::processEvents(userWaits_ ? QEventLoop::ExcludeUserInputEvents : QEventLoop::AllEvents);
   // What the devices posted in this round belongs to it: their bytes were there when the round began.
   QCoreApplication::sendPostedEvents();
   --pumps_;
-  // The same for what the user did meanwhile, which is for the outer loop.
-  if (userWaits_ && pumps_ == 0) QAbstractEventDispatcher::instance()->wakeUp();
+  // The same for what the user of windows did meanwhile, which is for the outer loop. Pumps are many.
+  if (userWaits_ && pumps_ == 0 && whileAsleep_ == WhileAsleep::KeepPainted) host_->WakeOuterLoop();
 }
 
 std::unique_ptr<base::Timer> QtEventLoop::MakeTimer(milliseconds interval, std::function<void()> handler) {

@@ -49,7 +49,8 @@ class QtEventLoop final : public base::EventLoop {
 
   WhileAsleep whileAsleep_;
   bool userWaits_ = false;
-  int pumps_ = 0;  // on the stack
+  bool slept_ = false;  // with windows, since the last pump
+  int pumps_ = 0;       // on the stack
   std::unique_ptr<TimerHost> host_;
 };
 
