@@ -133,6 +133,7 @@ LineInput ReadSerialLine(const FileDescriptor& line) {
     const ssize_t count = ::read(line.Number(), bytes.data(), bytes.size());
     if (count > 0) {
       input.Bytes.append(bytes.data(), static_cast<std::size_t>(count));
+      if (static_cast<std::size_t>(count) < bytes.size()) break;  // that was all
       continue;
     }
     // A line that was reported to have bytes may have none left: somebody else has read them.

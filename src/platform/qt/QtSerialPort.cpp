@@ -24,6 +24,9 @@ namespace {
 
 // A line that was hung up is not reported before it is read.
 constexpr std::chrono::milliseconds kHangUpCheck{200};
+// A line brings a few bytes every few milliseconds, as adapters on the bus do too; what comes so soon after the first of them
+// is read with them. Each waking of the program costs more than the bytes.
+constexpr std::chrono::milliseconds kGather{20};
 // A driver takes a few kilobytes, which need seconds on the line.
 constexpr std::chrono::milliseconds kSendAgain{20};
 constexpr std::size_t kMostWaiting = 4096;
@@ -60,7 +63,8 @@ struct QtSerialPort::Opening {
 };
 
 QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
-    : ports_(std::move(ports)),
+    : loop_(loop),
+      ports_(std::move(ports)),
       wakeup_(std::make_unique<Wakeup>(*this)),
       hangUpCheck_(loop.MakeTimer(kHangUpCheck, [this] { CloseIfDead(); })),
       afterSleep_(loop.MakeTimer(std::chrono::milliseconds(0),
@@ -69,6 +73,7 @@ QtSerialPort::QtSerialPort(base::EventLoop& loop, PortMap ports)
                                    wakeup_->Post(kNotify);
                                    wakeup_->Post(kOpened);
                                  })),
+      gather_(loop.MakeTimer(kGather, [this] { ReceiveGathered(); })),
       sendAgain_(loop.MakeTimer(kSendAgain, [this] { SendWaiting(); })) {}
 
 QtSerialPort::~QtSerialPort() {
@@ -136,8 +141,10 @@ void QtSerialPort::TakeLine(FileDescriptor line) {
   dead_ = false;
   readable_ = std::make_unique<QSocketNotifier>(line_.Number(), QSocketNotifier::Read);
   QObject::connect(readable_.get(), &QSocketNotifier::activated, wakeup_.get(), [this] {
-    Receive();
-    NotifySoon();
+    // Whoever pumps waits for it.
+    if (loop_.Pumping()) return ReceiveGathered();
+    readable_->setEnabled(false);
+    gather_->SetEnabled(true);
   });
   hangUpCheck_->SetEnabled(true);
 }
@@ -151,6 +158,7 @@ void QtSerialPort::Close() {
   opening_ = nullptr;
   opened_ = nullptr;
   hangUpCheck_->SetEnabled(false);
+  gather_->SetEnabled(false);
   sendAgain_->SetEnabled(false);
   waiting_.clear();
   received_.clear();
@@ -188,6 +196,13 @@ void QtSerialPort::Receive() {
     // A dead line is readable for ever.
     readable_->setEnabled(false);
   }
+}
+
+void QtSerialPort::ReceiveGathered() {
+  gather_->SetEnabled(false);
+  readable_->setEnabled(true);
+  Receive();
+  NotifySoon();
 }
 
 std::string QtSerialPort::Input() {

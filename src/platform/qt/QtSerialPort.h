@@ -18,7 +18,8 @@ namespace kestrune::platform {
 /// A serial line served by Qt's loop: real devices and pseudo-terminals, on which modem lines fail silently. The device
 /// is opened for this program only. Trying a number without a device costs one look into the file system. What the
 /// device received before it was opened is dropped. OpenLater opens on a thread of its own; if the system never lets go
-/// of it, so does every later OpenLater fail.
+/// of it, so does every later OpenLater fail. From the outer loop the receive handler runs up to 20 ms late, with what has come
+/// meanwhile.
 class QtSerialPort final : public SerialPort {
  public:
   /// The loop must outlive the port, and must be Qt's.
@@ -50,17 +51,20 @@ class QtSerialPort final : public SerialPort {
   void TakeLine(FileDescriptor line);
   void TakeOpening();
   void Receive();
+  void ReceiveGathered();
   void NotifySoon();
   void Notify();
   void CloseIfDead();
   void SendWaiting();
 
+  base::EventLoop& loop_;
   PortMap ports_;
   FileDescriptor line_;
   std::unique_ptr<QSocketNotifier> readable_;  // null while closed or dead
   std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
   std::unique_ptr<base::Timer> afterSleep_;
+  std::unique_ptr<base::Timer> gather_;  // runs from the first bytes that wake the program
   std::unique_ptr<base::Timer> sendAgain_;
   std::shared_ptr<std::function<void()>> handler_;
   std::shared_ptr<Opening> opening_;                        // the one that is awaited

@@ -140,6 +140,17 @@ TEST_F(QtSerialPortTest, TheHandlerRunsOnlyFromTheLoop) {
   EXPECT_EQ(Notifications, 1) << "one pump serves what is there";
 }
 
+TEST_F(QtSerialPortTest, WhatComesInPiecesWakesTheOuterLoopOnce) {
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Far.Send("abc");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Notifications, 0) << "more may come";
+  Far.Send("def");
+  ASSERT_TRUE(ReceivedSize(6));
+  EXPECT_EQ(Received, "abcdef");
+  EXPECT_EQ(Notifications, 1);
+}
+
 TEST_F(QtSerialPortTest, BytesThatComeWhileTheHandlerPumpsAreNotifiedWithinIt) {
   int depth = 0;
   int deepest = 0;
