@@ -69,6 +69,9 @@ function(kestrune_precompile target)
   endif()
 endfunction()
 
+add_library(kestrune_test_sanitizers INTERFACE)
+target_compile_options(kestrune_test_sanitizers INTERFACE -fno-sanitize=fuzzer-no-link,vptr,null,alignment)
+
 # kestrune_test_flags(TARGET): how test code is compiled. Compiling it is most of a build, so it is not optimised, does not
 # guide fuzzers, is not checked for what a test would crash on anyway, and has no debug information in an optimised build. The
 # code under test is and does all that.
@@ -76,7 +79,8 @@ function(kestrune_test_flags target)
   target_link_libraries(${target} PRIVATE GTest::gmock)
   target_compile_options(${target} PRIVATE -O0)
   if(KESTRUNE_SANITIZE MATCHES fuzzer)
-    target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link,vptr,null,alignment)
+    # After the sanitizers of all targets, which a target's own options would precede: the last one counts.
+    target_link_libraries(${target} PRIVATE kestrune_test_sanitizers)
   elseif(CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
     target_compile_options(${target} PRIVATE -g0)
   endif()
