@@ -287,6 +287,14 @@ TEST_F(PosixFilesTest, AppendMakesTheFileAndGoesOnAtItsEnd) {
   EXPECT_FALSE(files.Append(folder / "none/log", "x"));
 }
 
+TEST_F(PosixFilesTest, AFileThatWasMovedAwayIsBegunAnewByTheNextLine) {
+  EXPECT_TRUE(files.Append(folder / "log", "one\n"));
+  std::filesystem::rename(folder / "log", folder / "log.1");
+  EXPECT_TRUE(files.Append(folder / "log", "two\n"));
+  EXPECT_EQ(files.Read(folder / "log"), "two\n");
+  EXPECT_EQ(files.Read(folder / "log.1"), "one\n");
+}
+
 TEST_F(PosixFilesTest, TwoProcessesAppendWholeLines) {
   const std::string lineOfChild(500, 'c');
   const std::string lineOfParent(500, 'p');
