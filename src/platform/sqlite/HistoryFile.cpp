@@ -106,7 +106,8 @@ std::string PutHistoryAside(const std::string& path, const std::string& word) {
 
 HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop) {
   HistoryFileOpened opened;
-  for (int attempt = 0; attempt < 2; ++attempt) {
+  bool suspected = false;
+  for (int attempt = 0; attempt < 3; ++attempt) {
     bool hasBytes = false;
     if (base::Result made = MakeFile(path, hasBytes); !made.Ok()) {
       opened.Outcome = std::move(made);
@@ -116,6 +117,8 @@ HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<boo
     const Examined examined = Examine(*database, hasBytes, stop);
     if (examined.Is == Verdict::Unreadable) {
       database.reset();
+      // To the database a read that the system refuses is damage too; only what is damaged is so at the second look.
+      if (!std::exchange(suspected, true)) continue;
       opened.PutAside = PutHistoryAside(path, examined.Word);
       opened.WhyPutAside = examined.Why;
       opened.Outcome = base::Result::Failed(examined.Why);

@@ -47,6 +47,8 @@ SqliteConnection::~SqliteConnection() {
 bool SqliteConnection::Note(int outcome) {
   const int primary = PrimaryCode(outcome);
   if (primary == SQLITE_OK || primary == SQLITE_ROW || primary == SQLITE_DONE) return false;
+  // A connection that did not open calls all that follows a misuse, which says nothing about the file.
+  if (primary == SQLITE_MISUSE && lastFailure_ != SQLITE_OK) return true;
   lastFailure_ = outcome;
   systemError_ = database_ == nullptr ? 0 : ::sqlite3_system_errno(database_);
   damaged_ = damaged_ || primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
