@@ -70,7 +70,9 @@ bool IniSettingsStore::Write(const std::string& path, const IniText& content) {
 
 std::string IniSettingsStore::GetSetting(std::string_view application, std::string_view section,
                                          std::string_view key, std::string_view defaultText) {
-  const IniText* content = Current(FileOf(application));
+  const std::string path = FileOf(application);
+  const IniText* content = Current(path);
+  if (content == nullptr && files_[path].Open.IsOpen()) content = &files_[path].Content;
   const auto value = content == nullptr ? std::nullopt : content->Get(section, key);
   return value ? *value : std::string(defaultText);
 }

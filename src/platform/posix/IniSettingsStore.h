@@ -40,7 +40,8 @@ class IniSettingsStore final : public SettingsStore {
     IniText Content;
   };
 
-  /// The file as it is now; null if it cannot be read. A file that is absent is empty.
+  /// The file as it is now; null if it cannot be read. A file that is absent is empty. Values are still given as they
+  /// were last read while the file cannot be read, but then nothing is written.
   [[nodiscard]] const IniText* Current(const std::string& path);
   [[nodiscard]] FileDescriptor Lock(const std::string& path) const;
   [[nodiscard]] static bool Write(const std::string& path, const IniText& content);

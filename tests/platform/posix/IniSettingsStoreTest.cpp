@@ -160,6 +160,18 @@ TEST_F(IniSettingsStoreTest, AnUnwritableFolderFailsAndKeepsTheSettings) {
   ASSERT_EQ(::chmod((folder / "config").c_str(), 0755), 0);
 }
 
+TEST_F(IniSettingsStoreTest, WhileTheFileCannotBeReadItsLastValuesStay) {
+  EXPECT_TRUE(Save("Kestrune", "Channel", "44"));
+  EXPECT_EQ(Get("Kestrune", "Channel"), "44");
+  std::filesystem::rename(file, file + ".away");
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(Get("Kestrune", "Channel"), "44");
+  EXPECT_FALSE(Save("Kestrune", "Channel", "45"));
+  std::filesystem::remove(file);
+  std::filesystem::rename(file + ".away", file);
+  EXPECT_EQ(Get("Kestrune", "Channel"), "44");
+}
+
 TEST_F(IniSettingsStoreTest, AnApplicationWithAnEndlessNameFailsQuietly) {
   const std::string name(300, 'a');
   EXPECT_FALSE(store.SaveSetting(name, "s", "k", "v"));
