@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/DateValue.h"
+#include "base/Result.h"
 
 namespace kestrune::platform {
 
@@ -15,8 +16,8 @@ struct MendedCapture {
   enum class State {
     Whole,      ///< decodes from its beginning to its end, and is held
     Empty,      ///< there is no sound in it; it is held
-    Not,        ///< cannot be mended and is as it was; it is held
-    Untouched,  ///< gone, held by somebody else, a link, or not to be opened
+    Not,        ///< cannot be mended, or opened, and is as it was; it is held if it could be opened
+    Untouched,  ///< gone, held by somebody else, or a link
   };
   static constexpr std::int64_t kUnknownLength = -1;
 
@@ -39,7 +40,9 @@ class CaptureMender {
  public:
   virtual ~CaptureMender() = default;
 
-  using FoundHandler = std::function<void(const std::vector<std::string>& paths)>;
+  /// `looked` has failed if the system has kept the search from a folder: there may be more files than were found. A
+  /// folder that this user may not read is passed over.
+  using FoundHandler = std::function<void(const std::vector<std::string>& paths, const base::Result& looked)>;
   /// Plain files in the folder and in all folders below it whose name matches a pattern with "*" and "?", sorted; none
   /// if the folder is not there. It looks at a million names at most.
   virtual void Find(std::string_view folder, std::string_view pattern, FoundHandler found) = 0;

@@ -50,8 +50,9 @@ void Recovery::Start(const std::string& multiUnit) {
   multiUnit_ = multiUnit;
   fileDir_ = settings_.FileDir;
   songFiles_.SpareLeftovers(true);
-  mender_.Find(fileDir_, std::string(kTemporary) + "*",
-               [this](const std::vector<std::string>& paths) { Found(paths); });
+  mender_.Find(
+      fileDir_, std::string(kTemporary) + "*",
+      [this](const std::vector<std::string>& paths, const base::Result& looked) { Found(paths, looked); });
 }
 
 void Recovery::Stop() {
@@ -59,7 +60,13 @@ void Recovery::Stop() {
   mender_.Stop();
 }
 
-void Recovery::Found(const std::vector<std::string>& paths) {
+void Recovery::Found(const std::vector<std::string>& paths, const base::Result& looked) {
+  allFound_ = looked.Ok();
+  if (!allFound_) {
+    journal_.DoLog(
+        fmt::format("Cannot look for captures of an earlier run in \"{}\": {}; what is there stays", fileDir_,
+                    looked.Cause()));
+  }
   for (const std::string& path : paths) {
     if (IsTemporaryName(std::string_view(path).substr(path.rfind('/') + 1), multiUnit_))
       waiting_.push_back(path);
@@ -70,7 +77,8 @@ void Recovery::Found(const std::vector<std::string>& paths) {
 void Recovery::MendNext() {
   if (waiting_.empty()) {
     mender_.Stop();
-    songFiles_.SpareLeftovers(false);
+    // A capture that was not found is no file to be written over.
+    if (allFound_) songFiles_.SpareLeftovers(false);
     return;
   }
   const std::string path = waiting_.front();

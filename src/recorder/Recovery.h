@@ -33,7 +33,7 @@ class Recovery {
   void Stop();
 
  private:
-  void Found(const std::vector<std::string>& paths);
+  void Found(const std::vector<std::string>& paths, const base::Result& looked);
   void MendNext();
   void Settle(const std::string& path, const platform::MendedCapture& mended);
   /// Where the file lies now: its old place if it could not be moved.
@@ -49,6 +49,7 @@ class Recovery {
   std::string multiUnit_;
   std::string fileDir_;  // at the start
   std::deque<std::string> waiting_;
+  bool allFound_ = false;
 };
 
 /// Whether a file of that name is a capture of the unit, in one of the formats; see Capture::TemporaryName.

@@ -158,6 +158,21 @@ TEST_F(RecoveryTest, NoCaptureOfThisRunTakesThePlaceOfALeftoverThatWaits) {
   EXPECT_EQ(rig.Files.Text("/music/Capture1.wav"), "left: /music/Capture1.wav") << "the next start finds it";
 }
 
+TEST_F(RecoveryTest, NoCaptureOfThisRunTakesThePlaceOfALeftoverThatASearchMayHaveMissed) {
+  rig.CaptureMender.Looked = base::Result::Failed("Input/output error");
+  rig.Files.Put("/music/Capture0.wav", "of an earlier run");
+  rig.Files.Put("/music/Capture1.wav", "of an earlier run");
+  rig.StartIdle();
+  rig.NextSong("A", "1");
+  rig.NextSong("B", "2");
+  rig.CloseAndWait();
+  EXPECT_EQ(rig.Files.Text("/music/Capture0.wav") + rig.Files.Text("/music/Capture1.wav"),
+            "of an earlier runof an earlier run");
+  EXPECT_THAT(rig.LogTexts(),
+              Contains("Cannot look for captures of an earlier run in \"/music/\": Input/output "
+                       "error; what is there stays"));
+}
+
 TEST_F(RecoveryTest, WhatCannotBeMovedToTheFolderStaysInItsOwn) {
   rig.Files.Put("/music/Recovered", "a file of that name");
   Left("/music/Rock/Capture0.wav", State::Whole);

@@ -29,9 +29,9 @@ class FakeCaptureMender final : public platform::CaptureMender {
     std::vector<std::string> paths;
     for (const std::string& path : files_.AllFiles()) {
       const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
-      if (path.starts_with(folder) && name.starts_with(start)) paths.push_back(path);
+      if (Looked && path.starts_with(folder) && name.starts_with(start)) paths.push_back(path);
     }
-    Begin([paths, found = std::move(found)] { found(paths); });
+    Begin([this, paths, found = std::move(found)] { found(paths, Looked); });
   }
 
   void Mend(std::string_view path, MendedHandler mended) override {
@@ -51,6 +51,7 @@ class FakeCaptureMender final : public platform::CaptureMender {
   /// What becomes of a file; of others nothing, as if somebody held them.
   std::map<std::string, platform::MendedCapture> Answers;
   std::vector<std::string> Calls;
+  base::Result Looked = base::Result::Done();  ///< how each search goes; one that fails finds nothing
 
  private:
   void Begin(std::function<void()> answer) {

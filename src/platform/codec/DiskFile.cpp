@@ -42,6 +42,7 @@ bool IsPlainFile(int descriptor) {
 
 bool DiskFile::Take(FileDescriptor file, std::string_view path) {
   error_ = file.IsOpen() ? 0 : errno;
+  readError_ = 0;
   file_ = std::move(file);
   path_ = path;
   size_ = 0;
@@ -65,14 +66,23 @@ bool DiskFile::OpenExisting(std::string_view path) {
     Close();
     return Fails(EINVAL);
   }
-  size_ = ::lseek(file_.Number(), 0, SEEK_END);
-  return true;
+  return TakeSize();
 }
 
 bool DiskFile::OpenHeld(std::string_view path) {
   Close();
   if (!Take(platform::OpenHeld(std::string(path)), path)) return false;
-  size_ = ::lseek(file_.Number(), 0, SEEK_END);
+  return TakeSize();
+}
+
+bool DiskFile::TakeSize() {
+  const off_t end = ::lseek(file_.Number(), 0, SEEK_END);
+  if (end < 0) {
+    const int error = errno;
+    Close();
+    return Fails(error);
+  }
+  size_ = end;
   return true;
 }
 
@@ -91,6 +101,7 @@ bool DiskFile::WriteAt(std::int64_t offset, std::span<const std::byte> bytes) {
   if (!IsOpen() || offset < 0 || offset + static_cast<std::int64_t>(bytes.size()) > size_) {
     return Fails(EINVAL);
   }
+  if (readError_ != 0) return Fails(readError_);
   return WriteAll(file_.Number(), offset, bytes) || Fails(errno);
 }
 
@@ -102,7 +113,11 @@ std::optional<std::string> DiskFile::ReadAt(std::int64_t offset, std::size_t cou
     const ssize_t got =
         ::pread(file_.Number(), bytes.data() + done, count - done, offset + static_cast<std::int64_t>(done));
     if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) return std::nullopt;
+    if (got <= 0) {
+      error_ = got == 0 ? EIO : errno;  // it was longer before
+      if (readError_ == 0) readError_ = error_;
+      return std::nullopt;
+    }
     done += static_cast<std::size_t>(got);
   }
   return bytes;
@@ -110,6 +125,7 @@ std::optional<std::string> DiskFile::ReadAt(std::int64_t offset, std::size_t cou
 
 bool DiskFile::Truncate(std::int64_t size) {
   if (!IsOpen()) return Fails(EBADF);
+  if (readError_ != 0) return Fails(readError_);
   if (::ftruncate(file_.Number(), size) != 0) return Fails(errno);
   size_ = size;
   return true;

@@ -1,6 +1,7 @@
 #include "platform/codec/WorkerCaptureMender.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
@@ -10,7 +11,9 @@
 #include <vector>
 
 #include "platform/codec/CodecTable.h"
+#include "platform/codec/Mending.h"
 #include "platform/posix/FileNames.h"
+#include "platform/posix/SystemError.h"
 
 namespace kestrune::platform {
 namespace {
@@ -25,9 +28,13 @@ base::DateValue LocalTime(std::time_t moment) {
                                     fields.tm_min, fields.tm_sec);
 }
 
+struct Search {
+  std::vector<std::string> Found;
+  base::Result Looked = base::Result::Done();
+};
+
 /// No link is followed, neither to a folder nor to a file.
-std::vector<std::string> FindFiles(const std::string& folder, const std::string& pattern,
-                                   const std::stop_token& stop) {
+Search FindFiles(const std::string& folder, const std::string& pattern, const std::stop_token& stop) {
   namespace fs = std::filesystem;
   std::vector<std::string> found;
   std::error_code error;
@@ -42,16 +49,25 @@ std::vector<std::string> FindFiles(const std::string& folder, const std::string&
     }
   }
   std::sort(found.begin(), found.end());
-  return found;
+  const bool nothingThere = !error || error == std::errc::no_such_file_or_directory;
+  return {.Found = std::move(found),
+          .Looked = nothingThere ? base::Result::Done() : FailedWith(error.value())};
 }
 
 }  // namespace
 
 MendedCapture MendCapture(DiskFile& file, std::string_view path, const std::stop_token& stop) {
   const Codec* const codec = FindCodecOfFile(path);
-  if (codec == nullptr || !file.OpenHeld(path)) return {};
+  if (codec == nullptr) return {};
+  if (!file.OpenHeld(path)) {
+    const int error = file.Error();
+    const bool notOurs = error == EBUSY || error == ENOENT || error == ELOOP || error == ENOTDIR;
+    return notOurs ? MendedCapture() : NotMended(file.Failure().Cause());
+  }
   const timespec written = file.Written();
   MendedCapture mended = codec->Mend(file, stop);
+  // What it took for the end was no end.
+  if (file.ReadError() != 0) mended = NotMended(FailedWith(file.ReadError()).Cause());
   file.SetWritten(written);
   mended.Written = LocalTime(written.tv_sec);
   return mended;
@@ -63,7 +79,7 @@ WorkerCaptureMender::WorkerCaptureMender(base::EventLoop& loop)
 void WorkerCaptureMender::Find(std::string_view folder, std::string_view pattern, FoundHandler found) {
   Begin([folder = std::string(folder), pattern = std::string(pattern),
          found = std::move(found)](const std::stop_token& stop) -> Answer {
-    return [found, paths = FindFiles(folder, pattern, stop)] { found(paths); };
+    return [found, search = FindFiles(folder, pattern, stop)] { found(search.Found, search.Looked); };
   });
 }
 

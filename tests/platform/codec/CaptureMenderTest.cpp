@@ -406,7 +406,10 @@ class WorkerCaptureMenderTest : public ::testing::Test {
  protected:
   std::vector<std::string> Find(const std::string& place) {
     std::optional<std::vector<std::string>> answer;
-    mender.Find(place, "Capture*", [&](const std::vector<std::string>& paths) { answer = paths; });
+    mender.Find(place, "Capture*", [&](const std::vector<std::string>& paths, const base::Result& looked) {
+      EXPECT_TRUE(looked.Ok()) << looked.Cause();
+      answer = paths;
+    });
     EXPECT_FALSE(answer.has_value()) << "the answer comes from the loop";
     EXPECT_TRUE(loop.RunUntil([&] { return answer.has_value(); }, std::chrono::seconds(10)));
     return answer.value_or(std::vector<std::string>());
