@@ -43,10 +43,10 @@ Search FindFiles(const std::string& folder, const std::string& pattern, const st
     if (stop.stop_requested() || ++names > kMostNames) break;
     std::error_code unknown;
     const std::string& path = entry->path().native();
-    if (entry->symlink_status(unknown).type() == fs::file_type::regular &&
-        MatchesPattern(std::string_view(path).substr(path.rfind('/') + 1), pattern)) {
-      found.push_back(path);
-    }
+    if (!MatchesPattern(std::string_view(path).substr(path.rfind('/') + 1), pattern)) continue;
+    // What it is shows when it is opened.
+    const fs::file_type type = entry->symlink_status(unknown).type();
+    if (type == fs::file_type::regular || type == fs::file_type::none) found.push_back(path);
   }
   std::sort(found.begin(), found.end());
   const bool nothingThere = !error || error == std::errc::no_such_file_or_directory;
