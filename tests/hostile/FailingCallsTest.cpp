@@ -21,6 +21,7 @@
 #include <thread>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "hostile/DiskRun.h"
@@ -157,12 +158,12 @@ void JudgeFiles(const DiskState& before, const DiskState& after, const std::stri
   for (const auto& [key, value] : before.Settings) {
     const bool mayChange = key == "MinSongLength";
     judged.Check(after.Settings.contains(key) && (mayChange || after.Settings.at(key) == value),
-                 "the setting " + key + " is lost");
+                 fmt::format("the setting {} is lost", key));
   }
   for (const auto& [path, contents] : after.Songs) {
     const std::string wrong = WhatIsWrong(folder + path);
     // A header that could not be written at the end says that the file is open.
-    judged.Check(wrong.empty() || wrong == "it had to be mended", path + ": " + wrong);
+    judged.Check(wrong.empty() || wrong == "it had to be mended", fmt::format("{}: {}", path, wrong));
   }
 }
 

@@ -17,7 +17,7 @@ Forked::~Forked() {
   while (!running_.empty()) static_cast<void>(Wait(true));
 }
 
-int Forked::Begin(std::function<std::string()> work) {
+int Forked::Begin(const std::function<std::string()>& work) {
   std::array<int, 2> ends{};
   if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
   const pid_t id = ::fork();

@@ -22,7 +22,7 @@ class Forked {
   ~Forked();
 
   /// Begins a piece of work in a process of its own and returns its number, from 0. It must not rely on other threads.
-  int Begin(std::function<std::string()> work);
+  int Begin(const std::function<std::string()>& work);
   /// How many were begun so far.
   [[nodiscard]] int Begun() const { return begun_; }
   [[nodiscard]] std::size_t Running() const { return running_.size(); }
