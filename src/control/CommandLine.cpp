@@ -1,11 +1,11 @@
 #include "control/CommandLine.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include <fmt/format.h>
 
@@ -119,9 +119,12 @@ std::vector<std::string> WordsOfTheSameStart(const CommandLine& line, const std:
     case AudioInput::Automatic:
       break;
   }
-  for (std::string& word : base::Split(line.RemainingText, ' ')) {
-    if (!word.empty()) words.push_back(std::move(word));
-  }
+  std::vector<std::string> rest = base::Split(line.RemainingText, ' ');
+  std::erase(rest, std::string());
+  const bool likeOptions =
+      std::any_of(rest.begin(), rest.end(), [](const std::string& word) { return word.starts_with("--"); });
+  if (likeOptions) words.emplace_back("--");
+  words.insert(words.end(), rest.begin(), rest.end());
   return words;
 }
 

@@ -46,7 +46,8 @@ void Shelf::Read(const std::string& folder) {
   const std::vector<platform::FileEntry> entries = files_.List(folder);
   // The last written is the newest.
   for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    const bool recording = std::find(extensions_.begin(), extensions_.end(),
+    const bool recording = entry->Name.find('.') != std::string::npos &&
+                           std::find(extensions_.begin(), extensions_.end(),
                                      base::ExtensionOf(entry->Name)) != extensions_.end();
     if (!recording) continue;
     ShelvedSong song;

@@ -172,5 +172,12 @@ TEST(CommandLine, TheWordsOfTheSameStartReadAsTheSameUnit) {
   EXPECT_EQ(again.Chosen.Audio, AudioInput::Pulse);
 }
 
+TEST(CommandLine, WhatFollowsTheEndOfTheOptionsFollowsItAtTheSameStart) {
+  const CommandLine line = Parse({"--audio", "pulse", "--", "--headless", "/multi", "2"});
+  EXPECT_THAT(WordsOfTheSameStart(line, "/"),
+              ElementsAre("--audio", "pulse", "--", "--headless", "/multi", "2"));
+  EXPECT_EQ(Parse(WordsOfTheSameStart(line, "/")).Error, "");
+}
+
 }  // namespace
 }  // namespace kestrune::control

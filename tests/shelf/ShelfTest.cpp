@@ -238,6 +238,7 @@ TEST_F(ShelfTest, AFolderWithOtherFilesIsNeverTheShelf) {
 TEST_F(ShelfTest, AnotherStartFindsTheSameShelf) {
   for (const char* name : {"C", "A - x (Incomplete)", "B"}) EXPECT_TRUE(Put(name));
   files.Put("/music/Kestrune/Shelf/cover.jpg", "no song");
+  files.Put("/music/Kestrune/Shelf/mp3", "no song either");
   const std::vector<std::string> before = Names();
   const base::DateValue ended = shelf.Songs()[1].Ended;
   Open();

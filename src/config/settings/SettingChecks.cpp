@@ -77,7 +77,9 @@ base::Result CheckOpusBitrate(Settings& wished, const platform::Environment& /*e
 }
 
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment) {
-  return CheckFolder(wished.FileDir, environment);
+  if (base::Result folder = CheckFolder(wished.FileDir, environment); !folder.Ok()) return folder;
+  if (wished.FileDir != wished.ShelfFolder) return base::Result::Done();
+  return base::Result::Failed("is the folder of the shelf; recordings need one of their own");
 }
 
 base::Result CheckShelfFolder(Settings& wished, const platform::Environment& environment) {

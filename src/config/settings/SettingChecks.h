@@ -21,7 +21,7 @@ base::Result CheckSongLengths(Settings& wished, const platform::Environment& env
 /// Takes the sign away.
 base::Result CheckSongDelay(Settings& wished, const platform::Environment& environment);
 /// Appends a "/" if there is none at the end, and puts the home folder in the place of a "~" before the first "/".
-/// Fails for an empty text and for a folder that does not begin at the root.
+/// Fails for an empty text, for a folder that does not begin at the root and for that of the shelf, where songs do not stay.
 base::Result CheckFileDir(Settings& wished, const platform::Environment& environment);
 /// Must be the code of a format.
 base::Result CheckFileFormat(Settings& wished, const platform::Environment& environment);

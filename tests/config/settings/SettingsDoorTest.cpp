@@ -308,6 +308,9 @@ TEST_F(SettingsDoorTest, TheShelfHasBoundsAndAFolderOfItsOwn) {
   settings_.FileDir = "/music/";
   Refused("ShelfFolder", "/music",
           "ShelfFolder: \"/music\" is the folder of recordings; the shelf needs one of its own");
+  settings_.ShelfFolder = "/disk/shelf/";
+  Refused("FileDir", "/disk/shelf",
+          "FileDir: \"/disk/shelf\" is the folder of the shelf; recordings need one of their own");
   Done("ShelfSongs", "1000", "ShelfSongs=1000");
   Done("ShelfSongs", "0", "ShelfSongs=0");
   Done("ShelfMegabytes", "1000000", "ShelfMegabytes=1000000");
