@@ -138,12 +138,24 @@ endfunction()
 
 add_custom_target(fuzzers)
 
-# kestrune_fuzzer(NAME source... [LIBS lib...]): a libFuzzer program if the build is configured for them, and in every
-# build a test that replays the seed corpus in tests/fuzz/corpus/NAME. The target `fuzzers` builds them all, into
-# bin/fuzz.
+# kestrune_fuzzer(NAME source... READS file... [LIBS lib...]): a libFuzzer program if the build is configured for them, and in
+# every build a test that replays the seed corpus in tests/fuzz/corpus/NAME. READS are the sources of the reader that it
+# tries, without src/ in front: `scripts/fuzz --long` tells how much of them it reaches. The target `fuzzers` builds them all,
+# into bin/fuzz.
 function(kestrune_fuzzer name)
-  cmake_parse_arguments(FUZZ "" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(FUZZ "" "" "READS;LIBS" ${ARGN})
   set(corpus ${PROJECT_SOURCE_DIR}/tests/fuzz/corpus/${name})
+  set(reads "")
+  foreach(source IN LISTS FUZZ_READS)
+    if(NOT EXISTS ${PROJECT_SOURCE_DIR}/src/${source})
+      message(FATAL_ERROR "${name} reads src/${source}, which does not exist")
+    endif()
+    string(APPEND reads "src/${source}\n")
+  endforeach()
+  if(NOT reads)
+    message(FATAL_ERROR "${name} does not say what it READS")
+  endif()
+  file(WRITE ${CMAKE_BINARY_DIR}/fuzz-reads/${name} "${reads}")
   add_executable(${name} ${FUZZ_UNPARSED_ARGUMENTS})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/fuzz)
   target_link_libraries(${name} PRIVATE kestrune_logic ${FUZZ_LIBS})
