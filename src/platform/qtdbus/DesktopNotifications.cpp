@@ -3,7 +3,6 @@
 #include <QDBusPendingReply>
 #include <QUrl>
 #include <QVariantMap>
-#include <algorithm>
 #include <utility>
 
 namespace kestrune::platform {
@@ -68,20 +67,13 @@ DesktopNotifications::~DesktopNotifications() = default;
 
 void DesktopNotifications::Show(const Notice& notice) {
   if (!bus_.isConnected()) return;
-  Subject& subject = subjects_[notice.Subject];
-  subject.Next = notice;
-  subject.Withdrawn = false;
+  notices_.Want(notice);
   if (!abilities_) return AskWhatItCan();
-  Send(notice.Subject, subject);
+  Send(notice.Subject);
 }
 
-void DesktopNotifications::Withdraw(std::string_view name) {
-  const auto found = subjects_.find(name);
-  if (found == subjects_.end()) return;
-  Subject& subject = found->second;
-  subject.Next.reset();
-  subject.Withdrawn = subject.Asked != nullptr;
-  Close(subject);
+void DesktopNotifications::Withdraw(std::string_view subject) {
+  Close(notices_.Withdraw(subject));
 }
 
 void DesktopNotifications::AskWhatItCan() {
@@ -95,19 +87,18 @@ void DesktopNotifications::TakeWhatItCan() {
   const QDBusMessage answer = Taken(asked_);
   // Without a service, or with one that does not answer, what waits is out of date; the next message asks again.
   if (answer.type() != QDBusMessage::ReplyMessage) {
-    for (auto& [name, subject] : subjects_) subject.Next.reset();
+    notices_.DropWaiting();
     return;
   }
   const QVariant list = answer.arguments().value(0);
   abilities_ = answer.signature() == QLatin1String("as") ? list.toStringList() : QStringList();
-  for (auto& [name, subject] : subjects_) Send(name, subject);
+  for (const std::string& subject : notices_.Waiting()) Send(subject);
 }
 
-void DesktopNotifications::Send(const std::string& name, Subject& subject) {
-  if (subject.Asked || !subject.Next) return;
-  subject.Sent = std::move(*subject.Next);
-  subject.Next.reset();
-  const Notice& notice = subject.Sent;
+void DesktopNotifications::Send(const std::string& subject) {
+  const std::optional<ShownNotices::Sending> sending = notices_.Send(subject);
+  if (!sending) return;
+  const Notice& notice = sending->Message;
   QStringList actions;
   if (Can("actions")) {
     for (const Notice::Action& action : notice.Actions) actions << ToQt(action.Key) << ToQt(action.Label);
@@ -116,29 +107,28 @@ void DesktopNotifications::Send(const std::string& name, Subject& subject) {
   const QVariantMap hints{{QStringLiteral("urgency"), QVariant::fromValue(LevelOf(notice.Urgency))},
                           {QStringLiteral("desktop-entry"), QStringLiteral("kestrune")}};
   QDBusMessage call = Call("Notify");
-  call << ToQt(identity_.Name) << subject.Id << IconText(identity_.Icon) << ToQt(notice.Title)
+  call << ToQt(identity_.Name) << sending->InPlaceOf << IconText(identity_.Icon) << ToQt(notice.Title)
        << (Can("body-markup") ? text.toHtmlEscaped() : text) << actions << hints << kItsOwnTime;
-  subject.Asked = std::make_unique<QDBusPendingCallWatcher>(bus_.asyncCall(call));
-  QObject::connect(subject.Asked.get(), &QDBusPendingCallWatcher::finished, subject.Asked.get(),
-                   [this, name] { TakeId(name); });
+  auto& watcher = sent_[subject];
+  watcher = std::make_unique<QDBusPendingCallWatcher>(bus_.asyncCall(call));
+  QObject::connect(watcher.get(), &QDBusPendingCallWatcher::finished, watcher.get(),
+                   [this, subject] { TakeNumber(subject); });
 }
 
-void DesktopNotifications::TakeId(const std::string& name) {
-  Subject& subject = subjects_[name];
-  const QDBusMessage answer = Taken(subject.Asked);
-  subject.Id = answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("u")
-                   ? answer.arguments().constFirst().toUInt()
-                   : 0;
-  if (std::exchange(subject.Withdrawn, false)) Close(subject);
-  if (!subject.Next) return;
+void DesktopNotifications::TakeNumber(const std::string& subject) {
+  const QDBusMessage answer = Taken(sent_[subject]);
+  const bool numbered =
+      answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("u");
+  Close(notices_.Answered(subject, numbered ? answer.arguments().constFirst().toUInt() : 0));
+  if (!notices_.Waits(subject)) return;
   if (!abilities_) return AskWhatItCan();
-  Send(name, subject);
+  Send(subject);
 }
 
-void DesktopNotifications::Close(Subject& subject) {
-  if (subject.Id == 0 || subject.Asked) return;
+void DesktopNotifications::Close(std::uint32_t number) {
+  if (number == 0) return;
   QDBusMessage call = Call("CloseNotification");
-  call << std::exchange(subject.Id, 0U);
+  call << number;
   // What it says about it does not matter, and it is not to be started for this.
   call.setAutoStartService(false);
   bus_.send(call);
@@ -148,30 +138,18 @@ void DesktopNotifications::Heard(const QDBusMessage& signal) {
   const bool closed = signal.member() == QLatin1String("NotificationClosed");
   if (signal.signature() != QLatin1String(closed ? "uu" : "us")) return;
   const QVariantList facts = signal.arguments();
-  const std::uint32_t id = facts[0].toUInt();
-  const auto found = std::find_if(subjects_.begin(), subjects_.end(),
-                                  [id](const auto& one) { return id != 0 && one.second.Id == id; });
-  if (found == subjects_.end()) return;
-  const std::string name = found->first;
-  Subject& subject = found->second;
-  if (closed) {
-    subject.Id = 0;
-    return;
-  }
-  const std::string key = facts[1].toString().toStdString();
-  // While a later message is on its way, nobody can know which of the two was meant.
-  const bool offered =
-      !subject.Asked && std::any_of(subject.Sent.Actions.begin(), subject.Sent.Actions.end(),
-                                    [&key](const Notice::Action& action) { return action.Key == key; });
-  if (!offered) return;
+  const std::uint32_t number = facts[0].toUInt();
+  if (closed) return notices_.Closed(number);
+  const auto chosen = notices_.Choose(number, facts[1].toString().toStdString());
+  if (!chosen) return;
   // Services take it away by themselves, but some of them do not.
-  Close(subject);
-  Choose(name, key);
+  Close(chosen->Closes);
+  Choose(chosen->Subject, chosen->Key);
 }
 
 void DesktopNotifications::Forget() {
   abilities_.reset();
-  for (auto& [name, subject] : subjects_) subject.Id = 0;
+  notices_.ForgetNumbers();
 }
 
 bool DesktopNotifications::Can(const char* ability) const {

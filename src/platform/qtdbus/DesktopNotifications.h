@@ -15,6 +15,7 @@
 
 #include "platform/Notifications.h"
 #include "platform/qtdbus/NotificationSignals.h"
+#include "platform/qtdbus/ShownNotices.h"
 
 namespace kestrune::platform {
 
@@ -42,19 +43,11 @@ class DesktopNotifications final : public Notifications {
   void Withdraw(std::string_view subject) override;
 
  private:
-  struct Subject {
-    std::uint32_t Id = 0;        ///< of the message that is shown; 0 for none
-    Notice Sent;                 ///< the latest that the service was given
-    std::optional<Notice> Next;  ///< waits for an answer
-    bool Withdrawn = false;      ///< asked for while the answer about the message was awaited
-    std::unique_ptr<QDBusPendingCallWatcher> Asked;
-  };
-
   void AskWhatItCan();
   void TakeWhatItCan();
-  void Send(const std::string& name, Subject& subject);
-  void TakeId(const std::string& name);
-  void Close(Subject& subject);
+  void Send(const std::string& subject);
+  void TakeNumber(const std::string& subject);
+  void Close(std::uint32_t number);
   void Heard(const QDBusMessage& signal);
   void Forget();
   [[nodiscard]] bool Can(const char* ability) const;
@@ -63,7 +56,8 @@ class DesktopNotifications final : public Notifications {
   QDBusConnection bus_;
   std::unique_ptr<QDBusPendingCallWatcher> asked_;
   std::optional<QStringList> abilities_;  // nothing until the service has answered
-  std::map<std::string, Subject, std::less<>> subjects_;
+  ShownNotices notices_;
+  std::map<std::string, std::unique_ptr<QDBusPendingCallWatcher>> sent_;  // by subject; null once answered
   QDBusServiceWatcher owner_;
   NotificationSignals signals_;
 };
