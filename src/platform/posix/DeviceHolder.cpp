@@ -5,6 +5,7 @@
 #include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 
 #include <sys/stat.h>
@@ -55,13 +56,20 @@ bool HasOpen(const fs::path& process, const Device& device) {
 }
 
 std::string NameOf(const fs::path& process) {
-  std::string name;
   std::ifstream comm(process / "comm");
-  std::getline(comm, name);
-  return name;
+  const std::string text{std::istreambuf_iterator<char>(comm), std::istreambuf_iterator<char>()};
+  return ProcessNameIn(text);
 }
 
 }  // namespace
+
+std::string ProcessNameIn(std::string_view comm) {
+  if (comm.ends_with('\n')) comm.remove_suffix(1);
+  std::string name(comm);
+  std::replace_if(
+      name.begin(), name.end(), [](char letter) { return letter < 0x20 || letter > 0x7E; }, '?');
+  return name;
+}
 
 DeviceHolder FindDeviceHolder(const std::string& path) {
   std::error_code error;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -74,6 +75,16 @@ TEST(DeviceHolder, NamesTheProcessThatHasTheDeviceOpen) {
   const Opener opener([&] { return ::open(line.Name().c_str(), O_RDWR | O_NOCTTY) >= 0; });
   ASSERT_TRUE(opener.Opened);
   EXPECT_EQ(platform::FindDeviceHolder(line.Name()).ProcessId, opener.Id());
+}
+
+TEST(DeviceHolder, AProcessThatNamesItselfOddlyControlsNoTerminal) {
+  const Terminal line;
+  const Opener opener([&] {
+    return ::prctl(PR_SET_NAME, "a\x1B[1m\nb\xC2\x9B") == 0 &&
+           ::open(line.Name().c_str(), O_RDWR | O_NOCTTY) >= 0;
+  });
+  ASSERT_TRUE(opener.Opened);
+  EXPECT_EQ(platform::FindDeviceHolder(line.Name()).Name, "a?[1m?b??");
 }
 
 /// In terminals of a container: opens the one with this name.
