@@ -1,6 +1,5 @@
 #include "platform/posix/NotifySocket.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -8,10 +7,11 @@
 #include <cstring>
 #include <optional>
 
-#include <fmt/format.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+#include "platform/posix/NotifyText.h"
 
 namespace kestrune::platform {
 namespace {
@@ -28,13 +28,6 @@ std::optional<std::int64_t> Number(const std::string& text) {
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   return error == std::errc() && stop == end && !text.empty() ? std::optional(number) : std::nullopt;
-}
-
-/// The protocol's fields end with the line, so that a status in several lines would be other fields.
-std::string OneLine(std::string text) {
-  const auto control = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; };
-  std::replace_if(text.begin(), text.end(), control, ' ');
-  return text;
 }
 
 }  // namespace
@@ -59,14 +52,7 @@ NotifySocket::~NotifySocket() {
 
 bool NotifySocket::Tell(const News& news) {
   if (!Listens()) return false;
-  std::string text;
-  if (news.Ready) text += "READY=1\n";
-  if (news.Stopping) text += "STOPPING=1\n";
-  if (news.Alive) text += "WATCHDOG=1\n";
-  if (news.MoreTime.count() > 0) {
-    text += fmt::format("EXTEND_TIMEOUT_USEC={}\n", std::chrono::microseconds(news.MoreTime).count());
-  }
-  if (!news.Status.empty()) text += fmt::format("STATUS={}\n", OneLine(news.Status));
+  const std::string text = NotifyText(news);
   if (text.empty()) return true;
   sockaddr_un place{};
   place.sun_family = AF_UNIX;

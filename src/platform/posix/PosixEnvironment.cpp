@@ -1,6 +1,5 @@
 #include "platform/posix/PosixEnvironment.h"
 
-#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
@@ -11,10 +10,10 @@
 #include <unistd.h>
 
 #include "base/Ignored.h"
-#include "base/Text.h"
 #include "platform/posix/FileNames.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/RuntimeFolder.h"
+#include "platform/posix/UserFolders.h"
 
 namespace kestrune::platform {
 
@@ -25,11 +24,6 @@ constexpr mode_t kShared = 0777;
 std::string RealPath(const std::string& path) {
   std::array<char, PATH_MAX> real{};
   return ::realpath(path.c_str(), real.data()) == nullptr ? std::string() : std::string(real.data());
-}
-
-std::string WithoutEndSeparator(std::string path) {
-  while (path.size() > 1 && path.back() == '/') path.pop_back();
-  return path;
 }
 
 std::string VariableText(const std::string& name) {
@@ -48,32 +42,6 @@ std::string FindExecutableFolder(const std::string& path) {
   std::string real = RealPath(namesFolder ? path : "/proc/self/exe");
   if (real.empty()) real = RealPath("/proc/self/exe");
   return real.empty() ? "." : FolderOf(real);
-}
-
-/// The music folder by the desktop's list of user folders, whose lines read XDG_MUSIC_DIR="$HOME/Music".
-std::string ListedMusicFolder(const std::string& list, const std::string& home) {
-  constexpr std::string_view kName = "XDG_MUSIC_DIR=\"";
-  constexpr std::string_view kHome = "$HOME";
-  std::string folder;
-  for (const std::string& line : base::Lines(list)) {
-    std::string_view rest = line;
-    rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
-    if (!rest.starts_with(kName)) continue;
-    rest.remove_prefix(kName.size());
-    std::string value;
-    if (rest.starts_with("$HOME/") || rest.starts_with("$HOME\"")) {
-      value = home;
-      rest.remove_prefix(kHome.size());
-    }
-    while (!rest.empty() && rest.front() != '"') {
-      if (rest.front() == '\\' && rest.size() > 1) rest.remove_prefix(1);
-      value += rest.front();
-      rest.remove_prefix(1);
-    }
-    // A line without its closing quotation mark is ignored.
-    if (!rest.empty() && value.starts_with('/')) folder = WithoutEndSeparator(std::move(value));
-  }
-  return folder;
 }
 
 /// Makes the folder if need be, and checks that it is a folder and no link, belongs to this user, and is closed to
@@ -132,7 +100,7 @@ std::string PosixEnvironment::ConfigurationFolder() const {
 
 std::string PosixEnvironment::MusicFolder() const {
   const auto list = PosixFiles().Read(ConfigurationFolder() + "/user-dirs.dirs");
-  const std::string listed = list ? ListedMusicFolder(*list, Home()) : std::string();
+  const std::string listed = list ? MusicFolderIn(*list, Home()) : std::string();
   return listed.empty() ? Home() + "/Music" : listed;
 }
 
