@@ -3,29 +3,35 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "hostile/FailingCalls.h"
 #include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistoryWriter.h"
+#include "platform/sqlite/SqliteHistoryStore.h"
 #include "support/MemoryFolder.h"
+#include "support/RealEventLoop.h"
 
 namespace kestrune::test {
 namespace {
 
+using namespace std::chrono_literals;
 using base::DateValue;
 
 const DateValue kNight = DateValue::FromCivil(2066, 11, 21, 20, 0, 0);
 const std::atomic<bool> kNever{false};
 
-platform::HistoryRows OneSong() {
+platform::HistoryRows OneSong(int minute = 0) {
   platform::HistorySong song;
-  song.Began = kNight;
-  song.Ended = kNight.AddMinutes(3);
+  song.Began = kNight.AddMinutes(minute);
+  song.Ended = song.Began.AddMinutes(3);
   song.LengthMs = 180'000;
   song.Title = "Slow Tide";
   platform::HistoryRows rows;
@@ -86,6 +92,42 @@ TEST_F(RecordFailures, AnOpeningThatFailsPutsNoHealthyRecordAside) {
   }
   // What can never be read is as good as damaged.
   EXPECT_GE(FailEach(CallKind::Read, CallPlace::Record, false), 3);
+}
+
+// A read that fails is damage to the database, as long as it is not tested again.
+TEST_F(RecordFailures, AReadThatFailsWhileTheRecordIsOpenPutsNoHealthyRecordAside) {
+  for (int number = 1;; ++number) {
+    SCOPED_TRACE("read " + std::to_string(number));
+    RealEventLoop loop;
+    std::vector<std::string> troubles;
+    platform::SqliteHistoryStore store(loop, Record());
+    store.SetTroubleHandler([&troubles](const std::string& line) { troubles.push_back(line); });
+    const auto songs = [&] {
+      int found = -1;
+      bool answered = false;
+      store.ReadSpan(kNight.AddDays(-1), kNight.AddDays(1), [&](const base::Result& asked, const auto& rows) {
+        answered = true;
+        if (asked.Ok()) found = static_cast<int>(rows.Songs.size());
+      });
+      EXPECT_TRUE(loop.RunUntil([&answered] { return answered; }, 60s));
+      return found;
+    };
+    ASSERT_EQ(songs(), number);
+    WatchCalls(Data(), false);
+    FailCall({.Kind = CallKind::Read, .Place = CallPlace::Record, .Number = number, .Error = EIO});
+    static_cast<void>(songs());
+    store.Write(OneSong(number));
+    for (int tries = 0; tries < 10 && songs() != number + 1; ++tries) store.Write({});
+    const int failed = CallsFailed();
+    LeaveCallsAlone();
+    EXPECT_EQ(songs(), number + 1);
+    for (const std::string& line : troubles)
+      EXPECT_THAT(line, testing::Not(testing::HasSubstr("kept as"))) << line;
+    if (failed == 0 || HasFailure()) {
+      EXPECT_GT(number, 3);
+      return;
+    }
+  }
 }
 
 }  // namespace

@@ -21,12 +21,22 @@ bool Hold(int file) {
   return ::fcntl(file, F_OFD_GETLK, &other) != 0 || other.l_type == F_UNLCK;
 }
 
-/// Whether the path still leads to the open file, which may have been removed before it was held.
-bool StillNamed(int file, const std::string& path) {
+/// 0 if the path still leads to the open file, which may have been removed before it was held; EBUSY if not; or why
+/// that cannot be found out.
+int StillNamed(int file, const std::string& path) {
   struct stat open {};
   struct stat named {};
-  return ::fstat(file, &open) == 0 && ::lstat(path.c_str(), &named) == 0 && open.st_dev == named.st_dev &&
-         open.st_ino == named.st_ino;
+  if (::fstat(file, &open) != 0) return errno;
+  if (::lstat(path.c_str(), &named) != 0) return errno == ENOENT ? EBUSY : errno;
+  return open.st_dev == named.st_dev && open.st_ino == named.st_ino ? 0 : EBUSY;
+}
+
+/// Holds an open file if it is a plain one; 0, or the error.
+int HoldPlain(int file, const std::string& path) {
+  if (!Hold(file)) return EBUSY;
+  struct stat status {};
+  if (::fstat(file, &status) != 0) return errno;
+  return S_ISREG(status.st_mode) ? StillNamed(file, path) : EBUSY;
 }
 
 int Unlink(const std::string& path) {
@@ -43,18 +53,17 @@ int RemoveUnheld(const std::string& path) {
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file.IsOpen()) return errno;
   // The hold stays until the name is gone, so that nobody takes the file up in between.
-  if (!Hold(file.Number()) || !StillNamed(file.Number(), path)) return EBUSY;
-  return Unlink(path);
+  const int error = HoldPlain(file.Number(), path);
+  return error == 0 ? Unlink(path) : error;
 }
 
 FileDescriptor OpenHeld(const std::string& path) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file.IsOpen()) return {};
-  struct stat status {};
-  const bool plain = ::fstat(file.Number(), &status) == 0 && S_ISREG(status.st_mode);
-  if (plain && Hold(file.Number()) && StillNamed(file.Number(), path)) return file;
+  const int error = HoldPlain(file.Number(), path);
+  if (error == 0) return file;
   file.Close();
-  errno = EBUSY;
+  errno = error;
   return {};
 }
 
@@ -64,7 +73,7 @@ FileDescriptor CreateHeld(const std::string& path, mode_t mode) {
     FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (file.IsOpen()) {
       // Another process may have taken the new file for a leftover before it was held.
-      if (Hold(file.Number()) && StillNamed(file.Number(), path)) return file;
+      if (HoldPlain(file.Number(), path) == 0) return file;
       continue;
     }
     if (errno != EEXIST) return {};

@@ -36,7 +36,19 @@ Examined NoDatabase() {
   return {Verdict::Unreadable, "it is damaged, or no database", "damaged"};
 }
 
-Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bool>& stop) {
+/// Nothing if the test failed or was stopped.
+std::optional<bool> IsWhole(SqliteConnection& database, HistoryTest test) {
+  const bool quick = test == HistoryTest::Quick;
+  SqliteStatement check(database, quick ? "PRAGMA quick_check(1)" : "PRAGMA integrity_check(1)");
+  if (!check.Next()) return std::nullopt;
+  if (check.Text(0) != "ok") return false;
+  check.Reset();
+  if (quick || database.Run("INSERT INTO title_text (title_text) VALUES ('integrity-check')")) return true;
+  if (database.IsDamaged()) return false;
+  return std::nullopt;
+}
+
+Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bool>& stop, HistoryTest test) {
   const auto failed = [&database] {
     return database.IsUnreadable() ? NoDatabase() : Examined{Verdict::Failed, {}, {}};
   };
@@ -59,11 +71,10 @@ Examined Examine(SqliteConnection& database, bool hasBytes, const std::atomic<bo
     return {Verdict::Unreadable, "it is damaged: it is not built as it should be", "damaged"};
 
   database.SetStop(&stop);
-  SqliteStatement check(database, "PRAGMA quick_check(1)");
-  const bool said = check.Next();
+  const std::optional<bool> whole = IsWhole(database, test);
   database.SetStop(nullptr);
-  if (!said && !database.WasStopped()) return failed();
-  if (said && check.Text(0) != "ok") return {Verdict::Unreadable, "it is damaged", "damaged"};
+  if (!whole && !database.WasStopped()) return failed();
+  if (whole == false) return {Verdict::Unreadable, "it is damaged", "damaged"};
   return {Verdict::Good, {}, {}, *version};
 }
 
@@ -104,7 +115,7 @@ std::string PutHistoryAside(const std::string& path, const std::string& word) {
   return {};
 }
 
-HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop) {
+HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop, HistoryTest test) {
   HistoryFileOpened opened;
   bool suspected = false;
   for (int attempt = 0; attempt < 3; ++attempt) {
@@ -114,7 +125,7 @@ HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<boo
       return opened;
     }
     auto database = std::make_unique<SqliteConnection>(path);
-    const Examined examined = Examine(*database, hasBytes, stop);
+    const Examined examined = Examine(*database, hasBytes, stop, test);
     if (examined.Is == Verdict::Unreadable) {
       database.reset();
       // To the database a read that the system refuses is damage too; only what is damaged is so at the second look.

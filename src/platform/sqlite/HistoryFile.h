@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -17,10 +18,17 @@ struct HistoryFileOpened {
   std::string WhyPutAside;
 };
 
+/// How the file is tested.
+enum class HistoryTest : std::uint8_t {
+  Quick,  ///< its structure; takes as long as the file is large
+  Whole,  ///< also whether its indexes, that of the words too, have what the tables have; takes some times longer
+};
+
 /// Opens the record for writing: makes it with mode 0600 if it is not there, and its folder; tests whether it is whole.
 /// One that is damaged, another program's or a later version's is put aside under a name that is free, and a new one
-/// is begun. Takes as long as the file is large, unless `stop` becomes true, which leaves out the rest of the test.
-[[nodiscard]] HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop);
+/// is begun. If `stop` becomes true, the rest of the test is left out.
+[[nodiscard]] HistoryFileOpened OpenHistoryFile(const std::string& path, const std::atomic<bool>& stop,
+                                                HistoryTest test = HistoryTest::Quick);
 
 /// Opens it for questions; null if it cannot be opened.
 [[nodiscard]] std::unique_ptr<SqliteConnection> OpenHistoryForQuestions(const std::string& path,

@@ -99,7 +99,7 @@ void SqliteHistoryStore::Write(HistoryRows rows) {
 }
 
 void SqliteHistoryStore::WriteRows() {
-  static_cast<void>(Open());
+  static_cast<void>(Open(HistoryTest::Quick));
   bool more = false;
   std::unique_lock lock(mutex_);
   for (;;) {
@@ -112,7 +112,7 @@ void SqliteHistoryStore::WriteRows() {
     HistoryRows rows;
     if (std::exchange(fresh_, false)) rows = std::exchange(waiting_, {});
     lock.unlock();
-    if (suspect_.exchange(false)) PutAside();
+    if (suspect_.exchange(false)) LookAgain();
     if (rows.Count() > 0) WriteBatch(std::move(rows));
     if (closing) return;
     // The first moment is known with the first rows.
@@ -122,8 +122,8 @@ void SqliteHistoryStore::WriteRows() {
   }
 }
 
-bool SqliteHistoryStore::Open() {
-  HistoryFileOpened opened = OpenHistoryFile(path_, stop_);
+bool SqliteHistoryStore::Open(HistoryTest test) {
+  HistoryFileOpened opened = OpenHistoryFile(path_, stop_, test);
   if (!opened.PutAside.empty()) {
     Say(fmt::format("The record {} could not be read: {}. It is kept as {}, and a new one was begun.", path_,
                     opened.WhyPutAside, opened.PutAside));
@@ -140,7 +140,7 @@ bool SqliteHistoryStore::Open() {
 }
 
 void SqliteHistoryStore::WriteBatch(HistoryRows rows) {
-  const bool open = database_ != nullptr || Open();
+  const bool open = database_ != nullptr || Open(HistoryTest::Quick);
   if (open && writer_->Write(rows)) {
     std::int64_t lost = 0;
     {
@@ -161,7 +161,7 @@ void SqliteHistoryStore::WriteBatch(HistoryRows rows) {
     failure = openFailure_;
   }
   TakeBack(std::move(rows));
-  // A damaged one is put aside at the next try.
+  // One that looks damaged is tested before the next try.
   if (open && database_->IsDamaged()) suspect_ = true;
   if (!std::exchange(failing_, true))
     Say(fmt::format("The record {} cannot be written: {}.", path_, failure.Cause()));
@@ -185,21 +185,19 @@ void SqliteHistoryStore::TakeBack(HistoryRows rows) {
   waiting_ = std::move(rows);
 }
 
-void SqliteHistoryStore::PutAside() {
+void SqliteHistoryStore::LookAgain() {
   {
-    const std::lock_guard lock(reading_);
+    const std::lock_guard reading(reading_);
+    {
+      const std::lock_guard lock(mutex_);
+      opened_ = Opened::NotYet;
+    }
     suspect_ = false;
     questionsDatabase_.reset();
     writer_.reset();
     database_.reset();
-    const std::string aside = PutHistoryAside(path_, "damaged");
-    if (!aside.empty()) {
-      Say(fmt::format(
-          "The record {} could not be read: it is damaged. It is kept as {}, and a new one was begun.", path_,
-          aside));
-    }
   }
-  static_cast<void>(Open());
+  static_cast<void>(Open(HistoryTest::Whole));
 }
 
 void SqliteHistoryStore::Say(std::string line) {
@@ -293,6 +291,7 @@ std::function<void()> SqliteHistoryStore::Answer(Question& question) {
   {
     const std::lock_guard lock(mutex_);
     if (opened_ == Opened::Failed) return refused(openFailure_);
+    if (opened_ == Opened::NotYet) return {};
   }
   if (questionsDatabase_ == nullptr) {
     questionsDatabase_ = OpenHistoryForQuestions(path_, stop_);
@@ -301,7 +300,7 @@ std::function<void()> SqliteHistoryStore::Answer(Question& question) {
   if (questionsDatabase_ == nullptr) return refused(Result::Failed("the record cannot be opened"));
   // What was read before it may be of another file, which has been put aside.
   if (question.Connection != 0 && question.Connection != connections_)
-    return refused(Result::Failed("the record was begun anew"));
+    return refused(Result::Failed("the record was opened anew"));
   question.Connection = connections_;
   HistoryReader reader(*questionsDatabase_);
   auto answer = question.Work(reader);

@@ -16,6 +16,7 @@
 
 #include "base/EventLoop.h"
 #include "platform/HistoryStore.h"
+#include "platform/sqlite/HistoryFile.h"
 #include "platform/sqlite/HistoryWriter.h"
 #include "platform/sqlite/SqliteConnection.h"
 
@@ -57,15 +58,17 @@ class SqliteHistoryStore final : public HistoryStore {
 
   // The writer's thread.
   void WriteRows();
-  [[nodiscard]] bool Open();
+  [[nodiscard]] bool Open(HistoryTest test);
   void WriteBatch(HistoryRows rows);
   void TakeBack(HistoryRows rows);
-  void PutAside();
+  /// Opens a record that looks damaged again. To the database a read that the system refuses is damage too; only what
+  /// is damaged is put aside.
+  void LookAgain();
   void Say(std::string line);
 
   // The reader's thread.
   void AnswerQuestions();
-  /// Empty if there is more to do.
+  /// Empty if there is more to do, or if the record is being tested.
   [[nodiscard]] std::function<void()> Answer(Question& question);
 
   void Ask(Question question);
