@@ -1,5 +1,6 @@
 #include "windows/AudioDisplay.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
@@ -15,6 +16,10 @@ namespace {
 constexpr std::int32_t kSamples = 9600;
 /// From this level (-6 dB) upwards a level is shown as loud.
 constexpr double kLoudFrom = 0.9;
+/// Pixels between the frame and what is in it, and between two bars.
+constexpr double kMarginX = 6;
+constexpr double kMarginY = 5;
+constexpr double kBarGap = 4;
 
 }  // namespace
 
@@ -53,15 +58,28 @@ QColor AudioDisplay::Faint() const {
   return Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.18);
 }
 
+QRectF AudioDisplay::Frame() const {
+  return QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+QRectF AudioDisplay::Room() const {
+  return Frame().adjusted(kMarginX, kMarginY, -kMarginX, -kMarginY);
+}
+
+void AudioDisplay::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) ground_ = {};
+  QWidget::changeEvent(event);
+}
+
 void AudioDisplay::paintEvent(QPaintEvent* /*event*/) {
+  const QSize size = (QSizeF(this->size()) * devicePixelRatioF()).toSize();
+  if (ground_.size() != size || groundType_ != meter_.Type() || groundChannels_ != meter_.ChannelCount())
+    PaintGround();
   QPainter painter(this);
+  painter.drawPixmap(0, 0, ground_);
   painter.setRenderHint(QPainter::Antialiasing);
-  const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-  painter.setPen(Mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.3));
-  painter.setBrush(palette().base());
-  painter.drawRect(frame);
   painter.setPen(Qt::NoPen);
-  const QRectF room = frame.adjusted(6, 5, -6, -5);
+  const QRectF room = Room();
   switch (meter_.Type()) {
     case presenters::VuType::Bars:
       return PaintBars(painter, room);
@@ -76,18 +94,54 @@ void AudioDisplay::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
-void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
-  QFont small = font();
-  small.setPointSizeF(std::max(6.0, font().pointSizeF() * 0.75));
-  painter.setFont(small);
-  const double scaleHeight = QFontMetricsF(small).height();
+void AudioDisplay::PaintGround() {
+  groundType_ = meter_.Type();
+  groundChannels_ = meter_.ChannelCount();
+  ground_ = QPixmap((QSizeF(size()) * devicePixelRatioF()).toSize());
+  ground_.setDevicePixelRatio(devicePixelRatioF());
+  ground_.fill(palette().color(QPalette::Window));
+  QPainter painter(&ground_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.3));
+  painter.setBrush(palette().base());
+  painter.drawRect(Frame());
+  if (groundType_ != presenters::VuType::Bars) return;
+  const QRectF room = Room();
+  barPlaces_ = PlaceBars(room);
+  PaintMarks(painter, room);
+}
+
+AudioDisplay::BarPlaces AudioDisplay::PlaceBars(const QRectF& room) const {
+  BarPlaces places;
+  places.MarkFont = font();
+  places.MarkFont.setPointSizeF(std::max(6.0, font().pointSizeF() * 0.75));
+  places.MarksHeight = QFontMetricsF(places.MarkFont).height();
   const auto channels = static_cast<double>(meter_.ChannelCount());
-  const double gap = 4;
-  const double height = std::min((room.height() - scaleHeight - gap * channels) / channels, 26.0);
-  const double top = room.top() + (room.height() - scaleHeight - (height + gap) * channels) / 2;
+  places.Height = std::min((room.height() - places.MarksHeight - kBarGap * channels) / channels, 26.0);
+  const double all = (places.Height + kBarGap) * channels;
+  places.Top = room.top() + (room.height() - places.MarksHeight - all) / 2;
+  places.MarksTop = places.Top + all;
+  return places;
+}
+
+void AudioDisplay::PaintMarks(QPainter& painter, const QRectF& room) const {
+  painter.setFont(barPlaces_.MarkFont);
+  painter.setPen(Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.7));
+  // Centred, the last mark's text would reach beyond the bar's end, so it is aligned to end there.
+  for (const int decibels : {-50, -40, -30, -20, -10, 0}) {
+    const double x = room.left() + room.width() * (1 + decibels / 60.0);
+    const QRectF place(x - 20, barPlaces_.MarksTop, decibels == 0 ? 20 : 40, barPlaces_.MarksHeight);
+    painter.drawText(place, (decibels == 0 ? Qt::AlignRight : Qt::AlignHCenter) | Qt::AlignVCenter,
+                     QString::number(decibels));
+  }
+}
+
+void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
+  const double height = barPlaces_.Height;
   for (std::size_t c = 0; c < meter_.ChannelCount(); ++c) {
     const presenters::LevelMeter::Channel& channel = meter_.Channels().at(c);
-    const QRectF bar(room.left(), top + static_cast<double>(c) * (height + gap), room.width(), height);
+    const QRectF bar(room.left(), barPlaces_.Top + static_cast<double>(c) * (height + kBarGap), room.width(),
+                     height);
     painter.fillRect(bar, Faint());
     const auto part = [&bar](double from, double to) {
       return QRectF(bar.left() + bar.width() * from, bar.top(), bar.width() * std::max(0.0, to - from),
@@ -101,15 +155,6 @@ void AudioDisplay::PaintBars(QPainter& painter, const QRectF& room) const {
       painter.fillRect(QRectF(bar.left() + std::max(0.0, hold - 2), bar.top(), 2, bar.height()),
                        channel.Hold >= kLoudFrom ? Loud() : palette().color(QPalette::Text));
     }
-  }
-  // Centred, the last mark's text would reach beyond the bar's end, so it is aligned to end there.
-  painter.setPen(Mixed(palette().color(QPalette::Base), palette().color(QPalette::Text), 0.7));
-  const double scaleTop = top + channels * (height + gap);
-  for (const int decibels : {-50, -40, -30, -20, -10, 0}) {
-    const double x = room.left() + room.width() * (1 + decibels / 60.0);
-    const QRectF place(x - 20, scaleTop, decibels == 0 ? 20 : 40, scaleHeight);
-    painter.drawText(place, (decibels == 0 ? Qt::AlignRight : Qt::AlignHCenter) | Qt::AlignVCenter,
-                     QString::number(decibels));
   }
 }
 

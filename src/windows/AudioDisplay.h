@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QFont>
+#include <QPixmap>
+#include <QRectF>
 #include <QWidget>
+#include <cstddef>
 #include <cstdint>
 
 #include "presenters/LevelMeter.h"
@@ -23,9 +27,25 @@ class AudioDisplay final : public QWidget {
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  /// Where the bars lie, and below them the marks of their scale.
+  struct BarPlaces {
+    QFont MarkFont;
+    double Top = 0;
+    double Height = 0;  ///< of one bar
+    double MarksTop = 0;
+    double MarksHeight = 0;
+  };
+
+  [[nodiscard]] QRectF Frame() const;
+  [[nodiscard]] QRectF Room() const;  // within the frame
+  [[nodiscard]] BarPlaces PlaceBars(const QRectF& room) const;
+  /// What stays as it is between two levels: the frame, and the marks of the bars.
+  void PaintGround();
+  void PaintMarks(QPainter& painter, const QRectF& room) const;
   void PaintBars(QPainter& painter, const QRectF& room) const;
   void PaintNeedles(QPainter& painter, const QRectF& room) const;
   void PaintWave(QPainter& painter, const QRectF& room) const;
@@ -37,6 +57,11 @@ class AudioDisplay final : public QWidget {
   presenters::LevelMeter& meter_;
   std::uint32_t drawn_ = 0;
   presenters::VuType shown_ = presenters::VuType::Bars;
+  // Kept, since writing the marks takes longer than painting the bars.
+  QPixmap ground_;
+  presenters::VuType groundType_ = presenters::VuType::Bars;
+  std::size_t groundChannels_ = 0;
+  BarPlaces barPlaces_;
 };
 
 }  // namespace kestrune::windows

@@ -110,6 +110,7 @@ QAction* frmKestrune::AddEntry(QMenu& menu, const char* name, const char* captio
   action->setObjectName(QLatin1String(name));
   action->setShortcut(QKeySequence(QLatin1String(key)));
   action->setMenuRole(QAction::NoRole);
+  entries_[name] = action;
   connect(action, &QAction::triggered, this, [this, chosen = std::move(chosen)] {
     if (chosen) chosen();
     Refresh();
@@ -505,8 +506,8 @@ void frmKestrune::AskFor(std::function<void()> wish) {
   });
 }
 
-QAction* frmKestrune::Entry(const char* name) const {
-  return findChild<QAction*>(QLatin1String(name));
+QAction* frmKestrune::Entry(std::string_view name) const {
+  return entries_.find(name)->second;
 }
 
 void frmKestrune::Refresh() {
@@ -563,9 +564,10 @@ void frmKestrune::Grow() {
 
 void frmKestrune::ShowPresets() {
   const auto& presets = rules_.PresetButtons().Buttons();
+  const int margin = presets_.front()->fontMetrics().averageCharWidth() * 3;
   for (std::size_t i = 0; i < presets.size(); ++i) {
-    const int room = presets_[i]->width() - presets_[i]->fontMetrics().averageCharWidth() * 3;
-    const PresetFace face{presets.at(i).Caption, presets.at(i).Tip, room, palette().cacheKey()};
+    const PresetFace face{presets.at(i).Caption, presets.at(i).Tip, presets_[i]->width() - margin,
+                          palette().cacheKey()};
     if (std::exchange(presetFaces_.at(i), face) == face) continue;
     ShowPreset(*presets_[i], i + 1, face);
   }

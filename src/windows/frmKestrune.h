@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,7 +58,8 @@ class frmKestrune final : public QMainWindow {
   /// Acts on a key in HotKeyOf's numbering, pressed here or in another window.
   void PressHotKey(int key);
 
-  [[nodiscard]] QAction* Entry(const char* name) const;
+  /// The menu entry of that name, which there must be.
+  [[nodiscard]] QAction* Entry(std::string_view name) const;
 
  protected:
   bool event(QEvent* event) override;
@@ -145,6 +147,7 @@ class frmKestrune final : public QMainWindow {
   QPushButton* cmdKeep_ = nullptr;
   std::vector<QPushButton*> presets_;
   std::array<PresetFace, presenters::Presets::kCount> presetFaces_;
+  std::map<std::string, QAction*, std::less<>> entries_;
   std::vector<Box> boxes_;
 };
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include <fmt/format.h>
+#include <malloc.h>
 
 #include "apps/SoundInput.h"
 #include "apps/kestrune/AudioLibrary.h"
@@ -69,6 +70,8 @@ void Say(const std::string& line) {
 int RunUnit(const control::CommandLine& line, const std::string& executable, platform::QtEventLoop& loop,
             const MakeFace& makeFace) {
   control::Options options = line.Chosen;
+  // A heap for each thread costs two megabytes, and no thread allocates often enough to wait for another.
+  ::mallopt(M_ARENA_MAX, 1);
   // Before anything else is started, which is to hear nothing of it.
   platform::NotifySocket serviceManager;
   const platform::PosixEnvironment environment(
