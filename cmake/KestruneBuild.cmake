@@ -70,18 +70,24 @@ function(kestrune_precompile target)
 endfunction()
 
 add_library(kestrune_test_sanitizers INTERFACE)
-target_compile_options(kestrune_test_sanitizers INTERFACE -fno-sanitize=fuzzer-no-link,vptr,null,alignment)
+target_compile_options(kestrune_test_sanitizers INTERFACE -fno-sanitize=fuzzer-no-link,undefined)
 
-# kestrune_test_flags(TARGET): how test code is compiled. Compiling it is most of a build, so it is not optimised, does not
-# guide fuzzers, is not checked for what a test would crash on anyway, and has no debug information in an optimised build. The
-# code under test is and does all that.
-function(kestrune_test_flags target)
-  target_link_libraries(${target} PRIVATE GTest::gmock)
-  target_compile_options(${target} PRIVATE -O0)
+# kestrune_only_for_tests(TARGET): code that only tests use does not guide fuzzers, and only its memory is checked: each check
+# more would make a third of all that is compiled, and every test, slower. The code under test is checked for everything.
+function(kestrune_only_for_tests target)
   if(KESTRUNE_SANITIZE MATCHES fuzzer)
     # After the sanitizers of all targets, which a target's own options would precede: the last one counts.
     target_link_libraries(${target} PRIVATE kestrune_test_sanitizers)
-  elseif(CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
+  endif()
+endfunction()
+
+# kestrune_test_flags(TARGET): how test code is compiled. Compiling it is most of a build, so it is not optimised, and has no
+# debug information in an optimised build.
+function(kestrune_test_flags target)
+  target_link_libraries(${target} PRIVATE GTest::gmock)
+  target_compile_options(${target} PRIVATE -O0)
+  kestrune_only_for_tests(${target})
+  if(NOT KESTRUNE_SANITIZE MATCHES fuzzer AND CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
     target_compile_options(${target} PRIVATE -g0)
   endif()
 endfunction()
