@@ -44,7 +44,6 @@ using test::FileText;
 using test::PlayRow;
 using test::PutFile;
 using test::SongRow;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
