@@ -121,6 +121,33 @@ std::string Changed(std::string record, const std::uint8_t* data, std::size_t si
   return record;
 }
 
+/// Whatever can be asked, of whatever is there.
+void Ask(const Folder& folder) {
+  const auto questions = platform::OpenHistoryForQuestions(folder.Record(), kNever);
+  if (questions == nullptr) return;
+  platform::HistoryReader reader(*questions);
+  const auto rows = reader.ReadSpan(DateValue::FromCivil(100, 1, 1), DateValue::FromCivil(9999, 12, 31));
+  if (rows) Require(!history::ReportText(history::MakeReport(*rows, kNight, kNight.AddDays(1))).empty());
+  if (const auto cuts = reader.ReadCuts({.Channel = 0, .Limit = 20})) {
+    Require(cuts->size() <= 20);
+    for (const platform::HistorySong& song : *cuts)
+      Require(song.Cut && song.Cut->Candidates.size() <= platform::kMostCandidates);
+  }
+  if (const auto lags = reader.ReadLags()) {
+    for (const platform::HistoryLag& lag : *lags) Require(lag.Channel >= 1 && lag.Channel <= 255);
+  }
+  for (const auto as : {platform::PlayedAs::Artist, platform::PlayedAs::Song}) {
+    platform::PlayCounter counter({.As = as, .Channel = 0, .Since = {}, .Limit = 20});
+    int pieces = 0;
+    while (counter.CountOn(*questions) == platform::PlayCounter::Piece::More) Require(++pieces < 100);
+    Require(counter.MostPlayed().size() <= 20);
+  }
+  for (const char* text : {"", "moon", "m", "title 9"}) {
+    const auto plays = reader.Search({.Text = text, .Channel = 0, .Since = {}, .Limit = 20});
+    if (plays) Require(plays->size() <= 20);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -144,30 +171,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   platform::HistoryWriter writer(*opened.Database, {});
   const bool written = writer.Write(Rows());
   Require(written || opened.Database->IsDamaged() || !begunAnew);
+  Ask(folder);
   for (int steps = 0; writer.Prune(kNight.AddDays(200)) && steps < 100; ++steps) {
-  }
-  const auto questions = platform::OpenHistoryForQuestions(folder.Record(), kNever);
-  if (questions == nullptr) return 0;
-  platform::HistoryReader reader(*questions);
-  const auto rows = reader.ReadSpan(DateValue::FromCivil(100, 1, 1), DateValue::FromCivil(9999, 12, 31));
-  if (rows) Require(!history::ReportText(history::MakeReport(*rows, kNight, kNight.AddDays(1))).empty());
-  if (const auto cuts = reader.ReadCuts({.Channel = 0, .Limit = 20})) {
-    Require(cuts->size() <= 20);
-    for (const platform::HistorySong& song : *cuts)
-      Require(song.Cut && song.Cut->Candidates.size() <= platform::kMostCandidates);
-  }
-  if (const auto lags = reader.ReadLags()) {
-    for (const platform::HistoryLag& lag : *lags) Require(lag.Channel >= 1 && lag.Channel <= 255);
-  }
-  for (const auto as : {platform::PlayedAs::Artist, platform::PlayedAs::Song}) {
-    platform::PlayCounter counter({.As = as, .Channel = 0, .Since = {}, .Limit = 20});
-    int pieces = 0;
-    while (counter.CountOn(*questions) == platform::PlayCounter::Piece::More) Require(++pieces < 100);
-    Require(counter.MostPlayed().size() <= 20);
-  }
-  for (const char* text : {"", "moon", "m", "title 9"}) {
-    const auto plays = reader.Search({.Text = text, .Channel = 0, .Since = {}, .Limit = 20});
-    if (plays) Require(plays->size() <= 20);
   }
   return 0;
 }

@@ -53,5 +53,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const bool killed = lists.IsInKillList(artist, song);
   lists.LoadRestrictions();
   Check(grabbed == lists.IsInGrabList(artist, song) && killed == lists.IsInKillList(artist, song));
+
+  // What is added lies there until it is removed, and no other list is touched by that.
+  const std::int16_t others = lists.RestrictCount(RestrictList::GrabArtists);
+  if (!lists.Add(RestrictList::KillSongs, song).Ok()) return 0;
+  const std::int16_t count = lists.RestrictCount(RestrictList::KillSongs);
+  const bool full = count == kestrune::schedule::Restrictions::kMaxRows;
+  Check(full || lists.Fragment(RestrictList::KillSongs, count) == song || song.ends_with('\r'));
+  const auto removal = lists.Remove(RestrictList::KillSongs, song);
+  Check(removal.Failure.empty() && (removal.Count > 0 || song.ends_with('\r')));
+  Check(full || lists.RestrictCount(RestrictList::KillSongs) == count - removal.Count);
+  Check(lists.RestrictCount(RestrictList::GrabArtists) == others);
   return 0;
 }

@@ -113,6 +113,8 @@ void RequireAnswer(const MprisObject& object, const QDBusMessage& call) {
   Require(type == QDBusMessage::ReplyMessage || type == QDBusMessage::ErrorMessage);
   if (!answer->Command) return;
   Require(type == QDBusMessage::ReplyMessage && answer->Reply.arguments().isEmpty());
+  const QString described = QStringLiteral("<method name=\"%1\"").arg(call.member());
+  Require(MprisObject::Description().contains(described));
   constexpr std::array kCommands{"Play", "Pause", "PlayPause", "Stop", "Next", "Previous", "Raise", "Quit"};
   Require(call.member() == QLatin1String(kCommands.at(static_cast<std::size_t>(*answer->Command))));
 }

@@ -86,6 +86,15 @@ void Command(test::SettingsRig& rig, const Line& line) {
   Require(rig.Door.Get(line.Key) == now);
 }
 
+/// A format's own window saves what it shows, and no more.
+void RequireFormat(test::SettingsRig& rig) {
+  const config::Settings before = rig.Settings;
+  const bool known = !config::FormatKeys(before.FileFormat).empty();
+  Require(rig.Door.ChangeFormat(before, before.FileFormat).Done());
+  Require(rig.Settings == before);
+  Require(known || config::FindFormat(before.FileFormat) == nullptr);
+}
+
 void RequireFavourites(test::SettingsRig& rig) {
   presenters::FavouriteChannels favourites(rig.Door);
   const auto before = favourites.All();
@@ -94,6 +103,8 @@ void RequireFavourites(test::SettingsRig& rig) {
   Require(favourites.Has(44) != before.contains(44));
   favourites.Toggle(44);
   Require(favourites.All() == before);
+  favourites.SetFirst(!favourites.First());
+  Require(rig.Stored("FavouritesFirst") == rig.Door.Get("FavouritesFirst"));
 }
 
 }  // namespace
@@ -117,5 +128,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   RequireRules(rig.Settings);
   Require(Reloaded(rig) == rig.Settings);
   RequireFavourites(rig);
+  RequireFormat(rig);
+  Require(rig.Door.SaveAtExit());
   return 0;
 }
