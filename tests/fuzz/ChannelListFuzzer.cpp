@@ -7,6 +7,7 @@
 
 #include "radio/channels/ChannelListFile.h"
 #include "radio/channels/ChannelTable.h"
+#include "support/MemoryFiles.h"
 
 namespace {
 
@@ -21,7 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using kestrune::radio::ChannelTable;
 
   const std::string text(data, data + size);
-  const auto entries = ChannelListFile::Parse(text);
+  kestrune::test::MemoryFiles files;
+  files.Put("/data/ChannelList2.txt", text);
+  ChannelListFile file(files);
+  file.SetPlace("/data", "2");
+  const auto entries = file.Read();
   ChannelTable table;
   for (const auto& entry : entries) {
     Require(entry.Number >= 0 && entry.Number <= ChannelTable::kLastSlot);
@@ -29,10 +34,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!table.Add(entry)) break;
     Require(table.At(table.ChannelIndex(entry.Number)).Number == entry.Number);
   }
+  ChannelTable cleared = table;
+  cleared.Clear();
+  Require(cleared.ChannelCount() == 0);
+  for (const auto& entry : entries) Require(cleared.ChannelIndex(entry.Number) == 0);
   while (table.ChannelCount() > 0) table.Remove(1 + table.ChannelCount() / 2 % table.ChannelCount());
 
   const std::string saved = ChannelListFile::Format(entries);
-  const auto again = ChannelListFile::Parse(saved);
+  Require(file.Write(entries) && files.Text("/data/ChannelList2.txt") == saved);
+  const auto again = file.Read();
   Require(again.size() == entries.size());
   Require(ChannelListFile::Format(again) == saved);
   return 0;

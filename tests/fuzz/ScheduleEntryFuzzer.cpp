@@ -60,6 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                              }};
   schedule::SchedulerRow row = schedule::ReadSchedulerRow(settings, 1, channels, now);
   Require(schedule::SaveSchedulerRow(settings, 1, channels, row));
+  Require(schedule::IsStored(settings, 1) && !schedule::IsStored(settings, 2));
+  const auto channel = schedule::StoredChannel(settings, 1);
+  Require(!channel || stored["ScheduleChannel1"] == std::to_string(*channel));
   // What was saved reads as the same row, so that a save without a change changes nothing.
   schedule::SchedulerRow again = schedule::ReadSchedulerRow(settings, 1, channels, now);
   const auto once = stored;
