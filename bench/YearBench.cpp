@@ -22,6 +22,7 @@ using Look = YearOfRadio::Look;
 
 /// By how much the medians of two halves may differ, though nothing grows: what is in hand at the moments of the looks.
 constexpr double kMostHeapGrown = 200'000;
+constexpr double kMostResidentGrown = 2'000'000;
 constexpr double kMostRecordGrown = 0.05;
 
 int NumberOf(const char* variable, int otherwise) {
@@ -56,17 +57,19 @@ Halves HalvesOf(const std::vector<Look>& looks, std::int64_t Look::*field) {
 
 void PrintHead() {
   fmt::print(
-      "{:>5} {:>9} {:>9} {:>5} {:>10} {:>9} {:>8} {:>6} {:>7} {:>9} {:>10} {:>6} {:>10} {:>7} {:>6} {:>8}\n",
-      "day", "heap", "resident", "files", "record", "plays", "titles", "songs", "events", "incidents", "log",
-      "shelf", "bytes", "kept", "starts", "seconds");
+      "{:>4} {:>8} {:>9} {:>5} {:>10} {:>8} {:>7} {:>6} {:>8} {:>6} {:>9} {:>8} {:>10} {:>5} {:>10} {:>6} "
+      "{:>6} {:>7}\n",
+      "day", "heap", "resident", "files", "record", "plays", "titles", "songs", "stations", "events",
+      "incidents", "lines", "log", "shelf", "bytes", "kept", "starts", "seconds");
 }
 
 void Print(const Look& look, const YearOfRadio& year, double seconds) {
   const YearOfRadio::Rows rows = year.RowsNow();
-  fmt::print("{:5} {:9} {:9} {:5} {:10} {:9} {:8} {:6} {:7} {:9} {:10} {:6} {:10} {:7} {:6} {:8.0f}\n",
-             look.At / 24h, look.HeapBytes, look.ResidentBytes, look.Handles, look.RecordBytes, rows.Plays,
-             rows.Titles, rows.Songs, rows.Events, rows.Incidents, look.LogBytes, look.ShelfFiles,
-             look.ShelfBytes, year.Sum().SongsKept, year.Sum().Starts, seconds);
+  fmt::print(
+      "{:4} {:8} {:9} {:5} {:10} {:8} {:7} {:6} {:8} {:6} {:9} {:8} {:10} {:5} {:10} {:6} {:6} {:7.0f}\n",
+      look.At / 24h, look.HeapBytes, look.ResidentBytes, look.Handles, look.RecordBytes, rows.Plays,
+      rows.Titles, rows.Songs, rows.Stations, rows.Events, rows.Incidents, rows.LogLines, look.LogBytes,
+      look.ShelfFiles, look.ShelfBytes, year.Sum().SongsKept, year.Sum().Starts, seconds);
   std::fflush(stdout);
 }
 
@@ -89,10 +92,14 @@ void Year(benchmark::State& state) {
       if (look.At / step != (look.At - 6h) / step) Print(look, year, ProcessorSeconds() - began);
     });
     const Halves heap = HalvesOf(looks, &Look::HeapBytes);
+    const Halves resident = HalvesOf(looks, &Look::ResidentBytes);
+    const Halves files = HalvesOf(looks, &Look::Handles);
     const Halves record = HalvesOf(looks, &Look::RecordBytes);
     state.counters["seconds_a_day"] = (ProcessorSeconds() - began) / days;
     state.counters["heap"] = heap.Second;
     state.counters["heap_grown"] = heap.Second - heap.First;
+    state.counters["resident"] = resident.Second;
+    state.counters["resident_grown"] = resident.Second - resident.First;
     state.counters["record"] = record.Second;
     state.counters["record_grown"] = record.Second - record.First;
     state.counters["plays"] = static_cast<double>(year.Sum().PlaysWritten);
@@ -102,7 +109,9 @@ void Year(benchmark::State& state) {
     state.counters["failures"] = static_cast<double>(year.Sum().Failures);
     for (const std::string& complaint : year.Complaints()) fmt::print("{}\n", complaint);
     if (!year.Complaints().empty()) state.SkipWithError("see the complaints");
-    if (heap.Second - heap.First > kMostHeapGrown) state.SkipWithError("the memory grows");
+    if (heap.Second - heap.First > kMostHeapGrown || resident.Second - resident.First > kMostResidentGrown)
+      state.SkipWithError("the memory grows");
+    if (files.Second > files.First + 1) state.SkipWithError("files stay open");
     if (record.Second > record.First * (1 + kMostRecordGrown)) state.SkipWithError("the record grows");
   }
 }

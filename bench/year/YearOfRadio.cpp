@@ -432,7 +432,6 @@ YearOfRadio::Look YearOfRadio::LookNow() const {
   look.HeapBytes = BytesInUse();
   for (const std::string& line : lines)
     look.HeapBytes -= static_cast<std::int64_t>(sizeof(std::string)) + HeapOf(line);
-  look.LogListLines = static_cast<std::int64_t>(lines.size());
   std::int64_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages >> pages;
   look.ResidentBytes = pages * ::sysconf(_SC_PAGESIZE);
@@ -457,12 +456,14 @@ YearOfRadio::Rows YearOfRadio::RowsNow() const {
   const auto count = [&database](const char* table) {
     return database->NumberOf(fmt::format("SELECT count(*) FROM {}", table)).value_or(-1);
   };
+  std::ifstream log(unit_->Parts().Log.List().LogPath());
   return {.Plays = count("play"),
           .Titles = count("title"),
           .Songs = count("song"),
           .Events = count("event"),
           .Incidents = count("incident"),
-          .Stations = count("station")};
+          .Stations = count("station"),
+          .LogLines = std::count(std::istreambuf_iterator<char>(log), {}, '\n')};
 }
 
 void YearOfRadio::Check(bool holds, const std::string& complaint) {

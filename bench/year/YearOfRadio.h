@@ -41,11 +41,10 @@ class YearOfRadio {
     std::int64_t Handles = 0;
     std::int64_t RecordBytes = 0;
     std::int64_t LogBytes = 0;
-    std::int64_t LogListLines = 0;
     std::int64_t ShelfFiles = 0;
     std::int64_t ShelfBytes = 0;
   };
-  /// Rows of the record.
+  /// Rows of the record, and lines of the log.
   struct Rows {
     std::int64_t Plays = 0;
     std::int64_t Titles = 0;
@@ -53,6 +52,7 @@ class YearOfRadio {
     std::int64_t Events = 0;
     std::int64_t Incidents = 0;
     std::int64_t Stations = 0;
+    std::int64_t LogLines = 0;
   };
   /// Counted since the beginning.
   struct Tally {
