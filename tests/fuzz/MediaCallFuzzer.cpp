@@ -21,7 +21,6 @@
 
 namespace {
 
-using kestrune::platform::MediaCommand;
 using kestrune::platform::MediaState;
 using kestrune::platform::MprisObject;
 
