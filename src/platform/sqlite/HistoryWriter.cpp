@@ -14,6 +14,8 @@ using base::DateValue;
 // So much is removed in one transaction, so that what is to be written waits for a fraction of a second.
 constexpr int kRowsAtOnce = 2000;
 constexpr int kTitlesAtOnce = 2000;
+// A radio has some hundred channels, whose names change now and then; more than that are names that came in garbled.
+constexpr std::int64_t kMostUnusedStations = 1000;
 constexpr std::int64_t kIndexPagesAtOnce = 200;
 constexpr std::int64_t kSecondsADay = 86400;
 
@@ -250,9 +252,18 @@ bool HistoryWriter::RemoveSomeTitles() {
   }
   if (titles.Failed()) return false;
   if (count == kTitlesAtOnce) return true;
+  if (!RemoveUnusedStations()) return false;
   removing_ = std::exchange(titlesRemoved_, false) ? Removing::Index : Removing::Room;
   mergeBegun_ = false;
   return true;
+}
+
+bool HistoryWriter::RemoveUnusedStations() {
+  const auto stations = database_.NumberOf("SELECT count(*) FROM station");
+  if (!stations) return false;
+  // It looks at all plays, which no index leads to.
+  return *stations <= kMostUnusedStations ||
+         database_.Run("DELETE FROM station WHERE id NOT IN (SELECT station FROM play)");
 }
 
 bool HistoryWriter::MergeSomeIndex() {

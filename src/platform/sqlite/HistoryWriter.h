@@ -49,6 +49,7 @@ class HistoryWriter {
   /// True if there is more of it.
   [[nodiscard]] bool RemoveSomeRows();
   [[nodiscard]] bool RemoveSomeTitles();
+  [[nodiscard]] bool RemoveUnusedStations();
   [[nodiscard]] bool MergeSomeIndex();
   [[nodiscard]] bool GiveBackSomeRoom();
 
@@ -68,8 +69,8 @@ class HistoryWriter {
   SqliteStatement title_;
   SqliteStatement titleText_;
 
-  /// What is removed goes in this order: rows that are too old, titles that nothing plays any more, what these leave
-  /// behind in the index, and the room that all of it took in the file, if the file is too large.
+  /// What is removed goes in this order: rows that are too old, titles and stations that no play has any more, what
+  /// these leave behind in the index, and the room that all of it took in the file, if the file is too large.
   enum class Removing { Nothing, Rows, Titles, Index, Room };
 
   std::optional<base::DateValue> lastLook_;  // at what is too old

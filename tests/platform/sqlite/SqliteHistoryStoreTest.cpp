@@ -25,6 +25,7 @@
 #include "platform/sqlite/HistoryNight.h"
 #include "platform/sqlite/HistoryReader.h"
 #include "platform/sqlite/HistorySchema.h"
+#include "platform/sqlite/HistoryWriter.h"
 #include "platform/sqlite/PlayCounter.h"
 #include "platform/sqlite/SqliteConnection.h"
 #include "platform/sqlite/SqliteHistoryStore.h"
@@ -735,6 +736,28 @@ TEST_F(SqliteHistoryStoreTest, WhatIsOlderThanNinetyDaysGoes) {
   test::ChildProcess sqlite(
       {"sqlite3", "-batch", Path, "INSERT INTO title_text(title_text, rank) VALUES('integrity-check', 1)"});
   EXPECT_EQ(sqlite.Wait(20s), 0) << "the index fits what is left";
+}
+
+TEST_F(SqliteHistoryStoreTest, ManyStationsThatNothingPlaysAnyMoreAreForgotten) {
+  const std::atomic<bool> never{false};
+  const HistoryFileOpened opened = OpenHistoryFile(Path, never);
+  ASSERT_NE(opened.Database, nullptr);
+  HistoryWriter writer(*opened.Database, {});
+  HistoryRows rows;
+  for (int i = 0; i < 3000; ++i) {
+    rows.Plays.push_back(PlayRow(i, "Moon", "River"));
+    rows.Plays.back().Station = "Garbled " + std::to_string(i);
+  }
+  const auto later = AtMinute(0).AddDays(HistoryLimits().Days + 10);
+  rows.Plays.push_back(PlayRow(0, "Moon", "Tide"));
+  rows.Plays.back().From = later;
+  rows.Plays.back().To = later.AddMinutes(3);
+  ASSERT_TRUE(writer.Write(rows));
+  ASSERT_EQ(opened.Database->NumberOf("SELECT count(*) FROM station"), 3001);
+  while (writer.Prune(later)) {
+  }
+  EXPECT_EQ(opened.Database->NumberOf("SELECT count(*) FROM station"), 1);
+  EXPECT_EQ(opened.Database->NumberOf("SELECT count(*) FROM play"), 1);
 }
 
 TEST_F(SqliteHistoryStoreTest, WhatIsTooMuchGoesTheOldestFirst) {
