@@ -91,7 +91,8 @@ void Recovery::MendNext() {
 
 void Recovery::Settle(const std::string& path, const platform::MendedCapture& mended) {
   using Fate = platform::MendedCapture::State;
-  if (mended.Is == Fate::Untouched) return;
+  // Whoever holds it may leave it behind.
+  if (mended.Is == Fate::Untouched) return songFiles_.Keep(path);
   if (mended.Is == Fate::Empty) return base::Ignored(files_.Remove(path));
   const std::string place = MoveAway(path, mended);
   if (mended.Is == Fate::Not) {

@@ -92,8 +92,8 @@ void SongFiles::RemoveLeftovers(const std::string& folder, std::string_view patt
 }
 
 bool SongFiles::IsKept(std::string_view path) const {
-  return (leftoversSpared_ && files_.Exists(path)) ||
-         std::find(kept_.begin(), kept_.end(), path) != kept_.end();
+  return files_.Exists(path) &&
+         (leftoversSpared_ || std::find(kept_.begin(), kept_.end(), path) != kept_.end());
 }
 
 }  // namespace kestrune::recorder

@@ -51,11 +51,11 @@ class SongFiles {
   /// Removes the files of that pattern from a folder, but for those that another process holds or that are kept.
   void RemoveLeftovers(const std::string& folder, std::string_view pattern);
 
-  /// Whether a song that could not be renamed lies under this temporary name, or a file that is spared.
+  /// Whether a file lies under this temporary name that is not to be replaced.
   [[nodiscard]] bool IsKept(std::string_view path) const;
-  /// From now on a song lies under this temporary name.
+  /// What lies under this temporary name is not to be replaced, as long as it is there.
   void Keep(const std::string& path) { kept_.push_back(path); }
-  /// While leftovers are spared, each file that lies under a temporary name counts as kept.
+  /// While leftovers are spared, no file under a temporary name is to be replaced.
   void SpareLeftovers(bool spared) { leftoversSpared_ = spared; }
 
  private:

@@ -126,6 +126,18 @@ TEST_F(RecoveryTest, WhatAnotherProcessHoldsAndWhatIsNoCaptureStays) {
   EXPECT_EQ(Mended("/music/Capture0-2.wav"), 0);
 }
 
+TEST_F(RecoveryTest, WhatWasHeldForAMomentIsNotReplacedAfterwards) {
+  const std::vector<std::string> held = {"/music/Capture0.wav", "/music/Capture1.wav"};
+  for (const std::string& path : held) Left(path, State::Untouched);
+  rig.StartIdle();
+  for (const char* song : {"One", "Two", "Three"}) {
+    rig.NextSong("Artist", song);
+    rig.Run(1min);
+  }
+  for (const std::string& path : held) EXPECT_EQ(rig.Files.Text(path), "left: " + path);
+  EXPECT_THAT(rig.Recordings(), Contains("Capture2.wav"));
+}
+
 TEST_F(RecoveryTest, ANamedUnitTakesItsOwn) {
   rig.Environment.Command = "/multi 2";
   for (const auto& [key, value] : std::map<std::string, std::string>{{"FileDir", "/music/"},
