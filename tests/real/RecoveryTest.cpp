@@ -130,10 +130,15 @@ class Recovery : public testing::Test {
     std::this_thread::sleep_for(time);
   }
 
-  static void Kill(Track& track) {
+  enum class Moment { Any, WithSoundOnTheDisk };
+  static void Kill(Track& track, Moment moment) {
     Unit& unit = *track.Recorder;
     const std::vector<std::string> captures = unit.Captures();
     const Unit::Json status = unit.Status();
+    // Last, since a song may end at any time, and the next one has nothing on the disk at first.
+    if (moment == Moment::WithSoundOnTheDisk) {
+      EXPECT_TRUE(WaitUntil(kPatience, [&unit] { return CapturesWithSound(unit) > 0; }));
+    }
     unit.Program().Signal(SIGKILL);
     EXPECT_EQ(unit.Program().Wait(kPatience), 128 + SIGKILL);
     track.Left = CapturesWithSound(unit);
@@ -219,13 +224,10 @@ TEST_F(Recovery, WhatAKilledProgramLeavesIsWholeAfterTheNextStart) {
     for (Track& track : tracks) {
       const std::chrono::milliseconds after(anyMoment(random));
       // Any moment may do, but once each of them has something to mend.
-      const bool withSound = round == 0;
-      kills.push_back(std::async(std::launch::async, [&track, after, withSound] {
+      const Moment moment = round == 0 ? Moment::WithSoundOnTheDisk : Moment::Any;
+      kills.push_back(std::async(std::launch::async, [&track, after, moment] {
         Record(*track.Recorder, after);
-        if (withSound) {
-          EXPECT_TRUE(WaitUntil(kPatience, [&track] { return CapturesWithSound(*track.Recorder) > 0; }));
-        }
-        Kill(track);
+        Kill(track, moment);
       }));
     }
     for (std::future<void>& kill : kills) kill.get();
@@ -274,7 +276,7 @@ TEST_F(Recovery, ACrashWhileListeningLosesNoMoreThanWasHeldBack) {
          std::chrono::milliseconds(std::uniform_int_distribution<int>(26000, 38000)(random)));
   const std::int64_t reported = track.Recorder->Status().value("samplesLost", std::int64_t{0});
   const std::chrono::duration<double> killed = std::chrono::steady_clock::now() - radioStart;
-  Kill(track);
+  Kill(track, Moment::Any);
   track.Recorder->Start();
   ASSERT_TRUE(track.Recorder->WaitUntilIdle()) << track.Recorder->Program().Errors();
   ExpectRecovered(track);
