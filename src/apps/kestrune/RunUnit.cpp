@@ -70,7 +70,7 @@ void Say(const std::string& line) {
 int RunUnit(const control::CommandLine& line, const std::string& executable, platform::QtEventLoop& loop,
             const MakeFace& makeFace) {
   control::Options options = line.Chosen;
-  // A heap for each thread costs two megabytes, and no thread allocates often enough to wait for another.
+  // Without heaps of their own the threads need less memory, and none allocates often enough to wait for another.
   ::mallopt(M_ARENA_MAX, 1);
   // Before anything else is started, which is to hear nothing of it.
   platform::NotifySocket serviceManager;
