@@ -48,6 +48,14 @@ using test::SongRow;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
+/// More plays, and more titles, than are read in one piece.
+HistoryRows ManyPlays() {
+  HistoryRows rows;
+  for (int i = 0; i < 50'000; ++i)
+    rows.Plays.push_back(PlayRow(i, "Moon", "Title " + std::to_string(i % 45'000)));
+  return rows;
+}
+
 class SqliteHistoryStoreTest : public testing::Test {
  protected:
   void Open(HistoryLimits limits = {}) {
@@ -100,6 +108,23 @@ class SqliteHistoryStoreTest : public testing::Test {
     HistoryRows rows;
     rows.Songs = {SongRow(minute, "One")};
     return rows;
+  }
+  /// A record with many plays whose index of words is damaged, which nothing but a search reads.
+  void OpenWithDamagedWords() {
+    Open();
+    Write(ManyPlays());
+    ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
+    Store.reset();
+    test::ChildProcess sqlite(
+        {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
+    ASSERT_EQ(sqlite.Wait(20s), 0);
+    Open();
+  }
+  [[nodiscard]] bool ASearchIsRefused() {
+    bool refused = false;
+    Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
+                  [&refused](const base::Result& asked, const auto&) { refused = !asked.Ok(); });
+    return ComesTrue([&refused] { return refused; });
   }
   /// What the database's own program says of the file.
   [[nodiscard]] std::string Witness(const std::string& command) const {
@@ -816,14 +841,6 @@ TEST_F(SqliteHistoryStoreTest, ManyTitlesAreSearchedAsFewAre) {
   EXPECT_EQ(Plays("moon 59").size(), 219U);
 }
 
-/// More plays, and more titles, than are read in one piece.
-HistoryRows ManyPlays() {
-  HistoryRows rows;
-  for (int i = 0; i < 50'000; ++i)
-    rows.Plays.push_back(PlayRow(i, "Moon", "Title " + std::to_string(i % 45'000)));
-  return rows;
-}
-
 TEST_F(SqliteHistoryStoreTest, PlaysAreCountedPieceByPieceWithoutLoss) {
   Open();
   Write(ManyPlays());
@@ -876,15 +893,8 @@ TEST_F(SqliteHistoryStoreTest, ACountThatIsStoppedFails) {
 }
 
 TEST_F(SqliteHistoryStoreTest, ACountDoesNotGoOnInAnotherRecord) {
-  Open();
-  Write(ManyPlays());
-  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
-  Store.reset();
-  // Only a search for words reads this index, so that the record is put aside between two pieces of the count.
-  test::ChildProcess sqlite(
-      {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
-  ASSERT_EQ(sqlite.Wait(20s), 0);
-  Open();
+  // Only a search for words reads the index, so that the record is tested between two pieces of the count.
+  ASSERT_NO_FATAL_FAILURE(OpenWithDamagedWords());
   std::string refusal;
   Store->CountPlays({}, [&refusal](const base::Result& asked, const auto&) { refusal = asked.Cause(); });
   Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
@@ -893,19 +903,9 @@ TEST_F(SqliteHistoryStoreTest, ACountDoesNotGoOnInAnotherRecord) {
   EXPECT_EQ(refusal, "the record was opened anew");
 }
 
-TEST_F(SqliteHistoryStoreTest, ItsEndComesWhileTheRecordIsPutAside) {
-  Open();
-  Write(ManyPlays());
-  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
-  Store.reset();
-  test::ChildProcess sqlite(
-      {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
-  ASSERT_EQ(sqlite.Wait(20s), 0);
-  Open();
-  bool refused = false;
-  Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
-                [&refused](const base::Result& asked, const auto&) { refused = !asked.Ok(); });
-  ASSERT_TRUE(ComesTrue([&refused] { return refused; }));
+TEST_F(SqliteHistoryStoreTest, ItsEndComesWhileTheRecordIsTested) {
+  ASSERT_NO_FATAL_FAILURE(OpenWithDamagedWords());
+  ASSERT_TRUE(ASearchIsRefused());
   // The connection of a question that succeeds, which both the writer and the end would close.
   ASSERT_EQ(Plays("", 1).size(), 1U);
   Write(OneSong());
@@ -916,20 +916,10 @@ TEST_F(SqliteHistoryStoreTest, ItsEndComesWhileTheRecordIsPutAside) {
 }
 
 TEST_F(SqliteHistoryStoreTest, DamageOfTheWordsAloneIsFoundWhenASearchMeetsIt) {
-  Open();
-  Write(ManyPlays());
-  ASSERT_TRUE(ComesTrue([this] { return Plays("", 1).size() == 1; }));
-  Store.reset();
-  test::ChildProcess sqlite(
-      {"sqlite3", "-batch", Path, "UPDATE title_text_data SET block = x'A5A5A5A5' WHERE id > 10"});
-  ASSERT_EQ(sqlite.Wait(20s), 0);
-  Open();
+  ASSERT_NO_FATAL_FAILURE(OpenWithDamagedWords());
   ASSERT_EQ(Plays("", 1).size(), 1U);
   EXPECT_THAT(Troubles, testing::IsEmpty());
-  bool refused = false;
-  Store->Search({.Text = "moon", .Channel = 0, .Since = {}, .Limit = 1},
-                [&refused](const base::Result& asked, const auto&) { refused = !asked.Ok(); });
-  ASSERT_TRUE(ComesTrue([&refused] { return refused; }));
+  ASSERT_TRUE(ASearchIsRefused());
   Write(OneSong());
   EXPECT_TRUE(Keeps(1));
   EXPECT_THAT(Troubles, ElementsAre(HasSubstr("could not be read: it is damaged")));
