@@ -19,6 +19,7 @@
 #include "platform/codec/CodecTable.h"
 #include "platform/codec/Decoders.h"
 #include "platform/codec/EncodedFile.h"
+#include "platform/codec/JudgedFiles.h"
 #include "platform/codec/Mp3Frames.h"
 #include "platform/codec/Signals.h"
 #include "presenters/FormatOptions.h"
@@ -36,7 +37,7 @@ class ChosenFormats : public testing::Test {
   std::string Record(std::string_view format) {
     settings_.FileFormat = format;
     specs_.SetFileSpecs(0);
-    std::string path = folder_.Path("song." + std::string(format));
+    std::string path = folder_.NewPath(std::string(format));
     EXPECT_EQ(file_.Create(path).Number, 0) << specs_.FileFormatString();
     const auto shape = file_.FormatValues();
     frames_ = static_cast<std::size_t>(shape.SampleRate);
@@ -45,12 +46,7 @@ class ChosenFormats : public testing::Test {
     return path;
   }
 
-  void ExpectFacts(const std::string& path, const std::string& codec, std::int32_t rate, int channels) {
-    auto facts = Probe(path);
-    EXPECT_EQ(facts["codec_name"], codec);
-    EXPECT_EQ(facts["sample_rate"], std::to_string(rate));
-    EXPECT_EQ(facts["channels"], std::to_string(channels));
-  }
+  void TearDown() override { judged_.JudgeAll(); }
 
   Mp3Stream RecordMp3() {
     EXPECT_TRUE(mp3_.cmdOK());
@@ -71,6 +67,7 @@ class ChosenFormats : public testing::Test {
                            [this] { return scheduled_; }};
   presenters::Mp3Options mp3_{door_};
   std::size_t frames_ = 0;
+  JudgedFiles judged_;
 };
 
 TEST_F(ChosenFormats, EveryFormatHasAnEncoderUnderItsExtensionAndSettings) {
@@ -94,11 +91,12 @@ TEST_F(ChosenFormats, EveryWavButton) {
     for (std::size_t button = 0; button < groups[group].Buttons.size(); ++button) {
       options.Choose(group, button);
       EXPECT_TRUE(options.cmdOK());
-      const config::FormatWAV& wav = settings_.FormatWAV;
+      const config::FormatWAV wav = settings_.FormatWAV;
       const std::string path = Record("WAV");
-      ExpectFacts(path, wav.Bits == 8 ? "pcm_u8" : "pcm_s16le", wav.Frequency, wav.Channels);
-      EXPECT_EQ(Probe(path)["bits_per_sample"], std::to_string(wav.Bits));
-      EXPECT_EQ(DecodeWithFfmpeg(path).size(), frames_ * static_cast<std::size_t>(wav.Channels));
+      judged_.Add(specs_.FileFormatString(), {path}, [wav, frames = frames_](const DecodedFile& file) {
+        ExpectFacts(file, wav.Bits == 8 ? "pcm_u8" : "pcm_s16le", {wav.Frequency, wav.Channels});
+        EXPECT_EQ(file.Samples.size(), frames * static_cast<std::size_t>(wav.Channels));
+      });
     }
   }
 }
@@ -111,14 +109,14 @@ TEST_F(ChosenFormats, EveryRawButton) {
       options.Choose(group, button);
       EXPECT_TRUE(options.cmdOK());
       const config::FormatRAW& raw = settings_.FormatRAW;
-      SCOPED_TRACE(fmt::format("{} {} {}", raw.Compression, raw.Frequency, raw.Channels));
       const std::string path = Record("RAW");
       const std::string kind = raw.Compression == 3 ? "mulaw" : raw.Compression == 2 ? "alaw" : "s16le";
-      const auto decoded =
-          DecodeWithFfmpeg(path, fmt::format("-f {} -ar {} -ac {}", kind, raw.Frequency, raw.Channels));
-      const auto music = MakeMusic(frames_, raw.Frequency, raw.Channels);
-      ASSERT_EQ(decoded.size(), music.size());
-      EXPECT_GT(SignalToNoise(music, decoded), 25);
+      judged_.Add(fmt::format("{} {} {}", raw.Compression, raw.Frequency, raw.Channels),
+                  {path, fmt::format("-f {} -ar {} -ac {}", kind, raw.Frequency, raw.Channels)},
+                  [music = MakeMusic(frames_, raw.Frequency, raw.Channels)](const DecodedFile& file) {
+                    ASSERT_EQ(file.Samples.size(), music.size());
+                    EXPECT_GT(SignalToNoise(music, file.Samples), 25);
+                  });
     }
   }
 }
@@ -146,9 +144,12 @@ TEST_F(ChosenFormats, EveryG726Button) {
       EXPECT_TRUE(options.cmdOK());
       const config::Format726& g726 = settings_.Format726;
       const std::string path = Record("G726");
-      ExpectFacts(path, "adpcm_g726", g726.Frequency, 1);
-      // As many samples as came, but for those that fill the last byte up, only if both agree on their bits.
-      EXPECT_NEAR(static_cast<double>(DecodeWithFfmpeg(path).size()), static_cast<double>(frames_), 8);
+      judged_.Add(specs_.FileFormatString(), {path},
+                  [rate = g726.Frequency, frames = frames_](const DecodedFile& file) {
+                    ExpectFacts(file, "adpcm_g726", {rate, 1});
+                    // As many samples as came, but for those that fill the last byte up, only if both agree on their bits.
+                    EXPECT_NEAR(static_cast<double>(file.Samples.size()), static_cast<double>(frames), 8);
+                  });
       EXPECT_NEAR(static_cast<double>(ReadFile(path).size()), static_cast<double>(frames_) * g726.Bits / 8,
                   4200);
     }
@@ -162,7 +163,9 @@ TEST_F(ChosenFormats, EveryFlacButton) {
     EXPECT_TRUE(options.cmdOK());
     const std::string path = Record("FLAC");
     EXPECT_EQ(specs_.FileFormatString(), fmt::format("FLAC, level {}, 44100 Hz, stereo", button));
-    ExpectFacts(path, "flac", 44100, 2);
+    judged_.Add(specs_.FileFormatString(), {path}, [](const DecodedFile& file) {
+      ExpectFacts(file, "flac", {44100, 2});
+    });
     EXPECT_EQ(DecodeWithFlac(path), MakeMusic(frames_, 44100, 2));
   }
 }
@@ -178,7 +181,9 @@ TEST_F(ChosenFormats, EveryOpusButton) {
       const config::FormatOPUS& opus = settings_.FormatOPUS;
       EXPECT_EQ(specs_.FileFormatString(), fmt::format("Opus, {} kbit/s, {}, 48000 Hz, stereo", opus.Bitrate,
                                                        opus.Voice ? "voice" : "music"));
-      ExpectFacts(path, "opus", 48000, 2);
+      judged_.Add(specs_.FileFormatString(), {path}, [](const DecodedFile& file) {
+        ExpectFacts(file, "opus", {48000, 2});
+      });
       EXPECT_EQ(DecodeWithOpusdec(path).size(), 2 * frames_);
     }
   }
@@ -189,7 +194,9 @@ TEST_F(ChosenFormats, EveryOggBitrateAndQuality) {
   const auto record = [&] {
     EXPECT_TRUE(options.cmdOK());
     std::string path = Record("OGG");
-    ExpectFacts(path, "vorbis", 44100, 2);
+    judged_.Add(specs_.FileFormatString(), {path}, [](const DecodedFile& file) {
+      ExpectFacts(file, "vorbis", {44100, 2});
+    });
     return path;
   };
   for (int position = presenters::OggBitrates().First(); position <= presenters::OggBitrates().Last();
@@ -234,10 +241,7 @@ TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
   constexpr int kRates = 9;
   constexpr std::size_t kSamples = 12345;  // of each channel
   for (int row = 0; row < kRates; ++row) {
-    std::string inputs;
-    std::string outputs;
     std::string files;
-    std::vector<std::pair<std::string, std::size_t>> decoded;
     for (const int channels : {1, 2}) {
       for (int position = 0; position <= presenters::Mp3Bitrates().Last(); ++position) {
         mp3_.cboFrequency(row);
@@ -250,7 +254,7 @@ TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
         specs_.SetFileSpecs(0);
         EXPECT_EQ(specs_.FileFormatString(), fmt::format("MP3, {} kbit/s constant, {} Hz, {}", real, rate,
                                                          channels == 1 ? "mono" : "joint stereo"));
-        const std::string path = folder_.Path(fmt::format("{}-{}.mp3", channels, position));
+        const std::string path = folder_.NewPath("mp3");
         ASSERT_EQ(file_.Create(path).Number, 0) << specs_.FileFormatString();
         ASSERT_TRUE(WriteBlocks(file_, MakeMusic(kSamples, rate, static_cast<std::int16_t>(channels))));
         EXPECT_TRUE(file_.Close());
@@ -262,18 +266,15 @@ TEST_F(ChosenFormats, EveryMp3BitrateAtEveryRateWithBothChannelCounts) {
           ASSERT_EQ(frame.Mode == 3, channels == 1);
         }
         files += " '" + path + "'";
-        inputs += " -i '" + path + "'";
-        outputs += fmt::format(" -map {} -f s16le '{}.pcm'", decoded.size(), path);
-        decoded.emplace_back(path + ".pcm", kSamples * static_cast<std::size_t>(channels) * 2);
+        judged_.Add(specs_.FileFormatString(), {path}, [=](const DecodedFile& file) {
+          ExpectFacts(file, "mp3", {rate, static_cast<std::int16_t>(channels)});
+          EXPECT_EQ(file.Samples.size(), kSamples * static_cast<std::size_t>(channels));
+        });
       }
     }
     const auto checked = RunProgramAll("mp3val" + files);
     EXPECT_EQ(checked.Output.find("WARNING"), std::string::npos) << checked.Output;
     EXPECT_NE(checked.Output.find("MPEG frames"), std::string::npos) << checked.Output;
-    const auto ffmpeg = RunProgramAll(fmt::format("ffmpeg -nostdin -y -v error{}{}", inputs, outputs));
-    ASSERT_EQ(ffmpeg.Status, 0) << ffmpeg.Output;
-    EXPECT_EQ(ffmpeg.Output, "");
-    for (const auto& [path, bytes] : decoded) EXPECT_EQ(std::filesystem::file_size(path), bytes) << path;
   }
 }
 
@@ -350,27 +351,32 @@ TEST_F(ChosenFormats, TheMp3BoxesReachTheFrames) {
 
 TEST_F(ChosenFormats, TheMp3FiltersRemoveTheirBand) {
   const double tones[] = {100.0, 1000.0, 12000.0};
-  const auto levels = [&] {
+  const auto record = [&] {
     EXPECT_TRUE(mp3_.cmdOK());
     settings_.FileFormat = "MP3";
     specs_.SetFileSpecs(0);
-    const std::string path = folder_.Path("tones.mp3");
+    std::string path = folder_.NewPath("mp3");
     EXPECT_TRUE(file_.Create(path));
     EXPECT_TRUE(WriteBlocks(file_, MakeTones(44100, 44100, 2, tones)));
     EXPECT_TRUE(file_.Close());
-    const auto decoded = DecodeWithFfmpeg(path);
-    std::vector<double> found;
-    for (const double tone : tones) found.push_back(ToneLevel(decoded, 2, 44100, tone));
-    return found;
+    return path;
   };
-  const std::vector<double> open = levels();
+  const std::string openPath = record();
   mp3_.chkHFilt(true);
   mp3_.txtFilter(presenters::FilterNumber::HFiltF, "500");
   mp3_.txtFilter(presenters::FilterNumber::HFiltW, "100");
   mp3_.chkLFilt(true);
   mp3_.txtFilter(presenters::FilterNumber::LFiltF, "5000");
   mp3_.txtFilter(presenters::FilterNumber::LFiltW, "500");
-  const std::vector<double> filtered = levels();
+  const std::string filteredPath = record();
+  const auto decoded = DecodeTogether({{openPath}, {filteredPath}});
+  const auto levels = [&](const DecodedFile& file) {
+    std::vector<double> found;
+    for (const double tone : tones) found.push_back(ToneLevel(file.Samples, 2, 44100, tone));
+    return found;
+  };
+  const std::vector<double> open = levels(decoded[0]);
+  const std::vector<double> filtered = levels(decoded[1]);
   EXPECT_LT(filtered[0], open[0] - 20);
   EXPECT_NEAR(filtered[1], open[1], 1);
   EXPECT_LT(filtered[2], open[2] - 20);

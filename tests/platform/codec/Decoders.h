@@ -43,9 +43,14 @@ class TempFolder {
   TempFolder& operator=(const TempFolder&) = delete;
 
   [[nodiscard]] std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+  /// One that was not handed out before, with this extension ("wav").
+  std::string NewPath(const std::string& extension) {
+    return Path(std::to_string(handedOut_++) + "." + extension);
+  }
 
  private:
   std::string folder_;
+  int handedOut_ = 0;
 };
 
 }  // namespace kestrune::test

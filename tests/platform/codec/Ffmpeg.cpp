@@ -1,0 +1,121 @@
+#include "platform/codec/Ffmpeg.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <filesystem>
+#include <span>
+#include <sstream>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "platform/codec/Decoders.h"
+
+namespace kestrune::test {
+namespace {
+
+/// Far below the limits of a command line and of open files.
+constexpr std::size_t kMostAtOnce = 120;
+
+/// Where ffmpeg writes what it made of a file.
+std::string MadeOf(const SoundFile& file) {
+  return file.Path + ".made";
+}
+
+/// All files with one start, each made into a file as the output options say.
+Outcome Start(std::span<const SoundFile> files, const std::string& outputOptions) {
+  std::string inputs;
+  std::string outputs;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    inputs += fmt::format(" -threads 1 {} -i '{}'", files[i].Options, files[i].Path);
+    outputs += fmt::format(" -map {}:a {} '{}'", i, outputOptions, MadeOf(files[i]));
+  }
+  return RunProgramAll("ffmpeg -nostdin -y -hide_banner -nostats -v level+info" + inputs + outputs);
+}
+
+std::string Complaints(const Outcome& outcome) {
+  std::string complaints;
+  std::istringstream lines(outcome.Output);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("[error]") != std::string::npos || line.find("[fatal]") != std::string::npos)
+      complaints += line + '\n';
+  }
+  if (outcome.Status != 0) complaints += fmt::format("status {}\n", outcome.Status);
+  return complaints;
+}
+
+/// What ffmpeg says about its inputs: "[info]   Stream #0:0: Audio: pcm_u8 ([1][0][0][0] / 0x0001), 8000 Hz, mono, u8".
+void ReadFacts(const std::string& output, std::span<DecodedFile> decoded) {
+  const std::string begin = "[info]   Stream #";
+  const std::string sound = ": Audio: ";
+  const std::string inputsEnd = "[info] Stream mapping:";
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line) && line != inputsEnd;) {
+    const std::size_t at = line.find(sound);
+    if (!line.starts_with(begin) || at == std::string::npos) continue;
+    const std::size_t file = std::stoul(line.substr(begin.size()));
+    const std::string facts = line.substr(at + sound.size());
+    const std::size_t codecEnd = facts.find_first_of(" ,");
+    const std::size_t form = facts.find(", ");
+    if (file >= decoded.size() || form == std::string::npos) continue;
+    decoded[file].Codec = facts.substr(0, codecEnd);
+    std::string hertz;
+    std::string layout;  // "mono,", "stereo,", "3 channels,"
+    std::istringstream(facts.substr(form)).ignore(1) >> decoded[file].SampleRate >> hertz >> layout;
+    decoded[file].Channels = layout == "mono," ? 1 : layout == "stereo," ? 2 : 0;
+  }
+}
+
+std::string TakeMade(const SoundFile& file) {
+  const std::string path = MadeOf(file);
+  std::string bytes = ReadFile(path);
+  std::filesystem::remove(path);
+  return bytes;
+}
+
+std::vector<std::int16_t> Samples(const std::string& bytes) {
+  std::vector<std::int16_t> samples(bytes.size() / sizeof(std::int16_t));
+  if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(std::int16_t));
+  return samples;
+}
+
+/// What one start printed. If it complained, each file is tried alone, to tell which one it is.
+std::string Make(std::span<const SoundFile> files, const std::string& outputOptions) {
+  const Outcome outcome = Start(files, outputOptions);
+  const std::string complaints = Complaints(outcome);
+  if (complaints.empty()) return outcome.Output;
+  ADD_FAILURE() << complaints;
+  for (const SoundFile& file : files) {
+    const std::string own = Complaints(Start(std::span(&file, 1), outputOptions));
+    if (!own.empty()) ADD_FAILURE() << file.Path << '\n' << own;
+  }
+  return outcome.Output;
+}
+
+}  // namespace
+
+std::vector<DecodedFile> DecodeTogether(const std::vector<SoundFile>& files) {
+  std::vector<DecodedFile> decoded(files.size());
+  for (std::size_t first = 0; first < files.size(); first += kMostAtOnce) {
+    const std::size_t count = std::min(kMostAtOnce, files.size() - first);
+    const auto some = std::span(files).subspan(first, count);
+    ReadFacts(Make(some, "-f s16le"), std::span(decoded).subspan(first, count));
+    for (std::size_t i = 0; i < count; ++i) decoded[first + i].Samples = Samples(TakeMade(some[i]));
+  }
+  return decoded;
+}
+
+std::vector<std::string> SoundChecksums(const std::vector<std::string>& paths) {
+  std::vector<SoundFile> files;
+  for (const std::string& path : paths) files.push_back({path});
+  std::vector<std::string> checksums;
+  for (std::size_t first = 0; first < files.size(); first += kMostAtOnce) {
+    const auto some = std::span(files).subspan(first, std::min(kMostAtOnce, files.size() - first));
+    Make(some, "-c copy -f md5");
+    for (const SoundFile& file : some) checksums.push_back(TakeMade(file));
+  }
+  return checksums;
+}
+
+}  // namespace kestrune::test
