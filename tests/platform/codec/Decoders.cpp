@@ -77,10 +77,6 @@ std::map<std::string, std::string> Probe(const std::string& path) {
   return facts;
 }
 
-std::string SoundChecksum(const std::string& path) {
-  return RunProgram("ffmpeg -nostdin -v error -i '" + path + "' -map 0:a -c copy -f md5 -").Output;
-}
-
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream bytes;

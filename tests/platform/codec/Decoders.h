@@ -28,9 +28,6 @@ std::vector<std::int16_t> DecodeWithSox(const std::string& path, const std::stri
 /// ...
 std::map<std::string, std::string> Probe(const std::string& path);
 
-/// Checksum of the packets of sound, without decoding.
-std::string SoundChecksum(const std::string& path);
-
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
 
