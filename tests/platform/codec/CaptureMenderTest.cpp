@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <random>
 #include <string>
@@ -19,6 +21,7 @@
 #include "platform/codec/DiskFile.h"
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/FileTagWriter.h"
+#include "platform/codec/JudgedFiles.h"
 #include "platform/codec/Mp3Frames.h"
 #include "platform/codec/Signals.h"
 #include "platform/codec/WorkerCaptureMender.h"
@@ -78,26 +81,11 @@ bool EndsWith(const std::string& name, const std::string& extension) {
   return name.ends_with(extension);
 }
 
-/// As an independent program decodes it, which must not complain.
-std::vector<std::int16_t> Decode(const std::string& path) {
-  if (EndsWith(path, ".vox")) return DecodeWithSox(path, "-t vox -r 8000");
-  if (EndsWith(path, ".ogg")) {
-    EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
-    return DecodeWithOggdec(path);
-  }
-  if (EndsWith(path, ".flac")) {
-    EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
-    return DecodeWithFlac(path);
-  }
-  if (EndsWith(path, ".opus")) {
-    EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error -i '" + path + "' -f null -").Output, "");
-    return DecodeWithOpusdec(path);
-  }
-  std::string options;
-  if (EndsWith(path, "0.raw")) options = "-f s16le -ac 2";
-  if (EndsWith(path, "1.raw")) options = "-f alaw -ar 8000 -ac 1";
-  EXPECT_EQ(RunProgramAll("ffmpeg -nostdin -v error " + options + " -i '" + path + "' -f null -").Output, "");
-  return DecodeWithFfmpeg(path, options);
+/// How ffmpeg has to read a file without a header.
+std::string OptionsFor(const std::string& path) {
+  if (EndsWith(path, "0.raw")) return "-f s16le -ac 2";
+  if (EndsWith(path, "1.raw")) return "-f alaw -ar 8000 -ac 1";
+  return {};
 }
 
 MendedCapture Mend(const std::string& path) {
@@ -105,30 +93,17 @@ MendedCapture Mend(const std::string& path) {
   return platform::MendCapture(file, path, {});
 }
 
+using Samples = std::vector<std::int16_t>;
+
 /// What a run leaves that is killed while it records, and the same file as it would have ended.
 struct Crashed {
   Row Format;
+  std::string Path;
   std::string Open;
-  std::vector<std::int16_t> Decoded;
+  std::shared_ptr<Samples> Decoded;  ///< empty until the files are judged
 };
 
-Crashed Crash(const Row& row, const TempFolder& folder, std::size_t seconds = 6) {
-  const std::string path = folder.Path(row.Name);
-  EncodedFile file;
-  file.SetFormat(row.Format);
-  EXPECT_TRUE(file.Create(path));
-  const auto format = file.FormatValues();
-  EXPECT_TRUE(WriteBlocks(file, MakeMusic(seconds * static_cast<std::size_t>(format.SampleRate),
-                                          format.SampleRate, format.Channels)));
-  Crashed crashed{.Format = row, .Open = ReadFile(path), .Decoded = {}};
-  EXPECT_TRUE(file.Close());
-  file.Release();
-  crashed.Decoded = Decode(path);
-  EXPECT_GT(crashed.Decoded.size(), 1000U);
-  return crashed;
-}
-
-void ExpectPrefix(const std::vector<std::int16_t>& piece, const std::vector<std::int16_t>& whole) {
+void ExpectPrefix(const Samples& piece, const Samples& whole) {
   ASSERT_LE(piece.size(), whole.size());
   const auto [at, there] = std::mismatch(piece.begin(), piece.end(), whole.begin());
   EXPECT_EQ(at - piece.begin(), static_cast<std::ptrdiff_t>(piece.size())) << "first difference";
@@ -152,63 +127,111 @@ std::size_t FlacFrames(const std::string& path) {
   return std::stoul(RunProgram("metaflac --show-total-samples '" + path + "'").Output);
 }
 
-void ExpectMended(const Crashed& crashed, const std::string& path, std::size_t cut) {
-  SCOPED_TRACE("cut at " + std::to_string(cut));
-  WriteFile(path, crashed.Open.substr(0, cut));
-  const MendedCapture mended = Mend(path);
-  if (mended.Is == State::Empty) {
-    EXPECT_LT(cut, crashed.Format.EmptyBelow);
-    return;
-  }
-  ASSERT_EQ(mended.Is, State::Whole) << mended.Cause;
-  const std::string bytes = ReadFile(path);
-  EXPECT_GE(bytes.size() + crashed.Format.MostLost, cut);
-  const std::vector<std::int16_t> decoded = Decode(path);
-  EXPECT_FALSE(decoded.empty());
-  ExpectPrefix(decoded, crashed.Decoded);
-  const auto format = platform::FormatValues(crashed.Format.Format);
-  if (mended.LengthMs != MendedCapture::kUnknownLength) {
-    const std::int32_t rate = EndsWith(path, ".opus") ? 48000 : format.SampleRate;
-    EXPECT_EQ(mended.LengthMs, static_cast<std::int64_t>(decoded.size()) / format.Channels * 1000 / rate);
-  }
-  if (EndsWith(path, ".mp3")) ExpectRightInfoFrame(bytes);
-  if (EndsWith(path, ".ogg") || EndsWith(path, ".opus")) ExpectEndOfStream(bytes);
-  if (EndsWith(path, ".flac")) {
-    EXPECT_EQ(FlacFrames(path) * static_cast<std::size_t>(format.Channels), decoded.size());
-  }
-  // Mending again changes nothing.
-  EXPECT_EQ(Mend(path).LengthMs, mended.LengthMs);
-  EXPECT_TRUE(ReadFile(path) == bytes);
-}
+/// Decodes all that a test leaves together, at its end or when it says so.
+class CaptureMender : public testing::Test {
+ protected:
+  void TearDown() override { judged_.JudgeAll(); }
 
-TEST(CaptureMender, ACutFileDecodesToItsEndInEachFormat) {
+  /// Judges the file as it is now, as an independent program decodes it, which must not complain.
+  void JudgeSound(const std::string& path, const std::function<void(const Samples&)>& judge) {
+    const std::string copy = folder_.NewPath(std::filesystem::path(path).filename());
+    std::filesystem::copy_file(path, copy);
+    if (EndsWith(copy, ".vox")) {
+      judge(DecodeWithSox(copy, "-t vox -r 8000"));
+      return;
+    }
+    judged_.Add(copy, {copy, OptionsFor(copy)}, [=](const DecodedFile& file) {
+      // These have a decoder of their own besides ffmpeg.
+      if (EndsWith(copy, ".ogg")) return judge(DecodeWithOggdec(copy));
+      if (EndsWith(copy, ".flac")) return judge(DecodeWithFlac(copy));
+      if (EndsWith(copy, ".opus")) return judge(DecodeWithOpusdec(copy));
+      judge(file.Samples);
+    });
+  }
+
+  Crashed Crash(const Row& row, std::size_t seconds = 6) {
+    Crashed crashed{
+        .Format = row, .Path = folder_.Path(row.Name), .Open = {}, .Decoded = std::make_shared<Samples>()};
+    EncodedFile file;
+    file.SetFormat(row.Format);
+    EXPECT_TRUE(file.Create(crashed.Path));
+    const auto format = file.FormatValues();
+    EXPECT_TRUE(WriteBlocks(file, MakeMusic(seconds * static_cast<std::size_t>(format.SampleRate),
+                                            format.SampleRate, format.Channels)));
+    crashed.Open = ReadFile(crashed.Path);
+    EXPECT_TRUE(file.Close());
+    JudgeSound(crashed.Path, [decoded = crashed.Decoded](const Samples& samples) {
+      EXPECT_GT(samples.size(), 1000U);
+      *decoded = samples;
+    });
+    return crashed;
+  }
+
+  void ExpectMended(const Crashed& crashed, std::size_t cut) {
+    const std::string row = "cut at " + std::to_string(cut);
+    SCOPED_TRACE(row);
+    const std::string& path = crashed.Path;
+    WriteFile(path, crashed.Open.substr(0, cut));
+    const MendedCapture mended = Mend(path);
+    if (mended.Is == State::Empty) {
+      EXPECT_LT(cut, crashed.Format.EmptyBelow);
+      return;
+    }
+    ASSERT_EQ(mended.Is, State::Whole) << mended.Cause;
+    const std::string bytes = ReadFile(path);
+    EXPECT_GE(bytes.size() + crashed.Format.MostLost, cut);
+    if (EndsWith(path, ".mp3")) ExpectRightInfoFrame(bytes);
+    if (EndsWith(path, ".ogg") || EndsWith(path, ".opus")) ExpectEndOfStream(bytes);
+    const std::size_t flacFrames = EndsWith(path, ".flac") ? FlacFrames(path) : 0;
+    JudgeSound(path, [=](const Samples& decoded) {
+      SCOPED_TRACE(row);
+      EXPECT_FALSE(decoded.empty());
+      ExpectPrefix(decoded, *crashed.Decoded);
+      const auto format = platform::FormatValues(crashed.Format.Format);
+      const auto frames = decoded.size() / static_cast<std::size_t>(format.Channels);
+      if (mended.LengthMs != MendedCapture::kUnknownLength) {
+        const std::int32_t rate = EndsWith(path, ".opus") ? 48000 : format.SampleRate;
+        EXPECT_EQ(mended.LengthMs, static_cast<std::int64_t>(frames) * 1000 / rate);
+      }
+      if (EndsWith(path, ".flac")) {
+        EXPECT_EQ(flacFrames, frames);
+      }
+    });
+    // Mending again changes nothing.
+    EXPECT_EQ(Mend(path).LengthMs, mended.LengthMs);
+    EXPECT_TRUE(ReadFile(path) == bytes);
+  }
+
+  TempFolder folder_;
+  JudgedFiles judged_;
+};
+
+TEST_F(CaptureMender, ACutFileDecodesToItsEndInEachFormat) {
   const unsigned seed = std::random_device{}();
   std::cout << "seed " << seed << '\n';
   std::mt19937 random(seed);
   for (const Row& row : Rows()) {
     SCOPED_TRACE(row.Name);
-    const TempFolder folder;
-    const Crashed crashed = Crash(row, folder);
-    const std::string path = folder.Path(row.Name);
+    const Crashed crashed = Crash(row);
     std::uniform_int_distribution<std::size_t> anywhere(0, crashed.Open.size());
     std::uniform_int_distribution<std::size_t> early(0, std::min<std::size_t>(crashed.Open.size(), 24000));
     for (int i = Repetitions(8, 200); i > 0; --i)
-      ExpectMended(crashed, path, i % 4 == 0 ? early(random) : anywhere(random));
-    ExpectMended(crashed, path, crashed.Open.size());
-    ExpectMended(crashed, path, 0);
+      ExpectMended(crashed, i % 4 == 0 ? early(random) : anywhere(random));
+    ExpectMended(crashed, crashed.Open.size());
+    ExpectMended(crashed, 0);
+    judged_.JudgeAll();
   }
 }
 
 /// Places that chance seldom finds: in a header, a first page, a first frame.
-TEST(CaptureMender, EveryCutBeforeTheFirstSoundLeavesNothingAndTheFirstPiecesDecode) {
+TEST_F(CaptureMender, EveryCutBeforeTheFirstSoundLeavesNothingAndTheFirstPiecesDecode) {
   constexpr std::size_t kEveryByte = 400;
   constexpr std::size_t kStep = 97;  // shorter than any frame
   constexpr int kPieces = 3;
   for (const Row& row : Rows()) {
     SCOPED_TRACE(row.Name);
-    const TempFolder folder;
-    const Crashed crashed = Crash(row, folder, 2);
-    const std::string path = folder.Path(row.Name);
+    const Crashed crashed = Crash(row, 2);
+    const std::string& path = crashed.Path;
     std::uintmax_t size = 0;
     int pieces = 0;
     for (std::size_t cut = 0; pieces < kPieces && cut <= crashed.Open.size();
@@ -221,19 +244,18 @@ TEST(CaptureMender, EveryCutBeforeTheFirstSoundLeavesNothingAndTheFirstPiecesDec
       if (std::filesystem::file_size(path) == size) continue;
       size = std::filesystem::file_size(path);
       ++pieces;
-      ExpectMended(crashed, path, cut);
+      ExpectMended(crashed, cut);
     }
     EXPECT_GT(pieces, 0);
   }
 }
 
 /// Finished and tagged, but never renamed.
-TEST(CaptureMender, AFinishedFileStaysAsItIsAndItsTagsAreRead) {
+TEST_F(CaptureMender, AFinishedFileStaysAsItIsAndItsTagsAreRead) {
   for (const Row& row : Rows()) {
     SCOPED_TRACE(row.Name);
-    const TempFolder folder;
-    const Crashed crashed = Crash(row, folder, 2);
-    const std::string path = folder.Path(row.Name);
+    const Crashed crashed = Crash(row, 2);
+    const std::string& path = crashed.Path;
     const std::string untagged = ReadFile(path);
     EXPECT_EQ(Mend(path).Is, State::Whole);
     EXPECT_TRUE(ReadFile(path) == untagged);
@@ -247,19 +269,21 @@ TEST(CaptureMender, AFinishedFileStaysAsItIsAndItsTagsAreRead) {
     const bool hasTags = !EndsWith(row.Name, ".raw") && !EndsWith(row.Name, ".vox");
     EXPECT_EQ(mended.Artist, hasTags ? "Los Clav\xC3\xA9s" : "");
     EXPECT_EQ(mended.Title, hasTags ? "T/x" : "");
-    EXPECT_TRUE(Decode(path) == crashed.Decoded);
+    const auto expectAll = [decoded = crashed.Decoded](const Samples& samples) {
+      EXPECT_TRUE(samples == *decoded);
+    };
+    JudgeSound(path, expectAll);
 
     // A crash while the tags are written.
     if (tagged.size() == untagged.size()) continue;
     WriteFile(path, tagged.substr(0, tagged.size() - 3));
     EXPECT_EQ(Mend(path).Is, State::Whole);
-    EXPECT_TRUE(Decode(path) == crashed.Decoded);
+    JudgeSound(path, expectAll);
   }
 }
 
-TEST(CaptureMender, ALongFileKeepsItsSoundBeyondFourGigabytes) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.wav");
+TEST_F(CaptureMender, ALongFileKeepsItsSoundBeyondFourGigabytes) {
+  const std::string path = folder_.Path("Capture0.wav");
   {
     EncodedFile file;
     file.SetFormat(platform::WavFormat{44100, 2, 16});
@@ -281,11 +305,10 @@ TEST(CaptureMender, ALongFileKeepsItsSoundBeyondFourGigabytes) {
   EXPECT_EQ(facts["duration_ts"], std::to_string(kFrames));
 }
 
-TEST(CaptureMender, AStrangersFileStaysAsItIs) {
-  const TempFolder folder;
+TEST_F(CaptureMender, AStrangersFileStaysAsItIs) {
   for (const char* name :
        {"Capture0.mp3", "Capture0.ogg", "Capture0.wav", "Capture0.g726", "Capture0.flac", "Capture0.opus"}) {
-    const std::string path = folder.Path(name);
+    const std::string path = folder_.Path(name);
     for (const std::string& bytes :
          {std::string("A diary."), std::string(100000, '\0'), "RIFF" + std::string(40, 'x'),
           "OggS" + std::string(100000, '\0'), "fLaC" + std::string(100000, '\0')}) {
@@ -296,14 +319,13 @@ TEST(CaptureMender, AStrangersFileStaysAsItIs) {
   }
 }
 
-TEST(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
+TEST_F(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
   for (const Row& row : Rows()) {
     if (EndsWith(row.Name, ".wav") || EndsWith(row.Name, ".g726") || EndsWith(row.Name, ".raw") ||
         EndsWith(row.Name, ".vox"))
       continue;
-    const TempFolder folder;
-    const std::string path = folder.Path(row.Name);
-    std::string bytes = Crash(row, folder).Open;
+    const std::string path = folder_.Path(row.Name);
+    std::string bytes = Crash(row).Open;
     bytes.replace(bytes.size() / 2, 4096, std::string(4096, '\0'));
     bytes.append(std::size_t{1} << 20, '\0');
     WriteFile(path, bytes);
@@ -313,32 +335,29 @@ TEST(CaptureMender, WhatIsDamagedLongBeforeItsEndStaysAsItIs) {
 }
 
 /// A disk that lost power may have kept what stood there before.
-TEST(CaptureMender, FlacBlocksOfAnOlderCaptureAreCutOff) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.flac");
+TEST_F(CaptureMender, FlacBlocksOfAnOlderCaptureAreCutOff) {
+  const std::string path = folder_.Path("Capture0.flac");
   for (const platform::FlacFormat& other :
        {platform::FlacFormat{44100, 2, 5}, platform::FlacFormat{48000, 2, 5},
         platform::FlacFormat{44100, 1, 5}}) {
     const std::string older =
-        Crash({.Name = "Capture1.flac", .Format = other, .MostLost = 0, .EmptyBelow = 0}, folder).Open;
+        Crash({.Name = "Capture1.flac", .Format = other, .MostLost = 0, .EmptyBelow = 0}).Open;
     const Crashed crashed = Crash({.Name = "Capture0.flac",
                                    .Format = platform::FlacFormat{44100, 2, 5},
                                    .MostLost = 0,
-                                   .EmptyBelow = 0},
-                                  folder);
+                                   .EmptyBelow = 0});
     WriteFile(path, crashed.Open + older.substr(4138));
     EXPECT_EQ(Mend(path).Is, State::Whole);
     EXPECT_TRUE(ReadFile(path).substr(4138) == crashed.Open.substr(4138));
-    ExpectPrefix(Decode(path), crashed.Decoded);
+    JudgeSound(path, [whole = crashed.Decoded](const Samples& decoded) { ExpectPrefix(decoded, *whole); });
   }
 }
 
-TEST(CaptureMender, ALengthThatFlacBlocksDoNotBearOutIsPutRight) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.flac");
+TEST_F(CaptureMender, ALengthThatFlacBlocksDoNotBearOutIsPutRight) {
+  const std::string path = folder_.Path("Capture0.flac");
   Crash(
       {.Name = "Capture0.flac", .Format = platform::FlacFormat{44100, 2, 5}, .MostLost = 0, .EmptyBelow = 0},
-      folder, 2);
+      2);
   const std::string whole = ReadFile(path);
   constexpr std::size_t kEndOfLength = 26;
   constexpr std::size_t kEndOfFacts = 42;
@@ -357,12 +376,11 @@ TEST(CaptureMender, ALengthThatFlacBlocksDoNotBearOutIsPutRight) {
   }
 }
 
-TEST(CaptureMender, AFinishedFlacFileThatLostItsEndHasNoChecksumOfTheWhole) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.flac");
+TEST_F(CaptureMender, AFinishedFlacFileThatLostItsEndHasNoChecksumOfTheWhole) {
+  const std::string path = folder_.Path("Capture0.flac");
   Crash(
       {.Name = "Capture0.flac", .Format = platform::FlacFormat{44100, 2, 5}, .MostLost = 0, .EmptyBelow = 0},
-      folder, 2);
+      2);
   const std::string whole = ReadFile(path);
   WriteFile(path, whole.substr(0, whole.size() / 2));
   ASSERT_EQ(Mend(path).Is, State::Whole);
@@ -371,9 +389,8 @@ TEST(CaptureMender, AFinishedFlacFileThatLostItsEndHasNoChecksumOfTheWhole) {
   EXPECT_EQ(RunProgramAll("flac -s -t '" + path + "'").Status, 0);
 }
 
-TEST(CaptureMender, TheTimeOfTheFileStays) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.raw");
+TEST_F(CaptureMender, TheTimeOfTheFileStays) {
+  const std::string path = folder_.Path("Capture0.raw");
   WriteFile(path, "12345");
   constexpr timespec kThen{.tv_sec = 1700000000, .tv_nsec = 0};
   const timespec times[2] = {kThen, kThen};
@@ -386,13 +403,12 @@ TEST(CaptureMender, TheTimeOfTheFileStays) {
   EXPECT_EQ(mended.Written.Year(), 2023);
 }
 
-TEST(CaptureMender, HeldFilesAndLinksAreNotTouched) {
-  const TempFolder folder;
-  const std::string path = folder.Path("Capture0.raw");
+TEST_F(CaptureMender, HeldFilesAndLinksAreNotTouched) {
+  const std::string path = folder_.Path("Capture0.raw");
   WriteFile(path, "12345");
-  std::filesystem::create_symlink(path, folder.Path("Capture1.raw"));
-  EXPECT_EQ(Mend(folder.Path("Capture1.raw")).Is, State::Untouched);
-  EXPECT_EQ(Mend(folder.Path("Capture2.raw")).Is, State::Untouched);
+  std::filesystem::create_symlink(path, folder_.Path("Capture1.raw"));
+  EXPECT_EQ(Mend(folder_.Path("Capture1.raw")).Is, State::Untouched);
+  EXPECT_EQ(Mend(folder_.Path("Capture2.raw")).Is, State::Untouched);
   {
     const auto held = platform::OpenHeld(path);
     ASSERT_TRUE(held.IsOpen());
