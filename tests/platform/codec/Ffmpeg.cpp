@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "base/Text.h"
 #include "platform/codec/Decoders.h"
 
 namespace kestrune::test {
@@ -45,25 +46,42 @@ std::string Complaints(const Outcome& outcome) {
   return complaints;
 }
 
-/// What ffmpeg says about its inputs: "[info]   Stream #0:0: Audio: pcm_u8 ([1][0][0][0] / 0x0001), 8000 Hz, mono, u8".
+/// " pcm_u8 ([1][0][0][0] / 0x0001), 8000 Hz, mono, u8, 64 kb/s".
+void ReadForm(const std::string& text, DecodedFile& decoded) {
+  std::istringstream(text.substr(0, text.find(','))) >> decoded.Codec;
+  std::string hertz;
+  std::string layout;  // "mono,", "stereo,", "3 channels,"
+  std::istringstream(text.substr(text.find(',') + 1)) >> decoded.SampleRate >> hertz >> layout;
+  decoded.Channels = layout == "mono," ? 1 : layout == "stereo," ? 2 : 0;
+}
+
+/// "    ARTIST          : Somebody", of the file or of its stream.
+void ReadTag(const std::string& line, DecodedFile& decoded) {
+  const std::size_t split = line.find(" : ");
+  if (split == std::string::npos) return;
+  decoded.Tags[base::ToLower(base::Trim(line.substr(0, split)))] = line.substr(split + 3);
+}
+
+/// What ffmpeg says about its inputs, before it says what it will make of them.
 void ReadFacts(const std::string& output, std::span<DecodedFile> decoded) {
-  const std::string begin = "[info]   Stream #";
-  const std::string sound = ": Audio: ";
-  const std::string inputsEnd = "[info] Stream mapping:";
+  const std::string mark = "[info]";
+  const std::string input = " Input #";
+  const std::string sound = ": Audio:";
   std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line) && line != inputsEnd;) {
-    const std::size_t at = line.find(sound);
-    if (!line.starts_with(begin) || at == std::string::npos) continue;
-    const std::size_t file = std::stoul(line.substr(begin.size()));
-    const std::string facts = line.substr(at + sound.size());
-    const std::size_t codecEnd = facts.find_first_of(" ,");
-    const std::size_t form = facts.find(", ");
-    if (file >= decoded.size() || form == std::string::npos) continue;
-    decoded[file].Codec = facts.substr(0, codecEnd);
-    std::string hertz;
-    std::string layout;  // "mono,", "stereo,", "3 channels,"
-    std::istringstream(facts.substr(form)).ignore(1) >> decoded[file].SampleRate >> hertz >> layout;
-    decoded[file].Channels = layout == "mono," ? 1 : layout == "stereo," ? 2 : 0;
+  DecodedFile* file = nullptr;
+  for (std::string line; std::getline(lines, line) && line != mark + " Stream mapping:";) {
+    if (!line.starts_with(mark)) continue;
+    line.erase(0, mark.size());
+    if (line.starts_with(input)) {
+      file = &decoded[std::stoul(line.substr(input.size()))];
+    } else if (file != nullptr) {
+      const std::size_t at = line.find(sound);
+      if (at == std::string::npos) {
+        ReadTag(line, *file);
+      } else {
+        ReadForm(line.substr(at + sound.size()), *file);
+      }
+    }
   }
 }
 

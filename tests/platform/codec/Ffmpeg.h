@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,8 @@ struct DecodedFile {
   std::string Codec;
   std::int32_t SampleRate = 0;  ///< Hz
   int Channels = 0;
-  std::vector<std::int16_t> Samples;  ///< interleaved, at that rate
+  std::map<std::string, std::string> Tags;  ///< by their names in small letters; the first 255 bytes of each
+  std::vector<std::int16_t> Samples;        ///< interleaved, at that rate
 };
 
 /// All files as ffmpeg decodes them, in their order. A start of ffmpeg takes as long as twenty short songs, so many are given
