@@ -18,6 +18,8 @@
 namespace kestrune::platform {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::chrono::milliseconds kLookInterval{50};
 constexpr int kMostNames = 1000000;
 
@@ -28,31 +30,61 @@ base::DateValue LocalTime(std::time_t moment) {
                                     fields.tm_min, fields.tm_sec);
 }
 
-struct Search {
-  std::vector<std::string> Found;
-  base::Result Looked = base::Result::Done();
-};
-
-/// No link is followed, neither to a folder nor to a file.
-Search FindFiles(const std::string& folder, const std::string& pattern, const std::stop_token& stop) {
-  namespace fs = std::filesystem;
-  std::vector<std::string> found;
-  std::error_code error;
-  fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
-  for (int names = 0; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-    if (stop.stop_requested() || ++names > kMostNames) break;
-    std::error_code unknown;
-    const std::string& path = entry->path().native();
-    if (!MatchesPattern(std::string_view(path).substr(path.rfind('/') + 1), pattern)) continue;
-    // What it is shows when it is opened.
-    const fs::file_type type = entry->symlink_status(unknown).type();
-    if (type == fs::file_type::regular || type == fs::file_type::none) found.push_back(path);
+/// The files of a folder and of those inside it whose names match a pattern. No link is followed, neither to a folder
+/// nor to a file. A folder inside that nobody may read is left out, since no capture was made there; the folder itself
+/// must be readable.
+class Search {
+ public:
+  Search(const std::string& folder, std::string pattern, std::stop_token stop)
+      : pattern_(std::move(pattern)), stop_(std::move(stop)) {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error); Goes(entry, error); entry.increment(error)) {
+      std::error_code unknown;
+      Take(*entry);
+      if (entry->symlink_status(unknown).type() == fs::file_type::directory)
+        error = LookInside(entry->path());
+      if (error) break;
+    }
+    std::sort(found_.begin(), found_.end());
+    const bool nothingThere = !error || error == std::errc::no_such_file_or_directory;
+    if (!nothingThere) looked_ = FailedWith(error.value());
+    if (names_ > kMostNames) looked_ = base::Result::Failed("there are too many files");
   }
-  std::sort(found.begin(), found.end());
-  const bool nothingThere = !error || error == std::errc::no_such_file_or_directory;
-  return {.Found = std::move(found),
-          .Looked = nothingThere ? base::Result::Done() : FailedWith(error.value())};
-}
+
+  [[nodiscard]] const std::vector<std::string>& Found() const { return found_; }
+  /// Why not all of it was seen.
+  [[nodiscard]] const base::Result& Looked() const { return looked_; }
+
+ private:
+  std::error_code LookInside(const fs::path& folder) {
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
+         Goes(entry, error); entry.increment(error)) {
+      Take(*entry);
+    }
+    return error;
+  }
+
+  template <typename Iterator>
+  bool Goes(const Iterator& entry, const std::error_code& error) {
+    return !error && entry != Iterator() && !stop_.stop_requested() && ++names_ <= kMostNames;
+  }
+
+  void Take(const fs::directory_entry& entry) {
+    const std::string& path = entry.path().native();
+    if (!MatchesPattern(std::string_view(path).substr(path.rfind('/') + 1), pattern_)) return;
+    // What it is shows when it is opened.
+    std::error_code unknown;
+    const fs::file_type type = entry.symlink_status(unknown).type();
+    if (type == fs::file_type::regular || type == fs::file_type::none) found_.push_back(path);
+  }
+
+  std::string pattern_;
+  std::stop_token stop_;
+  std::vector<std::string> found_;
+  base::Result looked_ = base::Result::Done();
+  int names_ = 0;
+};
 
 }  // namespace
 
@@ -79,7 +111,7 @@ WorkerCaptureMender::WorkerCaptureMender(base::EventLoop& loop)
 void WorkerCaptureMender::Find(std::string_view folder, std::string_view pattern, FoundHandler found) {
   Begin([folder = std::string(folder), pattern = std::string(pattern),
          found = std::move(found)](const std::stop_token& stop) -> Answer {
-    return [found, search = FindFiles(folder, pattern, stop)] { found(search.Found, search.Looked); };
+    return [found, search = Search(folder, pattern, stop)] { found(search.Found(), search.Looked()); };
   });
 }
 

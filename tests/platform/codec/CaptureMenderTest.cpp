@@ -26,6 +26,7 @@
 #include "platform/codec/Signals.h"
 #include "platform/codec/WorkerCaptureMender.h"
 #include "platform/posix/HeldFile.h"
+#include "platform/posix/TemporaryFolder.h"
 #include "support/RealEventLoop.h"
 #include "support/Repetitions.h"
 
@@ -448,6 +449,23 @@ TEST_F(WorkerCaptureMenderTest, FindsPlainFilesInAllFoldersThroughNoLink) {
   EXPECT_THAT(Find(folder.Path("music/")), ::testing::ElementsAre(folder.Path("music/Capture1.mp3"),
                                                                   folder.Path("music/Rock/44/Capture0.ogg")));
   EXPECT_THAT(Find(folder.Path("nowhere")), ::testing::IsEmpty());
+}
+
+TEST_F(WorkerCaptureMenderTest, AFolderThatCannotBeReadIsNoEmptyOne) {
+  const std::filesystem::path music = folder.Path("music");
+  std::filesystem::create_directories(music / "lost+found");
+  WriteFile(music / "Capture1.mp3", "x");
+  std::filesystem::permissions(music / "lost+found", std::filesystem::perms::none);
+  std::filesystem::permissions(folder.Path(""), std::filesystem::perms::all);
+  const OrdinaryUser user;
+  EXPECT_THAT(Find(music), ::testing::ElementsAre(music / "Capture1.mp3"));
+
+  std::optional<base::Result> answer;
+  mender.Find(
+      std::string(music / "lost+found"), "Capture*",
+      [&](const std::vector<std::string>& /*paths*/, const base::Result& looked) { answer = looked; });
+  ASSERT_TRUE(loop.RunUntil([&] { return answer.has_value(); }, std::chrono::seconds(10)));
+  EXPECT_EQ(answer->Cause(), "Permission denied");
 }
 
 TEST_F(WorkerCaptureMenderTest, HoldsTheMendedFileUntilTheNextCall) {
