@@ -149,7 +149,8 @@ void RingRecorder::HandOver(std::size_t samples) {
   framesCaptured_ += frames;
   ledger_.HandOver(frames);
   newest_.insert(newest_.end(), block_.begin(), block_.end());
-  if (newest_.size() > kNewestSamples) {
+  // Moved to the front once in many blocks.
+  if (newest_.size() > 2 * kNewestSamples) {
     newest_.erase(newest_.begin(), newest_.end() - static_cast<std::ptrdiff_t>(kNewestSamples));
   }
   if (blockHandler_) blockHandler_();
