@@ -42,7 +42,10 @@ void Scheduler::ReadRows() {
   };
   for (int number = 1; number <= schedule::kSchedulerRows; ++number) {
     const auto stored = schedule::StoredChannel(ports_.Settings, number);
-    if (stored && !has(*stored)) channels_.push_back({.Number = *stored, .Station = std::string(kNotListed)});
+    if (!stored || has(*stored)) continue;
+    schedule::SchedulerChannel& unlisted = channels_.emplace_back();
+    unlisted.Number = *stored;
+    unlisted.Station = kNotListed;
   }
   int number = 0;
   for (schedule::SchedulerRow& row : rows_) {
