@@ -59,16 +59,6 @@ set(KESTRUNE_WIDGET_HEADERS
   <QApplication> <QBoxLayout> <QCheckBox> <QComboBox> <QDialog> <QGridLayout> <QGroupBox> <QKeyEvent> <QLabel>
   <QLineEdit> <QPushButton> <QTimer>)
 
-# kestrune_precompile(TARGET header...): precompiles the common headers and these, if the target is large enough to gain
-# by it.
-function(kestrune_precompile target)
-  get_target_property(sources ${target} SOURCES)
-  list(LENGTH sources count)
-  if(count GREATER_EQUAL 4)
-    target_precompile_headers(${target} PRIVATE ${KESTRUNE_COMMON_HEADERS} ${ARGN})
-  endif()
-endfunction()
-
 add_library(kestrune_test_sanitizers INTERFACE)
 target_compile_options(kestrune_test_sanitizers INTERFACE -fno-sanitize=fuzzer-no-link,undefined)
 
@@ -86,6 +76,10 @@ endfunction()
 function(kestrune_test_flags target)
   target_link_libraries(${target} PRIVATE GTest::gmock)
   target_compile_options(${target} PRIVATE -O0)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Collecting garbage would take an eighth of the time; a file's garbage is some 500 MB at most.
+    target_compile_options(${target} PRIVATE --param=ggc-min-heapsize=1048576)
+  endif()
   kestrune_only_for_tests(${target})
   if(NOT KESTRUNE_SANITIZE MATCHES fuzzer AND CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
     target_compile_options(${target} PRIVATE -g0)
@@ -97,38 +91,48 @@ function(kestrune_busy_tests)
   set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
-# kestrune_test_code(TARGET [QT]): what all test programs share, among it a precompiled header. One with QT, which links
-# Qt and so is compiled with other flags, has a header of its own.
+# kestrune_test_code(TARGET [QT|WIDGETS|RIG]): what all test programs share, among it a precompiled header. Those with QT, which
+# link Qt and so are compiled with other flags, share a header of their own, and one with WIDGETS has its own. Those with RIG
+# share one that holds the rig's headers, but not with gcc, which takes longer to read that one than the headers.
 function(kestrune_test_code target)
-  cmake_parse_arguments(CODE "QT" "" "" ${ARGN})
+  cmake_parse_arguments(CODE "QT;WIDGETS;RIG" "" "" ${ARGN})
   target_link_libraries(${target} PRIVATE GTest::gtest_main)
   kestrune_test_flags(${target})
-  if(CODE_QT)
-    kestrune_precompile(${target} ${KESTRUNE_TEST_HEADERS})
+  if(CODE_WIDGETS)
+    target_precompile_headers(${target} PRIVATE
+      ${KESTRUNE_COMMON_HEADERS} ${KESTRUNE_TEST_HEADERS} ${KESTRUNE_WIDGET_HEADERS})
+  elseif(CODE_QT)
+    target_precompile_headers(${target} REUSE_FROM kestrune_qt_test_headers)
+  elseif(CODE_RIG AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    target_precompile_headers(${target} REUSE_FROM kestrune_rig_headers)
   else()
     target_precompile_headers(${target} REUSE_FROM kestrune_test_headers)
   endif()
 endfunction()
 
-# kestrune_test(NAME source... [ON_BASE] [QT] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for its
-# cases when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic; with QT it
-# links Qt.
+# kestrune_test(NAME source... [ON_BASE] [QT|WIDGETS|RIG] [LIBS lib...]): one GoogleTest program of a room. ctest asks it for
+# its cases when it runs; `ctest -L NAME` runs only this program's. With ON_BASE it is built without the logic; with QT it
+# links Qt, with WIDGETS its windows too; with RIG it has the rig of a whole unit.
 #
 # With a sanitizer a program takes longer to start than most of its cases to run, so its cases share a few processes, and
 # KESTRUNE_TEST_FILTER, in GoogleTest's notation, says which of them run.
 function(kestrune_test name)
-  cmake_parse_arguments(TEST "ON_BASE;QT" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(TEST "ON_BASE;QT;WIDGETS;RIG" "" "LIBS" ${ARGN})
   add_executable(${name} ${TEST_UNPARSED_ARGUMENTS})
   if(TEST_ON_BASE)
     target_link_libraries(${name} PRIVATE kestrune_test_base ${TEST_LIBS})
   else()
     target_link_libraries(${name} PRIVATE kestrune_test_support ${TEST_LIBS})
   endif()
-  if(TEST_QT)
-    kestrune_test_code(${name} QT)
-  else()
-    kestrune_test_code(${name})
+  if(TEST_RIG)
+    target_link_libraries(${name} PRIVATE kestrune_unit_rig)
   endif()
+  foreach(kind QT WIDGETS RIG)
+    if(TEST_${kind})
+      set(code ${kind})
+    endif()
+  endforeach()
+  kestrune_test_code(${name} ${code})
   if(KESTRUNE_SANITIZE)
     foreach(shard RANGE 1 4)
       math(EXPR index "${shard} - 1")
@@ -170,6 +174,7 @@ function(kestrune_fuzzer name)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
     add_test(NAME ${name}.corpus COMMAND ${name} -runs=0 ${corpus})
   else()
+    kestrune_test_flags(${name})
     target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz/ReplayCorpus.cpp)
     add_test(NAME ${name}.corpus COMMAND ${name} ${corpus})
   endif()
