@@ -43,7 +43,7 @@ class Configuration {
   /// The same for the first run, in which a save stores every setting of the window.
   void LoadFirst();
   /// Shows what has been changed elsewhere since Load in the controls that the user has not touched, and the room on
-  /// the disks; a window calls it at each of its beats, ten times a second.
+  /// the disks; a window calls it at each of its refreshes.
   void Follow();
 
   void cboMinLength(int row);

@@ -26,7 +26,7 @@ constexpr double kBarGap = 4;
 AudioDisplay::AudioDisplay(presenters::LevelMeter& meter, QWidget* parent) : QWidget(parent), meter_(meter) {
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   setAccessibleName(QStringLiteral("Level of the sound"));
-  // It repaints ten times a second; opaque, so that what is behind it need not be painted too.
+  // It repaints many times a second; opaque, so that what is behind it need not be painted too.
   setAttribute(Qt::WA_OpaquePaintEvent);
   meter_.SetSampleCount(kSamples);
 }

@@ -15,6 +15,7 @@
 #include "base/Text.h"
 #include "presenters/WindowTable.h"
 #include "windows/Announcer.h"
+#include "windows/Attention.h"
 #include "windows/Binding.h"
 #include "windows/FocusRing.h"
 #include "windows/Placement.h"
@@ -27,6 +28,8 @@ namespace {
 using recorder::WindowName;
 
 constexpr std::chrono::milliseconds kRefreshInterval{100};
+/// While nobody is at the program: what windows cost then is mostly their refresh and the level display, which follows it.
+constexpr std::chrono::milliseconds kUnattendedInterval{250};
 /// Asking for a tray is a call to another program, so it is not done at each refresh.
 constexpr int kRefreshesPerTrayCheck = 20;
 constexpr qsizetype kTrayTipLetters = 64;
@@ -51,6 +54,7 @@ presenters::WindowState StateOf(const QWidget& window) {
 Desktop::Desktop(Outside outside) : outside_(std::move(outside)), icon_(ProgramIcon()) {
   SpeakWindows();
   new FocusRing(this);
+  attention_ = new Attention(outside_.Loop, this);
 }
 
 Desktop::~Desktop() {
@@ -85,7 +89,7 @@ void Desktop::Attach(presenters::UnitPresenters& rules) {
   };
   rules.PresetButtons().ShowPresets = [this] { Show(WindowName::Presets); };
   ReadMainWindow();
-  tmrRefresh_ = outside_.Loop.MakeTimer(kRefreshInterval, [this] { Refresh(); });
+  tmrRefresh_ = outside_.Loop.MakeTimer(kRefreshInterval, [this] { RefreshInTime(); });
   tmrRefresh_->SetEnabled(true);
 }
 
@@ -104,6 +108,12 @@ void Desktop::Detach() {
 
 void Desktop::SetMaker(WindowName name, Maker maker) {
   makers_[name] = std::move(maker);
+}
+
+void Desktop::RefreshInTime() {
+  const auto next = attention_->Paid() ? kRefreshInterval : kUnattendedInterval;
+  if (tmrRefresh_->Interval() != next) tmrRefresh_->SetInterval(next);
+  Refresh();
 }
 
 void Desktop::Refresh() {

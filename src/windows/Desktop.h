@@ -24,9 +24,11 @@
 namespace kestrune::windows {
 
 class Announcer;
+class Attention;
 
 /// The windows of the program. It opens and closes them as the run asks, refreshes what is on screen from the
-/// records ten times a second, and passes requests from one window to another.
+/// records ten times a second, four times while nobody is at the program, and passes requests from one window to
+/// another.
 class Desktop final : public QObject, public recorder::Windows {
  public:
   struct Outside {
@@ -123,6 +125,8 @@ class Desktop final : public QObject, public recorder::Windows {
   void ShowTray(const presenters::MainWindow& window);
   /// Marks the icons of tray and windows while a song is being recorded.
   void ShowMark(bool recording);
+  /// Refreshes, and sets how soon again.
+  void RefreshInTime();
   /// Has a screen reader say what has changed, while one of the program's windows is in front.
   void SayChanges();
   void Restore();
@@ -152,6 +156,7 @@ class Desktop final : public QObject, public recorder::Windows {
   bool busyCursor_ = false;
   bool remembering_ = false;  // the windows of the last run are being shown
   bool mainShown_ = false;
+  Attention* attention_ = nullptr;  // a child of this
   std::unique_ptr<base::Timer> tmrRefresh_;
 };
 
