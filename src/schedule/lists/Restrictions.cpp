@@ -12,6 +12,12 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+/// Files that were put together have the mark inside too, and any line may become the first one.
+std::string_view WithoutMark(std::string_view line) {
+  if (line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
+  return line;
+}
+
 }  // namespace
 
 std::string Restrictions::RestrictionFile() const {
@@ -26,7 +32,8 @@ void Restrictions::LoadRestrictions() {
     return;
   }
   for (Rows& rows : rows_) rows.clear();
-  EachLine(*text, [this](std::string_view line) {
+  EachLine(*text, [this](std::string_view written) {
+    const std::string_view line = WithoutMark(written);
     if (line.empty() || line.front() < '0' || line.front() > '3') return;
     Rows& rows = rows_[static_cast<std::size_t>(line.front() - '0')];
     if (rows.size() == kMaxRows) return;
@@ -38,9 +45,7 @@ void Restrictions::LoadRestrictions() {
 std::optional<std::string> Restrictions::ReadFile() const {
   const std::string path = RestrictionFile();
   if (!files_.Exists(path)) return std::string();
-  auto text = files_.Read(path);
-  if (text && text->starts_with(kByteOrderMark)) text->erase(0, kByteOrderMark.size());
-  return text;
+  return files_.Read(path);
 }
 
 base::Result Restrictions::Add(RestrictList list, std::string_view fragment) {
@@ -73,7 +78,8 @@ Restrictions::Removal Restrictions::Remove(RestrictList list, std::string_view t
   if (!before) return failed("read");
   std::string after;
   int removed = 0;
-  EachLine(*before, [&](std::string_view line) {
+  EachLine(*before, [&](std::string_view written) {
+    const std::string_view line = WithoutMark(written);
     const bool ofList = !line.empty() && line.front() == static_cast<char>('0' + static_cast<int>(list));
     if (ofList && base::EqualsNoCase(base::Trim(line.substr(1)), base::Trim(text))) {
       ++removed;

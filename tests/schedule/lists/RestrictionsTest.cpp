@@ -258,6 +258,15 @@ TEST_F(RestrictionsTest, AByteOrderMarkIsNoPartOfTheFirstEntry) {
   EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 2);
 }
 
+TEST_F(RestrictionsTest, ARemovalBeforeAByteOrderMarkChangesNoOtherList) {
+  Load(
+      "3Sun\n\xEF\xBB\xBF"
+      "0Moon\n");
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
+  EXPECT_EQ(lists_.Remove(RestrictList::KillSongs, "Sun").Count, 1);
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
+}
+
 TEST_F(RestrictionsTest, ARemovalFromAFileThatCannotBeReadIsAFailureAndNotAnAbsentEntry) {
   Load("0Moon\n");
   files_.FailNext(FileOperation::Read);
