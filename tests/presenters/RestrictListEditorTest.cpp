@@ -312,13 +312,14 @@ TEST_F(RestrictListEditorTest, AFileThatCouldNotBeReadIsNeverReplaced) {
   EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n");
 }
 
-TEST_F(RestrictListEditorTest, AByteOrderMarkCostsNoEntry) {
+TEST_F(RestrictListEditorTest, ByteOrderMarksCostNoEntry) {
   Load(
       "\xEF\xBB\xBF"
-      "0Moon\n");
-  EXPECT_THAT(List(0), ElementsAre("Moon"));
+      "0Moon\n\xEF\xBB\xBF"
+      "0Sun\n");
+  EXPECT_THAT(List(0), ElementsAre("Moon", "Sun"));
   EXPECT_TRUE(editor_.cmdSave());
-  EXPECT_EQ(files_.Text(kPath), "0Moon\n");
+  EXPECT_EQ(files_.Text(kPath), "0Moon\n0Sun\n");
 }
 
 }  // namespace

@@ -12,10 +12,17 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/// Files that were put together have the mark inside too, and any line may become the first one.
-std::string_view WithoutMark(std::string_view line) {
-  if (line.starts_with(kByteOrderMark)) line.remove_prefix(kByteOrderMark.size());
-  return line;
+/// Files that were put together have marks inside too, and the removal of what is before one may make its line the
+/// first.
+std::string WithoutMarks(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    while (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    const std::string_view line = text.substr(0, text.find('\n')), end = text.substr(line.size(), 1);
+    result.append(line).append(end);
+    text.remove_prefix(line.size() + end.size());
+  }
+  return result;
 }
 
 }  // namespace
@@ -32,8 +39,7 @@ void Restrictions::LoadRestrictions() {
     return;
   }
   for (Rows& rows : rows_) rows.clear();
-  EachLine(*text, [this](std::string_view written) {
-    const std::string_view line = WithoutMark(written);
+  EachLine(*text, [this](std::string_view line) {
     if (line.empty() || line.front() < '0' || line.front() > '3') return;
     Rows& rows = rows_[static_cast<std::size_t>(line.front() - '0')];
     if (rows.size() == kMaxRows) return;
@@ -45,7 +51,9 @@ void Restrictions::LoadRestrictions() {
 std::optional<std::string> Restrictions::ReadFile() const {
   const std::string path = RestrictionFile();
   if (!files_.Exists(path)) return std::string();
-  return files_.Read(path);
+  const auto text = files_.Read(path);
+  if (!text) return std::nullopt;
+  return WithoutMarks(*text);
 }
 
 base::Result Restrictions::Add(RestrictList list, std::string_view fragment) {
@@ -78,8 +86,7 @@ Restrictions::Removal Restrictions::Remove(RestrictList list, std::string_view t
   if (!before) return failed("read");
   std::string after;
   int removed = 0;
-  EachLine(*before, [&](std::string_view written) {
-    const std::string_view line = WithoutMark(written);
+  EachLine(*before, [&](std::string_view line) {
     const bool ofList = !line.empty() && line.front() == static_cast<char>('0' + static_cast<int>(list));
     if (ofList && base::EqualsNoCase(base::Trim(line.substr(1)), base::Trim(text))) {
       ++removed;

@@ -18,7 +18,7 @@
 namespace kestrune::schedule {
 
 /// The Grab and Kill lists: fragments of artists and titles that decide which songs are kept. The list file holds
-/// one entry a line: the list's digit, then the fragment exactly as it is. A byte order mark before the first line is
+/// one entry a line: the list's digit, then the fragment exactly as it is. Byte order marks before a line are
 /// skipped.
 class Restrictions {
  public:
@@ -40,8 +40,8 @@ class Restrictions {
   /// entries for a list that is full.
   void LoadRestrictions();
 
-  /// The text of the list file without its byte order mark, empty if there is no file; nothing if it exists but
-  /// cannot be read.
+  /// The text of the list file without the byte order marks before its lines, empty if there is no file; nothing if
+  /// it exists but cannot be read.
   [[nodiscard]] std::optional<std::string> ReadFile() const;
 
   /// Adds an entry to the list file, loads the file, and shows the entry to an open editor. If the file cannot be

@@ -267,6 +267,15 @@ TEST_F(RestrictionsTest, ARemovalBeforeAByteOrderMarkChangesNoOtherList) {
   EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
 }
 
+TEST_F(RestrictionsTest, NeitherDoesOneBeforeTwoMarks) {
+  Load(
+      "3Sun\n\xEF\xBB\xBF\xEF\xBB\xBF"
+      "0Moon\n");
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
+  EXPECT_EQ(lists_.Remove(RestrictList::KillSongs, "Sun").Count, 1);
+  EXPECT_EQ(lists_.RestrictCount(RestrictList::GrabArtists), 1);
+}
+
 TEST_F(RestrictionsTest, ARemovalFromAFileThatCannotBeReadIsAFailureAndNotAnAbsentEntry) {
   Load("0Moon\n");
   files_.FailNext(FileOperation::Read);
