@@ -28,11 +28,18 @@ using std::chrono::steady_clock;
 
 constexpr std::size_t kFrameBytes = 4;
 constexpr std::size_t kReadBytes = 65536;  // as much as a pipe holds
-constexpr int kPaceMilliseconds = 20;
+constexpr int kMostPaceMilliseconds = 40;
 constexpr int kRetryMilliseconds = 1000;
 
 int OpenPath(const std::string& path) {
   return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+}
+
+/// A pipe holds 65,536 bytes, but a user who has many gets 8,192, and a writer may ask for less.
+int PaceOf(int fifo) {
+  constexpr int kBytesPerMillisecond = 200;  // 176 for 44,100 frames, and some to spare
+  const int holds = fcntl(fifo, F_GETPIPE_SZ);
+  return holds < 0 ? kMostPaceMilliseconds : std::min(holds / kBytesPerMillisecond, kMostPaceMilliseconds);
 }
 
 bool IsFifo(int file) {
@@ -96,11 +103,11 @@ class PipeSource::Reader {
     }
   }
 
-  /// Lets a few milliseconds of sound gather instead of waking for each small write; a writer that closes the pipe is
-  /// noticed at once. False if it is time to end.
+  /// Lets some sound gather instead of waking for each small write, but never so much that the pipe is full; a writer
+  /// that closes the pipe is noticed at once. False if it is time to end.
   bool Rest(int fifo) {
     pollfd descriptors[] = {{stop_, POLLIN, 0}, {fifo, 0, 0}};
-    base::Ignored(poll(descriptors, 2, kPaceMilliseconds));
+    base::Ignored(poll(descriptors, 2, PaceOf(fifo)));
     return (descriptors[0].revents & POLLIN) == 0;
   }
 
