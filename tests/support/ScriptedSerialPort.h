@@ -65,6 +65,8 @@ class ScriptedSerialPort final : public platform::SerialPort {
   void ForgetCalls() { calls_.clear(); }
   [[nodiscard]] bool DataTerminalReady() const { return dataTerminalReady_; }
   [[nodiscard]] bool RequestToSend() const { return requestToSend_; }
+  /// How long the receive handler might have waited each time that it might.
+  [[nodiscard]] const std::vector<Duration>& Held() const { return held_; }
   [[nodiscard]] std::size_t Waiting() const { return waiting_.size(); }
 
   // The port's contract.
@@ -85,6 +87,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   [[nodiscard]] std::string Input() override;
   [[nodiscard]] bool Output(std::string_view bytes) override;
   void SetReceiveHandler(std::function<void()> handler) override { handler_ = std::move(handler); }
+  void HoldReceiveHandler(Duration time) override { held_.push_back(time); }
 
  private:
   struct Rule {
@@ -105,6 +108,7 @@ class ScriptedSerialPort final : public platform::SerialPort {
   std::vector<Written> writes_;
   std::size_t taken_ = 0;
   std::vector<std::string> calls_;
+  std::vector<Duration> held_;
 
   std::int16_t commPort_ = 0;
   std::int16_t openedPort_ = 0;

@@ -143,8 +143,7 @@ void QtSerialPort::TakeLine(FileDescriptor line) {
   QObject::connect(readable_.get(), &QSocketNotifier::activated, wakeup_.get(), [this] {
     // Whoever pumps waits for it.
     if (loop_.Pumping()) return ReceiveGathered();
-    readable_->setEnabled(false);
-    gather_->SetEnabled(true);
+    Gather(kGather);
   });
   hangUpCheck_->SetEnabled(true);
 }
@@ -196,6 +195,16 @@ void QtSerialPort::Receive() {
     // A dead line is readable for ever.
     readable_->setEnabled(false);
   }
+}
+
+void QtSerialPort::Gather(std::chrono::milliseconds time) {
+  readable_->setEnabled(false);
+  gather_->SetInterval(time);
+  gather_->SetEnabled(true);
+}
+
+void QtSerialPort::HoldReceiveHandler(std::chrono::milliseconds time) {
+  if (readable_ != nullptr && !dead_) Gather(time);
 }
 
 void QtSerialPort::ReceiveGathered() {

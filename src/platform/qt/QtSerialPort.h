@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -18,8 +19,8 @@ namespace kestrune::platform {
 /// A serial line served by Qt's loop: real devices and pseudo-terminals, on which modem lines fail silently. The device
 /// is opened for this program only. Trying a number without a device costs one look into the file system. What the
 /// device received before it was opened is dropped. OpenLater opens on a thread of its own; if the system never lets go
-/// of it, so does every later OpenLater fail. From the outer loop the receive handler runs up to 20 ms late, with what has come
-/// meanwhile.
+/// of it, so does every later OpenLater fail. From the outer loop the receive handler runs up to 20 ms late, or as late as it is
+/// held, with what has come meanwhile.
 class QtSerialPort final : public SerialPort {
  public:
   /// The loop must outlive the port, and must be Qt's.
@@ -42,6 +43,7 @@ class QtSerialPort final : public SerialPort {
   [[nodiscard]] std::string Input() override;
   [[nodiscard]] bool Output(std::string_view bytes) override;
   void SetReceiveHandler(std::function<void()> handler) override;
+  void HoldReceiveHandler(std::chrono::milliseconds time) override;
 
  private:
   class Wakeup;
@@ -51,6 +53,7 @@ class QtSerialPort final : public SerialPort {
   void TakeLine(FileDescriptor line);
   void TakeOpening();
   void Receive();
+  void Gather(std::chrono::milliseconds time);
   void ReceiveGathered();
   void NotifySoon();
   void Notify();
@@ -64,7 +67,7 @@ class QtSerialPort final : public SerialPort {
   std::unique_ptr<Wakeup> wakeup_;
   std::unique_ptr<base::Timer> hangUpCheck_;
   std::unique_ptr<base::Timer> afterSleep_;
-  std::unique_ptr<base::Timer> gather_;  // runs from the first bytes that wake the program
+  std::unique_ptr<base::Timer> gather_;  // while it runs, bytes do not wake the program
   std::unique_ptr<base::Timer> sendAgain_;
   std::shared_ptr<std::function<void()>> handler_;
   std::shared_ptr<Opening> opening_;                        // the one that is awaited

@@ -1,5 +1,6 @@
 #include "radio/line/RadioSession.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <fmt/format.h>
@@ -22,6 +23,7 @@ constexpr std::int16_t kLastChannel = 255;
 constexpr int kThresholdOpening = 1;
 constexpr int kThreshold = 5;
 constexpr auto kPartialFramePoll = 40ms;
+constexpr std::size_t kBytesPerSecond = 960;  // at 9600 baud, with start and stop bit
 constexpr auto kReplyTry = 150ms;
 constexpr int kReplyTries = 10;
 constexpr auto kHeldTooLong = 5s;
@@ -352,6 +354,9 @@ bool RadioSession::ReceiveRound() {
     if (reader_.Next(replies_.pcrLastResponse) == FrameStep::Incomplete) {
       tmrComm_->SetInterval(kPartialFramePoll);
       tmrComm_->SetEnabled(true);
+      // The line needs so long for the rest; what wakes the program before costs more than the bytes.
+      const std::chrono::milliseconds rest(reader_.Lacking() * 1000 / kBytesPerSecond);
+      port_.HoldReceiveHandler(std::min<std::chrono::milliseconds>(rest, kPartialFramePoll));
       return false;
     }
     TraceFrame('<', replies_.pcrLastResponse);

@@ -151,6 +151,45 @@ TEST_F(QtSerialPortTest, WhatComesInPiecesWakesTheOuterLoopOnce) {
   EXPECT_EQ(Notifications, 1);
 }
 
+TEST_F(QtSerialPortTest, AHandlerThatIsHeldGetsAllThatComesMeanwhileAtOnce) {
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Port->HoldReceiveHandler(milliseconds(200));
+  Far.Send("abc");
+  Under.Run(milliseconds(60));
+  EXPECT_EQ(Notifications, 0) << "three times what it takes without";
+  Far.Send("def");
+  ASSERT_TRUE(ReceivedSize(6));
+  EXPECT_EQ(Notifications, 1);
+}
+
+TEST_F(QtSerialPortTest, AHandlerIsHeldOnce) {
+  Port->SetReceiveThreshold(1);
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Port->HoldReceiveHandler(milliseconds(1));
+  Under.Run(milliseconds(40));
+  Far.Send("abc");
+  ASSERT_TRUE(ReceivedSize(3));
+}
+
+TEST_F(QtSerialPortTest, AHeldHandlerKeepsNoBytesFromWhoReads) {
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Port->HoldReceiveHandler(seconds(60));
+  Far.Send("abc");
+  Under.Run(milliseconds(60));
+  EXPECT_EQ(Notifications, 0);
+  EXPECT_EQ(Port->Input(), "abc");
+}
+
+TEST_F(QtSerialPortTest, AClosedOrDeadPortHoldsNothing) {
+  Port->HoldReceiveHandler(milliseconds(1));
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Port->HoldReceiveHandler(seconds(60));
+  Port->Close();
+  ASSERT_EQ(Port->Open().Cause(), "");
+  Far.Send("abc");
+  ASSERT_TRUE(ReceivedSize(3));
+}
+
 TEST_F(QtSerialPortTest, BytesThatComeWhileTheHandlerPumpsAreNotifiedWithinIt) {
   int depth = 0;
   int deepest = 0;

@@ -186,6 +186,23 @@ TEST_F(ReceivePathTest, APartialFrameIsPolledEvery40Milliseconds) {
   EXPECT_TRUE(session.Replies().pcrMuteReplySeen);
 }
 
+TEST_F(ReceivePathTest, TheRestOfAFrameMayComeAsLateAsTheLineBringsIt) {
+  port.Arrive(Bytes("5A A5 00 1B 80 00 00 00 00 00"));
+  loop.Run(Milliseconds(0));
+  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(23))) << "23 bytes at 960 a second";
+}
+
+TEST_F(ReceivePathTest, TheRestOfALongFrameMayComeWithThePoll) {
+  port.Arrive(Bytes("5A A5 00 4A A5 01 00 01 00 00"));
+  loop.Run(Milliseconds(0));
+  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(40))) << "70 bytes would be 72";
+}
+
+TEST_F(ReceivePathTest, WholeFramesHoldNothing) {
+  Arrive("5A A5 00 02 81 00 ED ED");
+  EXPECT_THAT(port.Held(), IsEmpty());
+}
+
 TEST_F(ReceivePathTest, APartialFrameWaitsWithoutLimitAndTheTimerStopsAfterIt) {
   port.Arrive(Bytes("5A A5 00 04 93 01 00"));
   loop.Run(Milliseconds(3'600'000));
