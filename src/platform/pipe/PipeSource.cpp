@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <span>
 #include <system_error>
 #include <thread>
@@ -58,7 +59,7 @@ class PipeSource::Reader {
         sink_(sink),
         converter_(kFileFormat, format),
         stop_(eventfd(0, EFD_CLOEXEC)),
-        bytes_(kReadBytes) {}
+        bytes_(std::make_unique_for_overwrite<std::uint8_t[]>(kReadBytes)) {}
 
   ~Reader() {
     base::Ignored(eventfd_write(stop_, 1));
@@ -97,7 +98,7 @@ class PipeSource::Reader {
   void RunFifo() {
     for (;;) {
       if (!WaitForFifo()) return;
-      const ssize_t count = ReadSome(bytes_.size());
+      const ssize_t count = ReadSome(kReadBytes);
       if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) WaitForNextWriter();
       if (!Rest(file_)) return;
     }
@@ -136,7 +137,7 @@ class PipeSource::Reader {
       const std::uint64_t due = static_cast<std::uint64_t>(passed) *
                                 static_cast<std::uint64_t>(kFileFormat.SampleRate) / 1'000'000 * kFrameBytes;
       while (read < due) {
-        const ssize_t count = ReadSome(std::min<std::uint64_t>(due - read, bytes_.size()));
+        const ssize_t count = ReadSome(std::min<std::uint64_t>(due - read, kReadBytes));
         if (count <= 0) break;
         read += static_cast<std::uint64_t>(count);
       }
@@ -145,7 +146,7 @@ class PipeSource::Reader {
 
   /// Reads once and delivers the whole frames; the bytes of an incomplete one wait for the rest.
   ssize_t ReadSome(std::size_t most) {
-    const ssize_t count = read(file_, bytes_.data() + kept_, std::min(most, bytes_.size() - kept_));
+    const ssize_t count = read(file_, bytes_.get() + kept_, std::min(most, kReadBytes - kept_));
     if (count <= 0) return count;
     const std::size_t there = kept_ + static_cast<std::size_t>(count);
     const std::size_t whole = there / kFrameBytes * kFrameBytes;
@@ -155,7 +156,7 @@ class PipeSource::Reader {
           static_cast<std::int16_t>(static_cast<std::uint16_t>(bytes_[at] | bytes_[at + 1] << 8)));
     }
     kept_ = there - whole;
-    std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(whole), kept_, bytes_.begin());
+    std::copy_n(bytes_.get() + whole, kept_, bytes_.get());
     if (samples_.empty()) return count;
     const std::span<const std::int16_t> converted = converter_.Convert(samples_);
     if (!converted.empty()) sink_.OnSamples(converted);
@@ -167,7 +168,7 @@ class PipeSource::Reader {
   SampleSink& sink_;
   PcmConverter converter_;
   const int stop_;
-  std::vector<std::uint8_t> bytes_;
+  const std::unique_ptr<std::uint8_t[]> bytes_;  // the usual read leaves most of it untouched
   std::size_t kept_ = 0;
   std::vector<std::int16_t> samples_;
   std::thread thread_;

@@ -11,6 +11,7 @@ constexpr std::int32_t kBlockMilliseconds = 100;
 constexpr std::int32_t kHighestRate = 192000;
 // Enough for the widest level display.
 constexpr std::size_t kNewestSamples = 16384;
+constexpr std::size_t kMostSamples = 40960;  // the newest are moved to the front once in some blocks
 
 bool Recordable(const PcmFormat& format) {
   return format.SampleRate > 0 && format.SampleRate <= kHighestRate && format.Channels >= 1 &&
@@ -148,11 +149,10 @@ void RingRecorder::HandOver(std::size_t samples) {
   const std::int64_t frames = static_cast<std::int64_t>(block_.size()) / openFormat_.Channels;
   framesCaptured_ += frames;
   ledger_.HandOver(frames);
-  newest_.insert(newest_.end(), block_.begin(), block_.end());
-  // Moved to the front once in many blocks.
-  if (newest_.size() > 2 * kNewestSamples) {
+  if (newest_.size() + block_.size() > kMostSamples && newest_.size() > kNewestSamples) {
     newest_.erase(newest_.begin(), newest_.end() - static_cast<std::ptrdiff_t>(kNewestSamples));
   }
+  newest_.insert(newest_.end(), block_.begin(), block_.end());
   if (blockHandler_) blockHandler_();
 }
 
@@ -174,6 +174,7 @@ void RingRecorder::OpenSource(const SoundDevice& device) {
     lostByRings_ += left * format_.SampleRate / openFormat_.SampleRate;
   }
   newest_.clear();
+  newest_.reserve(kMostSamples);
   gainControl_.SetFormat(format_);
   const auto samples = static_cast<std::size_t>(format_.SampleRate) *
                        static_cast<std::size_t>(format_.Channels) * static_cast<std::size_t>(kRingSeconds);
