@@ -1,13 +1,16 @@
-// Each call that mending a capture makes fails, one after the other until none fails any more: no sound is ever cut off or
-// called empty because the system has refused something, and the next try mends all of it.
+// Each call that finding and mending captures makes fails, one after the other until none fails any more: no capture is
+// overlooked, no sound is ever cut off or called empty because the system has refused something, and the next try mends all
+// of it.
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stop_token>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,6 +19,7 @@
 #include "platform/codec/EncodedFile.h"
 #include "platform/codec/WorkerCaptureMender.h"
 #include "support/MemoryFolder.h"
+#include "support/SimulatedEventLoop.h"
 
 namespace kestrune::test {
 namespace {
@@ -117,6 +121,53 @@ TEST_F(MendingFailures, NoSoundIsLost) {
     for (const CallKind kind : {CallKind::Open, CallKind::Read, CallKind::Seek, CallKind::Status,
                                 CallKind::Lock, CallKind::Write, CallKind::Truncate, CallKind::Change})
       FailEach(kind, row, open);
+  }
+}
+
+struct Search {
+  std::size_t Found = 0;
+  bool SawAll = false;
+};
+
+Search FindCaptures(const std::string& folder) {
+  using namespace std::chrono_literals;
+  SimulatedEventLoop loop;
+  platform::WorkerCaptureMender mender(loop);
+  Search search;
+  bool answered = false;
+  mender.Find(folder, "Capture*", [&](const std::vector<std::string>& paths, const base::Result& looked) {
+    search = {.Found = paths.size(), .SawAll = looked.Ok()};
+    answered = true;
+  });
+  while (!answered) {
+    loop.Run(100ms);
+    std::this_thread::sleep_for(1ms);
+  }
+  return search;
+}
+
+TEST_F(MendingFailures, NoCaptureIsOverlooked) {
+  for (const char* inside : {"44", "44/Rock", "52"}) {
+    std::filesystem::create_directories(folder_ / inside);
+    std::ofstream(folder_ / inside + "/Capture0.wav") << "sound";
+  }
+  ASSERT_EQ(FindCaptures(folder_.Path()).Found, 3U);
+  for (const CallKind kind : {CallKind::Open, CallKind::Read, CallKind::Status}) {
+    int failures = 0;
+    for (int number = 1;; ++number) {
+      SCOPED_TRACE(std::string(NameOf(kind)) + " " + std::to_string(number));
+      WatchCalls(folder_.Path(), false);
+      FailCall({.Kind = kind, .Place = CallPlace::Files, .Number = number, .Error = EIO, .Lasting = false});
+      const Search search = FindCaptures(folder_.Path());
+      LeaveCallsAlone();
+      if (CallsFailed() == 0) break;
+      ++failures;
+      EXPECT_TRUE(search.Found == 3 || !search.SawAll)
+          << search.Found << " found, " << FirstFailedPath() << " failed";
+    }
+    if (kind != CallKind::Read) {
+      EXPECT_GT(failures, 0) << NameOf(kind);
+    }
   }
 }
 

@@ -39,10 +39,12 @@ class Search {
       : pattern_(std::move(pattern)), stop_(std::move(stop)) {
     std::error_code error;
     for (fs::directory_iterator entry(folder, error); Goes(entry, error); entry.increment(error)) {
-      std::error_code unknown;
       Take(*entry);
-      if (entry->symlink_status(unknown).type() == fs::file_type::directory)
-        error = LookInside(entry->path());
+      std::error_code unknown;
+      const fs::file_type type = entry->symlink_status(unknown).type();
+      if (type == fs::file_type::directory) error = LookInside(entry->path());
+      // It may be a folder, with captures in it.
+      if (type == fs::file_type::none) error = unknown;
       if (error) break;
     }
     std::sort(found_.begin(), found_.end());
