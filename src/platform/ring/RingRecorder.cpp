@@ -21,10 +21,7 @@ bool Recordable(const PcmFormat& format) {
 }  // namespace
 
 RingRecorder::RingRecorder(base::EventLoop& loop, SoundSource& source)
-    : source_(source),
-      loop_(loop),
-      pollTimer_(loop.MakeTimer(kPollInterval, [this] { Poll(); })),
-      displayTimer_(loop.MakeTimer(kDisplayInterval, [this] { Display(); })) {}
+    : source_(source), loop_(loop), timer_(loop.MakeTimer(kInterval, [this] { Poll(); })) {}
 
 RingRecorder::~RingRecorder() {
   CloseSource();
@@ -96,8 +93,7 @@ NumberedResult RingRecorder::StartRecording() {
   Look();
   ledger_.BeginCapture();
   recording_ = true;
-  pollTimer_->SetEnabled(true);
-  displayTimer_->SetEnabled(true);
+  timer_->SetEnabled(true);
   return {};
 }
 
@@ -115,7 +111,6 @@ void RingRecorder::Stop() {
   recording_ = false;
   stoppedAt_ = loop_.BootNow();
   ledger_.EndCapture(stoppedAt_);
-  displayTimer_->SetEnabled(false);
 }
 
 void RingRecorder::Forget() {
@@ -140,6 +135,7 @@ void RingRecorder::Poll() {
   for (std::size_t blocks = ring_->Available() / blockSamples_; blocks > 0 && recording_; --blocks) {
     HandOver(blockSamples_);
   }
+  if (recording_ && timerHandler_) timerHandler_();
 }
 
 void RingRecorder::HandOver(std::size_t samples) {
@@ -154,10 +150,6 @@ void RingRecorder::HandOver(std::size_t samples) {
   }
   newest_.insert(newest_.end(), block_.begin(), block_.end());
   if (blockHandler_) blockHandler_();
-}
-
-void RingRecorder::Display() {
-  if (timerHandler_) timerHandler_();
 }
 
 std::vector<std::int16_t> RingRecorder::GetDisplaySamples(std::int32_t count) const {
@@ -187,8 +179,7 @@ void RingRecorder::OpenSource(const SoundDevice& device) {
 }
 
 void RingRecorder::CloseSource() {
-  pollTimer_->SetEnabled(false);
-  displayTimer_->SetEnabled(false);
+  timer_->SetEnabled(false);
   recording_ = false;
   if (!open_) return;
   source_.Close();

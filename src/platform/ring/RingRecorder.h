@@ -45,8 +45,8 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   static constexpr const char* kMapperName = "Sound Mapper";
 
   static constexpr int kRingSeconds = 30;
-  static constexpr std::chrono::milliseconds kPollInterval{50};
-  static constexpr std::chrono::milliseconds kDisplayInterval{100};
+  /// Of looks at the ring, and of calls of the timer handler: a block is as long.
+  static constexpr std::chrono::milliseconds kInterval{100};
   static constexpr std::chrono::milliseconds kIdleLimit{10000};
 
   /// Both must outlive the recorder.
@@ -104,7 +104,6 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
   void Look();
   void HandOver(std::size_t samples);
   void Forget();
-  void Display();
 
   SoundSource& source_;
   base::EventLoop& loop_;
@@ -137,8 +136,7 @@ class RingRecorder final : public AudioRecorder, private SampleSink {
 
   std::function<void()> blockHandler_;
   std::function<void()> timerHandler_;
-  std::unique_ptr<base::Timer> pollTimer_;
-  std::unique_ptr<base::Timer> displayTimer_;
+  std::unique_ptr<base::Timer> timer_;
 };
 
 }  // namespace kestrune::platform

@@ -538,6 +538,17 @@ TEST_F(RingRecorderTest, TheDisplayTimerFiresWhileRecordingOnly) {
   EXPECT_EQ(fired, 10);
 }
 
+TEST_F(RingRecorderTest, OneTimerServesTheBlocksAndTheDisplay) {
+  std::vector<std::size_t> taken;
+  Recorder->SetTimerHandler([&] { taken.push_back(Taken.size()); });
+  ASSERT_EQ(Start(), RingRecorder::kStarted);
+  const auto before = Loop.HandlersRun();
+  Loop.Run(milliseconds(1000));
+  EXPECT_EQ(Loop.HandlersRun() - before, 10U) << "each waking of the program costs more than a block";
+  ASSERT_FALSE(taken.empty());
+  EXPECT_EQ(taken.back(), Taken.size()) << "the display has the block of its moment";
+}
+
 TEST_F(RingRecorderTest, DisplaySamplesAreTheNewestThatWereHandedOver) {
   EXPECT_TRUE(Recorder->GetDisplaySamples(100).empty());
   ASSERT_EQ(Start(), RingRecorder::kStarted);
