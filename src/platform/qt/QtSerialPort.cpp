@@ -22,8 +22,8 @@
 namespace kestrune::platform {
 namespace {
 
-// A line that was hung up is not reported before it is read.
-constexpr std::chrono::milliseconds kHangUpCheck{200};
+// A line that was hung up is not always reported before it is read.
+constexpr std::chrono::milliseconds kHangUpCheck{1000};
 // A line brings a few bytes every few milliseconds, as adapters on the bus do too; what comes so soon after the first of them
 // is read with them. Each waking of the program costs more than the bytes.
 constexpr std::chrono::milliseconds kGather{20};
@@ -145,6 +145,7 @@ void QtSerialPort::TakeLine(FileDescriptor line) {
     if (loop_.Pumping()) return ReceiveGathered();
     Gather(kGather);
   });
+  hangUpCheck_->SetInterval(kHangUpCheck);
   hangUpCheck_->SetEnabled(true);
 }
 
@@ -190,11 +191,14 @@ void QtSerialPort::Receive() {
   if (!line_.IsOpen() || dead_) return;
   LineInput input = ReadSerialLine(line_);
   received_ += input.Bytes;
-  if (input.Dead) {
-    dead_ = true;
-    // A dead line is readable for ever.
-    readable_->setEnabled(false);
-  }
+  if (input.Dead) Die();
+}
+
+void QtSerialPort::Die() {
+  dead_ = true;
+  // A dead line is readable for ever.
+  readable_->setEnabled(false);
+  hangUpCheck_->SetInterval(std::chrono::milliseconds(0));
 }
 
 void QtSerialPort::Gather(std::chrono::milliseconds time) {
@@ -240,7 +244,7 @@ void QtSerialPort::SendWaiting() {
     if (errno == EAGAIN) {
       sendAgain_->SetEnabled(true);
     } else {
-      dead_ = true;
+      Die();
     }
     return;
   }

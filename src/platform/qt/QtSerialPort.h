@@ -57,6 +57,8 @@ class QtSerialPort final : public SerialPort {
   void ReceiveGathered();
   void NotifySoon();
   void Notify();
+  /// Takes no more of the line, and gives it up soon.
+  void Die();
   void CloseIfDead();
   void SendWaiting();
 
