@@ -52,8 +52,8 @@ class SerialPort {
   [[nodiscard]] virtual bool Output(std::string_view bytes) = 0;
 
   virtual void SetReceiveHandler(std::function<void()> handler) = 0;
-  /// What comes within this time is of no use yet, so that the handler may wait that long, once. A port need not make
-  /// use of it.
+  /// What comes within this time is of no use yet, so that the handler may wait that long, once; a new time takes the
+  /// place of one that runs. A port need not make use of it.
   virtual void HoldReceiveHandler(std::chrono::milliseconds /*time*/) {}
 };
 

@@ -38,8 +38,6 @@ class FrameReader {
   /// bytes it cuts off, however much follows them.
   [[nodiscard]] FrameStep Next(std::string& frame);
 
-  /// Bytes that the frame in front lacks, once Next has found it incomplete.
-  [[nodiscard]] std::size_t Lacking() const { return localLength_ + kOverhead - Pending().size(); }
   /// Whether there is enough for Next to look at.
   [[nodiscard]] bool HasCandidate() const { return Pending().size() > kOverhead; }
   /// Bytes received and not yet cut off; valid until the next call.

@@ -23,7 +23,8 @@ constexpr std::int16_t kLastChannel = 255;
 constexpr int kThresholdOpening = 1;
 constexpr int kThreshold = 5;
 constexpr auto kPartialFramePoll = 40ms;
-constexpr std::size_t kBytesPerSecond = 960;  // at 9600 baud, with start and stop bit
+// What is known of a channel is some eighty bytes, for which the line needs more than eighty milliseconds.
+constexpr auto kMostOfAChannel = 60ms;
 constexpr auto kReplyTry = 150ms;
 constexpr int kReplyTries = 10;
 constexpr auto kHeldTooLong = 5s;
@@ -238,7 +239,10 @@ bool RadioSession::pcrGetSignalLevels() {
 }
 
 bool RadioSession::pcrGetChannelInfo(std::int16_t channelNumber) {
-  if (Usable() && IsChannel(channelNumber)) Send(command::ChannelInfo(channelNumber));
+  if (Usable() && IsChannel(channelNumber)) {
+    Send(command::ChannelInfo(channelNumber));
+    port_.HoldReceiveHandler(kMostOfAChannel);
+  }
   return false;
 }
 
@@ -249,6 +253,7 @@ bool RadioSession::pcrEnumerateChannels(std::int16_t nextChannel) {
   } else {
     Send(command::kFirstChannelInfo);
   }
+  port_.HoldReceiveHandler(kMostOfAChannel);
   return true;
 }
 
@@ -354,9 +359,8 @@ bool RadioSession::ReceiveRound() {
     if (reader_.Next(replies_.pcrLastResponse) == FrameStep::Incomplete) {
       tmrComm_->SetInterval(kPartialFramePoll);
       tmrComm_->SetEnabled(true);
-      // The line needs so long for the rest; what wakes the program before costs more than the bytes.
-      const std::chrono::milliseconds rest(reader_.Lacking() * 1000 / kBytesPerSecond);
-      port_.HoldReceiveHandler(std::min<std::chrono::milliseconds>(rest, kPartialFramePoll));
+      // The poll takes what comes until then; each byte that wakes the program before costs more than it brings.
+      port_.HoldReceiveHandler(kPartialFramePoll);
       return false;
     }
     TraceFrame('<', replies_.pcrLastResponse);

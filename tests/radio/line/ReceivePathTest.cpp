@@ -12,6 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class ReceivePathTest : public SessionFixture {
  protected:
@@ -186,16 +187,24 @@ TEST_F(ReceivePathTest, APartialFrameIsPolledEvery40Milliseconds) {
   EXPECT_TRUE(session.Replies().pcrMuteReplySeen);
 }
 
-TEST_F(ReceivePathTest, TheRestOfAFrameMayComeAsLateAsTheLineBringsIt) {
+TEST_F(ReceivePathTest, TheRestOfAFrameMayComeWithThePoll) {
   port.Arrive(Bytes("5A A5 00 1B 80 00 00 00 00 00"));
   loop.Run(Milliseconds(0));
-  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(23))) << "23 bytes at 960 a second";
+  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(40)));
 }
 
-TEST_F(ReceivePathTest, TheRestOfALongFrameMayComeWithThePoll) {
-  port.Arrive(Bytes("5A A5 00 4A A5 01 00 01 00 00"));
-  loop.Run(Milliseconds(0));
-  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(40))) << "70 bytes would be 72";
+TEST_F(ReceivePathTest, TheBeginningOfWhatIsKnownOfAChannelMayWait) {
+  session.pcrGetChannelInfo(44);
+  EXPECT_THAT(port.Held(), ElementsAre(Milliseconds(60)));
+  session.pcrEnumerateChannels(44);
+  session.pcrEnumerateChannels(0);
+  EXPECT_THAT(port.Held(), SizeIs(3));
+}
+
+TEST_F(ReceivePathTest, OtherAnswersAreShortAndNotHeld) {
+  session.pcrGetSignalLevels();
+  session.pcrGetChannelInfo(-1);
+  EXPECT_THAT(port.Held(), IsEmpty());
 }
 
 TEST_F(ReceivePathTest, WholeFramesHoldNothing) {
