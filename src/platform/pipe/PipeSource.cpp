@@ -29,7 +29,7 @@ using std::chrono::steady_clock;
 
 constexpr std::size_t kFrameBytes = 4;
 constexpr std::size_t kReadBytes = 65536;  // as much as a pipe holds
-constexpr int kMostPaceMilliseconds = 40;
+constexpr int kMostPaceMilliseconds = 50;
 constexpr int kRetryMilliseconds = 1000;
 
 int OpenPath(const std::string& path) {
@@ -96,10 +96,14 @@ class PipeSource::Reader {
   }
 
   void RunFifo() {
-    for (;;) {
-      if (!WaitForFifo()) return;
-      const ssize_t count = ReadSome(kReadBytes);
-      if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) WaitForNextWriter();
+    while (WaitForFifo()) {
+      ssize_t count = ReadSome(kReadBytes);
+      while (count > 0) {
+        if (!Rest(file_)) return;
+        count = ReadSome(kReadBytes);
+      }
+      if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
+      WaitForNextWriter();
       if (!Rest(file_)) return;
     }
   }
