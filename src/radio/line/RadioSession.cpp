@@ -1,6 +1,5 @@
 #include "radio/line/RadioSession.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <fmt/format.h>
