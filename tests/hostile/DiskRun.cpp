@@ -141,6 +141,18 @@ void DiskRun::RecordSongs() {
   Run(kSong);
 }
 
+bool DiskRun::RecordFor(std::chrono::milliseconds captured) {
+  unit_->Wishes().Record();
+  radio_.Play(kChannel, "Moonlighters", "Song");
+  const recorder::RecordingState& recording = unit_->State().Recording;
+  for (auto passed = 0ms; passed < 1min; passed += 100ms) {
+    Run(100ms);
+    const auto& record = recording.CaptureSlots.at(static_cast<std::size_t>(recording.CaptureSlot));
+    if (std::chrono::milliseconds(record.WrittenMs) >= captured) return true;
+  }
+  return false;
+}
+
 void DiskRun::RecordForEver(std::atomic<std::int64_t>& capturedMs, std::atomic<std::int64_t>& slot) {
   unit_->Wishes().Record();
   const recorder::RecordingState& recording = unit_->State().Recording;

@@ -55,6 +55,8 @@ class DiskRun {
   [[nodiscard]] bool Start();
   /// Songs pass, three of them are recorded, one of the shelf is kept and a setting is changed.
   void RecordSongs();
+  /// A song is recorded, and goes on once so much of it was given to its file. False if that takes longer than a minute.
+  [[nodiscard]] bool RecordFor(std::chrono::milliseconds captured);
   /// Songs are recorded without an end. Says in which slot, and how many milliseconds of the song in hand its file was
   /// given.
   [[noreturn]] void RecordForEver(std::atomic<std::int64_t>& capturedMs, std::atomic<std::int64_t>& slot);
