@@ -120,7 +120,9 @@ std::vector<std::string> WordsOfTheSameStart(const CommandLine& line, const std:
       break;
   }
   std::vector<std::string> rest = base::Split(line.RemainingText, ' ');
-  std::erase(rest, std::string());
+  // Those inside are blanks that keep the digits of a number apart; those in front would be lost.
+  rest.erase(rest.begin(),
+             std::find_if(rest.begin(), rest.end(), [](const std::string& word) { return !word.empty(); }));
   const bool likeOptions =
       std::any_of(rest.begin(), rest.end(), [](const std::string& word) { return word.starts_with("--"); });
   if (likeOptions) words.emplace_back("--");

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "control/CommandLine.h"
+#include "recorder/SlashOptions.h"
 
 namespace kestrune::control {
 namespace {
@@ -170,6 +171,14 @@ TEST(CommandLine, TheWordsOfTheSameStartReadAsTheSameUnit) {
   EXPECT_EQ(again.Chosen.Profile, "/a b");
   EXPECT_EQ(again.Chosen.PortDevices, line.Chosen.PortDevices);
   EXPECT_EQ(again.Chosen.Audio, AudioInput::Pulse);
+}
+
+TEST(CommandLine, BlanksBetweenDigitsStayAtTheSameStart) {
+  const CommandLine line = Parse({"", "/port=2", "", "4", "--headless"});
+  EXPECT_EQ(recorder::ForcedPortOf(line.RemainingText).Value, 2);
+  const std::vector<std::string> words = WordsOfTheSameStart(line, "/");
+  EXPECT_THAT(words, ElementsAre("/port=2", "", "4")) << "with one blank it would be port 24";
+  EXPECT_EQ(Parse(words).RemainingText, line.RemainingText);
 }
 
 TEST(CommandLine, WhatFollowsTheEndOfTheOptionsFollowsItAtTheSameStart) {
